@@ -1,0 +1,3 @@
+#include "app/state.h"
+
+kv_defref_var_rec_t kv_pext;

@@ -1,0 +1,73 @@
+// GX files on disk: versions, link files, reading, saving, and the slots.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "gx/db/file_records.h"
+
+// --- names and link files (link_file.cpp)
+// The current version of directory/base, as its link file says.
+struct gx_file_version_t {
+  bool found = false;          // a link file with a token exists
+  bool valid = false;          // its token carries a valid number
+  std::int16_t version = 1;    // 1 when not found
+  gx_string_record_t file_pathname;
+  gx_string_record_t link_pathname;
+  gx_string_record_t link_value;  // "_1" when not found
+};
+gx_file_version_t gx_file_get_file_version(std::string_view dirname, std::string_view filetype);
+// The names of version + 1.
+gx_file_version_t gx_file_new_file_version(std::string_view dirname, std::string_view filetype,
+                                           std::int16_t version);
+// The first token of a link file; false when it cannot be opened or is empty (then counted).
+bool gx_read_gx_link(std::string_view link_path, gx_string_record_t& link_value);
+bool gx_add_gx_link(std::string_view link_path, std::string_view link_value);
+
+struct gx_link_test_t {
+  gx_string_record_t directory;
+  bool link_found = false;  // the symbol reference is valid
+  bool current = false;     // and names the current version
+};
+gx_link_test_t gx_check_gx_link(std::string_view data_path);
+
+struct gx_symbol_path_t {
+  gx_string_record_t directory, name;
+  std::int16_t version = 0;
+  bool error = false;       // no version digits
+};
+gx_symbol_path_t gx_get_path_n0version(std::string_view path);
+
+// --- reading (record_codec.cpp): the outcome of reading one data file. `code` is all_is_ok or the
+//     status the file is refused with; `message` names the file and what is wrong with it.
+struct gx_load_t {
+  std::shared_ptr<gx_file_gene_recf_t> file;
+  gx_code code = gx_code::all_is_ok;
+  std::string message;
+};
+// Decodes the bytes of a data file; never stops the program. `name` is used in messages only.
+gx_load_t gx_decode_file(std::string_view bytes, std::string_view name);
+// Reads and decodes a data file; file_open_invalid when it cannot be read.
+gx_load_t gx_load_file(std::string_view data_path);
+
+// --- slots (file_slots.cpp)
+// Opens the current version of directory/base into a new slot, or an empty file when there is no
+// link file; every failure stops the program.
+gx_file_index_t gx_file_open(std::string_view dirname, std::string_view filetype);
+// The same, but a file that is there and cannot be used gives 0 and the reason, and takes no slot.
+gx_file_index_t gx_file_try_open(std::string_view dirname, std::string_view filetype,
+                                 std::string& why);
+// Points a slot at the current version of another file; false when that has no link file (the slot
+// is then empty). The same file already there stays as it is.
+bool gx_file_reopen(gx_file_index_t file_index, std::string_view dirname,
+                    std::string_view filetype);
+// The same, but leaves the slot as it was when the file is missing or cannot be used.
+bool gx_file_try_reopen(gx_file_index_t file_index, std::string_view dirname,
+                        std::string_view filetype, std::string& why);
+void gx_file_close(gx_file_index_t file_index, bool save);
+// Fills the slot with an empty file.
+void gx_file_create_new(gx_file_index_t file_index);
+
+// The dump of every object into "list_obj_file" of the file's directory.
+void gx_object_list(gx_file_index_t file_index);

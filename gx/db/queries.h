@@ -1,0 +1,121 @@
+// The queries that walk sheets (lb_) and symbol files (wn_), and the lookup of properties by name.
+//
+// A "first" query gives the family object and its first member (0 when the family is empty), the
+// matching "next" query the next member (0 at the end). Deleted objects are returned like any
+// other. Missing families, bad ids and wrong types stop the program.
+#pragma once
+
+#include <optional>
+
+#include "gx/db/file_records.h"
+
+struct gx_first_t {
+  gx_object_id_t family = 0, member = 0;
+};
+
+// A symbol's pin and the instance's pin property family at the same position; (0, 0) at the end.
+struct gx_pin_pair_t {
+  gx_object_id_t pin = 0, pinpropfam = 0;
+  explicit operator bool() const { return pin != 0 && pinpropfam != 0; }
+};
+
+struct gx_inst_children_t {
+  gx_object_id_t bodpropfam = 0, pin_family = 0;
+};
+struct gx_symbol_children_t {
+  gx_object_id_t body = 0, pin_family = 0, instance = 0;
+};
+struct gx_graphics_property_t {
+  gx_object_id_t graphics = 0, property_family = 0;
+};
+struct gx_comp_children_t {
+  gx_object_id_t body = 0, pin_family = 0, symbol_family = 0, frame = 0;
+};
+
+// --- families of a sheet
+gx_first_t lb_inq_first_inst_id(const gx_file_gene_recf_t& file);
+gx_object_id_t lb_inq_next_inst_id(const gx_file_gene_recf_t& file, int inst);
+gx_first_t lb_inq_first_symbol_id(const gx_file_gene_recf_t& file);
+gx_object_id_t lb_inq_next_symbol_id(const gx_file_gene_recf_t& file, int symbol);
+gx_first_t lb_inq_first_net_id(const gx_file_gene_recf_t& file);
+gx_object_id_t lb_inq_next_net_id(const gx_file_gene_recf_t& file, int net);
+gx_first_t lb_inq_first_vertex_id(const gx_file_gene_recf_t& file);
+gx_object_id_t lb_inq_next_vertex_id(const gx_file_gene_recf_t& file, int vertex);
+gx_first_t lb_inq_first_frame_id(const gx_file_gene_recf_t& file);
+gx_object_id_t lb_inq_next_frame_id(const gx_file_gene_recf_t& file, int frame);
+
+// --- instances of one symbol
+gx_object_id_t lb_inq_first_inst_ofsymb_id(const gx_file_gene_recf_t& file, int symbol);
+gx_object_id_t lb_inq_next_inst_ofsymb_id(const gx_file_gene_recf_t& file, int symbol, int inst);
+
+// --- children
+gx_inst_children_t lb_inq_inst_child_id(const gx_file_gene_recf_t& file, int inst);
+gx_symbol_children_t lb_inq_symbol_child_id(const gx_file_gene_recf_t& file, int symbol);
+// Of a body, frame or net: both, at any place among the children.
+gx_graphics_property_t lb_inq_graphics_property_id(const gx_file_gene_recf_t& file, int holder);
+
+// --- pins
+gx_pin_pair_t lb_inq_inst_first_pin_id(const gx_file_gene_recf_t& file, int inst);
+gx_pin_pair_t lb_inq_inst_next_pin_id(const gx_file_gene_recf_t& file, gx_pin_pair_t pair);
+gx_pin_pair_t lb_inq_symbol_first_pin_id(const gx_file_gene_recf_t& file, int symbol);
+gx_pin_pair_t lb_inq_symbol_next_pin_id(const gx_file_gene_recf_t& file, gx_pin_pair_t pair);
+gx_object_id_t lb_instance_of_pin_id(const gx_file_gene_recf_t& file, int pinpropfam);
+gx_pointreal_t lb_inq_inst_origin(const gx_file_gene_recf_t& file, int inst);
+
+// --- property lookup
+// The first not deleted property of a holder (bodpropfam, pinpropfam, pin, property_family) with
+// that name; 0 when there is none. A net also counts as a holder of the properties directly
+// under it.
+gx_object_id_t gx_find_property_name(const gx_file_gene_recf_t& file, int holder,
+                                     std::string_view name);
+// The value of a named property of an object; nothing when it has none. An instance falls back on
+// its symbol's body, a net looks in its property family.
+std::optional<gx_string_record_t> lb_get_valueof_prop_pin(const gx_file_gene_recf_t& file, int pin, std::string_view name);
+std::optional<gx_string_record_t> lb_get_valueof_prop_pinpropfam(const gx_file_gene_recf_t& file, int pinpropfam, std::string_view name);
+std::optional<gx_string_record_t> lb_get_valueof_prop_inst(const gx_file_gene_recf_t& file, int inst, std::string_view name);
+std::optional<gx_string_record_t> lb_get_valueof_prop_net(const gx_file_gene_recf_t& file, int net, std::string_view name);
+
+// --- segments and properties of a net, under it or under its graphics and property family
+gx_object_id_t gx_inq_first_net_segment_id(const gx_file_gene_recf_t& file, int net);
+gx_object_id_t gx_inq_next_net_segment_id(const gx_file_gene_recf_t& file, int net, int segment);
+gx_object_id_t gx_inq_first_net_property_id(const gx_file_gene_recf_t& file, int net);
+gx_object_id_t gx_inq_next_net_property_id(const gx_file_gene_recf_t& file, int net, int property);
+
+// --- symbol files
+gx_first_t wn_inq_first_comp_id(const gx_file_gene_recf_t& file);
+gx_object_id_t wn_inq_next_comp_id(const gx_file_gene_recf_t& file, int comp);
+gx_comp_children_t wn_inq_comp_child_id(const gx_file_gene_recf_t& file, int comp);
+gx_object_id_t wn_inq_first_symbol_id(const gx_file_gene_recf_t& file, int comp);
+gx_object_id_t wn_inq_next_symbol_id(const gx_file_gene_recf_t& file, int symbol);
+gx_symbol_children_t wn_inq_symbol_child_id(const gx_file_gene_recf_t& file, int symbol);
+gx_graphics_property_t wn_inq_graphics_property_id(const gx_file_gene_recf_t& file, int holder);
+gx_object_id_t wn_inq_comp_first_pin_id(const gx_file_gene_recf_t& file, int comp);
+gx_object_id_t wn_inq_comp_next_pin_id(const gx_file_gene_recf_t& file, int pin);
+gx_object_id_t wn_inq_symbol_first_pin_id(const gx_file_gene_recf_t& file, int symbol);
+gx_object_id_t wn_inq_symbol_next_pin_id(const gx_file_gene_recf_t& file, int pin);
+
+// --- ranges over the queries, for loops: for (int inst : gx_members(file, gx_type::instance)) ...
+// Walks the members of a family of a sheet, or any chain of siblings.
+class gx_siblings {
+ public:
+  class iterator {
+   public:
+    iterator(const gx_file_gene_recf_t* file, int id) : file_(file), id_(id) {}
+    int operator*() const { return id_; }
+    iterator& operator++();
+    bool operator!=(const iterator& other) const { return id_ != other.id_; }
+
+   private:
+    const gx_file_gene_recf_t* file_;
+    int id_;
+  };
+  gx_siblings(const gx_file_gene_recf_t& file, int first) : file_(&file), first_(first) {}
+  iterator begin() const { return {file_, first_}; }
+  iterator end() const { return {file_, 0}; }
+
+ private:
+  const gx_file_gene_recf_t* file_;
+  int first_;
+};
+// Children of an object in child order.
+gx_siblings gx_children(const gx_file_gene_recf_t& file, int father);

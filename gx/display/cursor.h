@@ -1,0 +1,12 @@
+// The pointer: its shape and its position.
+#pragma once
+
+#include "gx/text/records.h"
+
+// Shapes, by index: 1 X, 2 crosshair, 3 down, 4 left, 5 right, 6 up arrow, 7 thin cross, 8 I-beam,
+// 9 watch. While a command runs the watch is shown instead. A bad index stops with
+// draw_cursor_invalid. Nothing without a display.
+void gx_cursor_set_pattern(int index);
+void gx_cursor_active();
+void gx_cursor_erase();
+void gx_cursor_set_position(gx_point16_t pixel);

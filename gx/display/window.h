@@ -1,0 +1,24 @@
+// The X connection, the one window and its shared resources.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+#include "gx/text/state.h"
+
+// Opens the display, makes the window, colours, cursors and menu pixmaps, and creates the
+// viewports (1..16 of them). No or wrong DISPLAY ends the process with status 1; other failures
+// stop the program.
+void gx_init(std::span<const gx_viewport_init_rec_t> viewports, std::string_view window_name);
+int gx_number_of_planes();
+
+// The same package state without a display: no viewport, nothing is drawn.
+void gx_init_nograph();
+
+// Closes the display connection.
+void gx_terminate();
+
+// Waits until the server has done all requests; nothing without a display.
+void gx_sync();
+void gx_wait_sync();  // after 100 ms

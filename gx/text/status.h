@@ -1,0 +1,85 @@
+// The status word, the names of its codes, and the fatal stop of the package.
+//
+// An operation that meets an inconsistency does not return: it calls gx_set_status, which
+// reports the code by name, gives back what the process holds, and aborts. Operations that can
+// meet a condition their caller wants to know (a damaged file, say) return it as a gx_code.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+// Position in gx_error_name; 0 is success.
+enum class gx_code : std::int16_t {
+  all_is_ok = 0,
+  init_not_done = 1,
+  already_initialized = 3,
+  init_or_open_file_not_done = 8,
+  file_creat_invalid = 10,
+  file_open_invalid = 11,
+  file_close_invalid = 12,
+  current_file_invalid = 13,
+  too_many_files = 14,
+  file_id_invalid = 16,
+  file_index_invalid = 18,
+  file_data_invalid = 19,
+  draw_cursor_invalid = 23,
+  viewport_id_invalid = 24,
+  viewport_bounds_invalid = 25,
+  draw_viewport_invalid = 27,
+  creating_viewport_impossible = 29,
+  too_many_viewports = 33,
+  viewport_blocked = 34,
+  nb_of_viewport_invalid = 35,
+  coordonate_conversion_overflow = 37,
+  too_many_objects = 41,
+  invalid_level = 42,
+  object_id_invalid = 43,
+  page_obj_id_invalid = 44,
+  object_structure_invalid = 46,
+  object_type_invalid = 48,
+  object_already_open = 50,
+  object_create_invalid = 51,
+  object_open_invalid = 52,
+  object_close_invalid = 53,
+  invalid_arc3p_2d = 60,
+  invalid_circle_2d = 61,
+  invalid_grid_2d = 62,
+  invalid_line_2d = 63,
+  invalid_polyline_2d = 64,
+  invalid_polyline5_2d = 65,
+  invalid_rectangle_2d = 66,
+  invalid_tag = 67,
+  invalid_property_2d = 68,
+  invalid_string = 69,
+  invalid_style = 71,
+  pick_aperture_size_invalid = 75,
+  input_event_type_invalid = 80,
+  bounds_invalid = 83,
+};
+
+inline constexpr int gx_number_of_codes = 85;
+inline constexpr std::int32_t gx_status_base = 0x06050000;  // subsystem 6, module 5
+
+// The status word: 0 is success, an error is its code + gx_status_base.
+struct STATUS_T {
+  std::int32_t all = 0;
+};
+extern STATUS_T status;
+
+// The name of a code 0..84; "" outside.
+std::string_view gx_error_name(int code);
+
+// Reports the code on standard output, runs the context-save command once the program is fully
+// initialised, closes the debug file, gives back what gx_at_fatal_stop registered (last
+// registered first), and aborts.
+[[noreturn]] void gx_set_status(gx_code code);
+
+// Stops with current_file_invalid when the word holds an error.
+void gx_check(const STATUS_T& word);
+
+// `release` gives back something the process holds (streams of GX files, the display). It is
+// called at a fatal stop only, must not raise a status itself, and may be registered once.
+void gx_at_fatal_stop(void (*release)());
+
+// Runs the registered releases, last registered first, once; used by every fatal stop.
+void gx_release_all();
