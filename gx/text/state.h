@@ -13,6 +13,7 @@
 
 #include "gx/text/arguments.h"
 #include "gx/text/records.h"
+#include "platform/timing.h"
 
 struct _XDisplay;
 struct _XGC;
@@ -90,11 +91,6 @@ struct gx_menu_rec_t {
 
 template <std::size_t Entries>
 using gx_menu_level_t = std::array<std::unique_ptr<gx_menu_rec_t>, Entries>;
-
-// Seconds and microseconds; the layout of the platform layer's time stamp.
-struct gx_time_stamp_t {
-  std::int32_t tv_sec = 0, tv_usec = 0;
-};
 
 struct gx_defref_var_rec_t {
   // --- session (gx/text)
@@ -175,7 +171,7 @@ struct gx_defref_var_rec_t {
   std::int32_t key_state = 0;
   std::int32_t CapsLockState = 1;     // 1 while the caps lock is off
   std::int32_t gxXautoRepeatOn = 1;
-  gx_time_stamp_t lasttime;
+  x_timeval_record_t lasttime;
   std::int32_t last_motputb = 0;
   bool snap_state = false;
   gx_object_id_t edit_comp_id = 0;

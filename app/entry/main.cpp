@@ -1,0 +1,3 @@
+// The program entry.
+
+int main() { return 0; }
