@@ -1,0 +1,20 @@
+#include "gx/text/debug.h"
+
+#include <cstdarg>
+#include <cstdio>
+
+#include "gx/text/state.h"
+
+void gx_debug(const char* format, ...) {
+  if (gx_vext.debugfile == nullptr) return;
+  va_list values;
+  va_start(values, format);
+  std::vfprintf(gx_vext.debugfile, format, values);
+  va_end(values);
+}
+
+void gx_debug_line(std::string_view text) {
+  if (gx_vext.debugfile == nullptr) return;
+  std::fwrite(text.data(), 1, text.size(), gx_vext.debugfile);
+  std::fputc('\n', gx_vext.debugfile);
+}

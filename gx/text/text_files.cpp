@@ -1,0 +1,127 @@
+#include "gx/text/text_files.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "gx/text/debug.h"
+#include "gx/text/record_fill.h"
+#include "gx/text/strings.h"
+#include "platform/shell.h"
+#include "platform/timing.h"
+
+namespace {
+constexpr std::string_view product_word = "$VELMORAN";
+constexpr std::string_view default_product = "/users/velmoran";
+constexpr std::size_t max_path = 192;
+constexpr std::int32_t max_line = 198;
+constexpr mode_t creation_mode = 0660;
+
+// Whether the path can be opened as a file of text. A directory or a pipe never can: reading from
+// it would give nothing or wait for ever.
+bool probe(const char* path, bool rdonly) {
+  const int flags = rdonly ? O_RDONLY : O_RDWR | O_CREAT;
+  const int file = open(path, flags | O_NONBLOCK | O_CLOEXEC, creation_mode);
+  if (file < 0) return false;
+  struct stat info {};
+  const bool usable =
+      fstat(file, &info) == 0 && !S_ISDIR(info.st_mode) && !S_ISFIFO(info.st_mode);
+  close(file);
+  return usable;
+}
+
+struct opening_t {
+  std::FILE* file = nullptr;
+  bool probed = false;
+  gx_string_record_t path;  // as it was opened
+  bool writes = false;
+};
+
+opening_t open_text(std::string_view path, char mode, bool rdonly) {
+  const gx_string_record_t asked = gx_string(path);
+  gx_debug(" GX_POPEN_FILE : file_name : \"%s\"  rorw : %c  rdonly : %s\n", asked.char_, mode,
+           rdonly ? "TRUE" : "FALSE");
+  opening_t result;
+  result.path = gx_resolve_path(path);
+  result.probed = probe(result.path.char_, rdonly);
+  if (!result.probed) return result;
+  xdelayms(10);
+  const char upper = gx_upper_case(mode);
+  if (upper != 'R' && upper != 'W')
+    gx_debug("!!! ( gx_popen_file ) rorw invalid  : \"%s\" %c\n", result.path.char_, mode);
+  result.writes = upper == 'W';
+  result.file = std::fopen(result.path.char_, result.writes ? "we" : "re");
+  if (result.file != nullptr) gx_debug(" GX_POPEN_FILE : \"%s\" open\n", result.path.char_);
+  return result;
+}
+}  // namespace
+
+gx_string_record_t gx_get_velmoran() {
+  const char* value = std::getenv("VELMORAN");
+  const std::string_view text = value == nullptr ? std::string_view{} : value;
+  if (text.empty()) return gx_string(default_product);
+  // The environment is not ours: what a record cannot hold becomes blank or is cut.
+  gx_string_record_t string;
+  for (const char c : text.substr(0, gx_max_string_length - 1))
+    string.char_[string.len++] = gx_printable(c) ? c : ' ';
+  return string;
+}
+
+gx_string_record_t gx_resolve_path(std::string_view path) {
+  std::string full;
+  if (path.substr(0, product_word.size()) == product_word) {
+    full = gx_view(gx_get_velmoran());
+    path.remove_prefix(product_word.size());
+  }
+  full += path;
+  return gx_string(std::string_view(full).substr(0, max_path));
+}
+
+std::FILE* gx_popen_file(std::string_view path, char mode, bool rdonly) {
+  const opening_t opening = open_text(path, mode, rdonly);
+  if (opening.probed && opening.file == nullptr) {
+    std::printf("?? gx_popen_file : impossible to open file_name :'%s' (for %c) \n",
+                opening.path.char_, opening.writes ? 'W' : 'R');
+    std::exit(0);
+  }
+  return opening.file;
+}
+
+std::FILE* gx_popen_filei(std::string_view path, char mode, bool rdonly) {
+  const opening_t opening = open_text(path, mode, rdonly);
+  if (opening.file == nullptr)
+    std::printf("!!! ( gx_popen_filei ) impossible to open file  : \"%s\"\n",
+                opening.path.char_);
+  return opening.file;
+}
+
+bool gx_read_one_line(std::FILE* file, gx_string_record_t& string) {
+  string.len = 0;
+  int c = std::fgetc(file);
+  const bool at_end = c == EOF;
+  while (c != EOF && c != '\n') {
+    if (string.len == max_line) {  // the rest of the line is the next call's
+      std::ungetc(c, file);
+      break;
+    }
+    const char byte = static_cast<char>(c);
+    string.char_[string.len++] = gx_printable(byte) ? byte : ' ';
+    c = std::fgetc(file);
+  }
+  string.char_[string.len] = 0;
+  return !at_end;
+}
+
+void gx_system(const gx_string_record_t& command) {
+  gx_check_string(command);
+  std::string_view text = gx_view(command);
+  if (text.size() >= gx_max_string_length - 1) return;
+  if (!text.empty() && (text[0] == '\'' || text[0] == '"')) {
+    text.remove_prefix(1);
+    if (!text.empty()) text.remove_suffix(1);
+  }
+  xshell_run(std::string(text).c_str());
+}
