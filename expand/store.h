@@ -23,7 +23,8 @@ inline constexpr int kv_max_list = 16;      // entries of a PRIMitive, PARAMeter
 // Which array; also the order of the design file.
 enum class kv_array { chars, strings, props, insts, pins, nets, net_childs, macros, pinms };
 
-// Reports the full array `name` and stops the program (kv_error_stop).
+// Reports that the array whose counter is max_<name>_cur ("string", "net_child", ...) is full and
+// stops the program (kv_error_stop).
 [[noreturn]] void kv_array_full(std::string_view name, std::int32_t index);
 
 // One blocked array. `count` is the number of records in use.
@@ -243,7 +244,7 @@ extern std::FILE* kv_debf;  // the engine's debug file; owned by the application
 void kv_empty_store();
 
 // The fatal stop of the engine: tells both debug files, gives back what the process holds, says so
-// on standard output, and aborts.
+// on standard output, and ends the process with a failure status.
 [[noreturn]] void kv_error_stop();
 
 // --- writers: the new index
@@ -262,6 +263,7 @@ kv_net_record_t& kv_ptrto_net_rec(std::int32_t index);
 kv_net_child_record_t& kv_ptrto_net_child_rec(std::int32_t index);
 kv_pinm_record_t& kv_ptrto_pinm_rec(std::int32_t index);
 kv_macro_record_t& kv_ptrto_macro_rec(std::int32_t index);
+const char* kv_ptrto_chars(std::int32_t string_index);  // the string's first character
 std::string_view kv_string_view(std::int32_t string_index);  // "" for 0
 gx_string_record_t kv_copy_string_kv_gx(std::int32_t string_index);
 
