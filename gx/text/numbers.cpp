@@ -75,8 +75,8 @@ void two_decimals(double value, gx_string_record_t& string) {
     decimals = 0;
   }
   char text[64];
-  const int len = std::snprintf(text, sizeof text, "%s%.0f.%02d", value < 0 ? "-" : "", whole,
-                                decimals);
+  const int len =
+      std::snprintf(text, sizeof text, "%s%.0f.%02d", value < 0 ? "-" : "", whole, decimals);
   gx_copy_const({text, static_cast<std::size_t>(len)}, string);
 }
 
@@ -121,8 +121,7 @@ gx_parsed<gx_real_t> gx_string_to_real(std::string_view text) {
 
 gx_parsed<float> gx_string_to_shortreal(std::string_view text) {
   const auto scan = scan_real(text);
-  const bool fits = std::fabs(scan.value) <=
-                    static_cast<double>(std::numeric_limits<float>::max());
+  const bool fits = std::fabs(scan.value) <= static_cast<double>(std::numeric_limits<float>::max());
   if (scan.error || !fits) return {0, true};
   return {static_cast<float>(scan.value), false};
 }

@@ -14,9 +14,9 @@ struct check_texts_t {
   const char* invalid_char;
   const char* name;
 };
-constexpr check_texts_t string_texts = {
-    nullptr, " !!! error in  gx_check_string  ( too long )  ",
-    " !!! error in  gx_check_string  ( invalid char )  ", "gx_check_string"};
+constexpr check_texts_t string_texts = {nullptr, " !!! error in  gx_check_string  ( too long )  ",
+                                        " !!! error in  gx_check_string  ( invalid char )  ",
+                                        "gx_check_string"};
 constexpr check_texts_t name_texts = {
     " !! error in gx_check_name  ( < 0 ) ", " !!! error in  gx_check_name  ( too long )  ",
     " !!! error in  gx_check_name ( invalid char )  ", "gx_check_name"};
@@ -44,8 +44,8 @@ std::int32_t find_invalid(std::string_view text) {
   return 0;
 }
 
-[[noreturn]] void stop_invalid_char(const check_texts_t& texts, std::int32_t len,
-                                    std::int32_t at, const char* chars) {
+[[noreturn]] void stop_invalid_char(const check_texts_t& texts, std::int32_t len, std::int32_t at,
+                                    const char* chars) {
   gx_debug_line(texts.invalid_char);
   gx_debug(" %s  : len %d    ind_char = %d   char : %d\n", texts.name, len, at, chars[at - 1]);
   debug_first_characters(chars);

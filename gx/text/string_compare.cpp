@@ -34,8 +34,8 @@ bool both_sound(const char* operation, const side_t& a, const side_t& b) {
   if (sound(a) && sound(b)) return true;
   const std::string_view head_a = a.text.substr(0, 10), head_b = b.text.substr(0, 10);
   gx_debug("!!! error in %s \n len : %d  \"%.*s\"  len : %d  \"%.*s\"\n", operation, a.len,
-           static_cast<int>(head_a.size()), head_a.data(), b.len,
-           static_cast<int>(head_b.size()), head_b.data());
+           static_cast<int>(head_a.size()), head_a.data(), b.len, static_cast<int>(head_b.size()),
+           head_b.data());
   return false;
 }
 
@@ -103,11 +103,10 @@ bool gx_string_equal_value(const gx_string_record_t& string, const gx_value_reco
 
 bool gx_is_less_than(const gx_string_record_t& a, const gx_string_record_t& b) {
   const std::string_view x = gx_view(a), y = gx_view(b);
-  return std::lexicographical_compare(
-      x.begin(), x.end(), y.begin(), y.end(), [](char p, char q) {
-        return static_cast<unsigned char>(gx_upper_case(p)) <
-               static_cast<unsigned char>(gx_upper_case(q));
-      });
+  return std::lexicographical_compare(x.begin(), x.end(), y.begin(), y.end(), [](char p, char q) {
+    return static_cast<unsigned char>(gx_upper_case(p)) <
+           static_cast<unsigned char>(gx_upper_case(q));
+  });
 }
 
 std::int32_t gx_length(const char* text) {

@@ -22,7 +22,8 @@ std::string_view checked_source(const Record& record, std::size_t most, const ch
 
 std::string_view checked_source(std::string_view text, std::size_t most, const char* operation) {
   if (text.size() > most)
-    gx_refuse_length(operation, text, static_cast<std::int32_t>(std::min(text.size(), std::size_t{INT32_MAX})));
+    gx_refuse_length(operation, text,
+                     static_cast<std::int32_t>(std::min(text.size(), std::size_t{INT32_MAX})));
   return text;
 }
 
@@ -79,9 +80,10 @@ void gx_copy_const(std::string_view text, gx_string_record_t& string) {
   if (text.size() > max_string) {
     const std::string_view kept = text.substr(0, max_string - 1);
     const std::string_view head = text.substr(0, 10);
-    std::printf(" !!! error in  copy_const : > max \n"
-                "###  copy_const  : str_in(10) : \"%.*s\"      len : %d\n",
-                static_cast<int>(head.size()), head.data(), static_cast<int>(text.size()));
+    std::printf(
+        " !!! error in  copy_const : > max \n"
+        "###  copy_const  : str_in(10) : \"%.*s\"      len : %d\n",
+        static_cast<int>(head.size()), head.data(), static_cast<int>(text.size()));
     gx_fill(string, kept);
     gx_set_status(gx_code::invalid_string);
   }

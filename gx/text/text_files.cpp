@@ -27,8 +27,7 @@ bool probe(const char* path, bool rdonly) {
   const int file = open(path, flags | O_NONBLOCK | O_CLOEXEC, creation_mode);
   if (file < 0) return false;
   struct stat info {};
-  const bool usable =
-      fstat(file, &info) == 0 && !S_ISDIR(info.st_mode) && !S_ISFIFO(info.st_mode);
+  const bool usable = fstat(file, &info) == 0 && !S_ISDIR(info.st_mode) && !S_ISFIFO(info.st_mode);
   close(file);
   return usable;
 }
@@ -93,8 +92,7 @@ std::FILE* gx_popen_file(std::string_view path, char mode, bool rdonly) {
 std::FILE* gx_popen_filei(std::string_view path, char mode, bool rdonly) {
   const opening_t opening = open_text(path, mode, rdonly);
   if (opening.file == nullptr)
-    std::printf("!!! ( gx_popen_filei ) impossible to open file  : \"%s\"\n",
-                opening.path.char_);
+    std::printf("!!! ( gx_popen_filei ) impossible to open file  : \"%s\"\n", opening.path.char_);
   return opening.file;
 }
 

@@ -1,0 +1,131 @@
+// Text files, the command-line words and the fatal stop, as the rest of the program meets them.
+#include "gx/text/text_files.h"
+
+#include <sys/stat.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "gx/text/arguments.h"
+#include "gx/text/strings.h"
+#include "tests/unit/fatal_stop.h"
+
+namespace {
+class TextFiles : public testing::Test {
+ protected:
+  TextFiles() {
+    char name[] = "/tmp/kivo_text_XXXXXX";
+    dir_ = mkdtemp(name);
+  }
+  ~TextFiles() override { std::filesystem::remove_all(dir_); }
+  std::string path(const std::string& name) const { return dir_ + "/" + name; }
+  void write(const std::string& name, const std::string& text) const {
+    std::ofstream(path(name)) << text;
+  }
+  std::vector<std::string> lines(const std::string& name) const {
+    std::vector<std::string> read;
+    std::FILE* file = gx_popen_file(name, 'r', true);
+    if (file == nullptr) return {"cannot be opened"};
+    for (gx_string_record_t line; gx_read_one_line(file, line);) read.emplace_back(gx_view(line));
+    std::fclose(file);
+    return read;
+  }
+  std::string dir_;
+};
+
+TEST_F(TextFiles, LinesAreReadWhole) {
+  const std::string x198(198, 'x');
+  write("f", "one\n\ntab\there\n" + x198 + "\n" + x198 + "rest\nlast");
+  EXPECT_EQ(lines(path("f")),
+            (std::vector<std::string>{"one", "", "tab here", x198, x198, "rest", "last"}));
+}
+
+TEST_F(TextFiles, TheProductDirectoryStandsInPaths) {
+  write("help", "hello\n");
+  setenv("VELMORAN", dir_.c_str(), 1);
+  EXPECT_EQ(lines("$VELMORAN/help"), std::vector<std::string>{"hello"});
+  for (const char* unset : {"", static_cast<const char*>(nullptr)}) {
+    if (unset == nullptr) {
+      unsetenv("VELMORAN");
+    } else {
+      setenv("VELMORAN", unset, 1);
+    }
+    EXPECT_EQ(gx_view(gx_resolve_path("$VELMORAN/help")), "/users/velmoran/help");
+  }
+  EXPECT_EQ(gx_view(gx_resolve_path("a/$VELMORAN")), "a/$VELMORAN");
+  EXPECT_EQ(gx_resolve_path(std::string(199, 'p')).len, 192);
+  setenv("VELMORAN", std::string(500, '\t').c_str(), 1);
+  EXPECT_EQ(gx_resolve_path("$VELMORAN/help").len, 192);
+  unsetenv("VELMORAN");
+}
+
+TEST_F(TextFiles, WhatIsNoTextFileIsRefused) {
+  EXPECT_EQ(gx_popen_file(path("none"), 'R', true), nullptr);
+  EXPECT_EQ(gx_popen_file(path("none/none"), 'W', false), nullptr);
+  EXPECT_EQ(gx_popen_file(dir_, 'R', true), nullptr);
+  ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
+  EXPECT_EQ(gx_popen_file(path("pipe"), 'R', true), nullptr);
+  testing::internal::CaptureStdout();
+  EXPECT_EQ(gx_popen_filei(path("none"), 'R', true), nullptr);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(),
+            "!!! ( gx_popen_filei ) impossible to open file  : \"" + path("none") + "\"\n");
+
+  std::FILE* made = gx_popen_file(path("made"), 'w', false);
+  ASSERT_NE(made, nullptr);
+  std::fclose(made);
+  EXPECT_TRUE(std::filesystem::exists(path("made")));
+}
+
+TEST_F(TextFiles, ShellCommandsLoseTheirQuotes) {
+  gx_system(gx_string("\"echo done > " + path("out") + "\""));
+  EXPECT_EQ(lines(path("out")), std::vector<std::string>{"done"});
+  gx_system(gx_string("'"));
+}
+
+TEST(Arguments, WordsAreKeptAndCut) {
+  gx_reset_state();
+  const std::string w198(198, 'w'), w199(199, 'w');
+  const char* words[] = {"kivo", "dir\nrest", w198.c_str(), w199.c_str()};
+  gx_store_arg(4, words);
+  gx_string_record_t word;
+  EXPECT_TRUE(gx_get_arg(2, word));
+  EXPECT_EQ(gx_view(word), "dir");
+  EXPECT_TRUE(gx_get_arg(3, word));
+  EXPECT_EQ(gx_view(word), w198);
+  EXPECT_TRUE(gx_get_arg(4, word));
+  EXPECT_EQ(word.len, 0);
+  for (std::int32_t outside : {0, 5, 41, -1}) EXPECT_FALSE(gx_get_arg(outside, word));
+
+  const std::vector<const char*> many(41, "x");
+  const auto store = [&](int argc) {
+    say_all_on_stderr();
+    gx_store_arg(argc, many.data());
+  };
+  EXPECT_EXIT(store(41), testing::ExitedWithCode(0), " !!! invalid usage  : arg number : 41\n");
+  EXPECT_EXIT(store(1), testing::ExitedWithCode(0), " !!! invalid usage  : arg number :  1\n");
+}
+
+TEST(FatalStop, NamesTheCodeAndGivesBackInReverseOrder) {
+  const auto stop = [] {
+    gx_at_fatal_stop([] { std::fputs("first given back\n", stderr); });
+    gx_at_fatal_stop([] {
+      std::fputs("last given back\n", stderr);
+      gx_set_status(gx_code::invalid_level);  // a stop within the stop must still end
+    });
+    gx_set_status(gx_code::page_obj_id_invalid);
+  };
+  expect_stop(stop, gx_code::invalid_level,
+              " \\?\\? error  :            page_obj_id_invalid\nlast given back\n");
+  EXPECT_EQ(gx_error_name(84), "name_length_invalid");
+  EXPECT_EQ(gx_error_name(85), "");
+  EXPECT_EQ(gx_error_name(-1), "");
+  STATUS_T word;
+  gx_check(word);
+  word.all = gx_status_base + 44;
+  expect_stop([&] { gx_check(word); }, gx_code::current_file_invalid,
+              " gx_check :  status.all <> gx_operation_ok : 100991020");
+}
+}  // namespace

@@ -1,0 +1,126 @@
+// The text records: what they hold, what they refuse, how they compare.
+#include <string>
+
+#include "gx/text/strings.h"
+#include "tests/unit/fatal_stop.h"
+
+namespace {
+const std::string a63(63, 'a'), a64(64, 'a'), a198(198, 'a'), a199(199, 'a'), a200(200, 'a');
+
+TEST(TextRecords, ConcatenationIsClippedAt199) {
+  auto string = gx_string(a198);
+  gx_concat_const("xyz", string);
+  EXPECT_EQ(gx_view(string), a198 + "x");
+  EXPECT_EQ(string.char_[199], 0);
+  gx_concat_name(gx_name("n"), string);
+  EXPECT_EQ(string.len, 199);
+
+  auto almost = gx_string(a198);
+  gx_concat_sp(almost);
+  EXPECT_EQ(almost.len, 198);
+  auto room = gx_string(std::string(196, 'a'));
+  gx_concat_sp(room);
+  gx_concat_sp(room);
+  EXPECT_EQ(room.len, 198);
+}
+
+TEST(TextRecords, CopiesOfARecordOntoItselfKeepIt) {
+  auto string = gx_string("abc");
+  gx_copy_line(string, string);
+  gx_concat_line(string, string);
+  EXPECT_EQ(gx_view(string), "abcabc");
+}
+
+TEST(TextRecords, NamesAndValuesKeepTheirCapacity) {
+  gx_name_record_t name;
+  name.len = 64;
+  std::fill_n(name.char_, 64, 'n');
+  gx_check_name(name);  // full, but sound
+  gx_string_record_t string;
+  expect_stop([&] { gx_name_string(name, string); }, gx_code::invalid_string,
+              " !!! error in  name_string : > max ");
+  gx_copy_name(gx_string(a63), name);
+  EXPECT_EQ(gx_view(name), a63);
+  expect_stop([&] { gx_copy_name(gx_string(a64), name); }, gx_code::invalid_string,
+              " !!! error in  copy_name : > max \n str_in \\(10\\) : \"aaaaaaaaaa\"");
+  gx_value_record_t value;
+  expect_stop([&] { gx_copy_value(gx_string(std::string(96, 'v')), value); },
+              gx_code::invalid_string, "copy_value : > max");
+}
+
+TEST(TextRecords, ChecksSayWhatIsWrong) {
+  gx_string_record_t string = gx_string("abc");
+  const auto check = [&] { gx_check_string(string); };
+  string.char_[1] = '\t';
+  expect_stop(check, gx_code::invalid_string,
+              " !!! error in  gx_check_string  \\( invalid char \\)  \n"
+              " gx_check_string  : len 3    ind_char = 2   char : 9");
+  string.len = -4;
+  expect_stop(check, gx_code::invalid_string, " !! error in gx_check_string \\( < 0 \\) : len -4");
+  string.len = 200;
+  expect_stop(check, gx_code::invalid_string,
+              " !!! error in  gx_check_string  \\( too long \\)  \n gx_check_string  : len 200");
+
+  gx_name_record_t name = gx_name("n");
+  name.len = 65;
+  expect_stop([&] { gx_check_name(name); }, gx_code::invalid_string,
+              " !!! error in  gx_check_name  \\( too long \\)  \n gx_check_name  : len 65");
+  gx_value_record_t value = gx_value("v");
+  value.char_[0] = static_cast<char>(200);
+  expect_stop([&] { gx_check_value(value); }, gx_code::invalid_string,
+              " !!! error in  gx_check_value  \\( invalid char \\)  ");
+  expect_stop([] { gx_string(a200); }, gx_code::invalid_string, "copy_string : > max");
+  expect_stop([&] { gx_copy_const(a200, string); }, gx_code::invalid_string,
+              "copy_const  : str_in\\(10\\) : \"aaaaaaaaaa\"      len : 200");
+}
+
+TEST(TextRecords, ATypedLineIsRepaired) {
+  const struct {
+    std::string typed;
+    std::int32_t len;
+    std::string repaired;
+  } cases[] = {
+      {"A\nB", 3, "A;B"},
+      {"A\n", 2, "A"},
+      {"A\n\nB", 4, "A;;B"},
+      {std::string("A\0B", 3), 3, "A"},
+      {std::string("A\n\0B", 4), 4, "A"},
+      {"a\tb\xe9", 4, "a b "},
+      {"abc", -3, ""},
+      {a199, 199, a198},
+      {a199, 70000, a198},
+  };
+  for (const auto& c : cases) {
+    gx_string_record_t string;
+    std::copy(c.typed.begin(), c.typed.end(), string.char_);
+    string.len = c.len;
+    gx_rest_string(string);
+    EXPECT_EQ(gx_view(string), c.repaired);
+  }
+}
+
+TEST(TextRecords, ComparisonsIgnoreCaseAndNeverStop) {
+  EXPECT_TRUE(gx_const_iden_string("abc", gx_string("ABC")));
+  EXPECT_FALSE(gx_const_iden_string("ab", gx_string("ABC")));
+  EXPECT_TRUE(gx_const_equal_string("AB", gx_string("abcd")));
+  EXPECT_FALSE(gx_const_equal_string("abcd", gx_string("AB")));
+  EXPECT_FALSE(gx_const_iden_string("[", gx_string("{")));  // only letters have a case
+  EXPECT_TRUE(gx_name_iden_name(gx_name("Vdd"), gx_name("vDD")));
+  EXPECT_TRUE(gx_string_equal_value(gx_string("por"), gx_value("PORT_IN")));
+
+  gx_string_record_t damaged = gx_string("abc");
+  damaged.len = -1;
+  EXPECT_FALSE(gx_string_iden_string(damaged, damaged));
+  EXPECT_FALSE(gx_const_equal_string("", damaged));
+  damaged.len = 100000;
+  EXPECT_FALSE(gx_string_equal_name(damaged, gx_name("abc")));
+  EXPECT_FALSE(gx_const_iden_string(std::string(201, 'a'), gx_string(a199)));
+
+  EXPECT_TRUE(gx_is_less_than(gx_string("ab"), gx_string("ABC")));
+  EXPECT_TRUE(gx_is_less_than(gx_string("B_1"), gx_string("ba")) == ('_' < 'A'));
+  EXPECT_FALSE(gx_is_less_than(gx_string("abc"), gx_string("ABC")));
+  EXPECT_EQ(gx_length(a200.c_str()), 200);
+  expect_stop([] { gx_length(std::string(201, 'x').c_str()); }, gx_code::invalid_string,
+              " !!! error in  gx_length : > max");
+}
+}  // namespace
