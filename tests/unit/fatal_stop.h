@@ -15,6 +15,7 @@ inline void say_all_on_stderr() {
   std::fflush(stdout);
   dup2(STDERR_FILENO, STDOUT_FILENO);
   gx_vext.debugfile = fdopen(dup(STDERR_FILENO), "w");
+  std::setvbuf(gx_vext.debugfile, nullptr, _IONBF, 0);  // in the order it was said
 }
 
 // `call` stops the program with `code`, after it said `text` (a regular expression).
