@@ -24,11 +24,15 @@ using kv_handler_t = void (*)(const kv_command_t& command);
 
 // --- answers in the list viewport
 inline constexpr std::string_view kv_bad_count = "# !! Error : parameter number invalid ? ";
-// `keyword` followed by the words from `first` on, each followed by a blank.
+// Shows one line: `keyword` to the letter (" SMAsh ON ", "# SMAsh "), then the words from `first`
+// on, each followed by a blank.
 void kv_echo(std::string_view keyword, const kv_command_t& command, int first = 2);
 // The same and then the error line.
 void kv_refuse(std::string_view keyword, const kv_command_t& command, std::string_view error,
                int first = 2);
+// A typed text without its quotes: what lies between the first quote and the next equal one,
+// followed by a blank; a text without such a pair as it is.
+gx_string_record_t kv_unquote(std::string_view text);
 // Shows the parts joined, as one line.
 void kv_show_parts(std::span<const std::string_view> parts);
 template <typename... Part>

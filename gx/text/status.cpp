@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 #include <vector>
 
 #include "gx/text/debug.h"
@@ -119,10 +120,8 @@ void save_context() {
   gx_system(command);
 }
 
-void close_debug_file() {
-  if (gx_vext.debugfile == nullptr) return;
-  std::fclose(gx_vext.debugfile);
-  gx_vext.debugfile = nullptr;
+void close_file(std::FILE*& file) {
+  if (file != nullptr) std::fclose(std::exchange(file, nullptr));
 }
 }  // namespace
 
@@ -141,7 +140,7 @@ void gx_set_status(gx_code code) {
   if (!stopping) {  // a stop inside the stop goes straight to the abort
     stopping = true;
     save_context();
-    close_debug_file();
+    close_file(gx_vext.debugfile);
     gx_release_all();
   }
   std::fflush(nullptr);
@@ -166,4 +165,13 @@ void gx_release_all() {
     list.pop_back();
     release();
   }
+}
+
+void gx_end_process(std::string_view message, int exit_status) {
+  std::printf("%.*s\n", static_cast<int>(message.size()), message.data());
+  close_file(gx_vext.debugfile);
+  close_file(gx_vext.cursessfile);
+  gx_release_all();
+  std::fflush(nullptr);
+  std::_Exit(exit_status);
 }
