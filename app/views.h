@@ -1,7 +1,12 @@
 // Showing files in the edit and context viewports.
 #pragma once
 
+#include <array>
+
 #include "gx/text/state.h"
+
+// The four viewports of the window, in the order of their ids: edit, cmd, list, context.
+std::array<gx_viewport_init_rec_t, 4> set_viewports();
 
 // Draws a sheet whole, or the part between two corners, in a viewport (only while the display
 // is on).

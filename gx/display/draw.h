@@ -27,6 +27,13 @@ void gx_display_selvertex(gx_vpid_t vpid, gx_pointreal_t p);
 void gx_display_pin_nocon(gx_vpid_t vpid, gx_pointreal_t p);
 void gx_display_link(gx_vpid_t vpid, gx_pointreal_t from, gx_pointreal_t to);
 
+// --- shapes in pixels
+// A filled square of side 2 * half_size around the pixel, when it lies whole in the clip window.
+void gx_display_dot(gx_vpid_t vpid, gx_point16_t pixel, int half_size, int color);
+// `pixel_width` nested outlines.
+void gx_display_rectangle(gx_point16_t p1, gx_point16_t p2, int style, int color, int pixel_width);
+void gx_display_rectangle_dot(gx_point16_t p1, gx_point16_t p2, int color, int dot_size);
+
 // --- grid
 gx_object_id_t gx_object_inq_grid_id(const gx_file_gene_recf_t& file);
 void gx_set_grid_visibility(gx_file_index_t file_index, gx_vpid_t vpid);

@@ -13,6 +13,9 @@
 void gx_init(std::span<const gx_viewport_init_rec_t> viewports, std::string_view window_name);
 int gx_number_of_planes();
 
+// The events the window asks for.
+inline constexpr long gx_event_mask = 0x20804F;
+
 // The same package state without a display: no viewport, nothing is drawn.
 void gx_init_nograph();
 

@@ -20,6 +20,8 @@ struct _XGC;
 
 struct gx_file_gene_recf_t;    // gx/db/file_records.h
 struct gx_undo_objet_rec_t;    // gx/db/undo.h
+struct gx_pen_t;               // gx/display/pen.cpp
+struct gx_scaled_font_t;       // gx/display/stroke_text.cpp
 
 using gx_file_index_t = std::int8_t;  // 1..32; 0 = none
 using gx_object_id_t = std::int16_t;  // 1..30000; 0 = none
@@ -131,6 +133,9 @@ struct gx_defref_var_rec_t {
   int scrid = 0;
   unsigned long root = 0, win = 0;
   _XGC* our_gc = nullptr;
+  unsigned long wm_protocols = 0, wm_delete_window = 0;  // atoms: the user closes the window
+  std::shared_ptr<gx_pen_t> pen;      // strokes not yet sent
+  std::shared_ptr<const gx_scaled_font_t> strpt;  // glyphs at the size of the screen texts
   std::array<gx_color_t, 9> colorrec;
   unsigned long backgrpixel = 0, foregrpixel = 0;
   gx_point16_t bitmap_size;           // drawable width - 1, height - 1

@@ -1,0 +1,91 @@
+#include "gx/display/colors.h"
+
+#include <X11/Xlib.h>
+
+#include <array>
+#include <cstdint>
+#include <limits>
+#include <vector>
+
+#include "gx/text/debug.h"
+#include "gx/text/state.h"
+
+namespace {
+// A colour's name, and its components for a server that does not know the name.
+struct named_color_t {
+  const char* name;
+  std::uint16_t red, green, blue;
+};
+constexpr std::uint16_t full = 65535;
+constexpr std::array<named_color_t, 8> color_names = {{{"black", 0, 0, 0},
+                                                       {"red", full, 0, 0},
+                                                       {"green", 0, full, 0},
+                                                       {"blue", 0, 0, full},
+                                                       {"cyan", 0, full, full},
+                                                       {"yellow", full, full, 0},
+                                                       {"magenta", full, 0, full},
+                                                       {"white", full, full, full}}};
+// Larger colour maps are never full of other programs' cells.
+constexpr int max_searched_cells = 4096;
+
+std::int64_t distance(const XColor& a, const XColor& b) {
+  const std::int64_t red = a.red - b.red, green = a.green - b.green, blue = a.blue - b.blue;
+  return red * red + green * green + blue * blue;
+}
+
+// The nearest cell of a full colour map that can be shared.
+bool take_nearest(Colormap map, XColor& color) {
+  const int cells = DisplayCells(gx_vext.dpy, gx_vext.scrid);
+  if (cells < 1 || cells > max_searched_cells) return false;
+  std::vector<XColor> present(static_cast<std::size_t>(cells));
+  for (std::size_t i = 0; i < present.size(); ++i) present[i].pixel = i;
+  XQueryColors(gx_vext.dpy, map, present.data(), cells);
+  // Cells of other programs that may change cannot be allocated: try the next nearest then.
+  std::vector<bool> refused(present.size());
+  for (int tries = 0; tries < cells; ++tries) {
+    std::size_t best = present.size();
+    auto best_distance = std::numeric_limits<std::int64_t>::max();
+    for (std::size_t i = 0; i < present.size(); ++i) {
+      if (refused[i] || distance(present[i], color) >= best_distance) continue;
+      best = i;
+      best_distance = distance(present[i], color);
+    }
+    if (best == present.size()) return false;
+    XColor taken = present[best];
+    if (XAllocColor(gx_vext.dpy, map, &taken) != 0) {
+      color = taken;
+      return true;
+    }
+    refused[best] = true;
+  }
+  return false;
+}
+
+XColor allocate(Colormap map, const named_color_t& wanted) {
+  XColor color{}, exact{};
+  if (XAllocNamedColor(gx_vext.dpy, map, wanted.name, &color, &exact) != 0) return color;
+  color = {};
+  color.red = wanted.red;
+  color.green = wanted.green;
+  color.blue = wanted.blue;
+  color.flags = DoRed | DoGreen | DoBlue;
+  if (XAllocColor(gx_vext.dpy, map, &color) != 0) return color;
+  gx_debug(" !! xerror :  cannot allocate x color  ? \n !! color :  '%s'\n", wanted.name);
+  if (take_nearest(map, color)) return color;
+  color.pixel = &wanted == &color_names[0] ? BlackPixel(gx_vext.dpy, gx_vext.scrid)
+                                           : WhitePixel(gx_vext.dpy, gx_vext.scrid);
+  return color;
+}
+}  // namespace
+
+void gx_init_colors() {
+  const Colormap map = DefaultColormap(gx_vext.dpy, gx_vext.scrid);
+  for (std::size_t i = 0; i < color_names.size(); ++i) {
+    const XColor color = allocate(map, color_names[i]);
+    auto& record = gx_vext.colorrec[i];
+    record = {color.pixel, color.red, color.green, color.blue};
+    // On a screen of few colours nothing may vanish on the black ground.
+    if (i > 0 && record.pixel == gx_vext.colorrec[0].pixel)
+      record.pixel = WhitePixel(gx_vext.dpy, gx_vext.scrid);
+  }
+}

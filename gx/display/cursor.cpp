@@ -1,0 +1,79 @@
+#include "gx/display/cursor.h"
+
+#include <X11/Xlib.h>
+
+#include <algorithm>
+
+#include "gx/display/pen.h"
+#include "gx/text/debug.h"
+#include "gx/text/state.h"
+#include "gx/text/status.h"
+
+namespace {
+constexpr int watch_pattern = 9;
+constexpr int pointer_margin = 18;  // the pointer is never put nearer to the window's edge
+
+void check_ready() {
+  if (!gx_vext.init_done && gx_vext.num_file_open < 1)
+    gx_set_status(gx_code::init_or_open_file_not_done);
+}
+
+// Shows the present pattern, or the watch while a command runs.
+void show_cursor(const char* operation) {
+  const auto& v = gx_vext;
+  const int nb_of_patterns = static_cast<int>(v.cursor_array.size());
+  if (v.cursor_ind_cur < 1 || v.cursor_ind_cur > nb_of_patterns) {
+    gx_debug(" !! error : %s : ind_curs : %2d\n", operation, v.cursor_ind_cur);
+    gx_set_status(gx_code::draw_cursor_invalid);
+  }
+  if (v.dpy == nullptr) return;
+  const int pattern = v.cmd_executing ? watch_pattern : v.cursor_ind_cur;
+  const auto& cursor = v.cursor_array[static_cast<std::size_t>(pattern - 1)];
+  if (cursor.cursid != 0) {
+    const auto& shade = v.colorrec[std::min<std::size_t>(cursor.color, 7)];
+    XColor foreground{}, background{};
+    foreground.red = shade.red;
+    foreground.green = shade.green;
+    foreground.blue = shade.blue;
+    XRecolorCursor(v.dpy, cursor.cursid, &foreground, &background);
+  }
+  XDefineCursor(v.dpy, v.win, cursor.cursid);
+  XFlush(v.dpy);
+}
+}  // namespace
+
+void gx_cursor_set_pattern(int index) {
+  check_ready();
+  if (index < 1 || index > static_cast<int>(gx_vext.cursor_array.size())) {
+    gx_debug(" !! error : gx_cursor_set_pattern : ind_curs  : %2d\n", index);
+    gx_set_status(gx_code::draw_cursor_invalid);
+  }
+  gx_vext.cursor_ind_cur = static_cast<std::int16_t>(index);
+  show_cursor("gx_cursor_set_pattern");
+}
+
+void gx_cursor_active() {
+  check_ready();
+  if (gx_vext.dpy == nullptr) return;
+  show_cursor("gx_cursor_active");
+}
+
+void gx_cursor_erase() {
+  check_ready();
+  if (gx_vext.dpy == nullptr) return;
+  XUndefineCursor(gx_vext.dpy, gx_vext.win);
+  XFlush(gx_vext.dpy);
+}
+
+void gx_cursor_set_position(gx_point16_t pixel) {
+  check_ready();
+  if (gx_vext.dpy == nullptr) return;
+  show_cursor("gx_cursor_set_position ");
+  const auto kept = [](int at, int size) {
+    return std::clamp(at, pointer_margin, std::max(size - pointer_margin, pointer_margin));
+  };
+  gx_pen_flush();
+  XWarpPointer(gx_vext.dpy, 0, gx_vext.win, 0, 0, 0, 0, kept(pixel.x, gx_vext.bitmap_size.x),
+               kept(pixel.y, gx_vext.bitmap_size.y));
+  XFlush(gx_vext.dpy);
+}

@@ -1,0 +1,62 @@
+// The pen: every stroke of the program goes through it. It collects lines, arcs and filled boxes by
+// colour and line style and sends each group with one request, so that a sheet costs some dozen
+// requests instead of one an object.
+//
+// All values are window pixels. Within one batch the boxes are drawn first, then the lines and arcs,
+// each colour and style in the order of its first use. Without a display nothing is sent.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "gx/text/records.h"
+
+inline constexpr int gx_nb_of_colors = 8;
+inline constexpr int gx_nb_of_styles = 5;  // 0 solid, 1..4 dashed
+
+struct gx_line16_t {
+  std::int16_t x1 = 0, y1 = 0, x2 = 0, y2 = 0;
+  friend bool operator==(const gx_line16_t&, const gx_line16_t&) = default;
+};
+
+// What an arc covers: the box of its full circle, the start angle and the extent, in 1/64 degree
+// counterclockwise from three o'clock.
+struct gx_arc16_t {
+  int x = 0, y = 0, size = 0;
+  int angle = 0, extent = 0;
+};
+
+// While one of these lives, strokes are kept; when the outermost ends, they are sent and flushed.
+class gx_batch_t {
+ public:
+  gx_batch_t();
+  ~gx_batch_t();
+  gx_batch_t(const gx_batch_t&) = delete;
+  gx_batch_t& operator=(const gx_batch_t&) = delete;
+};
+
+// Colours outside 0..7 are taken as 7. Styles are 0..4; `border` picks the dashes of the borders.
+void gx_pen_line(int color, int style, gx_line16_t line, bool border = false);
+void gx_pen_arc(int color, int style, const gx_arc16_t& arc);
+void gx_pen_box(int color, int x, int y, int width, int height);
+
+// Sends what is kept.
+void gx_pen_flush();
+
+// Sends what is kept, then clips what follows to the box, or clears the box to the window's
+// background. An empty box clears nothing.
+void gx_pen_clip(int x, int y, int width, int height);
+void gx_pen_clear(int x, int y, int width, int height);
+
+// Prepares the graphics context for requests made past the pen: colour, style, thin lines.
+// A style outside 0..4 stops with invalid_style.
+void gx_set_line_dashed(int style, int color);
+
+// The pixel operation of what follows: copy, or exclusive-or (the rubber rectangle).
+void gx_pixel_op_replace();
+void gx_pixel_op_xor();
+
+// What is kept at the moment.
+std::vector<gx_line16_t> gx_pen_kept_lines(int color, int style);
+std::vector<gx_bounds16_t> gx_pen_kept_boxes(int color);  // xmax, ymax are the first pixels outside
+std::vector<gx_arc16_t> gx_pen_kept_arcs(int color, int style);

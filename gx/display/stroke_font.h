@@ -1,0 +1,17 @@
+// The glyphs of the stroke font, on their grid: a cell is 1200 units wide (the advance) and 1000
+// high, the baseline is y = 0 and y grows upwards; strokes lie within 0..1000 both ways.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+inline constexpr int gx_glyph_height = 1000;
+inline constexpr int gx_glyph_advance = 1200;
+
+struct gx_grid_point_t {
+  std::int16_t x = 0, y = 0;
+};
+using gx_stroke_t = std::span<const gx_grid_point_t>;  // a polyline of 2 points or more
+
+// The 1..4 strokes of a character "!" .. "~"; none for a blank or any other code.
+std::span<const gx_stroke_t> gx_glyph(char c);

@@ -1,0 +1,146 @@
+// Pixels to design units and back, and the zoom and place of a viewport over its design.
+#include <algorithm>
+#include <limits>
+
+#include "gx/db/geometry.h"
+#include "gx/db/object_access.h"
+#include "gx/display/viewports.h"
+#include "gx/text/debug.h"
+#include "gx/text/status.h"
+
+namespace {
+constexpr std::int64_t max_pixel = 20000;
+// The part of the design shown stays within these, so that differences fit 32 bits.
+constexpr std::int64_t max_design = 1'000'000'000;
+
+std::int32_t saturated(std::int64_t v) {
+  return static_cast<std::int32_t>(std::clamp<std::int64_t>(
+      v, std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()));
+}
+
+std::int32_t in_design(std::int64_t v) {
+  return static_cast<std::int32_t>(std::clamp(v, -max_design, max_design));
+}
+
+bool shows_open_file(const gx_viewport_rec_t& vp) {
+  return vp.file_index >= 1 && vp.file_index <= gx_vext.num_file_open;
+}
+
+int pixel_width(const gx_viewport_rec_t& vp) {
+  return std::max(vp.pixel_bounds.xmax - vp.pixel_bounds.xmin, 1);
+}
+int pixel_height(const gx_viewport_rec_t& vp) {
+  return std::max(vp.pixel_bounds.ymax - vp.pixel_bounds.ymin, 1);
+}
+
+// Shows the design around (cx, cy) at the present scale.
+void centre(gx_viewport_rec_t& vp, std::int64_t cx, std::int64_t cy) {
+  const std::int64_t hw = std::int64_t{pixel_width(vp)} * vp.object_scale / 2;
+  const std::int64_t hh = std::int64_t{pixel_height(vp)} * vp.object_scale / 2;
+  vp.bounds_part = {in_design(cx - hw), in_design(cy - hh), in_design(cx + hw),
+                    in_design(cy + hh)};
+}
+}  // namespace
+
+gx_vpid_t gx_viewport_pixel_to_vpid(gx_point16_t pixel) {
+  for (int i = 1; i <= gx_vext.viewport_id_max; ++i) {
+    const auto& vp = gx_vext.viewport[static_cast<std::size_t>(i)];
+    const gx_bounds16_t& p = vp.pixel_bounds;
+    if (!vp.vp_blocked && pixel.x > p.xmin && pixel.x < p.xmax && pixel.y > p.ymin &&
+        pixel.y < p.ymax)
+      return static_cast<gx_vpid_t>(i);
+  }
+  return 0;
+}
+
+gx_vpid_t gx_viewport_pixel_to_obj2d(gx_point16_t pixel, gx_pointreal_t& point) {
+  point = {};
+  const gx_vpid_t vpid = gx_viewport_pixel_to_vpid(pixel);
+  if (vpid == 0 || !gx_is_picture_viewport(vpid)) return vpid;
+  const auto& vp = gx_viewport_rec(vpid);
+  if (vp.file_index < 1 || vp.file_index > gx_max_files) return vpid;
+  const std::int64_t scale = vp.object_scale;
+  point.x = saturated(vp.bounds_part.xmin + (pixel.x - vp.pixel_bounds.xmin) * scale);
+  point.y = saturated(vp.bounds_part.ymin + (pixel.y - vp.pixel_bounds.ymin) * scale);
+  return vpid;
+}
+
+gx_point16_t gx_viewport_pt_real_to_pixel(gx_vpid_t vpid, gx_pointreal_t p) {
+  if (!gx_drawing_possible()) return {};
+  const auto& vp = gx_viewport_rec(vpid);
+  if (!shows_open_file(vp)) return {};
+  const std::int64_t scale = vp.object_scale;
+  const auto pixel = [scale](std::int16_t first, std::int32_t at, std::int32_t start) {
+    return static_cast<std::int16_t>(
+        std::clamp(first + at / scale - start / scale, -max_pixel, max_pixel));
+  };
+  return {pixel(vp.pixel_bounds.xmin, p.x, vp.bounds_part.xmin),
+          pixel(vp.pixel_bounds.ymin, p.y, vp.bounds_part.ymin)};
+}
+
+int gx_viewport_obj2d_to_pixel(gx_vpid_t vpid, std::int32_t length) {
+  if (!gx_drawing_possible()) return 0;
+  const auto& vp = gx_viewport_rec(vpid);
+  if (!shows_open_file(vp)) return 0;
+  const std::int64_t pixels = std::int64_t{length} / vp.object_scale;
+  return static_cast<int>(std::min(pixels < 0 ? -pixels : pixels, max_pixel));
+}
+
+gx_pointreal_t gx_viewport_dpt_obj2d_inst(const gx_file_gene_recf_t& file, int inst,
+                                          gx_pointreal_t p0, gx_pointreal_t d) {
+  if (inst > file.object_id_max) {
+    gx_debug(" gx_viewport_dpt_obj2d_inst : inst_id : %12d\n", inst);
+    gx_set_status(gx_code::object_id_invalid);
+  }
+  if (inst > 0 && gx_object_id_ptr(file, inst).object_type == gx_type::instance) {
+    const auto& instance = gx_instance_info_ptr(file, inst);
+    if (instance.rotate > 3) {
+      gx_debug_line(" gx_viewport_dpt_obj2d_inst  ( instanced ) : inst.rotate invalid ?");
+      gx_set_status(gx_code::coordonate_conversion_overflow);
+    }
+    d = gx_turn(d, instance.rotate, instance.fliph != 0);
+  }
+  return {saturated(std::int64_t{p0.x} + d.x), saturated(std::int64_t{p0.y} + d.y)};
+}
+
+void gx_viewport_fit(gx_vpid_t vpid, const gx_boundsreal_t& box) {
+  if (!gx_drawing_possible()) return;
+  auto& vp = gx_viewport_rec(vpid);
+  const std::int64_t width = std::int64_t{box.xmax} - box.xmin;
+  const std::int64_t height = std::int64_t{box.ymax} - box.ymin;
+  std::int64_t scale = std::max(width / pixel_width(vp), height / pixel_height(vp));
+  scale += scale / 20;
+  const std::int64_t largest = 2 * max_design / std::max(pixel_width(vp), pixel_height(vp));
+  vp.object_scale = static_cast<std::int32_t>(std::clamp<std::int64_t>(scale, 1, largest));
+  centre(vp, box.xmin / 2 + box.xmax / 2, box.ymin / 2 + box.ymax / 2);
+}
+
+void gx_viewport_translate(gx_vpid_t vpid, int dy_sign, int dx_sign, std::int32_t amount) {
+  if (!gx_drawing_possible()) return;
+  gx_boundsreal_t& b = gx_viewport_rec(vpid).bounds_part;
+  const std::int64_t dx = std::int64_t{dx_sign} * amount, dy = std::int64_t{dy_sign} * amount;
+  const gx_boundsreal_t moved = {in_design(b.xmin + dx), in_design(b.ymin + dy),
+                                 in_design(b.xmax + dx), in_design(b.ymax + dy)};
+  // At the end of the design space the view stops rather than shrinks.
+  if (std::int64_t{moved.xmax} - moved.xmin == std::int64_t{b.xmax} - b.xmin &&
+      std::int64_t{moved.ymax} - moved.ymin == std::int64_t{b.ymax} - b.ymin)
+    b = moved;
+}
+
+bool gx_viewport_zoom_at(gx_vpid_t vpid, gx_point16_t pixel, int num, int den) {
+  if (!gx_drawing_possible() || num < 1 || den < 1) return false;
+  auto& vp = gx_viewport_rec(vpid);
+  const std::int64_t old_scale = vp.object_scale;
+  std::int64_t scale = old_scale * num / den;
+  if (num > den && scale == old_scale) ++scale;  // small scales grow too
+  const std::int64_t largest = 2 * max_design / std::max(pixel_width(vp), pixel_height(vp));
+  scale = std::clamp<std::int64_t>(scale, 1, largest);
+  if (scale == old_scale) return false;
+  const std::int64_t dx = pixel.x - vp.pixel_bounds.xmin, dy = pixel.y - vp.pixel_bounds.ymin;
+  const std::int64_t xmin = vp.bounds_part.xmin + dx * (old_scale - scale);
+  const std::int64_t ymin = vp.bounds_part.ymin + dy * (old_scale - scale);
+  vp.object_scale = static_cast<std::int32_t>(scale);
+  vp.bounds_part = {in_design(xmin), in_design(ymin), in_design(xmin + pixel_width(vp) * scale),
+                    in_design(ymin + pixel_height(vp) * scale)};
+  return true;
+}

@@ -1,0 +1,342 @@
+// The way from a display name to a mapped window with its shared resources, and back.
+#include "gx/display/window.h"
+
+#include <X11/Xlib.h>
+#include <X11/Xutil.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "gx/display/colors.h"
+#include "gx/display/menus.h"
+#include "gx/display/pen.h"
+#include "gx/display/stroke_text.h"
+#include "gx/display/viewports.h"
+#include "gx/text/debug.h"
+#include "gx/text/status.h"
+
+namespace {
+constexpr int window_x = 40, window_y = 100;
+constexpr int min_width = 200, min_height = 100;
+constexpr unsigned border_width = 1;
+// The pointer shapes, by pattern: X cursor, crosshair, four arrows, thin cross, I-beam, watch.
+constexpr std::array<unsigned, 9> cursor_shapes = {0, 34, 106, 110, 112, 114, 130, 152, 150};
+constexpr std::uint32_t white = 7;
+
+struct size_t16 {
+  int width = 0, height = 0;
+};
+
+void release_display() {
+  if (gx_vext.dpy == nullptr) return;
+  // The keyboard belongs to all programs: it is given back as it was found.
+  if (gx_vext.gxXautoRepeatOn == 0) XAutoRepeatOn(gx_vext.dpy);
+  XSetCloseDownMode(gx_vext.dpy, DestroyAll);
+  XSync(gx_vext.dpy, False);
+  XCloseDisplay(gx_vext.dpy);
+  gx_vext.dpy = nullptr;
+}
+
+int on_x_error(Display* dpy, XErrorEvent* event) {
+  char text[128] = {};
+  XGetErrorText(dpy, event->error_code, text, sizeof text - 1);
+  gx_debug(" !! xerror :  %s  request : %d  %d  resource : %lx\n", text, event->request_code,
+           event->minor_code, event->resourceid);
+  return 0;
+}
+
+// The server is gone: nothing can be drawn any more, what is open is closed, the program ends.
+int on_lost_connection(Display*) {
+  std::printf(" !! Xerror : Connection to the X server lost \n");
+  gx_debug_line(" !! xerror :  connection to the X server lost ");
+  gx_vext.dpy = nullptr;
+  gx_release_all();
+  std::exit(1);
+}
+
+[[noreturn]] void refuse_start(const char* message) {
+  gx_debug_line(message);
+  gx_set_status(gx_code::init_not_done);
+}
+
+const char* display_name() {
+  const char* name = std::getenv("DISPLAY");
+  if (name == nullptr) name = std::getenv("display");
+  if (name != nullptr) return name;
+  std::printf(
+      " !! Xerror : Can't get the X  environment variable 'DISPLAY' or 'display' ? \n"
+      " !!        : You Should set the 'DISPLAY' environment variable to locate X server. \n"
+      " !!        : See 'man X'  and  'man XOpenDisplay'. \n");
+  std::exit(1);
+}
+
+void open_display(const char* name) {
+  gx_vext.dpy = XOpenDisplay(name);
+  if (gx_vext.dpy == nullptr) {
+    std::printf(
+        " !! Xerror : Can't open X display : '%s'? \n"
+        " !!        : INVALID 'DISPLAY' environment variable ... Can't locate X server. \n"
+        " !!        : See 'man X'  and  'man XOpenDisplay'. \n",
+        name);
+    std::exit(1);
+  }
+  gx_at_fatal_stop(release_display);
+  XSetErrorHandler(on_x_error);
+  XSetIOErrorHandler(on_lost_connection);
+  gx_vext.scrid = DefaultScreen(gx_vext.dpy);
+  gx_vext.root = RootWindow(gx_vext.dpy, gx_vext.scrid);
+}
+
+// Size of a drawable; false when the server does not tell.
+bool ask_geometry(Drawable drawable, int& x, int& y, size_t16& size) {
+  Window root = 0;
+  unsigned width = 0, height = 0, border = 0, depth = 0;
+  if (XGetGeometry(gx_vext.dpy, drawable, &root, &x, &y, &width, &height, &border, &depth) == 0)
+    return false;
+  size = {static_cast<int>(width), static_cast<int>(height)};
+  return true;
+}
+
+void check_root() {
+  int x = 0, y = 0;
+  size_t16 size;
+  if (!ask_geometry(gx_vext.root, x, y, size))
+    refuse_start(" !! xerror :  cannot  get display geometry ? ");
+  gx_debug(" gx_init :  root geometry : %d  %d  %d  %d\n", x, y, size.width, size.height);
+  if (x != 0 || y != 0) {
+    gx_debug(" !! xerror : root window origin invalid ? : %2d  %2d\n", x, y);
+    gx_set_status(gx_code::init_not_done);
+  }
+  const int width = DisplayWidth(gx_vext.dpy, gx_vext.scrid);
+  const int height = DisplayHeight(gx_vext.dpy, gx_vext.scrid);
+  if (width != size.width || height != size.height) {
+    gx_debug(" !! xerror : root window dimension invalid ? : %d  %d\n", width, height);
+    gx_set_status(gx_code::init_not_done);
+  }
+}
+
+void tell_window_manager(const XSizeHints& place, std::string_view window_name) {
+  auto& v = gx_vext;
+  XWMHints hints{};
+  hints.flags = InputHint | StateHint;
+  hints.input = True;
+  hints.initial_state = NormalState;
+  XSetWMHints(v.dpy, v.win, &hints);
+  XSizeHints size_hints = place;
+  XSetNormalHints(v.dpy, v.win, &size_hints);
+  const std::string name(window_name);
+  XStoreName(v.dpy, v.win, name.c_str());
+  XSetIconName(v.dpy, v.win, name.c_str());
+  char instance[] = "kivo", kind[] = "Kivo";
+  XClassHint class_hint{instance, kind};
+  XSetClassHint(v.dpy, v.win, &class_hint);
+  v.wm_protocols = XInternAtom(v.dpy, "WM_PROTOCOLS", False);
+  v.wm_delete_window = XInternAtom(v.dpy, "WM_DELETE_WINDOW", False);
+  XSetWMProtocols(v.dpy, v.win, &v.wm_delete_window, 1);
+}
+
+// Makes the window; gives its place and drawable size.
+XRectangle make_window(std::string_view window_name) {
+  auto& v = gx_vext;
+  XSizeHints place{};
+  place.flags = USPosition | USSize;
+  place.x = window_x;
+  place.y = window_y;
+  place.width = std::max(DisplayWidth(v.dpy, v.scrid) - window_x, min_width);
+  place.height = std::max(DisplayHeight(v.dpy, v.scrid) - window_y, min_height);
+  place.min_width = min_width;
+  place.min_height = min_height;
+  v.win = XCreateSimpleWindow(v.dpy, v.root, place.x, place.y, static_cast<unsigned>(place.width),
+                              static_cast<unsigned>(place.height), border_width,
+                              v.colorrec[6].pixel, v.colorrec[0].pixel);
+  int x = 0, y = 0;
+  size_t16 size;
+  if (!ask_geometry(v.win, x, y, size))
+    refuse_start(" !! xerror : cannot get new window geometry ? ");
+  XSelectInput(v.dpy, v.win, gx_event_mask);
+  tell_window_manager(place, window_name);
+  XSetWindowAttributes attributes{};
+  attributes.bit_gravity = NorthWestGravity;
+  attributes.do_not_propagate_mask = 0;
+  attributes.colormap = DefaultColormap(v.dpy, v.scrid);
+  XChangeWindowAttributes(v.dpy, v.win, CWBitGravity | CWDontPropagate | CWColormap, &attributes);
+  return {static_cast<short>(x), static_cast<short>(y),
+          static_cast<unsigned short>(size.width - static_cast<int>(border_width)),
+          static_cast<unsigned short>(size.height - static_cast<int>(border_width))};
+}
+
+void make_graphics_context(const XRectangle& place) {
+  auto& v = gx_vext;
+  v.foregrpixel = v.colorrec[5].pixel;
+  v.backgrpixel = v.colorrec[0].pixel;
+  XGCValues values{};
+  values.function = GXcopy;
+  values.plane_mask = AllPlanes;
+  values.foreground = v.foregrpixel;
+  values.background = v.backgrpixel;
+  values.line_width = 0;
+  values.line_style = LineSolid;
+  values.cap_style = CapButt;
+  values.join_style = JoinMiter;
+  values.fill_style = FillSolid;
+  values.graphics_exposures = False;  // copies of the menus need no events
+  v.our_gc = XCreateGC(v.dpy, v.win,
+                       GCFunction | GCPlaneMask | GCForeground | GCBackground | GCLineWidth |
+                           GCLineStyle | GCCapStyle | GCJoinStyle | GCFillStyle |
+                           GCGraphicsExposures,
+                       &values);
+  gx_pen_clip(place.x + 2, place.y + 2, place.width + place.x - 3, place.height + place.y - 3);
+}
+
+void make_menu_pixmaps(int width, int height) {
+  auto& v = gx_vext;
+  const int pixmap_width = std::max(width * 297 / 1024, 1);
+  const int pixmap_height = std::max(height * 330 / 3072 + height * 330 / 768, 1);
+  const auto depth = static_cast<unsigned>(DefaultDepth(v.dpy, v.scrid));
+  for (std::size_t level = 0; level < v.menu_pixid.size(); ++level) {
+    v.menu_pixid[level] = XCreatePixmap(v.dpy, v.win, static_cast<unsigned>(pixmap_width),
+                                        static_cast<unsigned>(pixmap_height), depth);
+    if (v.menu_pixid[level] != 0) continue;
+    std::printf(" !! xerror :  cannot create pixmap menu%zu ? \n", level + 1);
+    gx_set_status(gx_code::init_not_done);
+  }
+}
+
+void make_cursors() {
+  auto& v = gx_vext;
+  for (std::size_t i = 0; i < cursor_shapes.size(); ++i)
+    v.cursor_array[i] = {cursor_shapes[i], XCreateFontCursor(v.dpy, cursor_shapes[i]), white};
+  XColor foreground{}, background{};
+  foreground.red = foreground.green = foreground.blue = 65535;
+  XRecolorCursor(v.dpy, v.cursor_array[0].cursid, &foreground, &background);
+  XDefineCursor(v.dpy, v.win, v.cursor_array[0].cursid);
+  v.cursor_ind_cur = 1;
+}
+
+// What both inits begin with.
+void reset_package_state() {
+  auto& v = gx_vext;
+  v.open_obj_id = v.picked_obj_id = 0;
+  v.num_file_open = 0;
+  v.cur_file = 0;
+  v.lpplot_scale = 1;
+  v.pick_ap_new = true;
+  v.pick_ap_center = v.pick_ap_size = {};
+  v.pick_ap_bounds = {};
+  v.vertex_list_to_do = false;
+  v.vertex_list_ar = {};
+  v.segment_list_ar = {};
+  v.base_point = v.obj_pos = {};
+  v.origin_page_x = v.origin_page_y = 0;
+  v.pixel_pos = v.pixel_ptr1 = v.pixel_ptr2 = {};
+  v.bitmap_size = {};
+  v.nlinlist_end = v.nlinlist_disp = 0;
+  v.nb_line_in_listviewp = v.nb_list_line_max = 0;
+  v.transcript_state = true;
+  v.dim_pin = 1000;
+  v.istart_list = v.istart_cmd = 1;
+  v.viewport_id_max = 0;
+  v.viewport_current = 0;
+  v.viewport_id_start = v.viewport_id = 0;
+  v.viewport_edit = v.viewport_cmd = v.viewport_list = v.viewport_context = v.viewport_activ = 0;
+  v.color_obj_selected = 2;
+  v.cmd_x0 = v.cmd_y0 = v.cmd_xi = v.cmd_yi = v.cmd_height = v.cmd_step = 0;
+  v.listb_x0 = v.listb_y0 = v.listb_xi = v.listb_yi = v.list_height = v.list_step = 0;
+  v.cmd_color = v.list_color = 1;
+  v.viewport_back_color = 0;
+  v.menu_level = 0;
+  v.menu_drawn = false;
+  v.menuline_lev = v.prelinsel_lev = {};
+  v.menu_extbounds = v.menu_boxbounds = {};
+  v.menu_lev_extbounds = v.menu_lev_boxbounds = {};
+  v.menu1_arofptr = {};
+  v.menu2_arofptr = {};
+  v.menu3_arofptr = {};
+  v.menu4_arofptr = {};
+  for (auto* actions : {&v.action_f, &v.action_fs, &v.action_fc, &v.action_fa, &v.action_fup,
+                        &v.action_fsup, &v.action_fcup, &v.action_faup})
+    *actions = {};
+  for (auto* actions : {&v.action_a, &v.action_as, &v.action_ac, &v.action_aa}) *actions = {};
+  v.action_but = {};
+  v.action_ck = {};
+  v.keyf_down = false;
+  v.pen.reset();
+}
+}  // namespace
+
+void gx_init(std::span<const gx_viewport_init_rec_t> viewports, std::string_view window_name) {
+  auto& v = gx_vext;
+  gx_debug_line(" gx_init :  start ");
+  gx_debug(" gx_init :  record sizes : string %zu  name %zu  value %zu  viewport %zu  menu %zu\n",
+           sizeof(gx_string_record_t), sizeof(gx_name_record_t), sizeof(gx_value_record_t),
+           sizeof(gx_viewport_rec_t), sizeof(gx_menu_rec_t));
+  if (v.init_done) gx_set_status(gx_code::already_initialized);
+  if (viewports.empty() || viewports.size() > gx_max_viewports)
+    gx_set_status(gx_code::nb_of_viewport_invalid);
+  reset_package_state();
+  open_display(display_name());
+  check_root();
+  gx_init_colors();
+  const XRectangle place = make_window(window_name);
+  make_graphics_context(place);
+  const int width = place.width, height = place.height;
+  make_menu_pixmaps(width, height);
+  make_cursors();
+
+  v.bitmap_size = {static_cast<std::int16_t>(width - 1), static_cast<std::int16_t>(height - 1)};
+  v.pixel_pos = {static_cast<std::int16_t>(width / 2), static_cast<std::int16_t>(height / 2)};
+  v.cmd_height = v.list_height = static_cast<std::int16_t>(10 * height / 768);
+  v.cmd_step = static_cast<std::int16_t>(12 * width / 1024);
+  v.list_step = static_cast<std::int16_t>(10 * height / 384);
+  gx_debug(" gx_init :  cmd_height  : %d\n gx_init :  cmd_step    : %d\n", v.cmd_height,
+           v.cmd_step);
+  gx_debug(" gx_init :  list_height : %d\n gx_init :  list_step   : %d\n", v.list_height,
+           v.list_step);
+  gx_setarray_hortext();
+  v.init_done = true;
+  for (const auto& viewport : viewports) gx_viewport_create(viewport.bounds, viewport.border);
+
+  XSelectInput(v.dpy, v.win, gx_event_mask);
+  gx_debug("  gxevmsk_gen:%x   gxevmsk_chk:%x \n", static_cast<unsigned>(gx_event_mask), 3U);
+  v.lasttime = xtimems();
+  XClearWindow(v.dpy, v.win);
+  XMapRaised(v.dpy, v.win);
+  XFlush(v.dpy);
+  gx_debug_line(" gx_init :  end ");
+}
+
+int gx_number_of_planes() {
+  return gx_vext.dpy == nullptr ? 0 : DisplayPlanes(gx_vext.dpy, gx_vext.scrid);
+}
+
+void gx_init_nograph() {
+  if (gx_vext.init_done) gx_set_status(gx_code::already_initialized);
+  reset_package_state();
+  gx_vext.init_done = true;
+}
+
+void gx_terminate() {
+  gx_debug_line(" gx_terminate    : start ");
+  if (!gx_vext.init_done && gx_vext.num_file_open < 1)
+    gx_set_status(gx_code::init_or_open_file_not_done);
+  if (gx_vext.dpy != nullptr) {
+    gx_pen_flush();
+    xdelayms(100);
+    release_display();
+  }
+  gx_debug_line(" gx_terminate    : end ");
+}
+
+void gx_sync() {
+  if (gx_vext.dpy == nullptr) return;
+  gx_pen_flush();
+  XSync(gx_vext.dpy, False);
+}
+
+void gx_wait_sync() {
+  xdelayms(100);
+  gx_sync();
+}
