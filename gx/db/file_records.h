@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <memory_resource>
 #include <new>
 #include <vector>
@@ -31,7 +32,10 @@ struct gx_file_gene_recf_t {
   // --- in memory only
   gx_file_index_t file_index = 0;                        // its slot, 0 = none
   std::vector<gx_object_gene_rec_t*> ptr_to_ar_objindex;  // entry i - 1 is object i
-  std::pmr::monotonic_buffer_resource objects{64 * 1024};  // owns the object records
+  // Owns the object records. (A shared_ptr keeps this record of standard layout, which the field
+  // tables need; nobody else holds it.)
+  std::shared_ptr<std::pmr::monotonic_buffer_resource> objects =
+      std::make_shared<std::pmr::monotonic_buffer_resource>(16 * 1024);
 };
 
 // A new record of type Rec in the file's storage, all fields at their defaults; not yet in the id
@@ -39,5 +43,5 @@ struct gx_file_gene_recf_t {
 template <typename Rec>
 Rec& gx_new_record(gx_file_gene_recf_t& file) {
   static_assert(std::is_trivially_destructible_v<Rec>);
-  return *new (file.objects.allocate(sizeof(Rec), alignof(Rec))) Rec;
+  return *new (file.objects->allocate(sizeof(Rec), alignof(Rec))) Rec;
 }

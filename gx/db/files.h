@@ -1,6 +1,7 @@
 // GX files on disk: versions, link files, reading, saving, and the slots.
 #pragma once
 
+#include <cstdio>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -39,17 +40,40 @@ struct gx_symbol_path_t {
 };
 gx_symbol_path_t gx_get_path_n0version(std::string_view path);
 
-// --- reading (record_codec.cpp): the outcome of reading one data file. `code` is all_is_ok or the
-//     status the file is refused with; `message` names the file and what is wrong with it.
+// --- reading (record_codec.cpp)
+// What a data file was refused for; `other` is told by the message alone.
+enum class gx_load_fault : std::uint8_t {
+  none,
+  unreadable,   // file_open_invalid: missing, no right to read, no regular file
+  revision,     // file_open_invalid: `revision` is what the file holds
+  end_marker,   // file_open_invalid: the header does not end with -20
+  record_kind,  // object_structure_invalid: `value` is the type read for `object_id`
+  deleted,      // file_close_invalid: `object_id` is stored with the status `value`
+  other,        // file_data_invalid: a text too long, an id or a chain that is not sound
+};
+
+// The outcome of reading one data file: the file, or the code it is refused with and a line for
+// the user that names the file and what is wrong with it.
 struct gx_load_t {
   std::shared_ptr<gx_file_gene_recf_t> file;
   gx_code code = gx_code::all_is_ok;
   std::string message;
+  gx_load_fault fault = gx_load_fault::none;
+  int object_id = 0;
+  int value = 0;
+  float revision = 0;
 };
 // Decodes the bytes of a data file; never stops the program. `name` is used in messages only.
 gx_load_t gx_decode_file(std::string_view bytes, std::string_view name);
 // Reads and decodes a data file; file_open_invalid when it cannot be read.
 gx_load_t gx_load_file(std::string_view data_path);
+// The same from a stream that is open for reading, by one read; the caller closes it.
+gx_load_t gx_load_stream(std::FILE* stream, std::string_view name);
+// The bytes of a data file that holds these objects.
+std::string gx_encode_file(const gx_file_gene_recf_t& file);
+// What is unsound in the references between the objects (tree links, instance chains, ends of
+// segments): "" when every walk along them ends and meets the types it expects.
+std::string gx_reference_fault(const gx_file_gene_recf_t& file);
 
 // --- slots (file_slots.cpp)
 // Opens the current version of directory/base into a new slot, or an empty file when there is no
@@ -66,6 +90,8 @@ bool gx_file_reopen(gx_file_index_t file_index, std::string_view dirname,
 bool gx_file_try_reopen(gx_file_index_t file_index, std::string_view dirname,
                         std::string_view filetype, std::string& why);
 void gx_file_close(gx_file_index_t file_index, bool save);
+// A new slot for the data file of a save, opened for writing and holding an empty file.
+gx_file_index_t gx_file_create_bye(std::string_view data_path);
 // Fills the slot with an empty file.
 void gx_file_create_new(gx_file_index_t file_index);
 

@@ -1,0 +1,170 @@
+// Whether the objects of a file that was just read refer to each other soundly. Everything that
+// walks a file later relies on it: ids are in range and name the types that the walks expect, and
+// every chain ends. All checks together take time proportional to the number of objects.
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "gx/db/files.h"
+#include "gx/db/record_tables.h"
+
+namespace {
+
+// The editors' bracket of open objects is no deeper, so no written tree is.
+constexpr int max_depth = 32;
+
+const gx_object_gene_rec_t& object_of(const gx_file_gene_recf_t& file, int id) {
+  return *file.ptr_to_ar_objindex[static_cast<std::size_t>(id - 1)];
+}
+
+std::string object_text(int id) { return "object " + std::to_string(id); }
+
+std::string field_text(int id, std::string_view field, int value) {
+  return object_text(id) + ": " + std::string(field) + " " + std::to_string(value);
+}
+
+bool refers_well(const gx_file_gene_recf_t& file, int id, gx_refers refers) {
+  if (refers == gx_refers::any || id == 0) return true;
+  const gx_type type = object_of(file, id).object_type;
+  switch (refers) {
+    case gx_refers::instance: return type == gx_type::instance;
+    case gx_refers::symbol: return type == gx_type::symbol;
+    case gx_refers::net: return type == gx_type::net;
+    case gx_refers::net_end: return type == gx_type::vertex_2d || type == gx_type::pinpropfam;
+    case gx_refers::page: return type == gx_type::page;
+    case gx_refers::grid: return type == gx_type::grid_2d;
+    case gx_refers::any: break;
+  }
+  return true;
+}
+
+// The id fields of one record; `id` is 0 for the header.
+std::string id_fault(const gx_file_gene_recf_t& file, int id, const void* record,
+                     gx_fields_t fields) {
+  for (const auto& field : fields) {
+    if (field.kind != gx_kind::id) continue;
+    const int value = gx_member<gx_object_id_t>(record, field);
+    const std::string_view what = value < 0 || value > file.object_id_max ? " does not exist"
+                                  : !refers_well(file, value, field.refers) ? " has the wrong type"
+                                                                            : "";
+    if (what.empty()) continue;
+    const auto where = id == 0 ? "header: " + std::string(field.name) + " " + std::to_string(value)
+                               : field_text(id, field.name, value);
+    return where + std::string(what);
+  }
+  return {};
+}
+
+// The points of a polyline beyond its array would be read out of bounds.
+template <typename Rec>
+std::string points_fault(const gx_object_gene_rec_t& object) {
+  const int count = reinterpret_cast<const Rec&>(object).n_points;
+  if (count >= 0 && count <= Rec::max_points) return {};
+  return field_text(object.object_id, "n_points", count) + " out of range";
+}
+
+// Parent and children agree, and no object lies deeper than max_depth (so no fathers loop).
+std::string tree_fault(const gx_file_gene_recf_t& file, const gx_object_gene_rec_t& object) {
+  const int id = object.object_id;
+  if (object.child1 != 0 && object_of(file, object.child1).father != id) {
+    return field_text(id, "child1", object.child1) + " has another father";
+  }
+  if (object.following != 0 && object_of(file, object.following).father != object.father) {
+    return field_text(id, "following", object.following) + " has another father";
+  }
+  int depth = 1;
+  for (int at = object.father; at != 0; at = object_of(file, at).father) {
+    if (++depth > max_depth) return object_text(id) + ": its fathers loop or lie too deep";
+  }
+  return {};
+}
+
+// The ids that one link field chains: every chain must begin somewhere and end, and no two of them
+// may join. `next[id]` is the object after `id`.
+std::string chain_fault(const std::vector<gx_object_id_t>& next, std::string_view field) {
+  const int last = static_cast<int>(next.size()) - 1;
+  std::vector<char> has_one_before(next.size(), 0);
+  for (int id = 1; id <= last; ++id) {
+    const int to = next[static_cast<std::size_t>(id)];
+    if (to == 0) continue;
+    auto& before = has_one_before[static_cast<std::size_t>(to)];
+    if (before != 0) return field_text(id, field, to) + " stands in another chain too";
+    before = 1;
+  }
+  // Objects that no walk from a beginning meets lie on a loop.
+  int met = 0;
+  for (int id = 1; id <= last; ++id) {
+    if (has_one_before[static_cast<std::size_t>(id)] != 0) continue;
+    for (int at = id; at != 0; at = next[static_cast<std::size_t>(at)]) ++met;
+  }
+  return met == last ? std::string{} : "a chain of objects by " + std::string(field) + " loops";
+}
+
+template <typename NextOf>
+std::string chain_fault_of(const gx_file_gene_recf_t& file, std::string_view field,
+                           NextOf next_of) {
+  std::vector<gx_object_id_t> next(file.ptr_to_ar_objindex.size() + 1, 0);
+  for (std::size_t i = 0; i < file.ptr_to_ar_objindex.size(); ++i) {
+    next[i + 1] = next_of(*file.ptr_to_ar_objindex[i]);
+  }
+  return chain_fault(next, field);
+}
+
+const gx_object_instance_rec_t* as_instance(const gx_object_gene_rec_t& object) {
+  return object.object_type == gx_type::instance
+             ? reinterpret_cast<const gx_object_instance_rec_t*>(&object)
+             : nullptr;
+}
+
+std::string object_fault(const gx_file_gene_recf_t& file, int id) {
+  const auto& object = object_of(file, id);
+  if (object.object_id != id) {
+    return object_text(id) + ": its stored id is " + std::to_string(object.object_id);
+  }
+  if (auto fault = id_fault(file, id, &object, gx_general_fields()); !fault.empty()) return fault;
+  if (auto fault = id_fault(file, id, &object, gx_tail_fields(object.object_type));
+      !fault.empty()) {
+    return fault;
+  }
+  if (object.object_type == gx_type::polyline5_2d) {
+    return points_fault<gx_object_polyline5_rec_t>(object);
+  }
+  if (object.object_type == gx_type::polyline_2d) {
+    return points_fault<gx_object_polyline_rec_t>(object);
+  }
+  return {};
+}
+
+}  // namespace
+
+std::string gx_reference_fault(const gx_file_gene_recf_t& file) {
+  if (auto fault = id_fault(file, 0, &file, gx_header_fields()); !fault.empty()) return fault;
+  for (int id = 1; id <= file.object_id_max; ++id) {
+    if (auto fault = object_fault(file, id); !fault.empty()) return fault;
+  }
+  for (int id = 1; id <= file.object_id_max; ++id) {
+    if (auto fault = tree_fault(file, object_of(file, id)); !fault.empty()) return fault;
+  }
+
+  using object_t = gx_object_gene_rec_t;
+  if (auto fault = chain_fault_of(file, "following", [](const object_t& o) { return o.following; });
+      !fault.empty()) {
+    return fault;
+  }
+  if (auto fault = chain_fault_of(file, "previous", [](const object_t& o) { return o.previous; });
+      !fault.empty()) {
+    return fault;
+  }
+  const auto following_inst = [](const object_t& o) -> gx_object_id_t {
+    const auto* instance = as_instance(o);
+    return instance != nullptr ? instance->following_inst : gx_object_id_t{0};
+  };
+  if (auto fault = chain_fault_of(file, "following_inst", following_inst); !fault.empty()) {
+    return fault;
+  }
+  const auto previous_inst = [](const object_t& o) -> gx_object_id_t {
+    const auto* instance = as_instance(o);
+    return instance != nullptr ? instance->previous_inst : gx_object_id_t{0};
+  };
+  return chain_fault_of(file, "previous_inst", previous_inst);
+}
