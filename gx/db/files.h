@@ -12,7 +12,7 @@
 // The current version of directory/base, as its link file says.
 struct gx_file_version_t {
   bool found = false;          // a link file with a token exists
-  bool valid = false;          // its token carries a valid number
+  bool valid = false;          // its token carries a valid number and no name is too long
   std::int16_t version = 1;    // 1 when not found
   gx_string_record_t file_pathname;
   gx_string_record_t link_pathname;
@@ -22,7 +22,8 @@ gx_file_version_t gx_file_get_file_version(std::string_view dirname, std::string
 // The names of version + 1.
 gx_file_version_t gx_file_new_file_version(std::string_view dirname, std::string_view filetype,
                                            std::int16_t version);
-// The first token of a link file; false when it cannot be opened or is empty (then counted).
+// The first token of a link file, empty when its first line holds none; false when the file cannot
+// be opened or is empty (which is counted as an error).
 bool gx_read_gx_link(std::string_view link_path, gx_string_record_t& link_value);
 bool gx_add_gx_link(std::string_view link_path, std::string_view link_value);
 

@@ -8,14 +8,23 @@
 // file_index_invalid.
 gx_file_gene_recf_t& gx_ptrto_gene_file_buf(gx_file_index_t file_index);
 
-// The record of object id. Outside 1..object_id_max: object_id_invalid.
-gx_object_gene_rec_t& gx_object_id_ptr(const gx_file_gene_recf_t& file, int id);
-
-// Stops with object_type_invalid unless the object has the type.
-void gx_check_object_type(const gx_object_gene_rec_t& object, gx_type type);
-
 inline bool gx_object_id_ok(const gx_file_gene_recf_t& file, int id) {
   return id >= 1 && id <= file.object_id_max;
+}
+
+// The stops of the two accessors below, out of their line.
+[[noreturn]] void gx_object_id_refused(const gx_file_gene_recf_t& file, int id);
+[[noreturn]] void gx_object_type_refused(const gx_object_gene_rec_t& object, gx_type type);
+
+// The record of object id. Outside 1..object_id_max: object_id_invalid.
+inline gx_object_gene_rec_t& gx_object_id_ptr(const gx_file_gene_recf_t& file, int id) {
+  if (!gx_object_id_ok(file, id)) gx_object_id_refused(file, id);
+  return *file.ptr_to_ar_objindex[static_cast<std::size_t>(id - 1)];
+}
+
+// Stops with object_type_invalid unless the object has the type.
+inline void gx_check_object_type(const gx_object_gene_rec_t& object, gx_type type) {
+  if (object.object_type != type) gx_object_type_refused(object, type);
 }
 
 // The typed record; the stored type must be the record's type.
