@@ -69,14 +69,15 @@ void gx_object_copy_bye_link(const gx_object_gene_rec_t& source, gx_file_gene_re
 }
 
 // The copy of a file without its deleted objects.
-void compact(const gx_file_gene_recf_t& source, gx_file_gene_recf_t& target) {
+std::shared_ptr<gx_file_gene_recf_t> compacted(const gx_file_gene_recf_t& source) {
+  auto result = std::make_shared<gx_file_gene_recf_t>();
+  auto& target = *result;
   const auto now = gx_get_date();
   target.day = now.day;
   target.month = now.month;
   target.year = now.year;
   target.hour = now.hour;
   target.minute = now.minute;
-  target.software_revision = 2.0F;
   target.dot_width = source.dot_width;
   target.check_data_done = gx_vext.check_data_done;
   target.num_errors = gx_vext.num_errors;
@@ -95,10 +96,12 @@ void compact(const gx_file_gene_recf_t& source, gx_file_gene_recf_t& target) {
   target.primary_object = mapped(map, source.primary_object);
   target.page_obj_id = mapped(map, source.page_obj_id);
   target.grid_obj_id = mapped(map, source.grid_obj_id);
+  return result;
 }
 
 // Writes the target; false when the disk refuses.
-bool write_target(gx_file_io_rec_t& slot, const gx_file_gene_recf_t& target) {
+bool write_target(gx_file_io_rec_t& slot) {
+  const auto& target = *slot.start_buf_ptr;
   for (const auto* object : target.ptr_to_ar_objindex) {
     if ((object->status & gx_flag_deleted) != 0) {
       gx_debug(" gx_file_close : object invalid:w_11:  tobj_id:%d   status:%d  deleted:%d \n",
@@ -130,6 +133,8 @@ gx_file_version_t next_version(const gx_file_io_rec_t& slot) {
 void save(gx_file_index_t file_index) {
   const auto& source = gx_ptrto_gene_file_buf(file_index);
   const auto& slot = gx_vext.filear[static_cast<std::size_t>(file_index)];
+  // What can refuse the file comes before anything on disk is touched.
+  auto target = compacted(source);
   const auto names = next_version(slot);
   const auto link = gx_view(names.link_pathname);
   if (!names.valid || !gx_add_gx_link(link, gx_view(names.link_value))) {
@@ -152,10 +157,10 @@ void save(gx_file_index_t file_index) {
   target_slot.link_pathname = names.link_pathname;
   std::printf(" -- saving file :\"%.*s\" --\n", static_cast<int>(path.size()), path.data());
 
-  auto& target = gx_ptrto_gene_file_buf(target_index);
-  compact(source, target);
-  if (write_target(target_slot, target)) return;
-  // The link must not name a file that is not whole: the version before stays the current one.
+  target->file_index = target_index;
+  target_slot.start_buf_ptr = std::move(target);
+  if (write_target(target_slot)) return;
+  // The link must not name a file that is not whole: the version before stays current.
   if (slot.version_found) {
     gx_add_gx_link(link, gx_view(slot.link_value));
   } else {
