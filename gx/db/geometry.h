@@ -2,26 +2,40 @@
 // snap grid and the page. All in design units; angles in 1/64 degree.
 #pragma once
 
+#include <algorithm>
+#include <cstdint>
+
 #include "gx/db/file_records.h"
 
 inline constexpr std::int32_t gx_snap_step = 5000;  // the snap grid, and the least grid step
 inline constexpr std::int32_t gx_full_turn = 23040;
 
+// A sum of coordinates, held at the ends of the range.
+constexpr std::int32_t gx_saturated(std::int64_t v) {
+  return static_cast<std::int32_t>(std::clamp<std::int64_t>(v, INT32_MIN, INT32_MAX));
+}
+
 // The offset turned by quarter turns (0..3) and mirrored: the placement of a symbol's contents.
+// Another number of turns stops with coordonate_conversion_overflow.
 gx_pointreal_t gx_turn(gx_pointreal_t p, int rotate, bool fliph);
-gx_boundsreal_t gx_turn(gx_boundsreal_t box, int rotate, bool fliph);
+gx_boundsreal_t gx_turn(gx_boundsreal_t box, int rotate, bool fliph);  // an empty box stays so
 gx_boundsreal_t gx_move(gx_boundsreal_t box, gx_pointreal_t by);  // saturating
 bool gx_bounds_empty(const gx_boundsreal_t& box);                 // min above max
-bool gx_bounds_meet(const gx_boundsreal_t& a, const gx_boundsreal_t& b);  // edges included
+// They have a point in common: by their corners and by crossing, edges included.
+bool gx_bounds_meet(const gx_boundsreal_t& a, const gx_boundsreal_t& b);
+// The same with common edges left out.
+bool gx_bounds_overlap(const gx_boundsreal_t& a, const gx_boundsreal_t& b);
 
 struct gx_placed_t {
   gx_pointreal_t origin;
   gx_boundsreal_t bounds;
 };
 // Absolute origin and box of an object; `inst` is the instance it is placed through, 0 for none.
+// Placed through an instance are the objects of its symbol and the pins of its own.
 gx_placed_t gx_object_abs_origin_bounds(const gx_file_gene_recf_t& file, int id, int inst);
 gx_pointreal_t gx_object_abs_origin(const gx_file_gene_recf_t& file, int id, int inst);
-// Absolute origin of a pin of an instance, by its pin property family.
+// Of a pin of an instance, by its pin property family, which must be alive.
+gx_placed_t gx_pin_abs_origin_bounds(const gx_file_gene_recf_t& file, int pinpropfam);
 gx_pointreal_t gx_pin_abs_origin(const gx_file_gene_recf_t& file, int pinpropfam);
 void gx_arc_abs_difang(const gx_file_gene_recf_t& file, int inst, std::int32_t& angle1,
                        std::int32_t& angle2);
@@ -34,7 +48,12 @@ gx_boundsreal_t gx_property_compute_newbounds(const gx_object_property_rec_t& pr
 bool gx_point_inside_bounds16(const gx_bounds16_t& box, int x, int y);         // strictly
 bool gx_point_inside_boundsreal(const gx_boundsreal_t& box, gx_pointreal_t p);  // strictly
 bool gx_point_insideon_boundsreal(const gx_boundsreal_t& box, gx_pointreal_t p);
+// A corner of the box is not strictly inside the outer box.
 bool gx_part_object_outside_bounds(const gx_boundsreal_t& box, const gx_boundsreal_t& outer);
+// The same for an object, in the coordinates of its father (0: never outside); `box` is its box
+// there.
+bool gx_part_object_outside_father_bounds(const gx_file_gene_recf_t& file, int id, int father,
+                                          gx_boundsreal_t& box);
 bool gx_point_inside_obj_absbounds(const gx_file_gene_recf_t& file, int id, int inst,
                                    gx_pointreal_t p);
 // The object's absolute box meets the part of the design that the viewport shows.

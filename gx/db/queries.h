@@ -5,6 +5,7 @@
 // other. Missing families, bad ids and wrong types stop the program.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 
 #include "gx/db/file_records.h"
@@ -51,7 +52,7 @@ gx_object_id_t lb_inq_next_inst_ofsymb_id(const gx_file_gene_recf_t& file, int s
 // --- children
 gx_inst_children_t lb_inq_inst_child_id(const gx_file_gene_recf_t& file, int inst);
 gx_symbol_children_t lb_inq_symbol_child_id(const gx_file_gene_recf_t& file, int symbol);
-// Of a body, frame or net: both, at any place among the children.
+// Of a body, frame or net: both, at any place among the children; 0 for one it has not.
 gx_graphics_property_t lb_inq_graphics_property_id(const gx_file_gene_recf_t& file, int holder);
 
 // --- pins
@@ -94,8 +95,15 @@ gx_object_id_t wn_inq_comp_next_pin_id(const gx_file_gene_recf_t& file, int pin)
 gx_object_id_t wn_inq_symbol_first_pin_id(const gx_file_gene_recf_t& file, int symbol);
 gx_object_id_t wn_inq_symbol_next_pin_id(const gx_file_gene_recf_t& file, int pin);
 
-// --- ranges over the queries, for loops: for (int inst : gx_members(file, gx_type::instance)) ...
-// Walks the members of a family of a sheet, or any chain of siblings.
+// The record of a named property, found as above; nullptr when there is none. The value need not
+// be copied then.
+const gx_object_property_rec_t* lb_find_prop_inst(const gx_file_gene_recf_t& file, int inst,
+                                                  std::string_view name);
+const gx_object_property_rec_t* lb_find_prop_net(const gx_file_gene_recf_t& file, int net,
+                                                 std::string_view name);
+
+// --- ranges over the queries, for loops: for (const int inst : lb_instances(file)) ...
+// A chain of siblings in child order. Every chain of a decoded file ends.
 class gx_siblings {
  public:
   class iterator {
@@ -119,3 +127,64 @@ class gx_siblings {
 };
 // Children of an object in child order.
 gx_siblings gx_children(const gx_file_gene_recf_t& file, int father);
+
+// The members of the families of a sheet.
+inline gx_siblings lb_instances(const gx_file_gene_recf_t& file) {
+  return {file, lb_inq_first_inst_id(file).member};
+}
+inline gx_siblings lb_symbols(const gx_file_gene_recf_t& file) {
+  return {file, lb_inq_first_symbol_id(file).member};
+}
+inline gx_siblings lb_nets(const gx_file_gene_recf_t& file) {
+  return {file, lb_inq_first_net_id(file).member};
+}
+inline gx_siblings lb_vertices(const gx_file_gene_recf_t& file) {
+  return {file, lb_inq_first_vertex_id(file).member};
+}
+inline gx_siblings lb_frames(const gx_file_gene_recf_t& file) {
+  return {file, lb_inq_first_frame_id(file).member};
+}
+
+// A walk from a first value by a "next" query; a default value ends it.
+template <typename Value, typename Next>
+class gx_walk {
+ public:
+  class iterator {
+   public:
+    iterator(Value value, const Next* next) : value_(value), next_(next) {}
+    Value operator*() const { return value_; }
+    iterator& operator++() {
+      value_ = (*next_)(value_);
+      return *this;
+    }
+    bool operator!=(std::nullptr_t) const { return static_cast<bool>(value_); }
+
+   private:
+    Value value_;
+    const Next* next_;
+  };
+  gx_walk(Value first, Next next) : first_(first), next_(next) {}
+  iterator begin() const { return {first_, &next_}; }
+  std::nullptr_t end() const { return nullptr; }
+
+ private:
+  Value first_;
+  Next next_;
+};
+
+// The pin pairs of an instance.
+inline auto lb_pins(const gx_file_gene_recf_t& file, int inst) {
+  return gx_walk(lb_inq_inst_first_pin_id(file, inst),
+                 [&file](gx_pin_pair_t pair) { return lb_inq_inst_next_pin_id(file, pair); });
+}
+// The segments and the properties of a net.
+inline auto lb_segments(const gx_file_gene_recf_t& file, int net) {
+  return gx_walk(gx_inq_first_net_segment_id(file, net), [&file, net](gx_object_id_t segment) {
+    return gx_inq_next_net_segment_id(file, net, segment);
+  });
+}
+inline auto lb_net_properties(const gx_file_gene_recf_t& file, int net) {
+  return gx_walk(gx_inq_first_net_property_id(file, net), [&file, net](gx_object_id_t property) {
+    return gx_inq_next_net_property_id(file, net, property);
+  });
+}

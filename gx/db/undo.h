@@ -1,6 +1,9 @@
 // The undo list: every change that an editor may want to take back, grouped into steps.
 #pragma once
 
+#include <deque>
+#include <variant>
+
 #include "gx/db/file_records.h"
 
 enum class gx_undo_op : std::int16_t {
@@ -15,12 +18,62 @@ enum class gx_undo_op : std::int16_t {
   bus = 23,
 };
 
+// --- the old and new values of an entry
+struct gx_undo_placement_t {
+  std::int16_t child1 = 0, child2 = 0;
+  std::int16_t old_rotate = 0, new_rotate = 0;
+  bool old_fixed = false, new_fixed = false;
+  bool set_unvisible = false;  // the unvisible flag that an undo sets again
+  bool old_visible = false, new_visible = false;
+  gx_pointreal_t old_point, new_point;
+};
+struct gx_undo_box_t {
+  gx_boundsreal_t old_bounds, new_bounds;
+};
+struct gx_undo_text_t {
+  std::int32_t old_dim = 0, new_dim = 0;
+  gx_string_record_t* ptrto_oldstr = nullptr;
+  gx_string_record_t* ptrto_newstr = nullptr;
+};
+struct gx_undo_shape_t {
+  gx_pointreal_t old_pt1, new_pt1, old_pt2, new_pt2, old_pt3, new_pt3;
+};
+struct gx_undo_bus_t {
+  bool old_is_bus = false;
+  std::int16_t old_bus_start = 0, old_bus_end = 0;
+  bool new_is_bus = false;
+  std::int16_t new_bus_start = 0, new_bus_end = 0;
+};
+
+inline constexpr std::int32_t gx_undo_parity = 0x12345678;
+
+struct gx_undo_objet_rec_t {
+  gx_file_index_t file_index = 0;  // 0 in a step marker
+  gx_object_id_t object_id = 0;    // 0 in a step marker
+  gx_undo_objet_rec_t* previous = nullptr;
+  gx_undo_objet_rec_t* following = nullptr;  // null in the newest entry
+  gx_undo_op operation = gx_undo_op::start;
+  bool new_step = false;
+  std::int32_t parity = gx_undo_parity;
+  std::variant<gx_undo_placement_t, gx_undo_box_t, gx_undo_text_t, gx_undo_shape_t, gx_undo_bus_t>
+      UU;
+};
+
+// Owns the entries in the order in which they were made; entry 0 is the start entry. Those behind
+// the newest are used again.
+struct gx_undo_list_t {
+  std::deque<gx_undo_objet_rec_t> entries;
+  std::size_t used = 0;
+};
+
 // Starts the list (nothing is recorded before) and takes the check state of the file.
 void gx_undo_init(gx_file_index_t file_index);
 // Opens a new step: the following entries are taken back together.
 void gx_undo_define_new_step();
-// Records one change of one object; nothing while there is no list.
-void gx_undo_put_object(gx_file_index_t file_index, int id, gx_undo_op operation);
-// Replay one step; false when there is none left.
+// Records one change of one object; nothing while there is no list. The entry is returned so that
+// the caller can fill its values (nullptr when nothing was recorded).
+gx_undo_objet_rec_t* gx_undo_put_object(gx_file_index_t file_index, int id, gx_undo_op operation);
+// Replay one step backward or forward; false when there is none left. A property whose switches
+// come back is shown or hidden with them.
 bool gx_undo_restore_one_step();
 bool gx_redo_restore_one_step();

@@ -20,6 +20,7 @@ struct _XGC;
 
 struct gx_file_gene_recf_t;    // gx/db/file_records.h
 struct gx_undo_objet_rec_t;    // gx/db/undo.h
+struct gx_undo_list_t;
 struct gx_pen_t;               // gx/display/pen.cpp
 struct gx_scaled_font_t;       // gx/display/stroke_text.cpp
 
@@ -124,7 +125,8 @@ struct gx_defref_var_rec_t {
   gx_boundsreal_t pick_ap_bounds;
   bool pick_ap_new = false;
   std::int32_t origin_page_x = 0, origin_page_y = 0;
-  gx_undo_objet_rec_t* ptrto_undo_start = nullptr;
+  std::shared_ptr<gx_undo_list_t> undo_list;         // null until gx_undo_init
+  gx_undo_objet_rec_t* ptrto_undo_start = nullptr;  // its entries
   gx_undo_objet_rec_t* ptrto_undo_cur = nullptr;
 
   // --- display (gx/display)
