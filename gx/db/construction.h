@@ -18,8 +18,25 @@ gx_object_id_t gx_object_create(gx_file_index_t file_index, gx_type type, std::i
 gx_type gx_object_open(gx_file_index_t file_index, int id);
 void gx_object_close(gx_file_index_t file_index, int id);
 
-// --- objects that hold nothing of their own: any of the types of gx_object_plain_rec_t
+// --- objects that hold nothing of their own; `type` is one of the 17 below
 void gx_plain(gx_type type);
+inline void gx_main() { gx_plain(gx_type::main); }
+inline void gx_page() { gx_plain(gx_type::page); }
+inline void gx_component_family() { gx_plain(gx_type::component_family); }
+inline void gx_instance_family() { gx_plain(gx_type::instance_family); }
+inline void gx_symbol_family() { gx_plain(gx_type::symbol_family); }
+inline void gx_net_family() { gx_plain(gx_type::net_family); }
+inline void gx_component() { gx_plain(gx_type::component); }
+inline void gx_bodpropfam() { gx_plain(gx_type::bodpropfam); }
+inline void gx_vertex_family() { gx_plain(gx_type::vertex_family); }
+inline void gx_body() { gx_plain(gx_type::body); }
+inline void gx_pin_family() { gx_plain(gx_type::pin_family); }
+inline void gx_tag_family() { gx_plain(gx_type::tag_family); }
+inline void gx_frame_family() { gx_plain(gx_type::frame_family); }
+inline void gx_frame() { gx_plain(gx_type::frame); }
+inline void gx_pin() { gx_plain(gx_type::pin); }
+inline void gx_graphics() { gx_plain(gx_type::graphics); }
+inline void gx_property_family() { gx_plain(gx_type::property_family); }
 
 // --- objects of a sheet
 void gx_symbol(std::string_view path);

@@ -19,8 +19,8 @@ constexpr std::int32_t gx_saturated(std::int64_t v) {
 // Another number of turns stops with coordonate_conversion_overflow.
 gx_pointreal_t gx_turn(gx_pointreal_t p, int rotate, bool fliph);
 gx_boundsreal_t gx_turn(gx_boundsreal_t box, int rotate, bool fliph);  // an empty box stays so
-gx_boundsreal_t gx_move(gx_boundsreal_t box, gx_pointreal_t by);  // saturating
-bool gx_bounds_empty(const gx_boundsreal_t& box);                 // min above max
+gx_boundsreal_t gx_move(gx_boundsreal_t box, gx_pointreal_t by);       // saturating
+bool gx_bounds_empty(const gx_boundsreal_t& box);                      // min above max
 // They have a point in common: by their corners and by crossing, edges included.
 bool gx_bounds_meet(const gx_boundsreal_t& a, const gx_boundsreal_t& b);
 // The same with common edges left out.
@@ -45,7 +45,7 @@ void gx_compute_new_object_bounds(const gx_file_gene_recf_t& file, int id, int f
 // The box of a property's text, relative to its origin.
 gx_boundsreal_t gx_property_compute_newbounds(const gx_object_property_rec_t& property);
 
-bool gx_point_inside_bounds16(const gx_bounds16_t& box, int x, int y);         // strictly
+bool gx_point_inside_bounds16(const gx_bounds16_t& box, int x, int y);          // strictly
 bool gx_point_inside_boundsreal(const gx_boundsreal_t& box, gx_pointreal_t p);  // strictly
 bool gx_point_insideon_boundsreal(const gx_boundsreal_t& box, gx_pointreal_t p);
 // A corner of the box is not strictly inside the outer box.

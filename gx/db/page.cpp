@@ -16,7 +16,8 @@ gx_pointreal_t gx_round_snap(std::int32_t x, std::int32_t y) {
 
 std::int32_t gx_atan(std::int32_t y, std::int32_t x) {
   if (x == 0) return y > 0 ? gx_full_turn / 4 : gx_full_turn * 3 / 4;
-  const double angle = std::atan(static_cast<double>(y) / x) * (gx_full_turn / 2) / std::numbers::pi;
+  const double angle =
+      std::atan(static_cast<double>(y) / x) * (gx_full_turn / 2) / std::numbers::pi;
   const auto a = static_cast<std::int32_t>(std::floor(angle + 0.5));
   const std::int32_t turned = x < 0 ? a + gx_full_turn / 2 : (y < 0 ? a + gx_full_turn : a);
   return turned % gx_full_turn;

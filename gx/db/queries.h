@@ -71,10 +71,15 @@ gx_object_id_t gx_find_property_name(const gx_file_gene_recf_t& file, int holder
                                      std::string_view name);
 // The value of a named property of an object; nothing when it has none. An instance falls back on
 // its symbol's body, a net looks in its property family.
-std::optional<gx_string_record_t> lb_get_valueof_prop_pin(const gx_file_gene_recf_t& file, int pin, std::string_view name);
-std::optional<gx_string_record_t> lb_get_valueof_prop_pinpropfam(const gx_file_gene_recf_t& file, int pinpropfam, std::string_view name);
-std::optional<gx_string_record_t> lb_get_valueof_prop_inst(const gx_file_gene_recf_t& file, int inst, std::string_view name);
-std::optional<gx_string_record_t> lb_get_valueof_prop_net(const gx_file_gene_recf_t& file, int net, std::string_view name);
+std::optional<gx_string_record_t> lb_get_valueof_prop_pin(const gx_file_gene_recf_t& file, int pin,
+                                                          std::string_view name);
+std::optional<gx_string_record_t> lb_get_valueof_prop_pinpropfam(const gx_file_gene_recf_t& file,
+                                                                 int pinpropfam,
+                                                                 std::string_view name);
+std::optional<gx_string_record_t> lb_get_valueof_prop_inst(const gx_file_gene_recf_t& file,
+                                                           int inst, std::string_view name);
+std::optional<gx_string_record_t> lb_get_valueof_prop_net(const gx_file_gene_recf_t& file, int net,
+                                                          std::string_view name);
 
 // --- segments and properties of a net, under it or under its graphics and property family
 gx_object_id_t gx_inq_first_net_segment_id(const gx_file_gene_recf_t& file, int net);

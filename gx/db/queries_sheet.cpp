@@ -278,8 +278,7 @@ gx_object_id_t gx_inq_next_net_segment_id(const gx_file_gene_recf_t& file, int n
 gx_object_id_t gx_inq_first_net_property_id(const gx_file_gene_recf_t& file, int net) {
   return first_part(file, net, properties);
 }
-gx_object_id_t gx_inq_next_net_property_id(const gx_file_gene_recf_t& file, int net,
-                                           int property) {
+gx_object_id_t gx_inq_next_net_property_id(const gx_file_gene_recf_t& file, int net, int property) {
   return part_from(file, net, behind(file, net, property), properties);
 }
 

@@ -80,15 +80,23 @@ void replay(const gx_undo_objet_rec_t& entry, direction way) {
   auto& object = gx_object_id_ptr(file, entry.object_id);
   const bool forward = way == direction::redo;
   switch (entry.operation) {
-    case gx_undo_op::deleted: return put_flag(object, gx_flag_deleted, forward);
-    case gx_undo_op::undeleted: return put_flag(object, gx_flag_deleted, !forward);
-    case gx_undo_op::selected: return put_flag(object, gx_flag_selected, forward);
-    case gx_undo_op::unselected: return put_flag(object, gx_flag_selected, !forward);
-    case gx_undo_op::created: return put_flag(object, gx_flag_deleted, !forward);
-    case gx_undo_op::switches: return put_switches(file, entry, way);
-    case gx_undo_op::bus: return put_bus(file, entry, way);
+    case gx_undo_op::deleted:
+      return put_flag(object, gx_flag_deleted, forward);
+    case gx_undo_op::undeleted:
+      return put_flag(object, gx_flag_deleted, !forward);
+    case gx_undo_op::selected:
+      return put_flag(object, gx_flag_selected, forward);
+    case gx_undo_op::unselected:
+      return put_flag(object, gx_flag_selected, !forward);
+    case gx_undo_op::created:
+      return put_flag(object, gx_flag_deleted, !forward);
+    case gx_undo_op::switches:
+      return put_switches(file, entry, way);
+    case gx_undo_op::bus:
+      return put_bus(file, entry, way);
     case gx_undo_op::start:
-    case gx_undo_op::step: break;
+    case gx_undo_op::step:
+      break;
   }
   gx_debug("## error in %s : operation 2 invalid\n", name_of(way));
   gx_set_status(gx_code::object_id_invalid);
@@ -125,8 +133,7 @@ void gx_undo_define_new_step() {
   store_base_point(entry);
 }
 
-gx_undo_objet_rec_t* gx_undo_put_object(gx_file_index_t file_index, int id,
-                                        gx_undo_op operation) {
+gx_undo_objet_rec_t* gx_undo_put_object(gx_file_index_t file_index, int id, gx_undo_op operation) {
   if (file_index < 1 || id < 1) {
     stop("\n# gx_undo_put_object : invalid id ", gx_code::file_data_invalid);
   }

@@ -116,7 +116,8 @@ struct gx_defref_var_rec_t {
   gx_object_id_t open_obj_id = 0;     // object being created or open
   gx_object_id_t previous_obj_atlevel0 = 0;
   std::int16_t cur_obj_level = 0;     // 0..32
-  std::array<gx_object_id_t, 33> current_family{};
+  std::array<gx_object_id_t, 33> current_family{};  // object open at each level
+  std::array<gx_object_id_t, 33> newest_at_level{};  // last object created there
   gx_object_id_t picked_obj_id = 0;
   bool vertex_list_to_do = false;
   std::array<std::array<std::vector<gx_object_id_t>, 8>, 8> vertex_list_ar;   // newest last

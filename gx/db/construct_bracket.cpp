@@ -1,0 +1,252 @@
+// The bracket in which objects are created, opened and closed, and the constructors of the objects
+// of the hierarchy. Primitives are in construct_primitives.cpp.
+#include <algorithm>
+#include <array>
+
+#include "gx/db/construct_steps.h"
+#include "gx/db/files.h"
+#include "gx/db/object_access.h"
+#include "gx/db/record_tables.h"
+#include "gx/db/undo.h"
+#include "gx/text/debug.h"
+#include "gx/text/strings.h"
+
+namespace {
+
+constexpr std::int16_t max_level = 32;
+constexpr std::int16_t under_construction = gx_flag_create | gx_flag_open;
+
+template <typename Value>
+Value& at_level(std::array<Value, max_level + 1>& values, std::int16_t level) {
+  return values[static_cast<std::size_t>(level)];
+}
+
+// The father of an object about to be created at `level`; nullptr at the top.
+gx_object_gene_rec_t* father_at(const gx_file_gene_recf_t& file, std::int16_t level) {
+  if (level < 2) return nullptr;
+  const int id = at_level(gx_vext.current_family, static_cast<std::int16_t>(level - 1));
+  if (!gx_object_id_ok(file, id)) {
+    gx_debug_line(" ## error in gx_create_obj ( invalid father id )");
+    gx_set_status(gx_code::object_id_invalid);
+  }
+  auto& father = gx_object_id_ptr(file, id);
+  if ((father.status & under_construction) == 0) {
+    gx_debug_line(" ## error in gx_create_obj (father pb )");
+    gx_set_status(gx_code::object_create_invalid);
+  }
+  return &father;
+}
+
+// The last child of a father. The newest object of the level is it as a rule; else the chain tells.
+gx_object_gene_rec_t* last_child(const gx_file_gene_recf_t& file,
+                                 const gx_object_gene_rec_t& father, int newest) {
+  if (gx_object_id_ok(file, newest)) {
+    auto& object = gx_object_id_ptr(file, newest);
+    if (object.father == father.object_id && object.following == 0) return &object;
+  }
+  int id = father.child1;
+  while (id > 0 && gx_object_id_ptr(file, id).following > 0) {
+    id = gx_object_id_ptr(file, id).following;
+  }
+  return id > 0 ? &gx_object_id_ptr(file, id) : nullptr;
+}
+
+void link(const gx_file_gene_recf_t& file, gx_object_gene_rec_t& object,
+          gx_object_gene_rec_t* father, std::int16_t level) {
+  gx_object_gene_rec_t* before = nullptr;
+  if (father != nullptr) {
+    object.father = father->object_id;
+    before = last_child(file, *father, at_level(gx_vext.newest_at_level, level));
+    if (before == nullptr) father->child1 = object.object_id;
+  } else {
+    if (gx_object_id_ok(file, gx_vext.previous_obj_atlevel0)) {
+      before = &gx_object_id_ptr(file, gx_vext.previous_obj_atlevel0);
+    }
+    gx_vext.previous_obj_atlevel0 = object.object_id;
+  }
+  if (before != nullptr) {
+    before->following = object.object_id;
+    object.previous = before->object_id;
+  }
+  at_level(gx_vext.newest_at_level, level) = object.object_id;
+}
+
+void name_in_header(gx_file_gene_recf_t& file, const gx_object_gene_rec_t& object) {
+  if (object.object_type == gx_type::main) file.primary_object = object.object_id;
+  if (object.object_type == gx_type::page && file.page_obj_id == 0) {
+    file.page_obj_id = object.object_id;
+  }
+  if (object.object_type == gx_type::grid_2d && file.grid_obj_id == 0) {
+    file.grid_obj_id = object.object_id;
+  }
+}
+
+// An instance that is filled once more leaves the chain of the symbol it had.
+void leave_chain(const gx_file_gene_recf_t& file, gx_object_instance_rec_t& instance) {
+  if (instance.symbol == 0) return;
+  if (instance.previous_inst > 0) {
+    gx_instance_info_ptr(file, instance.previous_inst).following_inst = instance.following_inst;
+  } else {
+    gx_symbol_info_ptr(file, instance.symbol).instance = instance.following_inst;
+  }
+  if (instance.following_inst > 0) {
+    gx_instance_info_ptr(file, instance.following_inst).previous_inst = instance.previous_inst;
+  }
+  instance.previous_inst = 0;
+}
+
+}  // namespace
+
+gx_object_id_t gx_object_create(gx_file_index_t file_index, gx_type type, std::int32_t x,
+                                std::int32_t y) {
+  auto& file = gx_ptrto_gene_file_buf(file_index);
+  if (file_index != gx_vext.cur_file) gx_set_status(gx_code::file_id_invalid);
+  if (gx_vext.cur_obj_level >= max_level) gx_set_status(gx_code::invalid_level);
+  const auto level = ++gx_vext.cur_obj_level;
+  if (level == 1 && file.object_id_max == 0) gx_vext.previous_obj_atlevel0 = 0;
+  auto* father = father_at(file, level);
+  if (file.object_id_max >= gx_max_object_id) gx_set_status(gx_code::too_many_objects);
+  if (!gx_type_ok(static_cast<std::int16_t>(type))) gx_set_status(gx_code::object_type_invalid);
+
+  auto& object = gx_new_object(file, type);
+  object.object_type = type;
+  object.status = gx_flag_create;
+  object.origin = {x, y};
+  file.ptr_to_ar_objindex.push_back(&object);
+  object.object_id = ++file.object_id_max;
+  link(file, object, father, level);
+  name_in_header(file, object);
+  gx_vext.open_obj_id = object.object_id;
+  at_level(gx_vext.current_family, level) = object.object_id;
+  gx_vext.pick_ap_new = true;
+  gx_undo_put_object(file_index, object.object_id, gx_undo_op::created);
+  return object.object_id;
+}
+
+gx_type gx_object_open(gx_file_index_t file_index, int id) {
+  if (gx_vext.open_obj_id > 0) {
+    gx_debug(" gx_open_object : object_id : %12d\n", gx_vext.open_obj_id);
+    gx_set_status(gx_code::object_already_open);
+  }
+  const auto& file = gx_ptrto_gene_file_buf(file_index);
+  auto& object = gx_object_id_ptr(file, id);
+  const auto type_name = gx_type_name(object.object_type);
+  if ((object.status & gx_flag_deleted) != 0) {
+    gx_debug(" gx_open_object : object deleted : %d     object_type : %15s\n", id,
+             type_name.data());
+    gx_set_status(gx_code::object_open_invalid);
+  }
+  if ((object.status & under_construction) != 0) {
+    const auto truth = [&object](gx_flag flag) {
+      return (object.status & flag) != 0 ? "TRUE" : "FALSE";
+    };
+    gx_debug(" gx_open_object : create_done or open_done : %d     object_type : %15s\n", id,
+             type_name.data());
+    gx_debug(" gx_open_object : create_done  : %s\n", truth(gx_flag_create));
+    gx_debug(" gx_open_object : open_done    : %s\n", truth(gx_flag_open));
+    gx_set_status(gx_code::object_open_invalid);
+  }
+  std::int16_t level = 1;
+  for (int father = object.father; father > 0; father = gx_object_id_ptr(file, father).father) {
+    if (level == max_level) gx_set_status(gx_code::invalid_level);
+    ++level;
+  }
+  object.status |= gx_flag_open;
+  gx_vext.cur_obj_level = level;
+  at_level(gx_vext.current_family, level) = object.object_id;
+  gx_vext.open_obj_id = object.object_id;
+  gx_vext.cur_file = file_index;
+  gx_vext.pick_ap_new = true;
+  return object.object_type;
+}
+
+void gx_object_close(gx_file_index_t file_index, int id) {
+  const auto& file = gx_ptrto_gene_file_buf(file_index);
+  gx_vext.cur_file = file_index;
+  auto& object = gx_object_id_ptr(file, id);
+  const auto construction = object.status & under_construction;
+  // Exactly one of the two flags may be set.
+  if (construction == 0 || construction == under_construction) {
+    gx_set_status(gx_code::object_close_invalid);
+  }
+  object.status = static_cast<std::int16_t>(object.status & ~under_construction);
+  gx_vext.open_obj_id = 0;
+  gx_vext.cur_obj_level =
+      std::max<std::int16_t>(0, static_cast<std::int16_t>(gx_vext.cur_obj_level - 1));
+  gx_vext.pick_ap_new = true;
+}
+
+// --- constructors
+
+gx_file_gene_recf_t& gx_construction_file() {
+  if (!gx_vext.init_done && gx_vext.num_file_open == 0) {
+    gx_set_status(gx_code::init_or_open_file_not_done);
+  }
+  return gx_ptrto_gene_file_buf(gx_vext.cur_file);
+}
+
+gx_object_gene_rec_t& gx_object_to_fill(const gx_file_gene_recf_t& file, gx_type type,
+                                        std::string_view name, gx_code misfit) {
+  if (gx_object_id_ok(file, gx_vext.open_obj_id)) {
+    auto& object = gx_object_id_ptr(file, gx_vext.open_obj_id);
+    if (object.object_type == type && (object.status & under_construction) != under_construction) {
+      gx_vext.filear[static_cast<std::size_t>(gx_vext.cur_file)].file_updated = true;
+      return object;
+    }
+  }
+  gx_debug(" gx_%.*s : object_create_invalid \n", static_cast<int>(name.size()), name.data());
+  gx_set_status(misfit);
+}
+
+void gx_plain(gx_type type) {
+  gx_object_to_fill(gx_construction_file(), type, gx_type_name(type),
+                    gx_code::object_create_invalid);
+}
+
+void gx_symbol(std::string_view path) {
+  auto& symbol = gx_record_to_fill<gx_object_symbol_rec_t>(gx_code::object_create_invalid);
+  symbol.instance = 0;
+  symbol.path = gx_string(path);
+}
+
+void gx_instance(int symbol_id, int rotate, bool fliph) {
+  const auto& file = gx_construction_file();
+  auto& instance = gx_record_to_fill<gx_object_instance_rec_t>(gx_code::object_create_invalid);
+  if (!gx_object_id_ok(file, symbol_id)) {
+    gx_debug_line(" gx_instance : symbol_id_invalid ");
+    gx_set_status(gx_code::object_id_invalid);
+  }
+  auto& symbol = gx_symbol_info_ptr(file, symbol_id);
+  const auto path = gx_get_path_n0version(gx_view(symbol.path));
+  if (path.error) {
+    gx_debug_line(" gx_instance : symbol n0 version invalid ");
+    gx_set_status(gx_code::object_id_invalid);
+  }
+  if (rotate < 0 || rotate > 3) gx_set_status(gx_code::coordonate_conversion_overflow);
+  leave_chain(file, instance);
+  instance.rotate = static_cast<std::uint8_t>(rotate);
+  instance.fliph = fliph;
+  instance.symbol = symbol.gene.object_id;
+  instance.n0_version = path.version;
+
+  // The instance becomes the head of the chain of its symbol.
+  const auto own = instance.gene.object_id;
+  instance.following_inst = symbol.instance;
+  if (symbol.instance > 0) gx_instance_info_ptr(file, symbol.instance).previous_inst = own;
+  symbol.instance = own;
+}
+
+void gx_pinpropfam() {
+  auto& pin = gx_record_to_fill<gx_object_pinpropfam_rec_t>(gx_code::object_create_invalid);
+  pin.dotted = 0;
+  pin.net = 0;
+  pin.pin_start = pin.pin_end = pin.pin_net_start = 0;
+}
+
+void gx_net() {
+  auto& net = gx_record_to_fill<gx_object_net_rec_t>(gx_code::object_create_invalid);
+  net.net_index = 0;
+  net.ptrto_probe = nullptr;
+  net.is_bus = 0;
+  net.bus_start = net.bus_end = 0;
+}
