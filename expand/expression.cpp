@@ -30,9 +30,7 @@ using pieces = std::span<const piece>;
 
 bool is_operator(const piece& p) { return p.c == '+' || p.c == '-' || p.c == '*' || p.c == '/'; }
 bool is_product(char op) { return op == '*' || op == '/'; }
-bool starts_name(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
-}
+bool starts_name(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; }
 
 kv_values_t<float> failed() {
   kv_values_t<float> result;
@@ -65,7 +63,8 @@ std::optional<triple> operand_value(pieces part, const kv_scope_t& scope) {
   if (starts_name(text.front())) {
     const auto values = find_name(text, scope);
     if (!values.error_found) return triple{values.value1, values.value2, values.value3};
-    kv_debug(" KV_CONV_SIMPLE_EXPR : error :FP: %.*s\n", static_cast<int>(text.size()), text.data());
+    kv_debug(" KV_CONV_SIMPLE_EXPR : error :FP: %.*s\n", static_cast<int>(text.size()),
+             text.data());
     return std::nullopt;
   }
   const auto number = gx_string_to_shortreal(text);
@@ -169,8 +168,8 @@ kv_values_t<float> kv_conv_complex_expr(std::string_view text, const kv_scope_t&
   if (text.size() < 3) return find_name({}, scope);
 
   std::array<char, max_expression> buffer;
-  const auto last = std::copy_if(text.begin(), text.end(), buffer.begin(),
-                                 [](char c) { return c != ' '; });
+  const auto last =
+      std::copy_if(text.begin(), text.end(), buffer.begin(), [](char c) { return c != ' '; });
   const std::string_view compact(buffer.data(), static_cast<std::size_t>(last - buffer.begin()));
   if (compact.find_first_of("()*+-./") == std::string_view::npos) return find_name(compact, scope);
 

@@ -43,6 +43,10 @@ struct kv_blocked_t {
   // fresh (all fields at their defaults).
   std::int32_t append(std::int32_t n, std::string_view name) {
     if (n > kv_max_records - count) kv_array_full(name, kv_max_records + 1);
+    return extend(n);
+  }
+  // The same for an `n` that the caller has checked.
+  std::int32_t extend(std::int32_t n) {
     const std::int32_t first = count + 1;
     for (std::int32_t i = first; i < first + n; ++i) {
       const auto at = static_cast<std::size_t>(i - 1);

@@ -118,8 +118,8 @@ kv_net_child_record_t& kv_net_ptrto_net_child_rec(std::int32_t net_index, std::i
               &kv_net_child_record_t::next_child, n);
 }
 kv_pin_record_t& kv_net_ptrto_pin_in_rec(std::int32_t net_index, std::int32_t n) {
-  return walk_pins(kv_ptrto_net_rec(net_index).first_pin_in_ind,
-                   &kv_pin_record_t::next_pin_in_ind, n);
+  return walk_pins(kv_ptrto_net_rec(net_index).first_pin_in_ind, &kv_pin_record_t::next_pin_in_ind,
+                   n);
 }
 kv_pin_record_t& kv_net_ptrto_pin_out_rec(std::int32_t net_index, std::int32_t n) {
   return walk_pins(kv_ptrto_net_rec(net_index).first_pin_out_ind,

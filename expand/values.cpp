@@ -12,8 +12,8 @@
 
 namespace {
 
-constexpr std::string_view outer_skipped = " \"'";     // around a value
-constexpr std::string_view separators = " ,\"'_";      // between the numbers of a list
+constexpr std::string_view outer_skipped = " \"'";  // around a value
+constexpr std::string_view separators = " ,\"'_";   // between the numbers of a list
 
 bool is_digit(char c) { return c >= '0' && c <= '9'; }
 
