@@ -34,3 +34,4 @@ bool kv_begins_command(char c);
 // --- commands of the interpreter itself (app/commands_own.cpp)
 kv_outcome_t kv_assign(const kv_command_t& command);
 kv_outcome_t kv_system(const kv_command_t& command);
+kv_outcome_t kv_move(const kv_command_t& command);  // unknown when the word names no move

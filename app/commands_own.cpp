@@ -1,5 +1,6 @@
 // The commands that the interpreter runs itself, because they decide what becomes of their line.
 #include "app/command_table.h"
+#include "app/pan.h"
 #include "app/substitution.h"
 #include "gx/text/text_files.h"
 
@@ -32,5 +33,12 @@ kv_outcome_t kv_system(const kv_command_t& command) {
   }
   kv_echo(" SYSTem ", command);
   gx_system(command.words[1]);
+  return {};
+}
+
+kv_outcome_t kv_move(const kv_command_t& command) {
+  const kv_move_t* move = kv_find_move(command.word(1));
+  if (move == nullptr) return {.unknown = true, .ends_line = false};
+  kv_make_move(*move);
   return {};
 }
