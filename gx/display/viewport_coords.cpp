@@ -10,6 +10,7 @@
 
 namespace {
 constexpr std::int64_t max_pixel = 20000;
+constexpr std::int64_t smallest_area = 5000;  // that is zoomed onto, design units
 // The part of the design shown stays within these, so that differences fit 32 bits.
 constexpr std::int64_t max_design = 1'000'000'000;
 
@@ -101,6 +102,12 @@ gx_pointreal_t gx_viewport_dpt_obj2d_inst(const gx_file_gene_recf_t& file, int i
     d = gx_turn(d, instance.rotate, instance.fliph != 0);
   }
   return {saturated(std::int64_t{p0.x} + d.x), saturated(std::int64_t{p0.y} + d.y)};
+}
+
+gx_boundsreal_t gx_area_of(gx_pointreal_t p1, gx_pointreal_t p2) {
+  if (p2.x == p1.x) p2.x = saturated(std::int64_t{p1.x} + smallest_area);
+  if (p2.y == p1.y) p2.y = saturated(std::int64_t{p1.y} + smallest_area);
+  return {std::min(p1.x, p2.x), std::min(p1.y, p2.y), std::max(p1.x, p2.x), std::max(p1.y, p2.y)};
 }
 
 void gx_viewport_fit(gx_vpid_t vpid, const gx_boundsreal_t& box) {

@@ -49,6 +49,9 @@ void gx_viewport_draw_segment(gx_vpid_t vpid, gx_point16_t p1, gx_point16_t p2, 
 void gx_viewport_draw_grid(gx_vpid_t vpid, gx_point16_t p1, gx_point16_t p2, int nx, int ny,
                            int color);
 
+// The rectangle between two corners; one without width or height is widened to 5000 units.
+gx_boundsreal_t gx_area_of(gx_pointreal_t p1, gx_pointreal_t p2);
+
 // Zoom and pan. `fit` shows the box whole, centred, with a margin of 5 percent.
 void gx_viewport_fit(gx_vpid_t vpid, const gx_boundsreal_t& box);
 void gx_viewport_translate(gx_vpid_t vpid, int dy_sign, int dx_sign, std::int32_t amount);

@@ -1,0 +1,98 @@
+// The marks that tell places of the design: base point, origins, selected vertices, loose pins.
+#include <array>
+#include <span>
+
+#include "gx/display/draw_steps.h"
+#include "gx/display/viewports.h"
+
+namespace {
+// A marker is a closed polyline of offsets, in steps; a step is some pixels by viewport.
+struct step_t {
+  int x, y;
+};
+constexpr std::array<step_t, 6> half_cross{{{0, 0}, {-1, 2}, {1, 2}, {-1, -2}, {1, -2}, {0, 0}}};
+constexpr std::array<step_t, 11> cross{{{0, 0},
+                                        {-2, 1},
+                                        {-1, 2},
+                                        {1, -2},
+                                        {2, -1},
+                                        {0, 0},
+                                        {-2, -1},
+                                        {-1, -2},
+                                        {1, 2},
+                                        {2, 1},
+                                        {0, 0}}};
+constexpr std::array<step_t, 6> selected_vertex{
+    {{0, 0}, {-2, -1}, {-2, 1}, {2, -1}, {2, 1}, {0, 0}}};
+constexpr std::array<step_t, 5> diamond{{{-1, 0}, {0, 1}, {1, 0}, {0, -1}, {-1, 0}}};
+
+constexpr int green = 2, white = 7;
+
+// Pixels of one step in the edit and in the context viewport, and the room kept to the edge.
+struct size_t16 {
+  int edit, context;
+  int of(gx_vpid_t vpid) const { return vpid == gx_vext.viewport_edit ? edit : context; }
+};
+constexpr size_t16 mark_step{4, 2}, mark_margin{8, 4}, pin_step{6, 3};
+
+// Where a marker may be drawn: its pixel; false when it lies outside or too near to the edge.
+bool place(gx_vpid_t vpid, gx_pointreal_t point, int margin, gx_point16_t& pixel) {
+  if (vpid != gx_vext.viewport_edit && vpid != gx_vext.viewport_context) return false;
+  const auto& vp = gx_viewport_rec(vpid);
+  if (vp.vp_blocked || vp.file_index < 1) return false;
+  pixel = gx_viewport_pt_real_to_pixel(vpid, point);
+  const gx_bounds16_t& v = vp.pixel_bounds;
+  const int room = margin + 1;
+  return pixel.x > v.xmin + room && pixel.x < v.xmax - room && pixel.y > v.ymin + room &&
+         pixel.y < v.ymax - room;
+}
+
+void draw_steps(std::span<const step_t> steps, gx_point16_t at, int step, int color) {
+  const auto point = [&](const step_t& s) -> gx_point16_t {
+    return {static_cast<std::int16_t>(at.x + s.x * step),
+            static_cast<std::int16_t>(at.y + s.y * step)};
+  };
+  for (std::size_t i = 1; i < steps.size(); ++i) {
+    const gx_point16_t a = point(steps[i - 1]), b = point(steps[i]);
+    gx_pen_line(color, 0, {a.x, a.y, b.x, b.y});
+  }
+}
+
+void draw_mark(gx_vpid_t vpid, gx_pointreal_t p, std::span<const step_t> steps, int color) {
+  if (!gx_drawing_possible()) return;
+  gx_point16_t pixel;
+  if (!place(vpid, p, mark_margin.of(vpid), pixel)) return;
+  const gx_batch_t batch;
+  gx_viewport_select(vpid);
+  draw_steps(steps, pixel, mark_step.of(vpid), color);
+}
+}  // namespace
+
+void gx_display_cross(gx_vpid_t vpid, gx_pointreal_t p) { draw_mark(vpid, p, cross, white); }
+
+void gx_display_half_cross(gx_vpid_t vpid, gx_pointreal_t p) {
+  draw_mark(vpid, p, half_cross, white);
+}
+
+void gx_display_selvertex(gx_vpid_t vpid, gx_pointreal_t p) {
+  draw_mark(vpid, p, selected_vertex, green);
+}
+
+void gx_display_pin_nocon(gx_vpid_t vpid, gx_pointreal_t p) {
+  if (!gx_drawing_possible()) return;
+  const int size = pin_step.of(vpid);
+  gx_point16_t pixel;
+  if (!place(vpid, p, size, pixel)) return;
+  const gx_batch_t batch;
+  gx_viewport_select(vpid);
+  draw_steps(diamond, pixel, size, white);
+  draw_steps(diamond, pixel, size + 1, white);
+}
+
+void gx_display_link(gx_vpid_t vpid, gx_pointreal_t from, gx_pointreal_t to) {
+  if (!gx_drawing_possible() || !gx_is_picture_viewport(vpid)) return;
+  const gx_batch_t batch;
+  gx_viewport_select(vpid);
+  gx_draw_line(vpid, white, 1, gx_viewport_pt_real_to_pixel(vpid, from),
+               gx_viewport_pt_real_to_pixel(vpid, to));
+}

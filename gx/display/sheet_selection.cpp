@@ -1,0 +1,71 @@
+// Selecting whole objects: their flags and those of all below them, shown at once where the sheet
+// is in sight.
+#include "gx/db/object_access.h"
+#include "gx/db/queries.h"
+#include "gx/display/draw_steps.h"
+#include "gx/display/viewports.h"
+
+namespace {
+using flag_setter_t = void (*)(const gx_file_gene_recf_t& file, int id, bool on);
+
+// Depth first over the object and all below it; symbols nest a few levels deep.
+void set_tree(const gx_file_gene_recf_t& file, int id, flag_setter_t set, bool on) {
+  set(file, id, on);
+  for (const int child : gx_children(file, id)) set_tree(file, child, set, on);
+}
+
+// Draws an object again in every picture of its file.
+template <typename Draw>
+void show(gx_file_index_t file_index, Draw draw) {
+  if (!gx_drawing_possible() || !gx_vext.display_on) return;
+  const auto& file = gx_ptrto_gene_file_buf(file_index);
+  const gx_batch_t batch;
+  for (int vpid = 1; vpid <= gx_vext.viewport_id_max; ++vpid) {
+    const auto& vp = gx_viewport_rec(vpid);
+    if (vp.file_index != file_index || vp.vp_blocked || !gx_is_picture_viewport(vpid)) continue;
+    const auto id = static_cast<gx_vpid_t>(vpid);
+    gx_viewport_select(id);
+    draw(gx_picture_t{id, file_index, &file, gx_draw_mode::draw});
+  }
+}
+
+void set_inst(gx_file_index_t file_index, int inst, bool on) {
+  set_tree(gx_ptrto_gene_file_buf(file_index), inst, gx_set_object_selected, on);
+  show(file_index, [&](const gx_picture_t& picture) {
+    lb_display_one_inst(picture.vpid, file_index, inst, gx_draw_mode::draw);
+  });
+}
+
+void set_frame(gx_file_index_t file_index, int frame, bool on) {
+  set_tree(gx_ptrto_gene_file_buf(file_index), frame, gx_set_object_selected, on);
+  show(file_index,
+       [&](const gx_picture_t& picture) { gx_draw_tree(picture, frame, 0, on); });
+}
+
+void set_net(gx_file_index_t file_index, int net, bool on) {
+  set_tree(gx_ptrto_gene_file_buf(file_index), net, gx_set_object_selected, on);
+  show(file_index, [&](const gx_picture_t& picture) { gx_draw_net(picture, net); });
+}
+}  // namespace
+
+void lb_select_inst_prim(gx_file_index_t file_index, int inst) { set_inst(file_index, inst, true); }
+
+void lb_unselect_inst_prim(gx_file_index_t file_index, int inst) {
+  set_inst(file_index, inst, false);
+}
+
+void lb_select_frame_prim(gx_file_index_t file_index, int frame) {
+  set_frame(file_index, frame, true);
+}
+
+void lb_unselect_frame_prim(gx_file_index_t file_index, int frame) {
+  set_frame(file_index, frame, false);
+}
+
+void lb_select_net(gx_file_index_t file_index, int net) { set_net(file_index, net, true); }
+
+void lb_unselect_net(gx_file_index_t file_index, int net) { set_net(file_index, net, false); }
+
+void lb_delete_symbol_prim(gx_file_index_t file_index, int symbol) {
+  set_tree(gx_ptrto_gene_file_buf(file_index), symbol, gx_set_object_deleted, true);
+}
