@@ -42,10 +42,16 @@ void kv_show(const Part&... part) {
 }
 
 // --- the interpreter
+// Runs every command of the line with the tables behind $ARG and $VAR. Both may change: they are
+// normalised, and ASSIgn and READln store into `vars`.
 void kv_process_command(const gx_string_record_t& line, kv_array_param_t& args,
                         kv_array_param_t& vars);
+// Runs a shell command (1..508 characters) and then each line of its output as a command line.
 void kv_exec_cmd(std::string_view text);
+// Replaces the command line by the command that it begins, with the present settings.
 void kv_expand_cmd(const gx_string_record_t& line);
+// Whether the user asks by Control+A to stop a running command file or the output of a program.
+bool kv_stop_asked();
 void kv_process_events(bool first, kv_array_param_t& args, kv_array_param_t& vars);
 
 // --- handlers, one row of the command table each (app/command_table.cpp)

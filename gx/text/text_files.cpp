@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <cstdlib>
 #include <string>
@@ -10,6 +9,7 @@
 #include "gx/text/debug.h"
 #include "gx/text/record_fill.h"
 #include "gx/text/strings.h"
+#include "platform/raw_files.h"
 #include "platform/shell.h"
 #include "platform/timing.h"
 
@@ -20,16 +20,15 @@ constexpr std::size_t max_path = 192;
 constexpr std::int32_t max_line = 198;
 constexpr mode_t creation_mode = 0660;
 
-// Whether the path can be opened as a file of text. A directory or a pipe never can: reading from
-// it would give nothing or wait for ever.
+// Whether the path can be opened as a file of text. A directory or a pipe never can, and only a
+// regular file is read: reading the others would give nothing, or wait or go on for ever.
 bool probe(const char* path, bool rdonly) {
   const int flags = rdonly ? O_RDONLY : O_RDWR | O_CREAT;
-  const int file = open(path, flags | O_NONBLOCK | O_CLOEXEC, creation_mode);
-  if (file < 0) return false;
+  const x_descriptor file(xfopen(path, flags | O_NONBLOCK | O_CLOEXEC, creation_mode));
   struct stat info {};
-  const bool usable = fstat(file, &info) == 0 && !S_ISDIR(info.st_mode) && !S_ISFIFO(info.st_mode);
-  close(file);
-  return usable;
+  if (!file || fstat(file.get(), &info) != 0) return false;
+  if (rdonly) return S_ISREG(info.st_mode);
+  return !S_ISDIR(info.st_mode) && !S_ISFIFO(info.st_mode);
 }
 
 struct opening_t {

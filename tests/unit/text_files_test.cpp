@@ -68,6 +68,7 @@ TEST_F(TextFiles, WhatIsNoTextFileIsRefused) {
   EXPECT_EQ(gx_popen_file(dir_, 'R', true), nullptr);
   ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
   EXPECT_EQ(gx_popen_file(path("pipe"), 'R', true), nullptr);
+  EXPECT_EQ(gx_popen_file("/dev/zero", 'R', true), nullptr);
   testing::internal::CaptureStdout();
   EXPECT_EQ(gx_popen_filei(path("none"), 'R', true), nullptr);
   EXPECT_EQ(testing::internal::GetCapturedStdout(),
