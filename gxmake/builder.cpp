@@ -1,0 +1,90 @@
+// Symbol files, and the walk over a whole design.
+#include "gxmake/builder.h"
+
+#include <fstream>
+#include <map>
+
+#include "gx/db/files.h"
+#include "gxmake/object_tree.h"
+#include "gxmake/symbol_parts.h"
+
+void gxm_complain(gxm_messages_t& messages, const gxm_source_t& source, std::string_view what) {
+  std::string text(source.file);
+  if (source.line) text += ":" + std::to_string(source.line);
+  if (!text.empty()) text += ": ";
+  messages.push_back(text.append(what));
+}
+
+void gxm_add_symbol_contents(gxm_tree_t& tree, const gxm_symbol_t& symbol, int father) {
+  const auto body = gxm_add_plain(tree, gx_type::body, father);
+  const auto graphics = gxm_add_plain(tree, gx_type::graphics, body);
+  for (const auto& shape : symbol.shapes) gxm_add_shape(tree, shape, graphics);
+  const auto family = gxm_add_plain(tree, gx_type::property_family, body);
+  for (const auto& property : symbol.properties)
+    gxm_add_property(tree, property, family, true, property.vertical ? 1 : 0);
+  const auto pins = gxm_add_plain(tree, gx_type::pin_family, father);
+  for (const auto& pin : symbol.pins) {
+    const auto id = gxm_add_plain(tree, gx_type::pin, pins, pin.at);
+    if (!pin.name.empty())
+      gxm_add_property(tree, {.name = "PIN", .value = pin.name, .at = pin.name_at}, id, true, 0);
+    if (!pin.type.empty())
+      gxm_add_property(tree, {.name = "PINTYPE", .value = pin.type, .at = {}}, id, true, 0);
+    for (const auto& property : pin.properties)
+      gxm_add_property(tree, property, id, false, property.vertical ? 1 : 0);
+  }
+}
+
+std::shared_ptr<gx_file_gene_recf_t> gxm_build_symbol(const gxm_symbol_t& symbol,
+                                                      const gxm_options_t& options,
+                                                      gxm_messages_t& messages) try {
+  gxm_tree_t tree = gxm_start_tree(options.date, {40 * gxm_step, 40 * gxm_step}, gxm_step, true);
+  const auto family =
+      gxm_add_plain(tree, gx_type::component_family, tree.file->primary_object);
+  gxm_add_symbol_contents(tree, symbol, gxm_add_plain(tree, gx_type::component, family));
+  gxm_grow_boxes(tree);
+  return tree.file;
+} catch (const gxm_too_many_objects& error) {
+  gxm_complain(messages, symbol.source, "symbol " + symbol.name + ": " + error.what());
+  return nullptr;
+}
+
+std::vector<gxm_file_t> gxm_build(const gxm_design_t& design, const gxm_options_t& options,
+                                  gxm_messages_t& messages) {
+  std::vector<gxm_file_t> files;
+  std::map<std::string, gxm_source_t> seen;  // "directory/base" as it is first described
+  const auto add = [&](const auto& described, const char* base, auto build) {
+    const auto [first, is_new] =
+        seen.emplace(described.name + "/" + base, described.source);
+    if (!is_new) {
+      gxm_complain(messages, described.source,
+                   std::string("a second ") + base + " " + described.name + " (the first is in line " +
+                       std::to_string(first->second.line) + ")");
+    } else if (auto file = build()) {
+      files.push_back({described.name, base, std::move(file)});
+    }
+  };
+  for (const auto& symbol : design.symbols)
+    add(symbol, "symbol", [&] { return gxm_build_symbol(symbol, options, messages); });
+  for (const auto& sheet : design.sheets)
+    add(sheet, "sheet", [&] { return gxm_build_sheet(sheet, design, options, messages); });
+  return files;
+}
+
+namespace {
+void write_whole(const std::filesystem::path& path, std::string_view bytes) {
+  std::ofstream out(path, std::ios::binary | std::ios::trunc);
+  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  if (!out.flush()) throw std::runtime_error(path.string() + ": cannot be written");
+}
+}  // namespace
+
+void gxm_write(const std::vector<gxm_file_t>& files, const std::filesystem::path& root) {
+  for (const auto& file : files) {
+    const auto directory = root / file.directory;
+    std::error_code error;
+    std::filesystem::create_directories(directory, error);
+    if (error) throw std::runtime_error(directory.string() + ": " + error.message());
+    write_whole(directory / (file.base + ".gx_1"), gx_encode_file(*file.file));
+    write_whole(directory / (file.base + ".gx"), "_1        \n");
+  }
+}

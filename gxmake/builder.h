@@ -1,0 +1,43 @@
+// From the records of a description to GX files.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "gx/db/file_records.h"
+#include "gxmake/description.h"
+
+// Time of the save that the headers name.
+struct gxm_date_t {
+  std::int16_t day = 1, month = 1, year = 2000, hour = 0, minute = 0;
+};
+
+struct gxm_options_t {
+  gxm_date_t date;
+  std::string prefix;  // put before the symbol paths that sheets hold, "" or ending in "/"
+};
+
+// One file: directory/base.gx, base is "symbol" or "sheet".
+struct gxm_file_t {
+  std::string directory, base;
+  std::shared_ptr<gx_file_gene_recf_t> file;
+};
+
+// Builds every symbol and sheet; what cannot be built is left out and told in `messages`.
+std::vector<gxm_file_t> gxm_build(const gxm_design_t& design, const gxm_options_t& options,
+                                  gxm_messages_t& messages);
+
+// Writes "base.gx_1" and its link file into the directory of each file below `root`.
+// Throws std::runtime_error, with the path, when one cannot be written.
+void gxm_write(const std::vector<gxm_file_t>& files, const std::filesystem::path& root);
+
+// --- the parts of gxm_build
+std::shared_ptr<gx_file_gene_recf_t> gxm_build_symbol(const gxm_symbol_t& symbol,
+                                                      const gxm_options_t& options,
+                                                      gxm_messages_t& messages);
+std::shared_ptr<gx_file_gene_recf_t> gxm_build_sheet(const gxm_sheet_t& sheet,
+                                                     const gxm_design_t& design,
+                                                     const gxm_options_t& options,
+                                                     gxm_messages_t& messages);
