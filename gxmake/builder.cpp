@@ -38,8 +38,7 @@ std::shared_ptr<gx_file_gene_recf_t> gxm_build_symbol(const gxm_symbol_t& symbol
                                                       const gxm_options_t& options,
                                                       gxm_messages_t& messages) try {
   gxm_tree_t tree = gxm_start_tree(options.date, {40 * gxm_step, 40 * gxm_step}, gxm_step, true);
-  const auto family =
-      gxm_add_plain(tree, gx_type::component_family, tree.file->primary_object);
+  const auto family = gxm_add_plain(tree, gx_type::component_family, tree.file->primary_object);
   gxm_add_symbol_contents(tree, symbol, gxm_add_plain(tree, gx_type::component, family));
   gxm_grow_boxes(tree);
   return tree.file;
@@ -53,12 +52,11 @@ std::vector<gxm_file_t> gxm_build(const gxm_design_t& design, const gxm_options_
   std::vector<gxm_file_t> files;
   std::map<std::string, gxm_source_t> seen;  // "directory/base" as it is first described
   const auto add = [&](const auto& described, const char* base, auto build) {
-    const auto [first, is_new] =
-        seen.emplace(described.name + "/" + base, described.source);
+    const auto [first, is_new] = seen.emplace(described.name + "/" + base, described.source);
     if (!is_new) {
       gxm_complain(messages, described.source,
-                   std::string("a second ") + base + " " + described.name + " (the first is in line " +
-                       std::to_string(first->second.line) + ")");
+                   std::string("a second ") + base + " " + described.name +
+                       " (the first is in line " + std::to_string(first->second.line) + ")");
     } else if (auto file = build()) {
       files.push_back({described.name, base, std::move(file)});
     }

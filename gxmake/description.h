@@ -19,7 +19,14 @@ inline constexpr std::int32_t gxm_furthest = 100000000;  // largest coordinate, 
 
 // Colours used where the text names none.
 enum gxm_color : std::uint8_t {
-  gxm_black, gxm_red, gxm_green, gxm_blue, gxm_cyan, gxm_yellow, gxm_magenta, gxm_white
+  gxm_black,
+  gxm_red,
+  gxm_green,
+  gxm_blue,
+  gxm_cyan,
+  gxm_yellow,
+  gxm_magenta,
+  gxm_white
 };
 
 // Where a statement stands, for messages. Made by programs: file empty, line 0.
@@ -103,7 +110,7 @@ struct gxm_stop_t {
   enum class corner_t { straight, across_first, down_first };
   corner_t corner = corner_t::straight;
   std::string part{}, pin{};  // a pin when `part` is not empty; the part's first one when `pin` is
-  std::string net{};        // the place is a vertex of this other net when not empty
+  std::string net{};          // the place is a vertex of this other net when not empty
   std::optional<std::int32_t> x{}, y{};
 };
 

@@ -2,9 +2,8 @@
 #include "gxmake/object_tree.h"
 
 #include <algorithm>
-#include <cmath>
-#include <span>
 
+#include "gx/db/construction.h"
 #include "gx/db/geometry.h"
 #include "gx/text/strings.h"
 
@@ -27,44 +26,6 @@ void include(gx_boundsreal_t& box, const gx_boundsreal_t& other) {
 }
 
 gx_pointreal_t minus(gx_pointreal_t a, gx_pointreal_t b) { return {a.x - b.x, a.y - b.y}; }
-
-// The three points of an arc, given in the order that runs counter-clockwise on the screen.
-void set_arc(gx_object_arc_rec_t& arc, std::span<const gx_pointreal_t> p) {
-  // Circumcentre of the points, relative to the first.
-  const double bx = p[1].x - p[0].x, by = p[1].y - p[0].y, cx = p[2].x - p[0].x,
-               cy = p[2].y - p[0].y, twice_area = 2 * (bx * cy - by * cx);
-  const double b2 = bx * bx + by * by, c2 = cx * cx + cy * cy;
-  const double ux = (cy * b2 - by * c2) / twice_area, uy = (bx * c2 - cx * b2) / twice_area;
-  arc.pt2 = minus(p[1], p[0]);
-  arc.pt3 = minus(p[2], p[0]);
-  arc.center = {static_cast<std::int32_t>(std::lround(ux)),
-                static_cast<std::int32_t>(std::lround(uy))};
-  arc.rad = static_cast<std::int32_t>(std::lround(std::hypot(ux, uy)));
-  const auto angle_of = [&](gx_pointreal_t point) {
-    const auto d = minus(point, arc.center);
-    return gx_atan(-d.y, d.x);  // angles grow counter-clockwise, y grows downwards
-  };
-  arc.angle1 = angle_of({0, 0});
-  arc.angle2 = angle_of(arc.pt3);
-  if (arc.angle2 <= arc.angle1) arc.angle2 += gx_full_turn;
-  // The box: the ends, and every quarter point of the circle that the arc passes.
-  gx_boundsreal_t& box = arc.gene.bounds;
-  include(box, gx_pointreal_t{});
-  include(box, arc.pt3);
-  const gx_pointreal_t quarters[] = {{arc.rad, 0}, {0, -arc.rad}, {-arc.rad, 0}, {0, arc.rad}};
-  for (int q = 0; q < 8; ++q)
-    if (q * (gx_full_turn / 4) > arc.angle1 && q * (gx_full_turn / 4) < arc.angle2) {
-      const auto d = quarters[q % 4];
-      include(box, gx_pointreal_t{arc.center.x + d.x, arc.center.y + d.y});
-    }
-}
-
-bool counter_clockwise(std::span<const gx_pointreal_t> p) {
-  const std::int64_t cross =
-      (std::int64_t{p[1].x} - p[0].x) * (std::int64_t{p[2].y} - p[0].y) -
-      (std::int64_t{p[1].y} - p[0].y) * (std::int64_t{p[2].x} - p[0].x);
-  return cross < 0;  // y grows downwards
-}
 
 }  // namespace
 
@@ -145,12 +106,10 @@ void gxm_add_shape(gxm_tree_t& tree, const gxm_shape_t& shape, int father) {
       return;
     }
     case gx_type::arc3p_2d: {
-      const gx_pointreal_t forward[] = {p[0], p[1], p[2]}, backward[] = {p[2], p[1], p[0]};
-      const auto& order = counter_clockwise(p) ? forward : backward;
-      auto& arc = gxm_add<gx_object_arc_rec_t>(tree, father, order[0]);
+      auto& arc = gxm_add<gx_object_arc_rec_t>(tree, father, p[0]);
       arc.border_color = shape.color;
       arc.border_style = shape.style;
-      set_arc(arc, order);
+      arc.gene.bounds = gx_move(gx_arc_through(arc, p[0], p[1], p[2]), minus({}, p[0]));
       return;
     }
     case gx_type::polyline_2d: {
@@ -210,9 +169,9 @@ void gxm_grow_boxes(gxm_tree_t& tree) {
   for (int pass = 0; pass < 2; ++pass)  // first all but the families, so that symbols are known
     for (int id = tree.file->object_id_max; id >= 1; --id) {
       auto& child = object(id);
-      const bool instance_or_above =
-          child.object_type == gx_type::instance || child.object_type == gx_type::instance_family ||
-          child.father == 0 || child.father == tree.file->primary_object;
+      const bool instance_or_above = child.object_type == gx_type::instance ||
+                                     child.object_type == gx_type::instance_family ||
+                                     child.father == 0 || child.father == tree.file->primary_object;
       if (instance_or_above != (pass == 1)) continue;
       if (child.object_type == gx_type::instance)
         include(child.bounds,

@@ -13,7 +13,12 @@ namespace {
 
 // What a statement may belong to; the last one of its kind is meant.
 enum scope_t : unsigned {
-  top = 1, in_symbol = 2, in_sheet = 4, in_part = 8, in_net = 16, in_frame = 32,
+  top = 1,
+  in_symbol = 2,
+  in_sheet = 4,
+  in_part = 8,
+  in_net = 16,
+  in_frame = 32,
   anywhere_in_sheet = in_sheet | in_part | in_net | in_frame,
 };
 
@@ -76,10 +81,12 @@ constexpr option_t known_options[] = {
     {"mirror", false, [](options_t& o, text_t) { o.mirror = true; }},
     {"gridoff", false, [](options_t& o, text_t) { o.grid_off = true; }},
     {"notchecked", false, [](options_t& o, text_t) { o.not_checked = true; }},
-    {"color", true, [](options_t& o, text_t w) { o.color = needed(gxm_color_named(w), "a color", w); }},
+    {"color", true,
+     [](options_t& o, text_t w) { o.color = needed(gxm_color_named(w), "a color", w); }},
     {"at", true, [](options_t& o, text_t w) { o.at = needed(gxm_point(w), "a point x,y", w); }},
     {"bits", true, [](options_t& o, text_t w) { o.range = needed(gxm_range(w), "bits A:B", w); }},
-    {"height", true, [](options_t& o, text_t w) { o.height = needed(gxm_length(w), "a height", w); }},
+    {"height", true,
+     [](options_t& o, text_t w) { o.height = needed(gxm_length(w), "a height", w); }},
     {"step", true, [](options_t& o, text_t w) { o.step = needed(gxm_length(w), "a step", w); }},
     {"width", true,
      [](options_t& o, text_t w) { o.width = needed(gxm_integer(w, 1, 99), "a width 1..99", w); }},
@@ -216,8 +223,7 @@ void parser::read(statement_t& s) {
       std::find_if(std::begin(keywords), std::end(keywords),
                    [&](const keyword_t& k) { return gx_iden(k.word, s.words[0]); });
   if (keyword == std::end(keywords)) throw complaint_t{"unknown statement \"" + s.words[0] + "\""};
-  if (!(keyword->scopes & scope_))
-    throw complaint_t{"\"" + s.words[0] + "\" cannot stand here"};
+  if (!(keyword->scopes & scope_)) throw complaint_t{"\"" + s.words[0] + "\" cannot stand here"};
   try {
     (this->*keyword->handler)(s);
   } catch (complaint_t& complaint) {
@@ -265,8 +271,7 @@ gxm_property_t parser::property(const gxm_assignment_t& assignment, const option
 
 void parser::include_file(statement_t& s) {
   const std::filesystem::path path = word(s, "the file name");
-  gxm_parse_file(path.is_absolute() ? path
-                                    : std::filesystem::path(file_).parent_path() / path,
+  gxm_parse_file(path.is_absolute() ? path : std::filesystem::path(file_).parent_path() / path,
                  input_);
   scope_ = top;
 }
@@ -315,9 +320,9 @@ void parser::add_shape(statement_t& s, gx_type type, std::size_t least, std::siz
   while (shape.points.size() < most && s.next < s.words.size() && gxm_point(s.words[s.next]))
     shape.points.push_back(point(s));
   if (shape.points.size() < least)
-    throw complaint_t{"a point x,y " +
-                      (s.next < s.words.size() ? "expected, not \"" + s.words[s.next] + "\""
-                                               : std::string("is missing"))};
+    throw complaint_t{"a point x,y " + (s.next < s.words.size()
+                                            ? "expected, not \"" + s.words[s.next] + "\""
+                                            : std::string("is missing"))};
   if (type == gx_type::circle_2d) {
     const auto& radius = word(s, "the radius");
     shape.radius = needed(gxm_length(radius), "a radius", radius);
@@ -395,9 +400,13 @@ void parser::page(statement_t& s) {
 }
 
 void parser::add_part(statement_t& s, gxm_kind kind) {
-  gxm_part_t part{.kind = kind, .name = name(s, "the name"), .symbol = name(s, "the symbol"),
-                  .source = s.source, .at = point(s)};
-  const auto o = options(s, kind == gxm_kind::port ? "bits rotate mirror at =" : "rotate mirror at =");
+  gxm_part_t part{.kind = kind,
+                  .name = name(s, "the name"),
+                  .symbol = name(s, "the symbol"),
+                  .source = s.source,
+                  .at = point(s)};
+  const auto o =
+      options(s, kind == gxm_kind::port ? "bits rotate mirror at =" : "rotate mirror at =");
   part.rotate = static_cast<std::uint8_t>(o.rotate.value_or(0));
   part.mirror = o.mirror;
   part.range = o.range;
@@ -435,9 +444,8 @@ void parser::wire(statement_t& s) {
   gxm_wire_t wire{.source = s.source, .stops = {}};
   auto corner = gxm_stop_t::corner_t::straight;
   constexpr std::string_view options_known[] = {"color", "width", "style"};
-  while (s.next < s.words.size() &&
-         std::find(std::begin(options_known), std::end(options_known), s.words[s.next]) ==
-             std::end(options_known)) {
+  while (s.next < s.words.size() && std::find(std::begin(options_known), std::end(options_known),
+                                              s.words[s.next]) == std::end(options_known)) {
     const std::string& given = s.words[s.next++];
     if (given == "-" || given == "|") {
       corner = given == "-" ? gxm_stop_t::corner_t::across_first : gxm_stop_t::corner_t::down_first;
@@ -475,8 +483,9 @@ void parser::label(statement_t& s) {
   look = options(s, "height color vertical");
   look.at = at;
   auto& net = sheet().nets.back();
-  const auto labels = std::count_if(net.properties.begin(), net.properties.end(),
-                                    [](const gxm_property_t& p) { return p.name.starts_with("LABEL"); });
+  const auto labels =
+      std::count_if(net.properties.begin(), net.properties.end(),
+                    [](const gxm_property_t& p) { return p.name.starts_with("LABEL"); });
   net.properties.push_back(property({"LABEL" + std::to_string(labels + 1), net.name}, look));
 }
 

@@ -10,7 +10,7 @@
 // A design being read. Files may be read one after the other into the same design.
 struct gxm_input_t {
   gxm_design_t design;
-  gxm_messages_t messages;      // empty when all was understood
+  gxm_messages_t messages;       // empty when all was understood
   std::list<std::string> files;  // the names that sources point to
 };
 

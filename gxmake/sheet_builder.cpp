@@ -175,8 +175,11 @@ class sheet_builder {
         for (const auto& property : part.pin_properties)
           add_pin_property(property, part, pin, object.gene.object_id);
       const auto offset = gx_turn(pin.at, part.rotate, part.mirror);
-      places_.add_pin({part.name, pin.name, {part.at.x + offset.x, part.at.y + offset.y},
-                       object.gene.object_id, range});
+      places_.add_pin({part.name,
+                       pin.name,
+                       {part.at.x + offset.x, part.at.y + offset.y},
+                       object.gene.object_id,
+                       range});
       first = false;
     }
   }
@@ -202,8 +205,9 @@ class sheet_builder {
     for (const auto& property : net.properties)
       gxm_add_property(tree_, property, family, false, property.vertical ? 1 : 0);
 
+    const auto told = messages_.size();
     const auto wiring = gxm_wire_net(net, places_, messages_);
-    if (wiring.segments.empty())
+    if (wiring.segments.empty() && messages_.size() == told)
       gxm_complain(messages_, net.source, "net " + net.name + " has no wire");
     std::vector<gx_object_id_t> ids;
     for (const auto& end : wiring.ends) ids.push_back(add_end(end, net, id));
@@ -215,8 +219,8 @@ class sheet_builder {
       segment.line_style = piece.wire->style;
       segment.vertex1 = ids[piece.end1];
       segment.vertex2 = ids[piece.end2];
-      segment.gene.bounds = {std::min(0, b.x - a.x), std::min(0, b.y - a.y),
-                             std::max(0, b.x - a.x), std::max(0, b.y - a.y)};
+      segment.gene.bounds = {std::min(0, b.x - a.x), std::min(0, b.y - a.y), std::max(0, b.x - a.x),
+                             std::max(0, b.y - a.y)};
     }
     for (const auto& bit : net.bits) set_bit(bit, net);
   }

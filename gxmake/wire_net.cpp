@@ -37,7 +37,8 @@ class net_wirer {
 
  private:
   void complain(const gxm_source_t& source, const std::string& what) {
-    gxm_complain(messages_, source, "net " + (net_.name.empty() ? "without name" : net_.name) + ": " + what);
+    gxm_complain(messages_, source,
+                 "net " + (net_.name.empty() ? "without name" : net_.name) + ": " + what);
   }
 
   std::size_t end_of_pin(int pin) {

@@ -11,7 +11,7 @@
 // A pin of an instance of the sheet.
 struct gxm_pin_place_t {
   std::string part, pin;
-  gx_pointreal_t place;          // on the sheet
+  gx_pointreal_t place;  // on the sheet
   gx_object_id_t pinpropfam = 0;
   std::optional<gxm_range_t> range;
 };

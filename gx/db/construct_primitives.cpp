@@ -139,12 +139,9 @@ gx_boundsreal_t gx_circle_real(int style, int color, bool filled, gx_pointreal_t
   return store_box(circle.gene, center, gx_move({-radius, -radius, radius, radius}, center));
 }
 
-gx_boundsreal_t gx_arc3p_2dreal(gx_pointreal_t pt1, gx_pointreal_t pt2, gx_pointreal_t pt3,
-                                int style, int color) {
-  auto& arc = gx_record_to_fill<gx_object_arc_rec_t>(gx_code::invalid_arc3p_2d);
+gx_boundsreal_t gx_arc_through(gx_object_arc_rec_t& arc, gx_pointreal_t pt1, gx_pointreal_t pt2,
+                               gx_pointreal_t pt3) {
   const auto circle = circle_through(pt1, pt2, pt3);
-  arc.border_style = word(style);
-  arc.border_color = byte(color);
   arc.pt2 = minus(pt2, pt1);
   arc.pt3 = minus(pt3, pt1);
   arc.center = minus(circle.center, pt1);
@@ -158,7 +155,15 @@ gx_boundsreal_t gx_arc3p_2dreal(gx_pointreal_t pt1, gx_pointreal_t pt2, gx_point
     if (arc.angle2 <= arc.angle1) arc.angle2 += gx_full_turn;
     box = arc_box(box, circle, arc.angle1, arc.angle2);
   }
-  return store_box(arc.gene, pt1, box);
+  return box;
+}
+
+gx_boundsreal_t gx_arc3p_2dreal(gx_pointreal_t pt1, gx_pointreal_t pt2, gx_pointreal_t pt3,
+                                int style, int color) {
+  auto& arc = gx_record_to_fill<gx_object_arc_rec_t>(gx_code::invalid_arc3p_2d);
+  arc.border_style = word(style);
+  arc.border_color = byte(color);
+  return store_box(arc.gene, pt1, gx_arc_through(arc, pt1, pt2, pt3));
 }
 
 gx_boundsreal_t gx_grid_real(gx_pointreal_t corner, gx_pointreal_t opposite,

@@ -58,6 +58,9 @@ gx_boundsreal_t gx_circle_real(int style, int color, bool filled, gx_pointreal_t
 // points.
 gx_boundsreal_t gx_arc3p_2dreal(gx_pointreal_t pt1, gx_pointreal_t pt2, gx_pointreal_t pt3,
                                 int style, int color);
+// The points, circle and angles of such an arc in its record; returns the box.
+gx_boundsreal_t gx_arc_through(gx_object_arc_rec_t& arc, gx_pointreal_t pt1, gx_pointreal_t pt2,
+                               gx_pointreal_t pt3);
 gx_boundsreal_t gx_grid_real(gx_pointreal_t corner, gx_pointreal_t opposite,
                              std::int32_t step_point, std::int32_t step_pin, bool grid_on,
                              bool snap_on);
