@@ -13,7 +13,14 @@ struct kv_run_t {
   std::int32_t& macro_level;       // macro whose sheet is being flattened
 };
 
-enum class kv_run_result { done, no_lists, no_sheet, too_many_levels, write_failed };
+enum class kv_run_result {
+  done,
+  no_lists,         // a list that a run needs is empty
+  no_sheet,         // no sheet at level 1
+  too_many_levels,  // these two: the store is not whole, nothing was written
+  path_too_long,
+  write_failed,
+};
 
 // Flattens, checks the nets, fills general_info and writes the files. Answers in the list viewport.
 kv_run_result kv_run_expansion(const kv_run_t& run);

@@ -117,6 +117,8 @@ struct kv_pin_record_t {
   std::int16_t pin_start = 0, pin_end = 0, pin_net_start = 0;
   std::int8_t nb_of_property = 0;
   std::int32_t first_prop = 0;
+  // in memory only (expand/pin_chains.cpp): number of input and output chains that end with it
+  std::int32_t ends_in = 0, ends_out = 0, seen = 0;
 };
 
 enum kv_net_type : std::int16_t { kv_net_standard = 1, kv_net_sub = 2, kv_net_bus = 3 };
@@ -155,6 +157,7 @@ struct kv_net_record_t {
   std::int32_t next_sub_net = 0;
   // in memory only: the tails of the chains, so that appending costs the same at any length
   std::int32_t last_child = 0, last_pin_in = 0, last_pin_out = 0, last_sub_net = 0;
+  bool full_in_told = false, full_out_told = false;  // a pin too many was reported
 };
 
 struct kv_net_child_record_t {

@@ -1,0 +1,411 @@
+// One visit of a sheet.
+#include "expand/flatten.h"
+
+#include <cstdio>
+#include <string>
+
+#include "expand/debug.h"
+#include "expand/messages.h"
+#include "expand/save_records.h"
+#include "gx/text/state.h"
+#include "gx/text/strings.h"
+
+kv_path_step::kv_path_step(kv_flatten_t& run, std::string_view piece)
+    : run_(run), len_before_(run.path.len) {
+  if (piece.size() > run.path.chars.size() - static_cast<std::size_t>(len_before_)) {
+    kv_end_at_long_path(run, run.path.view(), piece);
+    return;
+  }
+  piece.copy(run.path.chars.data() + len_before_, piece.size());
+  run.path.len += static_cast<std::int32_t>(piece.size());
+}
+
+void kv_end_at_long_path(kv_flatten_t& run, std::string_view path, std::string_view piece) {
+  if (run.end) return;
+  kv_tell("# !! Error : Path longer than 100 characters : ");
+  kv_tell("# !! : \"", path, piece, "\"");
+  kv_count_error();
+  run.end = kv_run_result::path_too_long;
+}
+
+namespace {
+
+constexpr int most_errors = 30;
+
+// One visit under way. Where flat nets of the sheets above begin may move while sheets below are
+// visited, so they are reached by index.
+struct visit_t {
+  kv_flatten_t& run;
+  kv_sheet_t& sheet;
+  const kv_entry_t& entry;
+  std::size_t flats;
+  std::int16_t level;
+  std::int8_t timing_index;
+
+  kv_flat_t& flat(std::int32_t group) const {
+    return run.flats[flats + static_cast<std::size_t>(group)];
+  }
+  const kv_sheet_group_t& group(std::int32_t g) const {
+    return sheet.groups[static_cast<std::size_t>(g)];
+  }
+  // A name without the "/" of its path.
+  std::string_view name(kv_text_t suffix) const { return sheet.view(suffix).substr(1); }
+};
+
+bool must_stop(const kv_flatten_t& run) {
+  return run.end || gx_vext.num_errors - run.errors_before > most_errors;
+}
+
+void tell_report(const kv_report_t& report) {
+  for (const auto& line : report.lines) kv_tell(line);
+  kv_count_error();
+}
+
+void tell_different_globals(std::string_view label1, std::string_view name1,
+                            std::string_view label2, std::string_view name2) {
+  kv_tell("# !! Error Different Globals connected --> ");
+  kv_tell_quoted(label1, name1);
+  kv_tell_quoted(label2, name2);
+  kv_count_error();
+}
+
+void tell_bad_init(std::string_view where, std::string_view name_label, std::string_view name,
+                   std::string_view value) {
+  kv_tell(where);
+  kv_tell_quoted(name_label, name);
+  kv_tell_quoted("# !! INIT value  : ", value);
+  kv_count_error();
+}
+
+// Sets the state of the flat net of a group: of every member that a bus of the sheet stands for.
+void set_state(const kv_flat_t& flat, const kv_init_t& init) {
+  if (flat.net == 0) return;
+  const auto& net = kv_sext.nets[flat.net];
+  if (net.net_type != kv_net_bus) {
+    kv_set_initial_state(flat.net, init);
+    return;
+  }
+  const std::int32_t first = net.netind_start + flat.position;
+  for (std::int32_t i = 0; i < flat.width; ++i) kv_set_initial_state(first + i, init);
+}
+
+// --- ports
+
+// The instance's pin (its place among the instance's pins) for each port of the sheet it stands
+// for; the same at every visit through the instance.
+void match_ports(const visit_t& visit) {
+  kv_sheet_t& above = *visit.entry.sheet;
+  kv_sheet_inst_t& inst = *visit.entry.inst;
+  if (inst.port_pins >= 0) return;
+  inst.port_pins = static_cast<std::int32_t>(above.port_pins.size());
+  for (const auto& port : visit.sheet.ports) {
+    std::int32_t found = -1;
+    for (std::int32_t i = 0; i < inst.nb_of_pin && found < 0; ++i) {
+      const auto& pin = above.pins[static_cast<std::size_t>(inst.first_pin + i)];
+      const std::string_view pin_name = above.view(pin.suffix).substr(1);
+      const std::string_view bare = pin.pin_start != pin.pin_end ? kv_bare_name(pin_name) : pin_name;
+      if (gx_iden(pin_name, visit.sheet.view(port.name)) ||
+          gx_iden(bare, visit.sheet.view(port.bare_name))) {
+        found = i;
+      }
+    }
+    above.port_pins.push_back(found);
+  }
+}
+
+// The flat net that a pin of the sheet above brings to a group of this sheet; false when their
+// ranges do not match.
+bool bring_down(const kv_sheet_pin_t& pin, const kv_flat_t& above, const kv_sheet_group_t& group,
+                kv_flat_t& flat) {
+  const bool above_is_bus = kv_sext.nets[above.net].net_type == kv_net_bus;
+  const std::int32_t width = group.width > 0 ? group.width : 1;
+  if (pin.range_error || pin.width != width || (group.width > 0 && !above_is_bus)) return false;
+  flat.net = above.net;
+  flat.by_port = true;
+  if (above_is_bus && group.width > 0) {
+    flat.position = above.position + pin.position;
+    flat.width = group.width;
+  } else if (above_is_bus) {
+    flat.net = kv_sext.nets[above.net].netind_start + above.position + pin.position;
+  }
+  return true;
+}
+
+void tell_port(const visit_t& visit, const kv_sheet_port_t& port, std::string_view what) {
+  kv_tell("# !! Pin of INStance : \"", visit.run.path.view(), "/", visit.sheet.view(port.name),
+          "\"", "    : ", what);
+  kv_count_error();
+}
+
+void process_ports(const visit_t& visit) {
+  if (visit.entry.inst == nullptr) return;
+  match_ports(visit);
+  const kv_sheet_t& above = *visit.entry.sheet;
+  const auto* pin_of_port = above.port_pins.data() + visit.entry.inst->port_pins;
+  for (const auto& port : visit.sheet.ports) {
+    const std::int32_t place = *pin_of_port++;
+    if (place < 0) {
+      tell_port(visit, port, "  not found ? ");
+      continue;
+    }
+    if (port.group < 0) continue;
+    const auto& pin = above.pins[static_cast<std::size_t>(visit.entry.inst->first_pin + place)];
+    if (pin.group < 0) continue;  // told when the pin was saved
+    const auto& flat_above = visit.run.flats[visit.entry.flats + static_cast<std::size_t>(pin.group)];
+    if (flat_above.net == 0) continue;
+    if (!bring_down(pin, flat_above, visit.group(port.group), visit.flat(port.group))) {
+      tell_port(visit, port, "  not compatible at level -1 ? ");
+    }
+  }
+}
+
+// --- nets
+
+void save_flat_net(const visit_t& visit, std::int32_t group_ind) {
+  const auto& group = visit.group(group_ind);
+  const auto& master = visit.sheet.nets[static_cast<std::size_t>(group.master)];
+  const std::string_view name = visit.name(master.suffix);
+  const kv_path_step step(visit.run, visit.sheet.view(master.suffix));
+  if (visit.run.end) return;
+  kv_flat_t& flat = visit.flat(group_ind);
+  flat.by_master = true;
+  if (group.width > 0) {
+    flat.net = kv_save_bus(visit.run, visit.sheet, master, name, group);
+    flat.width = group.width;
+    return;
+  }
+  flat.net = kv_save_net(visit.run, visit.sheet, master, name);
+  if (group.width == 0) return;
+  kv_debug(" KV_SAVE_BUS  : error : range of bus  : %d\n", master.object_id);
+  kv_tell_quoted("# !! Error : Range of Bus Invalid : ", visit.run.path.view());
+  kv_count_error();
+}
+
+// The flat net of a global, saved where the run meets the global first.
+std::int32_t save_global_net(const visit_t& visit, const kv_sheet_global_t& global) {
+  kv_flatten_t& run = visit.run;
+  const std::string_view name = visit.sheet.view(global.name);
+  const auto& master = visit.sheet.nets[static_cast<std::size_t>(visit.group(global.group).master)];
+  // Its path does not lie under the sheet's.
+  const kv_path_t here = run.path;
+  run.path.len = 0;
+  std::int32_t net = 0;
+  {
+    const kv_path_step slash(run, "/");
+    const kv_path_step step(run, name);
+    net = kv_save_net(run, visit.sheet, master, name);
+  }
+  run.path = here;
+  kv_sext.nets[net].net_kind = kv_kind_global;
+  return net;
+}
+
+// A global on a member of a bus names that member; the member's net, 0 when there is none.
+std::int32_t process_global_on_bus(const visit_t& visit, const kv_sheet_global_t& global,
+                                   std::int32_t& global_net) {
+  if (visit.flat(global.group).net == 0) save_flat_net(visit, global.group);
+  const kv_flat_t flat = visit.flat(global.group);
+  if (flat.net == 0) return 0;
+  const std::string_view name = visit.sheet.view(global.name);
+  if (global.position < 0) {
+    kv_tell_quoted("# !! Error : Global out of the range of its Bus : ", name);
+    kv_count_error();
+    return 0;
+  }
+  const std::int32_t member = kv_sext.nets[flat.net].netind_start + flat.position + global.position;
+  const auto& net = kv_sext.nets[member];
+  const bool is_other = global_net != 0 && global_net != member;
+  const bool has_other = net.net_kind == kv_kind_global && global_net != member;
+  if (is_other || has_other) {
+    tell_different_globals("# !! 1rst Global name:", kv_string_view(net.name),
+                           "# !! 2nd  Global name:", name);
+    return 0;
+  }
+  global_net = member;
+  kv_name_sub_net(flat.net, member, name);
+  return member;
+}
+
+std::int32_t process_global_on_net(const visit_t& visit, const kv_sheet_global_t& global,
+                                   std::int32_t& global_net) {
+  kv_flat_t& flat = visit.flat(global.group);
+  if (flat.net == 0) {
+    if (global_net == 0) global_net = save_global_net(visit, global);
+    flat.net = global_net;
+  } else if (global_net == 0) {
+    global_net = flat.net;
+    kv_sext.nets[flat.net].net_kind = kv_kind_global;
+  } else if (global_net != flat.net) {
+    tell_different_globals("# !!   Top Global name:", kv_string_view(kv_sext.nets[flat.net].name),
+                           "# !! child Global name:", visit.sheet.view(global.name));
+  }
+  return flat.net;
+}
+
+void process_globals(const visit_t& visit) {
+  for (const auto& global : visit.sheet.globals) {
+    if (global.report >= 0) {
+      tell_report(visit.sheet.global_reports[static_cast<std::size_t>(global.report)]);
+    }
+    if (!global.usable || visit.run.end) continue;
+    const bool on_bus = visit.group(global.group).width > 0;
+    auto& global_net = visit.run.cache.globals[static_cast<std::size_t>(global.run_global)].net_ind;
+    const std::int32_t net = on_bus ? process_global_on_bus(visit, global, global_net)
+                                    : process_global_on_net(visit, global, global_net);
+    if (net != 0 && global.init.what == kv_init_t::valid) kv_set_initial_state(net, global.init);
+    if (global.init.what == kv_init_t::invalid) {
+      tell_bad_init("# !! INIT property on PIN of GLOBAL Invalid ", "# !! Global name  : ",
+                    visit.sheet.view(global.name), visit.sheet.view(global.init.text));
+    }
+  }
+}
+
+void process_init(const visit_t& visit, const kv_sheet_net_t& net) {
+  if (net.init.what == kv_init_t::valid) {
+    set_state(visit.flat(net.group), net.init);
+    return;
+  }
+  const std::string_view value = visit.sheet.view(net.init.text);
+  const kv_flat_t& flat = visit.flat(net.group);
+  if (flat.by_port) {
+    const auto& port = visit.sheet.ports[static_cast<std::size_t>(visit.group(net.group).port)];
+    tell_bad_init("# !! INIT property on NET of PORT Invalid ", "# !! Port name  : ",
+                  visit.sheet.view(port.name), value);
+  } else {
+    tell_bad_init("# !! INIT property on Local NET Invalid ", "# !! NET name  : ",
+                  visit.name(net.suffix), value);
+  }
+}
+
+// Every net of the sheet: the master of an equipotential that has no flat net yet becomes one, the
+// other nets are children of the flat net.
+void process_nets(const visit_t& visit) {
+  const auto& nets = visit.sheet.nets;
+  for (std::size_t i = 0; i < nets.size() && !must_stop(visit.run); ++i) {
+    const auto& net = nets[i];
+    if (visit.flat(net.group).net == 0) save_flat_net(visit, net.group);
+    const kv_flat_t flat = visit.flat(net.group);
+    const bool is_master = visit.group(net.group).master == static_cast<std::int32_t>(i);
+    if (!(is_master && flat.by_master) && flat.net != 0) {
+      const kv_path_step step(visit.run, visit.sheet.view(net.suffix));
+      kv_save_net_child(visit.run, flat.net, net, visit.name(net.suffix),
+                        flat.by_port ? kv_kind_port : kv_kind_child);
+    }
+    if (net.init.what != kv_init_t::none) process_init(visit, net);
+  }
+}
+
+// --- instances
+
+// False when the instances of the symbol are left out.
+bool check_symbol(const visit_t& visit, kv_sheet_symbol_t& symbol) {
+  const std::string_view path = visit.sheet.view(symbol.path);
+  const kv_component_t& component = kv_component_of(visit.run.cache, visit.sheet, symbol);
+  const auto tell_old = [&](std::string_view headline) {
+    kv_tell(headline);
+    kv_tell_quoted("# !! : ", path);
+    kv_tell("# !! using old symbol version  ");
+    kv_count_error();
+  };
+  if (!symbol.version_valid) tell_old("# !! Error : Invalid Version in pathname of : ");
+  if (!component.symbol_found) {
+    kv_tell_quoted("# !! Error : Symbol of : ", path, "  not found ? ");
+    kv_count_error();
+    return false;
+  }
+  if (symbol.version_valid && symbol.version != component.symbol_version) {
+    tell_old("# !! Error on Version (not the current) of : ");
+  }
+  return true;
+}
+
+std::int8_t timing_of(const visit_t& visit, const kv_sheet_inst_t& inst) {
+  if (inst.timing_state != kv_sheet_inst_t::timing_ok) {
+    kv_tell_quoted("# !! Error on Timing Index : ", visit.run.path.view());
+    kv_tell_quoted("# !! : ", visit.sheet.view(inst.timing_text));
+    if (inst.timing_state == kv_sheet_inst_t::timing_too_big) {
+      kv_tell_quoted("# !! Max value for Timing Index : ", "120");
+    }
+    kv_count_error();
+  }
+  return inst.timing_index >= 0 ? inst.timing_index : visit.timing_index;
+}
+
+void process_macro(const visit_t& visit, kv_sheet_inst_t& inst, kv_sheet_symbol_t& symbol,
+                   std::int8_t timing_index) {
+  kv_flatten_t& run = visit.run;
+  const std::int32_t macro =
+      kv_save_macro(run, visit.sheet, inst, timing_index, run.flats.data() + visit.flats);
+  if (run.end) return;
+  kv_sheet_t* below = kv_get_sheet_for_expand(run.cache, visit.sheet, symbol);
+  if (below == nullptr) {
+    kv_tell("# !! Error no sheet found for : ");
+    kv_tell_quoted("# !! : ", run.path.view());
+    return;
+  }
+  const std::int32_t macro_here = run.macro_level;
+  run.macro_level = macro;
+  kv_process_inst_of_sheet(run, *below, {&visit.sheet, &inst, visit.flats},
+                           static_cast<std::int16_t>(visit.level + 1), timing_index);
+  run.macro_level = macro_here;
+  run.expand_level = visit.level;
+}
+
+void process_inst(const visit_t& visit, kv_sheet_inst_t& inst, kv_sheet_symbol_t& symbol) {
+  kv_flatten_t& run = visit.run;
+  const kv_path_step step(run, visit.sheet.view(inst.suffix));
+  if (run.end) return;
+  const std::int8_t timing_index = timing_of(visit, inst);
+  if (!inst.is_primitive) {
+    process_macro(visit, inst, symbol, timing_index);
+    return;
+  }
+  kv_save_inst(run, visit.sheet, inst, timing_index, run.flats.data() + visit.flats);
+  if (visit.level == 1) kv_tell_quoted("# Processing : ", run.path.view());
+}
+
+void process_instances(const visit_t& visit) {
+  for (auto& symbol : visit.sheet.symbols) {
+    if (must_stop(visit.run)) return;
+    if (!check_symbol(visit, symbol)) continue;
+    for (std::int32_t i = 0; i < symbol.nb_of_inst && !must_stop(visit.run); ++i) {
+      process_inst(visit, visit.sheet.insts[static_cast<std::size_t>(symbol.first_inst + i)], symbol);
+    }
+  }
+}
+
+}  // namespace
+
+void kv_process_inst_of_sheet(kv_flatten_t& run, kv_sheet_t& sheet, const kv_entry_t& entry,
+                              std::int16_t level, std::int8_t timing_index) {
+  if (level < 1 || level > kv_max_levels) {
+    std::printf("!! Invalid level = %d\n", level);
+    kv_tell("# !! Error : Too many sheet levels ? : ", run.path.view());
+    kv_count_error();
+    run.end = kv_run_result::too_many_levels;
+    return;
+  }
+  run.expand_level = level;
+  if (level <= 2) kv_tell_quoted("# Processing : ", run.path.view());
+  if (sheet.deleted_object != 0) {
+    std::printf("!! Invalid  Object ( deleted )  = %d\n", sheet.deleted_object);
+    kv_count_error();
+    return;
+  }
+  if (sheet.file_path.size() > kv_max_string) {
+    kv_end_at_long_path(run, sheet.file_path, {});
+    return;
+  }
+
+  const std::size_t flats = run.flats.size();
+  run.flats.resize(flats + sheet.groups.size());
+  const visit_t visit{run, sheet, entry, flats, level, timing_index};
+  for (const auto& report : sheet.port_reports) tell_report(report);
+  if (!sheet.ends_at_port) {
+    process_ports(visit);
+    process_globals(visit);
+    process_nets(visit);
+    process_instances(visit);
+  }
+  run.flats.resize(flats);
+}

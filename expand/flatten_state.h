@@ -1,0 +1,56 @@
+// What the rooms of one flattening share: the sheets, the flat nets of the visits under way, and
+// the place in the hierarchy.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "expand/run.h"
+#include "expand/sheet_cache.h"
+
+// The flat net that an equipotential of a visited sheet has.
+struct kv_flat_t {
+  std::int32_t net = 0;       // index in the store, 0: none yet
+  std::int32_t position = 0;  // on a bus: the member that the sheet's first member is
+  std::int32_t width = 0;     // members of the sheet's bus, 0: no bus
+  bool by_port = false;       // it came from the sheet above
+  bool by_master = false;     // it bears the id, name and path of the master net here
+};
+
+// A simulation path that grows and shrinks with the walk. Every path is a string of the store, so
+// none may be longer than such a string.
+struct kv_path_t {
+  std::array<char, kv_max_string> chars{};
+  std::int32_t len = 0;
+  std::string_view view() const { return {chars.data(), static_cast<std::size_t>(len)}; }
+};
+
+struct kv_flatten_t {
+  std::int16_t& expand_level;      // of the sheet being visited
+  std::int32_t& macro_level;       // its macro, 0 at the top
+  std::int32_t errors_before = 0;  // counted before the run
+  kv_sheet_cache_t cache{};
+  std::vector<kv_flat_t> flats{};  // those of a sheet follow those of the sheet above it
+  kv_path_t path{};                // of the object being saved
+  std::optional<kv_run_result> end{};  // why the run cannot go on
+};
+
+// Appends a piece to the path for the life of the object. Where the path would be too long the run
+// ends, with the path told: the piece is then left out.
+class kv_path_step {
+ public:
+  kv_path_step(kv_flatten_t& run, std::string_view piece);
+  ~kv_path_step() { run_.path.len = len_before_; }
+  kv_path_step(const kv_path_step&) = delete;
+  kv_path_step& operator=(const kv_path_step&) = delete;
+
+ private:
+  kv_flatten_t& run_;
+  std::int32_t len_before_;
+};
+
+// Ends the run because a name or path is longer than a string of the store.
+void kv_end_at_long_path(kv_flatten_t& run, std::string_view path, std::string_view piece);

@@ -1,0 +1,114 @@
+// Which nets of a sheet are one equipotential: a union-find over their segments and names.
+#include "expand/net_join.h"
+
+#include <algorithm>
+#include <numeric>
+#include <string>
+#include <unordered_map>
+
+#include "expand/sheet_objects.h"
+#include "gx/text/strings.h"
+
+kv_net_table::kv_net_table(const gx_file_gene_recf_t& file, std::span<const gx_object_id_t> nets)
+    : file_(file),
+      nb_of_net_(nets.size()),
+      position_(static_cast<std::size_t>(file.object_id_max) + 1, -1),
+      end_of_(position_.size(), -1),
+      parent_(nets.size()) {
+  std::iota(parent_.begin(), parent_.end(), 0);
+  for (std::size_t i = 0; i < nets.size(); ++i) {
+    position_[static_cast<std::size_t>(nets[i])] = static_cast<std::int32_t>(i);
+  }
+  for (std::size_t i = 0; i < nets.size(); ++i) {
+    const auto net = static_cast<std::int32_t>(i);
+    kv_each_child(file, nets[i], [&](int id, const gx_object_gene_rec_t& child) {
+      if (child.object_type == gx_type::segment) take_segment(net, id);
+      if (child.object_type != gx_type::graphics) return;
+      kv_each_child(file, id, [&](int inner, const gx_object_gene_rec_t& drawn) {
+        if (drawn.object_type == gx_type::segment) take_segment(net, inner);
+      });
+    });
+  }
+}
+
+std::int32_t kv_net_table::named_by(int vertex_or_pin) const {
+  int net = 0;
+  if (const auto* vertex = kv_object_as<gx_object_vertex_rec_t>(file_, vertex_or_pin)) {
+    net = vertex->net;
+  } else if (const auto* pin = kv_object_as<gx_object_pinpropfam_rec_t>(file_, vertex_or_pin)) {
+    net = pin->net;
+  }
+  return kv_object(file_, net) != nullptr ? position_[static_cast<std::size_t>(net)] : -1;
+}
+
+std::int32_t kv_net_table::net_at(int vertex_or_pin) const {
+  const std::int32_t named = named_by(vertex_or_pin);
+  if (named >= 0 || kv_object(file_, vertex_or_pin) == nullptr) return named;
+  return end_of_[static_cast<std::size_t>(vertex_or_pin)];
+}
+
+std::int32_t kv_net_table::root(std::int32_t net) {
+  while (parent_[static_cast<std::size_t>(net)] != net) {
+    auto& parent = parent_[static_cast<std::size_t>(net)];
+    parent = parent_[static_cast<std::size_t>(parent)];
+    net = parent;
+  }
+  return net;
+}
+
+void kv_net_table::unite(std::int32_t a, std::int32_t b) {
+  a = root(a);
+  b = root(b);
+  parent_[static_cast<std::size_t>(std::max(a, b))] = std::min(a, b);
+}
+
+void kv_net_table::take_segment(std::int32_t net, int segment) {
+  const auto* record = kv_object_as<gx_object_segment_rec_t>(file_, segment);
+  for (const int end : {record->vertex1, record->vertex2}) {
+    const auto* object = kv_object(file_, end);
+    if (object == nullptr || (object->object_type != gx_type::vertex_2d &&
+                              object->object_type != gx_type::pinpropfam)) {
+      continue;
+    }
+    if (const std::int32_t named = named_by(end); named >= 0) unite(net, named);
+    auto& first = end_of_[static_cast<std::size_t>(end)];
+    if (first < 0) {
+      first = net;
+    } else {
+      unite(net, first);
+    }
+  }
+}
+
+kv_net_groups_t kv_net_table::join(std::span<const std::string_view> names,
+                                   std::span<const kv_port_name_t> port_names) {
+  std::unordered_map<std::string, std::int32_t> bearer;
+  std::string key;
+  const auto bear = [&](std::string_view name, std::int32_t net) {
+    if (name.empty()) return;
+    key.assign(name);
+    std::transform(key.begin(), key.end(), key.begin(), gx_upper_case);
+    const auto [at, is_new] = bearer.try_emplace(key, net);
+    if (!is_new) unite(at->second, net);
+  };
+  for (std::size_t i = 0; i < nb_of_net_; ++i) bear(names[i], static_cast<std::int32_t>(i));
+  for (const auto& port : port_names) bear(port.name, port.net);
+
+  // The root is the smallest position of its group, so it is met first.
+  kv_net_groups_t groups;
+  groups.group_of_net.resize(nb_of_net_);
+  for (std::size_t i = 0; i < nb_of_net_; ++i) {
+    const auto net = static_cast<std::int32_t>(i);
+    const auto first = static_cast<std::size_t>(root(net));
+    if (first == i) {
+      groups.group_of_net[i] = static_cast<std::int32_t>(groups.master_of_group.size());
+      groups.master_of_group.push_back(net);
+      continue;
+    }
+    const std::int32_t group = groups.group_of_net[first];
+    groups.group_of_net[i] = group;
+    auto& master = groups.master_of_group[static_cast<std::size_t>(group)];
+    if (names[static_cast<std::size_t>(master)].empty() && !names[i].empty()) master = net;
+  }
+  return groups;
+}

@@ -1,0 +1,41 @@
+// The components that a run has met: their link files, looked at once, and their sheets, read and
+// analysed once. What a component's visit has to say is said at every visit.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "expand/sheet_analysis.h"
+
+struct kv_component_t {
+  std::string directory;
+  bool symbol_found = false;        // its symbol has a current version
+  std::int16_t symbol_version = 0;  // that version
+
+  // of its sheet, looked up when the first macro is met
+  enum { unknown, missing, damaged, found } sheet_state = unknown;
+  std::string why_damaged;
+  bool has_primary = false;
+  bool is_checked = false;     // not changed since its last check
+  bool has_no_error = false;   // and that check found none
+  kv_sheet_t sheet;
+};
+
+struct kv_sheet_cache_t {
+  std::vector<std::unique_ptr<kv_component_t>> components;
+  std::unordered_map<std::string, std::int32_t> by_directory;
+  std::vector<kv_global_net_record_t> globals;  // of the run; the analysed sheets index them
+};
+
+// The component that a symbol of a sheet belongs to.
+kv_component_t& kv_component_of(kv_sheet_cache_t& cache, const kv_sheet_t& sheet,
+                                kv_sheet_symbol_t& symbol);
+
+// The sheet behind an instance of a symbol; nullptr, with the reason told, when it has none that
+// can be expanded. Old versions, missing checks and errors of the check are told and counted.
+kv_sheet_t* kv_get_sheet_for_expand(kv_sheet_cache_t& cache, const kv_sheet_t& sheet,
+                                    kv_sheet_symbol_t& symbol);
