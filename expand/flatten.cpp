@@ -91,28 +91,6 @@ void set_state(const kv_flat_t& flat, const kv_init_t& init) {
 
 // --- ports
 
-// The instance's pin (its place among the instance's pins) for each port of the sheet it stands
-// for; the same at every visit through the instance.
-void match_ports(const visit_t& visit) {
-  kv_sheet_t& above = *visit.entry.sheet;
-  kv_sheet_inst_t& inst = *visit.entry.inst;
-  if (inst.port_pins >= 0) return;
-  inst.port_pins = static_cast<std::int32_t>(above.port_pins.size());
-  for (const auto& port : visit.sheet.ports) {
-    std::int32_t found = -1;
-    for (std::int32_t i = 0; i < inst.nb_of_pin && found < 0; ++i) {
-      const auto& pin = above.pins[static_cast<std::size_t>(inst.first_pin + i)];
-      const std::string_view pin_name = above.view(pin.suffix).substr(1);
-      const std::string_view bare = pin.pin_start != pin.pin_end ? kv_bare_name(pin_name) : pin_name;
-      if (gx_iden(pin_name, visit.sheet.view(port.name)) ||
-          gx_iden(bare, visit.sheet.view(port.bare_name))) {
-        found = i;
-      }
-    }
-    above.port_pins.push_back(found);
-  }
-}
-
 // The flat net that a pin of the sheet above brings to a group of this sheet; false when their
 // ranges do not match.
 bool bring_down(const kv_sheet_pin_t& pin, const kv_flat_t& above, const kv_sheet_group_t& group,
@@ -139,9 +117,8 @@ void tell_port(const visit_t& visit, const kv_sheet_port_t& port, std::string_vi
 
 void process_ports(const visit_t& visit) {
   if (visit.entry.inst == nullptr) return;
-  match_ports(visit);
-  const kv_sheet_t& above = *visit.entry.sheet;
-  const auto* pin_of_port = above.port_pins.data() + visit.entry.inst->port_pins;
+  kv_sheet_t& above = *visit.entry.sheet;
+  const std::int32_t* pin_of_port = kv_pins_of_ports(above, *visit.entry.inst, visit.sheet);
   for (const auto& port : visit.sheet.ports) {
     const std::int32_t place = *pin_of_port++;
     if (place < 0) {
@@ -200,6 +177,12 @@ std::int32_t save_global_net(const visit_t& visit, const kv_sheet_global_t& glob
   return net;
 }
 
+// A global that has no flat net yet takes one that another sheet saved.
+void make_global(std::int32_t net, std::int32_t& global_net) {
+  global_net = net;
+  kv_sext.nets[net].net_kind = kv_kind_global;
+}
+
 // A global on a member of a bus names that member; the member's net, 0 when there is none.
 std::int32_t process_global_on_bus(const visit_t& visit, const kv_sheet_global_t& global,
                                    std::int32_t& global_net) {
@@ -232,9 +215,8 @@ std::int32_t process_global_on_net(const visit_t& visit, const kv_sheet_global_t
   if (flat.net == 0) {
     if (global_net == 0) global_net = save_global_net(visit, global);
     flat.net = global_net;
-  } else if (global_net == 0) {
-    global_net = flat.net;
-    kv_sext.nets[flat.net].net_kind = kv_kind_global;
+  } else if (global_net == 0 && kv_sext.nets[flat.net].net_kind != kv_kind_global) {
+    make_global(flat.net, global_net);
   } else if (global_net != flat.net) {
     tell_different_globals("# !!   Top Global name:", kv_string_view(kv_sext.nets[flat.net].name),
                            "# !! child Global name:", visit.sheet.view(global.name));
@@ -277,13 +259,30 @@ void process_init(const visit_t& visit, const kv_sheet_net_t& net) {
   }
 }
 
+// The flat net of an equipotential that no port or global of this sheet gave one: that of the
+// global it meets in a sheet below, else its master.
+void find_flat_net(const visit_t& visit, std::int32_t group_ind) {
+  const std::int32_t tied = visit.group(group_ind).tied_global;
+  if (tied < 0) {
+    save_flat_net(visit, group_ind);
+    return;
+  }
+  auto& global_net = visit.run.cache.globals[static_cast<std::size_t>(tied)].net_ind;
+  if (global_net == 0) {
+    save_flat_net(visit, group_ind);
+    if (!visit.run.end) make_global(visit.flat(group_ind).net, global_net);
+  } else {
+    visit.flat(group_ind).net = global_net;
+  }
+}
+
 // Every net of the sheet: the master of an equipotential that has no flat net yet becomes one, the
 // other nets are children of the flat net.
 void process_nets(const visit_t& visit) {
   const auto& nets = visit.sheet.nets;
   for (std::size_t i = 0; i < nets.size() && !must_stop(visit.run); ++i) {
     const auto& net = nets[i];
-    if (visit.flat(net.group).net == 0) save_flat_net(visit, net.group);
+    if (visit.flat(net.group).net == 0) find_flat_net(visit, net.group);
     const kv_flat_t flat = visit.flat(net.group);
     const bool is_master = visit.group(net.group).master == static_cast<std::int32_t>(i);
     if (!(is_master && flat.by_master) && flat.net != 0) {

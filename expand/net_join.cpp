@@ -82,17 +82,18 @@ void kv_net_table::take_segment(std::int32_t net, int segment) {
 
 kv_net_groups_t kv_net_table::join(std::span<const std::string_view> names,
                                    std::span<const kv_port_name_t> port_names) {
-  std::unordered_map<std::string, std::int32_t> bearer;
+  using bearers_t = std::unordered_map<std::string, std::int32_t>;
   std::string key;
-  const auto bear = [&](std::string_view name, std::int32_t net) {
+  const auto bear = [&](bearers_t& bearers, std::string_view name, std::int32_t net) {
     if (name.empty()) return;
     key.assign(name);
     std::transform(key.begin(), key.end(), key.begin(), gx_upper_case);
-    const auto [at, is_new] = bearer.try_emplace(key, net);
+    const auto [at, is_new] = bearers.try_emplace(key, net);
     if (!is_new) unite(at->second, net);
   };
-  for (std::size_t i = 0; i < nb_of_net_; ++i) bear(names[i], static_cast<std::int32_t>(i));
-  for (const auto& port : port_names) bear(port.name, port.net);
+  bearers_t nets, ports;
+  for (std::size_t i = 0; i < nb_of_net_; ++i) bear(nets, names[i], static_cast<std::int32_t>(i));
+  for (const auto& port : port_names) bear(ports, port.name, port.net);
 
   // The root is the smallest position of its group, so it is met first.
   kv_net_groups_t groups;

@@ -1,7 +1,9 @@
 // Which nets of a sheet are one equipotential.
 //
 // Nets join when segments of both end on the same vertex or pin, when a vertex or pin that names
-// one net ends a segment of the other, and when they bear the same name (letter case ignored).
+// one net ends a segment of the other, when they bear the same name, and when ports of one name are
+// on them (letter case ignored). A port's name is no name of its net: a net elsewhere on the sheet
+// that happens to bear it is not joined.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +13,7 @@
 
 #include "gx/db/file_records.h"
 
-// A name that a net bears beside its own: that of a port on it.
+// A port on a net.
 struct kv_port_name_t {
   std::int32_t net = 0;  // position in the list of nets
   std::string_view name;

@@ -113,6 +113,7 @@ kv_run_result kv_run_expansion(const kv_run_t& run) {
   kv_flatten_t flatten{run.expand_level, run.macro_level, gx_vext.num_errors};
   kv_sheet_t sheet = kv_analyse_sheet(gx_ptrto_gene_file_buf(top), gx_view(slot.file_pathname),
                                       flatten.cache.globals);
+  kv_find_tied_globals(flatten.cache, sheet, 1);
   run.macro_level = 0;
   kv_process_inst_of_sheet(flatten, sheet, {}, 1, 0);
   if (flatten.end) return *flatten.end;

@@ -133,8 +133,6 @@ class analysis {
     std::vector<kv_port_name_t> port_names;
     for (std::size_t i = 0; i < sheet.ports.size(); ++i) {
       if (port_nets_[i] < 0) continue;
-      port_names.push_back({port_nets_[i], port_names_[i]});
-      // On a bus the name may carry the range or not.
       port_names.push_back({port_nets_[i], sheet.view(sheet.ports[i].bare_name)});
     }
     kv_net_groups_t joined = nets_.join(net_names_, port_names);
@@ -205,7 +203,6 @@ class analysis {
       port.bare_name = is_bus_pin(pin.pinpropfam, net) ? keep_text({kv_bare_name(name)}) : port.name;
       sheet.ports.push_back(port);
       port_nets_.push_back(net);
-      port_names_.push_back(name);
     }
   }
 
@@ -456,7 +453,7 @@ class analysis {
   const gx_file_gene_recf_t& file_;
   std::vector<kv_global_net_record_t>& globals_;
   kv_net_table nets_;
-  std::vector<std::string_view> net_names_, port_names_;
+  std::vector<std::string_view> net_names_;
   std::vector<std::int32_t> port_nets_;  // per port, -1: on no net
   std::vector<int> port_insts_, global_insts_, plain_insts_;
   std::vector<bool> waiting_, chained_;  // by object id: to be taken, passed in its chain

@@ -1,8 +1,12 @@
 // The components that a run has met.
 #include "expand/sheet_cache.h"
 
+#include <algorithm>
+
 #include "expand/messages.h"
+#include "expand/sheet_slots.h"
 #include "gx/db/files.h"
+#include "gx/text/strings.h"
 
 namespace {
 
@@ -15,7 +19,9 @@ gx_file_version_t current_version(std::string_view directory, std::string_view f
   return version;
 }
 
+// Looks a component's sheet up and reads it, once.
 void read_sheet(kv_component_t& component, std::vector<kv_global_net_record_t>& globals) {
+  if (component.sheet_state != kv_component_t::unknown) return;
   const gx_file_version_t version = current_version(component.directory, "sheet");
   component.sheet_state = kv_component_t::missing;
   if (!version.found) return;
@@ -35,6 +41,31 @@ void read_sheet(kv_component_t& component, std::vector<kv_global_net_record_t>& 
 void tell_error(std::string_view label, std::string_view path, std::string_view tail) {
   kv_tell_quoted(label, path, tail);
   kv_count_error();
+}
+
+std::int32_t pin_of_port(const kv_sheet_t& above, const kv_sheet_inst_t& inst,
+                         std::string_view name, std::string_view bare_name) {
+  for (std::int32_t i = 0; i < inst.nb_of_pin; ++i) {
+    const auto& pin = above.pins[static_cast<std::size_t>(inst.first_pin + i)];
+    const std::string_view pin_name = above.view(pin.suffix).substr(1);
+    const std::string_view bare = pin.pin_start != pin.pin_end ? kv_bare_name(pin_name) : pin_name;
+    if (gx_iden(pin_name, name) || gx_iden(bare, bare_name)) return i;
+  }
+  return -1;
+}
+
+// What the sheet of an instance ties its pins' nets to.
+void tie_through(kv_sheet_t& above, kv_sheet_inst_t& inst, const kv_sheet_t& below) {
+  const std::int32_t* place = kv_pins_of_ports(above, inst, below);
+  for (const auto& port : below.ports) {
+    const std::int32_t pin_place = *place++;
+    if (pin_place < 0 || port.group < 0) continue;
+    const auto& inner = below.groups[static_cast<std::size_t>(port.group)];
+    const auto& pin = above.pins[static_cast<std::size_t>(inst.first_pin + pin_place)];
+    if (inner.tied_global < 0 || inner.width > 0 || pin.group < 0 || pin.width != 1) continue;
+    auto& outer = above.groups[static_cast<std::size_t>(pin.group)];
+    if (outer.width <= 0 && outer.tied_global < 0) outer.tied_global = inner.tied_global;
+  }
 }
 
 }  // namespace
@@ -70,7 +101,7 @@ kv_sheet_t* kv_get_sheet_for_expand(kv_sheet_cache_t& cache, const kv_sheet_t& s
     kv_count_warning();
   }
 
-  if (component.sheet_state == kv_component_t::unknown) read_sheet(component, cache.globals);
+  read_sheet(component, cache.globals);
   if (component.sheet_state == kv_component_t::missing) {
     tell_error("!! Error : Sheet of INStance  ", path, "  not found ? ");
     return nullptr;
@@ -85,4 +116,39 @@ kv_sheet_t* kv_get_sheet_for_expand(kv_sheet_cache_t& cache, const kv_sheet_t& s
   if (!component.is_checked) tell_error(unchecked, path, "  NOT CHECKED ? ");
   if (!component.has_no_error) tell_error(unchecked, path, "  WITH Error(s) ? ");
   return &component.sheet;
+}
+
+const std::int32_t* kv_pins_of_ports(kv_sheet_t& above, kv_sheet_inst_t& inst,
+                                     const kv_sheet_t& below) {
+  if (inst.port_pins < 0) {
+    inst.port_pins = static_cast<std::int32_t>(above.port_pins.size());
+    for (const auto& port : below.ports) {
+      above.port_pins.push_back(
+          pin_of_port(above, inst, below.view(port.name), below.view(port.bare_name)));
+    }
+  }
+  return above.port_pins.data() + inst.port_pins;
+}
+
+void kv_find_tied_globals(kv_sheet_cache_t& cache, kv_sheet_t& sheet, int level) {
+  if (sheet.ties_known || level > kv_max_levels) return;
+  sheet.ties_known = true;  // from here on, so that a sheet inside itself ends the search
+  for (const auto& global : sheet.globals) {
+    if (!global.usable) continue;
+    auto& group = sheet.groups[static_cast<std::size_t>(global.group)];
+    if (group.width <= 0 && group.tied_global < 0) group.tied_global = global.run_global;
+  }
+  for (auto& symbol : sheet.symbols) {
+    kv_component_t& component = kv_component_of(cache, sheet, symbol);
+    const auto begin = sheet.insts.begin() + symbol.first_inst;
+    const auto end = begin + symbol.nb_of_inst;
+    const bool is_leaf = std::all_of(begin, end, [](const auto& inst) { return inst.is_primitive; });
+    if (is_leaf || !component.symbol_found) continue;
+    read_sheet(component, cache.globals);
+    if (component.sheet_state != kv_component_t::found || component.sheet.ends_at_port) continue;
+    kv_find_tied_globals(cache, component.sheet, level + 1);
+    for (auto inst = begin; inst != end; ++inst) {
+      if (!inst->is_primitive) tie_through(sheet, *inst, component.sheet);
+    }
+  }
 }
