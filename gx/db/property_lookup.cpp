@@ -17,6 +17,19 @@ const gx_object_property_rec_t* find_under(const gx_file_gene_recf_t& file, int 
   return property == 0 ? nullptr : &gx_property_info_ptr(file, property);
 }
 
+const gx_object_property_rec_t* find_among(const gx_file_gene_recf_t& file, gx_siblings properties,
+                                           std::string_view name) {
+  for (const int id : properties) {
+    const auto& property = gx_property_info_ptr(file, id);
+    if (is_live_and_named(property, name)) return &property;
+  }
+  return nullptr;
+}
+
+gx_siblings children_if_any(const gx_file_gene_recf_t& file, int holder) {
+  return holder > 0 ? gx_children(file, holder) : gx_siblings(file, 0);
+}
+
 // The object must be there, alive and of that type.
 void check_owner(const gx_file_gene_recf_t& file, int id, gx_type type) {
   const auto& object = gx_object_id_ptr(file, id);
@@ -55,16 +68,26 @@ gx_object_id_t gx_find_property_name(const gx_file_gene_recf_t& file, int holder
   return 0;
 }
 
+gx_siblings lb_inst_properties(const gx_file_gene_recf_t& file, int inst) {
+  return children_if_any(file, lb_inq_inst_child_id(file, inst).bodpropfam);
+}
+
+gx_siblings lb_symbol_properties(const gx_file_gene_recf_t& file, int symbol) {
+  const int body = lb_inq_symbol_child_id(file, symbol).body;
+  if (body == 0) return {file, 0};
+  return children_if_any(file, lb_inq_graphics_property_id(file, body).property_family);
+}
+
+gx_siblings lb_frame_properties(const gx_file_gene_recf_t& file, int frame) {
+  return children_if_any(file, lb_inq_graphics_property_id(file, frame).property_family);
+}
+
 const gx_object_property_rec_t* lb_find_prop_inst(const gx_file_gene_recf_t& file, int inst,
                                                   std::string_view name) {
   check_owner(file, inst, gx_type::instance);
-  if (const int own = lb_inq_inst_child_id(file, inst).bodpropfam; own > 0) {
-    if (const auto* property = find_under(file, own, name)) return property;
-  }
-  const int body = lb_inq_symbol_child_id(file, gx_instance_info_ptr(file, inst).symbol).body;
-  if (body == 0) return nullptr;
-  const int family = lb_inq_graphics_property_id(file, body).property_family;
-  return family == 0 ? nullptr : find_under(file, family, name);
+  if (const auto* own = find_among(file, lb_inst_properties(file, inst), name)) return own;
+  return find_among(file, lb_symbol_properties(file, gx_instance_info_ptr(file, inst).symbol),
+                    name);
 }
 
 const gx_object_property_rec_t* lb_find_prop_net(const gx_file_gene_recf_t& file, int net,

@@ -193,3 +193,8 @@ inline auto lb_net_properties(const gx_file_gene_recf_t& file, int net) {
     return gx_inq_next_net_property_id(file, net, property);
   });
 }
+// The children of what holds the properties of an object, which are properties: an instance's own,
+// those of a symbol's body, those of a frame. Empty where there is no such holder.
+gx_siblings lb_inst_properties(const gx_file_gene_recf_t& file, int inst);
+gx_siblings lb_symbol_properties(const gx_file_gene_recf_t& file, int symbol);
+gx_siblings lb_frame_properties(const gx_file_gene_recf_t& file, int frame);
