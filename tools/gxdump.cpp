@@ -23,7 +23,7 @@ void print_field(const void* record, const gx_field_t& field) {
   std::printf("  %-18.*s", static_cast<int>(field.name.size()), field.name.data());
   switch (field.kind) {
     case gx_kind::real:
-      std::printf("%g", static_cast<double>(gx_member<float>(record, field)));
+      std::printf("%g", static_cast<double>(gx_number<float>(record, field)));
       break;
     case gx_kind::point: {
       const auto& point = gx_member<gx_pointreal_t>(record, field);

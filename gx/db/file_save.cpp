@@ -23,8 +23,7 @@ gx_object_id_t mapped(const source_to_target_t& map, gx_object_id_t id) {
 void map_ids(void* record, gx_fields_t fields, const source_to_target_t& map) {
   for (const auto& field : fields) {
     if (field.kind != gx_kind::id) continue;
-    auto& id = gx_member<gx_object_id_t>(record, field);
-    id = mapped(map, id);
+    gx_put_number(record, field, mapped(map, gx_number<gx_object_id_t>(record, field)));
   }
 }
 

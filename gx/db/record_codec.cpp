@@ -1,8 +1,7 @@
 // Bytes of a GX file to records and back, driven by the record tables.
 //
-// Reading never stops the program: what is wrong with a file is an outcome for the caller. Reading
-// past the end yields bytes of all ones, as the format has it, so that a short file fails at the
-// next check like any other damage; what no check would notice is refused for its length.
+// Reading never stops the program: what is wrong with a file is an outcome for the caller. A file
+// that ends early is refused like one whose next record has no valid type.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -27,110 +26,116 @@ struct reader_t {
   const unsigned char* at;
   const unsigned char* end;
   bool is_short = false;
-  std::int32_t bad_text = -1;  // length of the first text that its record cannot hold
+  std::int32_t bad_text = 0;  // length of the first text that its record cannot hold
   bool bad_character = false;
 
-  bool room(std::size_t size) {
-    if (static_cast<std::size_t>(end - at) >= size) return true;
-    is_short = true;
-    at = end;
-    return false;
-  }
+  bool has(std::size_t size) const { return static_cast<std::size_t>(end - at) >= size; }
 };
 
-std::uint8_t read_u8(reader_t& in) { return in.room(1) ? *in.at++ : std::uint8_t{0xff}; }
-
-std::uint16_t read_u16(reader_t& in) {
-  if (!in.room(2)) return 0xffff;
-  std::uint16_t v;
-  std::memcpy(&v, in.at, 2);
-  in.at += 2;
-  if constexpr (std::endian::native == std::endian::little) v = __builtin_bswap16(v);
-  return v;
+// The next number of a record whose bytes are known to be there.
+template <typename Number>
+Number read_number(reader_t& in) {
+  Number v;
+  std::memcpy(&v, in.at, sizeof v);
+  in.at += sizeof v;
+  if constexpr (std::endian::native == std::endian::big) return v;
+  if constexpr (sizeof v == 2) return static_cast<Number>(__builtin_bswap16(v));
+  return static_cast<Number>(__builtin_bswap32(v));
 }
 
-std::uint32_t read_u32(reader_t& in) {
-  if (!in.room(4)) return 0xffffffff;
-  std::uint32_t v;
-  std::memcpy(&v, in.at, 4);
-  in.at += 4;
-  if constexpr (std::endian::native == std::endian::little) v = __builtin_bswap32(v);
-  return v;
+std::int16_t read_i16(reader_t& in) {
+  return static_cast<std::int16_t>(read_number<std::uint16_t>(in));
 }
-
-std::int16_t read_i16(reader_t& in) { return static_cast<std::int16_t>(read_u16(in)); }
-std::int32_t read_i32(reader_t& in) { return static_cast<std::int32_t>(read_u32(in)); }
+std::int32_t read_i32(reader_t& in) {
+  return static_cast<std::int32_t>(read_number<std::uint32_t>(in));
+}
 
 void read_point(reader_t& in, gx_pointreal_t& point) {
   point.x = read_i32(in);
   point.y = read_i32(in);
 }
 
-template <std::size_t Count>
-void read_points(reader_t& in, std::array<gx_pointreal_t, Count>& points) {
-  for (auto& point : points) read_point(in, point);
-}
-
-// A text that does not fit or is not printable is noted, left empty and not looked at further: its
-// file is refused.
+// A text is read when it fits its record and the file holds it and the `after` bytes of the fields
+// behind it. A text that is refused is noted and left empty.
 template <typename Text>
-void read_text(reader_t& in, Text& text, std::int32_t capacity) {
+bool read_text(reader_t& in, Text& text, std::int32_t capacity, std::size_t after) {
   const std::int32_t length = read_i32(in);
-  if (length <= 0) return;
+  if (length <= 0) return true;
   if (length > capacity) {
-    if (in.bad_text < 0) in.bad_text = length;
-    return;
+    in.bad_text = length;
+    return false;
   }
   const auto size = static_cast<std::size_t>(length);
-  if (!in.room(size)) return;
+  if (!in.has(size + after)) {
+    in.is_short = true;
+    return false;
+  }
   std::memcpy(text.char_, in.at, size);
   text.len = length;
-  unsigned outside = 0;
-  for (std::size_t i = 0; i < size; ++i) {
-    outside |= static_cast<unsigned char>(in.at[i] - 32) > 126 - 32 ? 1U : 0U;
-  }
-  if (outside != 0) in.bad_character = true;
+  bool outside = false;
+  for (std::size_t i = 0; i < size; ++i) outside |= in.at[i] < 32 || in.at[i] > 126;
+  in.bad_character |= outside;
   in.at += size;
+  return true;
 }
 
-void read_fields(reader_t& in, void* record, gx_fields_t fields) {
-  for (const auto& field : fields) {
-    switch (field.kind) {
-      case gx_kind::i16:
-      case gx_kind::id: gx_member<std::int16_t>(record, field) = read_i16(in); break;
-      case gx_kind::i16_le:
-        gx_member<std::int16_t>(record, field) =
-            static_cast<std::int16_t>(__builtin_bswap16(read_u16(in)));
-        break;
-      case gx_kind::i32: gx_member<std::int32_t>(record, field) = read_i32(in); break;
-      case gx_kind::u8:
-      case gx_kind::flag: gx_member<std::uint8_t>(record, field) = read_u8(in); break;
-      case gx_kind::real: gx_member<float>(record, field) = std::bit_cast<float>(read_u32(in)); break;
-      case gx_kind::point: read_point(in, gx_member<gx_pointreal_t>(record, field)); break;
-      case gx_kind::bounds: {
-        auto& box = gx_member<gx_boundsreal_t>(record, field);
-        for (auto* side : {&box.xmin, &box.ymin, &box.xmax, &box.ymax}) *side = read_i32(in);
-        break;
-      }
-      case gx_kind::string:
-        read_text(in, gx_member<gx_string_record_t>(record, field), gx_kind_capacity(field.kind));
-        break;
-      case gx_kind::name:
-        read_text(in, gx_member<gx_name_record_t>(record, field), gx_kind_capacity(field.kind));
-        break;
-      case gx_kind::value:
-        read_text(in, gx_member<gx_value_record_t>(record, field), gx_kind_capacity(field.kind));
-        break;
-      case gx_kind::points5:
-        read_points(in, gx_member<std::array<gx_pointreal_t, 5>>(record, field));
-        break;
-      case gx_kind::points16:
-        read_points(in, gx_member<std::array<gx_pointreal_t, 16>>(record, field));
-        break;
-      case gx_kind::zeros4: read_u32(in); break;
-    }
+// Reads one field; `After` is the size of the fields behind it. False when the record ends here.
+template <gx_kind Kind, std::size_t After>
+bool read_field(reader_t& in, void* record, const gx_field_t& field) {
+  using enum gx_kind;
+  if constexpr (Kind == i16 || Kind == id) {
+    gx_put_number<std::int16_t>(record, field, read_i16(in));
+  } else if constexpr (Kind == i16_le) {
+    const auto v = __builtin_bswap16(read_number<std::uint16_t>(in));
+    gx_put_number<std::int16_t>(record, field, static_cast<std::int16_t>(v));
+  } else if constexpr (Kind == i32) {
+    gx_put_number<std::int32_t>(record, field, read_i32(in));
+  } else if constexpr (Kind == u8 || Kind == flag) {
+    gx_put_number<std::uint8_t>(record, field, *in.at++);
+  } else if constexpr (Kind == real) {
+    gx_put_number<float>(record, field, std::bit_cast<float>(read_number<std::uint32_t>(in)));
+  } else if constexpr (Kind == point) {
+    read_point(in, gx_member<gx_pointreal_t>(record, field));
+  } else if constexpr (Kind == bounds) {
+    auto& box = gx_member<gx_boundsreal_t>(record, field);
+    for (auto* side : {&box.xmin, &box.ymin, &box.xmax, &box.ymax}) *side = read_i32(in);
+  } else if constexpr (Kind == string) {
+    return read_text(in, gx_member<gx_string_record_t>(record, field), gx_kind_capacity(Kind), After);
+  } else if constexpr (Kind == name) {
+    return read_text(in, gx_member<gx_name_record_t>(record, field), gx_kind_capacity(Kind), After);
+  } else if constexpr (Kind == value) {
+    return read_text(in, gx_member<gx_value_record_t>(record, field), gx_kind_capacity(Kind), After);
+  } else if constexpr (Kind == points5) {
+    for (auto& p : gx_member<std::array<gx_pointreal_t, 5>>(record, field)) read_point(in, p);
+  } else if constexpr (Kind == points16) {
+    for (auto& p : gx_member<std::array<gx_pointreal_t, 16>>(record, field)) read_point(in, p);
+  } else {
+    static_assert(Kind == zeros4);
+    in.at += 4;
   }
+  return true;
 }
+
+// Reads the fields of a constant table. The bytes are asked for once, and again behind each text.
+template <const auto& Fields>
+void read_fields(reader_t& in, void* record) {
+  constexpr gx_fields_t fields = Fields;
+  if (!in.has(gx_tables::disk_size(fields))) {
+    in.is_short = true;
+    return;
+  }
+  bool goes_on = true;
+  gx_unroll_fields<Fields>([&](auto index) {
+    constexpr auto after = gx_tables::disk_size(fields.subspan(index + 1));
+    goes_on = goes_on && read_field<fields[index].kind, after>(in, record, fields[index]);
+  });
+}
+
+template <std::size_t Type>
+struct read_tail_of {
+  static void call(reader_t& in, void* record) { read_fields<gx_tables::tail_of<Type>>(in, record); }
+};
+constexpr auto& read_tail = gx_by_type<void (*)(reader_t&, void*), read_tail_of>;
 
 gx_load_t refused(gx_code code, gx_load_fault fault, std::string message) {
   gx_load_t load;
@@ -159,17 +164,17 @@ gx_load_t refused_kind(std::string_view name, int id, std::int16_t type, std::st
 // Reads object `id`; an outcome other than all_is_ok says why the file ends there.
 gx_load_t read_object(reader_t& in, gx_file_gene_recf_t& file, int id, std::string_view name) {
   gx_object_gene_rec_t general;
-  read_fields(in, &general, gx_general_fields());
+  read_fields<gx_tables::general_fields>(in, &general);
+  if (in.is_short) return refused_kind(name, id, -1, "the file ends early");
   const auto type = static_cast<std::int16_t>(general.object_type);
   if (!gx_type_ok(type)) {
     return refused_kind(name, id, type,
-                        in.is_short ? "the file ends early"
-                                    : "record type " + std::to_string(type) + " does not exist");
+                        "record type " + std::to_string(type) + " does not exist");
   }
   auto& object = gx_new_object(file, general.object_type);
   object = general;
-  read_fields(in, &object, gx_tail_fields(general.object_type));
-  if (in.bad_text >= 0) {
+  read_tail[static_cast<std::size_t>(type)](in, &object);
+  if (in.bad_text != 0) {
     return refused_data(object_fault(
         name, id, "a text of " + std::to_string(in.bad_text) + " characters is too long"));
   }
@@ -179,6 +184,17 @@ gx_load_t read_object(reader_t& in, gx_file_gene_recf_t& file, int id, std::stri
   }
   file.ptr_to_ar_objindex.push_back(&object);
   return {};
+}
+
+// Reads the header; where the bytes end, the rest of it reads as all ones and fails its checks.
+void read_header(reader_t& in, gx_file_gene_recf_t& file) {
+  std::array<unsigned char, gx_tables::disk_size(gx_tables::header_fields)> bytes;
+  bytes.fill(0xff);
+  const auto size = std::min(bytes.size(), static_cast<std::size_t>(in.end - in.at));
+  std::copy_n(in.at, size, bytes.begin());
+  reader_t header{bytes.data(), bytes.data() + bytes.size()};
+  read_fields<gx_tables::header_fields>(header, &file);
+  in.at += size;
 }
 
 std::string revision_text(float revision) {
@@ -215,10 +231,9 @@ gx_load_t load_descriptor(int descriptor, std::string_view name) {
 
 // --- writing
 
-void write_bytes(std::string& out, std::uint32_t v, int size) {
-  for (int shift = 8 * (size - 1); shift >= 0; shift -= 8) {
-    out.push_back(static_cast<char>(v >> shift & 0xff));
-  }
+void write_bytes(std::string& out, std::uint32_t v, std::size_t size) {
+  if constexpr (std::endian::native == std::endian::little) v = __builtin_bswap32(v);
+  out.append(reinterpret_cast<const char*>(&v) + sizeof v - size, size);
 }
 void write_i16(std::string& out, std::int16_t v) { write_bytes(out, static_cast<std::uint16_t>(v), 2); }
 void write_i32(std::string& out, std::int32_t v) { write_bytes(out, static_cast<std::uint32_t>(v), 4); }
@@ -232,17 +247,17 @@ void write_fields(std::string& out, const void* record, gx_fields_t fields) {
   for (const auto& field : fields) {
     switch (field.kind) {
       case gx_kind::i16:
-      case gx_kind::id: write_i16(out, gx_member<std::int16_t>(record, field)); break;
+      case gx_kind::id: write_i16(out, gx_number<std::int16_t>(record, field)); break;
       case gx_kind::i16_le: {
-        const auto v = static_cast<std::uint16_t>(gx_member<std::int16_t>(record, field));
+        const auto v = static_cast<std::uint16_t>(gx_number<std::int16_t>(record, field));
         write_bytes(out, __builtin_bswap16(v), 2);
         break;
       }
-      case gx_kind::i32: write_i32(out, gx_member<std::int32_t>(record, field)); break;
+      case gx_kind::i32: write_i32(out, gx_number<std::int32_t>(record, field)); break;
       case gx_kind::u8:
-      case gx_kind::flag: write_bytes(out, gx_member<std::uint8_t>(record, field), 1); break;
+      case gx_kind::flag: write_bytes(out, gx_number<std::uint8_t>(record, field), 1); break;
       case gx_kind::real:
-        write_bytes(out, std::bit_cast<std::uint32_t>(gx_member<float>(record, field)), 4);
+        write_bytes(out, std::bit_cast<std::uint32_t>(gx_number<float>(record, field)), 4);
         break;
       case gx_kind::point: write_point(out, gx_member<gx_pointreal_t>(record, field)); break;
       case gx_kind::bounds: {
@@ -275,7 +290,7 @@ gx_load_t gx_decode_file(std::string_view bytes, std::string_view name) {
 
   auto storage = std::make_shared<gx_file_gene_recf_t>();
   auto& file = *storage;
-  read_fields(in, &file, gx_header_fields());
+  read_header(in, file);
   if (!(file.software_revision == 2.0F)) {
     auto load = refused(gx_code::file_open_invalid, gx_load_fault::revision,
                         std::string(name) + ": software revision " +

@@ -23,36 +23,65 @@ std::string field_text(int id, std::string_view field, int value) {
   return object_text(id) + ": " + std::string(field) + " " + std::to_string(value);
 }
 
-bool refers_well(const gx_file_gene_recf_t& file, int id, gx_refers refers) {
-  if (refers == gx_refers::any || id == 0) return true;
+template <gx_refers Refers>
+bool refers_well(const gx_file_gene_recf_t& file, int id) {
+  using enum gx_refers;
+  if (Refers == any || id == 0) return true;
   const gx_type type = object_of(file, id).object_type;
-  switch (refers) {
-    case gx_refers::instance: return type == gx_type::instance;
-    case gx_refers::symbol: return type == gx_type::symbol;
-    case gx_refers::net: return type == gx_type::net;
-    case gx_refers::net_end: return type == gx_type::vertex_2d || type == gx_type::pinpropfam;
-    case gx_refers::page: return type == gx_type::page;
-    case gx_refers::grid: return type == gx_type::grid_2d;
-    case gx_refers::any: break;
+  switch (Refers) {
+    case instance: return type == gx_type::instance;
+    case symbol: return type == gx_type::symbol;
+    case net: return type == gx_type::net;
+    case net_end: return type == gx_type::vertex_2d || type == gx_type::pinpropfam;
+    case page: return type == gx_type::page;
+    case grid: return type == gx_type::grid_2d;
+    case any: break;
   }
   return true;
 }
 
-// The id fields of one record; `id` is 0 for the header.
-std::string id_fault(const gx_file_gene_recf_t& file, int id, const void* record,
-                     gx_fields_t fields) {
-  for (const auto& field : fields) {
-    if (field.kind != gx_kind::id) continue;
-    const int value = gx_member<gx_object_id_t>(record, field);
-    const std::string_view what = value < 0 || value > file.object_id_max ? " does not exist"
-                                  : !refers_well(file, value, field.refers) ? " has the wrong type"
-                                                                            : "";
-    if (what.empty()) continue;
-    const auto where = id == 0 ? "header: " + std::string(field.name) + " " + std::to_string(value)
-                               : field_text(id, field.name, value);
-    return where + std::string(what);
+// What is wrong with the first bad id among the fields of one record: the field's index in the
+// table and the words for it.
+struct bad_id_t {
+  std::size_t index = 0;
+  std::string_view what;  // empty: all are sound
+};
+
+template <const auto& Fields>
+bad_id_t bad_id(const gx_file_gene_recf_t& file, const void* record) {
+  constexpr gx_fields_t fields = Fields;
+  bad_id_t bad;
+  gx_unroll_fields<Fields>([&](auto index) {
+    constexpr const gx_field_t& field = fields[index];
+    if constexpr (field.kind == gx_kind::id) {
+      const int value = gx_number<gx_object_id_t>(record, field);
+      if (!bad.what.empty()) return;
+      if (value < 0 || value > file.object_id_max) {
+        bad = {index, " does not exist"};
+      } else if (!refers_well<field.refers>(file, value)) {
+        bad = {index, " has the wrong type"};
+      }
+    }
+  });
+  return bad;
+}
+
+template <std::size_t Type>
+struct bad_tail_id_of {
+  static bad_id_t call(const gx_file_gene_recf_t& file, const void* record) {
+    return bad_id<gx_tables::tail_of<Type>>(file, record);
   }
-  return {};
+};
+constexpr auto& bad_tail_id =
+    gx_by_type<bad_id_t (*)(const gx_file_gene_recf_t&, const void*), bad_tail_id_of>;
+
+// "" or: where, the field with its value, what is wrong.
+std::string id_fault(const bad_id_t& bad, const std::string& where, const void* record,
+                     gx_fields_t fields) {
+  if (bad.what.empty()) return {};
+  const auto& field = fields[bad.index];
+  return where + ": " + std::string(field.name) + " " +
+         std::to_string(gx_field_number(record, field)) + std::string(bad.what);
 }
 
 // The points of a polyline beyond its array would be read out of bounds.
@@ -121,10 +150,12 @@ std::string object_fault(const gx_file_gene_recf_t& file, int id) {
   if (object.object_id != id) {
     return object_text(id) + ": its stored id is " + std::to_string(object.object_id);
   }
-  if (auto fault = id_fault(file, id, &object, gx_general_fields()); !fault.empty()) return fault;
-  if (auto fault = id_fault(file, id, &object, gx_tail_fields(object.object_type));
-      !fault.empty()) {
-    return fault;
+  if (const auto bad = bad_id<gx_tables::general_fields>(file, &object); !bad.what.empty()) {
+    return id_fault(bad, object_text(id), &object, gx_general_fields());
+  }
+  const auto type = static_cast<std::size_t>(object.object_type);
+  if (const auto bad = bad_tail_id[type](file, &object); !bad.what.empty()) {
+    return id_fault(bad, object_text(id), &object, gx_tail_fields(object.object_type));
   }
   if (object.object_type == gx_type::polyline5_2d) {
     return points_fault<gx_object_polyline5_rec_t>(object);
@@ -138,7 +169,9 @@ std::string object_fault(const gx_file_gene_recf_t& file, int id) {
 }  // namespace
 
 std::string gx_reference_fault(const gx_file_gene_recf_t& file) {
-  if (auto fault = id_fault(file, 0, &file, gx_header_fields()); !fault.empty()) return fault;
+  if (const auto bad = bad_id<gx_tables::header_fields>(file, &file); !bad.what.empty()) {
+    return id_fault(bad, "header", &file, gx_header_fields());
+  }
   for (int id = 1; id <= file.object_id_max; ++id) {
     if (auto fault = object_fault(file, id); !fault.empty()) return fault;
   }
