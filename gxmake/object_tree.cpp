@@ -27,6 +27,12 @@ void include(gx_boundsreal_t& box, const gx_boundsreal_t& other) {
 
 gx_pointreal_t minus(gx_pointreal_t a, gx_pointreal_t b) { return {a.x - b.x, a.y - b.y}; }
 
+// What is not shown takes no place, so that it cannot be hit by the pointer.
+bool is_hidden(const gx_object_gene_rec_t& object) {
+  return object.object_type == gx_type::property_2d &&
+         reinterpret_cast<const gx_object_property_rec_t&>(object).visible == 0;
+}
+
 }  // namespace
 
 gx_object_id_t gxm_link(gxm_tree_t& tree, gx_object_gene_rec_t& object, int father,
@@ -135,9 +141,8 @@ void gxm_add_shape(gxm_tree_t& tree, const gxm_shape_t& shape, int father) {
 }
 
 void gxm_add_property(gxm_tree_t& tree, const gxm_property_t& property, int father, bool fixed,
-                      int rotate) {
-  auto& record =
-      gxm_add<gx_object_property_rec_t>(tree, father, property.at.value_or(gx_pointreal_t{}));
+                      int rotate, gx_pointreal_t when_hidden) {
+  auto& record = gxm_add<gx_object_property_rec_t>(tree, father, property.at.value_or(when_hidden));
   record.fixed = fixed;
   record.visible = property.at.has_value();
   record.line_color = property.color;
@@ -156,7 +161,7 @@ void gxm_grow_boxes(gxm_tree_t& tree) {
   // Children have higher ids than their fathers; a symbol stands before its instances.
   const auto grow = [&](const gx_object_gene_rec_t& child) {
     if (!child.father || child.object_type == gx_type::bodpropfam ||
-        child.object_type == gx_type::symbol_family)
+        child.object_type == gx_type::symbol_family || is_hidden(child))
       return;  // symbols lie in coordinates of their own
     gx_boundsreal_t box = child.bounds;
     if (gx_bounds_empty(box)) return;

@@ -38,10 +38,10 @@ Rec& gxm_add(gxm_tree_t& tree, int father, gx_pointreal_t origin) {
 gx_object_id_t gxm_add_plain(gxm_tree_t& tree, gx_type type, int father,
                              gx_pointreal_t origin = {});
 
-// The primitives; their boxes are set.
+// The primitives; their boxes are set. A hidden property stands at `when_hidden`.
 void gxm_add_shape(gxm_tree_t& tree, const gxm_shape_t& shape, int father);
 void gxm_add_property(gxm_tree_t& tree, const gxm_property_t& property, int father, bool fixed,
-                      int rotate);
+                      int rotate, gx_pointreal_t when_hidden = {});
 
 // Gives every container the box that holds its children. What an instance covers is its symbol
 // and its pins, not the texts beside it.

@@ -201,14 +201,15 @@ class sheet_builder {
       object.bus_start = net.range->start;
       object.bus_end = net.range->end;
     }
-    const auto family = gxm_add_plain(tree_, gx_type::property_family, id);
-    for (const auto& property : net.properties)
-      gxm_add_property(tree_, property, family, false, property.vertical ? 1 : 0);
-
     const auto told = messages_.size();
     const auto wiring = gxm_wire_net(net, places_, messages_);
     if (wiring.segments.empty() && messages_.size() == told)
       gxm_complain(messages_, net.source, "net " + net.name + " has no wire");
+
+    const auto family = gxm_add_plain(tree_, gx_type::property_family, id);
+    const auto start = wiring.ends.empty() ? gx_pointreal_t{} : wiring.ends[0].place;
+    for (const auto& property : net.properties)
+      gxm_add_property(tree_, property, family, false, property.vertical ? 1 : 0, start);
     std::vector<gx_object_id_t> ids;
     for (const auto& end : wiring.ends) ids.push_back(add_end(end, net, id));
     for (const auto& piece : wiring.segments) {

@@ -11,7 +11,7 @@ bool is_drawn_primitive(gx_type type) {
   return type >= gx_type::arc3p_2d && type <= gx_type::property_2d;
 }
 
-bool is_container(gx_type type) { return type >= gx_type::main && type <= gx_type::graphics; }
+bool is_container(gx_type type) { return type >= gx_type::main && type <= gx_type::property_family; }
 
 // The next object of the walk that does not enter `id`; 0 when it climbed back to the root.
 int next_outside(const gx_file_gene_recf_t& file, int id, int root) {

@@ -25,9 +25,20 @@ void check_object(const gx_file_gene_recf_t& file, int id, gx_type type, const c
   const gx_type found = gx_object_id_ptr(file, id).object_type;
   if (found == type) return;
   const auto name = gx_type_name(found);
-  gx_debug(" LB_DISPLAY_ONE_INST : %s : type : %15.*s\n", type_name,
-           static_cast<int>(name.size()), name.data());
+  gx_debug(" LB_DISPLAY_ONE_INST : %s : type : %15.*s\n", type_name, static_cast<int>(name.size()),
+           name.data());
   gx_set_status(gx_code::object_type_invalid);
+}
+
+// The symbol's texts, but for those that the instance has a property of its own for.
+void draw_symbol_texts(const gx_picture_t& picture, int family, int inst, int own_properties) {
+  const auto& file = *picture.file;
+  for (const int id : gx_children(file, family)) {
+    if (gx_object_id_ptr(file, id).object_type != gx_type::property_2d) continue;
+    const auto name = gx_view(gx_property_info_ptr(file, id).name);
+    if (own_properties > 0 && gx_find_property_name(file, own_properties, name) > 0) continue;
+    gx_draw_prim(picture, id, inst, is_selected(file, inst));
+  }
 }
 
 void draw_instance(const gx_picture_t& picture, int inst) {
@@ -39,10 +50,12 @@ void draw_instance(const gx_picture_t& picture, int inst) {
     gx_debug(" LB_DISPLAY_ONE_INST : deleted: symbol_id %d\n", symbol);
     gx_set_status(gx_code::object_id_invalid);
   }
+  const int properties = lb_inq_inst_child_id(file, inst).bodpropfam;
   const int body = lb_inq_symbol_child_id(file, symbol).body;
   if (body > 0) {
-    const int graphics = lb_inq_graphics_property_id(file, body).graphics;
+    const auto [graphics, texts] = lb_inq_graphics_property_id(file, body);
     if (graphics > 0) gx_draw_tree(picture, graphics, inst, is_selected(file, inst));
+    if (texts > 0) draw_symbol_texts(picture, texts, inst, properties);
   }
   for (auto pins = lb_inq_inst_first_pin_id(file, inst); pins;
        pins = lb_inq_inst_next_pin_id(file, pins)) {
@@ -51,7 +64,6 @@ void draw_instance(const gx_picture_t& picture, int inst) {
     gx_draw_tree(picture, pins.pinpropfam, inst, selected);
     gx_draw_tree(picture, pins.pin, inst, selected);
   }
-  const int properties = lb_inq_inst_child_id(file, inst).bodpropfam;
   if (properties > 0) gx_draw_tree(picture, properties, inst, false);
 }
 
