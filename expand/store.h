@@ -6,6 +6,7 @@
 // A bad index or a full array writes debug lines and ends in kv_error_stop.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdio>
@@ -31,6 +32,7 @@ enum class kv_array { chars, strings, props, insts, pins, nets, net_childs, macr
 template <typename Record>
 struct kv_blocked_t {
   std::int32_t count = 0;
+  std::int32_t touched = 0;  // records behind this index were never used
   std::array<std::unique_ptr<Record[]>, kv_blocks> blocks;
 
   // Record `index` (from 1), which the caller has checked.
@@ -52,9 +54,10 @@ struct kv_blocked_t {
       const auto at = static_cast<std::size_t>(i - 1);
       auto& block = blocks[at / kv_block_size];
       if (!block) block = std::make_unique<Record[]>(kv_block_size);
-      block[at % kv_block_size] = Record{};
+      if (i <= touched) block[at % kv_block_size] = Record{};
     }
     count += n;
+    touched = std::max(touched, count);
     return first;
   }
 };
