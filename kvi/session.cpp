@@ -1,0 +1,125 @@
+// Loading and closing a design file, and the fatal stop of the library.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "gx/text/status_names.h"
+#include "kvi/load.h"
+#include "kvi/state.h"
+
+kvi_state_t kvi_state;
+
+namespace {
+
+constexpr std::int32_t status_base = 0x06050000;
+constexpr std::int32_t file_data_invalid = 19;
+constexpr std::int32_t invalid_string = 69;
+constexpr std::int32_t max_name = 200;   // characters of directory or file name
+constexpr std::int32_t max_names = 198;  // of both
+static_assert(gx_error_array.size() == KVI_NUMBER_OF_CODES);
+static_assert(KVI_DAMAGED == status_base + file_data_invalid);
+
+void close_files() {
+  auto& fd = kvi_state.store.designfile;
+  if (fd >= 0) ::close(fd);
+  fd = -1;
+  if (kvi_state.debug) std::fclose(kvi_state.debug);
+  kvi_state.debug = nullptr;
+}
+
+std::FILE* open_debug_file() {
+  std::FILE* file = std::fopen("debug_kvdfi", "w");
+  if (!file) std::exit(1);
+  return file;
+}
+
+std::int32_t status_of(kvi_load_result result) {
+  switch (result) {
+    case kvi_load_result::loaded:
+      return KVI_OK;
+    case kvi_load_result::too_short:
+      return KVI_REFUSED;
+    case kvi_load_result::damaged:
+      break;
+  }
+  return KVI_DAMAGED;
+}
+
+}  // namespace
+
+void kvi_debug(const char* text) {
+  if (kvi_state.debug) std::fprintf(kvi_state.debug, "%s\n", text);
+}
+
+const char* kvi_error_name(std::int32_t code) {
+  const bool known = code >= 0 && code < KVI_NUMBER_OF_CODES;
+  return known ? gx_error_array[static_cast<std::size_t>(code)].data() : "";
+}
+
+void kvi_set_status(std::int32_t code, std::int32_t* status) {
+  if (status) *status = code + status_base;
+  for (std::FILE* file : {kvi_state.debug, stdout}) {
+    if (!file) continue;
+    std::fprintf(file, " ?? error in GX_PACKAGE  code : %d\n", code);
+    std::fprintf(file, " ?? error  : %30s\n", kvi_error_name(code));
+  }
+  kvi_debug(" HALT ");
+  close_files();
+  std::exit(code);
+}
+
+void kvi_init_dfi(std::int32_t dirname_len, const char* dirname, std::int32_t filetype_len,
+                  const char* filetype, std::int32_t* status) {
+  std::int32_t ignored;
+  if (!status) status = &ignored;
+  auto& store = kvi_state.store;
+  close_files();
+  kvi_state.debug = open_debug_file();
+  kvi_debug("# KVI_INIT_DFI : start ");
+  *status = KVI_REFUSED;
+  store.open_file_ok = false;
+  if (!dirname || !filetype || dirname_len < 1 || filetype_len < 1) {
+    std::fprintf(kvi_state.debug, "!!! ERROR : %d %d %d %d\n", dirname != nullptr, dirname_len,
+                 filetype != nullptr, filetype_len);
+    kvi_debug("!!! ERROR : KVI_INIT_DFI : Invalid Input string ");
+    return;
+  }
+  std::int16_t day, month, year, hour, minute;
+  kvi_get_date(&day, &month, &year, &hour, &minute);
+  std::fprintf(kvi_state.debug, "\n# KVI_INIT_DFI : date : %d-%d-%d**%d-%d\n", day, month, year,
+               hour, minute);
+  if (dirname_len > max_name || filetype_len > max_name || dirname_len + filetype_len > max_names) {
+    std::printf("\n        !!! error invalid designfile dirname \n");
+    std::printf(" dirname  : \"%.*s\"\n", dirname_len, dirname);
+    std::printf(" filetype : \"%.*s\"\n", filetype_len, filetype);
+    kvi_set_status(invalid_string, status);
+  }
+  std::string path(dirname, static_cast<std::size_t>(dirname_len));
+  path.append("/").append(filetype, static_cast<std::size_t>(filetype_len));
+  store.designfile = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  if (store.designfile < 0) {
+    ++kvi_state.nb_of_errors;
+    std::fprintf(kvi_state.debug,
+                 "!!! ( KVI_INIT_DFI ) impossible to open current_session_file  : \"%s\" \n",
+                 path.c_str());
+    kvi_set_status(file_data_invalid, status);
+  }
+  *status = status_of(kvi_load_design(store.designfile, store));
+  if (*status != KVI_OK) return;
+  kvi_state.nb_of_errors = store.general_info.num_errors;
+  kvi_state.nb_of_warnings = store.general_info.num_warnings;
+  store.gx_graphics_used = false;
+  store.open_file_ok = true;
+  kvi_debug("!!!  KVI_INIT_DFI : END ");
+}
+
+void kvi_close_dfi() {
+  kvi_debug("# KVI_CLOSE_DFI : start ");
+  close_files();
+}
+
+std::int32_t kvi_get_nb_of_errors() { return kvi_state.nb_of_errors; }
+std::int32_t kvi_get_nb_of_warnings() { return kvi_state.nb_of_warnings; }
+float kvi_get_time_step() { return kvi_state.store.time_step; }

@@ -1,0 +1,118 @@
+// kvdump: a design file as readable text, every field of every record in the order of the file.
+//
+//   kvdump FILE      for example my_design/design_kv
+//
+// A damaged or truncated file is named as such, and the status is 1.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <concepts>
+#include <cstdio>
+
+#include "expand/design_records.h"
+#include "kvi/load.h"
+
+namespace {
+
+std::string_view text_of(kv_defref_exp_rec_t& store, std::int32_t string_index) {
+  if (string_index == 0) return {};
+  const kv_string_record_t& string = store.strings[string_index];
+  if (string.len == 0) return {};
+  return {&store.chars[string.index], static_cast<std::size_t>(string.len)};
+}
+
+void print_text(std::string_view text) {
+  std::printf("\"%.*s\"", static_cast<int>(text.size()), text.data());
+}
+
+void print_value(float value) { std::printf("%g", static_cast<double>(value)); }
+void print_value(const gx_string_record_t& string) { print_text(gx_view(string)); }
+void print_value(const kv_signal_state_rec& signal) {
+  std::printf("state %d, time %d, fixed %d", signal.state, signal.time, signal.fixed);
+}
+template <std::integral Number>
+void print_value(Number value) {
+  std::printf("%d", static_cast<int>(value));
+}
+template <typename Number, std::size_t Count>
+void print_value(const Number (&values)[Count]) {
+  for (std::size_t i = 0; i < Count; ++i) {
+    if (i > 0) std::printf(", ");
+    print_value(values[i]);
+  }
+}
+
+template <typename Record>
+void print_fields(kv_defref_exp_rec_t& store, const Record& record) {
+  kv_for_each_field(record, [&](const auto& field) {
+    std::printf("  %-18.*s ", static_cast<int>(field.name.size()), field.name.data());
+    print_value(record.*field.member);
+    if constexpr (std::is_same_v<std::remove_cvref_t<decltype(record.*field.member)>,
+                                 std::int32_t>) {
+      if (field.target == kv_array::strings && record.*field.member != 0) {
+        std::printf(" ");
+        print_text(text_of(store, record.*field.member));
+      }
+    }
+    std::printf("\n");
+  });
+}
+
+template <typename Record>
+void print_array(kv_defref_exp_rec_t& store, std::string_view name, kv_blocked_t<Record>& array) {
+  for (std::int32_t i = 1; i <= array.count; ++i) {
+    std::printf("%.*s %d\n", static_cast<int>(name.size()), name.data(), i);
+    if constexpr (std::is_same_v<Record, kv_string_record_t>) {
+      std::printf("  ");
+      print_text(text_of(store, i));
+      std::printf("\n");
+    }
+    print_fields(store, array[i]);
+  }
+}
+
+void print_design(kv_defref_exp_rec_t& store) {
+  std::printf("general information\n");
+  print_fields(store, store.general_info);
+  for (const kv_list_part_t& part : kv_list_parts) {
+    int n = 0;
+    for (const kv_prop_type_record_t& entry : store.*part.list) {
+      std::printf("%.*s %d\n", static_cast<int>(part.name.size()), part.name.data(), ++n);
+      print_fields(store, entry);
+    }
+  }
+  kv_for_each_part([&](const auto& part) {
+    using record = typename std::remove_cvref_t<decltype(part)>::record;
+    if constexpr (!std::is_same_v<record, char>) {
+      print_array(store, part.name, store.*part.array);
+    }
+  });
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 2) {
+    std::fprintf(stderr, "usage: kvdump FILE\n");
+    return 2;
+  }
+  const int fd = ::open(argv[1], O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  if (fd < 0) {
+    std::perror(argv[1]);
+    return 1;
+  }
+  const kvi_load_result result = kvi_load_design(fd, kv_sext);
+  ::close(fd);
+  switch (result) {
+    case kvi_load_result::loaded:
+      print_design(kv_sext);
+      return 0;
+    case kvi_load_result::too_short:
+      std::fprintf(stderr, "%s: truncated\n", argv[1]);
+      break;
+    case kvi_load_result::damaged:
+      std::fprintf(stderr, "%s: no design file, or damaged\n", argv[1]);
+      break;
+  }
+  return 1;
+}
