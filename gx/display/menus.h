@@ -6,20 +6,36 @@
 
 #include "gx/text/state.h"
 
-// `index` holds 1..4 indices, each 1..12: the place in the tree, its size the level.
+inline constexpr int gx_max_menu_levels = 4;
+
+// --- the tree (menu_tree.cpp). `index` holds 1..4 indices, each 1..12: the place in the tree; their
+//     count is the level. Sub-lines belong to the index, not to the text of the line above them.
+// Longer display strings are cut to 18 characters. A bad index stops with invalid_level.
 void gx_def_menu_rec(std::span<const int> index, std::string_view str, bool cmd_on,
                      std::string_view cmd);
 // The record; empty texts when absent or out of range (never stops).
 gx_menu_rec_t gx_get_menu_rec(std::span<const int> index);
+// Null when absent; a bad index stops with invalid_level.
 gx_menu_rec_t* gx_ptrto_menu_rec(std::span<const int> index);
-void gx_clear_menus();
+void gx_clear_menus();  // empties the tree and forgets the chosen lines
 
-void gx_read_menu(std::string_view path);   // replaces the tree
+// --- the menu file (menu_file.cpp): one entry a line, its place given by the order of the lines.
+// Errors are counted and shown; what was read before them stays defined.
+void gx_read_menu(std::string_view path);  // replaces the tree
 void gx_print_menu(std::string_view path);
 
+// --- the picture (menu_draw.cpp). Nothing without a display; a call that does not fit the level
+//     shown stops with viewport_id_invalid.
 // Level 1 at the viewport's top left plus `position`; a deeper level (2..4) beside its parent,
-// showing the sub-lines of the chosen lines.
+// showing the sub-lines of the chosen lines. Each moves the pointer into the new level.
 void gx_draw_menu1(gx_vpid_t vpid, gx_point16_t position);
 void gx_draw_menu(gx_vpid_t vpid, int level);
-void gx_select_line_menu(gx_vpid_t vpid, int level);
-void gx_restore_menu(gx_vpid_t vpid, int level);
+void gx_select_line_menu(gx_vpid_t vpid, int level);  // moves the highlight to menuline_lev
+void gx_restore_menu(gx_vpid_t vpid, int level);      // closes the deepest level
+void gx_close_menus(gx_vpid_t vpid);                  // closes all levels
+// Takes the levels shown off the screen while something draws under them, and shows them again.
+// After an exposure, which clears the window, only the second is needed.
+void gx_hide_menus();
+void gx_redraw_menus(gx_vpid_t vpid);
+// The line of a level under the pixel row `y`, 1..12.
+int gx_menu_line_at(int level, int y);

@@ -1,0 +1,447 @@
+// The next X event, translated. Everything that the kinds of events.h stand for is decided here;
+// what to do about an event is the application's part.
+#include "gx/display/events.h"
+
+#include <X11/Xlib.h>
+#include <X11/keysym.h>
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "gx/db/geometry.h"
+#include "gx/display/list_viewport.h"
+#include "gx/display/menus.h"
+#include "gx/display/stroke_text.h"
+#include "gx/display/viewports.h"
+#include "gx/text/debug.h"
+#include "gx/text/status.h"
+#include "platform/key_lookup.h"
+
+namespace {
+
+constexpr int debounce_ms = 40;  // between two looks at a moving pointer
+constexpr int rest_ms = 500;     // a pointer that stays that long is at rest
+constexpr int max_key_text = 20;
+
+constexpr std::array<std::string_view, 36> event_name = {
+    "event :!! 0 !!",   "event :!! 1 !!",   "keypress",         "keyrelease",
+    "ButtonPress",      "ButtonRelease",    "MotionNotify",     "enternotify",
+    "leavenotify",      "FocusIn",          "FocusOut",         "keymapnotify",
+    "Expose",           "graphicsExpose",   "noExpose",         "VisibilityNotify",
+    "createnotify",     "destroynotify",    "unmapnotify",      "mapnotify",
+    "maprequest",       "reparentnotify",   "configurenotify",  "configurerequest",
+    "gravitynotify",    "resizerequest",    "circulatenotify",  "circulaterequest",
+    "propertynotify",   "selectionclear",   "selectionrequest", "selectionnotify",
+    "colormapnotify",   "clientmessage",    "mappingnotify",    "lastevent "};
+
+std::int16_t inside(int v, int size) {
+  return static_cast<std::int16_t>(std::max(1, std::min(v, size - 1)));
+}
+
+gx_point16_t inside_window(int x, int y) {
+  return {inside(x, gx_vext.bitmap_size.x), inside(y, gx_vext.bitmap_size.y)};
+}
+
+std::optional<gx_point16_t> query_pointer() {
+  Window root = 0, child = 0;
+  int root_x = 0, root_y = 0, x = 0, y = 0;
+  unsigned int state = 0;
+  if (XQueryPointer(gx_vext.dpy, gx_vext.win, &root, &child, &root_x, &root_y, &x, &y, &state) ==
+      False) {
+    return {};
+  }
+  return inside_window(x, y);
+}
+
+bool shows_file(gx_vpid_t vpid) {
+  return gx_viewport_ok(vpid) && gx_is_picture_viewport(vpid) &&
+         gx_viewport_rec(vpid).file_index > 0;
+}
+
+// The viewport and the design position follow the pointer.
+void follow_pointer(gx_point16_t pixel) {
+  gx_pointreal_t point;
+  gx_vext.pixel_pos = pixel;
+  gx_vext.viewport_id = gx_viewport_pixel_to_obj2d(pixel, point);
+  if (shows_file(gx_vext.viewport_id)) gx_vext.obj_pos = point;
+}
+
+// Where the pointer is by now; the last known place when it left the screen.
+gx_point16_t look_for_pointer() {
+  if (const auto pixel = query_pointer()) follow_pointer(*pixel);
+  return gx_vext.pixel_pos;
+}
+
+void set_auto_repeat(bool on) {
+  if ((gx_vext.gxXautoRepeatOn != 0) == on) return;
+  gx_vext.gxXautoRepeatOn = on ? 1 : 0;
+  if (on) {
+    XAutoRepeatOn(gx_vext.dpy);
+  } else {
+    XAutoRepeatOff(gx_vext.dpy);
+  }
+}
+
+void discard(int type) {
+  XEvent event;
+  while (XCheckTypedWindowEvent(gx_vext.dpy, gx_vext.win, type, &event) != False) {
+  }
+}
+
+// --- keys
+
+bool is_modifier(std::uint32_t keysym) {
+  return (keysym >= XK_Shift_L && keysym <= XK_Control_R) ||
+         (keysym >= XK_Meta_L && keysym <= XK_Alt_R) || keysym == XK_Mode_switch ||
+         keysym == XK_Num_Lock;
+}
+
+// Keys that must not repeat while they are held: their release has a meaning of its own.
+bool is_held_key(std::uint32_t keysym) {
+  return (keysym >= XK_F1 && keysym <= XK_F12) || keysym == XK_Prior || keysym == XK_Next ||
+         keysym == XK_Escape;
+}
+
+// The server repeats a key as a release and a press of the same moment. Such a pair, when it was
+// sent before repeating could be switched off, is taken out of the queue.
+bool is_repeat_pair(const XKeyEvent& release) {
+  if (XEventsQueued(gx_vext.dpy, QueuedAfterReading) == 0) return false;
+  XEvent next;
+  XPeekEvent(gx_vext.dpy, &next);
+  if (next.type != KeyPress || next.xkey.keycode != release.keycode ||
+      next.xkey.time != release.time) {
+    return false;
+  }
+  XNextEvent(gx_vext.dpy, &next);
+  return true;
+}
+
+// The keysym of a key; the event's state becomes the modifier code.
+std::uint32_t key_meaning(XKeyEvent& key, const char* too_long) {
+  std::array<char, 4 * max_key_text> text{};
+  KeySym keysym = NoSymbol;
+  const int length =
+      xlookupstring(key, text.data(), static_cast<int>(text.size()), keysym, nullptr);
+  if (length > max_key_text) {
+    gx_debug_line(std::string(too_long) + std::to_string(length));
+    gx_set_status(gx_code::input_event_type_invalid);
+  }
+  return static_cast<std::uint32_t>(
+      xplainkey(keysym, {text.data(), static_cast<std::size_t>(length)}));
+}
+
+void caps_lock_pressed(std::uint32_t modifiers) {
+  gx_vext.CapsLockState = static_cast<std::int32_t>(modifiers);
+  if (modifiers == 0) {
+    gx_display_list("!! Warning : Your Caps Lock Key in ON , So RELEASE IT PLEASE !! ");
+  }
+}
+
+void read_key(XKeyEvent& key, gx_event_t& event) {
+  const bool press = key.type == KeyPress;
+  const XKeyEvent as_sent = key;
+  event.code = key_meaning(key, " !!! error event_wait buflen : ");
+  event.modifiers = key.state;
+  event.pixel = look_for_pointer();
+
+  const bool caps_lock = event.code == XK_Caps_Lock;
+  if (caps_lock || is_modifier(event.code)) {
+    event.kind = gx_event_kind::modifier_key;
+    if (caps_lock && press) caps_lock_pressed(event.modifiers);
+    return;
+  }
+  const bool held = is_held_key(event.code);
+  if (held && !press && is_repeat_pair(as_sent)) return;
+  event.kind = press ? gx_event_kind::key_press : gx_event_kind::key_release;
+  gx_vext.key_state = static_cast<std::int32_t>(event.modifiers);
+  gx_vext.keyf_down = held && press;
+  set_auto_repeat(!gx_vext.keyf_down);
+}
+
+// --- buttons
+
+void read_button(const XButtonEvent& button, gx_event_t& event) {
+  const bool press = button.type == ButtonPress;
+  gx_vext.keyf_down = false;
+  gx_vext.key_state = 0;
+  event.modifiers = button.state & 15U;
+  event.pixel = look_for_pointer();
+  switch (button.button) {
+    case Button1:
+    case Button2:
+    case Button3: {
+      const int first = static_cast<int>(gx_event_kind::button1_down);
+      event.kind = static_cast<gx_event_kind>(
+          first + 2 * (static_cast<int>(button.button) - Button1) + (press ? 0 : 1));
+      break;
+    }
+    case Button4:
+    case Button5:
+      event.kind = gx_event_kind::pointer_moved;
+      if (press) event.wheel = button.button == Button4 ? 1 : -1;
+      break;
+    default:
+      gx_debug(press ? " event_wait : button DOWN not ok = %ld \n"
+                     : " event_wait : button UP not ok = %ld \n",
+               static_cast<long>(button.button));
+      gx_set_status(gx_code::input_event_type_invalid);
+  }
+}
+
+// --- pointer
+
+void clear_menu_lines_below(std::size_t level) {
+  for (std::size_t k = level; k < gx_vext.menuline_lev.size(); ++k) {
+    gx_vext.menuline_lev[k] = 0;
+    gx_vext.prelinsel_lev[k] = 0;
+  }
+}
+
+void read_menu_motion(gx_event_t& event) {
+  if (const auto pixel = query_pointer()) {
+    gx_vext.pixel_pos = *pixel;
+    gx_vext.viewport_id = gx_viewport_pixel_to_vpid(*pixel);
+  }
+  const gx_point16_t at = event.pixel = gx_vext.pixel_pos;
+  const int level = gx_vext.menu_level;
+  if (level < 1 || level > gx_max_menu_levels) {
+    gx_debug(" event_wait : menu level not ok = %d\n", level);
+    gx_set_status(gx_code::input_event_type_invalid);
+  }
+  const auto depth = static_cast<std::size_t>(level);
+  if (gx_point_inside_bounds16(gx_vext.menu_boxbounds, at.x, at.y)) {
+    event.kind = gx_event_kind::menu_opening;
+  } else if (gx_point_inside_bounds16(gx_vext.menu_extbounds, at.x, at.y)) {
+    event.kind = gx_event_kind::menu_line;
+    gx_vext.prelinsel_lev[depth - 1] = gx_vext.menuline_lev[depth - 1];
+    gx_vext.menuline_lev[depth - 1] = gx_menu_line_at(level, at.y);
+  } else {
+    event.kind = gx_event_kind::menu_outside;
+    return;
+  }
+  event.code = static_cast<std::uint32_t>(level);
+  clear_menu_lines_below(depth);
+  discard(MotionNotify);
+}
+
+bool is_newer(std::uint32_t time, std::int32_t than) {
+  return static_cast<std::int32_t>(time - static_cast<std::uint32_t>(than)) > 0;
+}
+
+// Of all motions waiting only the newest position counts.
+void take_newest_motion(XEvent& event) {
+  XEvent other;
+  while (XCheckTypedWindowEvent(gx_vext.dpy, gx_vext.win, MotionNotify, &other) != False) {
+    if (static_cast<std::int32_t>(other.xmotion.time - event.xmotion.time) >= 0) event = other;
+  }
+}
+
+// In the command viewport the pointer counts as on the text line.
+gx_point16_t on_command_line(gx_point16_t pixel) {
+  const gx_bounds16_t& box = gx_viewport_rec(gx_vext.viewport_cmd).pixel_bounds;
+  return {pixel.x, static_cast<std::int16_t>((box.ymin + box.ymax) / 2)};
+}
+
+// The grid point nearest to where the pointer rests, when it lies in the window.
+void snap_pointer(gx_vpid_t vpid, gx_pointreal_t point) {
+  const gx_pointreal_t snapped = gx_round_snap(point.x, point.y);
+  const gx_point16_t pixel = gx_viewport_pt_real_to_pixel(vpid, snapped);
+  const gx_point16_t& size = gx_vext.bitmap_size;
+  if (pixel.x < 1 || pixel.x >= size.x || pixel.y < 1 || pixel.y >= size.y) return;
+  gx_vext.pixel_pos = pixel;
+  gx_vext.obj_pos = snapped;
+}
+
+// A motion is sent back to the window and looked at again until the pointer has rested.
+void read_motion(XEvent& motion, gx_event_t& event) {
+  take_newest_motion(motion);
+  event.modifiers = motion.xmotion.state;
+  if (gx_vext.menu_drawn) {
+    read_menu_motion(event);
+    return;
+  }
+  event.pixel = inside_window(motion.xmotion.x, motion.xmotion.y);
+  const auto time = static_cast<std::uint32_t>(motion.xmotion.time);
+  event.time = time;
+  const bool fresh = is_newer(time, gx_vext.last_motputb);
+  const bool rested =
+      !fresh && xdiftimems(gx_vext.lasttime.tv_sec, gx_vext.lasttime.tv_usec) > rest_ms;
+
+  follow_pointer(event.pixel);
+  if (gx_vext.viewport_id == gx_vext.viewport_cmd && gx_vext.viewport_id > 0) {
+    gx_vext.pixel_pos = on_command_line(event.pixel);
+  } else if (rested && gx_vext.snap_state && shows_file(gx_vext.viewport_id)) {
+    snap_pointer(gx_vext.viewport_id, gx_vext.obj_pos);
+  }
+  if (fresh || rested) gx_vext.lasttime = xtimems();
+  if (rested) {
+    event.kind = gx_event_kind::pointer_at_rest;
+    discard(MotionNotify);
+    return;
+  }
+  event.kind = gx_event_kind::pointer_moved;
+  gx_vext.last_motputb = static_cast<std::int32_t>(time);
+  xdelayms(debounce_ms);
+  XSendEvent(gx_vext.dpy, gx_vext.win, False, PointerMotionMask, &motion);
+}
+
+// --- the window
+
+// A grab of the keyboard shows as focus events too; those do not count.
+bool is_real_focus_change(const XFocusChangeEvent& focus) {
+  return focus.mode != NotifyGrab && focus.mode != NotifyUngrab;
+}
+
+void read_focus(const XFocusChangeEvent& focus) {
+  if (!is_real_focus_change(focus)) return;
+  if (focus.type == FocusIn) {
+    gx_vext.lasttime = xtimems();
+    XGrabKey(gx_vext.dpy, AnyKey, AnyModifier, gx_vext.win, False, GrabModeAsync, GrabModeAsync);
+  } else {
+    XUngrabKey(gx_vext.dpy, AnyKey, AnyModifier, gx_vext.win);
+    gx_vext.keyf_down = false;
+    set_auto_repeat(true);
+  }
+}
+
+// Everything measured in parts of the window takes its new size.
+void resize_to(int width, int height) {
+  const auto part = [](int v) { return static_cast<std::int16_t>(v); };
+  const int w = std::clamp(width, 2, 32767), h = std::clamp(height, 2, 32767);
+  gx_vext.bitmap_size = {part(w - 1), part(h - 1)};
+  gx_vext.pixel_pos = {part(w / 2), part(h / 2)};
+  gx_vext.listb_x0 = part(gx_vext.listb_xi * (w - 1) / 1024);
+  gx_vext.listb_y0 = part(gx_vext.listb_yi * (h - 1) / 768);
+  gx_vext.cmd_x0 = part((w - 1) * gx_vext.cmd_xi / 1024);
+  gx_vext.cmd_y0 = part(gx_vext.cmd_yi * (h - 1) / 768);
+  gx_vext.cmd_height = gx_vext.list_height = part(10 * h / 768);
+  gx_vext.list_step = part(10 * h / 384);
+  gx_vext.cmd_step = part(12 * w / 1024);
+  gx_setarray_hortext();
+  gx_viewports_update();
+}
+
+void read_exposure(gx_event_t& event) {
+  gx_vext.keyf_down = false;
+  gx_vext.key_state = 0;
+  discard(Expose);
+  gx_vext.viewport_id = 1;
+  event.kind = gx_event_kind::exposed;
+  Window root = 0;
+  int x = 0, y = 0;
+  unsigned int width = 0, height = 0, border = 0, depth = 0;
+  if (XGetGeometry(gx_vext.dpy, gx_vext.win, &root, &x, &y, &width, &height, &border, &depth) !=
+      False) {
+    resize_to(static_cast<int>(width), static_cast<int>(height));
+  }
+}
+
+// A window that only shrinks keeps its picture, so that no exposure follows.
+bool only_shrinks(const XConfigureEvent& configure) {
+  const int width = gx_vext.bitmap_size.x + 1, height = gx_vext.bitmap_size.y + 1;
+  return configure.window == gx_vext.win && configure.width <= width &&
+         configure.height <= height && (configure.width < width || configure.height < height);
+}
+
+bool asks_to_close(const XClientMessageEvent& message) {
+  return message.format == 32 &&
+         message.message_type == gx_vext.wm_protocols &&
+         static_cast<Atom>(message.data.l[0]) == gx_vext.wm_delete_window;
+}
+
+void read_other(int type) {
+  const auto index = static_cast<std::size_t>(type);
+  const std::string_view name = index < event_name.size() ? event_name[index] : "Unknown??";
+  gx_debug(" !!!  GX_INPUT_EVENT_WAIT   ==>   Other events  !!  kind:%d  event_name:'%.*s' \n", type,
+           static_cast<int>(name.size()), name.data());
+}
+
+// --- looking ahead
+
+struct wanted_key_t {
+  int type;
+  std::uint32_t keysym, modifiers;
+};
+
+Bool gx_good_event(Display*, XEvent* event, XPointer argument) {
+  const auto* const wanted = reinterpret_cast<const wanted_key_t*>(argument);
+  if (event->type != wanted->type) return False;
+  XKeyEvent key = event->xkey;
+  const std::uint32_t keysym =
+      key_meaning(key, " !!! error gx_good_event  buflen : ");
+  return keysym == wanted->keysym && key.state == wanted->modifiers ? True : False;
+}
+
+}  // namespace
+
+gx_event_t gx_input_event_wait() {
+  if (!gx_vext.init_done && gx_vext.num_file_open < 1) {
+    gx_set_status(gx_code::init_or_open_file_not_done);
+  }
+  if (gx_vext.dpy == nullptr) gx_set_status(gx_code::init_not_done);
+  xdelayms(1);
+  gx_event_t event;
+  event.pixel = gx_vext.pixel_pos;
+  XEvent x;
+  XNextEvent(gx_vext.dpy, &x);
+  switch (x.type) {
+    case KeyPress:
+    case KeyRelease:
+      event.time = static_cast<std::uint32_t>(x.xkey.time);
+      read_key(x.xkey, event);
+      break;
+    case ButtonPress:
+    case ButtonRelease:
+      event.time = static_cast<std::uint32_t>(x.xbutton.time);
+      read_button(x.xbutton, event);
+      break;
+    case MotionNotify:
+      event.time = static_cast<std::uint32_t>(x.xmotion.time);
+      read_motion(x, event);
+      break;
+    case FocusIn:
+    case FocusOut: read_focus(x.xfocus); break;
+    case Expose:
+      if (x.xexpose.window == gx_vext.win) read_exposure(event);
+      break;
+    case ConfigureNotify:
+      if (only_shrinks(x.xconfigure)) read_exposure(event);
+      break;
+    case VisibilityNotify:
+      gx_vext.lasttime = xtimems();
+      gx_debug_line(" !!!  GX_INPUT_EVENT_WAIT   ==>  VisibilityNotify  !! ");
+      break;
+    case MappingNotify: XRefreshKeyboardMapping(&x.xmapping); break;
+    case ClientMessage:
+      if (asks_to_close(x.xclient)) {
+        event.kind = gx_event_kind::close_asked;
+        break;
+      }
+      [[fallthrough]];
+    default: read_other(x.type); break;
+  }
+  return event;
+}
+
+bool gx_find_event(gx_event_kind kind, std::uint32_t keysym, std::uint32_t modifiers) {
+  if (gx_vext.dpy == nullptr) return false;
+  if (kind != gx_event_kind::key_press && kind != gx_event_kind::key_release) return false;
+  wanted_key_t wanted{kind == gx_event_kind::key_press ? KeyPress : KeyRelease, keysym, modifiers};
+  XFlush(gx_vext.dpy);
+  XEvent event;
+  return XCheckIfEvent(gx_vext.dpy, &event, gx_good_event, reinterpret_cast<XPointer>(&wanted)) !=
+         False;
+}
+
+void gx_input_enable(long mask) {
+  if (gx_vext.dpy == nullptr) return;
+  XSelectInput(gx_vext.dpy, gx_vext.win, mask);
+  XFlush(gx_vext.dpy);
+}
+
+void gx_input_release() {
+  if (gx_vext.dpy != nullptr) set_auto_repeat(true);
+}

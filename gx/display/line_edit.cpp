@@ -1,0 +1,85 @@
+// The command line under the pointer: which character the pointer is on, and the keys that recall
+// and delete text there. Typing itself is the application's.
+#include <algorithm>
+#include <string>
+
+#include "gx/display/cmd_viewport.h"
+#include "gx/display/cursor.h"
+#include "gx/display/events.h"
+#include "gx/display/list_viewport.h"
+#include "gx/display/viewports.h"
+#include "gx/text/strings.h"
+
+namespace {
+
+constexpr int prompt_length = 6;  // of " cmd >"
+constexpr int line_columns = 60;  // characters shown of a line
+
+int cmd_step() { return std::max<int>(gx_vext.cmd_step, 1); }
+
+void set_command(std::string_view text) {
+  gx_vext.str_cmd = gx_string(text);
+  gx_display_cmd(text);
+}
+
+void delete_character(int column) {
+  std::string text(gx_view(gx_vext.str_cmd));
+  column = std::clamp(column, 1, std::max(1, static_cast<int>(text.size())));
+  if (text.size() < 2) {
+    text.clear();
+  } else {
+    text.erase(static_cast<std::size_t>(column - 1), 1);
+  }
+  set_command(text);
+  gx_cursor_set_position(gx_cmd_column_pixel(column));
+}
+
+}  // namespace
+
+int gx_cmd_column(gx_point16_t pixel) {
+  const gx_point16_t corner = gx_viewport_inq_pixel_min(gx_vext.viewport_cmd);
+  const int x = pixel.x - corner.x - gx_vext.cmd_x0 - 5;
+  return x / cmd_step() + gx_vext.istart_cmd - (prompt_length - 1);
+}
+
+gx_point16_t gx_cmd_column_pixel(int column) {
+  const gx_bounds16_t& box = gx_viewport_rec(gx_vext.viewport_cmd).pixel_bounds;
+  const int step = column - gx_vext.istart_cmd + prompt_length - 1;
+  const int x = box.xmin + gx_vext.cmd_x0 + 5 + step * cmd_step() + cmd_step() / 2;
+  return {static_cast<std::int16_t>(std::clamp<int>(x, box.xmin + 1, box.xmax - 1)),
+          static_cast<std::int16_t>((box.ymin + box.ymax) / 2)};
+}
+
+void gx_pixel_pos_action() {
+  gx_display_list(" pixel_pos " + std::to_string(gx_vext.pixel_pos.x) + " " +
+                  std::to_string(gx_vext.pixel_pos.y));
+}
+
+void gx_again_action(gx_vpid_t vpid, gx_point16_t pixel) {
+  if (vpid != gx_vext.viewport_list || !gx_viewport_ok(vpid)) return;
+  const gx_point16_t corner = gx_viewport_inq_pixel_min(vpid);
+  const int list_step = std::max<int>(gx_vext.list_step, 1);
+  const int row = (pixel.y - corner.y - gx_vext.listb_y0) / list_step + 1;
+  int line = std::clamp(row, 1, std::max<int>(gx_vext.nb_line_in_listviewp, 1));
+  if (gx_vext.nlinlist_disp > 1) line += gx_vext.nlinlist_disp - 1;
+  line = std::clamp(line, 1, gx_max_list_lines);
+
+  const int under = (pixel.x - corner.x - gx_vext.listb_x0 + 6) / cmd_step() + gx_vext.istart_list;
+  const int column = std::clamp(under, 1, gx_vext.istart_list + line_columns - 1);
+  const std::string_view text = gx_view(gx_vext.line_list[static_cast<std::size_t>(line - 1)]);
+  if (static_cast<std::size_t>(column) <= text.size()) {
+    gx_concat_const(text.substr(static_cast<std::size_t>(column - 1)), gx_vext.str_cmd);
+  }
+  gx_display_cmd(gx_view(gx_vext.str_cmd));
+  gx_cursor_set_position(pixel);
+}
+
+void gx_backsp_action(gx_vpid_t vpid, gx_point16_t pixel) {
+  if (vpid == gx_vext.viewport_cmd && gx_viewport_ok(vpid)) {
+    delete_character(gx_cmd_column(pixel) - 1);
+  }
+}
+
+void gx_chardel_action(gx_vpid_t vpid, gx_point16_t pixel) {
+  if (vpid == gx_vext.viewport_cmd && gx_viewport_ok(vpid)) delete_character(gx_cmd_column(pixel));
+}
