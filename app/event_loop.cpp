@@ -26,6 +26,7 @@ namespace {
 
 constexpr int max_lost_events = 20;
 constexpr std::uint32_t control = 4;
+constexpr std::uint32_t insert_char_key = 0xFF72, delete_char_key = 0xFF73;  // older keyboards
 constexpr int active_width = 3, active_color = 6;
 constexpr int inactive_width = 1, inactive_color = 3;
 constexpr std::int32_t max_typed_length = 193;
@@ -152,9 +153,9 @@ void on_plain_key(loop_t& loop, std::uint32_t keysym) {
   switch (keysym) {
     case XK_BackSpace: gx_backsp_action(gx_vext.viewport_id, gx_vext.pixel_pos); break;
     case XK_Delete:
-    case XK_DeleteChar: gx_chardel_action(gx_vext.viewport_id, gx_vext.pixel_pos); break;
+    case delete_char_key: gx_chardel_action(gx_vext.viewport_id, gx_vext.pixel_pos); break;
     case XK_Insert:
-    case XK_InsertChar: gx_again_action(gx_vext.viewport_id, gx_vext.pixel_pos); break;
+    case insert_char_key: gx_again_action(gx_vext.viewport_id, gx_vext.pixel_pos); break;
     case XK_Escape: set_command_line(""); break;
     default: break;
   }

@@ -14,6 +14,7 @@
 #include "gx/db/geometry.h"
 #include "gx/display/list_viewport.h"
 #include "gx/display/menus.h"
+#include "gx/display/pen.h"
 #include "gx/display/stroke_text.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"
@@ -382,6 +383,7 @@ gx_event_t gx_input_event_wait() {
     gx_set_status(gx_code::init_or_open_file_not_done);
   }
   if (gx_vext.dpy == nullptr) gx_set_status(gx_code::init_not_done);
+  gx_pen_flush();
   xdelayms(1);
   gx_event_t event;
   event.pixel = gx_vext.pixel_pos;
@@ -426,10 +428,9 @@ gx_event_t gx_input_event_wait() {
   return event;
 }
 
-bool gx_find_event(gx_event_kind kind, std::uint32_t keysym, std::uint32_t modifiers) {
-  if (gx_vext.dpy == nullptr) return false;
-  if (kind != gx_event_kind::key_press && kind != gx_event_kind::key_release) return false;
-  wanted_key_t wanted{kind == gx_event_kind::key_press ? KeyPress : KeyRelease, keysym, modifiers};
+bool gx_find_event(int kind, std::uint32_t keysym, std::uint32_t modifiers) {
+  if (gx_vext.dpy == nullptr || (kind != 0 && kind != 1)) return false;
+  wanted_key_t wanted{kind == 0 ? KeyPress : KeyRelease, keysym, modifiers};
   XFlush(gx_vext.dpy);
   XEvent event;
   return XCheckIfEvent(gx_vext.dpy, &event, gx_good_event, reinterpret_cast<XPointer>(&wanted)) !=
@@ -440,8 +441,4 @@ void gx_input_enable(long mask) {
   if (gx_vext.dpy == nullptr) return;
   XSelectInput(gx_vext.dpy, gx_vext.win, mask);
   XFlush(gx_vext.dpy);
-}
-
-void gx_input_release() {
-  if (gx_vext.dpy != nullptr) set_auto_repeat(true);
 }

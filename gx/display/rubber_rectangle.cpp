@@ -11,7 +11,7 @@ namespace {
 
 constexpr int rectangle_color = 7, dot_size = 3;
 
-bool near(gx_point16_t a, gx_point16_t b, int pixels) {
+bool is_near(gx_point16_t a, gx_point16_t b, int pixels) {
   return std::abs(a.x - b.x) <= pixels && std::abs(a.y - b.y) <= pixels;
 }
 
@@ -37,8 +37,8 @@ void flip_rectangle() {
 
 void gx_rectangle_action() {
   if (gx_vext.dpy == nullptr || !in_start_viewport(gx_vext.viewport_id)) return;
-  if (near(gx_vext.pixel_pos, gx_vext.pixel_ptr2, 2)) return;
-  if (near(gx_vext.pixel_pos, gx_vext.pixel_ptr1, 1)) return;
+  if (is_near(gx_vext.pixel_pos, gx_vext.pixel_ptr2, 2)) return;
+  if (is_near(gx_vext.pixel_pos, gx_vext.pixel_ptr1, 1)) return;
   gx_viewport_select(gx_vext.viewport_id);
   if (gx_vext.display_rectangle_todo) flip_rectangle();
   gx_vext.pixel_ptr2 = gx_vext.pixel_pos;

@@ -156,7 +156,7 @@ XRectangle make_window(std::string_view window_name) {
   size_t16 size;
   if (!ask_geometry(v.win, x, y, size))
     refuse_start(" !! xerror : cannot get new window geometry ? ");
-  XSelectInput(v.dpy, v.win, gx_event_mask);
+  XSelectInput(v.dpy, v.win, gx_event_mask | gx_structure_mask);
   tell_window_manager(place, window_name);
   XSetWindowAttributes attributes{};
   attributes.bit_gravity = NorthWestGravity;
@@ -299,7 +299,7 @@ void gx_init(std::span<const gx_viewport_init_rec_t> viewports, std::string_view
   v.init_done = true;
   for (const auto& viewport : viewports) gx_viewport_create(viewport.bounds, viewport.border);
 
-  XSelectInput(v.dpy, v.win, gx_event_mask);
+  XSelectInput(v.dpy, v.win, gx_event_mask | gx_structure_mask);
   gx_debug("  gxevmsk_gen:%x   gxevmsk_chk:%x \n", static_cast<unsigned>(gx_event_mask), 3U);
   v.lasttime = xtimems();
   XClearWindow(v.dpy, v.win);

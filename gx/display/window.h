@@ -13,8 +13,10 @@
 void gx_init(std::span<const gx_viewport_init_rec_t> viewports, std::string_view window_name);
 int gx_number_of_planes();
 
-// The events the window asks for.
+// The events of the user, and with them the window's own changes of size: a window that shrinks
+// loses nothing and so is not exposed.
 inline constexpr long gx_event_mask = 0x20804F;
+inline constexpr long gx_structure_mask = 0x20000;
 
 // The same package state without a display: no viewport, nothing is drawn.
 void gx_init_nograph();

@@ -1,0 +1,242 @@
+// Key names, the menu tree and its file, and the defaults of a session, without a display.
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "app/event_loop.h"
+#include "gx/display/keys.h"
+#include "gx/display/menus.h"
+#include "gx/text/strings.h"
+#include "platform/key_lookup.h"
+#include "tests/unit/fatal_stop.h"
+
+#include <X11/keysym.h>
+
+namespace {
+
+std::string action(std::string_view name) {
+  gx_string_record_t found;
+  return gx_get_key_action(name, found) ? std::string(gx_view(found)) : "unknown";
+}
+
+class KeysAndMenus : public testing::Test {
+ protected:
+  KeysAndMenus() {
+    gx_reset_state();
+    char name[] = "/tmp/kivo_menu_XXXXXX";
+    dir_ = mkdtemp(name);
+    setenv("VELMORAN", dir_.c_str(), 1);
+  }
+  ~KeysAndMenus() override {
+    std::filesystem::remove_all(dir_);
+    unsetenv("VELMORAN");
+    gx_reset_state();
+  }
+  std::string path(const std::string& name) const { return dir_ + "/" + name; }
+  void read_menu(const std::string& text) const {
+    std::ofstream(path("menu")) << text;
+    gx_read_menu(path("menu"));
+  }
+  std::string printed() const {
+    gx_print_menu(path("printed"));
+    std::ostringstream all;
+    all << std::ifstream(path("printed")).rdbuf();
+    return all.str();
+  }
+  // The last lines of the message list.
+  static std::vector<std::string> shown(int count) {
+    std::vector<std::string> lines;
+    for (int n = gx_vext.nlinlist_end - count; n < gx_vext.nlinlist_end; ++n) {
+      lines.emplace_back(n < 0 ? "" : gx_view(gx_vext.line_list[static_cast<std::size_t>(n)]));
+    }
+    return lines;
+  }
+  std::string dir_;
+};
+
+std::string text_at(std::vector<int> index) {
+  const gx_menu_rec_t record = gx_get_menu_rec(index);
+  return std::string(gx_view(record.str)) + "|" +
+         (record.cmd_on ? std::string(gx_view(record.cmd)) : "-");
+}
+
+TEST_F(KeysAndMenus, EachKeyNameHasItsOwnSlot) {
+  const std::pair<const char*, gx_string_record_t*> slots[] = {
+      {"f1", &gx_vext.action_f[0]},      {"F12", &gx_vext.action_f[11]},
+      {"f1S", &gx_vext.action_fs[0]},    {"f10c", &gx_vext.action_fc[9]},
+      {"f9a", &gx_vext.action_fa[8]},    {"f1u", &gx_vext.action_fup[0]},
+      {"f2us", &gx_vext.action_fsup[1]}, {"f11UC", &gx_vext.action_fcup[10]},
+      {"f12ua", &gx_vext.action_faup[11]}, {"au", &gx_vext.action_a[0]},
+      {"als", &gx_vext.action_as[1]},    {"adc", &gx_vext.action_ac[2]},
+      {"ara", &gx_vext.action_aa[3]},    {"aua", &gx_vext.action_aa[0]},
+      {"b1", &gx_vext.action_but[0]},    {"B1U", &gx_vext.action_but[1]},
+      {"b2", &gx_vext.action_but[2]},    {"b2u", &gx_vext.action_but[3]},
+      {"b3", &gx_vext.action_but[4]},    {"b3u", &gx_vext.action_but[5]},
+      {"cntl_n", &gx_vext.action_ck[0]}, {"CNTL_Z", &gx_vext.action_ck[12]}};
+  for (const auto& [name, slot] : slots) {
+    EXPECT_TRUE(gx_set_key_action(name, std::string("run ") + name)) << name;
+    EXPECT_EQ(gx_view(*slot), std::string("run ") + name);
+    EXPECT_EQ(action(name), std::string("run ") + name);
+  }
+  EXPECT_TRUE(gx_set_key_action("B2", "menu"));
+  EXPECT_EQ(action("B2"), "unknown");
+  EXPECT_EQ(action("B3"), "unknown");
+  EXPECT_EQ(action("b2"), "menu");
+}
+
+TEST_F(KeysAndMenus, OtherNamesAreNoKeys) {
+  for (const char* name : {"", "f", "a", "b", "f0", "f00", "f01", "f13", "f1x", "f1su", "f1uu", "b0",
+                           "b4", "b1s", "b1uu", "as", "uua", "cntl_", "cntl_m", "cntl_nn", "cntln",
+                           "f1 ", " f1"}) {
+    EXPECT_FALSE(gx_set_key_action(name, "x")) << name;
+    EXPECT_EQ(action(name), "unknown") << name;
+  }
+}
+
+TEST_F(KeysAndMenus, PadKeysAndDeadAccentsTypeWhatTheyShow) {
+  const struct {
+    KeySym key;
+    const char* text;
+    KeySym meaning;
+  } cases[] = {{XK_KP_7, "7", '7'},         {XK_KP_Decimal, ",", ','},
+               {XK_KP_Add, "+", '+'},       {XK_KP_Enter, "\r", XK_Return},
+               {XK_KP_Left, "", XK_Left},   {XK_dead_circumflex, "", '^'},
+               {XK_dead_tilde, "", '~'},    {XK_eacute, "\xE9", XK_eacute},
+               {'z', "z", 'z'},             {XK_F3, "", XK_F3}};
+  for (const auto& c : cases) EXPECT_EQ(xplainkey(c.key, c.text), c.meaning) << c.key;
+}
+
+TEST_F(KeysAndMenus, ThePlaceInTheTreeFollowsFromTheOrderOfTheLines) {
+  read_menu(
+      "# a comment\n"
+      "1 'ONE' \n"
+      "1'TWO' 'run two'\n"
+      "2   noise 'TWO ONE' more ' cmd ; x '\n"
+      "4 'DEEP'\n"                 // (2,1,1,1): counters of the levels passed over are 1
+      "3 'NEXT'\n"                 // shallower: (2,1,2)
+      "2 'TWO TWO' 'half\n"        // no second quote: no command
+      "3 'BELOW'\n"
+      "1 'THREE'\n"
+      "2 'A label of twenty-five ch' 'c'\n");
+  EXPECT_EQ(text_at({1}), "ONE|-");
+  EXPECT_EQ(text_at({2}), "TWO|run two");
+  EXPECT_EQ(text_at({2, 1}), "TWO ONE| cmd ; x ");
+  EXPECT_EQ(text_at({2, 1, 1, 1}), "DEEP|-");
+  EXPECT_EQ(text_at({2, 1, 2}), "NEXT|-");
+  EXPECT_EQ(text_at({2, 2}), "TWO TWO|-");
+  EXPECT_EQ(text_at({2, 2, 1}), "BELOW|-");
+  EXPECT_EQ(text_at({3}), "THREE|-");
+  EXPECT_EQ(text_at({3, 1}), "A label of twenty-|c");
+  EXPECT_EQ(gx_vext.num_errors, 0);
+}
+
+TEST_F(KeysAndMenus, AFileReadsBackAsItWasWritten) {
+  const std::string written =
+      "1 'FIRST' \n"
+      "2   'SUB'  ' DEF KEY B1 \"mark rect\" ' \n"
+      "3     'SUBSUB' \n"
+      "4       'LEAF'  'view all' \n"
+      "2   'OTHER' \n"
+      "1 'LAST'  '' \n";
+  read_menu(written);
+  EXPECT_EQ(printed(), written);
+
+  // Gaps close up.
+  gx_clear_menus();
+  gx_def_menu_rec(std::array{1}, "one", false, "");
+  gx_def_menu_rec(std::array{3}, "three", true, "c");
+  gx_read_menu((printed(), path("printed")));
+  EXPECT_EQ(text_at({1}), "one|-");
+  EXPECT_EQ(text_at({2}), "three|c");
+  EXPECT_EQ(text_at({3}), "|-");
+
+  // The session's own tree survives the way through a file.
+  kv_set_default_menus();
+  const std::string defaults = printed();
+  gx_read_menu(path("printed"));
+  EXPECT_EQ(printed(), defaults);
+}
+
+TEST_F(KeysAndMenus, ABadLineEndsTheReadingWithItsMessage) {
+  gx_vext.transcript_state = true;
+  gx_vext.nb_list_line_max = 500;
+  const struct {
+    const char *line, *message;
+  } cases[] = {
+      {"5 'X'", "# !!!   invalid menu level : \"5 'X'\""},
+      {"", "# !!!   invalid menu level : \"\""},
+      {" 1 'X'", "# !!!   invalid menu level : \" 1 'X'\""},
+      {"1 X", "# !!!   invalid menu disp string: \"1 X\""},
+      {"1 'X", "# !!!   invalid menu disp string: \"1 'X\""},
+  };
+  int errors = 0;
+  for (const auto& c : cases) {
+    read_menu(std::string("1 'KEPT'\n") + c.line + "\n1 'NOT READ'\n");
+    EXPECT_EQ(shown(2), (std::vector<std::string>{"# $rmenu ", c.message}));
+    EXPECT_EQ(gx_vext.num_errors, ++errors);
+    EXPECT_EQ(text_at({1}), "KEPT|-");
+    EXPECT_EQ(text_at({2}), "|-");
+  }
+  gx_read_menu("");
+  EXPECT_EQ(gx_vext.num_errors, errors);
+  gx_read_menu("/no/such");
+  EXPECT_EQ(shown(2), (std::vector<std::string>{"# $rmenu ",
+                                                "# !!! error : file not found : \"/no/such\""}));
+  EXPECT_EQ(text_at({1}), "KEPT|-");
+  gx_print_menu("/no/such/file");
+  EXPECT_EQ(shown(2),
+            (std::vector<std::string>{
+                "# $pmenu ", "# !!! error : impossible to open the file : \"/no/such/file\""}));
+  EXPECT_EQ(gx_vext.num_errors, errors + 2);
+  gx_print_menu("/dev/full");
+  EXPECT_EQ(gx_vext.num_errors, errors + 3);
+}
+
+TEST_F(KeysAndMenus, APlaceOutsideTheTreeStopsTheProgram) {
+  for (const char* first : {"2 'A'\n", "3 'A'\n", "4 'A'\n"}) {
+    expect_stop([&] { read_menu(first); }, gx_code::invalid_level, "rec : level 1 : 0");
+  }
+  std::string thirteen = "1 'A'\n";
+  for (int i = 1; i <= 13; ++i) thirteen += "2 'B'\n";
+  expect_stop([&] { read_menu(thirteen); }, gx_code::invalid_level,
+              " !! error in gx_def_menu2_rec : level 2 : 13");
+  const int far[] = {1, 12, 0};
+  expect_stop([&] { gx_ptrto_menu_rec(far); }, gx_code::invalid_level,
+              "gx_ptrto_menu3_rec : level 3 : 0  12");
+  EXPECT_EQ(text_at({1, 12, 0}), "|-");
+  EXPECT_EQ(text_at({13}), "|-");
+}
+
+TEST_F(KeysAndMenus, AFreshSessionHasItsBindingsAndMenus) {
+  kv_init_menu_action();
+  EXPECT_EQ(action("f2"), "UNSELECT ALL  ");
+  EXPECT_EQ(action("f4"), " ");
+  EXPECT_EQ(action("f4s"), "COMMAND \"CHANGE PROPERTY VALUE \" ");
+  EXPECT_EQ(action("f2u"), "");
+  EXPECT_EQ(action("f4u"), " ");
+  EXPECT_EQ(action("f1ua"), "SELECT AREA FRAME  ");
+  EXPECT_EQ(action("ara"), "$VPTR20 ");
+  EXPECT_EQ(action("b2u"), "$XIM ");
+  EXPECT_EQ(action("cntl_o"), "");
+  EXPECT_EQ(action("cntl_y"), "BYE ");
+  EXPECT_EQ(text_at({1}), "INTRODUCTION |SHOW FILE  $VELMORAN/kivo/introduction ");
+  EXPECT_EQ(text_at({2}), "EDIT|-");
+  EXPECT_EQ(text_at({2, 7, 7}),
+            "FIRST | DEF KEY B1 \"mark rect\" ; DEF KEY B1U \"unsel area first\" ");
+  EXPECT_EQ(text_at({3, 1, 2}), "USER_CHECK | DO $VELMORAN/kivo/user_check_file  ");
+  EXPECT_EQ(text_at({3, 6}), "VIEW ALL |view all ");
+  EXPECT_EQ(text_at({4, 5, 4}), "40 * 24 | template page 40 24 ");
+  EXPECT_EQ(text_at({5}), "|-");
+  EXPECT_EQ(gx_vext.base_point, (gx_pointreal_t{512, 290}));
+
+  std::filesystem::create_directory(path("kivo"));
+  std::ofstream(path("kivo/init_menu")) << "1 'MINE' 'view all'\n";
+  kv_init_menu_action();
+  EXPECT_EQ(text_at({1}), "MINE|view all");
+  EXPECT_EQ(text_at({2}), "|-");
+}
+
+}  // namespace
