@@ -239,33 +239,4 @@ TEST_F(KeysAndMenus, AFreshSessionHasItsBindingsAndMenus) {
   EXPECT_EQ(text_at({2}), "|-");
 }
 
-TEST_F(KeysAndMenus, AFreshSessionHasItsBindingsAndMenus) {
-  kv_init_menu_action();
-  EXPECT_EQ(action("f2"), "UNSELECT ALL  ");
-  EXPECT_EQ(action("f4"), " ");
-  EXPECT_EQ(action("f4s"), "COMMAND \"CHANGE PROPERTY VALUE \" ");
-  EXPECT_EQ(action("f2u"), "");
-  EXPECT_EQ(action("f4u"), " ");
-  EXPECT_EQ(action("f1ua"), "SELECT AREA FRAME  ");
-  EXPECT_EQ(action("ara"), "$VPTR20 ");
-  EXPECT_EQ(action("b2u"), "$XIM ");
-  EXPECT_EQ(action("cntl_o"), "");
-  EXPECT_EQ(action("cntl_y"), "BYE ");
-  EXPECT_EQ(text_at({1}), "INTRODUCTION |SHOW FILE  $VELMORAN/kivo/introduction ");
-  EXPECT_EQ(text_at({2}), "EDIT|-");
-  EXPECT_EQ(text_at({2, 7, 7}),
-            "FIRST | DEF KEY B1 \"mark rect\" ; DEF KEY B1U \"unsel area first\" ");
-  EXPECT_EQ(text_at({3, 1, 2}), "USER_CHECK | DO $VELMORAN/kivo/user_check_file  ");
-  EXPECT_EQ(text_at({3, 6}), "VIEW ALL |view all ");
-  EXPECT_EQ(text_at({4, 5, 4}), "40 * 24 | template page 40 24 ");
-  EXPECT_EQ(text_at({5}), "|-");
-  EXPECT_EQ(gx_vext.base_point, (gx_pointreal_t{512, 290}));
-
-  std::filesystem::create_directory(path("kivo"));
-  std::ofstream(path("kivo/init_menu")) << "1 'MINE' 'view all'\n";
-  kv_init_menu_action();
-  EXPECT_EQ(text_at({1}), "MINE|view all");
-  EXPECT_EQ(text_at({2}), "|-");
-}
-
 }  // namespace
