@@ -120,6 +120,8 @@ kv_run_result kv_run_expansion(const kv_run_t& run) {
 
   check_nets();
   store_info();
-  return kv_write_output(run.gen_data, gx_view(slot.dirname)) ? kv_run_result::done
-                                                              : kv_run_result::write_failed;
+  if (kv_write_output(run.gen_data, gx_view(slot.dirname))) return kv_run_result::done;
+  kv_tell_quoted("# !! Error : Expanded data not written whole in : ", gx_view(slot.dirname));
+  kv_count_error();
+  return kv_run_result::write_failed;
 }
