@@ -391,10 +391,16 @@ test_picture test_session::picture() {
   Display* const display = display_.connection();
   XWindowAttributes attributes{};
   XGetWindowAttributes(display, window_, &attributes);
-  XImage* const image = XGetImage(display, window_, 0, 0, static_cast<unsigned>(attributes.width),
-                                  static_cast<unsigned>(attributes.height), AllPlanes, ZPixmap);
+  // The server has pixels of the part on the screen only; the window may reach beyond its edge.
+  int left = 0, top = 0;
+  Window child = 0;
+  XTranslateCoordinates(display, window_, attributes.root, 0, 0, &left, &top, &child);
+  const int width = std::min(attributes.width, WidthOfScreen(attributes.screen) - left);
+  const int height = std::min(attributes.height, HeightOfScreen(attributes.screen) - top);
+  XImage* const image = XGetImage(display, window_, 0, 0, static_cast<unsigned>(width),
+                                  static_cast<unsigned>(height), AllPlanes, ZPixmap);
   if (!image) fail("no picture of the window");
-  test_picture picture{attributes.width, attributes.height, {}};
+  test_picture picture{width, height, {}};
   picture.pixels.reserve(static_cast<std::size_t>(picture.width) *
                          static_cast<std::size_t>(picture.height));
   const Visual& visual = *attributes.visual;
