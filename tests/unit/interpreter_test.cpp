@@ -1,0 +1,280 @@
+// The command language: how a line becomes commands, words and values, and how each answers.
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "app/command_table.h"
+#include "app/command_words.h"
+#include "app/substitution.h"
+#include "tests/support/scratch_directory.h"
+#include "tests/support/session_capture.h"
+
+namespace {
+using lines = std::vector<std::string>;
+
+TEST(CommandTable, WordsMatchByAbbreviation) {
+  const struct {
+    const char* line;
+    const char* spelling;  // null: unknown
+  } cases[] = {
+      {"sel are", "SELect AREa"},
+      {"SELECT AREA", "SELect AREa"},
+      {"selxyz AREyou", "SELect AREa"},
+      {"SE AR", nullptr},
+      {"SEL", nullptr},
+      {"DO file", "DO"},
+      {"DOX file", nullptr},
+      {"DOBX", "DOBin"},
+      {"DODIR", "DODIRectbin"},
+      {"DODI", nullptr},
+      {"G", "GIVE"},
+      {"g", "GIVE"},
+      {"GR", nullptr},
+      {"GIVES", "GIVE"},
+      {"VIEW A", nullptr},
+      {"VIEW AL", "VIEw ALL"},
+      {"vie ar", "VIEw AREa"},
+      {"BYES", nullptr},
+      {"BYE", "BYE"},
+      {"QUI", nullptr},
+      {"QUITE", nullptr},
+      {"MARK RECT", "MARK RECTangle"},
+      {"MARK 1 2", "MARK"},
+      {"MARKS RECT", nullptr},
+      {"CHA PRO SWI", "CHAnge PROperty SWItches"},
+      {"CHA PRO", nullptr},
+      {"GRID ON", "GRId ON, GRId OFF"},
+      {"GRID ST", "GRId STep"},
+      {"GRI ON", nullptr},
+      {"TRANSCRIPT X", nullptr},
+      {"A", nullptr},
+      {"JUMP", nullptr},
+  };
+  kv_array_param_t none;
+  for (const auto& c : cases) {
+    kv_words_t words;
+    kv_split_words(gx_string(c.line), words);
+    const auto* row = kv_find_command({words.all(), none, none});
+    EXPECT_EQ(row == nullptr ? "" : row->spelling, c.spelling == nullptr ? "" : c.spelling)
+        << c.line;
+  }
+  for (const char c : {'j', '%', '0', '{', '"'}) EXPECT_FALSE(kv_begins_command(c)) << c;
+  for (const char c : {'$', 'a', 'I', 'z'}) EXPECT_TRUE(kv_begins_command(c)) << c;
+}
+
+TEST(Substitution, ReferencesBecomeValues) {
+  kv_array_param_t values;
+  values[0] = gx_string("one");
+  values[1] = gx_string("$ARG1");  // a value is not scanned again
+  values[11] = gx_string("twelve");
+  values[29] = gx_string(std::string(190, 'x'));
+  const struct {
+    std::string text, result;
+    bool valid;
+  } cases[] = {
+      {"a $ARG1 b", "a one b", true},
+      {"$arg1$Arg12", "onetwelve", true},
+      {"$ARG2", "$ARG1", true},
+      {"<$ARG3>", "<>", true},
+      {"$ARG121", "twelve1", true},
+      {"$ARG01", "one", true},
+      {"$$ARG1", "$one", true},
+      {"$ARGX $AR", "$ARGX $AR", true},
+      {"$ARG1 $ARG31 $ARG1", "one $ARG31 $ARG1", false},
+      {"$ARG0", "$ARG0", false},
+      {"$ARG", "$ARG", true},
+      {"$ARG30 $ARG30 $ARG1", std::string(190, 'x') + " " + std::string(8, 'x'), true},
+  };
+  for (const auto& c : cases) {
+    const auto result = kv_substitute(gx_string(c.text), "$ARG", values);
+    EXPECT_EQ(gx_view(result.text), c.result);
+    EXPECT_EQ(result.valid, c.valid) << c.text;
+  }
+}
+
+class Interpreter : public testing::Test {
+ protected:
+  std::string file(const std::string& name, const std::string& text) {
+    const std::string path = directory_.path() / name;
+    std::ofstream(path) << text;
+    return path;
+  }
+  session_capture session_;
+  scratch_directory directory_;
+};
+
+// HARdcopy does nothing but echo its words, which shows what was run.
+TEST_F(Interpreter, LinesAreSplitIntoCommands) {
+  const struct {
+    const char* line;
+    lines answers;
+  } cases[] = {
+      {"HAR 1;har 2", {" HARDcopy 1 ", " HARDcopy 2 "}},
+      {"HAR 1;;HAR 2", {" HARDcopy 1 "}},
+      {"HAR 1; ;HAR 2;", {" HARDcopy 1 ", " HARDcopy 2 "}},
+      {"# HAR 1;HAR 2", {}},
+      {"HAR 1; #HAR 2;HAR 3", {" HARDcopy 1 "}},
+      {",,HAR,1,", {" HARDcopy 1 "}},
+      {"HAR 'a b'", {" HARDcopy 'a b' "}},
+      {"HAR \"a 'b\"", {" HARDcopy \"a 'b\" "}},
+      {"HAR \"a b", {" HARDcopy \"a b "}},
+      {"", {}},
+      {"   ", {}},
+      {" nonsense x;HAR 1", {"#  !!! Unknown Command  ?? ", "# \" nonsense x\" ", " HARDcopy 1 "}},
+      {"%HAR", {"#  !!! Unknown Command  ?? ", "# \"%HAR\" "}},
+      {"$CX1", {"#  !!! Unknown Command  ?? ", "# \"$CX1\" "}},
+      {"HAR 1 2", {"# HARDcopy 1 2 ", "# !! Error : parameter number invalid ? "}},
+      {"PLOT", {"# PLOt ", "# !! Please Use \"lorb\" to Plot .\""}},
+      {"PLOT 1 2", {"# PLOt 1 2 ", "# !! Error : parameter number invalid ? "}},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(session_.run(c.line), c.answers) << c.line;
+    EXPECT_FALSE(gx_vext.cmd_executing);
+  }
+  std::string pieces, words = "DISPLAY";
+  for (int i = 0; i < 31; ++i) pieces += "HAR;";
+  EXPECT_EQ(session_.run(pieces), lines(30, " HARDcopy "));
+  for (int i = 2; i <= 31; ++i) words += " " + std::to_string(i);
+  EXPECT_TRUE(session_.run(words)[0].ends_with(" 29 30 "));
+}
+
+TEST_F(Interpreter, ArgumentsAndVariables) {
+  for (int i = 1; i <= 12; ++i)
+    session_.args[static_cast<std::size_t>(i - 1)] = gx_string("a" + std::to_string(i));
+  EXPECT_EQ(session_.run("HAR $ARG3"), lines{" HARDcopy a3 "});
+  EXPECT_EQ(session_.run("HAR $arg12"), lines{" HARDcopy a12 "});
+  EXPECT_EQ(session_.run("HAR $ARG13"), lines{" HARDcopy "});
+  EXPECT_EQ(session_.run("HAR $ARG31"),
+            (lines{"# Error on : \"HAR $ARG31\" ", "# Found invalid $ARG(n) in command line ",
+                   " HARDcopy $ARG31 "}));
+  EXPECT_EQ(session_.run("ASSIGN $VAR2 abc"), lines{" ASSIgn $VAR2 abc "});
+  EXPECT_EQ(session_.run("HAR $VAR2"), lines{" HARDcopy abc "});
+  EXPECT_EQ(session_.run("assi $var30 $ARG1;HAR $VAR30"),
+            (lines{" ASSIgn $var30 a1 ", " HARDcopy a1 "}));
+  EXPECT_EQ(session_.run("ASSI $VAR2;HAR x$VAR2"), (lines{" ASSIgn $VAR2 ", " HARDcopy x "}));
+  EXPECT_EQ(session_.run("HAR $VAR0"),
+            (lines{"# Error on : \"HAR $VAR0\" ", "# Found invalid $VAR(n) in command line ",
+                   " HARDcopy $VAR0 "}));
+}
+
+TEST_F(Interpreter, AssignRefusesWhatIsNoVariable) {
+  const std::string bad_second = "# !! Error :  2nd parameter incorrect ? ";
+  for (const std::string target : {"$VAR31", "$VAR0", "$VAR", "$VARX", "VAR1"})
+    EXPECT_EQ(session_.run("ASSI " + target + " x;HAR"),
+              (lines{"# ASSIgn " + target + " x ", bad_second}));
+  for (const std::string target : {"$VAR123", "$VAR1x"})
+    EXPECT_EQ(session_.run("ASSI " + target + " x;HAR"), lines{" HARDcopy "});
+  EXPECT_EQ(session_.run("ASSI $VAR1 x y;HAR"),
+            (lines{"# ASSIgn $VAR1 x y ", "# !! Error : parameter number invalid ? ",
+                   "#  !!! Unknown Command  ?? ", "# \"ASSI $VAR1 x y\" "}));
+  for (const auto& variable : session_.vars) EXPECT_EQ(variable.len, 0);
+}
+
+TEST_F(Interpreter, ShellCommands) {
+  const std::string made = directory_.path() / "made";
+  EXPECT_EQ(session_.run("SYST \"echo text > " + made + "\""),
+            lines{" SYSTem \"echo text > " + made + "\" "});
+  EXPECT_EQ(session_.run("SHOW FILE " + made), (lines{"# \"text\" ", " SHOw FILe " + made + " "}));
+  EXPECT_EQ(session_.run("SYST;HAR"),
+            (lines{"# SYSTem ", "# !! Error : parameter number invalid ? ",
+                   "#  !!! Unknown Command  ?? ", "# \"SYST\" ", " HARDcopy "}));
+
+  session_.vars[0] = gx_string("outer");
+  const auto output = file("output", "HAR $VAR1\nASSI $VAR1 in\nHAR $VAR1\n\nHAR never\n");
+  EXPECT_EQ(session_.run(" !cat " + output + ";HAR $VAR1"),
+            (lines{"# cat " + output + " ", " HARDcopy ", " ASSIgn $VAR1 in ", " HARDcopy in ",
+                   "# End of Exec ", " HARDcopy outer "}));
+  EXPECT_EQ(session_.run("!"), lines{"!! Warning : Invalid command to exec ...."});
+}
+
+TEST_F(Interpreter, AProgramThatRunsItselfComesToAnEnd) {
+  const std::string script = directory_.path() / "again";
+  std::ofstream(script) << "HAR $ARG1\nDO " << script << " $ARG1+\n";
+  const auto answers = session_.run("DO " + script + " x");
+  EXPECT_EQ(std::count(answers.begin(), answers.end(), "# End of DO "), 10);
+  EXPECT_EQ(answers[1], " HARDcopy x ");
+  EXPECT_EQ(answers[19], " HARDcopy x+++++++++ ");
+  EXPECT_EQ(answers[20], "# DO " + script + " x++++++++++ ");
+  EXPECT_EQ(answers[21], "# !!! Error : too many level of DO FILE : \"" + script + "\" ");
+  EXPECT_EQ(gx_vext.num_errors, 1);
+  EXPECT_EQ(gx_vext.do_ind, 0);
+}
+
+TEST_F(Interpreter, CommandFilesHaveTablesOfTheirOwn) {
+  session_.args[1] = gx_string("outer");
+  session_.vars[0] = gx_string("outer");
+  const auto path = file("f", "HAR $ARG2\nHAR $ARG3\nHAR $VAR1\nASSI $VAR1 x\n\nBYE\nHAR last");
+  EXPECT_EQ(
+      session_.run("DO " + path + " a b;HAR $VAR1"),
+      (lines{"# DO " + path + " a b ", " HARDcopy b ", " HARDcopy ", " HARDcopy ",
+             " ASSIgn $VAR1 x ", " BYE ", " HARDcopy last ", "# End of DO ", " HARDcopy outer "}));
+  EXPECT_TRUE(gx_vext.end_flag);
+  EXPECT_EQ(session_.run("DO none a"),
+            (lines{"# DO none a ", "# !!! Error : file not found : \"none\" "}));
+  EXPECT_EQ(gx_vext.num_errors, 1);
+  EXPECT_EQ(session_.run("DO"), (lines{"# DO ", "# !! Error : parameter number invalid ? "}));
+}
+
+TEST_F(Interpreter, SessionCommands) {
+  const std::string bad_count = "# !! Error : parameter number invalid ? ";
+  const std::string bad_second = "# !! Error :  2nd parameter incorrect ? ";
+  setenv("VELMORAN", directory_.path().c_str(), 1);
+  const std::string help = directory_.path().string() + "/kivo/help/";
+  const struct {
+    std::string line;
+    lines answers;
+  } cases[] = {
+      {"BYE X", {"# BYE X ", bad_count}},
+      {"QUIT 1 2", {"# QUIT 1 2 ", bad_count}},
+      {"DISPLAY off", {" DISplay OFF "}},
+      {"DISPLAY X", {"# DISplay X ", bad_second}},
+      {"DISP", {"# DISplay ", bad_count}},
+      {"TRANS OFF", {" TRANScript  OFF "}},
+      {"TRANS OX", {"# TRANScript OX ", bad_second}},
+      {"TRANS ON 1", {"# TRANScript ON 1 ", bad_count}},
+      {"HELP",
+       {"# HELp ", "# !! Error :  List of commands for Help not found ? ",
+        "# !! : \"" + help + "list_commands\" "}},
+      {"HELP Do",
+       {"# HELp Do ", "# !! Error :  Help on this command not found ? ",
+        "# !! : \"" + help + "kv_1_Do\" "}},
+      {"HELP a b", {"# HELp a b ", bad_count}},
+      {"SHOW FILE", {"# SHOw FILe ", bad_count}},
+      {"SHOW FILE none", {"# SHOw FILe none ", "# !! Error : File not found  or Invalid ? "}},
+      {"READLN $VAR1", {"# READln $VAR1 ", bad_count}},
+      {"READLN VAR1 x", {"# READln VAR1 x ", bad_second}},
+      {"READLN $VAR31 Name? x", {"# READln $VAR31 Name? x ", bad_second}},
+      {"READLN $VARx Name? x", {}},
+      {"READLN $VAR1 Name? x;HAR $VAR1", {" READln $VAR1 Name? x ", " HARDcopy x "}},
+      {"DOBIN none", {"# DOBin none ", "# !!! Error : Procedure Entry not found : \"none\" "}},
+      {"DODIR main a",
+       {"# DODIRectbin main a ", "# !!! Error : Procedure Entry not found : \"main\" "}},
+      {"DOB", {"# DOBin ", bad_count}},
+      {"COM \"CHANGE VALUE \" x", {"# COMmand \"CHANGE VALUE \" x ", bad_count}},
+      {"COM \"CHANGE VALUE\"", {"# COMmand \"CHANGE VALUE\" "}},
+  };
+  for (const auto& c : cases) EXPECT_EQ(session_.run(c.line), c.answers) << c.line;
+  unsetenv("VELMORAN");
+  EXPECT_EQ(gx_view(gx_vext.str_cmd), "CHANGE VALUE ");
+  EXPECT_FALSE(gx_vext.end_flag);
+  EXPECT_FALSE(gx_vext.display_on);
+  EXPECT_EQ(gx_vext.num_errors, 2);
+}
+
+TEST_F(Interpreter, CompletionShowsTheSettings) {
+  gx_vext.base_point = {150000, -25000};
+  const auto complete = [&](std::string_view line) {
+    gx_vext.str_cmd = {};
+    kv_expand_cmd(gx_string(line));
+    return std::string(gx_view(gx_vext.str_cmd));
+  };
+  EXPECT_EQ(complete(" base"), " BASEpoint Edit 1.50 -0.25 ");
+  EXPECT_EQ(complete("grid"), " GRId ON ");
+  EXPECT_EQ(session_.take(), lines{});
+  EXPECT_EQ(complete("grid on"), "");
+  EXPECT_EQ(session_.take(), (lines{"#  !! Unknown Command or not implemented for expand  ?? ",
+                                    "# cmd :  \"grid on\""}));
+  EXPECT_EQ(complete("#base"), "");
+  EXPECT_EQ(session_.take(), lines{});
+}
+}  // namespace
