@@ -7,15 +7,19 @@
 
 #include "gx/db/file_records.h"
 #include "gxmake/builder.h"
+#include "gxmake/memory_array.h"
 #include "gxmake/parser.h"
 
 namespace {
 
 constexpr char usage[] =
     "usage: gxmake [-o DIRECTORY] [-a] [-q] DESCRIPTION...\n"
+    "       gxmake [-o DIRECTORY] [-a] [-q] --array BLOCKS [--variants N]\n"
     "Makes the symbols and sheets that the descriptions hold below DIRECTORY (default: \".\").\n"
     "  -a  sheets name their symbols by absolute paths, so that the design can be opened from\n"
     "      anywhere (default: paths relative to DIRECTORY)\n"
+    "  --array  makes the design \"array\" instead, a memory of BLOCKS blocks of about 540 leaf\n"
+    "      instances, with N different cells (1..8, default 1)\n"
     "  -q  prints messages about mistakes only\n"
     "The time in the files is that of SOURCE_DATE_EPOCH when it is set, else the present.\n"
     "The language of the descriptions is told in examples/README.md.\n";
@@ -41,7 +45,7 @@ int main(int argc, char** argv) try {
   std::filesystem::path root = ".";
   bool absolute = false, quiet = false;
   gxm_input_t input;
-  int descriptions = 0;
+  int descriptions = 0, blocks = 0, variants = 1;
   for (int i = 1; i < argc; ++i) {
     if (!std::strcmp(argv[i], "-o") && i + 1 < argc) {
       root = argv[++i];
@@ -49,6 +53,10 @@ int main(int argc, char** argv) try {
       absolute = true;
     } else if (!std::strcmp(argv[i], "-q")) {
       quiet = true;
+    } else if (!std::strcmp(argv[i], "--array") && i + 1 < argc) {
+      blocks = std::atoi(argv[++i]);
+    } else if (!std::strcmp(argv[i], "--variants") && i + 1 < argc) {
+      variants = std::atoi(argv[++i]);
     } else if (argv[i][0] == '-') {
       std::fputs(usage, stderr);
       return 2;
@@ -56,6 +64,10 @@ int main(int argc, char** argv) try {
       gxm_parse_file(argv[i], input);
       ++descriptions;
     }
+  }
+  if (blocks >= 1 && blocks <= 500 && variants >= 1 && variants <= 8) {
+    gxm_parse_text(gxm_memory_array(blocks, variants), "array", input);
+    ++descriptions;
   }
   if (!descriptions) {
     std::fputs(usage, stderr);

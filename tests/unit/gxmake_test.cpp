@@ -3,6 +3,7 @@
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
 #include "gx/db/queries.h"
+#include "gxmake/memory_array.h"
 #include "tests/support/make_design.h"
 
 namespace {
@@ -294,6 +295,13 @@ TEST(GxMake, ASheetOfMoreThan30000ObjectsIsRefused) {
   gxm_messages_t messages;
   EXPECT_EQ(gxm_build(design, {}, messages).size(), 1U);  // the symbol
   EXPECT_EQ(messages, gxm_messages_t{"sheet t: more than 30000 objects"});
+}
+
+TEST(GxMake, MemoryArraysAreSoundWhateverTheirSize) {
+  for (const int variants : {1, 8})
+    for (const int blocks : {1, 2, 7, 40})
+      for (const auto& file : build_design(gxm_memory_array(blocks, variants)))
+        EXPECT_EQ(gx_reference_fault(*file.file), "") << file.directory << blocks << variants;
 }
 
 TEST(GxMake, WrittenFilesAreTheCurrentVersion) {

@@ -1,0 +1,219 @@
+// The text of the memory array, sheet by sheet.
+#include "gxmake/memory_array.h"
+
+#include <algorithm>
+
+// Parts stand a little scattered, so that no straight wire runs over a pin that it does not join.
+namespace {
+
+std::string n(int number) { return std::to_string(number); }
+
+constexpr char devices[] = R"(
+symbol mos
+  line 0,0 1,0
+  line 1,-1 1,1
+  polyline 2,-2 2,-1 1.4,-1 1.4,1 2,1 2,2
+  pin D 2,-2 IXO
+  pin G 0,0 IN
+  pin S 2,2 IXO
+  pin B 3,0 IN
+  prop CLASS=M W=1
+symbol cap
+  line 0,0 0,1
+  line -1,1 1,1
+  line -1,2 1,2
+  line 0,2 0,3
+  pin 1 0,0 IXO
+  pin 2 0,3 IXO
+  prop CLASS=C VALUE=1f
+symbol portio
+  polyline 0,0 1,-0.5 3,-0.5 3,0.5 1,0.5 0,0
+  pin P 0,0 IXO
+  prop CLASS=PORTIO
+symbol vdd
+  line 0,0 0,-1
+  pin P 0,0 IXO
+  prop CLASS=G GLOBAL=VDD
+symbol gnd
+  line 0,0 0,1
+  pin P 0,0 IXO
+  prop CLASS=G GLOBAL=GND
+)";
+
+std::string cell(const std::string& name) {
+  return "symbol " + name + R"(
+  rect 1,0 5,8
+  pin WL 0,1 IN
+  pin BL 0,3 IXO
+  pin BLB 0,5 IXO
+  pin CK 0,7 IN
+sheet )" +
+         name + R"(
+  page 60,40
+  port WL portio 52,4
+  port BL portio 52,8
+  port BLB portio 52,12
+  port CK portio 52,16
+  global VDD vdd 4,2
+  global GND gnd 4,36
+  part MP1 mos 9,9
+  part MN1 mos 11,23
+  part MP2 mos 20,11
+  part MN2 mos 22,27
+  part MN3 mos 30,8
+  part MN4 mos 41,14
+  part C1 cap 31,28
+  part C2 cap 40,24
+  net Q
+    wire MP1.S MN1.D
+    wire MN1.D 14,22 MP2.G
+    wire MP2.G MN2.G
+    wire MN2.G C1.1
+    wire C1.1 MN3.S
+  net QB
+    wire MP2.S MN2.D
+    wire MN2.D MP1.G
+    wire MP1.G MN1.G
+    wire MN2.D C2.1
+    wire C2.1 MN4.S
+  net WL
+    wire WL MN4.G
+    wire MN4.G MN3.G
+  net BL
+    wire BL MN3.D
+  net BLB
+    wire BLB MN4.D
+  net CK
+    wire CK C2.2
+  net VDD
+    wire VDD MP1.D
+    wire MP1.D MP1.B
+    wire MP1.D MP2.D
+    wire MP2.D MP2.B
+  net GND
+    wire GND MN1.S
+    wire MN1.S MN1.B
+    wire MN1.S MN2.S
+    wire MN2.S MN2.B
+    wire MN2.S C1.2
+    wire MN2.B MN3.B
+    wire MN3.B MN4.B
+)";
+}
+
+// Ports of a bus or of one bit, and the wire from the port to each of the pins it names.
+std::string port(const std::string& name, const std::string& bits, int y) {
+  return "  port " + name + " portio 90," + n(y) + (bits.empty() ? "" : " bits " + bits) + "\n";
+}
+
+std::string row(int number, int variants) {
+  std::string text = "symbol row" + n(number) + R"(
+  rect 1,0 9,8
+  pin WL 0,1 IN
+  pin BL 0,3 IXO bits 0:7
+  pin BLB 0,5 IXO bits 0:7
+  pin CK 0,7 IN
+sheet row)" + n(number) +
+                     "\n  page 100,40\n";
+  text += port("WL", "", 4) + port("BL", "0:7", 8) + port("BLB", "0:7", 12) + port("CK", "", 16);
+  for (int i = 0; i < 8; ++i)
+    text += "  part XC" + n(i) + " bitcell" + n((i + number) % variants) + " " + n(8 + 9 * i) +
+            "," + n(18 + i * i % 7) + "\n";
+  for (const char* pin : {"WL", "CK"}) {
+    text += std::string("  net ") + pin + "\n    wire " + pin;
+    for (int i = 7; i >= 0; --i) text += " XC" + n(i) + "." + pin;
+    text += "\n";
+  }
+  for (const char* pin : {"BL", "BLB"}) {
+    text += std::string("  bus ") + pin + " 0:7\n    wire " + pin;
+    for (int i = 7; i >= 0; --i) text += " XC" + n(i) + "." + pin;
+    text += "\n";
+    for (int i = 0; i < 8; ++i) text += "    bit " + n(i) + " XC" + n(i) + "." + pin + "\n";
+  }
+  return text;
+}
+
+// Eight rows, twelve transistors and twelve capacitors around them.
+std::string block(int rows) {
+  std::string text = R"(
+symbol block
+  rect 1,0 9,8
+  pin WL 0,1 IN bits 0:7
+  pin BL 0,3 IXO bits 0:7
+  pin BLB 0,5 IXO bits 0:7
+  pin CK 0,7 IN
+sheet block
+  page 100,80
+)";
+  text += port("WL", "0:7", 4) + port("BL", "0:7", 8) + port("BLB", "0:7", 12) + port("CK", "", 16);
+  text += "  global VDD vdd 3,1\n  global GND gnd 5,77\n";
+  for (int i = 0; i < 8; ++i)
+    text += "  part XR" + n(i) + " row" + n(i % rows) + " " + n(6 + 10 * i) + "," +
+            n(22 + i * i % 7) + "\n";
+  for (int i = 0; i < 12; ++i)
+    text += "  part MP" + n(i) + " mos " + n(6 + 7 * i) + "," + n(42 + i * i * 3 % 11) +
+            "\n  part CP" + n(i) + " cap " + n(7 + 7 * i) + "," + n(58 + i * i % 11) + "\n";
+  const auto all_rows = [](const std::string& pin) {
+    std::string stops;
+    for (int i = 7; i >= 0; --i) stops += " XR" + n(i) + "." + pin;
+    return stops + "\n";
+  };
+  text += "  bus WL 0:7\n    wire WL" + all_rows("WL");
+  for (int i = 0; i < 8; ++i) text += "    bit " + n(i) + " XR" + n(i) + ".WL\n";
+  for (const char* pin : {"BL", "BLB"}) {
+    text += std::string("  bus ") + pin + " 0:7\n    wire " + pin + all_rows(pin);
+    for (int i = *pin == 'B' && pin[2] ? 1 : 0; i < 12; i += 2)
+      text += "    wire XR0." + std::string(pin) + " MP" + n(i) + ".D width 1\n    bit " +
+              n(i % 8) + " MP" + n(i) + ".D\n";
+  }
+  text += "  net CK\n    wire CK" + all_rows("CK");
+  for (int i = 0; i < 12; ++i) text += "    wire XR0.CK MP" + n(i) + ".G\n";
+  text += "  net VDD\n";
+  for (int i = 0; i < 12; ++i)
+    text += "    wire VDD MP" + n(i) + ".S\n    wire MP" + n(i) + ".S MP" + n(i) +
+            ".B\n    wire MP" + n(i) + ".S CP" + n(i) + ".1\n";
+  text += "  net GND\n";
+  for (int i = 0; i < 12; ++i) text += "    wire GND CP" + n(i) + ".2\n";
+  return text;
+}
+
+std::string top(int blocks) {
+  std::string text = "sheet array\n  page " + n(20 + 14 * std::max(blocks, 10)) + ",80\n";
+  text += "  global VDD vdd 3,1\n  global GND gnd 5,77\n";
+  for (int i = 0; i < blocks; ++i) text += "  part XB" + n(i) + " block " + n(8 + 14 * i) + ",10\n";
+  for (int i = 0; i < 8; ++i)
+    text += "  part MD" + n(i) + " mos " + n(8 + 14 * i) + "," + n(29 + i * i * 3 % 11) + "\n";
+  for (int i = 0; i < 10; ++i) text += "  part CD" + n(i) + " cap " + n(8 + 14 * i) + ",50\n";
+  const auto all_blocks = [&](const std::string& pin) {
+    std::string wires;
+    for (int i = 0; i + 1 < blocks; ++i)
+      wires += "    wire XB" + n(i) + "." + pin + " XB" + n(i + 1) + "." + pin + "\n";
+    return wires;
+  };
+  for (int i = 0; i < blocks; ++i) {
+    const std::string word_lines = "WL" + n(i), pin = "XB" + n(i) + ".WL";
+    text += "  bus " + word_lines + " 0:7\n    wire " + pin + " " + n(10 + 14 * i) + ",4\n";
+  }
+  text += "  bus BL 0:7\n" + all_blocks("BL");
+  for (int i = 0; i < 8; ++i)
+    text += "    wire XB0.BL MD" + n(i) + ".D width 1\n    bit " + n(i) + " MD" + n(i) + ".D\n";
+  text += "  bus BLB 0:7\n    wire XB0.BLB 6,15\n" + all_blocks("BLB");
+  text += "  net CK\n" + all_blocks("CK");
+  for (int i = 0; i < 8; ++i) text += "    wire XB0.CK MD" + n(i) + ".G\n";
+  for (int i = 0; i < 10; ++i) text += "    wire XB0.CK CD" + n(i) + ".1\n";
+  text += "  net VDD\n    wire VDD 5,3\n  net GND\n";
+  for (int i = 0; i < 8; ++i)
+    text += "    wire GND MD" + n(i) + ".S\n    wire MD" + n(i) + ".S MD" + n(i) + ".B\n";
+  for (int i = 0; i < 10; ++i) text += "    wire GND CD" + n(i) + ".2\n";
+  return text;
+}
+
+}  // namespace
+
+std::string gxm_memory_array(int blocks, int variants) {
+  std::string text = devices;
+  for (int i = 0; i < variants; ++i) text += cell("bitcell" + n(i));
+  const int rows = variants == 1 ? 1 : 8;
+  for (int i = 0; i < rows; ++i) text += row(i, variants);
+  return text + block(rows) + top(blocks);
+}
