@@ -1,0 +1,38 @@
+// A sheet on paper: the plot writer, HP-GL/2 inside PCL.
+//
+// The same objects that the display draws become pen moves, circles, arcs and labels in a text
+// file, in page coordinates with y pointing up. Colours, line styles, selection and viewports play
+// no part; no display is needed. One plot is open at a time: the first object written opens the
+// file and fixes the scale, gx_plotfile_end closes it.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "gx/text/state.h"
+
+// One plot from its first object to gx_plotfile_end.
+struct gx_plot_t {
+  std::string_view path;      // of the file to write
+  bool landscape = false;
+  bool scaling_done = false;  // the file is open and the scale fixed
+  bool plot_ok = true;        // false: the file could not be opened
+};
+
+// Writes one object and its subtree; the first call opens the file (truncating it) and writes the
+// header. A page above 100,000,000 units stops with object_id_invalid.
+void gx_plotfile_object(gx_plot_t& plot, gx_file_index_t file_index, int object_id, int inst_id);
+void gx_plotfile_prim(gx_file_index_t file_index, int object_id, int inst_id);
+void gx_plotfile_pin(gx_file_index_t file_index, int pin_id, int inst_id);
+void gx_plotfile_net(gx_file_index_t file_index, int net_id);
+// A filled square of half size `half_size` around (x, y), design units.
+void gx_plotfile_dot(std::int32_t page_height, std::int32_t x, std::int32_t y,
+                     std::int32_t half_size);
+// Trailer and close. False when the file could not be written whole; nothing without a plot.
+bool gx_plotfile_end();
+
+// --- whole sheets, in the order and with the checks of the display's walks
+void lb_plotfile_all_frame(gx_plot_t& plot, gx_file_index_t file_index);
+void lb_plotfile_one_inst(gx_plot_t& plot, gx_file_index_t file_index, int inst);
+void lb_plotfile_all_inst(gx_plot_t& plot, gx_file_index_t file_index);
+void lb_plotfile_all_net(gx_plot_t& plot, gx_file_index_t file_index);
