@@ -1,46 +1,22 @@
-// Whole objects: the walk over a subtree, and the pictures of a viewport.
+// Whole objects and all below them, and the pictures of a viewport.
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
 #include "gx/display/draw_steps.h"
+#include "gx/display/sheet_walk.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
 
 namespace {
-bool is_drawn_primitive(gx_type type) {
-  return type >= gx_type::arc3p_2d && type <= gx_type::property_2d;
-}
-
-bool is_container(gx_type type) { return type >= gx_type::main && type <= gx_type::property_family; }
-
-// The next object of the walk that does not enter `id`; 0 when it climbed back to the root.
-int next_outside(const gx_file_gene_recf_t& file, int id, int root) {
-  while (id != root) {
-    const auto& object = gx_object_id_ptr(file, id);
-    if (object.following > 0) return object.following;
-    id = object.father;
-    if (id < 1) return 0;
-  }
-  return 0;
-}
-
-// Draws what is below the root.
-void draw_children(const gx_picture_t& picture, int root, int inst_id, bool force_selected) {
-  const auto& file = *picture.file;
-  int id = gx_object_id_ptr(file, root).child1;
-  while (id > 0) {
-    const auto& object = gx_object_id_ptr(file, id);
-    const gx_type type = object.object_type;
-    bool enters = false;
-    if (type == gx_type::net)
-      gx_draw_net(picture, id);
-    else if (is_drawn_primitive(type))
-      gx_draw_prim(picture, id, inst_id, force_selected);
-    else if (type == gx_type::pin)
-      gx_draw_pin(picture, id, inst_id, force_selected);
-    if (type != gx_type::net && is_container(type)) enters = object.child1 > 0;
-    id = enters ? object.child1 : next_outside(file, id, root);
-  }
+// Draws an object without what is below it; a net whole.
+void draw_one(const gx_picture_t& picture, int id, int inst_id, bool force_selected) {
+  const gx_type type = gx_object_id_ptr(*picture.file, id).object_type;
+  if (type == gx_type::net)
+    gx_draw_net(picture, id);
+  else if (type == gx_type::pin)
+    gx_draw_pin(picture, id, inst_id, force_selected);
+  else if (gx_is_drawn_primitive(type))
+    gx_draw_prim(picture, id, inst_id, force_selected);
 }
 
 void show_object(gx_vpid_t vpid, gx_file_index_t file_index, int object_id, int inst_id,
@@ -91,11 +67,9 @@ void gx_draw_tree(const gx_picture_t& picture, int object_id, int inst_id, bool 
   }
   if (type == gx_type::net) gx_set_status(gx_code::invalid_level);
   if (!gx_part_object_inside_vp_bounds(picture.vpid, file, object_id, inst_id)) return;
-  if (is_drawn_primitive(type))
-    gx_draw_prim(picture, object_id, inst_id, force_selected);
-  else if (type == gx_type::pin)
-    gx_draw_pin(picture, object_id, inst_id, force_selected);
-  draw_children(picture, object_id, inst_id, force_selected);
+  draw_one(picture, object_id, inst_id, force_selected);
+  gx_walk_below(file, object_id,
+                [&](int id) { draw_one(picture, id, inst_id, force_selected); });
 }
 
 void gx_display_object(gx_vpid_t vpid, gx_file_index_t file_index, int object_id, int inst_id,

@@ -1,0 +1,56 @@
+// kivo-plot DESIGN SHEET OUT.plt: writes one sheet of a design as a plot file, without a display.
+// SHEET is the directory of the sheet, from the current directory; "." is the design's own sheet.
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+#include "app/views.h"
+#include "gx/db/files.h"
+#include "gx/db/object_access.h"
+#include "gx/display/plot.h"
+#include "gx/display/window.h"
+
+namespace {
+int usage() {
+  std::fputs(
+      "usage: kivo-plot [-landscape] DESIGN SHEET OUT.plt\n"
+      "  DESIGN   design directory\n"
+      "  SHEET    directory of the sheet, from here; \".\" for the design's own\n"
+      "  OUT.plt  plot file to write (HP-GL/2 in PCL)\n",
+      stderr);
+  return 2;
+}
+}  // namespace
+
+int main(int argc, char** argv) {
+  gx_plot_t plot;
+  int at = 1;
+  if (argc == 5 && std::strcmp(argv[1], "-landscape") == 0) {
+    plot.landscape = true;
+    at = 2;
+  }
+  if (argc - at != 3) return usage();
+  const std::string sheet = std::strcmp(argv[at + 1], ".") == 0 ? argv[at] : argv[at + 1];
+  plot.path = argv[at + 2];
+  if (sheet.size() >= gx_max_string_length - 16) {
+    std::fprintf(stderr, "kivo-plot: path too long: %s\n", sheet.c_str());
+    return 1;
+  }
+
+  gx_init_nograph();
+  std::string why;
+  const auto file_index = gx_file_try_open(sheet, "sheet", why);
+  if (file_index == 0 || gx_ptrto_gene_file_buf(file_index).primary_object == 0) {
+    std::fprintf(stderr, "kivo-plot: no sheet in %s %s\n", sheet.c_str(), why.c_str());
+    return 1;
+  }
+  kv_hide_invisible(file_index);
+  lb_plotfile_all_frame(plot, file_index);
+  lb_plotfile_all_inst(plot, file_index);
+  lb_plotfile_all_net(plot, file_index);
+  if (!gx_plotfile_end() || !plot.plot_ok) {
+    std::fprintf(stderr, "kivo-plot: cannot write %s\n", argv[at + 2]);
+    return 1;
+  }
+  return 0;
+}
