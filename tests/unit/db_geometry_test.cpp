@@ -1,0 +1,252 @@
+// Placement through instances, boxes, picking, the snap grid and the page.
+#include <climits>
+
+#include "gx/db/geometry.h"
+#include "tests/unit/db_fixture.h"
+#include "tests/unit/fatal_stop.h"
+
+namespace {
+
+TEST(Geometry, EightPlacements) {
+  struct {
+    int rotate;
+    bool fliph;
+    gx_pointreal_t point;
+    gx_boundsreal_t box;
+  } cases[] = {
+      {0, false, {10, 3}, {-1, -2, 7, 4}},   {0, true, {10, -3}, {-1, -4, 7, 2}},
+      {1, false, {3, -10}, {-2, -7, 4, 1}},  {1, true, {3, 10}, {-2, -1, 4, 7}},
+      {2, false, {-10, -3}, {-7, -4, 1, 2}}, {2, true, {-10, 3}, {-7, -2, 1, 4}},
+      {3, false, {-3, 10}, {-4, -1, 2, 7}},  {3, true, {-3, -10}, {-4, -7, 2, 1}},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(gx_turn(gx_pointreal_t{10, 3}, c.rotate, c.fliph), c.point) << c.rotate << c.fliph;
+    EXPECT_EQ(gx_turn(gx_boundsreal_t{-1, -2, 7, 4}, c.rotate, c.fliph), c.box) << c.rotate;
+  }
+  EXPECT_EQ(gx_turn(gx_empty_bounds, 2, true), gx_empty_bounds);
+  EXPECT_EQ(gx_turn(gx_pointreal_t{INT_MIN, 1}, 2, false), (gx_pointreal_t{INT_MAX, -1}));
+  expect_stop([] { gx_turn(gx_pointreal_t{}, 4, false); }, gx_code::coordonate_conversion_overflow);
+}
+
+TEST(Geometry, ArcAnglesThroughInstances) {
+  empty_file f;
+  const int symbol = f.symbol({20, 10}, {});
+  const std::int32_t turned[4][2] = {{0, 0}, {5760, -5760}, {11520, -11520}, {-5760, 5760}};
+  for (int rotate = 0; rotate < 4; ++rotate) {
+    for (const bool fliph : {false, true}) {
+      const int inst = f.instance(symbol, {}, rotate, fliph, {});
+      std::int32_t angle1 = 100, angle2 = 5760;
+      gx_arc_abs_difang(f.file(), inst, angle1, angle2);
+      const int sign = fliph ? -1 : 1;
+      EXPECT_EQ(angle1, turned[rotate][fliph] + sign * 100);
+      EXPECT_EQ(angle2, turned[rotate][fliph] + sign * 5760);
+    }
+  }
+  std::int32_t angle1 = 7, angle2 = 8;
+  gx_arc_abs_difang(f.file(), symbol, angle1, angle2);  // no instance: unchanged
+  EXPECT_EQ(angle1, 7);
+  EXPECT_EQ(angle2, 8);
+}
+
+// A symbol and one instance of it, with what hangs below both.
+struct placed_t {
+  explicit placed_t(int rotate, bool fliph)
+      : symbol(f.symbol({20, 10}, {20, 4})),
+        inst(f.instance(symbol, {1000, 2000}, rotate, fliph, {20, 4})) {}
+  int body_rectangle() const {
+    const int graphics =
+        lb_inq_graphics_property_id(f.file(), lb_inq_symbol_child_id(f.file(), symbol).body)
+            .graphics;
+    return *gx_children(f.file(), graphics).begin();
+  }
+  int inst_property() const { return *lb_inst_properties(f.file(), inst).begin(); }
+  empty_file f;
+  int symbol, inst;
+};
+
+TEST(Geometry, PlacesSymbolContentsPinsAndOwnPropertiesThroughTheInstance) {
+  const placed_t p(1, true);  // (x, y) -> (y, x)
+  const auto& file = p.f.file();
+  const auto placed = gx_object_abs_origin_bounds(file, p.body_rectangle(), p.inst);
+  EXPECT_EQ(placed.origin, (gx_pointreal_t{1000, 2000}));
+  EXPECT_EQ(placed.bounds, (gx_boundsreal_t{1000, 2000, 1010, 2020}));
+  const auto pins = lb_inq_inst_first_pin_id(file, p.inst);
+  EXPECT_EQ(gx_object_abs_origin(file, pins.pin, p.inst), (gx_pointreal_t{1004, 2020}));
+  EXPECT_EQ(gx_pin_abs_origin(file, pins.pinpropfam), (gx_pointreal_t{1004, 2020}));
+  EXPECT_EQ(gx_object_abs_origin(file, p.inst, 0), (gx_pointreal_t{1000, 2000}));
+  // Of another instance's symbol, and an instance through an instance.
+  const int other = p.f.instance(p.f.symbol({1, 1}, {}), {}, 0, false, {});
+  expect_stop([&] { gx_object_abs_origin(file, p.body_rectangle(), other); },
+              gx_code::object_id_invalid, "symbol<>father");
+  expect_stop([&] { gx_object_abs_origin(file, p.inst, other); }, gx_code::object_id_invalid);
+  expect_stop([&] { gx_pin_abs_origin(file, pins.pin); }, gx_code::object_type_invalid);
+}
+
+TEST(Geometry, AnInstanceShowsItsBoxTurned) {
+  for (const auto& [rotate, fliph, box] : {std::tuple{0, false, gx_boundsreal_t{0, 0, 20, 10}},
+                                           std::tuple{1, false, gx_boundsreal_t{0, -20, 10, 0}},
+                                           std::tuple{3, true, gx_boundsreal_t{-10, -20, 0, 0}}}) {
+    const placed_t p(rotate, fliph);
+    gx_object_id_ptr(p.f.file(), p.inst).bounds = {0, 0, 20, 10};
+    EXPECT_EQ(gx_object_abs_origin_bounds(p.f.file(), p.inst, 0).bounds,
+              gx_move(box, {1000, 2000}));
+  }
+}
+
+TEST(Geometry, TextsOfTurnedInstancesStayReadable) {
+  // The property lies at (0, 200) in the symbol; its box there is (0, -2500, 6000, 1250).
+  struct {
+    int rotate;
+    bool fliph;
+    gx_pointreal_t anchor;
+  } cases[] = {
+      {0, false, {1000, 2200}},   // as it stands
+      {1, false, {1200, 2000}},   // t = 1: at the turned origin
+      {2, false, {-5000, 3050}},  // t = 2: to the other corner of the box
+      {0, true, {1000, 3050}},    // mirrored: flipped up and down
+      {2, true, {-5000, 2200}},  {3, true, {2050, 2000}},
+  };
+  for (const auto& c : cases) {
+    const placed_t p(c.rotate, c.fliph);
+    EXPECT_EQ(gx_object_abs_origin(p.f.file(), p.inst_property(), p.inst), c.anchor)
+        << c.rotate << c.fliph;
+  }
+}
+
+TEST(Geometry, FatherBoxesGrowFromTheEmptyBox) {
+  empty_file f;
+  int outer = 0, inner = 0;
+  f.make_with(gx_type::main, [&] {
+    outer = f.make_with(gx_type::frame_family, [&] {
+      inner = f.make_with(gx_type::frame, [&] { f.rectangle({5, 5}, {-5, 25}); }, {100, 200});
+    });
+  });
+  EXPECT_EQ(gx_object_id_ptr(f.file(), inner).bounds, (gx_boundsreal_t{-5, 5, 5, 25}));
+  EXPECT_EQ(gx_object_id_ptr(f.file(), outer).bounds, (gx_boundsreal_t{95, 205, 105, 225}));
+  EXPECT_EQ(gx_file_inq_bounds(f.file()), (gx_boundsreal_t{95, 205, 105, 225}));
+}
+
+TEST(Geometry, TextBoxes) {
+  gx_object_property_rec_t property;
+  property.gene.object_type = gx_type::property_2d;
+  property.nvalue = gx_value("abcde");
+  property.height = 1001;
+  const gx_boundsreal_t boxes[] = {
+      {0, -1001, 6006, 500}, {-1001, -6006, 500, 0}, {0, -1001, 6006, 500}, {-500, 0, 1001, 6006}};
+  for (std::uint8_t rotate = 0; rotate < 4; ++rotate) {
+    property.rotate = rotate;
+    EXPECT_EQ(gx_property_compute_newbounds(property), boxes[rotate]);
+  }
+  property.height = INT_MAX;  // held at the ends
+  EXPECT_EQ(gx_property_compute_newbounds(property).ymax, INT_MAX);
+}
+
+TEST(Geometry, PointsAndBoxes) {
+  const gx_boundsreal_t box = {0, 0, 10, 10};
+  EXPECT_TRUE(gx_point_inside_boundsreal(box, {1, 9}));
+  for (const gx_pointreal_t edge : {gx_pointreal_t{0, 5}, {10, 5}, {5, 0}, {5, 10}}) {
+    EXPECT_FALSE(gx_point_inside_boundsreal(box, edge));
+    EXPECT_TRUE(gx_point_insideon_boundsreal(box, edge));
+    EXPECT_FALSE(gx_point_inside_bounds16({0, 0, 10, 10}, edge.x, edge.y));
+  }
+  EXPECT_FALSE(gx_point_insideon_boundsreal(box, {11, 5}));
+  EXPECT_FALSE(gx_part_object_outside_bounds({1, 1, 9, 9}, box));
+  EXPECT_TRUE(gx_part_object_outside_bounds({1, 1, 10, 9}, box));
+  EXPECT_TRUE(gx_bounds_meet({-5, 4, 15, 6}, {4, -5, 6, 15}));  // a plus sign
+  EXPECT_TRUE(gx_bounds_meet(box, {10, 10, 12, 12}));
+  EXPECT_FALSE(gx_bounds_overlap(box, {10, 10, 12, 12}));
+  EXPECT_FALSE(gx_bounds_meet(box, {11, 0, 12, 12}));
+  EXPECT_FALSE(gx_bounds_meet(box, {-50, -50, -60, 60}));  // min above max
+  expect_stop(
+      [] {
+        gx_point_inside_bounds16({0, 4, 10, 3}, 0, 0);
+      },
+      gx_code::bounds_invalid, "bounds y invalid");
+  expect_stop(
+      [] {
+        gx_point_insideon_boundsreal({1, 0, 0, 1}, {});
+      },
+      gx_code::viewport_bounds_invalid, "point_insideon_boundsreal : bounds x invalid");
+}
+
+TEST(Geometry, PickApertureMeetsPrimitivesExactlyAndOthersOnTheSnapGrid) {
+  empty_file f;
+  int rectangle = 0, frame = 0, empty = 0;
+  f.make_with(gx_type::frame_family, [&] {
+    frame = f.make_with(gx_type::frame, [&] { rectangle = f.rectangle({0, 0}, {10000, 10000}); });
+    empty = f.make(gx_type::frame);
+  });
+  gx_pick_set_size(100, 100);
+  gx_pick_set_center(11000, 5000);
+  EXPECT_FALSE(gx_obj_intersect_pick_aperture(f.file(), rectangle, 0));
+  EXPECT_TRUE(gx_obj_intersect_pick_aperture(f.file(), frame, 0));  // 10900..11100 snaps to 10000
+  EXPECT_FALSE(gx_obj_intersect_pick_aperture(f.file(), empty, 0));
+  gx_pick_set_center(10100, 5000);
+  EXPECT_TRUE(gx_obj_intersect_pick_aperture(f.file(), rectangle, 0));
+  EXPECT_EQ(gx_vext.pick_ap_bounds, (gx_boundsreal_t{10000, 4900, 10200, 5100}));
+  expect_stop([] { gx_pick_set_size(-1, 5); }, gx_code::pick_aperture_size_invalid);
+
+  const placed_t p(2, false);
+  const int pin = lb_inq_inst_first_pin_id(p.f.file(), p.inst).pinpropfam;
+  gx_object_id_ptr(p.f.file(), pin).bounds = {-1, -1, 1, 1};
+  gx_pick_set_size(1, 1);
+  gx_pick_set_center(980, 1996);
+  EXPECT_TRUE(gx_pin_intersect_pick_aperture(p.f.file(), pin));
+  gx_pick_set_center(1020, 2004);
+  EXPECT_FALSE(gx_pin_intersect_pick_aperture(p.f.file(), pin));
+}
+
+TEST(Geometry, SnapGridAndAngles) {
+  for (const auto& [v, snapped] : {std::pair{2500, 0},
+                                   {2501, 5000},
+                                   {-2501, -5000},
+                                   {-2500, 0},
+                                   {7500, 5000},
+                                   {12501, 15000}}) {
+    EXPECT_EQ(gx_round_snap(v, -v), (gx_pointreal_t{snapped, -snapped})) << v;
+  }
+  EXPECT_EQ(gx_round_snap(INT_MAX, INT_MIN), (gx_pointreal_t{INT_MAX, INT_MIN}));
+  struct {
+    std::int32_t y, x, angle;
+  } cases[] = {
+      {0, 0, 17280},  {1, 0, 5760},     {-1, 0, 17280},     {0, 5, 0},
+      {5, 5, 2880},   {0, -5, 11520},   {5, -5, 8640},      {-5, -5, 14400},
+      {-5, 5, 20160}, {-1, 1000000, 0}, {1000, 1732, 1920},
+  };
+  for (const auto& c : cases) EXPECT_EQ(gx_atan(c.y, c.x), c.angle) << c.y << ' ' << c.x;
+}
+
+TEST(Geometry, PageAndGrid) {
+  empty_file f;
+  EXPECT_EQ(gx_inq_page_dim(f.file()), gx_pointreal_t{});
+  EXPECT_FALSE(gx_check_point_inpage(f.file(), 0, 0));
+  int page = 0, rectangle = 0;
+  f.make_with(gx_type::main, [&] {
+    page = f.make_with(gx_type::page, [&] {
+      f.make(gx_type::grid_2d, {}, [] { gx_grid_real({0, 0}, {10, 10}, 5000, 5000, true, false); });
+    });
+    f.make_with(gx_type::frame_family, [&] { rectangle = f.rectangle({1, 1}, {100, 50}); });
+  });
+  gx_set_page_dim(f.file(), 20000, 10000);
+  EXPECT_EQ(gx_inq_page_dim(f.file()), (gx_pointreal_t{20000, 10000}));
+  EXPECT_EQ(gx_object_id_ptr(f.file(), page).bounds, (gx_boundsreal_t{0, 0, 20000, 10000}));
+  for (const auto& [x, y, inside] : {std::tuple{500, 500, true},
+                                     {499, 500, false},
+                                     {19500, 9500, true},
+                                     {19501, 500, false},
+                                     {500, 9501, false}}) {
+    EXPECT_EQ(gx_check_point_inpage(f.file(), x, y), inside) << x << ' ' << y;
+  }
+  EXPECT_FALSE(gx_object_out_page(f.file(), rectangle, 1, 1, 101, 51));
+  EXPECT_TRUE(gx_object_out_page(f.file(), rectangle, 0, 1, 101, 51));
+  EXPECT_TRUE(gx_object_out_page(f.file(), rectangle, 1, 1, 100, 51));
+  EXPECT_TRUE(gx_inq_grid_state(f.file()));
+  gx_set_grid_state(f.file(), false);
+  gx_set_snap_state(f.file(), true);
+  gx_set_grid_step(f.file(), 7500);
+  EXPECT_FALSE(gx_inq_grid_state(f.file()));
+  EXPECT_TRUE(gx_inq_snap_state(f.file()));
+  EXPECT_EQ(gx_inq_grid_step(f.file()), 7500);
+}
+
+}  // namespace
