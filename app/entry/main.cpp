@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "app/installation.h"
 #include "app/root.h"
 #include "gx/text/state.h"
 #include "platform/raw_files.h"
@@ -57,6 +58,7 @@ int main(int argc, char** argv) {
   check_opening(design, O_PATH | O_DIRECTORY, no_directory);
   check_opening(design, O_RDONLY | O_DIRECTORY, not_readable);
   survive_broken_pipes();
+  kv_find_installation("/proc/self/exe");
   kivo_root(argc, argv);
   return 0;
 }

@@ -1,0 +1,136 @@
+// The product directory as it is shipped: its menus and keys work, every command has its help, and
+// what names the built-in defaults is the same as they are.
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <sstream>
+#include <string>
+
+#include "app/command_table.h"
+#include "app/event_loop.h"
+#include "app/product_sets.h"
+#include "gx/display/keys.h"
+#include "gx/display/menus.h"
+#include "gx/display/window.h"
+#include "gx/text/strings.h"
+#include "tests/support/scratch_directory.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+const fs::path product = KIVO_PRODUCT_DIR;
+
+class Product : public testing::Test {
+ protected:
+  Product() {
+    gx_reset_state();
+    setenv("VELMORAN", product.c_str(), 1);
+  }
+  ~Product() override {
+    unsetenv("VELMORAN");
+    gx_reset_state();
+  }
+  std::string printed() {
+    gx_print_menu((scratch_.path() / "printed").string());
+    return read_file(scratch_.path() / "printed");
+  }
+  scratch_directory scratch_;
+};
+
+std::string upper(std::string text) {
+  for (char& c : text) c = gx_upper_case(c);
+  return text;
+}
+
+std::string trimmed(std::string_view text) {
+  const auto first = text.find_first_not_of(' ');
+  const auto last = text.find_last_not_of(' ');
+  return first == text.npos ? "" : std::string(text.substr(first, last - first + 1));
+}
+
+TEST_F(Product, EveryCommandHasItsHelpInEverySpelling) {
+  const std::string list = read_file(product / "kivo/help/list_commands");
+  for (const kv_command_row_t& row : kv_command_table()) {
+    if (row.spelling[0] == '$') continue;
+    std::string word(row.spelling.substr(0, row.spelling.find(' ')));
+    std::string least;
+    for (const char c : word) {
+      if (c < 'a' || c > 'z') least += c;
+    }
+    EXPECT_NE(upper(list).find(upper(word)), list.npos) << word;
+    std::string lower;
+    for (const char c : word) lower += static_cast<char>(std::tolower(c));
+    for (const std::string& typed : {upper(word), lower, word, least}) {
+      EXPECT_TRUE(fs::exists(product / ("kivo/help/kv_1_" + typed))) << typed;
+    }
+  }
+}
+
+TEST_F(Product, TextsFitTheList) {
+  int files = 0;
+  for (const auto& entry : fs::recursive_directory_iterator(product)) {
+    const std::string name = entry.path().filename();
+    if (!name.starts_with("kv_1_") && name != "list" && name != "list_commands" &&
+        name != "introduction") {
+      continue;
+    }
+    ++files;
+    for (const std::string& line : split_lines(read_file(entry.path()))) {
+      EXPECT_LE(line.size(), 60U) << entry.path() << ": " << line;
+    }
+  }
+  EXPECT_GT(files, 40);
+}
+
+TEST_F(Product, MenusReadWithoutAnError) {
+  kv_set_default_menus();
+  const std::string built_in = printed();
+  for (const auto& entry : fs::directory_iterator(product / "kivo/menus")) {
+    if (!entry.path().filename().string().starts_with("menu_")) continue;
+    gx_clear_menus();
+    gx_read_menu(entry.path().string());
+    EXPECT_EQ(gx_vext.num_errors, 0) << entry.path();
+    EXPECT_NE(printed(), "") << entry.path();
+  }
+  gx_read_menu("$VELMORAN/kivo/menus/menu_standard");
+  EXPECT_EQ(printed(), built_in);
+}
+
+TEST_F(Product, TheStandardKeysAreThoseOfTheStart) {
+  kv_array_param_t args, vars;
+  const auto run_keys = [&](const std::string& name) {
+    kv_process_command(gx_string(" DO $VELMORAN/kivo/keys/keys_" + name), args, vars);
+    EXPECT_EQ(gx_vext.num_errors, 0);
+  };
+  gx_init_nograph();
+  kv_set_default_bindings();
+  const gx_defref_var_rec_t& v = gx_vext;
+  const auto all = [&] {
+    std::vector<std::string> texts;
+    for (const auto* table : {&v.action_f, &v.action_fs, &v.action_fc, &v.action_fa, &v.action_fup,
+                              &v.action_fsup, &v.action_fcup, &v.action_faup}) {
+      for (const auto& text : *table) texts.push_back(trimmed(gx_view(text)));
+    }
+    for (const auto& text : v.action_but) texts.push_back(trimmed(gx_view(text)));
+    return texts;
+  };
+  const auto at_start = all();
+  run_keys("kivo");
+  run_keys("select");
+  EXPECT_NE(all(), at_start);
+  run_keys("standard");
+  EXPECT_EQ(all(), at_start);
+}
+
+TEST_F(Product, TheHelperProgramsOfferTheSetsThereAre) {
+  const auto lines = kv_set_choice(kv_menu_sets);
+  ASSERT_EQ(lines.size(), 3U);
+  EXPECT_EQ(lines[0], "SHOw FILe $VELMORAN/kivo/menus/list");
+  EXPECT_EQ(lines[1], "READln $VAR1 menu:kivo/standard/view?");
+  EXPECT_EQ(lines[2], "$RMENU $VELMORAN/kivo/menus/menu_$VAR1");
+  setenv("VELMORAN", scratch_.path().c_str(), 1);
+  EXPECT_TRUE(kv_set_choice(kv_key_sets).empty());
+}
+
+}  // namespace
