@@ -117,18 +117,18 @@ sheet row)" + n(number) +
                      "\n  page 100,40\n";
   text += port("WL", "", 4) + port("BL", "0:7", 8) + port("BLB", "0:7", 12) + port("CK", "", 16);
   for (int i = 0; i < 8; ++i)
-    text += "  part XC" + n(i) + " bitcell" + n((i + number) % variants) + " " + n(8 + 9 * i) +
+    text += "  part C" + n(i) + " bitcell" + n((i + number) % variants) + " " + n(8 + 9 * i) +
             "," + n(18 + i * i % 7) + "\n";
   for (const char* pin : {"WL", "CK"}) {
     text += std::string("  net ") + pin + "\n    wire " + pin;
-    for (int i = 7; i >= 0; --i) text += " XC" + n(i) + "." + pin;
+    for (int i = 7; i >= 0; --i) text += " C" + n(i) + "." + pin;
     text += "\n";
   }
   for (const char* pin : {"BL", "BLB"}) {
     text += std::string("  bus ") + pin + " 0:7\n    wire " + pin;
-    for (int i = 7; i >= 0; --i) text += " XC" + n(i) + "." + pin;
+    for (int i = 7; i >= 0; --i) text += " C" + n(i) + "." + pin;
     text += "\n";
-    for (int i = 0; i < 8; ++i) text += "    bit " + n(i) + " XC" + n(i) + "." + pin + "\n";
+    for (int i = 0; i < 8; ++i) text += "    bit " + n(i) + " C" + n(i) + "." + pin + "\n";
   }
   return text;
 }
@@ -148,26 +148,26 @@ sheet block
   text += port("WL", "0:7", 4) + port("BL", "0:7", 8) + port("BLB", "0:7", 12) + port("CK", "", 16);
   text += "  global VDD vdd 3,1\n  global GND gnd 5,77\n";
   for (int i = 0; i < 8; ++i)
-    text += "  part XR" + n(i) + " row" + n(i % rows) + " " + n(6 + 10 * i) + "," +
+    text += "  part R" + n(i) + " row" + n(i % rows) + " " + n(6 + 10 * i) + "," +
             n(22 + i * i % 7) + "\n";
   for (int i = 0; i < 12; ++i)
     text += "  part MP" + n(i) + " mos " + n(6 + 7 * i) + "," + n(42 + i * i * 3 % 11) +
             "\n  part CP" + n(i) + " cap " + n(7 + 7 * i) + "," + n(58 + i * i % 11) + "\n";
   const auto all_rows = [](const std::string& pin) {
     std::string stops;
-    for (int i = 7; i >= 0; --i) stops += " XR" + n(i) + "." + pin;
+    for (int i = 7; i >= 0; --i) stops += " R" + n(i) + "." + pin;
     return stops + "\n";
   };
   text += "  bus WL 0:7\n    wire WL" + all_rows("WL");
-  for (int i = 0; i < 8; ++i) text += "    bit " + n(i) + " XR" + n(i) + ".WL\n";
+  for (int i = 0; i < 8; ++i) text += "    bit " + n(i) + " R" + n(i) + ".WL\n";
   for (const char* pin : {"BL", "BLB"}) {
     text += std::string("  bus ") + pin + " 0:7\n    wire " + pin + all_rows(pin);
     for (int i = *pin == 'B' && pin[2] ? 1 : 0; i < 12; i += 2)
-      text += "    wire XR0." + std::string(pin) + " MP" + n(i) + ".D width 1\n    bit " +
+      text += "    wire R0." + std::string(pin) + " MP" + n(i) + ".D width 1\n    bit " +
               n(i % 8) + " MP" + n(i) + ".D\n";
   }
   text += "  net CK\n    wire CK" + all_rows("CK");
-  for (int i = 0; i < 12; ++i) text += "    wire XR0.CK MP" + n(i) + ".G\n";
+  for (int i = 0; i < 12; ++i) text += "    wire R0.CK MP" + n(i) + ".G\n";
   text += "  net VDD\n";
   for (int i = 0; i < 12; ++i)
     text += "    wire VDD MP" + n(i) + ".S\n    wire MP" + n(i) + ".S MP" + n(i) +
@@ -180,27 +180,27 @@ sheet block
 std::string top(int blocks) {
   std::string text = "sheet array\n  page " + n(20 + 14 * std::max(blocks, 10)) + ",80\n";
   text += "  global VDD vdd 3,1\n  global GND gnd 5,77\n";
-  for (int i = 0; i < blocks; ++i) text += "  part XB" + n(i) + " block " + n(8 + 14 * i) + ",10\n";
+  for (int i = 0; i < blocks; ++i) text += "  part B" + n(i) + " block " + n(8 + 14 * i) + ",10\n";
   for (int i = 0; i < 8; ++i)
     text += "  part MD" + n(i) + " mos " + n(8 + 14 * i) + "," + n(29 + i * i * 3 % 11) + "\n";
   for (int i = 0; i < 10; ++i) text += "  part CD" + n(i) + " cap " + n(8 + 14 * i) + ",50\n";
   const auto all_blocks = [&](const std::string& pin) {
     std::string wires;
     for (int i = 0; i + 1 < blocks; ++i)
-      wires += "    wire XB" + n(i) + "." + pin + " XB" + n(i + 1) + "." + pin + "\n";
+      wires += "    wire B" + n(i) + "." + pin + " B" + n(i + 1) + "." + pin + "\n";
     return wires;
   };
   for (int i = 0; i < blocks; ++i) {
-    const std::string word_lines = "WL" + n(i), pin = "XB" + n(i) + ".WL";
+    const std::string word_lines = "WL" + n(i), pin = "B" + n(i) + ".WL";
     text += "  bus " + word_lines + " 0:7\n    wire " + pin + " " + n(10 + 14 * i) + ",4\n";
   }
   text += "  bus BL 0:7\n" + all_blocks("BL");
   for (int i = 0; i < 8; ++i)
-    text += "    wire XB0.BL MD" + n(i) + ".D width 1\n    bit " + n(i) + " MD" + n(i) + ".D\n";
-  text += "  bus BLB 0:7\n    wire XB0.BLB 6,15\n" + all_blocks("BLB");
+    text += "    wire B0.BL MD" + n(i) + ".D width 1\n    bit " + n(i) + " MD" + n(i) + ".D\n";
+  text += "  bus BLB 0:7\n    wire B0.BLB 6,15\n" + all_blocks("BLB");
   text += "  net CK\n" + all_blocks("CK");
-  for (int i = 0; i < 8; ++i) text += "    wire XB0.CK MD" + n(i) + ".G\n";
-  for (int i = 0; i < 10; ++i) text += "    wire XB0.CK CD" + n(i) + ".1\n";
+  for (int i = 0; i < 8; ++i) text += "    wire B0.CK MD" + n(i) + ".G\n";
+  for (int i = 0; i < 10; ++i) text += "    wire B0.CK CD" + n(i) + ".1\n";
   text += "  net VDD\n    wire VDD 5,3\n  net GND\n";
   for (int i = 0; i < 8; ++i)
     text += "    wire GND MD" + n(i) + ".S\n    wire MD" + n(i) + ".S MD" + n(i) + ".B\n";

@@ -51,10 +51,10 @@ struct process_result {
 // Where and how the program runs. `words` are its arguments, the design directory first;
 // `environment` entries are NAME=VALUE and win over those of the test.
 struct program_start {
-  std::filesystem::path directory;  // current directory of the process
-  std::vector<std::string> words;
-  std::vector<std::string> environment;
-  std::string program;  // empty: the program under test
+  std::filesystem::path directory{};  // current directory of the process
+  std::vector<std::string> words{};
+  std::vector<std::string> environment{};
+  std::string program{};  // empty: the program under test
 };
 
 // A process with its output in memory files; killed at the end when it still runs.

@@ -1,0 +1,156 @@
+// The main job on the designs that users start from: open, expand, write the netlist.
+#include "gxmake/memory_array.h"
+#include "tests/program/listing.h"
+#include "tests/program/program_fixture.h"
+#include "tests/support/make_design.h"
+
+namespace {
+
+// Makes an example of the project in the directory and runs its expand.do.
+process_result run_example(const scratch_directory& directory, const std::string& name) {
+  const std::string folder = std::string(KIVO_SOURCE_DIR "/examples/") + name + "/";
+  make_design_of_file(directory, folder + name + ".gxt");
+  directory.write("expand.do", read_file(folder + "expand.do"));
+  return run_program(shared_display(),
+                     {.directory = directory.path(), .words = {name, "expand.do"}});
+}
+
+using counts_t = std::map<std::string, int>;
+void expect_counts(const listing_t& listing, const counts_t& expected) {
+  EXPECT_TRUE(listing.complete);
+  for (const auto& [name, count] : expected) EXPECT_EQ(listing.counts.at(name), count) << name;
+}
+
+using paths_t = std::set<std::string>;
+
+constexpr char no_faults[] = "\n -- KIVO  Execution complete...0 error, 0 warning --\n";
+
+TEST(Examples, RegisterExpandsThroughThreeLevels) {
+  scratch_directory directory;
+  const auto ended = run_example(directory, "register");
+  EXPECT_EQ(ended.status, 0) << ended.err;
+  EXPECT_TRUE(ended.out.ends_with(no_faults)) << ended.out;
+
+  const auto session = directory.lines("register/current_session");
+  const std::vector<std::string> beginning = {"# KIVO  version 2.02",
+                                              "# DO expand.do ",
+                                              " PRIMitive CLASS ",
+                                              " PARAMeter WN 0.5 ",
+                                              " PARAMeter WP 1.0 ",
+                                              " PROPerty INStance S CLASS MODEL VALUE ",
+                                              " PROPerty INStance R W L DRIVE ",
+                                              " PROPerty PIN  S PIN PINTYPE ",
+                                              " PROPerty NET S NET ",
+                                              " GENerate DATa ON ",
+                                              " RUN ",
+                                              "# Processing : \"\"",
+                                              "# Processing : \"/XR\"",
+                                              "# Processing : \"/VD0\""};
+  ASSERT_GE(session.size(), beginning.size());
+  EXPECT_EQ(std::vector<std::string>(session.begin(), session.begin() + 14), beginning);
+
+  // 4 latches of 10 transistors, a clock driver of 4, 6 sources, 4 loads. Nets: the buses D and Q
+  // with 4 members each, CLK, VDD, GND; CK and CKB of reg4; 5 inside each latch.
+  const auto listing = read_listing(directory.read("register/kivo_data"));
+  expect_counts(listing, {{"nbof_instance", 54},
+                          {"nbof_macro", 6},
+                          {"nbof_pin", 44 * 4 + 10 * 2},
+                          {"nbof_pin (for macro)", 3 + 3 + 4 * 4},
+                          {"nbof_net", 2 * 5 + 3 + 2 + 4 * 5},
+                          {"num_errors", 0},
+                          {"num_warnings", 0}});
+
+  // A bit of the bus goes down two levels to the gates of its latch.
+  EXPECT_EQ(listing.nets.at("/D_2").pins, (paths_t{"/VD2/P", "/XR/X2/MP1/G", "/XR/X2/MN1/G"}));
+  EXPECT_EQ(listing.nets.at("/Q_3").pins,
+            (paths_t{"/CL3/1", "/XR/X3/MP3/D", "/XR/X3/MN3/D", "/XR/X3/MP4/G", "/XR/X3/MN4/G"}));
+  // One net by its name: the stubs at MN5 and the port of the latch, through all four of them.
+  paths_t ckb = {"/XR/XCK/MP1/D", "/XR/XCK/MN1/D", "/XR/XCK/MP2/G", "/XR/XCK/MN2/G"};
+  for (const char* latch : {"/XR/X0", "/XR/X1", "/XR/X2", "/XR/X3"}) {
+    ckb.insert(std::string(latch) + "/MP2/G");
+    ckb.insert(std::string(latch) + "/MN5/G");
+  }
+  EXPECT_EQ(listing.nets.at("/XR/CKB").pins, ckb);
+  // The global: the bulk of every p transistor and the source of those at a rail; the supply.
+  EXPECT_EQ(listing.nets.at("/VDD").kind, 4);
+  EXPECT_EQ(listing.nets.at("/VDD").pins.size(), 4U * 8 + 2 * 2 + 1);
+
+  // Widths: WP = 1, WN = 0.5; DRIVE 2 comes down from the top, 4 times that to the clock driver.
+  const auto width = [&](const char* path) {
+    return listing.instances.at(path).properties.at("W");
+  };
+  EXPECT_EQ(width("/XR/X1/MP1"), "2.000 2.000 2.000");
+  EXPECT_EQ(width("/XR/X1/MN3"), "2.000 2.000 2.000");
+  EXPECT_EQ(width("/XR/X1/MN4"), "0.250 0.250 0.250");
+  EXPECT_EQ(width("/XR/XCK/MP2"), "16.000 16.000 16.000");
+  EXPECT_EQ(listing.macros.at("/XR/XCK").properties.at("DRIVE"), "8.000 8.000 8.000");
+  EXPECT_EQ(listing.instances.at("/XR/X0/MP1").properties.at("MODEL"), "pch");
+  EXPECT_EQ(listing.instances.at("/VCLK").properties.at("VALUE"),
+            "PULSE(0 1.8 5n 100p 100p 5n 10n)");
+}
+
+TEST(Examples, FilterJoinsTurnedAndMirroredParts) {
+  scratch_directory directory;
+  const auto ended = run_example(directory, "filter");
+  EXPECT_TRUE(ended.out.ends_with(no_faults)) << ended.out;
+  const auto listing = read_listing(directory.read("filter/kivo_data"));
+  expect_counts(listing, {{"nbof_instance", 14},
+                          {"nbof_macro", 1},
+                          {"nbof_pin", 12 * 2 + 2 * 4},
+                          {"nbof_net", 8 + 2}});
+  EXPECT_EQ(listing.nets.at("/OUT").pins, (paths_t{"/C1/2", "/R3/1", "/X1/E1/D", "/X1/E2/P"}));
+  EXPECT_EQ(listing.nets.at("/B").pins, (paths_t{"/R2/2", "/C2/1", "/X1/E1/C"}));
+  EXPECT_EQ(listing.nets.at("/GND").pins,
+            (paths_t{"/VIN/N", "/VSUP/N", "/R5/2", "/C2/2", "/R3/2", "/X1/E1/N", "/X1/C1/2",
+                     "/X1/E2/D", "/X1/E2/N"}));
+  EXPECT_EQ(listing.instances.at("/X1/E1").properties.at("GAIN"), "10000.000 10000.000 10000.000");
+}
+
+TEST(Examples, ASecondRunGivesTheSameBytes) {
+  scratch_directory directory;
+  make_design_of_file(directory, KIVO_SOURCE_DIR "/examples/register/register.gxt");
+  auto commands = read_file(KIVO_SOURCE_DIR "/examples/register/expand.do");
+  commands.replace(
+      commands.find("BYE"), 3,
+      "SYSTem 'cp register/design_kv first'\nSYSTem 'cp register/kivo_data first.txt'\n"
+      "RUN\nBYE");
+  directory.write("expand.do", commands);
+  const program_start start{.directory = directory.path(), .words = {"register", "expand.do"}};
+  EXPECT_EQ(run_program(shared_display(), start).status, 0);
+  const auto image = directory.read("register/design_kv");
+  EXPECT_GT(image.size(), 20000U);
+  EXPECT_EQ(directory.read("first"), image);
+  EXPECT_EQ(directory.read("first.txt"), directory.read("register/kivo_data"));
+
+  EXPECT_EQ(run_program(shared_display(), start).status, 0);
+  EXPECT_EQ(directory.read("register/design_kv"), image);
+}
+
+TEST(Examples, MemoryArraysExpandToWhatTheirSizeSays) {
+  const struct { int blocks, variants; } cases[] = {{1, 1}, {2, 8}, {7, 8}};
+  for (const auto& c : cases) {
+    scratch_directory directory;
+    make_design(directory, gxm_memory_array(c.blocks, c.variants));
+    directory.write("run.do",
+                    "PRIMitive CLASS\nPROPerty INStance S CLASS VALUE\nPROPerty PIN S PINTYPE\n"
+                    "PROPerty NET S NET\nGENerate DATa ON\nRUN\nBYE\n");
+    const auto ended = run_program(shared_display(),
+                                   {.directory = directory.path(), .words = {"array", "run.do"}});
+    EXPECT_TRUE(ended.out.ends_with(no_faults)) << ended.out;
+    const auto listing = read_listing(directory.read("array/kivo_data"));
+    // Nets: of a block its word lines; of each cell Q and QB; BL, BLB, CK, VDD, GND of the top.
+    expect_counts(listing, {{"nbof_instance", gxm_memory_array_leaves(c.blocks)},
+                            {"nbof_pin", gxm_memory_array_pins(c.blocks)},
+                            {"nbof_macro", gxm_memory_array_macros(c.blocks)},
+                            {"nbof_net", c.blocks * (9 + 64 * 2) + 9 + 9 + 3}});
+    // Every cell has the clock on one pin; the transistors beside the rows and the top's too.
+    EXPECT_EQ(listing.nets.at("/CK").pins.size(),
+              static_cast<std::size_t>(c.blocks) * (64 + 12) + 8 + 10);
+    // A bit line meets its column of cells in every block.
+    const auto& bit_line = listing.nets.at("/BL_3").pins;
+    EXPECT_TRUE(bit_line.contains("/B0/R5/C3/MN3/D"));
+    EXPECT_FALSE(bit_line.contains("/B0/R5/C4/MN3/D"));
+  }
+}
+
+}  // namespace
