@@ -29,7 +29,7 @@ constexpr kv_command_row_t command_table[] = {
     {"EFGH", {"GRID", "ST"}, 0, "GRId STep", kv_grid_step_cmd},
     {"EFGH", {"HAR"}, 0, "HARDcopy", kv_hardcopy_cmd},
     {"EFGH", {"HEL"}, 0, "HELp", kv_help_cmd},
-    {"IKL", {"LIST", "OBJ"}, 0, "LIST OBJect", nullptr},
+    {"IKL", {"LIST", "OBJ"}, 0, "LIST OBJect", kv_list_object_cmd},
     {"MNO", {"MARK", "RECT"}, 4, "MARK RECTangle", kv_mark_rectangle_cmd},
     {"MNO", {"MARK"}, 4, "MARK", kv_mark_cmd},
     {"PQR", {"PARAM"}, 0, "PARAMeter", kv_parameter_cmd},

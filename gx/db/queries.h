@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <string>
 
 #include "gx/db/file_records.h"
 
@@ -106,6 +107,10 @@ const gx_object_property_rec_t* lb_find_prop_inst(const gx_file_gene_recf_t& fil
                                                   std::string_view name);
 const gx_object_property_rec_t* lb_find_prop_net(const gx_file_gene_recf_t& file, int net,
                                                  std::string_view name);
+
+// What a file lacks for being walked as a sheet: a family, the symbol of an instance, a family of
+// pins. "" when no query of this header can stop on what a sound file holds (see gx_decode_file).
+std::string gx_sheet_fault(const gx_file_gene_recf_t& file);
 
 // --- ranges over the queries, for loops: for (const int inst : lb_instances(file)) ...
 // A chain of siblings in child order. Every chain of a decoded file ends.

@@ -44,6 +44,7 @@ struct gx_field_t {
   gx_kind kind;
   std::uint16_t offset;  // in the record in memory
   gx_refers refers = gx_refers::any;
+  std::int16_t limit = 0;  // a number outside 0..limit is refused; 0: any goes
 };
 
 using gx_fields_t = std::span<const gx_field_t>;
@@ -128,7 +129,7 @@ inline constexpr gx_field_t plain_fields[] = {
 
 using instance_t = gx_object_instance_rec_t;
 inline constexpr gx_field_t instance_fields[] = {
-    {"rotate", gx_kind::u8, offsetof(instance_t, rotate)},
+    {"rotate", gx_kind::u8, offsetof(instance_t, rotate), gx_refers::any, 3},
     {"fliph", gx_kind::flag, offsetof(instance_t, fliph)},
     {"symbol", gx_kind::id, offsetof(instance_t, symbol), gx_refers::symbol},
     {"n0_version", gx_kind::i16, offsetof(instance_t, n0_version)},
@@ -242,9 +243,10 @@ inline constexpr gx_field_t line_fields[] = {
 // Both polylines differ in the number of their points only.
 template <typename Rec>
 constexpr std::array<gx_field_t, 6> polyline_fields_of(gx_kind points) {
+  constexpr std::int16_t most = Rec::max_points;
   return {{
       {"line_style", gx_kind::i16, offsetof(Rec, line_style)},
-      {"n_points", gx_kind::i16, offsetof(Rec, n_points)},
+      {"n_points", gx_kind::i16, offsetof(Rec, n_points), gx_refers::any, most},
       {"points", points, offsetof(Rec, points)},
       {"line_color", gx_kind::u8, offsetof(Rec, line_color)},
       {"reserved", gx_kind::u8, offsetof(Rec, reserved)},

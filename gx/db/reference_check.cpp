@@ -1,7 +1,7 @@
 // Whether the objects of a file that was just read refer to each other soundly. Everything that
 // walks a file later relies on it: ids are in range and name the types that the walks expect, and
 // every chain ends. All checks together take time proportional to the number of objects.
-#include <algorithm>
+#include <array>
 #include <string>
 #include <vector>
 
@@ -23,34 +23,78 @@ std::string field_text(int id, std::string_view field, int value) {
   return object_text(id) + ": " + std::string(field) + " " + std::to_string(value);
 }
 
+// What the objects of a type may hold; the types that are not named here hold what they like.
+struct holds_t {
+  gx_type holder, child;
+};
+constexpr holds_t holds[] = {
+    {gx_type::component_family, gx_type::component},
+    {gx_type::instance_family, gx_type::instance},
+    {gx_type::symbol_family, gx_type::symbol},
+    {gx_type::net_family, gx_type::net},
+    {gx_type::vertex_family, gx_type::vertex_2d},
+    {gx_type::frame_family, gx_type::frame},
+    {gx_type::bodpropfam, gx_type::property_2d},
+    {gx_type::pinpropfam, gx_type::property_2d},
+    {gx_type::pin, gx_type::property_2d},
+    {gx_type::property_family, gx_type::property_2d},
+};
+
+// By holder's type; nil where anything goes.
+constexpr auto child_of = [] {
+  std::array<gx_type, gx_max_type + 1> table{};
+  for (const auto& [holder, child] : holds) table[static_cast<std::size_t>(holder)] = child;
+  return table;
+}();
+
+gx_type type_of(const gx_file_gene_recf_t& file, int id) {
+  return id == 0 ? gx_type::nil : object_of(file, id).object_type;
+}
+
+// A family of pins holds an instance's ends or a symbol's pins, by its own father.
+bool hangs_well(const gx_file_gene_recf_t& file, const gx_object_gene_rec_t& object) {
+  if (object.father == 0) return true;
+  const auto& father = object_of(file, object.father);
+  if (father.object_type == gx_type::pin_family) {
+    const bool of_instance = type_of(file, father.father) == gx_type::instance;
+    return object.object_type == (of_instance ? gx_type::pinpropfam : gx_type::pin);
+  }
+  const gx_type wanted = child_of[static_cast<std::size_t>(father.object_type)];
+  return wanted == gx_type::nil || object.object_type == wanted;
+}
+
+// Whether an existing object is one that such a field may name.
 template <gx_refers Refers>
 bool refers_well(const gx_file_gene_recf_t& file, int id) {
   using enum gx_refers;
   if (Refers == any || id == 0) return true;
-  const gx_type type = object_of(file, id).object_type;
+  const auto& object = object_of(file, id);
   switch (Refers) {
-    case instance: return type == gx_type::instance;
-    case symbol: return type == gx_type::symbol;
-    case net: return type == gx_type::net;
-    case net_end: return type == gx_type::vertex_2d || type == gx_type::pinpropfam;
-    case page: return type == gx_type::page;
-    case grid: return type == gx_type::grid_2d;
+    case instance: return object.object_type == gx_type::instance;
+    case symbol: return object.object_type == gx_type::symbol;
+    case net: return object.object_type == gx_type::net;
+    case net_end:
+      return object.object_type == gx_type::vertex_2d ||
+             (object.object_type == gx_type::pinpropfam &&
+              type_of(file, object.father) == gx_type::pin_family);
+    case page: return object.object_type == gx_type::page;
+    case grid: return object.object_type == gx_type::grid_2d;
     case any: break;
   }
   return true;
 }
 
-// What is wrong with the first bad id among the fields of one record: the field's index in the
+// What is wrong with the first bad number among the fields of one record: the field's index in the
 // table and the words for it.
-struct bad_id_t {
+struct bad_field_t {
   std::size_t index = 0;
   std::string_view what;  // empty: all are sound
 };
 
 template <const auto& Fields>
-bad_id_t bad_id(const gx_file_gene_recf_t& file, const void* record) {
+bad_field_t bad_field(const gx_file_gene_recf_t& file, const void* record) {
   constexpr gx_fields_t fields = Fields;
-  bad_id_t bad;
+  bad_field_t bad;
   gx_unroll_fields<Fields>([&](auto index) {
     constexpr const gx_field_t& field = fields[index];
     if constexpr (field.kind == gx_kind::id) {
@@ -61,38 +105,33 @@ bad_id_t bad_id(const gx_file_gene_recf_t& file, const void* record) {
       } else if (!refers_well<field.refers>(file, value)) {
         bad = {index, " has the wrong type"};
       }
+    } else if constexpr (field.limit > 0) {
+      const auto value = gx_field_number(record, field);
+      if (bad.what.empty() && (value < 0 || value > field.limit)) bad = {index, " is out of range"};
     }
   });
   return bad;
 }
 
 template <std::size_t Type>
-struct bad_tail_id_of {
-  static bad_id_t call(const gx_file_gene_recf_t& file, const void* record) {
-    return bad_id<gx_tables::tail_of<Type>>(file, record);
+struct bad_tail_of {
+  static bad_field_t call(const gx_file_gene_recf_t& file, const void* record) {
+    return bad_field<gx_tables::tail_of<Type>>(file, record);
   }
 };
-constexpr auto& bad_tail_id =
-    gx_by_type<bad_id_t (*)(const gx_file_gene_recf_t&, const void*), bad_tail_id_of>;
+constexpr auto& bad_tail =
+    gx_by_type<bad_field_t (*)(const gx_file_gene_recf_t&, const void*), bad_tail_of>;
 
-// "" or: where, the field with its value, what is wrong.
-std::string id_fault(const bad_id_t& bad, const std::string& where, const void* record,
-                     gx_fields_t fields) {
+// Where, the field with its value, what is wrong; "" when nothing is.
+std::string field_fault(const bad_field_t& bad, const std::string& where, const void* record,
+                        gx_fields_t fields) {
   if (bad.what.empty()) return {};
   const auto& field = fields[bad.index];
   return where + ": " + std::string(field.name) + " " +
          std::to_string(gx_field_number(record, field)) + std::string(bad.what);
 }
 
-// The points of a polyline beyond its array would be read out of bounds.
-template <typename Rec>
-std::string points_fault(const gx_object_gene_rec_t& object) {
-  const int count = reinterpret_cast<const Rec&>(object).n_points;
-  if (count >= 0 && count <= Rec::max_points) return {};
-  return field_text(object.object_id, "n_points", count) + " out of range";
-}
-
-// Parent and children agree, and no object lies deeper than max_depth (so no fathers loop).
+// Parent and children agree in their links and types, and no object lies deeper than max_depth (so no fathers loop).
 std::string tree_fault(const gx_file_gene_recf_t& file, const gx_object_gene_rec_t& object) {
   const int id = object.object_id;
   if (object.child1 != 0 && object_of(file, object.child1).father != id) {
@@ -100,6 +139,10 @@ std::string tree_fault(const gx_file_gene_recf_t& file, const gx_object_gene_rec
   }
   if (object.following != 0 && object_of(file, object.following).father != object.father) {
     return field_text(id, "following", object.following) + " has another father";
+  }
+  if (!hangs_well(file, object)) {
+    return object_text(id) + ": no child of its type belongs under object " +
+           std::to_string(object.father);
   }
   int depth = 1;
   for (int at = object.father; at != 0; at = object_of(file, at).father) {
@@ -150,27 +193,19 @@ std::string object_fault(const gx_file_gene_recf_t& file, int id) {
   if (object.object_id != id) {
     return object_text(id) + ": its stored id is " + std::to_string(object.object_id);
   }
-  if (const auto bad = bad_id<gx_tables::general_fields>(file, &object); !bad.what.empty()) {
-    return id_fault(bad, object_text(id), &object, gx_general_fields());
+  if (const auto bad = bad_field<gx_tables::general_fields>(file, &object); !bad.what.empty()) {
+    return field_fault(bad, object_text(id), &object, gx_general_fields());
   }
-  const auto type = static_cast<std::size_t>(object.object_type);
-  if (const auto bad = bad_tail_id[type](file, &object); !bad.what.empty()) {
-    return id_fault(bad, object_text(id), &object, gx_tail_fields(object.object_type));
-  }
-  if (object.object_type == gx_type::polyline5_2d) {
-    return points_fault<gx_object_polyline5_rec_t>(object);
-  }
-  if (object.object_type == gx_type::polyline_2d) {
-    return points_fault<gx_object_polyline_rec_t>(object);
-  }
-  return {};
+  const auto bad = bad_tail[static_cast<std::size_t>(object.object_type)](file, &object);
+  if (bad.what.empty()) return {};
+  return field_fault(bad, object_text(id), &object, gx_tail_fields(object.object_type));
 }
 
 }  // namespace
 
 std::string gx_reference_fault(const gx_file_gene_recf_t& file) {
-  if (const auto bad = bad_id<gx_tables::header_fields>(file, &file); !bad.what.empty()) {
-    return id_fault(bad, "header", &file, gx_header_fields());
+  if (const auto bad = bad_field<gx_tables::header_fields>(file, &file); !bad.what.empty()) {
+    return field_fault(bad, "header", &file, gx_header_fields());
   }
   for (int id = 1; id <= file.object_id_max; ++id) {
     if (auto fault = object_fault(file, id); !fault.empty()) return fault;

@@ -292,7 +292,12 @@ TEST(db_records, trees_that_no_walk_could_leave_are_refused) {
     const auto second = gx_instance_info_ptr(s.file, first).following_inst;
     gx_instance_info_ptr(s.file, second).following_inst = first;
   });
-  refused("n_points 6 out of range",
+  refused("rotate 4 is out of range", [](auto& s) {
+    gx_instance_info_ptr(s.file, gx_symbol_info_ptr(s.file, 7).instance).rotate = 4;
+  });
+  refused("no child of its type belongs under object 4", [](auto& s) { s.add(gx_type::vertex_2d, 4); });
+  refused("no child of its type belongs under object 10", [](auto& s) { s.add(gx_type::pinpropfam, 10); });
+  refused("n_points 6 is out of range",
           [](auto& s) { s.template add_record<gx_object_polyline5_rec_t>(1).n_points = 6; });
   refused("its fathers loop or lie too deep", [](auto& s) {
     for (int depth = 0, at = 1; depth < 32; ++depth) at = s.add(gx_type::graphics, at);
