@@ -1,9 +1,6 @@
 // Opening sheets and symbols into slots.
 #include "app/sheet_files.h"
 
-#include <algorithm>
-#include <array>
-
 #include "app/state.h"
 #include "app/views.h"
 #include "gx/db/files.h"
@@ -49,10 +46,7 @@ bool kv_is_sheet(const gx_file_gene_recf_t& file) {
       gx_grid_info_ptr(file, file.grid_obj_id).step_point == 0) {
     return false;
   }
-  constexpr std::array families = {gx_type::instance_family, gx_type::symbol_family,
-                                   gx_type::net_family, gx_type::vertex_family,
-                                   gx_type::frame_family};
-  return std::ranges::all_of(families, [&](gx_type family) { return has_family(file, family); });
+  return gx_sheet_fault(file).empty();
 }
 
 gx_object_id_t kv_first_component(const gx_file_gene_recf_t& file) {

@@ -1,6 +1,7 @@
 // The checked accessors, and the flags of objects.
 #include <gtest/gtest.h>
 
+#include "gx/db/queries.h"
 #include "gx/text/state.h"
 #include "tests/unit/db_builder.h"
 #include "tests/unit/fatal_stop.h"
@@ -82,6 +83,25 @@ TEST_F(db_access, a_fathers_box_becomes_that_of_the_object_without_overflow) {
   object.bounds = {-1, -2, 3, 2000000000};
   gx_update_father_bounds(sheet.file, 2, 1);
   EXPECT_EQ(gx_file_inq_bounds(sheet.file), (gx_boundsreal_t{9, 1999999998, 13, INT32_MAX}));
+}
+
+TEST_F(db_access, what_a_sheet_lacks_for_its_queries_is_told) {
+  EXPECT_EQ(gx_sheet_fault(small_sheet().file), "");
+  EXPECT_EQ(gx_sheet_fault(gx_builder().file), "no main object");
+  const auto fault = [](void (*damage)(gx_builder&)) {
+    auto damaged = small_sheet();
+    damage(damaged);
+    return gx_sheet_fault(damaged.file);
+  };
+  EXPECT_EQ(fault([](auto& s) { gx_object_id_ptr(s.file, 3).following = 0; }), "no net_family");
+  EXPECT_EQ(fault([](auto& s) { gx_object_id_ptr(s.file, 8).following = 0; }),
+            "object 7: symbol without pins");
+  const auto at = [](gx_builder& s) -> auto& {
+    return gx_instance_info_ptr(s.file, gx_symbol_info_ptr(s.file, 7).instance);
+  };
+  static const auto instance = at;
+  EXPECT_EQ(fault([](auto& s) { instance(s).symbol = 0; }), "object 16: instance without symbol");
+  EXPECT_EQ(fault([](auto& s) { instance(s).gene.child1 = 0; }), "object 16: instance without pins");
 }
 
 }  // namespace
