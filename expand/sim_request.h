@@ -1,0 +1,15 @@
+// Requests to the simulator: one line of text each, through a FIFO that the simulator makes.
+#pragma once
+
+#include <string_view>
+
+inline constexpr int kv_max_request = 504;  // characters of a request; more are cut
+inline constexpr std::string_view kv_fifo_name = "Lorb_To_Spice_Fifo";
+
+// The descriptor of the FIFO while a request is on its way; -1 at all other times.
+extern int KivoSpice_fifo_fd;
+
+// Sends one request, without its line end, to the FIFO in the directory of the primary sheet. An
+// empty one sends nothing. When no simulator listens, or it goes away, the list tells so and the
+// request is lost. Never waits for a reader that does not read.
+void kv_send_request(std::string_view request);
