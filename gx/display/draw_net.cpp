@@ -189,12 +189,12 @@ void gx_display_probe(gx_vpid_t vpid, gx_file_index_t file_index,
                      far = pixel(2 * probe_step + width, 3 * probe_step),
                      text = pixel(probe_step * 3 / 2, probe_step * 3 / 2);
   if (!inside(start) || !inside(near)) return;
+  const gx_batch_t batch;
+  gx_draw_line(vpid, white, 0, start, near);
   if (!inside(far)) {
     gx_debug_line("  gx_display_probe : point_pt2_outside  : ");
     return;
   }
-  const gx_batch_t batch;
-  gx_draw_line(vpid, white, 0, start, near);
   const std::array<gx_point16_t, 5> box{near, {far.x, near.y}, far, {near.x, far.y}, near};
   gx_draw_polyline(vpid, white, 0, box);
   gx_text(vpid, gx_view(probe.name), text.x, text.y,

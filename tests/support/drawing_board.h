@@ -1,0 +1,68 @@
+// A sheet and an edit viewport without a display: what is drawn stays in the pen and is read back.
+//
+// The viewport covers the pixels 100..900 both ways and shows the design from (0, 0) on at 100
+// units a pixel, so that the design point (x, y) lies at pixel (100 + x / 100, 100 + y / 100).
+#pragma once
+
+#include <functional>
+#include <string_view>
+
+#include "gx/db/object_access.h"
+#include "gx/display/draw.h"
+#include "gx/display/pen.h"
+#include "gx/display/viewports.h"
+#include "gx/display/window.h"
+#include "gxmake/object_tree.h"
+
+class drawing_board {
+ public:
+  static constexpr gx_vpid_t edit = 1;
+  static constexpr gx_file_index_t file_index = 1;
+
+  drawing_board() {
+    gx_reset_state();
+    gx_init_nograph();
+    auto& v = gx_vext;
+    v.bitmap_size = {1000, 1000};
+    v.display_on = true;
+    gx_viewport_create({10000, 10000, 90000, 90000}, {1, 0, 3, 0});
+    v.viewport_edit = edit;
+    tree = gxm_start_tree({}, {100000, 100000}, 5000, true);
+    v.filear[1].start_buf_ptr = tree.file;
+    v.filear[1].already_open_ok = true;
+    v.num_file_open = 1;
+    tree.file->file_index = file_index;
+    v.viewport[1].file_index = file_index;
+    show(100);
+    gx_viewport_select(edit);
+  }
+
+  // Another scale, from the design's corner on.
+  void show(std::int32_t scale) {
+    auto& vp = gx_vext.viewport[1];
+    vp.object_scale = scale;
+    vp.bounds_part = {0, 0, 800 * scale, 800 * scale};
+  }
+
+  const gx_file_gene_recf_t& file() const { return *tree.file; }
+  int family(gx_type type) { return gxm_add_plain(tree, type, tree.file->primary_object); }
+
+  // A primitive of that type under the father, its box set.
+  template <typename Rec>
+  Rec& add(gx_pointreal_t at, gx_boundsreal_t box, int father) {
+    Rec& record = gxm_add<Rec>(tree, father, at);
+    record.gene.bounds = box;
+    return record;
+  }
+  void select(int id) { gx_object_id_ptr(file(), id).status |= gx_flag_selected; }
+
+  gxm_tree_t tree;
+};
+
+// What one drawing left in the pen.
+inline std::vector<gx_line16_t> lines_of(int color, int style, const std::function<void()>& draw) {
+  const gx_batch_t batch;
+  gx_pen_flush();
+  draw();
+  return gx_pen_kept_lines(color, style);
+}

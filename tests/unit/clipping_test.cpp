@@ -1,0 +1,86 @@
+#include "gx/display/clipping.h"
+
+#include <cmath>
+
+#include "tests/support/drawing_board.h"
+
+namespace {
+// The clip window is 100..900; lines are cut to 101..899.
+struct line_case {
+  const char* what;
+  gx_line16_t line;
+  bool visible;
+  gx_line16_t cut{};
+};
+
+TEST(LineClipping, CutsToTheInnerWindow) {
+  drawing_board board;
+  const line_case cases[] = {
+      {"inside", {200, 200, 300, 250}, true, {200, 200, 300, 250}},
+      {"on the inner edge", {101, 101, 899, 899}, true, {101, 101, 899, 899}},
+      {"a point", {200, 200, 200, 200}, false},
+      {"left of it", {0, 200, 50, 700}, false},
+      {"below it", {200, 950, 800, 901}, false},
+      {"horizontal across", {0, 500, 1000, 500}, true, {101, 500, 899, 500}},
+      {"horizontal backwards", {1000, 500, 0, 500}, true, {899, 500, 101, 500}},
+      {"horizontal along the edge", {0, 101, 1000, 101}, false},
+      {"horizontal just inside", {0, 102, 1000, 102}, true, {101, 102, 899, 102}},
+      {"vertical across", {500, 20, 500, 300}, true, {500, 101, 500, 300}},
+      {"vertical along the edge", {899, 0, 899, 1000}, false},
+      {"slanted through two sides", {0, 400, 1000, 600}, true, {101, 420, 899, 579}},
+      {"slanted, one end inside", {500, 500, 1500, 1000}, true, {500, 500, 899, 699}},
+      {"backwards", {1500, 1000, 500, 500}, true, {899, 700, 500, 500}},
+      {"past a corner", {0, 250, 250, 0}, true, {101, 149, 149, 101}},
+      {"beside a corner", {0, 150, 150, 0}, false},
+      {"as far as pixels go", {-20000, -20000, 20000, 20000}, true, {101, 101, 899, 899}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    gx_line16_t line = c.line;
+    ASSERT_EQ(gx_line_clipping(1, line), c.visible);
+    if (!c.visible) continue;
+    EXPECT_NEAR(line.x1, c.cut.x1, 1);
+    EXPECT_NEAR(line.y1, c.cut.y1, 1);
+    EXPECT_NEAR(line.x2, c.cut.x2, 1);
+    EXPECT_NEAR(line.y2, c.cut.y2, 1);
+  }
+}
+
+TEST(LineClipping, EveryCutLineLiesInsideAndOnTheLine) {
+  drawing_board board;
+  std::uint32_t seed = 1;
+  const auto random = [&seed](int range) {
+    seed = seed * 1664525 + 1013904223;
+    return static_cast<std::int16_t>(static_cast<int>(seed >> 8) % (2 * range) - range);
+  };
+  int visible = 0;
+  for (int i = 0; i < 20000; ++i) {
+    const int range = i % 2 == 0 ? 2000 : 20000;
+    const gx_line16_t whole{random(range), random(range), random(range), random(range)};
+    gx_line16_t line = whole;
+    if (!gx_line_clipping(1, line)) continue;
+    ++visible;
+    const double dx = whole.x2 - whole.x1, dy = whole.y2 - whole.y1, length = std::hypot(dx, dy);
+    for (const gx_point16_t p : {gx_point16_t{line.x1, line.y1}, gx_point16_t{line.x2, line.y2}}) {
+      ASSERT_TRUE(p.x >= 101 && p.x <= 899 && p.y >= 101 && p.y <= 899);
+      ASSERT_LE(std::abs((p.x - whole.x1) * dy - (p.y - whole.y1) * dx) / length, 1.5);
+    }
+  }
+  EXPECT_GT(visible, 1000);
+}
+
+TEST(Clipping, AreasAndArcs) {
+  drawing_board board;
+  EXPECT_TRUE(gx_circle_clipping(1, {95, 500}, 5));
+  EXPECT_FALSE(gx_circle_clipping(1, {94, 500}, 5));
+  EXPECT_TRUE(gx_circle_clipping(1, {500, 500}, 20000)) << "the edge may cross the window";
+  EXPECT_TRUE(gx_filled_rectangle_clipping(1, {100, 100}, {900, 900}));
+  EXPECT_FALSE(gx_filled_rectangle_clipping(1, {99, 200}, {300, 300}));
+  EXPECT_TRUE(gx_arc_clipping(1, {0, 0}, {500, 500}, {1000, 1000}));
+  EXPECT_FALSE(gx_arc_clipping(1, {100, 500}, {900, 500}, {500, 100})) << "on the edge only";
+  gx_vext.viewport[1].vp_blocked = true;
+  gx_line16_t line{200, 200, 300, 300};
+  EXPECT_FALSE(gx_line_clipping(1, line));
+  EXPECT_FALSE(gx_arc_clipping(1, {500, 500}, {500, 500}, {500, 500}));
+}
+}  // namespace

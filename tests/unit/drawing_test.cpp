@@ -1,0 +1,434 @@
+// Objects drawn into the pen: which strokes, in which colour and style.
+#include <algorithm>
+
+#include "gx/display/draw.h"
+#include "tests/support/drawing_board.h"
+#include "tests/unit/fatal_stop.h"
+
+namespace {
+constexpr int black = 0, red = 1, green = 2, cyan = 4, magenta = 6, white = 7;
+constexpr auto draws = gx_draw_mode::draw;
+constexpr auto erases = gx_draw_mode::erase;
+using lines_t = std::vector<gx_line16_t>;
+
+// A sheet with a frame whose graphics hold the primitives of the test.
+class Drawing : public ::testing::Test {
+ protected:
+  Drawing() {
+    frame_ = gxm_add_plain(board.tree, gx_type::frame, board.family(gx_type::frame_family));
+    graphics_ = gxm_add_plain(board.tree, gx_type::graphics, frame_);
+  }
+
+  gx_object_line_rec_t& add_line(gx_pointreal_t from, gx_pointreal_t by) {
+    auto& line = board.add<gx_object_line_rec_t>(
+        from, {std::min(0, by.x), std::min(0, by.y), std::max(0, by.x), std::max(0, by.y)},
+        graphics_);
+    line.pt2 = by;
+    line.line_color = cyan;
+    return line;
+  }
+  gx_object_circle_rec_t& add_circle(gx_pointreal_t at, std::int32_t rad) {
+    auto& circle =
+        board.add<gx_object_circle_rec_t>(at, {-rad, -rad, rad, rad}, graphics_);
+    circle.rad = rad;
+    circle.border_color = cyan;
+    return circle;
+  }
+  gx_object_property_rec_t& add_text(gx_pointreal_t at, std::string_view value, int father) {
+    auto& text = board.add<gx_object_property_rec_t>(at, {0, -1000, 6000, 500}, father);
+    std::copy(value.begin(), value.end(), text.nvalue.char_);
+    text.nvalue.len = static_cast<std::int32_t>(value.size());
+    text.line_color = cyan;
+    text.height = 1000;
+    return text;
+  }
+
+  lines_t drawn(int id, int color, int style = 0, gx_draw_mode mode = draws) {
+    return lines_of(color, style,
+                    [&] { gx_display_prim(1, 1, id, 0, mode, false); });
+  }
+
+  drawing_board board;
+  int frame_ = 0, graphics_ = 0;
+};
+
+TEST_F(Drawing, SelectedAndErasedLines) {
+  auto& line = add_line({10000, 20000}, {5000, 0});
+  line.line_style = 2;
+  const int id = line.gene.object_id;
+  const lines_t expected{{200, 300, 250, 300}};
+  EXPECT_EQ(drawn(id, cyan, 2), expected);
+  EXPECT_EQ(drawn(id, black, 2, erases), expected);
+  board.select(id);
+  EXPECT_EQ(drawn(id, green, 3), expected);
+  EXPECT_TRUE(drawn(id, cyan, 2).empty());
+  for (const int flag : {gx_flag_deleted, gx_flag_unvisible}) {
+    line.gene.status = static_cast<std::int16_t>(flag);
+    EXPECT_TRUE(drawn(id, cyan, 2).empty()) << flag;
+  }
+}
+
+TEST_F(Drawing, ThickLinesAreThinLinesSideBySide) {
+  auto& flat = add_line({10000, 20000}, {20000, 0});
+  flat.line_width = 3;
+  EXPECT_EQ(drawn(flat.gene.object_id, cyan),
+            (lines_t{{200, 301, 400, 301}, {200, 302, 400, 302}, {200, 303, 400, 303}}));
+  auto& slanted = add_line({10000, 20000}, {10000, -10000});
+  slanted.line_width = 5;  // two more at 45 degrees, beside each other in x
+  const auto lines = drawn(slanted.gene.object_id, cyan);
+  ASSERT_EQ(lines.size(), 7U);
+  EXPECT_EQ(lines[0], (gx_line16_t{199, 300, 299, 200}));
+}
+
+TEST_F(Drawing, SmallCirclesAreDiamonds) {
+  const auto drawn_circle = [&](std::int32_t rad) {
+    const gx_batch_t batch;
+    gx_pen_flush();
+    gx_display_prim(1, 1, add_circle({20000, 20000}, rad).gene.object_id, 0, draws, false);
+    return std::pair(gx_pen_kept_lines(cyan, 0), gx_pen_kept_arcs(cyan, 0));
+  };
+  const auto [diamond, no_arc] = drawn_circle(500);
+  EXPECT_EQ(diamond, (lines_t{{295, 300, 300, 305},
+                              {300, 305, 305, 300},
+                              {305, 300, 300, 295},
+                              {300, 295, 295, 300}}));
+  EXPECT_TRUE(no_arc.empty());
+  const auto [no_lines, arc] = drawn_circle(600);
+  ASSERT_EQ(arc.size(), 1U);
+  EXPECT_TRUE(no_lines.empty());
+  EXPECT_EQ(std::tuple(arc[0].x, arc[0].y, arc[0].size, arc[0].extent),
+            std::tuple(294, 294, 12, 23040));
+  // Radii whose box leaves the numbers of an arc request are drawn as chords.
+  board.show(1);
+  gx_vext.viewport[1].bounds_part = {30400, 19600, 31200, 20400};  // its right end
+  const auto [chords, none] = drawn_circle(11000);
+  EXPECT_TRUE(none.empty());
+  ASSERT_FALSE(chords.empty());
+  for (const auto& chord : chords)
+    EXPECT_TRUE(chord.x1 > 690 && chord.x1 < 710) << chord.x1 << " " << chord.y1;
+}
+
+TEST_F(Drawing, FilledAreasAreWholeOrAbsent) {
+  auto& box = board.add<gx_object_rectangle_rec_t>({10000, 10000}, {0, 0, 5000, 2000}, graphics_);
+  box.pt2 = {5000, 2000};
+  box.line_color = cyan;
+  box.filled = 1;
+  const auto boxes = [&] {
+    const gx_batch_t batch;
+    gx_pen_flush();
+    gx_display_prim(1, 1, box.gene.object_id, 0, draws, false);
+    return gx_pen_kept_boxes(cyan);
+  };
+  EXPECT_EQ(boxes(), (std::vector<gx_bounds16_t>{{200, 200, 250, 220}}));
+  box.gene.origin.x = 79000;
+  EXPECT_TRUE(boxes().empty()) << "it crosses the edge";
+  box.filled = 0;
+  EXPECT_EQ(drawn(box.gene.object_id, cyan).size(), 3U) << "the outline is cut instead";
+}
+
+TEST_F(Drawing, HostileRecordsStopOrStayInTheWindow) {
+  auto& line = add_line({10000, 10000}, {1000, 1000});
+  line.line_style = 5;
+  expect_stop([&] { drawn(line.gene.object_id, cyan); }, gx_code::invalid_style);
+  line.line_style = -1;
+  expect_stop([&] { drawn(line.gene.object_id, cyan); }, gx_code::invalid_style);
+  line.line_style = 0;
+  line.line_width = 0;
+  expect_stop([&] { drawn(line.gene.object_id, cyan); }, gx_code::invalid_line_2d);
+  line.line_width = 255;
+  line.line_color = 200;
+  line.pt2 = {INT32_MAX, INT32_MIN};
+  line.gene.bounds = {INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX};
+  EXPECT_GT(drawn(line.gene.object_id, white).size(), 254U);
+
+  auto& polyline = board.add<gx_object_polyline_rec_t>({10000, 10000}, {0, 0, 900, 900}, graphics_);
+  polyline.n_points = 32767;
+  for (int i = 1; i < 16; ++i) polyline.points[static_cast<std::size_t>(i)] = {i * 100, i % 2 * 900};
+  EXPECT_EQ(drawn(polyline.gene.object_id, black).size(), 15U);
+  polyline.n_points = -3;
+  EXPECT_TRUE(drawn(polyline.gene.object_id, black).empty());
+
+  auto& text = add_text({10000, 10000}, "A", graphics_);
+  text.rotate = 200;
+  text.height = INT32_MIN;
+  EXPECT_TRUE(drawn(text.gene.object_id, cyan).empty());
+  add_circle({INT32_MAX, INT32_MIN}, INT32_MAX).gene.bounds = line.gene.bounds;
+  drawn(graphics_ + 4, cyan);
+  expect_stop([&] { drawn(frame_, cyan); }, gx_code::object_type_invalid, "STEP1");
+  expect_stop([&] { drawn(30000, cyan); }, gx_code::object_id_invalid);
+  expect_stop([&] { gx_display_prim(2, 1, frame_, 0, draws, false); },
+              gx_code::viewport_id_invalid);
+}
+
+TEST_F(Drawing, AWalkDrawsAllBelow) {
+  add_line({10000, 20000}, {5000, 0});
+  add_line({10000, 30000}, {5000, 0});
+  const int inner = gxm_add_plain(board.tree, gx_type::property_family, frame_);
+  add_text({30000, 30000}, "-", inner);
+  gxm_add_plain(board.tree, gx_type::pin, frame_, {50000, 50000});
+  gxm_grow_boxes(board.tree);
+  const auto walk = [&](int color, bool forced) {
+    return lines_of(color, 0, [&] {
+      lb_display_all_frame(1, 1, draws);
+      gx_display_object(1, 1, frame_, 0, true, draws, forced);
+    });
+  };
+  EXPECT_EQ(walk(cyan, false).size(), 2U * 3U);
+  EXPECT_EQ(walk(red, false).size(), 2U * 4U);
+  EXPECT_EQ(walk(green, true).size(), 4U + 1U) << "pin and text; lines are dashed";
+  EXPECT_EQ(gx_vext.viewport[1].object_id, frame_);
+  EXPECT_EQ(board.file().displayed, 1);
+  gx_object_id_ptr(board.file(), frame_).status |= gx_flag_deleted;
+  EXPECT_EQ(lines_of(cyan, 0, [] { lb_display_all_frame(1, 1, draws); }).size(), 0U);
+  gx_vext.display_on = false;
+  EXPECT_EQ(walk(cyan, false).size(), 0U);
+}
+
+// --- instances
+
+class PlacedSymbol : public Drawing {
+ protected:
+  PlacedSymbol() {
+    instances_ = board.family(gx_type::instance_family);
+    auto& symbol = gxm_add<gx_object_symbol_rec_t>(board.tree, board.family(gx_type::symbol_family), {});
+    symbol_ = symbol.gene.object_id;
+    body_ = gxm_add_plain(board.tree, gx_type::body, symbol_);
+    graphics_ = gxm_add_plain(board.tree, gx_type::graphics, body_);
+    const int pins = gxm_add_plain(board.tree, gx_type::pin_family, symbol_);
+    pin_ = gxm_add_plain(board.tree, gx_type::pin, pins, {6000, 3000});
+    gx_object_id_ptr(board.file(), pin_).bounds = {-1000, -1000, 1000, 1000};
+    add_line({2000, 1000}, {3000, 1000});
+  }
+
+  int place(gx_pointreal_t at, int rotate, bool fliph) {
+    auto& instance = gxm_add<gx_object_instance_rec_t>(board.tree, instances_, at);
+    instance.symbol = static_cast<gx_object_id_t>(symbol_);
+    instance.rotate = static_cast<std::uint8_t>(rotate);
+    instance.fliph = fliph;
+    const int id = instance.gene.object_id;
+    properties_ = gxm_add_plain(board.tree, gx_type::bodpropfam, id);
+    const int pins = gxm_add_plain(board.tree, gx_type::pin_family, id);
+    auto& pin = gxm_add<gx_object_pinpropfam_rec_t>(board.tree, pins, {6000, 3000});
+    pinpropfam_ = pin.gene.object_id;
+    gxm_grow_boxes(board.tree);
+    return id;
+  }
+
+  int instances_ = 0, symbol_ = 0, body_ = 0, pin_ = 0, properties_ = 0, pinpropfam_ = 0;
+};
+
+TEST_F(PlacedSymbol, TurnsAndMirrors) {
+  // The line runs from (2000, 1000) to (5000, 2000), in pixels (20, 10) to (50, 20).
+  const gx_line16_t offsets[2][4] = {
+      {{20, 10, 50, 20}, {10, -20, 20, -50}, {-20, -10, -50, -20}, {-10, 20, -20, 50}},
+      {{20, -10, 50, -20}, {10, 20, 20, 50}, {-20, 10, -50, 20}, {-10, -20, -20, -50}}};
+  const gx_point16_t pins[2][4] = {{{60, 30}, {30, -60}, {-60, -30}, {-30, 60}},
+                                   {{60, -30}, {30, 60}, {-60, 30}, {-30, -60}}};
+  for (int mirrored = 0; mirrored < 2; ++mirrored)
+    for (int rotate = 0; rotate < 4; ++rotate) {
+      SCOPED_TRACE(rotate + 10 * mirrored);
+      const int id = place({40000, 40000}, rotate, mirrored != 0);
+      const auto& o = offsets[mirrored][rotate];
+      const auto shift = [](int v) { return static_cast<std::int16_t>(500 + v); };
+      EXPECT_EQ(lines_of(cyan, 0, [&] { lb_display_one_inst(1, 1, id, draws); }),
+                (lines_t{{shift(o.x1), shift(o.y1), shift(o.x2), shift(o.y2)}}));
+      const auto diamond = lines_of(red, 0, [&] { lb_display_one_inst(1, 1, id, draws); });
+      ASSERT_EQ(diamond.size(), 4U);
+      int x = 0, y = 0;
+      for (const auto& edge : diamond) {
+        x += edge.x1;
+        y += edge.y1;
+      }
+      EXPECT_EQ(x / 4, 500 + pins[mirrored][rotate].x);
+      EXPECT_EQ(y / 4, 500 + pins[mirrored][rotate].y);
+    }
+}
+
+TEST_F(PlacedSymbol, SelectionIsOfBodyAndPinsApart) {
+  const int id = place({40000, 40000}, 0, false);
+  auto& text = add_text({1000, 8000}, "-", properties_);
+  text.gene.bounds = {0, -1000, 1200, 500};
+  gxm_grow_boxes(board.tree);
+  const auto draw = [&] { lb_display_one_inst(1, 1, id, draws); };
+  board.select(id);
+  EXPECT_EQ(lines_of(green, 3, draw).size(), 1U) << "the body";
+  EXPECT_EQ(lines_of(red, 0, draw).size(), 4U) << "not the pin";
+  EXPECT_EQ(lines_of(cyan, 0, draw).size(), 1U) << "not the text";
+  board.select(pinpropfam_);
+  EXPECT_EQ(lines_of(red, 0, draw).size(), 0U);
+  EXPECT_EQ(lines_of(green, 0, draw).size(), 4U);
+
+  lb_unselect_inst_prim(1, id);
+  EXPECT_EQ(lines_of(green, 0, draw).size() + lines_of(green, 3, draw).size(), 0U);
+  lb_select_inst_prim(1, id);
+  EXPECT_EQ(lines_of(green, 0, draw).size(), 5U) << "pin and text";
+
+  lb_delete_symbol_prim(1, symbol_);
+  expect_stop(draw, gx_code::object_id_invalid, "deleted: symbol_id");
+}
+
+// --- nets
+
+class DrawnNet : public PlacedSymbol {
+ protected:
+  DrawnNet() {
+    place({40000, 40000}, 0, false);  // its pin lies at (46000, 43000)
+    const int vertices = board.family(gx_type::vertex_family);
+    auto& vertex = gxm_add<gx_object_vertex_rec_t>(board.tree, vertices, {60000, 43000});
+    vertex_ = vertex.gene.object_id;
+    vertex.gene.bounds = {0, 0, 0, 0};
+    vertex.dotted = 1;
+    board.tree.file->dot_width = 300;
+    auto& net = gxm_add<gx_object_net_rec_t>(board.tree, board.family(gx_type::net_family), {});
+    net_ = net.gene.object_id;
+    net.gene.bounds = {40000, 40000, 60000, 60000};
+    add_segment();
+  }
+
+  gx_object_segment_rec_t& add_segment() {
+    auto& segment = gxm_add<gx_object_segment_rec_t>(board.tree, net_, {});
+    segment.vertex1 = static_cast<gx_object_id_t>(pinpropfam_);
+    segment.vertex2 = static_cast<gx_object_id_t>(vertex_);
+    segment.line_color = cyan;
+    return segment;
+  }
+  lines_t drawn(int color, int style = 0) {
+    return lines_of(color, style, [&] { gx_display_net(1, 1, net_, draws); });
+  }
+  auto dots(int color) {
+    const gx_batch_t batch;
+    gx_pen_flush();
+    gx_display_net(1, 1, net_, draws);
+    return gx_pen_kept_boxes(color);
+  }
+
+  int vertex_ = 0, net_ = 0;
+};
+
+TEST_F(DrawnNet, MarksTheLooseEndOfAStub) {
+  EXPECT_EQ(drawn(cyan), (lines_t{{560, 530, 700, 530}}));
+  EXPECT_EQ(dots(cyan), (std::vector<gx_bounds16_t>{{697, 527, 703, 533}}));
+  const auto mark = drawn(white);
+  ASSERT_EQ(mark.size(), 8U);
+  EXPECT_EQ(mark[0], (gx_line16_t{554, 530, 560, 536}));
+  EXPECT_EQ(mark[4], (gx_line16_t{553, 530, 560, 537}));
+
+  const auto set_name = [&](gx_object_property_rec_t& text, std::string_view name) {
+    std::copy(name.begin(), name.end(), text.name.char_);
+    text.name.len = static_cast<std::int32_t>(name.size());
+  };
+  auto& text = add_text({45000, 45000}, "-", net_);
+  set_name(text, "NETS");
+  EXPECT_EQ(drawn(white).size(), 8U) << "not the name of the net";
+  set_name(text, "net");
+  EXPECT_EQ(drawn(white).size(), 0U) << "a named net may end";
+  text.gene.status = gx_flag_deleted;
+  EXPECT_EQ(drawn(white).size(), 8U);
+  add_segment();
+  EXPECT_EQ(drawn(white).size(), 0U) << "two segments";
+}
+
+TEST_F(DrawnNet, ShowsSelection) {
+  board.select(vertex_);
+  EXPECT_EQ(drawn(green).size(), 5U) << "the mark of the vertex";
+  EXPECT_EQ(dots(green).size(), 1U);
+  lb_select_net(1, net_);
+  EXPECT_EQ(drawn(green, 3), (lines_t{{560, 530, 700, 530}}));
+  lb_unselect_net(1, net_);
+  EXPECT_EQ(drawn(cyan).size(), 1U);
+}
+
+TEST_F(DrawnNet, RefusesBadSegments) {
+  auto& segment = add_segment();
+  const auto stops = [&](gx_code code, const char* text) {
+    expect_stop([&] { drawn(cyan); }, code, text);
+  };
+  segment.vertex2 = 0;
+  stops(gx_code::object_id_invalid, "vertex2_id invalid !! : 0");
+  segment.vertex2 = static_cast<gx_object_id_t>(net_);
+  stops(gx_code::object_id_invalid, "vertex2_id invalid");
+  segment.vertex2 = static_cast<gx_object_id_t>(vertex_);
+  segment.line_width = 0;
+  stops(gx_code::invalid_line_2d, "line_width  invalid !! : 0");
+  segment.line_width = 1;
+  segment.line_style = 9;
+  stops(gx_code::invalid_style, "line style invalid");
+  segment.line_style = 0;
+  gx_object_id_ptr(board.file(), vertex_).status = gx_flag_deleted;
+  stops(gx_code::object_id_invalid, "vertex2_id deleted");
+  expect_stop([&] { gx_display_object(1, 1, net_, 0, true, draws, false); },
+              gx_code::invalid_level);
+}
+
+TEST_F(DrawnNet, HangsAProbeOnAVertex) {
+  gx_display_probe_rec_t probe;
+  probe.vertex = static_cast<gx_object_id_t>(vertex_);
+  probe.name.len = 2;
+  probe.name.char_[0] = probe.name.char_[1] = '-';
+  add_segment();
+  gx_net_info_ptr(board.file(), net_).ptrto_probe = &probe;
+  EXPECT_EQ(drawn(white), (lines_t{{700, 530, 750, 580}})) << "the box would cross the edge";
+  gx_object_id_ptr(board.file(), vertex_).origin.x = 50000;
+  const auto lines = drawn(white);
+  ASSERT_EQ(lines.size(), 1U + 4U + 2U);
+  EXPECT_EQ(lines[0], (gx_line16_t{600, 530, 650, 580}));
+  EXPECT_EQ(lines[2], (gx_line16_t{825, 580, 825, 680}));
+  EXPECT_EQ(lines[5].x1, 675) << "the name begins inside the box";
+}
+
+// --- grid and markers
+
+TEST(Grid, DotsVanishBeyondFortySteps) {
+  drawing_board board;
+  const auto dots = [&] {
+    auto& part = gx_vext.viewport[1].bounds_part;
+    part = {-1000, -1000, part.xmax, part.ymax};  // the frame's corner is in sight
+    const gx_batch_t batch;
+    gx_pen_flush();
+    gx_display_object(1, 1, board.file().grid_obj_id, 0, true, draws, false);
+    EXPECT_EQ(gx_pen_kept_lines(magenta, 0).size(), part.xmax > 10000 ? 2U : 0U)
+        << "the two sides in sight, dots or not";
+    return gx_pen_kept_boxes(white);
+  };
+  const auto shown = dots();
+  ASSERT_EQ(shown.size(), 15U * 15U) << "strictly inside window and frame";
+  EXPECT_EQ(shown[0], (gx_bounds16_t{160, 160, 161, 161}));
+  board.show(254);  // 204200 units: 40 steps of 5000
+  gx_grid_info_ptr(board.file(), board.file().grid_obj_id).opposite_pt = {300000, 300000};
+  EXPECT_FALSE(dots().empty());
+  board.show(257);
+  EXPECT_TRUE(dots().empty());
+  gx_grid_info_ptr(board.file(), board.file().grid_obj_id).step_point = 1;
+  board.show(1);
+  EXPECT_TRUE(dots().empty()) << "dots side by side are no grid";
+  gx_grid_info_ptr(board.file(), board.file().grid_obj_id).step_point = 0;
+  expect_stop([&] { gx_set_grid_visibility(1, 1); }, gx_code::page_obj_id_invalid, "grid_step < 1");
+}
+
+TEST(Markers, KeepAwayFromTheEdge) {
+  drawing_board board;
+  struct marker_case {
+    void (*draw)(gx_vpid_t, gx_pointreal_t);
+    int color;
+    std::size_t strokes;
+    int room;  // to the edge, in pixels
+  };
+  for (const auto& c : {marker_case{gx_display_cross, white, 10, 9},
+                        marker_case{gx_display_half_cross, white, 5, 9},
+                        marker_case{gx_display_selvertex, green, 5, 9},
+                        marker_case{gx_display_pin_nocon, white, 8, 7}}) {
+    const auto at = [&](int pixels) {
+      return lines_of(c.color, 0, [&] { c.draw(1, {pixels * 100, 40000}); }).size();
+    };
+    EXPECT_EQ(at(c.room), 0U);
+    EXPECT_EQ(at(c.room + 1), c.strokes);
+    EXPECT_EQ(at(800 - c.room - 1), c.strokes);
+    EXPECT_EQ(at(800 - c.room), 0U);
+    gx_vext.viewport_edit = 0;
+    EXPECT_EQ(at(400), 0U) << "only pictures bear marks";
+    gx_vext.viewport_edit = 1;
+  }
+  EXPECT_EQ(lines_of(white, 0, [] { gx_display_half_cross(1, {40000, 40000}); })[0],
+            (gx_line16_t{500, 500, 496, 508}));
+}
+}  // namespace

@@ -1,0 +1,119 @@
+// The scroll-back of the message list and what the session file gets.
+#include "gx/display/list_viewport.h"
+
+#include <cstdio>
+
+#include "gx/display/cmd_viewport.h"
+#include "gx/display/stroke_text.h"
+#include "gx/text/strings.h"
+#include "tests/support/drawing_board.h"
+#include "tests/support/scratch_directory.h"
+
+namespace {
+class ListViewport : public ::testing::Test {
+ protected:
+  ListViewport() {
+    auto& v = gx_vext;
+    v.nb_line_in_listviewp = 7;
+    v.nb_list_line_max = 500;
+    v.viewport_list = v.viewport_cmd = 1;
+    v.list_step = 20;
+    v.list_color = v.cmd_color = 7;
+    v.cmd_height = 10;
+    v.cmd_step = 12;
+    gx_setarray_hortext();
+    path_ = directory_.path() / "session";
+    v.cursessfile = std::fopen(path_.c_str(), "w");
+  }
+  ~ListViewport() override { std::fclose(gx_vext.cursessfile); }
+
+  std::string session() {
+    std::fflush(gx_vext.cursessfile);
+    return read_file(path_);
+  }
+  static std::string line(int n) {
+    return std::string(gx_view(gx_vext.line_list[static_cast<std::size_t>(n - 1)]));
+  }
+
+  drawing_board board_;
+  scratch_directory directory_;
+  std::filesystem::path path_;
+};
+
+TEST_F(ListViewport, KeepsAndScrolls) {
+  gx_display_list("");
+  EXPECT_EQ(gx_vext.nlinlist_end, 0);
+  for (int i = 1; i <= 10; ++i) gx_display_list("line " + std::to_string(i));
+  EXPECT_EQ(gx_vext.nlinlist_end, 10);
+  EXPECT_EQ(gx_vext.nlinlist_disp, 4);
+  gx_upd_display_list(false);
+  EXPECT_EQ(gx_vext.nlinlist_disp, 4) << "the last page is the end";
+  for (int i = 0; i < 9; ++i) gx_upd_display_list(true);
+  EXPECT_EQ(gx_vext.nlinlist_disp, 1);
+  gx_upd_display_list(false);
+  EXPECT_EQ(gx_vext.nlinlist_disp, 2);
+}
+
+TEST_F(ListViewport, LongLinesTakeTwoSlotsAndTheOldestGo) {
+  gx_display_list(std::string(60, 'a'));
+  EXPECT_EQ(gx_vext.nlinlist_end, 1);
+  gx_display_list(std::string(61, 'b'));
+  EXPECT_EQ(gx_vext.nlinlist_end, 3);
+  EXPECT_EQ(line(2), "");
+  EXPECT_EQ(line(3), std::string(61, 'b'));
+  for (int i = 4; i <= 500; ++i) gx_display_list(std::to_string(i));
+  EXPECT_EQ(line(1), std::string(60, 'a'));
+  gx_display_list("501");
+  EXPECT_EQ(gx_vext.nlinlist_end, 500);
+  EXPECT_EQ(line(500), "501");
+  EXPECT_EQ(line(499), "500");
+  EXPECT_EQ(line(2), std::string(61, 'b'));
+  gx_display_list(std::string(198, 'c') + "\x07\x80z");
+  EXPECT_EQ(line(500), std::string(198, 'c') + " ") << "cut at 199, blanks for the rest";
+  EXPECT_EQ(line(498), "501");
+}
+
+TEST_F(ListViewport, TheSessionFileGetsAllTheListOnlyTheTranscript) {
+  gx_vext.transcript_state = false;
+  gx_display_list("hidden");
+  gx_vext.transcript_state = true;
+  gx_display_list("shown");
+  EXPECT_EQ(session(), "hidden\nshown\n");
+  EXPECT_EQ(gx_vext.nlinlist_end, 1);
+
+  gx_vext.nb_list_line_max = 0;  // before the application set a size
+  gx_display_list("nowhere to keep it");
+  EXPECT_EQ(gx_vext.nlinlist_end, 1);
+}
+
+TEST_F(ListViewport, ShowsTextFiles) {
+  const auto file = directory_.path() / "notes";
+  write_file(file, "first\n\nthird");
+  EXPECT_TRUE(gx_display_file_invplist(file.string()));
+  EXPECT_EQ(session(), "# \"first\" \n# \"\" \n# \"third\" \n");
+  EXPECT_EQ(line(3), "# \"third\" ");
+  EXPECT_FALSE(gx_display_file_invplist(path_.string())) << "it would never end";
+  EXPECT_FALSE(gx_display_file_invplist(directory_.path().string()));
+  EXPECT_FALSE(gx_display_file_invplist((directory_.path() / "absent").string()));
+}
+
+TEST_F(ListViewport, DrawsThePageInSight) {
+  for (int i = 0; i < 9; ++i) gx_display_list(i < 2 ? "----" : "-");
+  EXPECT_EQ(lines_of(7, 0, [] { gx_regen_display_list(); }).size(), 1U)
+      << "each line clears behind it and is sent before the next";
+}
+
+TEST_F(ListViewport, DrawsTheCommandLine) {
+  gx_vext.viewport_list = 0;  // the viewport is the command line's alone
+  gx_vext.istart_cmd = 4;
+  const auto command = lines_of(7, 0, [] { gx_display_cmd("-"); });
+  EXPECT_EQ(command.size(), 11U) << "\"d >-\"";
+  gx_vext.istart_cmd = 1;
+  gx_vext.str_cmd = gx_string("ab");
+  const auto typed = lines_of(7, 0, [] { gx_display_cmd_part("-"); });
+  ASSERT_EQ(typed.size(), 1U);
+  EXPECT_EQ(typed[0].x1, 100 + 8 * 12) << "behind the prompt of 6 and 2 characters";
+  gx_vext.str_cmd = gx_string(std::string(54, 'a'));
+  EXPECT_TRUE(lines_of(7, 0, [] { gx_display_cmd_part("-"); }).empty());
+}
+}  // namespace

@@ -1,0 +1,112 @@
+#include "gx/display/stroke_text.h"
+
+#include <set>
+
+#include "tests/support/drawing_board.h"
+#include "tests/unit/fatal_stop.h"
+
+namespace {
+constexpr int color = 7;
+
+void set_size(std::int16_t height, std::int16_t step) {
+  gx_vext.cmd_height = height;
+  gx_vext.cmd_step = step;
+  gx_setarray_hortext();
+}
+
+std::vector<gx_line16_t> screen_text(std::string_view text, int istart = 1) {
+  return lines_of(color, 0, [&] { gx_hortext(1, text, istart, 200, 300, true, color); });
+}
+
+std::vector<gx_line16_t> sheet_text(std::string_view text, int height, int rotation) {
+  return lines_of(color, 0, [&] { gx_text(1, text, 400, 500, height, rotation, color); });
+}
+
+using points_t = std::vector<std::pair<int, int>>;
+
+std::vector<points_t> strokes_of(char c) {
+  std::vector<points_t> strokes;
+  for (const auto stroke : gx_glyph(c)) {
+    strokes.emplace_back();
+    for (const auto p : stroke) strokes.back().emplace_back(p.x, p.y);
+  }
+  return strokes;
+}
+
+TEST(StrokeFont, EveryCharacterHasALookOfItsOwnAtTheUsualSize) {
+  drawing_board board;
+  set_size(10, 12);
+  EXPECT_EQ(strokes_of('!'), (std::vector<points_t>{{{0, 1000}, {0, 300}}, {{0, 150}, {0, 0}}}));
+  EXPECT_EQ(strokes_of('"'),
+            (std::vector<points_t>{{{250, 1000}, {250, 800}}, {{550, 1000}, {550, 800}}}));
+  EXPECT_EQ(strokes_of('#'), (std::vector<points_t>{{{100, 0}, {200, 1000}},
+                                                    {{400, 0}, {500, 1000}},
+                                                    {{0, 400}, {600, 400}},
+                                                    {{0, 600}, {600, 600}}}));
+  std::set<std::vector<std::vector<std::pair<int, int>>>> looks;
+  for (char c = '!'; c <= '~'; ++c) {
+    std::vector<points_t> look;
+    for (const auto& stroke : gx_scaled_glyph(c)) {
+      look.emplace_back();
+      for (const auto p : stroke) {
+        look.back().emplace_back(p.x, p.y);
+        EXPECT_TRUE(p.x >= 0 && p.x <= 10 && p.y >= 0 && p.y <= 10) << c;
+      }
+    }
+    EXPECT_TRUE(look.size() >= 1 && look.size() <= 4) << c;
+    looks.insert(look);
+  }
+  EXPECT_EQ(looks.size(), 94U);
+  for (const char c : {' ', '\n', '\x7f', '\xe9'}) EXPECT_TRUE(gx_glyph(c).empty());
+}
+
+TEST(StrokeFont, ScalesOnceForTheScreen) {
+  drawing_board board;
+  gx_setarray_hortext();
+  EXPECT_EQ(gx_vext.coef_charh, 0) << "no size yet";
+  set_size(13, 14);
+  EXPECT_EQ(gx_vext.coef_charh, 76);
+  EXPECT_EQ(gx_vext.coef_chars, 85);
+  EXPECT_EQ(screen_text("!"), (std::vector<gx_line16_t>{{200, 300, 200, 310}, {200, 312, 200, 313}}));
+}
+
+TEST(ScreenText, ShowsSixtyCharactersFromTheFirstAskedFor) {
+  drawing_board board;
+  set_size(10, 12);
+  const std::string long_text = std::string(60, '-') + "0123456789";
+  EXPECT_EQ(screen_text(long_text).size(), 60U);
+  EXPECT_EQ(screen_text(long_text), screen_text(long_text.substr(0, 60)));
+  EXPECT_EQ(screen_text(long_text, 70).size(), screen_text("9").size());
+  EXPECT_TRUE(screen_text(long_text, 71).empty());
+  // What has no glyph advances like a blank.
+  EXPECT_EQ(screen_text("\x01\xff -"), screen_text("   -"));
+  EXPECT_EQ(screen_text("   -")[0].x1, 236);
+}
+
+TEST(SheetText, ReadsInFourDirections) {
+  drawing_board board;
+  // At 10 pixels "L" is a stroke of 10 up and one of 6 along; the second one stands 12 further.
+  EXPECT_EQ(sheet_text("L", 10, 0),
+            (std::vector<gx_line16_t>{{400, 490, 400, 500}, {400, 500, 406, 500}}));
+  EXPECT_EQ(sheet_text("L", 10, 2), sheet_text("L", 10, 0));
+  EXPECT_EQ(sheet_text(" L", 10, 1),
+            (std::vector<gx_line16_t>{{390, 488, 400, 488}, {400, 488, 400, 482}}));
+  EXPECT_EQ(sheet_text(" L", 10, 3),
+            (std::vector<gx_line16_t>{{410, 512, 400, 512}, {400, 512, 400, 518}}));
+}
+
+TEST(SheetText, LeavesOutWhatDoesNotFit) {
+  drawing_board board;
+  EXPECT_TRUE(sheet_text("AB", 1001, 0).empty()) << "higher than the window";
+  EXPECT_TRUE(sheet_text(std::string(60, 'A'), 17, 0).empty()) << "wider than the window";
+  EXPECT_FALSE(sheet_text(std::string(60, 'A'), 16, 0).empty());
+  EXPECT_FALSE(sheet_text("A", 0, 0).empty()) << "tiny text is a row of dots";
+  EXPECT_FALSE(sheet_text("A", -5, 0).empty());
+  // Characters that begin beyond the clip window are skipped, strokes kept within it.
+  const auto lines = lines_of(color, 0, [] { gx_text(1, "HHHH", 870, 500, 20, 0, color); });
+  EXPECT_EQ(lines.size(), 6U);
+  for (const auto& line : lines) EXPECT_LE(std::max(line.x1, line.x2), 900);
+  const std::vector<gx_point16_t> many(257);
+  expect_stop([&] { gx_polyline_2d16(many, 1); }, gx_code::invalid_polyline_2d);
+}
+}  // namespace
