@@ -56,6 +56,7 @@ struct gx_pen_t {
   std::array<group_t, nb_of_groups> groups;
   std::vector<int> groups_used;  // in the order of first use
   std::array<std::vector<XRectangle>, gx_nb_of_colors> boxes;
+  std::vector<int> boxes_used;  // colours, in the order of first use
 
   // What the graphics context holds; -1: not known.
   int gc_color = -1;
@@ -102,13 +103,13 @@ void forget(gx_pen_t& p) {
     group.arcs.clear();
   }
   p.groups_used.clear();
-  for (auto& boxes : p.boxes) boxes.clear();
+  for (const int color : p.boxes_used) p.boxes[static_cast<std::size_t>(color)].clear();
+  p.boxes_used.clear();
 }
 
 void send(gx_pen_t& p) {
-  for (int color = 0; color < gx_nb_of_colors; ++color) {
+  for (const int color : p.boxes_used) {
     auto& boxes = p.boxes[static_cast<std::size_t>(color)];
-    if (boxes.empty()) continue;
     use_color(p, color);
     XFillRectangles(gx_vext.dpy, gx_vext.win, gx_vext.our_gc, boxes.data(),
                     static_cast<int>(boxes.size()));
@@ -162,8 +163,11 @@ void gx_pen_arc(int color, int style, const gx_arc16_t& arc) {
 
 void gx_pen_box(int color, int x, int y, int width, int height) {
   if (width < 1 || height < 1) return;
-  pen().boxes[static_cast<std::size_t>(sound_color(color))].push_back(
-      {to_short(x), to_short(y), to_size(width), to_size(height)});
+  auto& p = pen();
+  color = sound_color(color);
+  auto& boxes = p.boxes[static_cast<std::size_t>(color)];
+  if (boxes.empty()) p.boxes_used.push_back(color);
+  boxes.push_back({to_short(x), to_short(y), to_size(width), to_size(height)});
 }
 
 void gx_pen_flush() {
