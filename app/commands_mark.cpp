@@ -30,9 +30,11 @@ std::optional<mark_t> wanted_mark(std::string_view refused, const kv_command_t& 
   return std::nullopt;
 }
 
-// The point becomes the object position, and the pointer goes there.
+// The point becomes the object position, and the pointer goes there: what follows in a command file
+// finds it in that viewport.
 void move_to(const mark_t& mark) {
   gx_vext.obj_pos = mark.point;
+  gx_vext.viewport_id = mark.view.vpid;
   if (!gx_viewport_ok(mark.view.vpid)) return;
   gx_vext.pixel_pos = gx_viewport_pt_real_to_pixel(mark.view.vpid, mark.point);
   gx_cursor_set_position(gx_vext.pixel_pos);

@@ -156,10 +156,11 @@ TEST_F(selecting, MarkedRectangleEndsAtTheObjectPosition) {
        {"# MARK edit 9 9 ", "# !! Error : Invalid point (outside of page ...)  ? "}},
       {"mark rect edit 1",
        {"# MARK RECTangle edit 1 ", "# !! Error : parameter number invalid ? "}},
-      {"mark edit 1", {"# MARK edit 1 ", "# !! Error :  No sheet available in window ? "}},
+      {"mark edit 1 2 3 4", {"# MARK edit 1 2 3 4 ", "# !! Error : parameter number invalid ? "}},
   };
+  s.run("mark rect context 0.1 0.1; mark context 0.5 0.6");
+  EXPECT_EQ(s.run("unselect area all"), lines_t{" UNSelect AREa  Context all "});
   kv_pext.file_id_context = 0;
-  refused[3].lines = {"# MARK edit 1 ", "# !! Error : parameter number invalid ? "};
   for (const auto& c : refused) EXPECT_EQ(s.run(c.command), c.lines) << c.command;
   EXPECT_EQ(s.run("mark context 1 1").back(), "# !! Error :  No sheet available in window ? ");
 }
