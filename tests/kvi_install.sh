@@ -1,0 +1,35 @@
+#!/bin/bash
+# Installs libkvi from a build folder and builds a client against it in the three ways a user may:
+# with the CMake package, and with pkg-config, shared and static.
+#   kvi_install.sh BUILD SOURCE
+set -e
+build=$1 source=$2
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cmake --install "$build" --component kvi --prefix "$work/prefix" >/dev/null
+client=$source/examples/spice_export
+
+cmake -S "$client" -B "$work/cmake" -DCMAKE_PREFIX_PATH="$work/prefix" >/dev/null
+cmake --build "$work/cmake" >/dev/null
+
+PKG_CONFIG_PATH=$(dirname "$(find "$work/prefix" -name kvi.pc)")
+export PKG_CONFIG_PATH
+LD_LIBRARY_PATH=$(pkg-config --variable=libdir kvi)
+export LD_LIBRARY_PATH
+mkdir "$work/shared" "$work/static"
+# shellcheck disable=SC2046
+cc -Wall -Werror "$client/spice_export.c" -o "$work/shared/spice_export" \
+  $(pkg-config --cflags --libs kvi)
+# shellcheck disable=SC2046
+cc -Wall -Werror "$client/spice_export.c" -o "$work/static/spice_export" \
+  $(pkg-config --cflags kvi) "$LD_LIBRARY_PATH/libkvi.a" -lstdc++ -lm
+
+# Each answers about a damaged file by itself, so each really runs.
+cd "$work"
+mkdir design
+cp "$source/fuzz/corpus/kvi/half_written" design/design_kv
+for way in cmake shared static; do
+  answer=$("$work/$way/spice_export" design 2>&1) && exit 1
+  [[ $answer == "spice_export: design/design_kv is no whole design file" ]] || {
+    echo "$way: $answer"; exit 1; }
+done
