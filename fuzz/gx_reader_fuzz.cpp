@@ -24,7 +24,8 @@ int count_below(const gx_file_gene_recf_t& file, int id) {
 
 void query_instance(const gx_file_gene_recf_t& file, int inst) {
   lb_get_valueof_prop_inst(file, inst, "INST");
-  gx_get_path_n0version(gx_view(gx_symbol_info_ptr(file, gx_instance_info_ptr(file, inst).symbol).path));
+  gx_get_path_n0version(
+      gx_view(gx_symbol_info_ptr(file, gx_instance_info_ptr(file, inst).symbol).path));
   for (auto pins = lb_inq_inst_first_pin_id(file, inst); pins;
        pins = lb_inq_inst_next_pin_id(file, pins)) {
     lb_get_valueof_prop_pin(file, pins.pin, "PIN");

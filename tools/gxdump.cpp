@@ -37,10 +37,16 @@ void print_field(const void* record, const gx_field_t& field) {
     }
     case gx_kind::string:
     case gx_kind::name:
-    case gx_kind::value: print_text(gx_field_text(record, field)); break;
+    case gx_kind::value:
+      print_text(gx_field_text(record, field));
+      break;
     case gx_kind::points5:
-    case gx_kind::points16: print_points(gx_field_points(record, field)); break;
-    default: std::printf("%d", gx_field_number(record, field)); break;
+    case gx_kind::points16:
+      print_points(gx_field_points(record, field));
+      break;
+    default:
+      std::printf("%d", gx_field_number(record, field));
+      break;
   }
   std::putchar('\n');
 }

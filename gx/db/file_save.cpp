@@ -28,8 +28,7 @@ void map_ids(void* record, gx_fields_t fields, const source_to_target_t& map) {
 }
 
 // Copies an object, links as they are, under the next free id of the target; gives that id.
-gx_object_id_t gx_object_copy_bye(const gx_object_gene_rec_t& source,
-                                  gx_file_gene_recf_t& target) {
+gx_object_id_t gx_object_copy_bye(const gx_object_gene_rec_t& source, gx_file_gene_recf_t& target) {
   auto& copy = gx_new_object(target, source.object_type);
   std::memcpy(static_cast<void*>(&copy), &source, gx_record_size(source.object_type));
   target.ptr_to_ar_objindex.push_back(&copy);

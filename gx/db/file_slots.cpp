@@ -15,9 +15,9 @@ namespace {
 
 // What differs between the messages of open and of reopen.
 struct operation_t {
-  const char* name;        // "open file", "reopen file"
-  const char* refused;     // of a data file that cannot be opened
-  const char* letter;      // of a deleted object
+  const char* name;     // "open file", "reopen file"
+  const char* refused;  // of a data file that cannot be opened
+  const char* letter;   // of a deleted object
 };
 constexpr operation_t op_open{"open file", "!!! file_open  file not opened : ", "O"};
 constexpr operation_t op_reopen{"reopen file", "!!! file_reopen  file not reopen : ", "R"};
@@ -132,7 +132,8 @@ gx_load_t load_version(const gx_file_version_t& names) {
                op.letter, load.object_id, load.value, gx_flag_deleted);
       break;
     case gx_load_fault::none:
-    case gx_load_fault::other: break;
+    case gx_load_fault::other:
+      break;
   }
   std::printf("!! error in %s : %s\n", op.name, load.message.c_str());
   gx_set_status(load.code);
@@ -145,8 +146,8 @@ bool same_file(const gx_file_io_rec_t& slot, const gx_file_version_t& names) {
 void check_reopen(gx_file_index_t file_index, std::string_view dirname) {
   check_initialised();
   if (file_index > gx_vext.num_file_open) {
-    report(" ## error in open file (too_many_files) = ", " !! error in open file (too_many_files) = ",
-           dirname);
+    report(" ## error in open file (too_many_files) = ",
+           " !! error in open file (too_many_files) = ", dirname);
     gx_set_status(gx_code::too_many_files);
   }
   if (file_index < 1) gx_set_status(gx_code::file_id_invalid);
@@ -158,8 +159,8 @@ gx_file_index_t gx_file_open(std::string_view dirname, std::string_view filetype
   const auto checked_dirname = gx_string(dirname);
   const auto checked_filetype = gx_string(filetype);
   check_initialised();
-  const auto file_index = reserve_slot(" ## error in open file = ",
-                                       " !! error in open file (too_many_files) = ", dirname);
+  const auto file_index = reserve_slot(
+      " ## error in open file = ", " !! error in open file (too_many_files) = ", dirname);
   const auto names = gx_file_get_file_version(gx_view(checked_dirname), gx_view(checked_filetype));
   put_names(slot_of(file_index), dirname, filetype, names);
   if (!names.found) {
@@ -183,8 +184,8 @@ gx_file_index_t gx_file_try_open(std::string_view dirname, std::string_view file
     why = load.message;
     return 0;
   }
-  const auto file_index = reserve_slot(" ## error in open file = ",
-                                       " !! error in open file (too_many_files) = ", dirname);
+  const auto file_index = reserve_slot(
+      " ## error in open file = ", " !! error in open file (too_many_files) = ", dirname);
   put_names(slot_of(file_index), dirname, filetype, names);
   if (names.found) {
     put_file(file_index, std::move(load.file));
@@ -244,9 +245,8 @@ bool gx_file_try_reopen(gx_file_index_t file_index, std::string_view dirname,
 }
 
 gx_file_index_t gx_file_create_bye(std::string_view data_path) {
-  const auto file_index =
-      reserve_slot(" ## error in create file = ", " !! error in create file (too_many_files)= ",
-                   data_path);
+  const auto file_index = reserve_slot(
+      " ## error in create file = ", " !! error in create file (too_many_files)= ", data_path);
   auto& slot = slot_of(file_index);
   slot.file_pathname = gx_string(data_path);
   slot.file_io_id = gx_popen_file(data_path, 'W', false);

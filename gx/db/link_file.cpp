@@ -34,9 +34,7 @@ gx_parsed<std::int16_t> version_of(std::string_view digits) {
   return gx_string_to_int16(digits);
 }
 
-std::string_view after_first(std::string_view text) {
-  return text.empty() ? text : text.substr(1);
-}
+std::string_view after_first(std::string_view text) { return text.empty() ? text : text.substr(1); }
 
 // The last "/" that a name beginning with S or s follows: it ends the directory of a data path.
 std::size_t directory_end(std::string_view path) {
@@ -55,7 +53,8 @@ std::string_view directory_of(std::string_view path) {
 std::size_t last_gx_suffix(std::string_view path) {
   constexpr std::string_view suffix = ".gx_";
   for (std::size_t i = path.size(); i-- > 0;) {
-    if (path.size() - i >= suffix.size() && gx_iden(path.substr(i, suffix.size()), suffix)) return i;
+    if (path.size() - i >= suffix.size() && gx_iden(path.substr(i, suffix.size()), suffix))
+      return i;
   }
   return std::string_view::npos;
 }
@@ -86,8 +85,8 @@ gx_string_record_t data_path_of(const gx_string_record_t& link_path,
 gx_file_version_t gx_file_get_file_version(std::string_view dirname, std::string_view filetype) {
   gx_file_version_t names;
   names.link_pathname = link_path_of(dirname, filetype);
-  names.found = gx_read_gx_link(gx_view(names.link_pathname), names.link_value) &&
-                names.link_value.len > 0;
+  names.found =
+      gx_read_gx_link(gx_view(names.link_pathname), names.link_value) && names.link_value.len > 0;
   if (names.found) {
     const auto number = version_of(after_first(gx_view(names.link_value)));
     names.valid = !number.error;

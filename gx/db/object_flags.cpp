@@ -50,8 +50,7 @@ bool gx_inq_object_fixed(const gx_file_gene_recf_t& file, int id) {
 }
 
 void gx_set_object_selected(const gx_file_gene_recf_t& file, int id, bool on) {
-  put_flag_with_undo(file, id, gx_flag_selected, on, gx_undo_op::selected,
-                     gx_undo_op::unselected);
+  put_flag_with_undo(file, id, gx_flag_selected, on, gx_undo_op::selected, gx_undo_op::unselected);
 }
 void gx_set_object_temporary(const gx_file_gene_recf_t& file, int id, bool on) {
   put_flag(file, id, gx_flag_temporary, on);

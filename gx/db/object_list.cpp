@@ -44,7 +44,9 @@ void list_field(std::FILE* out, const void* record, const gx_field_t& field) {
         std::fprintf(out, "%d  %d  ", point.x, point.y);
       }
       break;
-    default: std::fprintf(out, "%d", gx_field_number(record, field)); break;
+    default:
+      std::fprintf(out, "%d", gx_field_number(record, field));
+      break;
   }
   std::fputc('\n', out);
 }

@@ -100,11 +100,13 @@ bool read_field(reader_t& in, void* record, const gx_field_t& field) {
     auto& box = gx_member<gx_boundsreal_t>(record, field);
     for (auto* side : {&box.xmin, &box.ymin, &box.xmax, &box.ymax}) *side = read_i32(in);
   } else if constexpr (Kind == string) {
-    return read_text(in, gx_member<gx_string_record_t>(record, field), gx_kind_capacity(Kind), After);
+    return read_text(in, gx_member<gx_string_record_t>(record, field), gx_kind_capacity(Kind),
+                     After);
   } else if constexpr (Kind == name) {
     return read_text(in, gx_member<gx_name_record_t>(record, field), gx_kind_capacity(Kind), After);
   } else if constexpr (Kind == value) {
-    return read_text(in, gx_member<gx_value_record_t>(record, field), gx_kind_capacity(Kind), After);
+    return read_text(in, gx_member<gx_value_record_t>(record, field), gx_kind_capacity(Kind),
+                     After);
   } else if constexpr (Kind == points5) {
     for (auto& p : gx_member<std::array<gx_pointreal_t, 5>>(record, field)) read_point(in, p);
   } else if constexpr (Kind == points16) {
@@ -133,7 +135,9 @@ void read_fields(reader_t& in, void* record) {
 
 template <std::size_t Type>
 struct read_tail_of {
-  static void call(reader_t& in, void* record) { read_fields<gx_tables::tail_of<Type>>(in, record); }
+  static void call(reader_t& in, void* record) {
+    read_fields<gx_tables::tail_of<Type>>(in, record);
+  }
 };
 constexpr auto& read_tail = gx_by_type<void (*)(reader_t&, void*), read_tail_of>;
 
@@ -168,8 +172,7 @@ gx_load_t read_object(reader_t& in, gx_file_gene_recf_t& file, int id, std::stri
   if (in.is_short) return refused_kind(name, id, -1, "the file ends early");
   const auto type = static_cast<std::int16_t>(general.object_type);
   if (!gx_type_ok(type)) {
-    return refused_kind(name, id, type,
-                        "record type " + std::to_string(type) + " does not exist");
+    return refused_kind(name, id, type, "record type " + std::to_string(type) + " does not exist");
   }
   auto& object = gx_new_object(file, general.object_type);
   object = general;
@@ -210,8 +213,8 @@ bool read_all(int descriptor, std::string& bytes) {
   bytes.resize(std::min(static_cast<std::size_t>(info.st_size), max_file_size));
   std::size_t got = 0;
   while (got < bytes.size()) {
-    const ssize_t n = pread(descriptor, bytes.data() + got, bytes.size() - got,
-                            static_cast<off_t>(got));
+    const ssize_t n =
+        pread(descriptor, bytes.data() + got, bytes.size() - got, static_cast<off_t>(got));
     if (n < 0) return false;
     if (n == 0) break;
     got += static_cast<std::size_t>(n);
@@ -235,8 +238,12 @@ void write_bytes(std::string& out, std::uint32_t v, std::size_t size) {
   if constexpr (std::endian::native == std::endian::little) v = __builtin_bswap32(v);
   out.append(reinterpret_cast<const char*>(&v) + sizeof v - size, size);
 }
-void write_i16(std::string& out, std::int16_t v) { write_bytes(out, static_cast<std::uint16_t>(v), 2); }
-void write_i32(std::string& out, std::int32_t v) { write_bytes(out, static_cast<std::uint32_t>(v), 4); }
+void write_i16(std::string& out, std::int16_t v) {
+  write_bytes(out, static_cast<std::uint16_t>(v), 2);
+}
+void write_i32(std::string& out, std::int32_t v) {
+  write_bytes(out, static_cast<std::uint32_t>(v), 4);
+}
 
 void write_point(std::string& out, const gx_pointreal_t& point) {
   write_i32(out, point.x);
@@ -247,19 +254,27 @@ void write_fields(std::string& out, const void* record, gx_fields_t fields) {
   for (const auto& field : fields) {
     switch (field.kind) {
       case gx_kind::i16:
-      case gx_kind::id: write_i16(out, gx_number<std::int16_t>(record, field)); break;
+      case gx_kind::id:
+        write_i16(out, gx_number<std::int16_t>(record, field));
+        break;
       case gx_kind::i16_le: {
         const auto v = static_cast<std::uint16_t>(gx_number<std::int16_t>(record, field));
         write_bytes(out, __builtin_bswap16(v), 2);
         break;
       }
-      case gx_kind::i32: write_i32(out, gx_number<std::int32_t>(record, field)); break;
+      case gx_kind::i32:
+        write_i32(out, gx_number<std::int32_t>(record, field));
+        break;
       case gx_kind::u8:
-      case gx_kind::flag: write_bytes(out, gx_number<std::uint8_t>(record, field), 1); break;
+      case gx_kind::flag:
+        write_bytes(out, gx_number<std::uint8_t>(record, field), 1);
+        break;
       case gx_kind::real:
         write_bytes(out, std::bit_cast<std::uint32_t>(gx_number<float>(record, field)), 4);
         break;
-      case gx_kind::point: write_point(out, gx_member<gx_pointreal_t>(record, field)); break;
+      case gx_kind::point:
+        write_point(out, gx_member<gx_pointreal_t>(record, field));
+        break;
       case gx_kind::bounds: {
         const auto& box = gx_member<gx_boundsreal_t>(record, field);
         for (const auto side : {box.xmin, box.ymin, box.xmax, box.ymax}) write_i32(out, side);
@@ -277,7 +292,9 @@ void write_fields(std::string& out, const void* record, gx_fields_t fields) {
       case gx_kind::points16:
         for (const auto& point : gx_field_points(record, field)) write_point(out, point);
         break;
-      case gx_kind::zeros4: write_i32(out, 0); break;
+      case gx_kind::zeros4:
+        write_i32(out, 0);
+        break;
     }
   }
 }

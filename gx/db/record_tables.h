@@ -20,7 +20,7 @@
 // How a field is coded in the file. Numbers are big-endian unless the name says otherwise.
 enum class gx_kind : std::uint8_t {
   i16,
-  i16_le,    // low byte first
+  i16_le,  // low byte first
   i32,
   u8,
   flag,      // U8 that holds 0 or 1
@@ -53,20 +53,27 @@ using gx_fields_t = std::span<const gx_field_t>;
 constexpr std::size_t gx_kind_size(gx_kind kind) {
   switch (kind) {
     case gx_kind::u8:
-    case gx_kind::flag: return 1;
+    case gx_kind::flag:
+      return 1;
     case gx_kind::i16:
     case gx_kind::i16_le:
-    case gx_kind::id: return 2;
+    case gx_kind::id:
+      return 2;
     case gx_kind::i32:
     case gx_kind::real:
     case gx_kind::string:
     case gx_kind::name:
     case gx_kind::value:
-    case gx_kind::zeros4: return 4;
-    case gx_kind::point: return 8;
-    case gx_kind::bounds: return 16;
-    case gx_kind::points5: return 5 * 8;
-    case gx_kind::points16: return 16 * 8;
+    case gx_kind::zeros4:
+      return 4;
+    case gx_kind::point:
+      return 8;
+    case gx_kind::bounds:
+      return 16;
+    case gx_kind::points5:
+      return 5 * 8;
+    case gx_kind::points16:
+      return 16 * 8;
   }
   return 0;
 }
@@ -74,10 +81,14 @@ constexpr std::size_t gx_kind_size(gx_kind kind) {
 // Longest text of a kind; 0 for the kinds that are no text.
 constexpr std::int32_t gx_kind_capacity(gx_kind kind) {
   switch (kind) {
-    case gx_kind::string: return gx_max_string_length - 1;
-    case gx_kind::name: return 64;
-    case gx_kind::value: return 96;
-    default: return 0;
+    case gx_kind::string:
+      return gx_max_string_length - 1;
+    case gx_kind::name:
+      return 64;
+    case gx_kind::value:
+      return 96;
+    default:
+      return 0;
   }
 }
 
@@ -253,8 +264,10 @@ constexpr std::array<gx_field_t, 6> polyline_fields_of(gx_kind points) {
       {"fin", gx_kind::i16, offsetof(Rec, fin)},
   }};
 }
-inline constexpr auto polyline5_fields = polyline_fields_of<gx_object_polyline5_rec_t>(gx_kind::points5);
-inline constexpr auto polyline_fields = polyline_fields_of<gx_object_polyline_rec_t>(gx_kind::points16);
+inline constexpr auto polyline5_fields =
+    polyline_fields_of<gx_object_polyline5_rec_t>(gx_kind::points5);
+inline constexpr auto polyline_fields =
+    polyline_fields_of<gx_object_polyline_rec_t>(gx_kind::points16);
 
 using rectangle_t = gx_object_rectangle_rec_t;
 inline constexpr gx_field_t rectangle_fields[] = {
@@ -374,14 +387,16 @@ template <const auto& Fields, typename Visit>
 constexpr void gx_unroll_fields(Visit&& visit) {
   [&]<std::size_t... I>(std::index_sequence<I...>) {
     (visit(std::integral_constant<std::size_t, I>{}), ...);
-  }(std::make_index_sequence<std::size(Fields)>{});
+  }
+  (std::make_index_sequence<std::size(Fields)>{});
 }
 
 // One function for each type code, from a template over the code.
 template <typename Function, template <std::size_t> typename For>
 inline constexpr auto gx_by_type = []<std::size_t... Type>(std::index_sequence<Type...>) {
   return std::array<Function, sizeof...(Type)>{For<Type>::call...};
-}(std::make_index_sequence<gx_max_type + 1>{});
+}
+(std::make_index_sequence<gx_max_type + 1>{});
 
 // The member of `record` that `field` describes: a point, a box or a text.
 template <typename Member>

@@ -70,16 +70,22 @@ bool refers_well(const gx_file_gene_recf_t& file, int id) {
   if (Refers == any || id == 0) return true;
   const auto& object = object_of(file, id);
   switch (Refers) {
-    case instance: return object.object_type == gx_type::instance;
-    case symbol: return object.object_type == gx_type::symbol;
-    case net: return object.object_type == gx_type::net;
+    case instance:
+      return object.object_type == gx_type::instance;
+    case symbol:
+      return object.object_type == gx_type::symbol;
+    case net:
+      return object.object_type == gx_type::net;
     case net_end:
       return object.object_type == gx_type::vertex_2d ||
              (object.object_type == gx_type::pinpropfam &&
               type_of(file, object.father) == gx_type::pin_family);
-    case page: return object.object_type == gx_type::page;
-    case grid: return object.object_type == gx_type::grid_2d;
-    case any: break;
+    case page:
+      return object.object_type == gx_type::page;
+    case grid:
+      return object.object_type == gx_type::grid_2d;
+    case any:
+      break;
   }
   return true;
 }
@@ -131,7 +137,8 @@ std::string field_fault(const bad_field_t& bad, const std::string& where, const 
          std::to_string(gx_field_number(record, field)) + std::string(bad.what);
 }
 
-// Parent and children agree in their links and types, and no object lies deeper than max_depth (so no fathers loop).
+// Parent and children agree in their links and types, and no object lies deeper than max_depth (so
+// no fathers loop).
 std::string tree_fault(const gx_file_gene_recf_t& file, const gx_object_gene_rec_t& object) {
   const int id = object.object_id;
   if (object.child1 != 0 && object_of(file, object.child1).father != id) {

@@ -96,12 +96,13 @@ TEST_F(db_access, what_a_sheet_lacks_for_its_queries_is_told) {
   EXPECT_EQ(fault([](auto& s) { gx_object_id_ptr(s.file, 3).following = 0; }), "no net_family");
   EXPECT_EQ(fault([](auto& s) { gx_object_id_ptr(s.file, 8).following = 0; }),
             "object 7: symbol without pins");
-  const auto at = [](gx_builder& s) -> auto& {
+  const auto at = [](gx_builder & s) -> auto& {
     return gx_instance_info_ptr(s.file, gx_symbol_info_ptr(s.file, 7).instance);
   };
   static const auto instance = at;
   EXPECT_EQ(fault([](auto& s) { instance(s).symbol = 0; }), "object 16: instance without symbol");
-  EXPECT_EQ(fault([](auto& s) { instance(s).gene.child1 = 0; }), "object 16: instance without pins");
+  EXPECT_EQ(fault([](auto& s) { instance(s).gene.child1 = 0; }),
+            "object 16: instance without pins");
 }
 
 }  // namespace

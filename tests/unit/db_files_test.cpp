@@ -170,14 +170,16 @@ TEST_F(db_files, files_that_cannot_be_used_stop_with_their_lines) {
   const auto open = [&] { gx_file_open(dir(), "top"); };
   const auto path = dir() + "/top.gx_1";
   scratch.write("top.gx", "_1\n");
-  expect_stop(open, gx_code::file_open_invalid, "!!! file_open  file not opened : \"" + path + "\" ");
+  expect_stop(open, gx_code::file_open_invalid,
+              "!!! file_open  file not opened : \"" + path + "\" ");
 
   auto bytes = small_sheet().bytes();
   bytes[3] = '\x01';
   scratch.write("top.gx_1", bytes);
   expect_stop(open, gx_code::file_open_invalid,
               " !! soft_rev error in open file in = '" + path +
-                  "'\n!! Software Revision Error:2.000000.instead of:2.000000. in open file = '" + path + "'\n");
+                  "'\n!! Software Revision Error:2.000000.instead of:2.000000. in open file = '" +
+                  path + "'\n");
   bytes = small_sheet().bytes();
   bytes[38 + 13] = 33;
   scratch.write("top.gx_1", bytes);
@@ -186,13 +188,26 @@ TEST_F(db_files, files_that_cannot_be_used_stop_with_their_lines) {
   bytes[38 + 13] = 1;
   bytes[38 + 15] = 33;
   scratch.write("top.gx_1", bytes);
-  expect_stop([&] { gx_vext.num_file_open = 1; gx_file_reopen(1, dir(), "top"); }, gx_code::file_close_invalid,
-              " gx_file_open : object invalid: R_11:  obj_id:1\tstatus:33  deleted:32 \n");
+  expect_stop(
+      [&] {
+        gx_vext.num_file_open = 1;
+        gx_file_reopen(1, dir(), "top");
+      },
+      gx_code::file_close_invalid,
+      " gx_file_open : object invalid: R_11:  obj_id:1\tstatus:33  deleted:32 \n");
   scratch.write("top.gx", "_one\n");
   expect_stop(open, gx_code::file_data_invalid, dir() + "/top.gx: the link file");
-  expect_stop([&] { for (int i = 0; i < 33; ++i) gx_file_open(dir(), "new"); }, gx_code::too_many_files,
-              " ## error in open file = '" + dir());
-  expect_stop([&] { gx_vext.init_done = false; gx_file_open(dir(), "new"); }, gx_code::init_not_done);
+  expect_stop(
+      [&] {
+        for (int i = 0; i < 33; ++i) gx_file_open(dir(), "new");
+      },
+      gx_code::too_many_files, " ## error in open file = '" + dir());
+  expect_stop(
+      [&] {
+        gx_vext.init_done = false;
+        gx_file_open(dir(), "new");
+      },
+      gx_code::init_not_done);
   expect_stop([] { gx_file_close(0, false); }, gx_code::file_data_invalid, "sfile_index : 0");
 }
 
@@ -219,8 +234,9 @@ TEST_F(db_files, a_new_file_is_saved_as_version_1_and_then_as_2) {
   const auto first = scratch.read("top.gx_1");
   const auto again = gx_file_open(dir(), "top");
   gx_file_close(again, true);
-  EXPECT_EQ(testing::internal::GetCapturedStdout(),
-            " -- saving file :\"" + dir() + "/top.gx_1\" --\n -- saving file :\"" + dir() + "/top.gx_2\" --\n");
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), " -- saving file :\"" + dir() +
+                                                        "/top.gx_1\" --\n -- saving file :\"" +
+                                                        dir() + "/top.gx_2\" --\n");
   EXPECT_EQ(scratch.read("top.gx"), "_2        \n");
   EXPECT_EQ(scratch.read("top.gx_1"), first);
   EXPECT_EQ(gx_load_file(dir() + "/top.gx_2").message, "");
@@ -279,8 +295,10 @@ TEST_F(db_files, a_save_that_would_lose_a_symbol_or_a_net_stops_and_touches_noth
   };
   expect_stop(save_without(gx_type::symbol), gx_code::object_id_invalid,
               " instance with  symbol link invalid : symbol :            7\n");
-  expect_stop(save_without(gx_type::instance_family), gx_code::object_id_invalid, "  father of instance invalid");
-  expect_stop(save_without(gx_type::net), gx_code::object_id_invalid, " vertex with  net link invalid : net : ");
+  expect_stop(save_without(gx_type::instance_family), gx_code::object_id_invalid,
+              "  father of instance invalid");
+  expect_stop(save_without(gx_type::net), gx_code::object_id_invalid,
+              " vertex with  net link invalid : net : ");
   EXPECT_EQ(scratch.read("top.gx"), "_3        \n");
   EXPECT_FALSE(std::filesystem::exists(scratch.file("top.gx_4")));
 }
@@ -288,7 +306,8 @@ TEST_F(db_files, a_save_that_would_lose_a_symbol_or_a_net_stops_and_touches_noth
 TEST_F(db_files, a_full_disk_leaves_the_version_before_current) {
   put_version(small_sheet(), "top", 3);
   std::filesystem::create_symlink("/dev/full", scratch.file("top.gx_4"));
-  expect_stop([&] { gx_file_close(gx_file_open(dir(), "top"), true); }, gx_code::file_open_invalid, "top.gx_4\" ");
+  expect_stop([&] { gx_file_close(gx_file_open(dir(), "top"), true); }, gx_code::file_open_invalid,
+              "top.gx_4\" ");
   EXPECT_EQ(scratch.read("top.gx"), "_3        \n");
 }
 
@@ -311,12 +330,14 @@ TEST_F(db_files, the_listing_shows_every_object) {
             " list the structure of file and objects \n"
             "        file     obj_id     father   previous  following     child1\n"
             "\n*********************\n\n"
-            "          1          1          0          0          0          2   : object_type :            main\n"
+            "          1          1          0          0          0          2   : object_type :  "
+            "          main\n"
             "    bounds    = 1000000000  1000000000  -1000000000  -1000000000  \n"
             " origin.x : 0\n origin.y : 0\n"
             " fin             = -10\n"
             "\n*********************\n\n"
-            "          1          2          1          0          3          0   : object_type :        instance   : !!! deleted  \n"
+            "          1          2          1          0          3          0   : object_type :  "
+            "      instance   : !!! deleted  \n"
             "    bounds    = 1  2  3  4  \n"
             " origin.x : 5\n origin.y : -6\n"
             " rotate          = 0\n"
@@ -327,7 +348,8 @@ TEST_F(db_files, the_listing_shows_every_object) {
             " following_inst  = 0\n"
             " fin             = -10\n"
             "\n*********************\n\n"
-            "          1          3          1          2          0          0   : object_type :     property_2d\n"
+            "          1          3          1          2          0          0   : object_type :  "
+            "   property_2d\n"
             "    bounds    = 1000000000  1000000000  -1000000000  -1000000000  \n"
             " origin.x : 0\n origin.y : 0\n"
             " fixed           = FALSE\n"

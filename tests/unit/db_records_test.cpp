@@ -47,11 +47,35 @@ std::string patched(std::string bytes, std::size_t at, std::string_view hex) {
 TEST(db_records, header_bytes) {
   gx_builder built;
   auto& f = built.file;
-  f.day = 31; f.month = 12; f.year = 1996; f.hour = 23; f.minute = 59;
-  f.check_data_done = 1; f.num_errors = 2; f.dot_width = 0x01020304; f.displayed = 5; f.reserved = 6;
+  f.day = 31;
+  f.month = 12;
+  f.year = 1996;
+  f.hour = 23;
+  f.minute = 59;
+  f.check_data_done = 1;
+  f.num_errors = 2;
+  f.dot_width = 0x01020304;
+  f.displayed = 5;
+  f.reserved = 6;
   EXPECT_EQ(to_hex(built.bytes()),
-            "40000000" "001F" "000C" "07CC" "0017" "003B" "0000" "0000" "0000" "0000"
-            "0001" "0002" "01020304" "05" "00000000" "06" "FFEC" "0000");
+            "40000000"
+            "001F"
+            "000C"
+            "07CC"
+            "0017"
+            "003B"
+            "0000"
+            "0000"
+            "0000"
+            "0000"
+            "0001"
+            "0002"
+            "01020304"
+            "05"
+            "00000000"
+            "06"
+            "FFEC"
+            "0000");
 }
 
 TEST(db_records, general_record_bytes) {
@@ -62,8 +86,21 @@ TEST(db_records, general_record_bytes) {
   child.origin = {1, -1};
   child.bounds = {-2, 3, 4, 0x05060708};
   EXPECT_EQ(to_hex(built.bytes().substr(38 + 42, 42)),
-            "0002" "0001" "0000" "0000" "0000" "FFFE" "000F" "0000" "00000001" "FFFFFFFF"
-            "FFFFFFFE" "00000003" "00000004" "05060708" "FFF6");
+            "0002"
+            "0001"
+            "0000"
+            "0000"
+            "0000"
+            "FFFE"
+            "000F"
+            "0000"
+            "00000001"
+            "FFFFFFFF"
+            "FFFFFFFE"
+            "00000003"
+            "00000004"
+            "05060708"
+            "FFF6");
 }
 
 struct tail_case {
@@ -77,6 +114,7 @@ tail_case tail_of(void (*fill)(Rec&), std::string_view hex) {
   return {Rec::type, [fill](gx_object_gene_rec_t& o) { fill(reinterpret_cast<Rec&>(o)); }, hex};
 }
 
+// clang-format off
 const tail_case tails[] = {
     {gx_type::main, [](gx_object_gene_rec_t&) {}, "FFF6"},
     {gx_type::property_family, [](gx_object_gene_rec_t&) {}, "FFF6"},
@@ -86,7 +124,8 @@ const tail_case tails[] = {
     tail_of<gx_object_symbol_rec_t>([](auto& r) { r.path = gx_string("a/S.gx_1"); },
                                     "0000 00000008 612F532E67785F31 FFF6"),
     tail_of<gx_object_pinpropfam_rec_t>(
-        [](auto& r) { r.dotted = 1; r.reserved = 2; r.pin_start = 1; r.pin_end = 2; r.pin_net_start = 3; },
+        [](auto& r) { r.dotted = 1; r.reserved = 2; r.pin_start = 1;
+                       r.pin_end = 2; r.pin_net_start = 3; },
         "01 02 0000 0100 0002 0003 FFF6"),
     tail_of<gx_object_net_rec_t>(
         [](auto& r) { r.net_index = -2; r.is_bus = 1; r.bus_start = 1; r.bus_end = 16; },
@@ -106,7 +145,8 @@ const tail_case tails[] = {
         "00000001 00000002 00000003 00000004 00000005 00000006 00000007 00000008 00000009"
         "0A 0100 0B 000C FFF6"),
     tail_of<gx_object_circle_rec_t>(
-        [](auto& r) { r.reserved = 1; r.border_color = 2; r.filled = 1; r.fill_color = 4; r.rad = 5; r.border_style = 6; },
+        [](auto& r) { r.reserved = 1; r.border_color = 2; r.filled = 1; r.fill_color = 4;
+                       r.rad = 5; r.border_style = 6; },
         "01 02 01 04 00000005 0006 FFF6"),
     tail_of<gx_object_grid_rec_t>(
         [](auto& r) { r.opposite_pt = {1, 2}; r.step_point = 3; r.step_pin = 4; r.snap_on = 1; },
@@ -115,17 +155,21 @@ const tail_case tails[] = {
         [](auto& r) { r.line_color = 1; r.line_width = 2; r.pt2 = {3, -4}; r.line_style = 5; },
         "0000 01 02 00000003 FFFFFFFC 0005 FFF6"),
     tail_of<gx_object_polyline5_rec_t>(
-        [](auto& r) { r.line_style = 1; r.n_points = 2; r.points[4] = {3, 4}; r.line_color = 5; r.reserved = 6; },
+        [](auto& r) { r.line_style = 1; r.n_points = 2; r.points[4] = {3, 4};
+                       r.line_color = 5; r.reserved = 6; },
         "0001 0002"
         "0000000000000000 0000000000000000 0000000000000000 0000000000000000 0000000300000004"
         "05 06 FFF6"),
     tail_of<gx_object_rectangle_rec_t>(
-        [](auto& r) { r.line_color = 1; r.filled = 1; r.fill_color = 2; r.pt2 = {3, 4}; r.line_style = 5; },
+        [](auto& r) { r.line_color = 1; r.filled = 1; r.fill_color = 2;
+                       r.pt2 = {3, 4}; r.line_style = 5; },
         "00 01 01 02 00000003 00000004 0005 FFF6"),
     tail_of<gx_object_property_rec_t>(
-        [](auto& r) { r.fixed = 1; r.line_color = 2; r.rotate = 3; r.name = gx_name("CLASS"); r.height = 4; },
+        [](auto& r) { r.fixed = 1; r.line_color = 2; r.rotate = 3;
+                       r.name = gx_name("CLASS"); r.height = 4; },
         "01 00 02 03 00000005 434C415353 00000000 00000004 0000 FFF6"),
 };
+// clang-format on
 
 TEST(db_records, tails_byte_for_byte_and_back) {
   for (const auto& c : tails) {
@@ -193,29 +237,32 @@ struct refusal_case {
 };
 
 TEST(db_records, damaged_fields_are_refused) {
+  using enum gx_code;
+  // clang-format off
   const refusal_case cases[] = {
-      {"revision 2.0001", 0, "400001A3", gx_code::file_open_invalid, "software revision 2.0001"},
-      {"revision is no number", 0, "7FC00000", gx_code::file_open_invalid, "software revision"},
-      {"end marker", 36, "FFED", gx_code::file_open_invalid, "end marker"},
-      {"more objects than the file holds", 14, "0002", gx_code::object_structure_invalid, "object 2: the file ends early"},
-      {"negative number of objects", 14, "FFFF", gx_code::file_data_invalid, "number of objects -1"},
-      {"30001 objects", 14, "7531", gx_code::file_data_invalid, "number of objects 30001"},
-      {"type 0", 38 + 12, "0000", gx_code::object_structure_invalid, "object 1: record type 0"},
-      {"type 33", 38 + 12, "0021", gx_code::object_structure_invalid, "object 1: record type 33"},
-      {"stored as deleted", 38 + 14, "0021", gx_code::file_close_invalid, "object 1: stored although deleted"},
-      {"name of 65 characters", 38 + 44, "00000041", gx_code::file_data_invalid, "object 1: a text of 65"},
-      {"name of 2^31-1 characters", 38 + 44, "7FFFFFFF", gx_code::file_data_invalid, "object 1: a text of 2147483647"},
-      {"value of 97 characters", 38 + 53, "00000061", gx_code::file_data_invalid, "object 1: a text of 97"},
-      {"control character in a name", 38 + 48, "0A", gx_code::file_data_invalid, "object 1: a text holds unprintable"},
-      {"stored under another id", 38, "0002", gx_code::file_data_invalid, "object 1: its stored id is 2"},
-      {"its own father", 38 + 2, "0001", gx_code::file_data_invalid, "object 1: its fathers loop"},
-      {"its own sibling", 38 + 6, "0001", gx_code::file_data_invalid, "following loops"},
-      {"its own previous", 38 + 4, "0001", gx_code::file_data_invalid, "previous loops"},
-      {"a father of another file", 38 + 2, "0002", gx_code::file_data_invalid, "object 1: father 2 does not exist"},
-      {"a negative child", 38 + 8, "FFFF", gx_code::file_data_invalid, "object 1: child1 -1 does not exist"},
-      {"primary object not there", 16, "0002", gx_code::file_data_invalid, "header: primary_object 2 does not exist"},
-      {"a grid that is none", 20, "0001", gx_code::file_data_invalid, "header: grid_obj_id 1 has the wrong type"},
+      {"revision 2.0001", 0, "400001A3", file_open_invalid, "software revision 2.0001"},
+      {"revision is no number", 0, "7FC00000", file_open_invalid, "software revision"},
+      {"end marker", 36, "FFED", file_open_invalid, "end marker"},
+      {"objects missing", 14, "0002", object_structure_invalid, "object 2: the file ends early"},
+      {"negative number of objects", 14, "FFFF", file_data_invalid, "number of objects -1"},
+      {"30001 objects", 14, "7531", file_data_invalid, "number of objects 30001"},
+      {"type 0", 38 + 12, "0000", object_structure_invalid, "object 1: record type 0"},
+      {"type 33", 38 + 12, "0021", object_structure_invalid, "object 1: record type 33"},
+      {"stored as deleted", 38 + 14, "0021", file_close_invalid, "object 1: stored"},
+      {"name of 65 characters", 38 + 44, "00000041", file_data_invalid, "object 1: a text of 65"},
+      {"longest name", 38 + 44, "7FFFFFFF", file_data_invalid, "object 1: a text of 2147483647"},
+      {"value of 97 characters", 38 + 53, "00000061", file_data_invalid, "object 1: a text of 97"},
+      {"newline in a name", 38 + 48, "0A", file_data_invalid, "object 1: a text holds unprintable"},
+      {"stored under another id", 38, "0002", file_data_invalid, "object 1: its stored id is 2"},
+      {"its own father", 38 + 2, "0001", file_data_invalid, "object 1: its fathers loop"},
+      {"its own sibling", 38 + 6, "0001", file_data_invalid, "following loops"},
+      {"its own previous", 38 + 4, "0001", file_data_invalid, "previous loops"},
+      {"no such father", 38 + 2, "0002", file_data_invalid, "object 1: father 2 does not exist"},
+      {"a negative child", 38 + 8, "FFFF", file_data_invalid, "object 1: child1 -1 does not exist"},
+      {"no main", 16, "0002", file_data_invalid, "header: primary_object 2 does not exist"},
+      {"no grid", 20, "0001", file_data_invalid, "header: grid_obj_id 1 has the wrong type"},
   };
+  // clang-format on
   gx_builder built;
   built.add_property(0, "CLASS", "");
   for (const auto& c : cases) {
@@ -275,7 +322,7 @@ TEST(db_records, trees_that_no_walk_could_leave_are_refused) {
     EXPECT_EQ(load.code, gx_code::file_data_invalid) << why;
     EXPECT_NE(load.message.find(why), std::string::npos) << load.message;
   };
-  const auto object = [](gx_builder& s, int id) -> auto& { return gx_object_id_ptr(s.file, id); };
+  const auto object = [](gx_builder & s, int id) -> auto& { return gx_object_id_ptr(s.file, id); };
   refused("a chain of objects by following loops", [&](auto& s) {
     object(s, 6).following = 3;  // the families 3..6 in a ring, 2 without a next one
     object(s, 2).following = 0;
@@ -295,8 +342,10 @@ TEST(db_records, trees_that_no_walk_could_leave_are_refused) {
   refused("rotate 4 is out of range", [](auto& s) {
     gx_instance_info_ptr(s.file, gx_symbol_info_ptr(s.file, 7).instance).rotate = 4;
   });
-  refused("no child of its type belongs under object 4", [](auto& s) { s.add(gx_type::vertex_2d, 4); });
-  refused("no child of its type belongs under object 10", [](auto& s) { s.add(gx_type::pinpropfam, 10); });
+  refused("no child of its type belongs under object 4",
+          [](auto& s) { s.add(gx_type::vertex_2d, 4); });
+  refused("no child of its type belongs under object 10",
+          [](auto& s) { s.add(gx_type::pinpropfam, 10); });
   refused("n_points 6 is out of range",
           [](auto& s) { s.template add_record<gx_object_polyline5_rec_t>(1).n_points = 6; });
   refused("its fathers loop or lie too deep", [](auto& s) {
