@@ -1,0 +1,104 @@
+// The moves of keys: panning, stepping the pointer, scrolling the texts.
+#include "app/pan.h"
+
+#include "app/state.h"
+#include "gx/text/strings.h"
+#include "tests/support/drawing_board.h"
+
+namespace {
+void move(std::string_view word) {
+  const kv_move_t* found = kv_find_move(word);
+  ASSERT_NE(found, nullptr) << word;
+  kv_make_move(*found);
+}
+
+class Moves : public ::testing::Test {
+ protected:
+  Moves() {
+    kv_pext = {};
+    for (int i = 0; i < 3; ++i) gx_viewport_create({0, 95000, 9000, 99000}, {1, 0, 3, 0});
+    gx_vext.viewport_cmd = 2;
+    gx_vext.viewport_list = 3;
+    gx_vext.viewport_id = 1;
+    gx_vext.cmd_step = 12;
+  }
+  drawing_board board;
+};
+
+TEST_F(Moves, AreFoundByTheirWords) {
+  for (const char* word : {"$CU1", "$cr4", "$VPTD5", "$vptl20", "$VPTU8x"})
+    EXPECT_NE(kv_find_move(word), nullptr) << word;
+  for (const char* word : {"", "$CU", "$CU2", "$CU11", "$VPTU50", "$VPTU2", "$VPTX5", "$DM1"})
+    EXPECT_EQ(kv_find_move(word), nullptr) << word;
+  EXPECT_EQ(kv_find_move("$VPTU8x")->amount, 400000);
+}
+
+TEST_F(Moves, PanThePictureWithThePointer) {
+  const gx_boundsreal_t whole = gx_vext.viewport[1].bounds_part;
+  const struct {
+    const char* word;
+    std::int32_t dx, dy;
+  } cases[] = {{"$VPTU5", 0, 25000},   {"$VPTD5", 0, -25000},   {"$VPTL20", 100000, 0},
+               {"$VPTR20", -100000, 0}, {"$VPTU80", 0, 400000}, {"$VPTR80", -400000, 0}};
+  for (const auto& c : cases) {
+    gx_vext.viewport[1].bounds_part = whole;
+    gx_vext.obj_pos = {7, 7};
+    move(c.word);
+    EXPECT_EQ(gx_vext.obj_pos, (gx_pointreal_t{7 + c.dx, 7 + c.dy})) << c.word;
+    EXPECT_EQ(gx_vext.viewport[1].bounds_part,
+              (gx_boundsreal_t{whole.xmin + c.dx, whole.ymin + c.dy, whole.xmax + c.dx,
+                               whole.ymax + c.dy}))
+        << c.word;
+  }
+  gx_vext.viewport_id = 3;
+  move("$VPTU5");
+  EXPECT_EQ(gx_vext.obj_pos.x, -399993) << "only pictures pan";
+}
+
+TEST_F(Moves, StepThePointerOverTheGrid) {
+  gx_vext.obj_pos = {10100, 19900};
+  move("$CR1");
+  EXPECT_EQ(gx_vext.obj_pos, (gx_pointreal_t{15000, 20000})) << "snapped, then moved";
+  EXPECT_EQ(gx_vext.pixel_pos, (gx_point16_t{250, 300}));
+  move("$CU4");
+  EXPECT_EQ(gx_vext.obj_pos, (gx_pointreal_t{15000, 20000})) << "the edge is too near";
+  move("$CD4");
+  EXPECT_EQ(gx_vext.obj_pos, (gx_pointreal_t{15000, 40000}));
+  move("$CL4");
+  EXPECT_EQ(gx_vext.pixel_pos, (gx_point16_t{250, 500})) << "it would leave the picture";
+}
+
+TEST_F(Moves, ScrollTextsSideways) {
+  for (const gx_vpid_t vpid : {gx_vext.viewport_cmd, gx_vext.viewport_list}) {
+    gx_vext.viewport_id = vpid;
+    auto& first = vpid == 3 ? gx_vext.istart_list : gx_vext.istart_cmd;
+    move("$CR4");
+    EXPECT_EQ(first, 1);
+    for (int i = 0; i < 200; ++i) move("$CL4");
+    EXPECT_EQ(first, 140);
+    move("$CR4");
+    EXPECT_EQ(first, 139);
+    gx_vext.pixel_pos = {20, 970};
+    move("$CR1");
+    EXPECT_EQ(gx_vext.pixel_pos.x, 32);
+    move("$CL1");
+    move("$CL1");
+    EXPECT_EQ(gx_vext.pixel_pos.x, 8);
+    move("$CL1");
+    EXPECT_EQ(gx_vext.pixel_pos.x, 8) << "five pixels from the edge";
+  }
+}
+
+TEST_F(Moves, RecallLinesOfTheList) {
+  gx_vext.viewport_id = 2;
+  move("$CU1");
+  EXPECT_EQ(gx_vext.str_cmd.len, 0) << "an empty list";
+  for (int i = 0; i < 4; ++i)
+    gx_vext.line_list[static_cast<std::size_t>(i)] = gx_string("line " + std::to_string(i + 1));
+  gx_vext.nlinlist_end = 4;
+  move("$CU1");
+  EXPECT_EQ(gx_view(gx_vext.str_cmd), "line 2");
+  for (int i = 0; i < 9; ++i) move("$CU1");
+  EXPECT_EQ(gx_view(gx_vext.str_cmd), "line 1") << "the first is the end";
+}
+}  // namespace
