@@ -11,6 +11,7 @@
 #include "gx/text/text_files.h"
 #include "platform/procedures.h"
 #include "platform/symbol_table.h"
+#include "platform/words.h"
 
 namespace {
 constexpr int max_words = 32;
@@ -49,6 +50,7 @@ void call_procedure(const procedure_command_t& kind, const kv_command_t& command
   if (!command.has_count(2, max_words)) return kv_refuse(kind.keyword, command, kv_bad_count);
   gx_string_record_t executable, symbol;
   gx_get_arg(1, executable);
+  if (executable.len > x_max_text) executable = {};  // found as this process's executable
   gx_concat_all(symbol, kind.prefix, command.word(2));
   const auto address = xm_get_extid_offset(executable.char_, symbol.char_, entry_section);
   if (address == 0) {
