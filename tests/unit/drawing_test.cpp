@@ -38,6 +38,7 @@ class Drawing : public ::testing::Test {
     auto& text = board.add<gx_object_property_rec_t>(at, {0, -1000, 6000, 500}, father);
     std::copy(value.begin(), value.end(), text.nvalue.char_);
     text.nvalue.len = static_cast<std::int32_t>(value.size());
+    text.visible = 1;
     text.line_color = cyan;
     text.height = 1000;
     return text;
