@@ -18,7 +18,8 @@ constexpr std::int32_t file_data_invalid = 19;
 constexpr std::int32_t invalid_string = 69;
 constexpr std::int32_t max_name = 200;   // characters of directory or file name
 constexpr std::int32_t max_names = 198;  // of both
-static_assert(gx_error_array.size() == KVI_NUMBER_OF_CODES);
+constexpr const auto& kvi_error_array = gx_error_array;
+static_assert(kvi_error_array.size() == KVI_NUMBER_OF_CODES);
 static_assert(KVI_DAMAGED == status_base + file_data_invalid);
 
 void close_files() {
@@ -55,7 +56,7 @@ void kvi_debug(const char* text) {
 
 const char* kvi_error_name(std::int32_t code) {
   const bool known = code >= 0 && code < KVI_NUMBER_OF_CODES;
-  return known ? gx_error_array[static_cast<std::size_t>(code)].data() : "";
+  return known ? kvi_error_array[static_cast<std::size_t>(code)].data() : "";
 }
 
 void kvi_set_status(std::int32_t code, std::int32_t* status) {
@@ -100,7 +101,7 @@ void kvi_init_dfi(std::int32_t dirname_len, const char* dirname, std::int32_t fi
   path.append("/").append(filetype, static_cast<std::size_t>(filetype_len));
   store.designfile = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
   if (store.designfile < 0) {
-    ++kvi_state.nb_of_errors;
+    ++kvi_state.kv_ner;
     std::fprintf(kvi_state.debug,
                  "!!! ( KVI_INIT_DFI ) impossible to open current_session_file  : \"%s\" \n",
                  path.c_str());
@@ -108,8 +109,8 @@ void kvi_init_dfi(std::int32_t dirname_len, const char* dirname, std::int32_t fi
   }
   *status = status_of(kvi_load_design(store.designfile, store));
   if (*status != KVI_OK) return;
-  kvi_state.nb_of_errors = store.general_info.num_errors;
-  kvi_state.nb_of_warnings = store.general_info.num_warnings;
+  kvi_state.kv_ner = store.general_info.num_errors;
+  kvi_state.kv_nwa = store.general_info.num_warnings;
   store.gx_graphics_used = false;
   store.open_file_ok = true;
   kvi_debug("!!!  KVI_INIT_DFI : END ");
@@ -120,6 +121,6 @@ void kvi_close_dfi() {
   close_files();
 }
 
-std::int32_t kvi_get_nb_of_errors() { return kvi_state.nb_of_errors; }
-std::int32_t kvi_get_nb_of_warnings() { return kvi_state.nb_of_warnings; }
+std::int32_t kvi_get_nb_of_errors() { return kvi_state.kv_ner; }
+std::int32_t kvi_get_nb_of_warnings() { return kvi_state.kv_nwa; }
 float kvi_get_time_step() { return kvi_state.store.time_step; }

@@ -7,10 +7,10 @@
 #include "kvi/kvi.h"
 
 struct kvi_state_t {
-  kv_defref_exp_rec_t store;      // open_file_ok: a design is loaded
-  std::FILE* debug = nullptr;     // "debug_kvdfi"
-  std::int32_t nb_of_errors = 0;  // of the run that wrote the design file
-  std::int32_t nb_of_warnings = 0;
+  kv_defref_exp_rec_t store;   // open_file_ok: a design is loaded
+  std::FILE* debug = nullptr;  // "debug_kvdfi"
+  std::int32_t kv_ner = 0;     // errors and warnings of the run that wrote the design file
+  std::int32_t kv_nwa = 0;
 };
 extern kvi_state_t kvi_state;
 
