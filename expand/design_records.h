@@ -319,6 +319,17 @@ constexpr void kv_for_each_part(Visit visit) {
   std::apply([&](const auto&... part) { (visit(part), ...); }, kv_array_parts);
 }
 
+// The part that holds the records of a kind.
+template <typename Record>
+constexpr kv_array kv_part_of() {
+  int at = 0, found = 0;
+  kv_for_each_part([&](const auto& part) {
+    if (std::is_same_v<typename std::remove_cvref_t<decltype(part)>::record, Record>) found = at;
+    ++at;
+  });
+  return static_cast<kv_array>(found);
+}
+
 // Calls visit(field) for every field that `record` has.
 template <typename Record, typename Visit>
 constexpr void kv_for_each_field(const Record& record, Visit visit) {

@@ -14,7 +14,7 @@ void load(const std::uint8_t* data, std::size_t size) {
   if (::ftruncate(fd, 0) != 0 || ::pwrite(fd, data, size, 0) != static_cast<ssize_t>(size)) {
     std::abort();
   }
-  kvi_state.store.open_file_ok = kvi_load_design(fd, kvi_state.store) == kvi_load_result::loaded;
+  kvi_state.design.load(fd);
 }
 
 void ask_about_pins(std::int32_t net, kvi_pin_record_t** record) {

@@ -55,7 +55,7 @@ void fill_common(Record& to, const Stored& from, std::int32_t index, const prop_
   to.nb_of_property = from.nb_of_property;
   std::string name(stored);
   for (std::int32_t k = 0; k < from.nb_of_property; ++k) {
-    const kv_prop_record_t& prop = kvi_state.store.props[from.first_prop + k];
+    const auto prop = kvi_state.design.get<kv_prop_record_t>(from.first_prop + k);
     const std::string_view prop_name = gx_view(list.entry[static_cast<std::size_t>(k)].name);
     fill_property(prop, prop_name, allocated(&to.prop[k]));
     const bool names_it = prop.prop_type == kv_prop_string &&
@@ -99,9 +99,9 @@ void free_common(Record** record) {
 }  // namespace
 
 void kvi_get_net_record(std::int32_t net, kvi_net_record_t** record) {
-  auto& store = kvi_state.store;
-  if (!store.open_file_ok || !store.nets.holds(net)) return;
-  const kv_net_record_t& from = store.nets[net];
+  const auto& design = kvi_state.design;
+  if (!design.holds<kv_net_record_t>(net)) return;
+  const auto from = design.get<kv_net_record_t>(net);
   kvi_net_record_t& to = allocated(record);
   const bool is_bus = from.net_type == kv_net_bus;
   to.net_type = from.net_type;
@@ -113,25 +113,25 @@ void kvi_get_net_record(std::int32_t net, kvi_net_record_t** record) {
   to.bus = is_bus ? 0 : from.bus;
   to.father_net = is_bus ? 0 : from.father_net;
   to.next_sub_net = is_bus ? 0 : from.next_sub_net;
-  fill_common(to, from, net, store.property_net, kvi_text(from.name), "NET", "N_");
+  fill_common(to, from, net, design.property_net(), kvi_text(from.name), "NET", "N_");
 }
 
 void kvi_get_instance_record(std::int32_t instance, kvi_instance_record_t** record) {
-  auto& store = kvi_state.store;
-  if (!store.open_file_ok || !store.insts.holds(instance)) return;
-  const kv_inst_record_t& from = store.insts[instance];
+  const auto& design = kvi_state.design;
+  if (!design.holds<kv_inst_record_t>(instance)) return;
+  const auto from = design.get<kv_inst_record_t>(instance);
   kvi_instance_record_t& to = allocated(record);
   set(to.file_path, kvi_text(from.file_path));
   to.primitive = 1;
   to.owning_instance = 0;
   to.timing_index = from.timing_index;
-  fill_common(to, from, instance, store.property_instance, {}, "INST", "I_");
+  fill_common(to, from, instance, design.property_instance(), {}, "INST", "I_");
 }
 
 void kvi_get_pin_record(std::int32_t pin, kvi_pin_record_t** record) {
-  auto& store = kvi_state.store;
-  if (!store.open_file_ok || !store.pins.holds(pin)) return;
-  const kv_pin_record_t& from = store.pins[pin];
+  const auto& design = kvi_state.design;
+  if (!design.holds<kv_pin_record_t>(pin)) return;
+  const auto from = design.get<kv_pin_record_t>(pin);
   kvi_pin_record_t& to = allocated(record);
   to.pin_type = from.io_type;
   to.instance = from.instance_ind;
@@ -140,7 +140,7 @@ void kvi_get_pin_record(std::int32_t pin, kvi_pin_record_t** record) {
   to.pin_end = from.pin_end;
   to.pin_net_start = from.pin_net_start;
   to.location = {0, 0};
-  fill_common(to, from, pin, store.property_pin, {}, "PIN", "N_");
+  fill_common(to, from, pin, design.property_pin(), {}, "PIN", "N_");
 }
 
 void kvi_free_net_record(kvi_net_record_t** record) {

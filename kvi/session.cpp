@@ -23,7 +23,7 @@ static_assert(kvi_error_array.size() == KVI_NUMBER_OF_CODES);
 static_assert(KVI_DAMAGED == status_base + file_data_invalid);
 
 void close_files() {
-  auto& fd = kvi_state.store.designfile;
+  int& fd = kvi_state.designfile;
   if (fd >= 0) ::close(fd);
   fd = -1;
   if (kvi_state.debug) std::fclose(kvi_state.debug);
@@ -75,12 +75,11 @@ void kvi_init_dfi(std::int32_t dirname_len, const char* dirname, std::int32_t fi
                   const char* filetype, std::int32_t* status) {
   std::int32_t ignored;
   if (!status) status = &ignored;
-  auto& store = kvi_state.store;
   close_files();
   kvi_state.debug = open_debug_file();
   kvi_debug("# KVI_INIT_DFI : start ");
   *status = KVI_REFUSED;
-  store.open_file_ok = false;
+  kvi_state.design = {};
   if (!dirname || !filetype || dirname_len < 1 || filetype_len < 1) {
     std::fprintf(kvi_state.debug, "!!! ERROR : %d %d %d %d\n", dirname != nullptr, dirname_len,
                  filetype != nullptr, filetype_len);
@@ -99,20 +98,18 @@ void kvi_init_dfi(std::int32_t dirname_len, const char* dirname, std::int32_t fi
   }
   std::string path(dirname, static_cast<std::size_t>(dirname_len));
   path.append("/").append(filetype, static_cast<std::size_t>(filetype_len));
-  store.designfile = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-  if (store.designfile < 0) {
+  kvi_state.designfile = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  if (kvi_state.designfile < 0) {
     ++kvi_state.kv_ner;
     std::fprintf(kvi_state.debug,
                  "!!! ( KVI_INIT_DFI ) impossible to open current_session_file  : \"%s\" \n",
                  path.c_str());
     kvi_set_status(file_data_invalid, status);
   }
-  *status = status_of(kvi_load_design(store.designfile, store));
+  *status = status_of(kvi_state.design.load(kvi_state.designfile));
   if (*status != KVI_OK) return;
-  kvi_state.kv_ner = store.general_info.num_errors;
-  kvi_state.kv_nwa = store.general_info.num_warnings;
-  store.gx_graphics_used = false;
-  store.open_file_ok = true;
+  kvi_state.kv_ner = kvi_state.design.info().num_errors;
+  kvi_state.kv_nwa = kvi_state.design.info().num_warnings;
   kvi_debug("!!!  KVI_INIT_DFI : END ");
 }
 
@@ -123,4 +120,4 @@ void kvi_close_dfi() {
 
 std::int32_t kvi_get_nb_of_errors() { return kvi_state.kv_ner; }
 std::int32_t kvi_get_nb_of_warnings() { return kvi_state.kv_nwa; }
-float kvi_get_time_step() { return kvi_state.store.time_step; }
+float kvi_get_time_step() { return kvi_state.design.info().time_step; }

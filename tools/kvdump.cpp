@@ -14,13 +14,6 @@
 
 namespace {
 
-std::string_view text_of(kv_defref_exp_rec_t& store, std::int32_t string_index) {
-  if (string_index == 0) return {};
-  const kv_string_record_t& string = store.strings[string_index];
-  if (string.len == 0) return {};
-  return {&store.chars[string.index], static_cast<std::size_t>(string.len)};
-}
-
 void print_text(std::string_view text) {
   std::printf("\"%.*s\"", static_cast<int>(text.size()), text.data());
 }
@@ -43,7 +36,7 @@ void print_value(const Number (&values)[Count]) {
 }
 
 template <typename Record>
-void print_fields(kv_defref_exp_rec_t& store, const Record& record) {
+void print_fields(const kvi_design_t& design, const Record& record) {
   kv_for_each_field(record, [&](const auto& field) {
     std::printf("  %-18.*s ", static_cast<int>(field.name.size()), field.name.data());
     print_value(record.*field.member);
@@ -51,7 +44,7 @@ void print_fields(kv_defref_exp_rec_t& store, const Record& record) {
                                  std::int32_t>) {
       if (field.target == kv_array::strings && record.*field.member != 0) {
         std::printf(" ");
-        print_text(text_of(store, record.*field.member));
+        print_text(design.text(record.*field.member));
       }
     }
     std::printf("\n");
@@ -59,33 +52,32 @@ void print_fields(kv_defref_exp_rec_t& store, const Record& record) {
 }
 
 template <typename Record>
-void print_array(kv_defref_exp_rec_t& store, std::string_view name, kv_blocked_t<Record>& array) {
-  for (std::int32_t i = 1; i <= array.count; ++i) {
+void print_records(const kvi_design_t& design, std::string_view name) {
+  for (std::int32_t i = 1; i <= design.count<Record>(); ++i) {
     std::printf("%.*s %d\n", static_cast<int>(name.size()), name.data(), i);
     if constexpr (std::is_same_v<Record, kv_string_record_t>) {
       std::printf("  ");
-      print_text(text_of(store, i));
+      print_text(design.text(i));
       std::printf("\n");
     }
-    print_fields(store, array[i]);
+    print_fields(design, design.get<Record>(i));
   }
 }
 
-void print_design(kv_defref_exp_rec_t& store) {
+void print_design(const kvi_design_t& design) {
   std::printf("general information\n");
-  print_fields(store, store.general_info);
-  for (const kv_list_part_t& part : kv_list_parts) {
+  print_fields(design, design.info());
+  for (std::size_t part = 0; part < std::size(kv_list_parts); ++part) {
+    const std::string_view name = kv_list_parts[part].name;
     int n = 0;
-    for (const kv_prop_type_record_t& entry : store.*part.list) {
-      std::printf("%.*s %d\n", static_cast<int>(part.name.size()), part.name.data(), ++n);
-      print_fields(store, entry);
+    for (const kv_prop_type_record_t& entry : design.list(part)) {
+      std::printf("%.*s %d\n", static_cast<int>(name.size()), name.data(), ++n);
+      print_fields(design, entry);
     }
   }
   kv_for_each_part([&](const auto& part) {
     using record = typename std::remove_cvref_t<decltype(part)>::record;
-    if constexpr (!std::is_same_v<record, char>) {
-      print_array(store, part.name, store.*part.array);
-    }
+    if constexpr (!std::is_same_v<record, char>) print_records<record>(design, part.name);
   });
 }
 
@@ -101,11 +93,12 @@ int main(int argc, char** argv) {
     std::perror(argv[1]);
     return 1;
   }
-  const kvi_load_result result = kvi_load_design(fd, kv_sext);
+  kvi_design_t design;
+  const kvi_load_result result = design.load(fd);
   ::close(fd);
   switch (result) {
     case kvi_load_result::loaded:
-      print_design(kv_sext);
+      print_design(design);
       return 0;
     case kvi_load_result::too_short:
       std::fprintf(stderr, "%s: truncated\n", argv[1]);

@@ -52,8 +52,7 @@ class KviTest : public StoreFixture {
   static kvi_load_result load_image(std::string_view image) {
     const int fd = ::memfd_create("image", 0);
     EXPECT_EQ(::write(fd, image.data(), image.size()), static_cast<ssize_t>(image.size()));
-    const kvi_load_result result = kvi_load_design(fd, kvi_state.store);
-    kvi_state.store.open_file_ok = result == kvi_load_result::loaded;
+    const kvi_load_result result = kvi_state.design.load(fd);
     ::close(fd);
     return result;
   }
@@ -227,7 +226,9 @@ TEST_F(KviTest, RefusesWhatIsNoWholeDesign) {
 }
 
 TEST_F(KviTest, RefusesBadNames) {
+  EXPECT_EQ(load_store(), KVI_OK);
   EXPECT_EQ(load(""), KVI_REFUSED);
+  EXPECT_EQ(ask_everything(), 0U);  // nothing stays loaded
   std::int32_t status = 0;
   kvi_init_dfi(1, nullptr, 1, "x", &status);
   EXPECT_EQ(status, KVI_REFUSED);
