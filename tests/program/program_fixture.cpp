@@ -309,6 +309,12 @@ void test_session::key(unsigned long keysym, unsigned modifiers) {
   flush();
 }
 
+void test_session::keycode_press(unsigned code) {
+  XTestFakeKeyEvent(display_.connection(), code, True, 0);
+  XTestFakeKeyEvent(display_.connection(), code, False, 0);
+  flush();
+}
+
 void test_session::type(std::string_view text) {
   for (const char c : text) key(c == '\n' ? XK_Return : static_cast<unsigned char>(c));
 }
@@ -325,6 +331,16 @@ void test_session::move(int x, int y) {
                         y, &root_x, &root_y, &child);
   XTestFakeMotionEvent(display_.connection(), -1, root_x, root_y, 0);
   flush();
+}
+
+test_session::place test_session::pointer() {
+  Window root = 0, child = 0;
+  int root_x = 0, root_y = 0;
+  place at{};
+  unsigned state = 0;
+  XQueryPointer(display_.connection(), window_, &root, &child, &root_x, &root_y, &at.x, &at.y,
+                &state);
+  return at;
 }
 
 void test_session::button_down(int button) {

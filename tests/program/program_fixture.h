@@ -113,11 +113,16 @@ class test_session {
   void key_down(unsigned long keysym);
   void key_up(unsigned long keysym);
   void key(unsigned long keysym, unsigned modifiers = none);
+  void keycode_press(unsigned code);    // and release, whatever the key means
   void type(std::string_view text);     // "\n" is Return
   void command(std::string_view text);  // types the line and Return
 
   // --- pointer, in pixels of the window
   void move(int x, int y);
+  struct place {
+    int x, y;
+  };
+  place pointer();
   void button_down(int button);
   void button_up(int button);
   void click(int x, int y, int button = 1, unsigned modifiers = none);

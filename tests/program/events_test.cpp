@@ -1,0 +1,365 @@
+// Keys, buttons, typing and the window, as a user has them.
+#include <X11/Xlib.h>
+
+#include <algorithm>
+#include <chrono>
+#include <thread>
+
+#include "tests/program/interactive.h"
+
+namespace {
+using lines = std::vector<std::string>;
+
+void pause(int ms) { std::this_thread::sleep_for(test_time(ms)); }
+
+int count_heads(const lines& all, std::string_view head) {
+  return static_cast<int>(
+      std::ranges::count_if(all, [&](const auto& line) { return line.starts_with(head); }));
+}
+
+TEST_F(Interactive, ALineIsTypedAndEdited) {
+  auto& s = open();
+  s.type("stbtus kkey f9");
+  point_at(command_column(3));
+  s.key(XK_Delete);  // "sttus kkey f9"
+  s.settle();
+  point_at(command_column(3));
+  s.type("a");  // inserted before the character under the pointer
+  s.settle();
+  point_at(command_column(9));
+  s.key(XK_BackSpace);  // before the pointer
+  s.settle();
+  s.key(XK_Return);
+  s.wait_for_line(" STAtus KEY f9 ");
+  s.wait_for_line("# KEY : f9 VIEW UP  ");
+
+  // Insert recalls the line under the pointer; Escape forgets it; Return on a blank line is nothing.
+  point_at(list_row(2));
+  s.key(XK_Insert);
+  s.key(XK_Return);
+  s.wait_for_line(" STAtus KEY f9 ");
+  s.key(XK_Insert);
+  s.key(XK_Escape);
+  s.key(XK_Return);
+  s.type("  \n");
+  // At most 194 characters are typed: the rest of this comment is not.
+  point_at(in_edit);
+  s.type("assign $VAR1 " + std::string(181, 'x') + "YZ\n");
+  s.wait_for_line(" ASSIgn $VAR1 " + std::string(181, 'x') + " ");
+  const lines all = s.session_lines();
+  EXPECT_EQ(count_heads(all, " STAtus KEY f9 "), 2);
+  EXPECT_EQ(count_heads(all, "#  !!! Unknown"), 0);
+  bye();
+}
+
+TEST_F(Interactive, CharactersAreThoseOfTheLayout) {
+  auto& s = open();
+  s.type("assign $VAR1 aA1!@~^{}|\\'\"'\n");
+  s.wait_for_line(" ASSIgn $VAR1 aA1!@~^{}|\\'\"' ");
+  s.key(XK_KP_Enter);
+  // A keyboard with a dead accent, an umlaut and a currency sign.
+  Display* const display = shared_display().connection();
+  int first = 0, last = 0;
+  XDisplayKeycodes(display, &first, &last);
+  KeySym keys[] = {XK_dead_circumflex, XK_adiaeresis, XK_EuroSign};
+  for (int i = 0; i < 3; ++i) XChangeKeyboardMapping(display, last - i, 1, &keys[i], 1);
+  XSync(display, False);
+  pause(100);
+  s.type("assign $VAR1 a");
+  for (const int code : {last, last - 1, last - 2}) {
+    s.keycode_press(static_cast<unsigned>(code));
+  }
+  s.type("b");
+  s.key(XK_KP_Enter);
+  s.wait_for_line(" ASSIgn $VAR1 a^b ");
+  bye();
+}
+
+TEST_F(Interactive, EveryKeyOfTheStartRunsItsCommand) {
+  auto& s = open();
+  point_at(in_edit);
+  const struct {
+    KeySym key;
+    unsigned modifiers;
+    lines heads;  // of press and release, in this order
+  } cases[] = {
+      {XK_F1, 0, {" MARK RECtangle Edit ", "# SELect AREa "}},
+      {XK_F1, s.shift, {" MARK RECtangle Edit ", "# SELect AREa INST "}},
+      {XK_F1, s.control, {" MARK RECtangle Edit ", "# SELect AREa VERTEX "}},
+      {XK_F1, s.alt, {" MARK RECtangle Edit ", "# SELect AREa FRAME "}},
+      {XK_F2, 0, {" UNSelect ALL "}},
+      {XK_F2, s.shift, {" MARK RECtangle Edit ", "# UNSelect AREa ALL "}},
+      {XK_F2, s.control, {" MARK RECtangle Edit ", "# UNSelect AREa INST "}},
+      {XK_F2, s.alt, {" MARK RECtangle Edit ", "# UNSelect AREa VERTEX "}},
+      {XK_F3, 0, {" MARK RECtangle Edit ", "# SELect AREa PROPERTY "}},
+      {XK_F3, s.shift, {"#  !!! Unknown Command  ?? ", "# \"CHANGE PROPERTY POSITION \" "}},
+      {XK_F3, s.control, {"# CHAnge PROperty SWItches "}},
+      {XK_F3, s.alt, {"# CHAnge PROperty SWItches "}},
+      {XK_F4, s.shift, {"# COMmand "}},
+      {XK_F4, s.control, {" SNAp ON "}},
+      {XK_F4, s.alt, {" SNAp OFF "}},
+      {XK_F5, s.alt, {"# POP "}},
+      {XK_F7, s.shift, {"# STAtus PROperty "}},
+      {XK_F7, s.control, {"# CHEck  SHEet  "}},
+      {XK_F7, s.alt, {" SMAsh ON "}},
+      {XK_F11, s.alt, {" SMAsh OFF "}},
+      {XK_F8, 0, {"# VIEw DOWn ", "# !! Error : "}},
+      {XK_F9, 0, {"# VIEw UP ", "# !! Error : impossible to VIEw UP"}},
+      {XK_F11, 0, {" BASEpoint  Edit "}},
+      {XK_F11, s.control, {" TRANScript  ON "}},
+      {XK_F12, 0, {" MARK RECtangle Edit ", " VIEw AREa "}},
+      {XK_F12, s.shift, {" VIEw ALL "}},
+      {XK_F12, s.alt, {" DISplay OFF "}},
+      {XK_F12, s.control, {" DISplay ON "}},
+      {'u', s.control, {"#  !!! Unknown Command  ?? ", "# \"UNDO \" "}},
+      {'r', s.control, {"#  !!! Unknown Command  ?? ", "# \"REDO \" "}},
+      {'/', s.control, {"#  !! Unknown Command or not implemented for expand  ?? "}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.heads.front() + " by key " + std::to_string(c.key));
+    s.key(c.key, c.modifiers);
+    for (const auto& head : c.heads) ASSERT_NO_THROW(s.wait_for_head(head));
+    s.key(XK_Escape);
+    // The pointer may have been moved onto the grid.
+    point_at(in_edit);
+  }
+  // Unbound keys stay silent: the next line is the one typed.
+  const std::size_t before = s.session_lines().size();
+  for (const KeySym key : {XK_F5, XK_F6, XK_F10}) s.key(key);
+  s.key('o', s.control);
+  s.command("smash off");
+  s.wait_for_line(" SMAsh OFF ");
+  EXPECT_EQ(s.session_lines().size(), before + 1);
+  bye();
+}
+
+TEST_F(Interactive, ButtonsMarkZoomAndSelect) {
+  auto& s = open();
+  const auto whole = s.picture();
+  point_at({400, 200});
+  s.button_down(1);
+  s.wait_for_head(" MARK RECtangle Edit ");
+  s.settle();
+  const auto before = s.picture();
+  point_at({600, 400});
+  // The dotted rectangle reaches the pointer, on all four sides.
+  const auto rubber = s.picture();
+  for (const spot middle : {spot{500, 200}, spot{500, 400}, spot{400, 300}, spot{600, 300}}) {
+    const auto dots = [&](const test_picture& p) {
+      return p.count(white, middle.x - 40, middle.y - 40, middle.x + 40, middle.y + 40);
+    };
+    EXPECT_GT(dots(rubber), dots(before) + 20) << middle.x << "," << middle.y;
+  }
+  s.button_up(1);
+  s.wait_for_head(" VIEw AREa ");
+  s.settle();
+  EXPECT_NE(s.picture().pixels, whole.pixels);
+  s.key(XK_F12, s.shift);
+  s.wait_for_line(" VIEw ALL ");
+
+  s.move(20, 20);
+  s.settle();
+  s.button_down(3);
+  s.wait_for_head(" MARK RECtangle Edit ");
+  point_at({1200, 660});
+  s.button_up(3);
+  s.wait_for_head(" SELect AREa ");
+  s.command("status object edit");
+  s.wait_for_head("#  OBJect : Handle = ");
+  bye();
+}
+
+TEST_F(Interactive, TheWheelZoomsAtThePointerAndScrollsTheList) {
+  auto& s = open("status key\nstatus key");
+  s.wait_for_line("# End of DO ");
+  // On the frame of the block; after some steps in and out the picture is as before.
+  point_at({300, 330});
+  const auto before = s.picture();
+  for (int i = 0; i < 4; ++i) s.click(300, 330, 4);
+  s.settle();
+  const auto zoomed = s.picture();
+  EXPECT_NE(zoomed.pixels, before.pixels);
+  point_at(list_row(3));
+  const auto at_end = s.picture();
+  for (int i = 0; i < 5; ++i) s.click(list_row(3).x, list_row(3).y, 4);
+  s.settle();
+  EXPECT_NE(s.picture().pixels, at_end.pixels);
+  for (int i = 0; i < 5; ++i) s.click(list_row(3).x, list_row(3).y, 5);
+  s.settle();
+  EXPECT_EQ(s.picture().pixels, at_end.pixels);
+  bye();
+}
+
+TEST_F(Interactive, ArrowsMoveThePointerAndTheSheet) {
+  auto& s = open();
+  point_at(in_edit);
+  const auto before = s.picture();
+  const struct {
+    KeySym key, back;
+    unsigned modifier;
+  } moves[] = {{XK_Up, XK_Down, s.shift},
+               {XK_Left, XK_Right, s.shift},
+               {XK_Down, XK_Up, s.alt},
+               {XK_Right, XK_Left, s.alt}};
+  for (const auto& m : moves) {
+    s.key(m.key, m.modifier);
+    s.settle();
+    EXPECT_NE(s.picture().pixels, before.pixels) << m.key;
+    s.key(m.back, m.modifier);
+    s.settle();
+    EXPECT_EQ(s.picture().pixels, before.pixels) << m.key;
+  }
+  // The same point after one step each way, four times as far with control.
+  const auto marked = [&](KeySym key, unsigned modifiers) {
+    s.key(key, modifiers);
+    s.settle();
+    s.command("mark");
+    return s.wait_for_head(" MARK Edit ");
+  };
+  const std::string right = marked(XK_Right, 0);
+  EXPECT_NE(marked(XK_Right, s.control), right);
+  EXPECT_EQ(marked(XK_Left, s.control), right);
+  bye();
+}
+
+TEST_F(Interactive, AHeldFunctionKeyIsOnePressAndOneRelease) {
+  auto& s = open();
+  point_at(in_edit);
+  s.key_down(XK_F3);
+  s.wait_for_head(" MARK RECtangle Edit ");
+  pause(1500);
+  s.key_up(XK_F3);
+  s.wait_for_head("# SELect AREa PROPERTY ");
+  s.command("smash on");
+  s.wait_for_line(" SMAsh ON ");
+  EXPECT_EQ(count_heads(s.session_lines(), " MARK RECtangle Edit "), 1);
+  XKeyboardState state{};
+  XGetKeyboardControl(shared_display().connection(), &state);
+  EXPECT_EQ(state.global_auto_repeat, AutoRepeatModeOn);
+  bye();
+}
+
+TEST_F(Interactive, CapsLockWarnsOnceAndKeepsTheHelpersAway) {
+  auto& s = open();
+  s.key(XK_Caps_Lock);
+  s.wait_for_line("!! Warning : Your Caps Lock Key in ON , So RELEASE IT PLEASE !! ");
+  s.key(XK_Prior);
+  s.wait_for_line("!! Warning : Your Caps Lock Key in ON , So RELEASE IT FIRST Please !! ");
+  s.key(XK_Next);
+  s.wait_for_line("!! Warning : Your Caps Lock Key in ON , So RELEASE IT FIRST Please !! ");
+  s.key(XK_Caps_Lock);
+  s.command("smash on");
+  s.wait_for_line(" SMAsh ON ");
+  EXPECT_EQ(count_heads(s.session_lines(), "!! Warning : Your Caps Lock"), 3);
+  bye();
+}
+
+TEST_F(Interactive, SnappingMovesTheRestingPointerOntoTheGrid) {
+  auto& s = open("snap on");
+  s.wait_for_line("# End of DO ");
+  s.move(701, 503);
+  pause(800);
+  s.command("basepoint");  // rounds by itself; the pointer is there already
+  s.wait_for_head(" BASEpoint ");
+  const auto snapped = s.pointer();
+  s.move(snapped.x + 2, snapped.y + 2);
+  pause(800);
+  EXPECT_EQ(s.pointer().x, snapped.x);
+  EXPECT_EQ(s.pointer().y, snapped.y);
+  bye();
+}
+
+TEST_F(Interactive, TheSessionEndsInEveryWay) {
+  const struct {
+    KeySym key;
+    unsigned modifiers;
+    const char* said;
+  } keys[] = {{'c', test_session::control, " BYE "},   {'d', test_session::control, " QUIT "},
+              {'n', test_session::control, " QUIT "},  {'y', test_session::control, " BYE "},
+              {XK_F9, test_session::control, " BYE "}, {XK_F9, test_session::alt, " QUIT "}};
+  for (const auto& k : keys) {
+    open().key(k.key, k.modifiers);
+    expect_end();
+    EXPECT_EQ(session().session_lines().back(), k.said);
+  }
+  open().ask_to_close();
+  expect_end();
+  EXPECT_EQ(session().session_lines().back(), " BYE ");
+}
+
+TEST_F(Interactive, KeysPressedWhileACommandRunsFollowIt) {
+  directory_.write("slow", "system 'sleep 1'\nsmash on\n");
+  auto& s = open();
+  s.command("do slow");
+  s.wait_for_line("# DO slow ");
+  s.key(XK_F2);
+  s.type("smash off\n");
+  s.wait_for_line(" SMAsh ON ");
+  s.wait_for_line("# End of DO ");
+  s.wait_for_line(" UNSelect ALL ");
+  s.wait_for_line(" SMAsh OFF ");
+
+  // Control+A stops the file after the line in progress.
+  s.command("do slow");
+  s.wait_for_line("# DO slow ");
+  s.key('a', s.control);
+  s.wait_for_line("# End of DO ");
+  EXPECT_EQ(count_heads(s.session_lines(), " SMAsh ON "), 1);
+  bye();
+}
+
+TEST_F(Interactive, AQuestionOfACommandFileIsAnswered) {
+  directory_.write("ask", "readln $VAR3 name?\nview down $VAR3\nsmash on\n");
+  auto& s = open();
+  s.command("do ask");
+  s.wait_for_line("# DO ask ");
+  s.settle();
+  s.type("U1\n");
+  s.wait_for_line(" READln $VAR3 name? U1 ");
+  s.wait_for_head(" VIEw DOWn  ");
+  s.wait_for_line(" SMAsh ON ");
+  // Control+C inside the question ends the whole session; the file is still read to its end.
+  s.command("do ask");
+  s.wait_for_line("# DO ask ");
+  s.key('c', s.control);
+  s.wait_for_line(" BYE ");
+  expect_end();
+}
+
+TEST_F(Interactive, TheWindowIsDrawnAgainWhereItWasCovered) {
+  auto& s = open();
+  // The picture that an exposure leaves: the frame of the command line is the active one.
+  s.cover(0, 0, 50, 50);
+  s.uncover();
+  s.settle();
+  const auto before = s.picture();
+  s.cover(100, 100, 600, 700);
+  s.settle();
+  EXPECT_EQ(s.picture().count(white, 110, 110, 300, 300), 191 * 191);
+  s.uncover();
+  s.settle();
+  EXPECT_EQ(s.picture().pixels, before.pixels);
+  bye();
+}
+
+TEST_F(Interactive, TheWindowMayChangeItsSize) {
+  auto& s = open();
+  for (const auto& [width, height] : {std::pair{600, 400}, {1100, 900}, {220, 120}, {1230, 700}}) {
+    s.resize(width, height);
+    s.settle();
+    const auto picture = s.picture();
+    ASSERT_EQ(picture.width, width);
+    // The command viewport fills its share of the new height and has the active border; the sheet
+    // is in the edit viewport.
+    const int x0 = width * 4 / 1000, x1 = width * 733 / 1000;
+    EXPECT_GT(picture.count(magenta, x0, height * 95 / 100, x1, height - 1), (x1 - x0) * 2);
+    EXPECT_GT(picture.count(yellow, 0, 0, width - 1, height * 3 / 4), 20);
+    EXPECT_EQ(picture.count(yellow, 0, height * 77 / 100, x1, height - 1), 0);
+    s.move(width / 2, height / 3);
+    s.command("smash on");
+    s.wait_for_line(" SMAsh ON ");
+  }
+  bye();
+}
+
+}  // namespace
