@@ -43,8 +43,7 @@ constexpr place_errors_t status_errors = {"# !! Error : Invalid parameter  3 ? "
                                           "# !! Error : Invalid parameter 3 or 4 ? ",
                                           "# !! Error : Invalid parameter 3 or 4 or 5 ? "};
 
-std::string_view place_error(const place_errors_t& errors, const kv_command_t& command,
-                             int first) {
+std::string_view place_error(const place_errors_t& errors, const kv_command_t& command, int first) {
   return errors[static_cast<std::size_t>(command.count() - first)];
 }
 
@@ -93,8 +92,7 @@ void kv_define_menu_cmd(const kv_command_t& command) {
   } else if (gx_equal("A", command.word(3))) {
     define_action(command);
   } else {
-    kv_refuse(refused, command,
-              "# !! Error : invalid parameter 3 (should begin by I or A) ? ", 3);
+    kv_refuse(refused, command, "# !! Error : invalid parameter 3 (should begin by I or A) ? ", 3);
   }
 }
 

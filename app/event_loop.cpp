@@ -75,11 +75,16 @@ void run_and_leave(loop_t& loop, std::string_view command) {
 // Position in the tables below: none, shift, control, alt.
 std::optional<std::size_t> modifier_index(std::uint32_t modifiers) {
   switch (modifiers) {
-    case 0: return 0;
-    case 1: return 1;
-    case 4: return 2;
-    case 8: return 3;
-    default: return {};
+    case 0:
+      return 0;
+    case 1:
+      return 1;
+    case 4:
+      return 2;
+    case 8:
+      return 3;
+    default:
+      return {};
   }
 }
 
@@ -99,11 +104,16 @@ bool is_function_key(std::uint32_t keysym) { return keysym >= XK_F1 && keysym <=
 // Position of an arrow key in its tables.
 std::optional<std::size_t> arrow_index(std::uint32_t keysym) {
   switch (keysym) {
-    case XK_Up: return 0;
-    case XK_Left: return 1;
-    case XK_Down: return 2;
-    case XK_Right: return 3;
-    default: return {};
+    case XK_Up:
+      return 0;
+    case XK_Left:
+      return 1;
+    case XK_Down:
+      return 2;
+    case XK_Right:
+      return 3;
+    default:
+      return {};
   }
 }
 
@@ -151,13 +161,22 @@ void on_plain_key(loop_t& loop, std::uint32_t keysym) {
     return;
   }
   switch (keysym) {
-    case XK_BackSpace: gx_backsp_action(gx_vext.viewport_id, gx_vext.pixel_pos); break;
+    case XK_BackSpace:
+      gx_backsp_action(gx_vext.viewport_id, gx_vext.pixel_pos);
+      break;
     case XK_Delete:
-    case delete_char_key: gx_chardel_action(gx_vext.viewport_id, gx_vext.pixel_pos); break;
+    case delete_char_key:
+      gx_chardel_action(gx_vext.viewport_id, gx_vext.pixel_pos);
+      break;
     case XK_Insert:
-    case insert_char_key: gx_again_action(gx_vext.viewport_id, gx_vext.pixel_pos); break;
-    case XK_Escape: set_command_line(""); break;
-    default: break;
+    case insert_char_key:
+      gx_again_action(gx_vext.viewport_id, gx_vext.pixel_pos);
+      break;
+    case XK_Escape:
+      set_command_line("");
+      break;
+    default:
+      break;
   }
 }
 
@@ -252,6 +271,7 @@ void on_pointer_at_rest(loop_t&, const gx_event_t&) {
 
 void on_exposed(loop_t&, const gx_event_t&) {
   gx_vext.display_rectangle_todo = false;
+  gx_hide_menus();
   gx_clear_window();
   if (kv_pext.file_id_cur > 0) {
     kv_expose_viewport_edit();
@@ -280,9 +300,9 @@ void on_nothing(loop_t&, const gx_event_t&) {}
 
 using action_t = void (*)(loop_t&, const gx_event_t&);
 constexpr std::array<action_t, 17> actions = {
-    on_key_press, on_key_release, on_pointer_moved, on_pointer_at_rest, on_button,
-    on_button,    on_button,      on_button,        on_button,          on_button,
-    on_menu_line, on_menu_outside, on_menu_opening, on_exposed,         on_nothing,
+    on_key_press, on_key_release,  on_pointer_moved, on_pointer_at_rest, on_button,
+    on_button,    on_button,       on_button,        on_button,          on_button,
+    on_menu_line, on_menu_outside, on_menu_opening,  on_exposed,         on_nothing,
     on_nothing,   on_close_asked};
 
 void put_pointer_into_edit_viewport() {

@@ -30,8 +30,8 @@ void clear_lines_from(int level) {
 gx_menu_rec_t chosen_record() {
   const auto level = static_cast<std::size_t>(gx_vext.menu_level);
   const auto lines = std::span(gx_vext.menuline_lev).first(level);
-  const bool all_chosen = std::ranges::all_of(
-      lines, [](int line) { return line >= 1 && line <= gx_max_menu_lines; });
+  const bool all_chosen =
+      std::ranges::all_of(lines, [](int line) { return line >= 1 && line <= gx_max_menu_lines; });
   return all_chosen ? gx_get_menu_rec(lines) : gx_menu_rec_t{};
 }
 

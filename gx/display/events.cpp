@@ -28,15 +28,14 @@ constexpr int rest_ms = 500;     // a pointer that stays that long is at rest
 constexpr int max_key_text = 20;
 
 constexpr std::array<std::string_view, 36> event_name = {
-    "event :!! 0 !!",   "event :!! 1 !!",   "keypress",         "keyrelease",
-    "ButtonPress",      "ButtonRelease",    "MotionNotify",     "enternotify",
-    "leavenotify",      "FocusIn",          "FocusOut",         "keymapnotify",
-    "Expose",           "graphicsExpose",   "noExpose",         "VisibilityNotify",
-    "createnotify",     "destroynotify",    "unmapnotify",      "mapnotify",
-    "maprequest",       "reparentnotify",   "configurenotify",  "configurerequest",
-    "gravitynotify",    "resizerequest",    "circulatenotify",  "circulaterequest",
-    "propertynotify",   "selectionclear",   "selectionrequest", "selectionnotify",
-    "colormapnotify",   "clientmessage",    "mappingnotify",    "lastevent "};
+    "event :!! 0 !!",   "event :!! 1 !!",  "keypress",         "keyrelease",       "ButtonPress",
+    "ButtonRelease",    "MotionNotify",    "enternotify",      "leavenotify",      "FocusIn",
+    "FocusOut",         "keymapnotify",    "Expose",           "graphicsExpose",   "noExpose",
+    "VisibilityNotify", "createnotify",    "destroynotify",    "unmapnotify",      "mapnotify",
+    "maprequest",       "reparentnotify",  "configurenotify",  "configurerequest", "gravitynotify",
+    "resizerequest",    "circulatenotify", "circulaterequest", "propertynotify",   "selectionclear",
+    "selectionrequest", "selectionnotify", "colormapnotify",   "clientmessage",    "mappingnotify",
+    "lastevent "};
 
 std::int16_t inside(int v, int size) {
   return static_cast<std::int16_t>(std::max(1, std::min(v, size - 1)));
@@ -348,16 +347,15 @@ bool only_shrinks(const XConfigureEvent& configure) {
 }
 
 bool asks_to_close(const XClientMessageEvent& message) {
-  return message.format == 32 &&
-         message.message_type == gx_vext.wm_protocols &&
+  return message.format == 32 && message.message_type == gx_vext.wm_protocols &&
          static_cast<Atom>(message.data.l[0]) == gx_vext.wm_delete_window;
 }
 
 void read_other(int type) {
   const auto index = static_cast<std::size_t>(type);
   const std::string_view name = index < event_name.size() ? event_name[index] : "Unknown??";
-  gx_debug(" !!!  GX_INPUT_EVENT_WAIT   ==>   Other events  !!  kind:%d  event_name:'%.*s' \n", type,
-           static_cast<int>(name.size()), name.data());
+  gx_debug(" !!!  GX_INPUT_EVENT_WAIT   ==>   Other events  !!  kind:%d  event_name:'%.*s' \n",
+           type, static_cast<int>(name.size()), name.data());
 }
 
 // --- looking ahead
@@ -371,8 +369,7 @@ Bool gx_good_event(Display*, XEvent* event, XPointer argument) {
   const auto* const wanted = reinterpret_cast<const wanted_key_t*>(argument);
   if (event->type != wanted->type) return False;
   XKeyEvent key = event->xkey;
-  const std::uint32_t keysym =
-      key_meaning(key, " !!! error gx_good_event  buflen : ");
+  const std::uint32_t keysym = key_meaning(key, " !!! error gx_good_event  buflen : ");
   return keysym == wanted->keysym && key.state == wanted->modifiers ? True : False;
 }
 
@@ -405,7 +402,9 @@ gx_event_t gx_input_event_wait() {
       read_motion(x, event);
       break;
     case FocusIn:
-    case FocusOut: read_focus(x.xfocus); break;
+    case FocusOut:
+      read_focus(x.xfocus);
+      break;
     case Expose:
       if (x.xexpose.window == gx_vext.win) read_exposure(event);
       break;
@@ -416,14 +415,18 @@ gx_event_t gx_input_event_wait() {
       gx_vext.lasttime = xtimems();
       gx_debug_line(" !!!  GX_INPUT_EVENT_WAIT   ==>  VisibilityNotify  !! ");
       break;
-    case MappingNotify: XRefreshKeyboardMapping(&x.xmapping); break;
+    case MappingNotify:
+      XRefreshKeyboardMapping(&x.xmapping);
+      break;
     case ClientMessage:
       if (asks_to_close(x.xclient)) {
         event.kind = gx_event_kind::close_asked;
         break;
       }
       [[fallthrough]];
-    default: read_other(x.type); break;
+    default:
+      read_other(x.type);
+      break;
   }
   return event;
 }

@@ -38,8 +38,8 @@ struct gx_event_t {
 // Blocks until one event has been read. Keeps the pointer state, the key state and the window size
 // in gx_vext up to date on the way.
 gx_event_t gx_input_event_wait();
-// Removes a queued key press (kind 0) or release (kind 1) with that keysym and modifiers; false when
-// there is none, for other kinds, and without a display.
+// Removes a queued key press (kind 0) or release (kind 1) with that keysym and modifiers; false
+// when there is none, for other kinds, and without a display.
 bool gx_find_event(int kind, std::uint32_t keysym, std::uint32_t modifiers);
 void gx_input_enable(long mask);
 

@@ -53,8 +53,8 @@ std::string_view shown_text(const gx_menu_rec_t& record) {
 // --- where it shows it
 
 struct level_place_t {
-  int x = 0, y = 0;            // top left of the frame
-  int width = 0, height = 0;   // of the frame
+  int x = 0, y = 0;                       // top left of the frame
+  int width = 0, height = 0;              // of the frame
   int saved_width = 0, saved_height = 0;  // of the area kept, from (x - 1, y - 1)
 };
 
@@ -241,17 +241,18 @@ void gx_select_line_menu(gx_vpid_t vpid, int level) {
 void gx_restore_menu(gx_vpid_t vpid, int level) {
   if (gx_vext.dpy == nullptr) return;
   check_shown("gx_restore_menu", vpid, level);
-  copy_picture_back(level);
+  if (!gx_vext.menu_hidden) copy_picture_back(level);
   const int parent = level - 1;
   gx_vext.menu_level = parent;
   gx_vext.menu_drawn = parent > 0;
+  if (parent == 0) gx_vext.menu_hidden = false;
   if (parent == 0) {
     move_pointer_into(1, middle_of_level(1));
   } else {
     make_current(parent);
     const int line = gx_vext.menuline_lev[entry(parent)];
-    move_pointer_into(parent, is_line(line) ? middle_of_line(parent, line)
-                                            : middle_of_level(parent));
+    move_pointer_into(parent,
+                      is_line(line) ? middle_of_line(parent, line) : middle_of_level(parent));
   }
   gx_viewport_select(vpid);
 }
@@ -261,12 +262,14 @@ void gx_close_menus(gx_vpid_t vpid) {
 }
 
 void gx_hide_menus() {
-  if (gx_vext.dpy == nullptr || !gx_vext.menu_drawn) return;
+  if (gx_vext.dpy == nullptr || !gx_vext.menu_drawn || gx_vext.menu_hidden) return;
   for (int level = gx_vext.menu_level; level >= 1; --level) copy_picture_back(level);
+  gx_vext.menu_hidden = true;
 }
 
 void gx_redraw_menus(gx_vpid_t vpid) {
-  if (gx_vext.dpy == nullptr || !gx_vext.menu_drawn || !gx_viewport_ok(vpid)) return;
+  if (gx_vext.dpy == nullptr || !gx_vext.menu_hidden || !gx_viewport_ok(vpid)) return;
+  gx_vext.menu_hidden = false;
   const gx_point16_t pointer = gx_vext.pixel_pos;
   const int deepest = gx_vext.menu_level;
   int x = gx_vext.menu_lev_extbounds[0].xmin + 1;

@@ -83,9 +83,7 @@ bool read_entry(std::string_view line, line_place_t& place) {
 
 constexpr std::string_view line_heads[] = {"1 '", "2   '", "3     '", "4       '"};
 
-void put(std::FILE* file, std::string_view text) {
-  std::fwrite(text.data(), 1, text.size(), file);
-}
+void put(std::FILE* file, std::string_view text) { std::fwrite(text.data(), 1, text.size(), file); }
 
 // Writes the lines below `index`, depth first.
 void print_below(std::FILE* file, std::array<int, gx_max_menu_levels>& index, std::size_t level) {

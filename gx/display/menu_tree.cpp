@@ -16,11 +16,16 @@ constexpr std::size_t max_display_length = 18;
 // Entry (i1, i2, ...) of a level is at ((i1 - 1) * 12 + (i2 - 1)) * 12 + ...
 std::span<record_ptr> level_records(std::size_t level) {
   switch (level) {
-    case 1: return gx_vext.menu1_arofptr;
-    case 2: return gx_vext.menu2_arofptr;
-    case 3: return gx_vext.menu3_arofptr;
-    case 4: return gx_vext.menu4_arofptr;
-    default: return {};
+    case 1:
+      return gx_vext.menu1_arofptr;
+    case 2:
+      return gx_vext.menu2_arofptr;
+    case 3:
+      return gx_vext.menu3_arofptr;
+    case 4:
+      return gx_vext.menu4_arofptr;
+    default:
+      return {};
   }
 }
 
@@ -99,5 +104,5 @@ void gx_clear_menus() {
   gx_vext.menuline_lev.fill(0);
   gx_vext.prelinsel_lev.fill(0);
   gx_vext.menu_level = 0;
-  gx_vext.menu_drawn = false;
+  gx_vext.menu_drawn = gx_vext.menu_hidden = false;
 }

@@ -8,7 +8,8 @@
 
 inline constexpr int gx_max_menu_levels = 4;
 
-// --- the tree (menu_tree.cpp). `index` holds 1..4 indices, each 1..12: the place in the tree; their
+// --- the tree (menu_tree.cpp). `index` holds 1..4 indices, each 1..12: the place in the tree;
+// their
 //     count is the level. Sub-lines belong to the index, not to the text of the line above them.
 // Longer display strings are cut to 18 characters. A bad index stops with invalid_level.
 void gx_def_menu_rec(std::span<const int> index, std::string_view str, bool cmd_on,
@@ -33,8 +34,8 @@ void gx_draw_menu(gx_vpid_t vpid, int level);
 void gx_select_line_menu(gx_vpid_t vpid, int level);  // moves the highlight to menuline_lev
 void gx_restore_menu(gx_vpid_t vpid, int level);      // closes the deepest level
 void gx_close_menus(gx_vpid_t vpid);                  // closes all levels
-// Takes the levels shown off the screen while something draws under them, and shows them again.
-// After an exposure, which clears the window, only the second is needed.
+// Takes the levels shown off the screen while something draws under them, and shows them again if
+// they are hidden and still open.
 void gx_hide_menus();
 void gx_redraw_menus(gx_vpid_t vpid);
 // The line of a level under the pixel row `y`, 1..12.

@@ -141,9 +141,12 @@ void gx_draw_new_viewport_border(gx_vpid_t vpid, int pixel_width, int color) {
 
 void gx_clear_viewport(gx_vpid_t vpid) {
   if (!gx_drawing_possible()) return;
-  const gx_bounds16_t& p = gx_viewport_rec(vpid).pixel_bounds;
+  const auto& vp = gx_viewport_rec(vpid);
+  const gx_bounds16_t& p = vp.pixel_bounds;
   const gx_batch_t batch;
-  gx_pen_clear(p.xmin + 3, p.ymin + 3, p.xmax - p.xmin - 6, p.ymax - p.ymin - 6);
+  // All that the clip rectangle lets through is cleared, up to the border of the present width.
+  const int w = std::max<int>(vp.border.pixel_width, 1);
+  gx_pen_clear(p.xmin + w, p.ymin + w, p.xmax - p.xmin + 1 - 2 * w, p.ymax - p.ymin + 1 - 2 * w);
   gx_draw_viewport_border(vpid);
 }
 

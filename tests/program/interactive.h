@@ -48,8 +48,8 @@ class Interactive : public testing::Test {
       directory_.write("do", commands + "\n");
       words.push_back("do");
     }
-    session_ = std::make_unique<test_session>(shared_display(),
-                                              start_of(words, {"VELMORAN=" + product}));
+    session_ =
+        std::make_unique<test_session>(shared_display(), start_of(words, {"VELMORAN=" + product}));
     session_->wait_for_line("# KIVO  version 2.02");
     session_->settle();
     return *session_;
@@ -61,6 +61,11 @@ class Interactive : public testing::Test {
     EXPECT_EQ(ended.status, 0);
     EXPECT_EQ(ended.signal, 0);
     EXPECT_NE(ended.out.find("\n -- KIVO  Execution complete..."), ended.out.npos);
+  }
+  int count_lines(std::string_view head) const {
+    int count = 0;
+    for (const auto& line : session_->session_lines()) count += line.starts_with(head);
+    return count;
   }
   void bye() {
     session_->command("bye");
@@ -77,7 +82,7 @@ class Interactive : public testing::Test {
   }
   static constexpr spot in_edit = {700, 500};
   // Above the character `column` of the command line, from 1.
-  static constexpr spot command_column(int column) { return {108 + (column - 1) * 14, 895}; }
+  static constexpr spot command_column(int column) { return {94 + (column - 1) * 14, 895}; }
   // Over the first character of the row of the list, from 1.
   static constexpr spot list_row(int row) { return {10, 719 + (row - 1) * 24}; }
   // On the text of a line of the menu level that opens at x = `left`.
@@ -91,4 +96,4 @@ class Interactive : public testing::Test {
 };
 
 inline constexpr std::uint32_t red = 0xFF0000, white = 0xFFFFFF, magenta = 0xFF00FF,
-                               yellow = 0xFFFF00;
+                               yellow = 0xFFFF00, blue = 0x0000FF;

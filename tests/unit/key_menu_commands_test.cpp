@@ -63,15 +63,14 @@ TEST_F(KeyMenuCommands, MenuLinesAreDefinedAndShown) {
   expect("sta men 2 7", {" STAtus MENu 2 7 ", "# text : \"UNSELECT AREA \" "});
   // The longest label that fits, and one character more.
   expect("def men item '123456789012345678' 7", {" DEFine MENu item '123456789012345678' 7 "});
-  expect("def men item 1234567890123456789 7",
-         {"# DEFine MENu item 1234567890123456789 7 ",
-          "# !! Error : string size Invalid ? (>18) "});
+  expect("def men item 1234567890123456789 7", {"# DEFine MENu item 1234567890123456789 7 ",
+                                                "# !! Error : string size Invalid ? (>18) "});
   expect("sta men 7", {" STAtus MENu 7 ", "# text : \"123456789012345678\" "});
 }
 
 TEST_F(KeyMenuCommands, BadMenuPlacesAreRefused) {
-  expect("def men X L 1", {"# DEFine MENu X L 1 ",
-                           "# !! Error : invalid parameter 3 (should begin by I or A) ? "});
+  expect("def men X L 1",
+         {"# DEFine MENu X L 1 ", "# !! Error : invalid parameter 3 (should begin by I or A) ? "});
   expect("def men item L", {"# DEFine MENu ItemL ", bad_count});
   expect("def men item L 1 2 3", {"# DEFine MENu ItemL 1 2 3 ", bad_count});
   expect("def men action L c", {"# DEFine MENu ActionL c ", bad_count});

@@ -1,4 +1,6 @@
 // Key names, the menu tree and its file, and the defaults of a session, without a display.
+#include <X11/keysym.h>
+
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -12,8 +14,6 @@
 #include "gx/text/strings.h"
 #include "platform/key_lookup.h"
 #include "tests/unit/fatal_stop.h"
-
-#include <X11/keysym.h>
 
 namespace {
 
@@ -65,17 +65,17 @@ std::string text_at(std::vector<int> index) {
 
 TEST_F(KeysAndMenus, EachKeyNameHasItsOwnSlot) {
   const std::pair<const char*, gx_string_record_t*> slots[] = {
-      {"f1", &gx_vext.action_f[0]},      {"F12", &gx_vext.action_f[11]},
-      {"f1S", &gx_vext.action_fs[0]},    {"f10c", &gx_vext.action_fc[9]},
-      {"f9a", &gx_vext.action_fa[8]},    {"f1u", &gx_vext.action_fup[0]},
-      {"f2us", &gx_vext.action_fsup[1]}, {"f11UC", &gx_vext.action_fcup[10]},
+      {"f1", &gx_vext.action_f[0]},        {"F12", &gx_vext.action_f[11]},
+      {"f1S", &gx_vext.action_fs[0]},      {"f10c", &gx_vext.action_fc[9]},
+      {"f9a", &gx_vext.action_fa[8]},      {"f1u", &gx_vext.action_fup[0]},
+      {"f2us", &gx_vext.action_fsup[1]},   {"f11UC", &gx_vext.action_fcup[10]},
       {"f12ua", &gx_vext.action_faup[11]}, {"au", &gx_vext.action_a[0]},
-      {"als", &gx_vext.action_as[1]},    {"adc", &gx_vext.action_ac[2]},
-      {"ara", &gx_vext.action_aa[3]},    {"aua", &gx_vext.action_aa[0]},
-      {"b1", &gx_vext.action_but[0]},    {"B1U", &gx_vext.action_but[1]},
-      {"b2", &gx_vext.action_but[2]},    {"b2u", &gx_vext.action_but[3]},
-      {"b3", &gx_vext.action_but[4]},    {"b3u", &gx_vext.action_but[5]},
-      {"cntl_n", &gx_vext.action_ck[0]}, {"CNTL_Z", &gx_vext.action_ck[12]}};
+      {"als", &gx_vext.action_as[1]},      {"adc", &gx_vext.action_ac[2]},
+      {"ara", &gx_vext.action_aa[3]},      {"aua", &gx_vext.action_aa[0]},
+      {"b1", &gx_vext.action_but[0]},      {"B1U", &gx_vext.action_but[1]},
+      {"b2", &gx_vext.action_but[2]},      {"b2u", &gx_vext.action_but[3]},
+      {"b3", &gx_vext.action_but[4]},      {"b3u", &gx_vext.action_but[5]},
+      {"cntl_n", &gx_vext.action_ck[0]},   {"CNTL_Z", &gx_vext.action_ck[12]}};
   for (const auto& [name, slot] : slots) {
     EXPECT_TRUE(gx_set_key_action(name, std::string("run ") + name)) << name;
     EXPECT_EQ(gx_view(*slot), std::string("run ") + name);
@@ -88,9 +88,9 @@ TEST_F(KeysAndMenus, EachKeyNameHasItsOwnSlot) {
 }
 
 TEST_F(KeysAndMenus, OtherNamesAreNoKeys) {
-  for (const char* name : {"", "f", "a", "b", "f0", "f00", "f01", "f13", "f1x", "f1su", "f1uu", "b0",
-                           "b4", "b1s", "b1uu", "as", "uua", "cntl_", "cntl_m", "cntl_nn", "cntln",
-                           "f1 ", " f1"}) {
+  for (const char* name : {"",    "f",     "a",      "b",       "f0",    "f00", "f01",  "f13",
+                           "f1x", "f1su",  "f1uu",   "b0",      "b4",    "b1s", "b1uu", "as",
+                           "uua", "cntl_", "cntl_m", "cntl_nn", "cntln", "f1 ", " f1"}) {
     EXPECT_FALSE(gx_set_key_action(name, "x")) << name;
     EXPECT_EQ(action(name), "unknown") << name;
   }
@@ -101,11 +101,11 @@ TEST_F(KeysAndMenus, PadKeysAndDeadAccentsTypeWhatTheyShow) {
     KeySym key;
     const char* text;
     KeySym meaning;
-  } cases[] = {{XK_KP_7, "7", '7'},         {XK_KP_Decimal, ",", ','},
-               {XK_KP_Add, "+", '+'},       {XK_KP_Enter, "\r", XK_Return},
-               {XK_KP_Left, "", XK_Left},   {XK_dead_circumflex, "", '^'},
-               {XK_dead_tilde, "", '~'},    {XK_eacute, "\xE9", XK_eacute},
-               {'z', "z", 'z'},             {XK_F3, "", XK_F3}};
+  } cases[] = {{XK_KP_7, "7", '7'},       {XK_KP_Decimal, ",", ','},
+               {XK_KP_Add, "+", '+'},     {XK_KP_Enter, "\r", XK_Return},
+               {XK_KP_Left, "", XK_Left}, {XK_dead_circumflex, "", '^'},
+               {XK_dead_tilde, "", '~'},  {XK_eacute, "\xE9", XK_eacute},
+               {'z', "z", 'z'},           {XK_F3, "", XK_F3}};
   for (const auto& c : cases) EXPECT_EQ(xplainkey(c.key, c.text), c.meaning) << c.key;
 }
 
@@ -115,9 +115,9 @@ TEST_F(KeysAndMenus, ThePlaceInTheTreeFollowsFromTheOrderOfTheLines) {
       "1 'ONE' \n"
       "1'TWO' 'run two'\n"
       "2   noise 'TWO ONE' more ' cmd ; x '\n"
-      "4 'DEEP'\n"                 // (2,1,1,1): counters of the levels passed over are 1
-      "3 'NEXT'\n"                 // shallower: (2,1,2)
-      "2 'TWO TWO' 'half\n"        // no second quote: no command
+      "4 'DEEP'\n"           // (2,1,1,1): counters of the levels passed over are 1
+      "3 'NEXT'\n"           // shallower: (2,1,2)
+      "2 'TWO TWO' 'half\n"  // no second quote: no command
       "3 'BELOW'\n"
       "1 'THREE'\n"
       "2 'A label of twenty-five ch' 'c'\n");
@@ -183,8 +183,8 @@ TEST_F(KeysAndMenus, ABadLineEndsTheReadingWithItsMessage) {
   gx_read_menu("");
   EXPECT_EQ(gx_vext.num_errors, errors);
   gx_read_menu("/no/such");
-  EXPECT_EQ(shown(2), (std::vector<std::string>{"# $rmenu ",
-                                                "# !!! error : file not found : \"/no/such\""}));
+  EXPECT_EQ(shown(2),
+            (std::vector<std::string>{"# $rmenu ", "# !!! error : file not found : \"/no/such\""}));
   EXPECT_EQ(text_at({1}), "KEPT|-");
   gx_print_menu("/no/such/file");
   EXPECT_EQ(shown(2),

@@ -67,6 +67,7 @@ TEST_F(Product, EveryCommandHasItsHelpInEverySpelling) {
   }
 }
 
+// The list shows 60 characters of a line, and a text begins with three of its own.
 TEST_F(Product, TextsFitTheList) {
   int files = 0;
   for (const auto& entry : fs::recursive_directory_iterator(product)) {
@@ -77,7 +78,7 @@ TEST_F(Product, TextsFitTheList) {
     }
     ++files;
     for (const std::string& line : split_lines(read_file(entry.path()))) {
-      EXPECT_LE(line.size(), 60U) << entry.path() << ": " << line;
+      EXPECT_LE(line.size(), 57U) << entry.path() << ": " << line;
     }
   }
   EXPECT_GT(files, 40);
