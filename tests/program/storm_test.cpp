@@ -78,6 +78,7 @@ TEST_F(Interactive, TenThousandRandomEventsDoNoHarm) {
   const auto ended = s.process().wait(test_time(300000));
   EXPECT_EQ(ended.status, 0) << ended.out << ended.err;
   EXPECT_EQ(ended.signal, 0);
+  EXPECT_GT(s.session_lines().size(), 500U);
   EXPECT_NE(ended.out.find("Execution complete"), ended.out.npos);
 }
 
