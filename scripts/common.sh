@@ -2,7 +2,7 @@
 # Sourced, with the top of the project as current directory.
 
 packages=(cmake ninja-build g++ ccache pkg-config libx11-dev libxtst-dev libgtest-dev
-          libbenchmark-dev xvfb xauth x11-utils xdotool xfonts-base imagemagick ngspice hp2xx
+          libbenchmark-dev xvfb xauth xdotool imagemagick ngspice hp2xx
           python3)
 
 # Installs what is missing of the packages; touches nothing when all are there.
