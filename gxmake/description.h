@@ -70,7 +70,7 @@ struct gxm_pin_t {
   std::vector<gxm_property_t> properties{};
 };
 
-// Where the instances of a symbol show a property: their own value or else the symbol's.
+// Where the instances of a symbol show a property of their own.
 struct gxm_show_t {
   std::string name{};
   gx_pointreal_t at{};  // relative to the instance's origin, as seen on the sheet unturned
@@ -82,7 +82,8 @@ struct gxm_symbol_t {
   std::string name{};  // of its directory
   gxm_source_t source{};
   std::vector<gxm_shape_t> shapes{};
-  std::vector<gxm_property_t> properties{};
+  std::vector<gxm_property_t> properties{};  // of the symbol: no instance may have one of the name
+  std::vector<gxm_property_t> defaults{};    // of each instance that does not give its own
   std::vector<gxm_pin_t> pins{};
   std::vector<gxm_show_t> shows{};
 };

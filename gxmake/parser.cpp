@@ -143,6 +143,7 @@ class parser {
   void polyline(statement_t& s) { add_shape(s, gx_type::polyline_2d, 2, 16, "color style"); }
   void text(statement_t& s);
   void pin(statement_t& s);
+  void default_value(statement_t& s);
   void show(statement_t& s);
   void prop(statement_t& s);
   void pin_prop(statement_t& s);
@@ -179,6 +180,7 @@ const keyword_t parser::keywords[] = {
     {"polyline", ~unsigned{top}, &parser::polyline, "polyline x,y x,y ... [color C] [style N]"},
     {"text", ~unsigned{top}, &parser::text, "text TEXT at x,y [height H] [color C] [vertical]"},
     {"pin", in_symbol, &parser::pin, "pin NAME x,y [TYPE] [bits A:B] [at x,y] [NAME=VALUE ...]"},
+    {"default", in_symbol, &parser::default_value, "default NAME=VALUE ..."},
     {"show", in_symbol, &parser::show, "show NAME x,y [height H] [color C]"},
     {"prop", ~unsigned{top | in_sheet}, &parser::prop,
      "prop NAME=VALUE ... [at x,y] [height H] [color C] [vertical]"},
@@ -365,6 +367,13 @@ void parser::pin(statement_t& s) {
   for (const auto& assignment : o.properties)
     pin.properties.push_back(property(assignment, options_t{}));
   symbol().pins.push_back(std::move(pin));
+}
+
+void parser::default_value(statement_t& s) {
+  const auto o = options(s, "=");
+  if (o.properties.empty()) throw complaint_t{"NAME=VALUE is missing"};
+  for (const auto& assignment : o.properties)
+    symbol().defaults.push_back(property(assignment, o));
 }
 
 void parser::show(statement_t& s) {

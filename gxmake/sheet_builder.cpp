@@ -92,6 +92,12 @@ class sheet_builder {
   void add_part(const gxm_part_t& part) {
     auto& used = used_[part.symbol];
     if (!used.symbol) return;
+    for (const auto& property : part.properties)
+      for (const auto& fixed : used.symbol->properties)
+        if (gx_iden(property.name, fixed.name))
+          gxm_complain(messages_, part.source,
+                       "part " + part.name + ": " + property.name + " is fixed by the symbol " +
+                           part.symbol + " (make it a default there)");
     auto& instance = gxm_add<gx_object_instance_rec_t>(tree_, instances_, part.at);
     const auto id = instance.gene.object_id;
     instance.rotate = part.rotate;
@@ -114,7 +120,7 @@ class sheet_builder {
     add_pins(part, *used.symbol, id);
   }
 
-  // The name, the shown properties and those of the part's own, each once.
+  // The name, those that the part gives, and the defaults of the symbol for the rest.
   static std::vector<gxm_property_t> body_properties(const gxm_part_t& part,
                                                      const gxm_symbol_t& symbol) {
     std::vector<gxm_property_t> properties;
@@ -133,15 +139,11 @@ class sheet_builder {
       properties.push_back(
           {.name = std::string(name_property), .value = part.name, .at = part.name_at});
     properties.insert(properties.end(), part.properties.begin(), part.properties.end());
+    for (const auto& value : symbol.defaults)
+      if (named(properties, value.name) == properties.end()) properties.push_back(value);
     for (const auto& show : symbol.shows) {
-      auto own = named(properties, show.name);
-      if (own == properties.end()) {
-        const auto given = named(symbol.properties, show.name);
-        if (given == symbol.properties.end()) continue;
-        properties.push_back({.name = given->name, .value = given->value, .at = {}});
-        own = std::prev(properties.end());
-      }
-      if (own->at) continue;
+      const auto own = named(properties, show.name);
+      if (own == properties.end() || own->at) continue;
       own->at = show.at;
       own->height = show.height;
       own->color = show.color;

@@ -1,4 +1,6 @@
 // The main job on the designs that users start from: open, expand, write the netlist.
+#include <algorithm>
+
 #include "gxmake/memory_array.h"
 #include "tests/program/listing.h"
 #include "tests/program/program_fixture.h"
@@ -31,7 +33,9 @@ TEST(Examples, RegisterExpandsThroughThreeLevels) {
   EXPECT_EQ(ended.status, 0) << ended.err;
   EXPECT_TRUE(ended.out.ends_with(no_faults)) << ended.out;
 
-  const auto session = directory.lines("register/current_session");
+  auto session = directory.lines("register/current_session");
+  // What stands before are the key bindings of the product directory.
+  session.erase(session.begin(), std::find(session.begin(), session.end(), "# KIVO  version 2.02"));
   const std::vector<std::string> beginning = {"# KIVO  version 2.02",
                                               "# DO expand.do ",
                                               " PRIMitive CLASS ",
@@ -124,6 +128,30 @@ TEST(Examples, ASecondRunGivesTheSameBytes) {
 
   EXPECT_EQ(run_program(shared_display(), start).status, 0);
   EXPECT_EQ(directory.read("register/design_kv"), image);
+}
+
+TEST(Examples, EverySheetPassesTheCheck) {
+  const struct {
+    const char *name, *commands;
+    int sheets;
+  } cases[] = {{"register",
+                "CHECK SHEET\nVIEW DOWN XR\nCHECK SHEET\nVIEW DOWN X3\nCHECK SHEET\nVIEW UP\n"
+                "VIEW DOWN XCK\nCHECK SHEET\nBYE\n",
+                4},
+               {"filter", "CHECK SHEET\nVIEW DOWN X1\nCHECK SHEET\nBYE\n", 2}};
+  for (const auto& c : cases) {
+    scratch_directory directory;
+    make_design_of_file(
+        directory, std::string(KIVO_SOURCE_DIR "/examples/") + c.name + "/" + c.name + ".gxt");
+    directory.write("check.do", c.commands);
+    run_program(shared_display(), {.directory = directory.path(), .words = {c.name, "check.do"}});
+    int clean = 0;
+    for (const auto& line : directory.lines(std::string(c.name) + "/current_session")) {
+      EXPECT_FALSE(line.starts_with("# !! Error")) << line;
+      clean += line == "# CHEck  SHEet > nb_error    = 0 ";
+    }
+    EXPECT_EQ(clean, c.sheets) << c.name;
+  }
 }
 
 TEST(Examples, MemoryArraysExpandToWhatTheirSizeSays) {

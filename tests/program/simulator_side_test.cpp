@@ -55,11 +55,11 @@ TEST(SimulatorSide, NgspiceReadsTheExportedExamples) {
   } cases[] = {// the third latch follows its bit while the clock is high, the fourth has none yet
                {"register",
                 "models.inc",
-                {"\nM.XR.X2.MP1 R:X2:N_313 D_2 VDD VDD pch W=2 L=1\n",
+                {"\nM.XR.X2.MP1 R:X2:N_311 D_2 VDD VDD pch W=2 L=1\n",
                  "\nVCLK CLK GND PULSE(0 1.8 5n 100p 100p 5n 10n)\n", "\nCL3 Q_3 GND 20f\n"}},
                {"filter",
                 "analysis.inc",
-                {"\nE.X1.E1 1:N_174 GND B OUT GAIN=10000\n", "\nVIN IN GND DC 0.9 AC 1\n",
+                {"\nE.X1.E1 1:N_171 GND B OUT GAIN=10000\n", "\nVIN IN GND DC 0.9 AC 1\n",
                  "\nC.X1.C1 1:POLE GND 10n\n"}}};
   for (const auto& c : cases) {
     scratch_directory directory;

@@ -13,7 +13,8 @@ symbol two              # pins 1 above 2
   line 0,0 0,4
   pin 1 0,0 IXO
   pin 2 0,4 IXO
-  prop CLASS=R VALUE=1k
+  prop CLASS=R
+  default VALUE=1k
   show VALUE 1,2
 symbol wide
   pin D 0,0 IN bits 0:3
@@ -261,6 +262,8 @@ TEST(GxMake, MistakesAreToldWithTheirLine) {
       {"symbol s\n wire 0,0 1,1", "test:2: \"wire\" cannot stand here"},
       {"symbol s\nsymbol s", "test:2: a second symbol s (the first is in line 1)"},
       {"sheet t\n part U1 nothing 1,1", "test:2: part U1: there is no symbol nothing"},
+      {"symbol s\n prop W=1\nsheet t\n part U1 s 1,1 w=2",
+       "test:4: part U1: w is fixed by the symbol s (make it a default there)"},
       {"sheet t\n part U1 s 1,1 rotate 4", "test:2: 0..3 quarter turns expected, not \"4\""},
       {"sheet t\n bus D 1:1", "test:2: a bus of two bits or more expected"},
       {"sheet t\n net A\n wire 1,1", "test:3: two stops or more expected"},
