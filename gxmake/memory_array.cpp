@@ -117,8 +117,8 @@ sheet row)" + n(number) +
                      "\n  page 100,40\n";
   text += port("WL", "", 4) + port("BL", "0:7", 8) + port("BLB", "0:7", 12) + port("CK", "", 16);
   for (int i = 0; i < 8; ++i)
-    text += "  part C" + n(i) + " bitcell" + n((i + number) % variants) + " " + n(8 + 9 * i) +
-            "," + n(18 + i * i % 7) + "\n";
+    text += "  part C" + n(i) + " bitcell" + n((i + number) % variants) + " " + n(8 + 9 * i) + "," +
+            n(18 + i * i % 7) + "\n";
   for (const char* pin : {"WL", "CK"}) {
     text += std::string("  net ") + pin + "\n    wire " + pin;
     for (int i = 7; i >= 0; --i) text += " C" + n(i) + "." + pin;
@@ -163,8 +163,8 @@ sheet block
   for (const char* pin : {"BL", "BLB"}) {
     text += std::string("  bus ") + pin + " 0:7\n    wire " + pin + all_rows(pin);
     for (int i = *pin == 'B' && pin[2] ? 1 : 0; i < 12; i += 2)
-      text += "    wire R0." + std::string(pin) + " MP" + n(i) + ".D width 1\n    bit " +
-              n(i % 8) + " MP" + n(i) + ".D\n";
+      text += "    wire R0." + std::string(pin) + " MP" + n(i) + ".D width 1\n    bit " + n(i % 8) +
+              " MP" + n(i) + ".D\n";
   }
   text += "  net CK\n    wire CK" + all_rows("CK");
   for (int i = 0; i < 12; ++i) text += "    wire R0.CK MP" + n(i) + ".G\n";

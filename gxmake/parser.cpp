@@ -372,8 +372,7 @@ void parser::pin(statement_t& s) {
 void parser::default_value(statement_t& s) {
   const auto o = options(s, "=");
   if (o.properties.empty()) throw complaint_t{"NAME=VALUE is missing"};
-  for (const auto& assignment : o.properties)
-    symbol().defaults.push_back(property(assignment, o));
+  for (const auto& assignment : o.properties) symbol().defaults.push_back(property(assignment, o));
 }
 
 void parser::show(statement_t& s) {

@@ -141,8 +141,8 @@ TEST(Examples, EverySheetPassesTheCheck) {
                {"filter", "CHECK SHEET\nVIEW DOWN X1\nCHECK SHEET\nBYE\n", 2}};
   for (const auto& c : cases) {
     scratch_directory directory;
-    make_design_of_file(
-        directory, std::string(KIVO_SOURCE_DIR "/examples/") + c.name + "/" + c.name + ".gxt");
+    make_design_of_file(directory,
+                        std::string(KIVO_SOURCE_DIR "/examples/") + c.name + "/" + c.name + ".gxt");
     directory.write("check.do", c.commands);
     run_program(shared_display(), {.directory = directory.path(), .words = {c.name, "check.do"}});
     int clean = 0;
