@@ -42,7 +42,7 @@ class Interactive : public testing::Test {
             .program = {}};
   }
   // Opens the window. `commands` run first, from a file.
-  test_session& open(const std::string& commands = "", const std::string& product = "nowhere") {
+  test_session& open(const std::string& commands = "", const std::string& product = "/nowhere") {
     std::vector<std::string> words = {"top"};
     if (!commands.empty()) {
       directory_.write("do", commands + "\n");

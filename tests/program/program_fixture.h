@@ -49,7 +49,8 @@ struct process_result {
 };
 
 // Where and how the program runs. `words` are its arguments, the design directory first;
-// `environment` entries are NAME=VALUE and win over those of the test.
+// `environment` entries are NAME=VALUE and win over those of the test, which has no product
+// directory: VELMORAN=KIVO_PRODUCT_DIR gives the one that is shipped.
 struct program_start {
   std::filesystem::path directory{};  // current directory of the process
   std::vector<std::string> words{};
