@@ -134,20 +134,6 @@ TEST_F(Menus, AnOpenMenuOutlivesCoverSizeAndCommands) {
   bye();
 }
 
-TEST_F(Menus, TheBuiltInMenuChangesWhatAButtonDoes) {
-  auto& s = open();
-  press_menu();
-  // BASIC, VIEW AREA: (12 + 2) * 14 pixels wide.
-  open_line(left1, (13 + 2) * 14, 3);
-  point_at(menu_line(left1 + (13 + 2) * 14 + 1, 7));
-  s.button_up(2);
-  s.wait_for_head(" DEFine KEY B1 ");
-  s.wait_for_head(" DEFine KEY B1U ");
-  s.command("status key b1u");
-  s.wait_for_line("# KEY : b1u view area   ");
-  bye();
-}
-
 TEST_F(Menus, PageUpOffersTheMenusOfTheProductDirectory) {
   auto& s = open("", KIVO_PRODUCT_DIR);
   s.key(XK_Prior);

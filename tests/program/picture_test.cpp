@@ -150,38 +150,6 @@ TEST_F(Picture, AFullColourMapLeavesEverythingVisible) {
     EXPECT_EQ(view.count({0, 0, 0}, 14.5, 2.0 + i), 20) << "a line of five pixels, line " << i;
 }
 
-TEST_F(Picture, ComesBackWhenAnotherWindowGoesAway) {
-  test_session session(shared_display(), start());
-  session.settle();
-  const test_picture before = session.picture();
-  session.cover(50, 50, 700, 500);
-  session.settle();
-  session.uncover();
-  session.settle();
-  const page_view view(session);
-  expect_sheet(view);
-  int changed = 0;  // inside the edit viewport; its border tells where the pointer is
-  for (int y = view.ymin() + 4; y < view.ymax() - 4; ++y)
-    for (int x = view.xmin() + 4; x < view.xmax() - 4; ++x)
-      changed += before.at(x, y) != view.picture().at(x, y) ? 1 : 0;
-  EXPECT_EQ(changed, 0);
-}
-
-TEST_F(Picture, FollowsTheSizeOfTheWindow) {
-  test_session session(shared_display(), start());
-  session.settle();
-  const std::array<std::pair<int, int>, 3> sizes{{{700, 500}, {1200, 900}, {900, 300}}};
-  for (const auto& [width, height] : sizes) {
-    SCOPED_TRACE(std::to_string(width) + " x " + std::to_string(height));
-    session.resize(width, height);
-    session.settle();
-    const page_view view(session);
-    ASSERT_EQ(view.picture().width, width);
-    if (height > 400) expect_sheet(view);
-    EXPECT_GE(view.count(red, 14.5, 2), 5);
-  }
-}
-
 TEST_F(Picture, SelectedObjectsStandOut) {
   const auto files = build_design(sheet);
   int instance = 0;

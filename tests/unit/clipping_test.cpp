@@ -46,29 +46,6 @@ TEST(LineClipping, CutsToTheInnerWindow) {
   }
 }
 
-TEST(LineClipping, EveryCutLineLiesInsideAndOnTheLine) {
-  drawing_board board;
-  std::uint32_t seed = 1;
-  const auto random = [&seed](int range) {
-    seed = seed * 1664525 + 1013904223;
-    return static_cast<std::int16_t>(static_cast<int>(seed >> 8) % (2 * range) - range);
-  };
-  int visible = 0;
-  for (int i = 0; i < 20000; ++i) {
-    const int range = i % 2 == 0 ? 2000 : 20000;
-    const gx_line16_t whole{random(range), random(range), random(range), random(range)};
-    gx_line16_t line = whole;
-    if (!gx_line_clipping(1, line)) continue;
-    ++visible;
-    const double dx = whole.x2 - whole.x1, dy = whole.y2 - whole.y1, length = std::hypot(dx, dy);
-    for (const gx_point16_t p : {gx_point16_t{line.x1, line.y1}, gx_point16_t{line.x2, line.y2}}) {
-      ASSERT_TRUE(p.x >= 101 && p.x <= 899 && p.y >= 101 && p.y <= 899);
-      ASSERT_LE(std::abs((p.x - whole.x1) * dy - (p.y - whole.y1) * dx) / length, 1.5);
-    }
-  }
-  EXPECT_GT(visible, 1000);
-}
-
 TEST(Clipping, AreasAndArcs) {
   drawing_board board;
   EXPECT_TRUE(gx_circle_clipping(1, {95, 500}, 5));

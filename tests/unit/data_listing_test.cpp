@@ -25,20 +25,6 @@ constexpr std::string_view inst_rule = "----------------------------------------
 constexpr std::string_view net_rule = "-----------------------------\n \n";
 constexpr std::string_view star_rule = "*****************************************\n";
 
-TEST_F(DataListingTest, AnEmptyDesignHasNoBody) {
-  EXPECT_EQ(listing(), head(" day                  :0\n month                :0\n"
-                            " year                 :0\n software_revision    :     1.000\n"
-                            " nbof_prop_instance   :0\n nbof_prop_pin        :0\n"
-                            " nbof_prop_net        :0\n nbof_char            :0\n"
-                            " nbof_string          :0\n nbof_prop            :0\n"
-                            " nbof_instance        :0\n nbof_pin             :0\n"
-                            " nbof_net             :0\n nbof_net_child       :0\n"
-                            " nbof_macro           :0\n nbof_pin (for macro) :0\n"
-                            " time_step            :     0.000\n num_warnings         :0\n"
-                            " num_errors           :0\n") +
-                           "# KIVO generate DATA : END : OK  \n");
-}
-
 TEST_F(DataListingTest, EveryKindOfRecord) {
   fill_store();
   kv_sext.general_info.nbof_pinm = 11;

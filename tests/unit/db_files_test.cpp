@@ -67,17 +67,6 @@ TEST_F(db_files, a_link_file_names_the_version) {
   EXPECT_FALSE(gx_file_get_file_version(std::string(190, 'd'), "top").valid);
 }
 
-TEST_F(db_files, what_is_no_text_file_is_no_link_file) {
-  std::filesystem::create_directory(scratch.file("dir.gx"));
-  ASSERT_EQ(mkfifo(scratch.file("fifo.gx").c_str(), 0600), 0);
-  std::filesystem::create_symlink("self.gx", scratch.file("self.gx"));
-  for (const auto* base : {"dir", "fifo", "self"}) {
-    EXPECT_FALSE(gx_file_get_file_version(dir(), base).found) << base;
-  }
-  ASSERT_EQ(mkfifo(scratch.file("fifo.gx_1").c_str(), 0600), 0);
-  EXPECT_EQ(gx_load_file(scratch.file("fifo.gx_1").string()).code, gx_code::file_open_invalid);
-}
-
 TEST_F(db_files, a_symbol_path_splits_into_directory_name_and_version) {
   struct path_case {
     std::string_view path, directory, name;
@@ -279,28 +268,6 @@ TEST_F(db_files, a_save_drops_deleted_objects_and_renumbers_every_reference) {
   EXPECT_EQ(gx_object_id_ptr(saved, net).object_type, gx_type::net);
   EXPECT_EQ(gx_object_id_ptr(saved, gx_object_id_ptr(saved, last).previous).following, last);
   EXPECT_EQ(scratch.read("top.gx_3"), sheet.bytes());
-}
-
-TEST_F(db_files, a_save_that_would_lose_a_symbol_or_a_net_stops_and_touches_nothing) {
-  put_version(small_sheet(), "top", 3);
-  const auto save_without = [&](gx_type type) {
-    return [this, type] {
-      const auto index = gx_file_open(dir(), "top");
-      auto& f = gx_ptrto_gene_file_buf(index);
-      for (int id = 1; id <= f.object_id_max; ++id) {
-        if (gx_object_id_ptr(f, id).object_type == type) gx_set_object_deleted(f, id, true);
-      }
-      gx_file_close(index, true);
-    };
-  };
-  expect_stop(save_without(gx_type::symbol), gx_code::object_id_invalid,
-              " instance with  symbol link invalid : symbol :            7\n");
-  expect_stop(save_without(gx_type::instance_family), gx_code::object_id_invalid,
-              "  father of instance invalid");
-  expect_stop(save_without(gx_type::net), gx_code::object_id_invalid,
-              " vertex with  net link invalid : net : ");
-  EXPECT_EQ(scratch.read("top.gx"), "_3        \n");
-  EXPECT_FALSE(std::filesystem::exists(scratch.file("top.gx_4")));
 }
 
 TEST_F(db_files, a_full_disk_leaves_the_version_before_current) {

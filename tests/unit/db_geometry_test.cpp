@@ -82,17 +82,6 @@ TEST(Geometry, PlacesSymbolContentsPinsAndOwnPropertiesThroughTheInstance) {
   expect_stop([&] { gx_pin_abs_origin(file, pins.pin); }, gx_code::object_type_invalid);
 }
 
-TEST(Geometry, AnInstanceShowsItsBoxTurned) {
-  for (const auto& [rotate, fliph, box] : {std::tuple{0, false, gx_boundsreal_t{0, 0, 20, 10}},
-                                           std::tuple{1, false, gx_boundsreal_t{0, -20, 10, 0}},
-                                           std::tuple{3, true, gx_boundsreal_t{-10, -20, 0, 0}}}) {
-    const placed_t p(rotate, fliph);
-    gx_object_id_ptr(p.f.file(), p.inst).bounds = {0, 0, 20, 10};
-    EXPECT_EQ(gx_object_abs_origin_bounds(p.f.file(), p.inst, 0).bounds,
-              gx_move(box, {1000, 2000}));
-  }
-}
-
 TEST(Geometry, TextsOfTurnedInstancesStayReadable) {
   // The property lies at (0, 200) in the symbol; its box there is (0, -2500, 6000, 1250).
   struct {
@@ -113,19 +102,6 @@ TEST(Geometry, TextsOfTurnedInstancesStayReadable) {
   }
 }
 
-TEST(Geometry, FatherBoxesGrowFromTheEmptyBox) {
-  empty_file f;
-  int outer = 0, inner = 0;
-  f.make_with(gx_type::main, [&] {
-    outer = f.make_with(gx_type::frame_family, [&] {
-      inner = f.make_with(gx_type::frame, [&] { f.rectangle({5, 5}, {-5, 25}); }, {100, 200});
-    });
-  });
-  EXPECT_EQ(gx_object_id_ptr(f.file(), inner).bounds, (gx_boundsreal_t{-5, 5, 5, 25}));
-  EXPECT_EQ(gx_object_id_ptr(f.file(), outer).bounds, (gx_boundsreal_t{95, 205, 105, 225}));
-  EXPECT_EQ(gx_file_inq_bounds(f.file()), (gx_boundsreal_t{95, 205, 105, 225}));
-}
-
 TEST(Geometry, TextBoxes) {
   gx_object_property_rec_t property;
   property.gene.object_type = gx_type::property_2d;
@@ -139,34 +115,6 @@ TEST(Geometry, TextBoxes) {
   }
   property.height = INT_MAX;  // held at the ends
   EXPECT_EQ(gx_property_compute_newbounds(property).ymax, INT_MAX);
-}
-
-TEST(Geometry, PointsAndBoxes) {
-  const gx_boundsreal_t box = {0, 0, 10, 10};
-  EXPECT_TRUE(gx_point_inside_boundsreal(box, {1, 9}));
-  for (const gx_pointreal_t edge : {gx_pointreal_t{0, 5}, {10, 5}, {5, 0}, {5, 10}}) {
-    EXPECT_FALSE(gx_point_inside_boundsreal(box, edge));
-    EXPECT_TRUE(gx_point_insideon_boundsreal(box, edge));
-    EXPECT_FALSE(gx_point_inside_bounds16({0, 0, 10, 10}, edge.x, edge.y));
-  }
-  EXPECT_FALSE(gx_point_insideon_boundsreal(box, {11, 5}));
-  EXPECT_FALSE(gx_part_object_outside_bounds({1, 1, 9, 9}, box));
-  EXPECT_TRUE(gx_part_object_outside_bounds({1, 1, 10, 9}, box));
-  EXPECT_TRUE(gx_bounds_meet({-5, 4, 15, 6}, {4, -5, 6, 15}));  // a plus sign
-  EXPECT_TRUE(gx_bounds_meet(box, {10, 10, 12, 12}));
-  EXPECT_FALSE(gx_bounds_overlap(box, {10, 10, 12, 12}));
-  EXPECT_FALSE(gx_bounds_meet(box, {11, 0, 12, 12}));
-  EXPECT_FALSE(gx_bounds_meet(box, {-50, -50, -60, 60}));  // min above max
-  expect_stop(
-      [] {
-        gx_point_inside_bounds16({0, 4, 10, 3}, 0, 0);
-      },
-      gx_code::bounds_invalid, "bounds y invalid");
-  expect_stop(
-      [] {
-        gx_point_insideon_boundsreal({1, 0, 0, 1}, {});
-      },
-      gx_code::viewport_bounds_invalid, "point_insideon_boundsreal : bounds x invalid");
 }
 
 TEST(Geometry, PickApertureMeetsPrimitivesExactlyAndOthersOnTheSnapGrid) {
@@ -214,39 +162,6 @@ TEST(Geometry, SnapGridAndAngles) {
       {-5, 5, 20160}, {-1, 1000000, 0}, {1000, 1732, 1920},
   };
   for (const auto& c : cases) EXPECT_EQ(gx_atan(c.y, c.x), c.angle) << c.y << ' ' << c.x;
-}
-
-TEST(Geometry, PageAndGrid) {
-  empty_file f;
-  EXPECT_EQ(gx_inq_page_dim(f.file()), gx_pointreal_t{});
-  EXPECT_FALSE(gx_check_point_inpage(f.file(), 0, 0));
-  int page = 0, rectangle = 0;
-  f.make_with(gx_type::main, [&] {
-    page = f.make_with(gx_type::page, [&] {
-      f.make(gx_type::grid_2d, {}, [] { gx_grid_real({0, 0}, {10, 10}, 5000, 5000, true, false); });
-    });
-    f.make_with(gx_type::frame_family, [&] { rectangle = f.rectangle({1, 1}, {100, 50}); });
-  });
-  gx_set_page_dim(f.file(), 20000, 10000);
-  EXPECT_EQ(gx_inq_page_dim(f.file()), (gx_pointreal_t{20000, 10000}));
-  EXPECT_EQ(gx_object_id_ptr(f.file(), page).bounds, (gx_boundsreal_t{0, 0, 20000, 10000}));
-  for (const auto& [x, y, inside] : {std::tuple{500, 500, true},
-                                     {499, 500, false},
-                                     {19500, 9500, true},
-                                     {19501, 500, false},
-                                     {500, 9501, false}}) {
-    EXPECT_EQ(gx_check_point_inpage(f.file(), x, y), inside) << x << ' ' << y;
-  }
-  EXPECT_FALSE(gx_object_out_page(f.file(), rectangle, 1, 1, 101, 51));
-  EXPECT_TRUE(gx_object_out_page(f.file(), rectangle, 0, 1, 101, 51));
-  EXPECT_TRUE(gx_object_out_page(f.file(), rectangle, 1, 1, 100, 51));
-  EXPECT_TRUE(gx_inq_grid_state(f.file()));
-  gx_set_grid_state(f.file(), false);
-  gx_set_snap_state(f.file(), true);
-  gx_set_grid_step(f.file(), 7500);
-  EXPECT_FALSE(gx_inq_grid_state(f.file()));
-  EXPECT_TRUE(gx_inq_snap_state(f.file()));
-  EXPECT_EQ(gx_inq_grid_step(f.file()), 7500);
 }
 
 }  // namespace

@@ -183,25 +183,6 @@ TEST(db_records, tails_byte_for_byte_and_back) {
   }
 }
 
-TEST(db_records, sixteen_points_are_stored_whatever_the_count) {
-  gx_builder built;
-  built.add_record<gx_object_polyline_rec_t>().points[15] = {1, 2};
-  EXPECT_EQ(tail_bytes(built).size(), 136U);
-  const auto load = decode(built.bytes());
-  EXPECT_EQ(gx_polyline_info_ptr(*load.file, 1).points[15], (gx_pointreal_t{1, 2}));
-}
-
-TEST(db_records, sizes_of_the_smallest_records) {
-  gx_builder empty, sheet, property, symbol;
-  sheet.add(gx_type::main);
-  property.add_property(0, "CLASS", "");
-  symbol.add(gx_type::symbol);
-  EXPECT_EQ(empty.bytes().size(), 40U);
-  EXPECT_EQ(sheet.bytes().size(), 40U + 42U);
-  EXPECT_EQ(property.bytes().size(), 40U + 65U);
-  EXPECT_EQ(symbol.bytes().size(), 40U + 48U);
-}
-
 TEST(db_records, flags_are_cleared_and_a_negative_text_length_is_an_empty_text) {
   gx_builder built;
   built.add_property(0, "", "V");
@@ -212,20 +193,6 @@ TEST(db_records, flags_are_cleared_and_a_negative_text_length_is_an_empty_text) 
   EXPECT_EQ(property.gene.status, 0);
   EXPECT_EQ(gx_view(property.name), "");
   EXPECT_EQ(gx_view(property.nvalue), "V");
-}
-
-TEST(db_records, the_longest_texts_are_read) {
-  gx_builder built;
-  built.add_property(0, std::string(63, 'N'), std::string(95, 'V'));
-  built.add_record<gx_object_symbol_rec_t>().path = gx_string(std::string(199, 'p'));
-  EXPECT_EQ(decode(built.bytes()).message, "");
-  auto& property = gx_property_info_ptr(built.file, 1);
-  property.name.len = 64;
-  property.nvalue.len = 96;
-  property.name.char_[63] = property.nvalue.char_[95] = '~';
-  const auto load = decode(built.bytes());
-  ASSERT_EQ(load.message, "");
-  EXPECT_EQ(gx_view(gx_property_info_ptr(*load.file, 1).name), std::string(63, 'N') + '~');
 }
 
 struct refusal_case {

@@ -28,22 +28,6 @@ struct undo_story : ::testing::Test {
   int a = 0, b = 0, net = 0;
 };
 
-TEST_F(undo_story, NothingIsRecordedBeforeTheListStarts) {
-  gx_undo_define_new_step();
-  gx_set_object_selected(f.file(), a, true);
-  EXPECT_EQ(gx_vext.ptrto_undo_cur, nullptr);
-  EXPECT_EQ(gx_undo_put_object(f.index, a, gx_undo_op::bus), nullptr);
-  f.file().check_data_done = 7;
-  f.file().num_errors = 2;
-  gx_undo_init(f.index);
-  EXPECT_EQ(gx_vext.check_data_done, 7);
-  EXPECT_EQ(gx_vext.num_errors, 2);
-  EXPECT_FALSE(gx_undo_restore_one_step());
-  EXPECT_FALSE(gx_redo_restore_one_step());
-  gx_undo_define_new_step();
-  EXPECT_EQ(gx_vext.check_data_done, 1);
-}
-
 TEST_F(undo_story, OneStepHoldsOneMarkerAndTheRealChanges) {
   gx_undo_init(f.index);
   gx_vext.base_point = {5, 6};
@@ -118,27 +102,6 @@ TEST_F(undo_story, CreationSwitchesAndBusComeBackWithTheirValues) {
   EXPECT_TRUE(gx_inq_object_unvisible(f.file(), a));
   EXPECT_EQ(gx_net_info_ptr(f.file(), net).is_bus, 1);
   EXPECT_EQ(gx_net_info_ptr(f.file(), net).bus_end, 7);
-}
-
-TEST_F(undo_story, DamagedEntriesStop) {
-  expect_stop([] { gx_undo_restore_one_step(); }, gx_code::file_data_invalid, "start_ptr = nil");
-  gx_undo_init(f.index);
-  expect_stop([&] { gx_undo_put_object(0, a, gx_undo_op::deleted); }, gx_code::file_data_invalid,
-              "gx_undo_put_object : invalid id ");
-  gx_undo_define_new_step();
-  gx_set_object_selected(f.file(), a, true);
-  expect_stop(
-      [] {
-        gx_vext.ptrto_undo_cur->parity = 1;
-        gx_undo_restore_one_step();
-      },
-      gx_code::file_data_invalid, "codes invalid");
-  expect_stop(
-      [] {
-        gx_vext.ptrto_undo_cur->operation = gx_undo_op{24};
-        gx_undo_restore_one_step();
-      },
-      gx_code::object_id_invalid, "operation 2 invalid");
 }
 
 }  // namespace

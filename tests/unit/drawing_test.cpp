@@ -81,52 +81,6 @@ TEST_F(Drawing, ThickLinesAreThinLinesSideBySide) {
   EXPECT_EQ(lines[0], (gx_line16_t{199, 300, 299, 200}));
 }
 
-TEST_F(Drawing, SmallCirclesAreDiamonds) {
-  const auto drawn_circle = [&](std::int32_t rad) {
-    const gx_batch_t batch;
-    gx_pen_flush();
-    gx_display_prim(1, 1, add_circle({20000, 20000}, rad).gene.object_id, 0, draws, false);
-    return std::pair(gx_pen_kept_lines(cyan, 0), gx_pen_kept_arcs(cyan, 0));
-  };
-  const auto [diamond, no_arc] = drawn_circle(500);
-  EXPECT_EQ(diamond, (lines_t{{295, 300, 300, 305},
-                              {300, 305, 305, 300},
-                              {305, 300, 300, 295},
-                              {300, 295, 295, 300}}));
-  EXPECT_TRUE(no_arc.empty());
-  const auto [no_lines, arc] = drawn_circle(600);
-  ASSERT_EQ(arc.size(), 1U);
-  EXPECT_TRUE(no_lines.empty());
-  EXPECT_EQ(std::tuple(arc[0].x, arc[0].y, arc[0].size, arc[0].extent),
-            std::tuple(294, 294, 12, 23040));
-  // Radii whose box leaves the numbers of an arc request are drawn as chords.
-  board.show(1);
-  gx_vext.viewport[1].bounds_part = {30400, 19600, 31200, 20400};  // its right end
-  const auto [chords, none] = drawn_circle(11000);
-  EXPECT_TRUE(none.empty());
-  ASSERT_FALSE(chords.empty());
-  for (const auto& chord : chords)
-    EXPECT_TRUE(chord.x1 > 690 && chord.x1 < 710) << chord.x1 << " " << chord.y1;
-}
-
-TEST_F(Drawing, FilledAreasAreWholeOrAbsent) {
-  auto& box = board.add<gx_object_rectangle_rec_t>({10000, 10000}, {0, 0, 5000, 2000}, graphics_);
-  box.pt2 = {5000, 2000};
-  box.line_color = cyan;
-  box.filled = 1;
-  const auto boxes = [&] {
-    const gx_batch_t batch;
-    gx_pen_flush();
-    gx_display_prim(1, 1, box.gene.object_id, 0, draws, false);
-    return gx_pen_kept_boxes(cyan);
-  };
-  EXPECT_EQ(boxes(), (std::vector<gx_bounds16_t>{{200, 200, 250, 220}}));
-  box.gene.origin.x = 79000;
-  EXPECT_TRUE(boxes().empty()) << "it crosses the edge";
-  box.filled = 0;
-  EXPECT_EQ(drawn(box.gene.object_id, cyan).size(), 3U) << "the outline is cut instead";
-}
-
 TEST_F(Drawing, HostileRecordsStopOrStayInTheWindow) {
   auto& line = add_line({10000, 10000}, {1000, 1000});
   line.line_style = 5;
@@ -245,29 +199,6 @@ TEST_F(PlacedSymbol, TurnsAndMirrors) {
     }
 }
 
-TEST_F(PlacedSymbol, SelectionIsOfBodyAndPinsApart) {
-  const int id = place({40000, 40000}, 0, false);
-  auto& text = add_text({1000, 8000}, "-", properties_);
-  text.gene.bounds = {0, -1000, 1200, 500};
-  gxm_grow_boxes(board.tree);
-  const auto draw = [&] { lb_display_one_inst(1, 1, id, draws); };
-  board.select(id);
-  EXPECT_EQ(lines_of(green, 3, draw).size(), 1U) << "the body";
-  EXPECT_EQ(lines_of(red, 0, draw).size(), 4U) << "not the pin";
-  EXPECT_EQ(lines_of(cyan, 0, draw).size(), 1U) << "not the text";
-  board.select(pinpropfam_);
-  EXPECT_EQ(lines_of(red, 0, draw).size(), 0U);
-  EXPECT_EQ(lines_of(green, 0, draw).size(), 4U);
-
-  lb_unselect_inst_prim(1, id);
-  EXPECT_EQ(lines_of(green, 0, draw).size() + lines_of(green, 3, draw).size(), 0U);
-  lb_select_inst_prim(1, id);
-  EXPECT_EQ(lines_of(green, 0, draw).size(), 5U) << "pin and text";
-
-  lb_delete_symbol_prim(1, symbol_);
-  expect_stop(draw, gx_code::object_id_invalid, "deleted: symbol_id");
-}
-
 // --- nets
 
 class DrawnNet : public PlacedSymbol {
@@ -329,107 +260,6 @@ TEST_F(DrawnNet, MarksTheLooseEndOfAStub) {
   EXPECT_EQ(drawn(white).size(), 0U) << "two segments";
 }
 
-TEST_F(DrawnNet, ShowsSelection) {
-  board.select(vertex_);
-  EXPECT_EQ(drawn(green).size(), 5U) << "the mark of the vertex";
-  EXPECT_EQ(dots(green).size(), 1U);
-  lb_select_net(1, net_);
-  EXPECT_EQ(drawn(green, 3), (lines_t{{560, 530, 700, 530}}));
-  lb_unselect_net(1, net_);
-  EXPECT_EQ(drawn(cyan).size(), 1U);
-}
-
-TEST_F(DrawnNet, RefusesBadSegments) {
-  auto& segment = add_segment();
-  const auto stops = [&](gx_code code, const char* text) {
-    expect_stop([&] { drawn(cyan); }, code, text);
-  };
-  segment.vertex2 = 0;
-  stops(gx_code::object_id_invalid, "vertex2_id invalid !! : 0");
-  segment.vertex2 = static_cast<gx_object_id_t>(net_);
-  stops(gx_code::object_id_invalid, "vertex2_id invalid");
-  segment.vertex2 = static_cast<gx_object_id_t>(vertex_);
-  segment.line_width = 0;
-  stops(gx_code::invalid_line_2d, "line_width  invalid !! : 0");
-  segment.line_width = 1;
-  segment.line_style = 9;
-  stops(gx_code::invalid_style, "line style invalid");
-  segment.line_style = 0;
-  gx_object_id_ptr(board.file(), vertex_).status = gx_flag_deleted;
-  stops(gx_code::object_id_invalid, "vertex2_id deleted");
-  expect_stop([&] { gx_display_object(1, 1, net_, 0, true, draws, false); },
-              gx_code::invalid_level);
-}
-
-TEST_F(DrawnNet, HangsAProbeOnAVertex) {
-  gx_display_probe_rec_t probe;
-  probe.vertex = static_cast<gx_object_id_t>(vertex_);
-  probe.name.len = 2;
-  probe.name.char_[0] = probe.name.char_[1] = '-';
-  add_segment();
-  gx_net_info_ptr(board.file(), net_).ptrto_probe = &probe;
-  EXPECT_EQ(drawn(white), (lines_t{{700, 530, 750, 580}})) << "the box would cross the edge";
-  gx_object_id_ptr(board.file(), vertex_).origin.x = 50000;
-  const auto lines = drawn(white);
-  ASSERT_EQ(lines.size(), 1U + 4U + 2U);
-  EXPECT_EQ(lines[0], (gx_line16_t{600, 530, 650, 580}));
-  EXPECT_EQ(lines[2], (gx_line16_t{825, 580, 825, 680}));
-  EXPECT_EQ(lines[5].x1, 675) << "the name begins inside the box";
-}
-
 // --- grid and markers
 
-TEST(Grid, DotsVanishBeyondFortySteps) {
-  drawing_board board;
-  const auto dots = [&] {
-    auto& part = gx_vext.viewport[1].bounds_part;
-    part = {-1000, -1000, part.xmax, part.ymax};  // the frame's corner is in sight
-    const gx_batch_t batch;
-    gx_pen_flush();
-    gx_display_object(1, 1, board.file().grid_obj_id, 0, true, draws, false);
-    EXPECT_EQ(gx_pen_kept_lines(magenta, 0).size(), part.xmax > 10000 ? 2U : 0U)
-        << "the two sides in sight, dots or not";
-    return gx_pen_kept_boxes(white);
-  };
-  const auto shown = dots();
-  ASSERT_EQ(shown.size(), 15U * 15U) << "strictly inside window and frame";
-  EXPECT_EQ(shown[0], (gx_bounds16_t{160, 160, 161, 161}));
-  board.show(254);  // 204200 units: 40 steps of 5000
-  gx_grid_info_ptr(board.file(), board.file().grid_obj_id).opposite_pt = {300000, 300000};
-  EXPECT_FALSE(dots().empty());
-  board.show(257);
-  EXPECT_TRUE(dots().empty());
-  gx_grid_info_ptr(board.file(), board.file().grid_obj_id).step_point = 1;
-  board.show(1);
-  EXPECT_TRUE(dots().empty()) << "dots side by side are no grid";
-  gx_grid_info_ptr(board.file(), board.file().grid_obj_id).step_point = 0;
-  expect_stop([&] { gx_set_grid_visibility(1, 1); }, gx_code::page_obj_id_invalid, "grid_step < 1");
-}
-
-TEST(Markers, KeepAwayFromTheEdge) {
-  drawing_board board;
-  struct marker_case {
-    void (*draw)(gx_vpid_t, gx_pointreal_t);
-    int color;
-    std::size_t strokes;
-    int room;  // to the edge, in pixels
-  };
-  for (const auto& c : {marker_case{gx_display_cross, white, 10, 9},
-                        marker_case{gx_display_half_cross, white, 5, 9},
-                        marker_case{gx_display_selvertex, green, 5, 9},
-                        marker_case{gx_display_pin_nocon, white, 8, 7}}) {
-    const auto at = [&](int pixels) {
-      return lines_of(c.color, 0, [&] { c.draw(1, {pixels * 100, 40000}); }).size();
-    };
-    EXPECT_EQ(at(c.room), 0U);
-    EXPECT_EQ(at(c.room + 1), c.strokes);
-    EXPECT_EQ(at(800 - c.room - 1), c.strokes);
-    EXPECT_EQ(at(800 - c.room), 0U);
-    gx_vext.viewport_edit = 0;
-    EXPECT_EQ(at(400), 0U) << "only pictures bear marks";
-    gx_vext.viewport_edit = 1;
-  }
-  EXPECT_EQ(lines_of(white, 0, [] { gx_display_half_cross(1, {40000, 40000}); })[0],
-            (gx_line16_t{500, 500, 496, 508}));
-}
 }  // namespace

@@ -279,12 +279,4 @@ TEST_F(FlattenTest, ADeletedObjectStopsItsSheet) {
   EXPECT_EQ(kv_sext.nets.count, 0);
 }
 
-TEST_F(FlattenTest, ProgressIsToldAtTheUpperLevels) {
-  write(build(std::string(block) + " part R r 20,0\n net U\n  wire R.1 R.2\n"));
-  declare();
-  open_top();
-  EXPECT_EQ(session.run("RUN"), (lines_t{" RUN ", "# Processing : \"\"", "# Processing : \"/X\"",
-                                         "# Processing : \"/R\""}));
-}
-
 }  // namespace

@@ -74,27 +74,6 @@ std::vector<std::string> segments(const gx_file_gene_recf_t& file, int net_id) {
   return lines;
 }
 
-TEST(GxMake, SymbolFileHasTheBytesOfItsObjects) {
-  const auto files = build_design("symbol s\n pin A 1,2 IN\n");
-  const auto bytes = gx_encode_file(*files.at(0).file);
-  // Header: revision 2.0, 1.1.2000 0:00, 12 objects, main 1, page 2, grid 3, checked, dot 1000.
-  const std::string header(
-      "\x40\0\0\0\0\1\0\1\x07\xD0\0\0\0\0\0\x0C\0\1\0\2\0\3\0\0\0\0\0\0\x03\xE8"
-      "\0\0\0\0\0\0\xFF\xEC",
-      38);
-  EXPECT_EQ(bytes.substr(0, 38), header);
-  // Object 10: the pin at (5000, 10000), child of the pin family 9, its first property is 11.
-  const std::size_t pin = 38 + 42 + 42 + 60 + 42 + 42 + 42 + 42 + 42;
-  const std::string expected("\0\x0A\0\x09\0\0\0\0\0\x0B\0\0\0\x14\0\0\0\0\x13\x88\0\0\x27\x10",
-                             24);
-  EXPECT_EQ(bytes.substr(pin + 42, 24), expected);
-  EXPECT_EQ(bytes.substr(bytes.size() - 2), std::string(2, '\0'));
-
-  const auto read = gx_decode_file(bytes, "s");
-  ASSERT_EQ(read.code, gx_code::all_is_ok) << read.message;
-  EXPECT_EQ(gx_encode_file(*read.file), bytes);
-}
-
 TEST(GxMake, SheetHasFamiliesSymbolsAndInstanceChains) {
   const auto file = sheet(R"(
 sheet top
@@ -204,44 +183,6 @@ sheet t
             "D[2:9]");
 }
 
-// However an instance is turned, its texts stand where the description puts them, reading from
-// left to right.
-TEST(GxMake, TextsOfTurnedInstancesStandWhereTheyAreAsked) {
-  for (int rotate = 0; rotate < 4; ++rotate)
-    for (const char* mirror : {"", " mirror"}) {
-      const auto file = sheet("sheet t\n part R1 two 20,20 rotate " + std::to_string(rotate) +
-                              mirror + "\n  prop NOTE=abcde at 3,-2 height 1\n");
-      const int r1 = instance(*file, 1);
-      const int note =
-          gx_find_property_name(*file, lb_inq_inst_child_id(*file, r1).bodpropfam, "NOTE");
-      const auto placed = gx_object_abs_origin_bounds(*file, note, r1);
-      EXPECT_EQ(placed.origin, (gx_pointreal_t{115000, 90000})) << rotate << mirror;
-      // 5 characters of height 5000: 30000 wide, 5000 above and 2500 below the line.
-      EXPECT_EQ(placed.bounds, (gx_boundsreal_t{115000, 85000, 145000, 92500})) << rotate << mirror;
-      // The box on the sheet holds the turned body: 4 steps long, the pins' diamonds beside it.
-      const auto body = gx_object_abs_origin_bounds(*file, r1, 0).bounds;
-      const auto end = gx_turn(gx_pointreal_t{0, 20000}, rotate, *mirror != 0);
-      EXPECT_TRUE(gx_point_insideon_boundsreal(body, {100000 + end.x, 100000 + end.y}));
-    }
-}
-
-TEST(GxMake, ArcsRunThroughTheirThreePoints) {
-  // The left half circle around (10, 10), given downwards and upwards.
-  for (const char* points : {"10,8 8,10 10,12", "10,12 8,10 10,8"}) {
-    const auto files = build_design(std::string("symbol s\n arc ") + points + "\n");
-    const auto& file = *files.at(0).file;
-    for (int id = 1; id <= file.object_id_max; ++id) {
-      if (gx_object_id_ptr(file, id).object_type != gx_type::arc3p_2d) continue;
-      const auto& arc = gx_arc_info_ptr(file, id);
-      EXPECT_EQ(arc.rad, 10000);
-      EXPECT_EQ(arc.angle1, gx_full_turn / 4);
-      EXPECT_EQ(arc.angle2, 3 * gx_full_turn / 4);
-      EXPECT_EQ(gx_object_abs_origin_bounds(file, id, 0).bounds,
-                (gx_boundsreal_t{40000, 40000, 50000, 60000}));
-    }
-  }
-}
-
 TEST(GxMake, MistakesAreToldWithTheirLine) {
   const struct {
     const char* text;
@@ -288,36 +229,6 @@ TEST(GxMake, MistakesAreToldWithTheirLine) {
     ASSERT_EQ(messages.size(), 1U) << c.text;
     EXPECT_EQ(messages[0].substr(0, std::string(c.message).size()), c.message);
   }
-}
-
-TEST(GxMake, ASheetOfMoreThan30000ObjectsIsRefused) {
-  gxm_design_t design;
-  design.symbols.push_back({.name = "s"});
-  design.sheets.push_back({.name = "t"});
-  design.sheets[0].parts.resize(7500, {.name = "U", .symbol = "s"});  // four objects each
-  gxm_messages_t messages;
-  EXPECT_EQ(gxm_build(design, {}, messages).size(), 1U);  // the symbol
-  EXPECT_EQ(messages, gxm_messages_t{"sheet t: more than 30000 objects"});
-}
-
-TEST(GxMake, MemoryArraysAreSoundWhateverTheirSize) {
-  for (const int variants : {1, 8})
-    for (const int blocks : {1, 2, 7, 40})
-      for (const auto& file : build_design(gxm_memory_array(blocks, variants)))
-        EXPECT_EQ(gx_reference_fault(*file.file), "") << file.directory << blocks << variants;
-}
-
-TEST(GxMake, WrittenFilesAreTheCurrentVersion) {
-  scratch_directory directory;
-  make_design(directory, std::string(devices) + "sheet top\n part R1 two 5,5\n");
-  const auto root = directory.path().string();
-  EXPECT_EQ(directory.read("top/sheet.gx"), "_1        \n");
-  for (const char* base : {"two/symbol", "top/sheet"}) {
-    const auto load = gx_load_file(root + "/" + base + ".gx_1");
-    EXPECT_EQ(load.code, gx_code::all_is_ok) << load.message;
-  }
-  const auto link = gx_check_gx_link(root + "/two/symbol.gx_1");
-  EXPECT_TRUE(link.link_found && link.current);
 }
 
 }  // namespace

@@ -157,19 +157,6 @@ TEST_F(Interpreter, ArgumentsAndVariables) {
                    " HARDcopy $VAR0 "}));
 }
 
-TEST_F(Interpreter, AssignRefusesWhatIsNoVariable) {
-  const std::string bad_second = "# !! Error :  2nd parameter incorrect ? ";
-  for (const std::string target : {"$VAR31", "$VAR0", "$VAR", "$VARX", "VAR1"})
-    EXPECT_EQ(session_.run("ASSI " + target + " x;HAR"),
-              (lines{"# ASSIgn " + target + " x ", bad_second}));
-  for (const std::string target : {"$VAR123", "$VAR1x"})
-    EXPECT_EQ(session_.run("ASSI " + target + " x;HAR"), lines{" HARDcopy "});
-  EXPECT_EQ(session_.run("ASSI $VAR1 x y;HAR"),
-            (lines{"# ASSIgn $VAR1 x y ", "# !! Error : parameter number invalid ? ",
-                   "#  !!! Unknown Command  ?? ", "# \"ASSI $VAR1 x y\" "}));
-  for (const auto& variable : session_.vars) EXPECT_EQ(variable.len, 0);
-}
-
 TEST_F(Interpreter, ShellCommands) {
   const std::string made = directory_.path() / "made";
   EXPECT_EQ(session_.run("SYST \"echo text > " + made + "\""),
@@ -261,20 +248,4 @@ TEST_F(Interpreter, SessionCommands) {
   EXPECT_EQ(gx_vext.num_errors, 2);
 }
 
-TEST_F(Interpreter, CompletionShowsTheSettings) {
-  gx_vext.base_point = {150000, -25000};
-  const auto complete = [&](std::string_view line) {
-    gx_vext.str_cmd = {};
-    kv_expand_cmd(gx_string(line));
-    return std::string(gx_view(gx_vext.str_cmd));
-  };
-  EXPECT_EQ(complete(" base"), " BASEpoint Edit 1.50 -0.25 ");
-  EXPECT_EQ(complete("grid"), " GRId ON ");
-  EXPECT_EQ(session_.take(), lines{});
-  EXPECT_EQ(complete("grid on"), "");
-  EXPECT_EQ(session_.take(), (lines{"#  !! Unknown Command or not implemented for expand  ?? ",
-                                    "# cmd :  \"grid on\""}));
-  EXPECT_EQ(complete("#base"), "");
-  EXPECT_EQ(session_.take(), lines{});
-}
 }  // namespace

@@ -97,23 +97,4 @@ TEST_F(ListViewport, ShowsTextFiles) {
   EXPECT_FALSE(gx_display_file_invplist((directory_.path() / "absent").string()));
 }
 
-TEST_F(ListViewport, DrawsThePageInSight) {
-  for (int i = 0; i < 9; ++i) gx_display_list(i < 2 ? "----" : "-");
-  EXPECT_EQ(lines_of(7, 0, [] { gx_regen_display_list(); }).size(), 1U)
-      << "each line clears behind it and is sent before the next";
-}
-
-TEST_F(ListViewport, DrawsTheCommandLine) {
-  gx_vext.viewport_list = 0;  // the viewport is the command line's alone
-  gx_vext.istart_cmd = 4;
-  const auto command = lines_of(7, 0, [] { gx_display_cmd("-"); });
-  EXPECT_EQ(command.size(), 11U) << "\"d >-\"";
-  gx_vext.istart_cmd = 1;
-  gx_vext.str_cmd = gx_string("ab");
-  const auto typed = lines_of(7, 0, [] { gx_display_cmd_part("-"); });
-  ASSERT_EQ(typed.size(), 1U);
-  EXPECT_EQ(typed[0].x1, 100 + 8 * 12) << "behind the prompt of 6 and 2 characters";
-  gx_vext.str_cmd = gx_string(std::string(54, 'a'));
-  EXPECT_TRUE(lines_of(7, 0, [] { gx_display_cmd_part("-"); }).empty());
-}
 }  // namespace

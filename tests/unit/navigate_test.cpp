@@ -201,33 +201,4 @@ TEST(Navigate, DrawingAids) {
   }
 }
 
-TEST(Navigate, AreasInTheViewport) {
-  design_session s(hierarchy);
-  EXPECT_EQ(s.run("view area edit 0.1 0.1 0.5 0.4"), lines_t{" VIEw AREa  Edit "});
-  EXPECT_TRUE(kv_pext.disp_pic_area);
-  EXPECT_EQ(kv_pext.pt_pic_area1, (gx_pointreal_t{10000, 10000}));
-  EXPECT_EQ(kv_pext.pt_pic_area2, (gx_pointreal_t{50000, 40000}));
-  EXPECT_EQ(gx_vext.obj_pos, (gx_pointreal_t{50000, 40000}));
-  kv_pext.mark_rect_done = true;
-  gx_vext.obj_pos = {70000, 60000};
-  EXPECT_EQ(s.run("view area"), lines_t{" VIEw AREa  Edit "});
-  EXPECT_FALSE(kv_pext.mark_rect_done);
-  EXPECT_EQ(kv_pext.pt_pic_area2, (gx_pointreal_t{70000, 60000}));
-  struct {
-    std::string_view command, error;
-  } refused[] = {
-      {"view area x", "# !! Error : Invalid Viewport name (should be Edit/Context) ? "},
-      {"view area x 1 1 2 2", "# !! Error : Invalid Viewport name ( should be Edit/Context) ? "},
-      {"view area edit 0 1 1 1", "# !! Error : Invalid point (outside of page ...)  ? "},
-      {"view area edit 1 1 a 1", "# !! Error : Invalid point (outside of page ...)  ? "},
-      {"view area edit 1", "# !! Error : parameter number invalid ? "},
-      {"view all x", "# !! Error :  3 rd parameter incorrect (should be Edit/Context)  ? "},
-      {"view all edit x", "# !! Error : parameter number invalid ? "},
-  };
-  for (const auto& c : refused) EXPECT_EQ(s.run(c.command).back(), c.error) << c.command;
-  EXPECT_EQ(s.run("view area edit 1").front(), "# VIEw ARea edit 1 ");
-  gx_vext.viewport_id = 2;
-  EXPECT_EQ(s.run("view area"), (lines_t{"# VIEw AREa ", "# !! Error : Viewport Invalid ? "}));
-}
-
 }  // namespace

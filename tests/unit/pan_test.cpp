@@ -25,14 +25,6 @@ class Moves : public ::testing::Test {
   drawing_board board;
 };
 
-TEST_F(Moves, AreFoundByTheirWords) {
-  for (const char* word : {"$CU1", "$cr4", "$VPTD5", "$vptl20", "$VPTU8x"})
-    EXPECT_NE(kv_find_move(word), nullptr) << word;
-  for (const char* word : {"", "$CU", "$CU2", "$CU11", "$VPTU50", "$VPTU2", "$VPTX5", "$DM1"})
-    EXPECT_EQ(kv_find_move(word), nullptr) << word;
-  EXPECT_EQ(kv_find_move("$VPTU8x")->amount, 400000);
-}
-
 TEST_F(Moves, PanThePictureWithThePointer) {
   const gx_boundsreal_t whole = gx_vext.viewport[1].bounds_part;
   const struct {
@@ -68,37 +60,4 @@ TEST_F(Moves, StepThePointerOverTheGrid) {
   EXPECT_EQ(gx_vext.pixel_pos, (gx_point16_t{250, 500})) << "it would leave the picture";
 }
 
-TEST_F(Moves, ScrollTextsSideways) {
-  for (const gx_vpid_t vpid : {gx_vext.viewport_cmd, gx_vext.viewport_list}) {
-    gx_vext.viewport_id = vpid;
-    auto& first = vpid == 3 ? gx_vext.istart_list : gx_vext.istart_cmd;
-    move("$CR4");
-    EXPECT_EQ(first, 1);
-    for (int i = 0; i < 200; ++i) move("$CL4");
-    EXPECT_EQ(first, 140);
-    move("$CR4");
-    EXPECT_EQ(first, 139);
-    gx_vext.pixel_pos = {20, 970};
-    move("$CR1");
-    EXPECT_EQ(gx_vext.pixel_pos.x, 32);
-    move("$CL1");
-    move("$CL1");
-    EXPECT_EQ(gx_vext.pixel_pos.x, 8);
-    move("$CL1");
-    EXPECT_EQ(gx_vext.pixel_pos.x, 8) << "five pixels from the edge";
-  }
-}
-
-TEST_F(Moves, RecallLinesOfTheList) {
-  gx_vext.viewport_id = 2;
-  move("$CU1");
-  EXPECT_EQ(gx_vext.str_cmd.len, 0) << "an empty list";
-  for (int i = 0; i < 4; ++i)
-    gx_vext.line_list[static_cast<std::size_t>(i)] = gx_string("line " + std::to_string(i + 1));
-  gx_vext.nlinlist_end = 4;
-  move("$CU1");
-  EXPECT_EQ(gx_view(gx_vext.str_cmd), "line 2");
-  for (int i = 0; i < 9; ++i) move("$CU1");
-  EXPECT_EQ(gx_view(gx_vext.str_cmd), "line 1") << "the first is the end";
-}
 }  // namespace

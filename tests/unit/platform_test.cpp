@@ -37,46 +37,6 @@ TEST(Platform, DelaysHaveALimit) {
   EXPECT_LT(waited, 5000);
 }
 
-TEST(Platform, TextsAreBounded) {
-  const std::string t98(98, 'T'), t99(99, 'T'), t100(100, 'T');
-  testing::internal::CaptureStdout();
-  EXPECT_EQ(xstrlen(""), 0);
-  EXPECT_EQ(xstrlen(t99.c_str()), 99);
-  EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
-  testing::internal::CaptureStdout();
-  EXPECT_EQ(xstrlen(t100.c_str()), 99);
-  EXPECT_EQ(testing::internal::GetCapturedStdout(),
-            " !!! Error in xstrlen(c) : len= 99  '" + t100 + "'  ");
-
-  setenv(t98.c_str(), "found", 1);
-  std::string name = t99;
-  testing::internal::CaptureStdout();
-  EXPECT_STREQ(xgetenv(name.data()), "found");
-  EXPECT_EQ(testing::internal::GetCapturedStdout(),
-            " !!! Error in xgetenv (c) : len+max = 99  99  '" + t99 + "' ");
-  EXPECT_STREQ(name.c_str(), t98.c_str());
-  std::string unset = "KIVO_NOT_SET";
-  EXPECT_EQ(xgetenv(unset.data()), nullptr);
-
-  char code[20];
-  std::memset(code, 'x', sizeof code);
-  xgetspucode(0xABCDEF01, code);
-  EXPECT_STREQ(code, "abcdef01");
-  EXPECT_EQ(code[19], 0);
-}
-
-TEST(Platform, ADescriptorIsGivenBackOnce) {
-  x_descriptor file(xfopen("/dev/null", O_RDONLY, 0));
-  ASSERT_TRUE(file);
-  const int number = file.get();
-  {
-    x_descriptor owner(std::move(file));
-    EXPECT_FALSE(file);
-    EXPECT_EQ(owner.get(), number);
-  }
-  EXPECT_EQ(fcntl(number, F_GETFD), -1);
-}
-
 // An a.out file by its bytes: header, text, symbols, strings.
 std::string aout_file(std::uint32_t magic, std::uint64_t header_offset) {
   std::string bytes;

@@ -67,37 +67,6 @@ TEST_F(Product, EveryCommandHasItsHelpInEverySpelling) {
   }
 }
 
-// The list shows 60 characters of a line, and a text begins with three of its own.
-TEST_F(Product, TextsFitTheList) {
-  int files = 0;
-  for (const auto& entry : fs::recursive_directory_iterator(product)) {
-    const std::string name = entry.path().filename();
-    if (!name.starts_with("kv_1_") && name != "list" && name != "list_commands" &&
-        name != "introduction") {
-      continue;
-    }
-    ++files;
-    for (const std::string& line : split_lines(read_file(entry.path()))) {
-      EXPECT_LE(line.size(), 57U) << entry.path() << ": " << line;
-    }
-  }
-  EXPECT_GT(files, 40);
-}
-
-TEST_F(Product, MenusReadWithoutAnError) {
-  kv_set_default_menus();
-  const std::string built_in = printed();
-  for (const auto& entry : fs::directory_iterator(product / "kivo/menus")) {
-    if (!entry.path().filename().string().starts_with("menu_")) continue;
-    gx_clear_menus();
-    gx_read_menu(entry.path().string());
-    EXPECT_EQ(gx_vext.num_errors, 0) << entry.path();
-    EXPECT_NE(printed(), "") << entry.path();
-  }
-  gx_read_menu("$VELMORAN/kivo/menus/menu_standard");
-  EXPECT_EQ(printed(), built_in);
-}
-
 TEST_F(Product, TheStandardKeysAreThoseOfTheStart) {
   kv_array_param_t args, vars;
   const auto run_keys = [&](const std::string& name) {
@@ -122,16 +91,6 @@ TEST_F(Product, TheStandardKeysAreThoseOfTheStart) {
   EXPECT_NE(all(), at_start);
   run_keys("standard");
   EXPECT_EQ(all(), at_start);
-}
-
-TEST_F(Product, TheHelperProgramsOfferTheSetsThereAre) {
-  const auto lines = kv_set_choice(kv_menu_sets);
-  ASSERT_EQ(lines.size(), 3U);
-  EXPECT_EQ(lines[0], "SHOw FILe $VELMORAN/kivo/menus/list");
-  EXPECT_EQ(lines[1], "READln $VAR1 menu:kivo/standard/view?");
-  EXPECT_EQ(lines[2], "$RMENU $VELMORAN/kivo/menus/menu_$VAR1");
-  setenv("VELMORAN", scratch_.path().c_str(), 1);
-  EXPECT_TRUE(kv_set_choice(kv_key_sets).empty());
 }
 
 }  // namespace

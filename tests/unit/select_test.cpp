@@ -337,41 +337,4 @@ TEST_F(selecting, SwitchesAndLinksOfSelectedProperties) {
   EXPECT_FALSE(gx_inq_object_unvisible(s.file(), net.gene.object_id));
 }
 
-TEST_F(selecting, PickedAndTemporaryMarksAreCleared) {
-  const int pin = s.pin(r1, 1).pinpropfam;
-  for (const int id : {r1, pin, a}) {
-    gx_set_object_picked(s.file(), id, true);
-    gx_set_object_temporary(s.file(), id, true);
-  }
-  const auto marks = [&](int id) {
-    return gx_inq_object_picked(s.file(), id) || gx_inq_object_temporary(s.file(), id);
-  };
-  kv_setinst_notpicked_nottempo(kv_pext.file_id_cur);
-  EXPECT_FALSE(marks(r1) || marks(pin));
-  EXPECT_TRUE(marks(a));
-  kv_setnet_notpicked_nottempo(kv_pext.file_id_cur);
-  EXPECT_FALSE(marks(a));
-}
-
-TEST(RecordStatus, BitsOfTheExpandedRecords) {
-  kv_empty_store();
-  kv_sext.insts.append(1, "insts");
-  kv_sext.pins.append(2, "pins");
-  kv_sext.nets.append(1, "nets");
-  kv_set_object_selected(2, kv_record_kind::pin, true);
-  kv_set_object_in_range_b(2, kv_record_kind::pin, true);
-  kv_set_object_in_range_a(1, kv_record_kind::inst, true);
-  kv_set_object_in_range_c(1, kv_record_kind::net, true);
-  EXPECT_EQ(kv_ptrto_pin_rec(2).status, 5);
-  EXPECT_EQ(kv_ptrto_inst_rec(1).status, 2);
-  EXPECT_EQ(kv_ptrto_net_rec(1).status, 8);
-  EXPECT_TRUE(kv_inq_object_in_range_b(2, kv_record_kind::pin));
-  EXPECT_FALSE(kv_inq_object_in_range_a(2, kv_record_kind::pin));
-  kv_set_object_selected(2, kv_record_kind::pin, false);
-  EXPECT_FALSE(kv_inq_object_selected(2, kv_record_kind::pin));
-  kv_set_object_selected(1, kv_record_kind{9}, true);  // another kind: nothing
-  EXPECT_FALSE(kv_inq_object_selected(1, kv_record_kind{9}));
-  kv_empty_store();
-}
-
 }  // namespace

@@ -39,39 +39,6 @@ TEST_F(StoreTest, TheLastPositionOfACharacterBlockIsNeverUsed) {
   EXPECT_EQ(kv_sext.chars[1000], '\0');
 }
 
-TEST_F(StoreTest, CharactersLeftBehindByAnEarlierRunDoNotShow) {
-  for (int i = 0; i < 12; ++i) kv_save_string(text_100);
-  kv_empty_store();
-  for (int i = 0; i < 9; ++i) kv_save_string(text_100);
-  kv_save_string("end");
-  const std::int32_t next = kv_save_string(text_100);  // 904..1003 does not fit
-  EXPECT_EQ(start_of(next), 1001);
-  for (std::int32_t i = 904; i <= 1000; ++i) ASSERT_EQ(kv_sext.chars[i], '\0') << i;
-}
-
-TEST_F(StoreTest, RecordsAreFreshAndNeverMove) {
-  const std::int32_t first = kv_sext.nets.append(3, "net");
-  kv_net_record_t* net = &kv_ptrto_net_rec(first + 1);
-  net->object_id = 7;
-  kv_sext.nets.append(2000, "net");
-  EXPECT_EQ(net, &kv_ptrto_net_rec(first + 1));
-  kv_empty_store();
-  kv_sext.nets.append(2, "net");
-  EXPECT_EQ(kv_ptrto_net_rec(2).object_id, 0);
-}
-
-TEST_F(StoreTest, PropertiesHoldTheirKindOfValue) {
-  const auto& text = kv_ptrto_prop_rec(kv_save_prop_str("X"));
-  EXPECT_EQ(text.prop_type, kv_prop_string);
-  EXPECT_EQ(kv_string_view(text.valuec), "X");
-  const auto& integer = kv_ptrto_prop_rec(kv_save_prop_int(-32768, 0, 32767));
-  EXPECT_EQ(integer.prop_type, kv_prop_int);
-  EXPECT_EQ(integer.valuei[0], -32768);
-  EXPECT_EQ(integer.valuei[2], 32767);
-  EXPECT_EQ(kv_ptrto_prop_rec(kv_save_prop_time(1, 2, 70000)).valuet[2], 70000);
-  EXPECT_EQ(kv_ptrto_prop_rec(kv_save_prop_real(1, 2.5F, 3)).valuer[1], 2.5F);
-}
-
 TEST_F(StoreTest, ChainsAreWalkedFromTheirFirstElement) {
   kv_sext.nets.append(1, "net");
   kv_sext.pins.append(4, "pin");

@@ -70,19 +70,6 @@ TEST(StrokeFont, ScalesOnceForTheScreen) {
   EXPECT_EQ(screen_text("!"), (std::vector<gx_line16_t>{{200, 300, 200, 310}, {200, 312, 200, 313}}));
 }
 
-TEST(ScreenText, ShowsSixtyCharactersFromTheFirstAskedFor) {
-  drawing_board board;
-  set_size(10, 12);
-  const std::string long_text = std::string(60, '-') + "0123456789";
-  EXPECT_EQ(screen_text(long_text).size(), 60U);
-  EXPECT_EQ(screen_text(long_text), screen_text(long_text.substr(0, 60)));
-  EXPECT_EQ(screen_text(long_text, 70).size(), screen_text("9").size());
-  EXPECT_TRUE(screen_text(long_text, 71).empty());
-  // What has no glyph advances like a blank.
-  EXPECT_EQ(screen_text("\x01\xff -"), screen_text("   -"));
-  EXPECT_EQ(screen_text("   -")[0].x1, 236);
-}
-
 TEST(SheetText, ReadsInFourDirections) {
   drawing_board board;
   // At 10 pixels "L" is a stroke of 10 up and one of 6 along; the second one stands 12 further.
@@ -95,18 +82,4 @@ TEST(SheetText, ReadsInFourDirections) {
             (std::vector<gx_line16_t>{{410, 512, 400, 512}, {400, 512, 400, 518}}));
 }
 
-TEST(SheetText, LeavesOutWhatDoesNotFit) {
-  drawing_board board;
-  EXPECT_TRUE(sheet_text("AB", 1001, 0).empty()) << "higher than the window";
-  EXPECT_TRUE(sheet_text(std::string(60, 'A'), 17, 0).empty()) << "wider than the window";
-  EXPECT_FALSE(sheet_text(std::string(60, 'A'), 16, 0).empty());
-  EXPECT_FALSE(sheet_text("A", 0, 0).empty()) << "tiny text is a row of dots";
-  EXPECT_FALSE(sheet_text("A", -5, 0).empty());
-  // Characters that begin beyond the clip window are skipped, strokes kept within it.
-  const auto lines = lines_of(color, 0, [] { gx_text(1, "HHHH", 870, 500, 20, 0, color); });
-  EXPECT_EQ(lines.size(), 6U);
-  for (const auto& line : lines) EXPECT_LE(std::max(line.x1, line.x2), 900);
-  const std::vector<gx_point16_t> many(257);
-  expect_stop([&] { gx_polyline_2d16(many, 1); }, gx_code::invalid_polyline_2d);
-}
 }  // namespace

@@ -80,35 +80,6 @@ TEST_F(TextFiles, WhatIsNoTextFileIsRefused) {
   EXPECT_TRUE(std::filesystem::exists(path("made")));
 }
 
-TEST_F(TextFiles, ShellCommandsLoseTheirQuotes) {
-  gx_system(gx_string("\"echo done > " + path("out") + "\""));
-  EXPECT_EQ(lines(path("out")), std::vector<std::string>{"done"});
-  gx_system(gx_string("'"));
-}
-
-TEST(Arguments, WordsAreKeptAndCut) {
-  gx_reset_state();
-  const std::string w198(198, 'w'), w199(199, 'w');
-  const char* words[] = {"kivo", "dir\nrest", w198.c_str(), w199.c_str()};
-  gx_store_arg(4, words);
-  gx_string_record_t word;
-  EXPECT_TRUE(gx_get_arg(2, word));
-  EXPECT_EQ(gx_view(word), "dir");
-  EXPECT_TRUE(gx_get_arg(3, word));
-  EXPECT_EQ(gx_view(word), w198);
-  EXPECT_TRUE(gx_get_arg(4, word));
-  EXPECT_EQ(word.len, 0);
-  for (std::int32_t outside : {0, 5, 41, -1}) EXPECT_FALSE(gx_get_arg(outside, word));
-
-  const std::vector<const char*> many(41, "x");
-  const auto store = [&](int argc) {
-    say_all_on_stderr();
-    gx_store_arg(argc, many.data());
-  };
-  EXPECT_EXIT(store(41), testing::ExitedWithCode(0), " !!! invalid usage  : arg number : 41\n");
-  EXPECT_EXIT(store(1), testing::ExitedWithCode(0), " !!! invalid usage  : arg number :  1\n");
-}
-
 TEST(FatalStop, NamesTheCodeAndGivesBackInReverseOrder) {
   const auto stop = [] {
     gx_at_fatal_stop([] { std::fputs("first given back\n", stderr); });

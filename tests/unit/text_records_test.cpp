@@ -24,30 +24,6 @@ TEST(TextRecords, ConcatenationIsClippedAt199) {
   EXPECT_EQ(room.len, 198);
 }
 
-TEST(TextRecords, CopiesOfARecordOntoItselfKeepIt) {
-  auto string = gx_string("abc");
-  gx_copy_line(string, string);
-  gx_concat_line(string, string);
-  EXPECT_EQ(gx_view(string), "abcabc");
-}
-
-TEST(TextRecords, NamesAndValuesKeepTheirCapacity) {
-  gx_name_record_t name;
-  name.len = 64;
-  std::fill_n(name.char_, 64, 'n');
-  gx_check_name(name);  // full, but sound
-  gx_string_record_t string;
-  expect_stop([&] { gx_name_string(name, string); }, gx_code::invalid_string,
-              " !!! error in  name_string : > max ");
-  gx_copy_name(gx_string(a63), name);
-  EXPECT_EQ(gx_view(name), a63);
-  expect_stop([&] { gx_copy_name(gx_string(a64), name); }, gx_code::invalid_string,
-              " !!! error in  copy_name : > max \n str_in \\(10\\) : \"aaaaaaaaaa\"");
-  gx_value_record_t value;
-  expect_stop([&] { gx_copy_value(gx_string(std::string(96, 'v')), value); },
-              gx_code::invalid_string, "copy_value : > max");
-}
-
 TEST(TextRecords, ChecksSayWhatIsWrong) {
   gx_string_record_t string = gx_string("abc");
   const auto check = [&] { gx_check_string(string); };

@@ -51,40 +51,6 @@ TEST(ViewportTable, ALaterViewportBlocksWhatItLiesOn) {
   expect_stop([] { gx_viewport_select(0); }, gx_code::viewport_id_invalid);
 }
 
-TEST(ViewportTable, RefusesTooManyAndBlockedOnes) {
-  make_screen();
-  expect_stop(
-      [] {
-        for (int i = 0; i < 13; ++i) gx_viewport_create({0, 0, 1, 1}, border);
-      },
-      gx_code::too_many_viewports);
-  gx_vext.viewport[1].vp_blocked = true;
-  expect_stop([] { gx_draw_viewport_border(1); }, gx_code::viewport_blocked,
-              "draw_viewport_border : view port blocked : 1");
-  expect_stop([] { gx_viewport_draw_segment(1, {}, {}, 1, 0); }, gx_code::viewport_blocked);
-  expect_stop([] { gx_viewport_draw_segment(2, {}, {5, 5}, 1, 5); }, gx_code::invalid_style);
-  expect_stop([] { gx_viewport_draw_grid(2, {}, {50, 50}, 51, 3, 7); },
-              gx_code::viewport_id_invalid, "invalid nstep : 51  3  50");
-  expect_stop([] { gx_init_nograph(); }, gx_code::already_initialized);
-  expect_stop(
-      [] {
-        gx_reset_state();
-        gx_init({}, "none");
-      },
-      gx_code::nb_of_viewport_invalid);
-}
-
-TEST(ViewportTable, DrawsAFieldOfDots) {
-  make_screen();
-  const gx_batch_t batch;
-  gx_viewport_draw_grid(3, {10, 10}, {110, 30}, 11, 3, 7);
-  const auto dots = gx_pen_kept_boxes(7);
-  ASSERT_EQ(dots.size(), 33U);
-  EXPECT_EQ(dots[0], (gx_bounds16_t{13, 764, 15, 766})) << "column 0: two pixels, one to the left";
-  EXPECT_EQ(dots[1], (gx_bounds16_t{24, 764, 25, 765}));
-  EXPECT_EQ(dots[32], (gx_bounds16_t{113, 784, 115, 786})) << "column 10";
-}
-
 TEST(Conversions, ThereAndBack) {
   drawing_board board;
   gx_vext.viewport[1].bounds_part = {-30050, 20010, 49950, 100010};
@@ -106,30 +72,6 @@ TEST(Conversions, ThereAndBack) {
   EXPECT_EQ(gx_viewport_pt_real_to_pixel(1, {5000, 5000}), gx_point16_t{});
   gx_viewport_pixel_to_obj2d({400, 400}, point);
   EXPECT_EQ(point, gx_pointreal_t{}) << "no file is shown";
-}
-
-TEST(Conversions, OffsetsTurnWithTheInstance) {
-  drawing_board board;
-  auto& instance = board.add<gx_object_instance_rec_t>({}, {}, board.family(gx_type::instance_family));
-  const int id = instance.gene.object_id;
-  const gx_pointreal_t turned[2][4] = {
-      {{3010, 5020}, {3020, 4990}, {2990, 4980}, {2980, 5010}},
-      {{3010, 4980}, {3020, 5010}, {2990, 5020}, {2980, 4990}}};
-  for (int mirrored = 0; mirrored < 2; ++mirrored)
-    for (int rotate = 0; rotate < 4; ++rotate) {
-      instance.rotate = static_cast<std::uint8_t>(rotate);
-      instance.fliph = static_cast<std::uint8_t>(mirrored);
-      EXPECT_EQ(gx_viewport_dpt_obj2d_inst(board.file(), id, {3000, 5000}, {10, 20}),
-                turned[mirrored][rotate])
-          << rotate << mirrored;
-    }
-  EXPECT_EQ(gx_viewport_dpt_obj2d_inst(board.file(), 0, {INT32_MAX, 0}, {10, 20}),
-            (gx_pointreal_t{INT32_MAX, 20}));
-  instance.rotate = 200;
-  expect_stop([&] { gx_viewport_dpt_obj2d_inst(board.file(), id, {}, {1, 1}); },
-              gx_code::coordonate_conversion_overflow, "inst.rotate invalid");
-  expect_stop([&] { gx_viewport_dpt_obj2d_inst(board.file(), id + 1, {}, {1, 1}); },
-              gx_code::object_id_invalid);
 }
 
 TEST(Zoom, FitsCentresAndKeepsWithinLimits) {
