@@ -40,6 +40,7 @@ class analysis {
 
   kv_sheet_t run(std::string_view file_path) {
     sheet.file_path = file_path;
+    sheet.text.reserve(static_cast<std::size_t>(file_.object_id_max) * 8);
     find_deleted();
     take_nets();
     sort_instances();

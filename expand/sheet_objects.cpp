@@ -40,7 +40,8 @@ const gx_object_property_rec_t* kv_find_prop(const gx_file_gene_recf_t& file, in
       continue;
     }
     const auto* property = reinterpret_cast<const gx_object_property_rec_t*>(object);
-    if (gx_iden(gx_view(property->name), name)) return property;
+    const std::string_view own = gx_view(property->name);
+    if (own.size() == name.size() && gx_iden(own, name)) return property;
   }
   return nullptr;
 }

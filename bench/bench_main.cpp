@@ -1,0 +1,101 @@
+// What a user waits for: a run, its listing, and the opening of a large sheet.
+#include <benchmark/benchmark.h>
+
+#include "bench/bench_design.h"
+#include "bench/floor.h"
+#include "expand/output.h"
+#include "expand/store.h"
+#include "gx/db/files.h"
+#include "gxmake/memory_array.h"
+
+namespace {
+
+constexpr int small = 2, kmax = 7;  // blocks: about 1,000 leaf instances, and what a store holds
+
+void count_leaves(benchmark::State& state) {
+  using benchmark::Counter;
+  state.counters["leaves"] = kv_sext.insts.count;
+  state.counters["s_per_leaf"] = Counter(
+      kv_sext.insts.count, Counter::kIsIterationInvariantRate | Counter::kInvert);
+}
+
+// A run with the listing off, from the command to the written image.
+void run(benchmark::State& state) {
+  bench_design design(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
+  for (auto _ : state) {
+    if (design.run() != kv_run_result::done) state.SkipWithError("the run failed");
+  }
+  count_leaves(state);
+  state.counters["pins"] = kv_sext.pins.count;
+  state.counters["chars"] = kv_sext.chars.count;
+}
+
+void drop_blocks() {
+  kv_sext.chars = {};
+  kv_sext.strings = {};
+  kv_sext.props = {};
+  kv_sext.pins = {};
+  kv_sext.insts = {};
+  kv_sext.nets = {};
+  kv_sext.net_childs = {};
+  kv_sext.macros = {};
+  kv_sext.pinms = {};
+}
+
+// The first run of a session: its store has no blocks yet.
+void first_run(benchmark::State& state) {
+  bench_design design(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
+  for (auto _ : state) {
+    state.PauseTiming();
+    drop_blocks();
+    state.ResumeTiming();
+    if (design.run() != kv_run_result::done) state.SkipWithError("the run failed");
+  }
+  count_leaves(state);
+}
+
+void floor_of_run(benchmark::State& state) {
+  bench_design design(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
+  design.run();
+  run_floor bare;
+  for (auto _ : state) bare.pass();
+  count_leaves(state);
+}
+
+// The image and the listing of a store that is there.
+void listing(benchmark::State& state) {
+  bench_design design(static_cast<int>(state.range(0)), 1);
+  design.run();
+  for (auto _ : state) {
+    if (!kv_write_output(true, "array")) state.SkipWithError("not written");
+  }
+  state.counters["bytes"] = static_cast<double>(std::filesystem::file_size("array/kivo_data"));
+}
+
+void open_sheet(benchmark::State& state) {
+  scratch_directory directory;
+  directory.write("sheet.gx_1", wide_sheet_bytes(static_cast<int>(state.range(0))));
+  const std::string path = directory.file("sheet.gx_1");
+  std::int16_t objects = 0;
+  for (auto _ : state) {
+    const gx_load_t load = gx_load_file(path);
+    if (load.code != gx_code::all_is_ok) state.SkipWithError(load.message.c_str());
+    objects = load.file ? load.file->object_id_max : std::int16_t{0};
+  }
+  state.counters["objects"] = objects;
+}
+
+BENCHMARK(floor_of_run)->Args({small, 1})->Args({kmax, 1})->Unit(benchmark::kMicrosecond);
+BENCHMARK(run)
+    ->Args({small, 1})
+    ->Args({kmax, 1})
+    ->Args({small, 8})
+    ->Args({kmax, 8})
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(first_run)->Args({kmax, 1})->Unit(benchmark::kMicrosecond);
+BENCHMARK(listing)->Arg(kmax)->Unit(benchmark::kMillisecond);
+BENCHMARK(open_sheet)->Arg(30000)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+
+BENCHMARK_MAIN();

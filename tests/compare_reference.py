@@ -1,0 +1,98 @@
+#!/usr/bin/env python3
+"""Compares an expanded design with a netlist that another program made of the same source.
+
+usage: compare_reference.py KIVO_DATA REFERENCE.NET [EXPECTED.JSON]
+
+KIVO_DATA is the data listing of a run (GENerate DATa ON), REFERENCE.NET a netlist in the format
+"geda" of gEDA and its successors, whose refdes are joined by "/" over the levels. The two agree
+when every net joins the same pins. EXPECTED.JSON holds counts that the listing must reach. Says
+what differs; the exit status is 1 then.
+
+Names are compared in ASCII: a part called by a Greek letter there bears the letter's name here.
+A part whose name ends in ~2, ~3 ... is a further part of the same package.
+"""
+import collections
+import json
+import re
+import sys
+import unicodedata
+
+
+def in_ascii(text):
+    def letter(c):
+        if c.isascii():
+            return c
+        name = re.match(r"GREEK (?:SMALL LETTER |CAPITAL LETTER )?(\w+)", unicodedata.name(c, ""))
+        return name.group(1).lower() if name else "?"
+
+    return "".join(map(letter, text))
+
+
+def reference_nets(path):
+    """The pins of each net by its name; nets of no pin are left out."""
+    nets = {}
+    lines = iter(open(path, encoding="utf-8"))
+    for line in lines:
+        if line.startswith("START nets"):
+            break
+    for line in lines:
+        if line.startswith("END nets"):
+            break
+        name, colon, pins = line.rstrip("\n").partition(" : ")
+        if colon:
+            nets[name] = frozenset(
+                "/" + in_ascii("/".join(pin.rsplit(" ", 1))) for pin in pins.split(", "))
+    return nets
+
+
+def listed_nets(path):
+    """The same of a data listing: the path of each net by the pins of leaf instances on it."""
+    pins = collections.defaultdict(set)
+    names, counts = {}, {}
+    kind = index = sim_path = None
+    for line in open(path, encoding="utf-8"):
+        if m := re.match(r" nbof_(.*?) *:(\d+)$", line):
+            counts[m.group(1)] = int(m.group(2))
+        elif m := re.match(r" (Instance|NET|MACRO|Pin)  ?: (\d+)$", line):
+            # A pin of a macro is told from a pin of an instance by what stands above it.
+            if m.group(1) == "Pin":
+                kind = "macro pin" if kind in ("MACRO", "macro pin") else "pin"
+            else:
+                kind = m.group(1)
+            index, sim_path = int(m.group(2)), None
+        elif (m := re.match(r' sim_path *: "(.*)"$', line)) and sim_path is None:
+            sim_path = m.group(1)
+            if kind == "NET":
+                names[index] = sim_path
+        elif (m := re.match(r" net_ind *: (\d+)$", line)) and kind == "pin":
+            pins[int(m.group(1))].add(re.sub(r"~\d+(?=/[^/]*$)", "", sim_path))
+    return {names[net]: frozenset(on) for net, on in pins.items()}, counts
+
+
+def main():
+    if len(sys.argv) not in (3, 4):
+        sys.exit(__doc__)
+    here, counts = listed_nets(sys.argv[1])
+    there = reference_nets(sys.argv[2])
+    faults = []
+    # A pin that nothing is joined to may be missing there.
+    joined = {pin for pins in there.values() for pin in pins}
+    for name, pins in here.items():
+        if pins not in there.values() and (len(pins) > 1 or pins & joined):
+            faults.append(f"only here:  {name}: {' '.join(sorted(pins))}")
+    for name, pins in there.items():
+        if pins not in here.values():
+            faults.append(f"only there: {name}: {' '.join(sorted(pins))}")
+    if len(sys.argv) == 4:
+        expected = json.load(open(sys.argv[3], encoding="utf-8"))
+        listed = {"instances": "instance", "macros": "macro", "pins": "pin",
+                  "macro_pins": "pin (for macro)", "nets": "net"}
+        for name, ours in listed.items():
+            if counts[ours] != expected[name]:
+                faults.append(f"{name}: {counts[ours]}, expected {expected[name]}")
+    print("\n".join(faults) if faults
+          else f"{sys.argv[1]}: {len(here)} nets with pins, {len(there)} nets there, all agree")
+    sys.exit(1 if faults else 0)
+
+
+main()
