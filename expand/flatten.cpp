@@ -373,6 +373,22 @@ void process_instances(const visit_t& visit) {
   }
 }
 
+// All of a sheet. A store that gets full ends the run; the sheet that it could not hold is told.
+void process_objects(const visit_t& visit) {
+  try {
+    process_ports(visit);
+    process_globals(visit);
+    process_nets(visit);
+    process_instances(visit);
+  } catch (const kv_store_full_t& full) {
+    kv_tell("# !! Error : Design too large : more than ", std::to_string(kv_max_records),
+            " records of the kind : ", full.name);
+    kv_tell_quoted("# !! Sheet : ", visit.run.path.view());
+    kv_count_error();
+    visit.run.end = kv_run_result::design_too_large;
+  }
+}
+
 }  // namespace
 
 void kv_process_inst_of_sheet(kv_flatten_t& run, kv_sheet_t& sheet, const kv_entry_t& entry,
@@ -400,11 +416,6 @@ void kv_process_inst_of_sheet(kv_flatten_t& run, kv_sheet_t& sheet, const kv_ent
   run.flats.resize(flats + sheet.groups.size());
   const visit_t visit{run, sheet, entry, flats, level, timing_index};
   for (const auto& report : sheet.port_reports) tell_report(report);
-  if (!sheet.ends_at_port) {
-    process_ports(visit);
-    process_globals(visit);
-    process_nets(visit);
-    process_instances(visit);
-  }
+  if (!sheet.ends_at_port) process_objects(visit);
   run.flats.resize(flats);
 }

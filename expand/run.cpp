@@ -1,6 +1,7 @@
 // One expansion run.
 #include "expand/run.h"
 
+#include <optional>
 #include <string>
 
 #include "expand/debug.h"
@@ -97,6 +98,20 @@ void store_info() {
   kv_debug(" time_step              : % .1E\n", static_cast<double>(info.time_step));
 }
 
+// The whole walk; why it ended early, if it did.
+std::optional<kv_run_result> flatten(const kv_run_t& run, gx_file_index_t top) {
+  const auto& slot = gx_vext.filear[static_cast<std::size_t>(top)];
+  kv_flatten_t walk{run.expand_level, run.macro_level, gx_vext.num_errors};
+  kv_sheet_t sheet = kv_analyse_sheet(gx_ptrto_gene_file_buf(top), gx_view(slot.file_pathname),
+                                      walk.cache.globals);
+  kv_find_tied_globals(walk.cache, sheet, 1);
+  run.macro_level = 0;
+  kv_sext.run_goes_on = true;
+  kv_process_inst_of_sheet(walk, sheet, {}, 1, 0);
+  kv_sext.run_goes_on = false;
+  return walk.end;
+}
+
 }  // namespace
 
 kv_run_result kv_run_expansion(const kv_run_t& run) {
@@ -108,20 +123,17 @@ kv_run_result kv_run_expansion(const kv_run_t& run) {
   }
   kv_empty_store();
   kv_tell(" RUN ");
-
-  const auto& slot = gx_vext.filear[static_cast<std::size_t>(top)];
-  kv_flatten_t flatten{run.expand_level, run.macro_level, gx_vext.num_errors};
-  kv_sheet_t sheet = kv_analyse_sheet(gx_ptrto_gene_file_buf(top), gx_view(slot.file_pathname),
-                                      flatten.cache.globals);
-  kv_find_tied_globals(flatten.cache, sheet, 1);
-  run.macro_level = 0;
-  kv_process_inst_of_sheet(flatten, sheet, {}, 1, 0);
-  if (flatten.end) return *flatten.end;
+  if (const auto end = flatten(run, top)) {
+    kv_empty_store();  // a part of a design is not taken for the whole
+    return *end;
+  }
 
   check_nets();
   store_info();
-  if (kv_write_output(run.gen_data, gx_view(slot.dirname))) return kv_run_result::done;
-  kv_tell_quoted("# !! Error : Expanded data not written whole in : ", gx_view(slot.dirname));
+  const std::string_view directory =
+      gx_view(gx_vext.filear[static_cast<std::size_t>(top)].dirname);
+  if (kv_write_output(run.gen_data, directory)) return kv_run_result::done;
+  kv_tell_quoted("# !! Error : Expanded data not written whole in : ", directory);
   kv_count_error();
   return kv_run_result::write_failed;
 }

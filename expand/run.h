@@ -17,8 +17,9 @@ enum class kv_run_result {
   done,
   no_lists,         // a list that a run needs is empty
   no_sheet,         // no sheet at level 1
-  too_many_levels,  // these two: the store is not whole, nothing was written
+  too_many_levels,  // these three: the store is emptied, nothing was written
   path_too_long,
+  design_too_large,
   write_failed,
 };
 

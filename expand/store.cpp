@@ -62,6 +62,7 @@ void kv_array_full(std::string_view name, std::int32_t index) {
   const std::string lower(name);
   kv_debug(" KV_SAVE_%s  : error of max_%s_cur  : %d   %d\n", upper.c_str(), lower.c_str(), index,
            kv_max_records);
+  if (kv_sext.run_goes_on) throw kv_store_full_t{name};
   std::printf("!! The design is too large : more than %d records of the kind '%s'\n",
               kv_max_records, lower.c_str());
   kv_error_stop();

@@ -24,8 +24,13 @@ inline constexpr int kv_max_list = 16;      // entries of a PRIMitive, PARAMeter
 // Which array; also the order of the design file.
 enum class kv_array { chars, strings, props, insts, pins, nets, net_childs, macros, pinms };
 
+// A design larger than the store, met while a run goes on: thrown to the run, which is refused.
+struct kv_store_full_t {
+  std::string_view name;  // of the array that is full: its counter is max_<name>_cur
+};
+
 // Reports that the array whose counter is max_<name>_cur ("string", "net_child", ...) is full and
-// stops the program (kv_error_stop).
+// stops the program (kv_error_stop); during a run throws kv_store_full_t instead.
 [[noreturn]] void kv_array_full(std::string_view name, std::int32_t index);
 
 // One blocked array. `count` is the number of records in use.
@@ -245,6 +250,7 @@ struct kv_defref_exp_rec_t {
   int designfile = -1;                // descriptor of the design file
   bool open_file_ok = false;
   bool gx_graphics_used = false;
+  bool run_goes_on = false;           // see kv_array_full
 };
 
 extern kv_defref_exp_rec_t kv_sext;

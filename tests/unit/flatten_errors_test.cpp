@@ -253,6 +253,27 @@ TEST_F(FlattenTest, APathBeyondAStringOfTheStoreEndsTheRun) {
   EXPECT_EQ(std::filesystem::file_size("design_kv"), 0U);
 }
 
+TEST_F(FlattenTest, ADesignBeyondTheStoreIsRefused) {
+  // The paths of the members of wide buses are more than the characters that it holds.
+  std::string buses;
+  for (int i = 0; i < 9; ++i) {
+    const std::string n = std::to_string(i);
+    buses += " bus D" + n + " 0:3000\n  wire 0," + n + " 9," + n + "\n";
+  }
+  EXPECT_EQ(run("symbol s\n pin A 0,0 IN\n"
+                "sheet s\n port A p 0,30\n part R r 12,30\n net A\n  wire A R.1\n" + buses +
+                "sheet top\n part X s 2,0\n part Y s 2,9\n net A\n  wire X.A Y.A\n"),
+            (lines_t{"# !! Error : Pin without Net : \"/X/R/2\"",
+                     "# !! Error : Design too large : more than 500000 records of the kind : char",
+                     "# !! Sheet : \"/Y\""}));
+  EXPECT_EQ(std::filesystem::file_size("design_kv"), 0U);
+  EXPECT_EQ(kv_sext.nets.count, 0);
+  // The session goes on, and so does a smaller design.
+  gx_vext.num_file_open = 0;
+  EXPECT_EQ(run(one_part), lines_t{});
+  EXPECT_EQ(kv_sext.nets.count, 2);
+}
+
 TEST_F(FlattenTest, MoreThanThirtyErrorsEndTheSheets) {
   std::string parts;
   for (int i = 0; i < 40; ++i) {
