@@ -31,10 +31,9 @@ std::string summary(const std::string& counts) {
 class Program : public testing::Test {
  protected:
   program_start start(std::vector<std::string> words) const {
-    // Without a product directory the session holds only what its own commands answer.
     return {.directory = directory_.path(),
             .words = std::move(words),
-            .environment = {"VELMORAN=" + directory_.file("no_product").string()},
+            .environment = {},
             .program = {}};
   }
   process_result run(std::vector<std::string> words) const {
