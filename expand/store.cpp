@@ -14,36 +14,37 @@
 
 namespace {
 
-// Room for `len` characters (1..100), all in one block: the index of the first. A string that
-// would reach the last position of its block starts the next one; the rest of the block it leaves
-// is zero, so that the same strings always give the same characters.
-std::int32_t reserve_chars(std::int32_t len) {
+// Room for `len` characters (1..100), all in one block; `index` becomes that of the first. A string
+// that would reach the last position of its block starts the next one; the rest of the block it
+// leaves is zero, so that the same strings always give the same characters.
+char* reserve_chars(std::int32_t len, std::int32_t& index) {
   auto& chars = kv_sext.chars;
-  std::int32_t start = chars.count + 1;
-  const std::int32_t end = start + len - 1;
+  std::int32_t start = chars.count;  // from 0
+  const std::int32_t end = start + len;
   const std::int32_t block = end / kv_block_size;
   if (end > kv_max_records || block >= kv_blocks) kv_array_full("char", end);
-  const std::int32_t last_block = (start - 1) / kv_block_size;
-  if (block > last_block || chars.count == 0) {
-    if (chars.count > 0) {
-      const std::int32_t used = chars.count - last_block * kv_block_size;
-      std::fill(&chars[start], &chars[start] + (kv_block_size - used), '\0');
+  auto& storage = chars.blocks[static_cast<std::size_t>(block)];
+  const std::int32_t block_start = block * kv_block_size;
+  if (start < block_start || start == 0) {
+    if (start > 0) {
+      auto& left = chars.blocks[static_cast<std::size_t>(block - 1)];
+      std::fill(left.get() + (start - (block_start - kv_block_size)), left.get() + kv_block_size,
+                '\0');
     }
-    auto& storage = chars.blocks[static_cast<std::size_t>(block)];
     if (!storage) storage = std::make_unique<char[]>(kv_block_size);
-    start = block * kv_block_size + 1;
+    start = block_start;
   }
-  chars.count = start + len - 1;
-  return start;
+  chars.count = start + len;
+  index = start + 1;
+  return storage.get() + (start - block_start);
 }
 
 template <typename Fill>
 std::int32_t save_prop(kv_prop_type type, Fill fill) {
-  const std::int32_t index = kv_sext.props.append(1, "prop");
-  kv_prop_record_t& record = kv_sext.props[index];
+  kv_prop_record_t& record = kv_sext.props.add("prop");
   record.prop_type = type;
   fill(record);
-  return index;
+  return kv_sext.props.count;
 }
 
 }  // namespace
@@ -99,16 +100,14 @@ std::int32_t kv_save_string(std::string_view text) {
                 static_cast<int>(text.size()), kv_max_string, kv_max_string, text.data());
     kv_error_stop();
   }
-  const std::int32_t index = kv_sext.strings.append(1, "string");
-  kv_string_record_t& record = kv_sext.strings[index];
+  kv_string_record_t& record = kv_sext.strings.add("string");
   record.len = static_cast<std::int8_t>(text.size());
   if (text.empty()) {
     record.index = kv_sext.chars.count;
-    return index;
+  } else {
+    std::memcpy(reserve_chars(record.len, record.index), text.data(), text.size());
   }
-  record.index = reserve_chars(record.len);
-  std::memcpy(&kv_sext.chars[record.index], text.data(), text.size());
-  return index;
+  return kv_sext.strings.count;
 }
 
 std::int32_t kv_save_prop_str(std::string_view text) {

@@ -46,6 +46,20 @@ struct kv_blocked_t {
     return blocks[i / kv_block_size][i % kv_block_size];
   }
   bool holds(std::int32_t index) const { return index >= 1 && index <= count; }
+  // The next record, fresh; its index is `count` then.
+  Record& add(std::string_view name) {
+    if (count == kv_max_records) kv_array_full(name, kv_max_records + 1);
+    const auto at = static_cast<std::size_t>(count++);
+    auto& block = blocks[at / kv_block_size];
+    if (!block) block = std::make_unique<Record[]>(kv_block_size);
+    Record& record = block[at % kv_block_size];
+    if (count <= touched) {
+      record = Record{};
+    } else {
+      touched = count;
+    }
+    return record;
+  }
   // Makes room for indexes count + 1 .. count + n and returns the first; the new records are
   // fresh (all fields at their defaults).
   std::int32_t append(std::int32_t n, std::string_view name) {
