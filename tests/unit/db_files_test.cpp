@@ -20,8 +20,9 @@ class db_files : public testing::Test {
   std::string dir() const { return scratch.path().string(); }
   void put_version(const gx_builder& built, std::string_view base, int version) const {
     const auto link = std::string(base) + ".gx";
-    scratch.write(link, "_" + std::to_string(version) + "        \n");
-    scratch.write(link + "_" + std::to_string(version), built.bytes());
+    const auto value = std::string("_").append(std::to_string(version));
+    scratch.write(link, value + "        \n");
+    scratch.write(link + value, built.bytes());
   }
   const gx_file_io_rec_t& slot(int index) const {
     return gx_vext.filear[static_cast<std::size_t>(index)];
