@@ -31,7 +31,8 @@ symbol two
   line 0,0 0,4
   pin 1 0,0 IXO
   pin 2 0,4 IXO
-  prop CLASS=R VALUE=1k
+  prop CLASS=R
+  default VALUE=1k
   show VALUE 1,2
 symbol portin
   pin P 0,0 IXO
@@ -48,7 +49,7 @@ sheet block
 sheet top
   page 40,20
   part B1 block 6,6
-  part R1 two 4,6 VALUE=2k
+  part R1 two 4,6
   net N1
     wire R1.1 4,4 5,4 5,8 B1.A
 )";
