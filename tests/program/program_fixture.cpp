@@ -515,11 +515,12 @@ void test_session::settle(test_time limit) {
                            static_cast<std::size_t>(image->height));
   };
   std::string last = bytes();
+  int still = 0;  // looks at an unchanged picture
   wait_until("the picture to stand still", limit, [&] {
     std::this_thread::sleep_for(std::chrono::milliseconds(60));
     std::string next = bytes();
-    const bool still = next == last;
+    still = next == last ? still + 1 : 0;
     last = std::move(next);
-    return still;
+    return still == 3;
   });
 }
