@@ -263,9 +263,13 @@ void read_motion(XEvent& motion, gx_event_t& event) {
     read_menu_motion(event);
     return;
   }
-  event.pixel = inside_window(motion.xmotion.x, motion.xmotion.y);
   const auto time = static_cast<std::uint32_t>(motion.xmotion.time);
   event.time = time;
+  // A motion that was sent back may come in behind a newer one; it is of the past then, and sending
+  // it round once more would keep the pointer from ever coming to rest.
+  const auto last = static_cast<std::uint32_t>(gx_vext.last_motputb);
+  if (last != 0 && is_newer(last, static_cast<std::int32_t>(time))) return;
+  event.pixel = inside_window(motion.xmotion.x, motion.xmotion.y);
   const bool fresh = is_newer(time, gx_vext.last_motputb);
   const bool rested =
       !fresh && xdiftimems(gx_vext.lasttime.tv_sec, gx_vext.lasttime.tv_usec) > rest_ms;
