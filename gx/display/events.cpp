@@ -227,8 +227,9 @@ void read_menu_motion(gx_event_t& event) {
   discard(MotionNotify);
 }
 
-bool is_newer(std::uint32_t time, std::int32_t than) {
-  return static_cast<std::int32_t>(time - static_cast<std::uint32_t>(than)) > 0;
+// Server times run over after 49 days.
+bool is_newer(std::uint32_t time, std::uint32_t than) {
+  return static_cast<std::int32_t>(time - than) > 0;
 }
 
 // Of all motions waiting only the newest position counts.
@@ -264,13 +265,13 @@ void read_motion(XEvent& motion, gx_event_t& event) {
     return;
   }
   const auto time = static_cast<std::uint32_t>(motion.xmotion.time);
-  event.time = time;
-  // A motion that was sent back may come in behind a newer one; it is of the past then, and sending
-  // it round once more would keep the pointer from ever coming to rest.
   const auto last = static_cast<std::uint32_t>(gx_vext.last_motputb);
-  if (last != 0 && is_newer(last, static_cast<std::int32_t>(time))) return;
+  event.time = time;
+  // One that was on its way back when the pointer moved on is out of date: it would take turns with
+  // the newer one, and neither would ever be at rest.
+  if (last != 0 && is_newer(last, time)) return;
   event.pixel = inside_window(motion.xmotion.x, motion.xmotion.y);
-  const bool fresh = is_newer(time, gx_vext.last_motputb);
+  const bool fresh = last == 0 || is_newer(time, last);
   const bool rested =
       !fresh && xdiftimems(gx_vext.lasttime.tv_sec, gx_vext.lasttime.tv_usec) > rest_ms;
 
