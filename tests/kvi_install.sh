@@ -9,7 +9,7 @@ trap 'rm -rf "$work"' EXIT
 cmake --install "$build" --component kvi --prefix "$work/prefix" >/dev/null
 client=$source/examples/spice_export
 
-cmake -S "$client" -B "$work/cmake" -DCMAKE_PREFIX_PATH="$work/prefix" >/dev/null
+cmake -G Ninja -S "$client" -B "$work/cmake" -DCMAKE_PREFIX_PATH="$work/prefix" >/dev/null
 cmake --build "$work/cmake" >/dev/null
 
 PKG_CONFIG_PATH=$(dirname "$(find "$work/prefix" -name kvi.pc)")
