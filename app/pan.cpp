@@ -22,16 +22,16 @@ constexpr int edge_room = 5;             // pixels the pointer keeps from a view
 
 // A picture that goes up shows what lies below: panning adds to the coordinates shown.
 constexpr std::array<kv_move_t, 20> moves = {{
-    {"$CU1", 0, -1, one_step, true},      {"$CD1", 0, 1, one_step, true},
-    {"$CL1", -1, 0, one_step, true},      {"$CR1", 1, 0, one_step, true},
-    {"$CU4", 0, -1, 4 * one_step, true},  {"$CD4", 0, 1, 4 * one_step, true},
-    {"$CL4", -1, 0, 4 * one_step, true},  {"$CR4", 1, 0, 4 * one_step, true},
-    {"$VPTU5", 0, 1, 5 * one_step},       {"$VPTD5", 0, -1, 5 * one_step},
-    {"$VPTL5", 1, 0, 5 * one_step},       {"$VPTR5", -1, 0, 5 * one_step},
-    {"$VPTU20", 0, 1, 20 * one_step},     {"$VPTD20", 0, -1, 20 * one_step},
-    {"$VPTL20", 1, 0, 20 * one_step},     {"$VPTR20", -1, 0, 20 * one_step},
-    {"$VPTU80", 0, 1, 80 * one_step},     {"$VPTD80", 0, -1, 80 * one_step},
-    {"$VPTL80", 1, 0, 80 * one_step},     {"$VPTR80", -1, 0, 80 * one_step},
+    {"$CU1", 0, -1, one_step, true},     {"$CD1", 0, 1, one_step, true},
+    {"$CL1", -1, 0, one_step, true},     {"$CR1", 1, 0, one_step, true},
+    {"$CU4", 0, -1, 4 * one_step, true}, {"$CD4", 0, 1, 4 * one_step, true},
+    {"$CL4", -1, 0, 4 * one_step, true}, {"$CR4", 1, 0, 4 * one_step, true},
+    {"$VPTU5", 0, 1, 5 * one_step},      {"$VPTD5", 0, -1, 5 * one_step},
+    {"$VPTL5", 1, 0, 5 * one_step},      {"$VPTR5", -1, 0, 5 * one_step},
+    {"$VPTU20", 0, 1, 20 * one_step},    {"$VPTD20", 0, -1, 20 * one_step},
+    {"$VPTL20", 1, 0, 20 * one_step},    {"$VPTR20", -1, 0, 20 * one_step},
+    {"$VPTU80", 0, 1, 80 * one_step},    {"$VPTD80", 0, -1, 80 * one_step},
+    {"$VPTL80", 1, 0, 80 * one_step},    {"$VPTR80", -1, 0, 80 * one_step},
 }};
 constexpr std::size_t looked_at = 6;  // characters of a word
 

@@ -5,10 +5,10 @@
 #include <string_view>
 
 struct kv_move_t {
-  std::string_view word;     // of the command, without the blanks around it
-  int dx = 0, dy = 0;        // direction on the screen; y grows downwards
-  std::int32_t amount = 0;   // design units
-  bool is_cursor = false;    // the pointer moves, not the picture
+  std::string_view word;    // of the command, without the blanks around it
+  int dx = 0, dy = 0;       // direction on the screen; y grows downwards
+  std::int32_t amount = 0;  // design units
+  bool is_cursor = false;   // the pointer moves, not the picture
 };
 
 // The move of a command word "$CU1", "$VPTL20", ...; nullptr when there is none. Letters in any

@@ -91,8 +91,7 @@ void redraw_context(bool keep_scale, const char* bad_grid, const char* bad_file)
 }  // namespace
 
 void kv_display_picture_all(gx_vpid_t vpid, gx_file_index_t file_index) {
-  show_part(vpid, file_index, nullptr,
-            " KV_DISPLAY_PICTURE_ALL : file index (invalid) : %12d\n",
+  show_part(vpid, file_index, nullptr, " KV_DISPLAY_PICTURE_ALL : file index (invalid) : %12d\n",
             " KV_DISPLAY_PICTURE_ALL : grid_id (invalid) : %12d\n");
 }
 

@@ -128,7 +128,8 @@ void process_ports(const visit_t& visit) {
     if (port.group < 0) continue;
     const auto& pin = above.pins[static_cast<std::size_t>(visit.entry.inst->first_pin + place)];
     if (pin.group < 0) continue;  // told when the pin was saved
-    const auto& flat_above = visit.run.flats[visit.entry.flats + static_cast<std::size_t>(pin.group)];
+    const auto& flat_above =
+        visit.run.flats[visit.entry.flats + static_cast<std::size_t>(pin.group)];
     if (flat_above.net == 0) continue;
     if (!bring_down(pin, flat_above, visit.group(port.group), visit.flat(port.group))) {
       tell_port(visit, port, "  not compatible at level -1 ? ");
@@ -236,8 +237,9 @@ void process_globals(const visit_t& visit) {
                                     : process_global_on_net(visit, global, global_net);
     if (net != 0 && global.init.what == kv_init_t::valid) kv_set_initial_state(net, global.init);
     if (global.init.what == kv_init_t::invalid) {
-      tell_bad_init("# !! INIT property on PIN of GLOBAL Invalid ", "# !! Global name  : ",
-                    visit.sheet.view(global.name), visit.sheet.view(global.init.text));
+      tell_bad_init("# !! INIT property on PIN of GLOBAL Invalid ",
+                    "# !! Global name  : ", visit.sheet.view(global.name),
+                    visit.sheet.view(global.init.text));
     }
   }
 }
@@ -251,11 +253,11 @@ void process_init(const visit_t& visit, const kv_sheet_net_t& net) {
   const kv_flat_t& flat = visit.flat(net.group);
   if (flat.by_port) {
     const auto& port = visit.sheet.ports[static_cast<std::size_t>(visit.group(net.group).port)];
-    tell_bad_init("# !! INIT property on NET of PORT Invalid ", "# !! Port name  : ",
-                  visit.sheet.view(port.name), value);
+    tell_bad_init("# !! INIT property on NET of PORT Invalid ",
+                  "# !! Port name  : ", visit.sheet.view(port.name), value);
   } else {
-    tell_bad_init("# !! INIT property on Local NET Invalid ", "# !! NET name  : ",
-                  visit.name(net.suffix), value);
+    tell_bad_init("# !! INIT property on Local NET Invalid ",
+                  "# !! NET name  : ", visit.name(net.suffix), value);
   }
 }
 
@@ -368,7 +370,8 @@ void process_instances(const visit_t& visit) {
     if (must_stop(visit.run)) return;
     if (!check_symbol(visit, symbol)) continue;
     for (std::int32_t i = 0; i < symbol.nb_of_inst && !must_stop(visit.run); ++i) {
-      process_inst(visit, visit.sheet.insts[static_cast<std::size_t>(symbol.first_inst + i)], symbol);
+      process_inst(visit, visit.sheet.insts[static_cast<std::size_t>(symbol.first_inst + i)],
+                   symbol);
     }
   }
 }

@@ -66,8 +66,8 @@ void kv_net_table::take_segment(std::int32_t net, int segment) {
   const auto* record = kv_object_as<gx_object_segment_rec_t>(file_, segment);
   for (const int end : {record->vertex1, record->vertex2}) {
     const auto* object = kv_object(file_, end);
-    if (object == nullptr || (object->object_type != gx_type::vertex_2d &&
-                              object->object_type != gx_type::pinpropfam)) {
+    if (object == nullptr ||
+        (object->object_type != gx_type::vertex_2d && object->object_type != gx_type::pinpropfam)) {
       continue;
     }
     if (const std::int32_t named = named_by(end); named >= 0) unite(net, named);

@@ -130,8 +130,7 @@ kv_run_result kv_run_expansion(const kv_run_t& run) {
 
   check_nets();
   store_info();
-  const std::string_view directory =
-      gx_view(gx_vext.filear[static_cast<std::size_t>(top)].dirname);
+  const std::string_view directory = gx_view(gx_vext.filear[static_cast<std::size_t>(top)].dirname);
   if (kv_write_output(run.gen_data, directory)) return kv_run_result::done;
   kv_tell_quoted("# !! Error : Expanded data not written whole in : ", directory);
   kv_count_error();

@@ -29,10 +29,18 @@ void tell_bad_value(const kv_prop_type_record_t& entry, std::string_view value,
 
 void save_value(const kv_kept_t& kept, std::string_view text) {
   switch (kept.type) {
-    case kv_prop_string: kv_save_prop_str(text); break;
-    case kv_prop_int: kv_save_prop_int(kept.number[0], kept.number[1], kept.number[2]); break;
-    case kv_prop_time: kv_save_prop_time(kept.number[0], kept.number[1], kept.number[2]); break;
-    case kv_prop_real: kv_save_prop_real(kept.real[0], kept.real[1], kept.real[2]); break;
+    case kv_prop_string:
+      kv_save_prop_str(text);
+      break;
+    case kv_prop_int:
+      kv_save_prop_int(kept.number[0], kept.number[1], kept.number[2]);
+      break;
+    case kv_prop_time:
+      kv_save_prop_time(kept.number[0], kept.number[1], kept.number[2]);
+      break;
+    case kv_prop_real:
+      kv_save_prop_real(kept.real[0], kept.real[1], kept.real[2]);
+      break;
   }
 }
 
@@ -153,7 +161,8 @@ class member_text {
     chars_[bus.size()] = '_';
   }
   std::string_view at(std::int32_t position) {
-    char* end = std::to_chars(chars_.data() + stem_len_, chars_.data() + chars_.size(), position).ptr;
+    char* end =
+        std::to_chars(chars_.data() + stem_len_, chars_.data() + chars_.size(), position).ptr;
     return {chars_.data(), static_cast<std::size_t>(end - chars_.data())};
   }
 

@@ -22,10 +22,14 @@ using kv_prop_list_t = kv_list_t<kv_prop_type_record_t>;
 
 kv_prop_type type_of_letter(std::string_view prop_type) {
   switch (prop_type.empty() ? ' ' : gx_upper_case(prop_type.front())) {
-    case 'I': return kv_prop_int;
-    case 'T': return kv_prop_time;
-    case 'R': return kv_prop_real;
-    case 'S': return kv_prop_string;
+    case 'I':
+      return kv_prop_int;
+    case 'T':
+      return kv_prop_time;
+    case 'R':
+      return kv_prop_real;
+    case 'S':
+      return kv_prop_string;
     default:
       kv_debug(" KV_SAVE_PROP  : error : type of property invalid\n");
       kv_error_stop();
@@ -201,7 +205,8 @@ class analysis {
       const std::int32_t net = nets_.net_at(pin.pinpropfam);
       kv_sheet_port_t port;
       port.name = keep_text({name});
-      port.bare_name = is_bus_pin(pin.pinpropfam, net) ? keep_text({kv_bare_name(name)}) : port.name;
+      port.bare_name =
+          is_bus_pin(pin.pinpropfam, net) ? keep_text({kv_bare_name(name)}) : port.name;
       sheet.ports.push_back(port);
       port_nets_.push_back(net);
     }
@@ -286,16 +291,15 @@ class analysis {
       }
       const auto& other = sheet.globals[static_cast<std::size_t>(first)];
       if (other.run_global == global.run_global) continue;
-      report_global(global, two_on_one("globals", group, sheet.view(other.name),
-                                       sheet.view(global.name)));
+      report_global(global,
+                    two_on_one("globals", group, sheet.view(other.name), sheet.view(global.name)));
       global.usable = false;
     }
   }
 
   std::int32_t run_global(std::string_view name) {
-    const auto at = std::find_if(globals_.begin(), globals_.end(), [&](const auto& global) {
-      return gx_iden(global.nvalue, name);
-    });
+    const auto at = std::find_if(globals_.begin(), globals_.end(),
+                                 [&](const auto& global) { return gx_iden(global.nvalue, name); });
     if (at == globals_.end()) {
       globals_.push_back({std::string(name), 0});
       return static_cast<std::int32_t>(globals_.size()) - 1;
@@ -405,14 +409,16 @@ class analysis {
     const auto& record = *kv_object_as<gx_object_pinpropfam_rec_t>(file_, ids.pinpropfam);
     kv_sheet_pin_t pin;
     pin.object_id = static_cast<gx_object_id_t>(ids.pinpropfam);
-    pin.suffix = keep_suffix(kv_prop_text(kv_find_prop_of_two(file_, ids.pin, ids.pinpropfam, "PIN")),
-                             "P_", ids.pinpropfam);
+    pin.suffix =
+        keep_suffix(kv_prop_text(kv_find_prop_of_two(file_, ids.pin, ids.pinpropfam, "PIN")), "P_",
+                    ids.pinpropfam);
     take_pin_type(pin, kv_find_prop_of_two(file_, ids.pin, ids.pinpropfam, "PINTYPE"));
     pin.pin_start = record.pin_start;
     pin.pin_end = record.pin_end;
     pin.pin_net_start = record.pin_net_start;
     pin.group = group_at(ids.pinpropfam);
-    pin.width = std::max(record.pin_end, record.pin_start) - std::min(record.pin_end, record.pin_start) + 1;
+    pin.width =
+        std::max(record.pin_end, record.pin_start) - std::min(record.pin_end, record.pin_start) + 1;
     if (pin.group >= 0) take_range(pin, sheet.groups[static_cast<std::size_t>(pin.group)]);
     pin.kept = keep_props(kv_sext.property_pin, [&](std::string_view name) {
       return kv_prop_text(kv_find_prop_of_two(file_, ids.pinpropfam, ids.pin, name));
@@ -471,8 +477,8 @@ kv_sheet_t kv_analyse_sheet(const gx_file_gene_recf_t& file, std::string_view fi
 bool kv_found_primitive(const gx_file_gene_recf_t& file, int inst) {
   return std::any_of(kv_sext.primitive.begin(), kv_sext.primitive.end(), [&](const auto& entry) {
     const auto* property = kv_find_inst_prop(file, inst, gx_view(entry.name));
-    return property != nullptr && (entry.nvalue.len == 0 ||
-                                   gx_iden(gx_view(property->nvalue), gx_view(entry.nvalue)));
+    return property != nullptr &&
+           (entry.nvalue.len == 0 || gx_iden(gx_view(property->nvalue), gx_view(entry.nvalue)));
   });
 }
 
@@ -484,10 +490,17 @@ void kv_decode_kept(kv_kept_t& kept, std::string_view text, const kv_scope_t& sc
     kept.error = values.error_found;
   };
   switch (kept.type) {
-    case kv_prop_int: take(kept.number, kv_decode_3_valuei(text, scope)); break;
-    case kv_prop_time: take(kept.number, kv_decode_3_valuet(text, scope)); break;
-    case kv_prop_real: take(kept.real, kv_decode_3_valuer(text, scope)); break;
-    case kv_prop_string: break;
+    case kv_prop_int:
+      take(kept.number, kv_decode_3_valuei(text, scope));
+      break;
+    case kv_prop_time:
+      take(kept.number, kv_decode_3_valuet(text, scope));
+      break;
+    case kv_prop_real:
+      take(kept.real, kv_decode_3_valuer(text, scope));
+      break;
+    case kv_prop_string:
+      break;
   }
 }
 

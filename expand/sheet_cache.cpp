@@ -142,7 +142,8 @@ void kv_find_tied_globals(kv_sheet_cache_t& cache, kv_sheet_t& sheet, int level)
     kv_component_t& component = kv_component_of(cache, sheet, symbol);
     const auto begin = sheet.insts.begin() + symbol.first_inst;
     const auto end = begin + symbol.nb_of_inst;
-    const bool is_leaf = std::all_of(begin, end, [](const auto& inst) { return inst.is_primitive; });
+    const bool is_leaf =
+        std::all_of(begin, end, [](const auto& inst) { return inst.is_primitive; });
     if (is_leaf || !component.symbol_found) continue;
     read_sheet(component, cache.globals);
     if (component.sheet_state != kv_component_t::found || component.sheet.ends_at_port) continue;

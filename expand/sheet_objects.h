@@ -9,16 +9,18 @@
 
 // The object, or nullptr when the id names none.
 inline const gx_object_gene_rec_t* kv_object(const gx_file_gene_recf_t& file, int id) {
-  return id >= 1 && id <= file.object_id_max ? file.ptr_to_ar_objindex[static_cast<std::size_t>(id - 1)]
-                                             : nullptr;
+  return id >= 1 && id <= file.object_id_max
+             ? file.ptr_to_ar_objindex[static_cast<std::size_t>(id - 1)]
+             : nullptr;
 }
 
 // The object as a record of its type, or nullptr when it is none.
 template <typename Rec>
 const Rec* kv_object_as(const gx_file_gene_recf_t& file, int id) {
   const auto* object = kv_object(file, id);
-  return object != nullptr && object->object_type == Rec::type ? reinterpret_cast<const Rec*>(object)
-                                                               : nullptr;
+  return object != nullptr && object->object_type == Rec::type
+             ? reinterpret_cast<const Rec*>(object)
+             : nullptr;
 }
 
 // Calls `visit(id, object)` for each child of `father` in child order.

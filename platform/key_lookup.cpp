@@ -22,13 +22,13 @@ struct key_twin_t {
   KeySym key, stands_for;
 };
 constexpr key_twin_t twins[] = {
-    {XK_KP_Enter, XK_Return},         {XK_KP_Up, XK_Up},
-    {XK_KP_Left, XK_Left},            {XK_KP_Down, XK_Down},
-    {XK_KP_Right, XK_Right},          {XK_KP_Prior, XK_Prior},
-    {XK_KP_Next, XK_Next},            {XK_KP_Insert, XK_Insert},
-    {XK_KP_Delete, XK_Delete},        {XK_dead_grave, XK_grave},
-    {XK_dead_acute, XK_apostrophe},   {XK_dead_circumflex, XK_asciicircum},
-    {XK_dead_tilde, XK_asciitilde},   {XK_dead_diaeresis, XK_quotedbl},
+    {XK_KP_Enter, XK_Return},       {XK_KP_Up, XK_Up},
+    {XK_KP_Left, XK_Left},          {XK_KP_Down, XK_Down},
+    {XK_KP_Right, XK_Right},        {XK_KP_Prior, XK_Prior},
+    {XK_KP_Next, XK_Next},          {XK_KP_Insert, XK_Insert},
+    {XK_KP_Delete, XK_Delete},      {XK_dead_grave, XK_grave},
+    {XK_dead_acute, XK_apostrophe}, {XK_dead_circumflex, XK_asciicircum},
+    {XK_dead_tilde, XK_asciitilde}, {XK_dead_diaeresis, XK_quotedbl},
 };
 }  // namespace
 

@@ -11,9 +11,9 @@
 // --- names and link files (link_file.cpp)
 // The current version of directory/base, as its link file says.
 struct gx_file_version_t {
-  bool found = false;          // a link file with a token exists
-  bool valid = false;          // its token carries a valid number and no name is too long
-  std::int16_t version = 1;    // 1 when not found
+  bool found = false;        // a link file with a token exists
+  bool valid = false;        // its token carries a valid number and no name is too long
+  std::int16_t version = 1;  // 1 when not found
   gx_string_record_t file_pathname;
   gx_string_record_t link_pathname;
   gx_string_record_t link_value;  // "_1" when not found
@@ -37,7 +37,7 @@ gx_link_test_t gx_check_gx_link(std::string_view data_path);
 struct gx_symbol_path_t {
   gx_string_record_t directory, name;
   std::int16_t version = 0;
-  bool error = false;       // no version digits
+  bool error = false;  // no version digits
 };
 gx_symbol_path_t gx_get_path_n0version(std::string_view path);
 

@@ -28,8 +28,7 @@ void gx_draw_line(gx_vpid_t vpid, int color, int style, gx_point16_t a, gx_point
   if (gx_line_clipping(vpid, line)) gx_pen_line(color, style, line);
 }
 
-void gx_draw_polyline(gx_vpid_t vpid, int color, int style,
-                      std::span<const gx_point16_t> points) {
+void gx_draw_polyline(gx_vpid_t vpid, int color, int style, std::span<const gx_point16_t> points) {
   for (std::size_t i = 1; i < points.size(); ++i)
     gx_draw_line(vpid, color, style, points[i - 1], points[i]);
 }

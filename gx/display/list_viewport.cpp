@@ -43,8 +43,8 @@ void keep(std::string_view text) {
 
 void show_end() {
   auto& v = gx_vext;
-  v.nlinlist_disp = static_cast<std::int16_t>(
-      std::max(v.nlinlist_end - v.nb_line_in_listviewp + 1, 1));
+  v.nlinlist_disp =
+      static_cast<std::int16_t>(std::max(v.nlinlist_end - v.nb_line_in_listviewp + 1, 1));
   gx_regen_display_list();
 }
 
@@ -60,8 +60,7 @@ bool is_readable_text(std::string_view path) {
   struct stat session {};
   const std::string name(gx_view(gx_resolve_path(path)));
   if (::stat(name.c_str(), &file) != 0 || !S_ISREG(file.st_mode)) return false;
-  return gx_vext.cursessfile == nullptr ||
-         ::fstat(::fileno(gx_vext.cursessfile), &session) != 0 ||
+  return gx_vext.cursessfile == nullptr || ::fstat(::fileno(gx_vext.cursessfile), &session) != 0 ||
          file.st_dev != session.st_dev || file.st_ino != session.st_ino;
 }
 }  // namespace
@@ -89,8 +88,8 @@ void gx_regen_display_list() {
   if (!gx_drawing_possible() || !gx_viewport_ok(v.viewport_list)) return;
   const gx_batch_t batch;
   const int first = std::max<int>(v.nlinlist_disp, 1);
-  const int last = std::min({first + v.nb_line_in_listviewp - 1, int{v.nlinlist_end},
-                             gx_max_list_lines});
+  const int last =
+      std::min({first + v.nb_line_in_listviewp - 1, int{v.nlinlist_end}, gx_max_list_lines});
   for (int line = first; line <= last; ++line) {
     const int y = v.listb_y0 + (line - first) * v.list_step;
     gx_viewport_display_text(v.viewport_list,

@@ -29,8 +29,8 @@ constexpr double large_text = 13;
 
 std::int32_t gx_plot_scale(gx_pointreal_t page, bool landscape) {
   const auto& sheet = paper(landscape);
-  const std::int64_t s = std::max(std::int64_t{page.x} * 10 / sheet.width,
-                                  std::int64_t{page.y} * 10 / sheet.height);
+  const std::int64_t s =
+      std::max(std::int64_t{page.x} * 10 / sheet.width, std::int64_t{page.y} * 10 / sheet.height);
   return static_cast<std::int32_t>(std::max<std::int64_t>(s + s / 20, 1));
 }
 

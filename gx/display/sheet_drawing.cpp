@@ -7,9 +7,8 @@
 
 namespace {
 void draw_instance(const gx_picture_t& picture, int inst) {
-  lb_walk_instance(*picture.file, inst, "LB_DISPLAY_ONE_INST", [&](int root, bool selected) {
-    gx_draw_tree(picture, root, inst, selected);
-  });
+  lb_walk_instance(*picture.file, inst, "LB_DISPLAY_ONE_INST",
+                   [&](int root, bool selected) { gx_draw_tree(picture, root, inst, selected); });
 }
 
 // Calls `draw` for every member that is not deleted, as one picture.

@@ -1,6 +1,6 @@
 // The walks that every picture of a sheet takes, on the screen or on paper: an object with all
-// below it, and an instance with its symbol, pins and properties. What is done with an object is the
-// caller's.
+// below it, and an instance with its symbol, pins and properties. What is done with an object is
+// the caller's.
 #pragma once
 
 #include "gx/db/object_access.h"
@@ -52,8 +52,8 @@ void lb_walk_instance(const gx_file_gene_recf_t& file, int inst, const char* ope
   for (auto pins = lb_inq_inst_first_pin_id(file, inst); pins;
        pins = lb_inq_inst_next_pin_id(file, pins)) {
     if (gx_inq_object_deleted(file, pins.pinpropfam)) continue;
-    const bool selected = gx_inq_object_selected(file, pins.pinpropfam) ||
-                          gx_inq_object_selected(file, pins.pin);
+    const bool selected =
+        gx_inq_object_selected(file, pins.pinpropfam) || gx_inq_object_selected(file, pins.pin);
     draw_tree(pins.pinpropfam, selected);
     draw_tree(pins.pin, selected);
   }

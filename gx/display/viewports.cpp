@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
-#include "gx/db/object_access.h"
 #include "gx/db/geometry.h"
+#include "gx/db/object_access.h"
 #include "gx/display/draw.h"
 #include "gx/display/pen.h"
 #include "gx/display/stroke_text.h"
@@ -17,8 +17,8 @@ constexpr int max_grid_dots = 50;
 
 gx_bounds16_t pixels_of(const gx_boundsreal_t& b) {
   const auto pixel = [](std::int32_t bound, std::int16_t size) {
-    return static_cast<std::int16_t>(std::clamp<std::int64_t>(bound * std::int64_t{size} / bounds_unit,
-                                                              -20000, 20000));
+    return static_cast<std::int16_t>(
+        std::clamp<std::int64_t>(bound * std::int64_t{size} / bounds_unit, -20000, 20000));
   };
   const gx_point16_t size = gx_vext.bitmap_size;
   return {pixel(b.xmin, size.x), pixel(b.ymin, size.y), pixel(b.xmax, size.x),
@@ -194,9 +194,9 @@ void gx_viewport_draw_segment(gx_vpid_t vpid, gx_point16_t p1, gx_point16_t p2, 
   const gx_bounds16_t& p = open_viewport(vpid, "gx_viewport_draw_segment").pixel_bounds;
   const gx_batch_t batch;
   gx_viewport_select(vpid);
-  gx_pen_line(color, style,
-              {offset(p1.x, p.xmin), offset(p1.y, p.ymin), offset(p2.x, p.xmin),
-               offset(p2.y, p.ymin)});
+  gx_pen_line(
+      color, style,
+      {offset(p1.x, p.xmin), offset(p1.y, p.ymin), offset(p2.x, p.xmin), offset(p2.y, p.ymin)});
 }
 
 void gx_viewport_draw_grid(gx_vpid_t vpid, gx_point16_t p1, gx_point16_t p2, int nx, int ny,

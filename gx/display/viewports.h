@@ -29,7 +29,7 @@ gx_bounds16_t gx_bounds_to_clipping_window(const gx_boundsreal_t& bounds,
 gx_point16_t gx_viewport_inq_pixel_min(gx_vpid_t vpid);
 bool gx_inq_file_disp_vpn(gx_file_index_t file_index, gx_vpid_t vpid);
 bool gx_inq_file_displayed(gx_file_index_t file_index);
-bool gx_viewport_ok(int vpid);  // an id in use
+bool gx_viewport_ok(int vpid);          // an id in use
 bool gx_is_picture_viewport(int vpid);  // edit, context or activ
 
 gx_vpid_t gx_viewport_pixel_to_vpid(gx_point16_t pixel);  // 0 when none

@@ -183,11 +183,11 @@ void make_graphics_context(const XRectangle& place) {
   values.join_style = JoinMiter;
   values.fill_style = FillSolid;
   values.graphics_exposures = False;  // copies of the menus need no events
-  v.our_gc = XCreateGC(v.dpy, v.win,
-                       GCFunction | GCPlaneMask | GCForeground | GCBackground | GCLineWidth |
-                           GCLineStyle | GCCapStyle | GCJoinStyle | GCFillStyle |
-                           GCGraphicsExposures,
-                       &values);
+  v.our_gc =
+      XCreateGC(v.dpy, v.win,
+                GCFunction | GCPlaneMask | GCForeground | GCBackground | GCLineWidth | GCLineStyle |
+                    GCCapStyle | GCJoinStyle | GCFillStyle | GCGraphicsExposures,
+                &values);
   gx_pen_clip(place.x + 2, place.y + 2, place.width + place.x - 3, place.height + place.y - 3);
 }
 
