@@ -5,8 +5,9 @@
 #include <cstdint>
 
 #include "expand/sheet_slots.h"
+#include "gx/db/ids.h"
+#include "gx/display/screen_state.h"
 #include "gx/text/records.h"
-#include "gx/text/state.h"
 
 // The values behind $ARG1..$ARG30 or $VAR1..$VAR30; an empty entry has length 0.
 using kv_array_param_t = std::array<gx_string_record_t, 30>;

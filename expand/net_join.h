@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "gx/db/file_records.h"
+#include "gx/db/ids.h"
 
 // A port on a net.
 struct kv_port_name_t {

@@ -13,6 +13,7 @@
 
 #include "expand/store.h"
 #include "gx/db/file_records.h"
+#include "gx/db/ids.h"
 
 // A piece of kv_sheet_t::text.
 struct kv_text_t {

@@ -3,9 +3,9 @@
 
 #include <algorithm>
 
-#include "expand/messages.h"
 #include "expand/sheet_slots.h"
 #include "gx/db/files.h"
+#include "gx/text/message_list.h"
 #include "gx/text/strings.h"
 
 namespace {
@@ -39,8 +39,8 @@ void read_sheet(kv_component_t& component, std::vector<kv_global_net_record_t>& 
 }
 
 void tell_error(std::string_view label, std::string_view path, std::string_view tail) {
-  kv_tell_quoted(label, path, tail);
-  kv_count_error();
+  gx_tell_quoted(label, path, tail);
+  gx_count_error();
 }
 
 std::int32_t pin_of_port(const kv_sheet_t& above, const kv_sheet_inst_t& inst,
@@ -97,8 +97,8 @@ kv_sheet_t* kv_get_sheet_for_expand(kv_sheet_cache_t& cache, const kv_sheet_t& s
   } else if (!symbol.version_valid) {
     tell_error("!! Error : Symbol File Version of ", path, "  Invalid ? ");
   } else if (symbol.version != component.symbol_version) {
-    kv_tell_quoted("!! Warning : using old version of : ", path);
-    kv_count_warning();
+    gx_tell_quoted("!! Warning : using old version of : ", path);
+    gx_count_warning();
   }
 
   read_sheet(component, cache.globals);
@@ -108,7 +108,7 @@ kv_sheet_t* kv_get_sheet_for_expand(kv_sheet_cache_t& cache, const kv_sheet_t& s
   }
   if (component.sheet_state == kv_component_t::damaged) {
     tell_error(sheet_of_inst, path, "  not found ? ");
-    kv_tell("# !! : ", component.why_damaged);
+    gx_tell("# !! : ", component.why_damaged);
     return nullptr;
   }
   if (!component.has_primary) tell_error(sheet_of_inst, path, "  Invalid ? ");

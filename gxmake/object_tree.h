@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "gx/db/file_records.h"
+#include "gx/db/ids.h"
 #include "gxmake/builder.h"
 
 // Thrown when a file would hold more than gx_max_object_id objects.

@@ -4,11 +4,14 @@
 #include <array>
 
 #include "gx/db/construct_steps.h"
+#include "gx/db/edit_state.h"
+#include "gx/db/file_state.h"
 #include "gx/db/files.h"
 #include "gx/db/object_access.h"
 #include "gx/db/record_tables.h"
 #include "gx/db/undo.h"
 #include "gx/text/debug.h"
+#include "gx/text/session_state.h"
 #include "gx/text/strings.h"
 
 namespace {
@@ -24,7 +27,7 @@ Value& at_level(std::array<Value, max_level + 1>& values, std::int16_t level) {
 // The father of an object about to be created at `level`; nullptr at the top.
 gx_object_gene_rec_t* father_at(const gx_file_gene_recf_t& file, std::int16_t level) {
   if (level < 2) return nullptr;
-  const int id = at_level(gx_vext.current_family, static_cast<std::int16_t>(level - 1));
+  const int id = at_level(gx_edit.current_family, static_cast<std::int16_t>(level - 1));
   if (!gx_object_id_ok(file, id)) {
     gx_debug_line(" ## error in gx_create_obj ( invalid father id )");
     gx_set_status(gx_code::object_id_invalid);
@@ -56,19 +59,19 @@ void link(const gx_file_gene_recf_t& file, gx_object_gene_rec_t& object,
   gx_object_gene_rec_t* before = nullptr;
   if (father != nullptr) {
     object.father = father->object_id;
-    before = last_child(file, *father, at_level(gx_vext.newest_at_level, level));
+    before = last_child(file, *father, at_level(gx_edit.newest_at_level, level));
     if (before == nullptr) father->child1 = object.object_id;
   } else {
-    if (gx_object_id_ok(file, gx_vext.previous_obj_atlevel0)) {
-      before = &gx_object_id_ptr(file, gx_vext.previous_obj_atlevel0);
+    if (gx_object_id_ok(file, gx_edit.previous_obj_atlevel0)) {
+      before = &gx_object_id_ptr(file, gx_edit.previous_obj_atlevel0);
     }
-    gx_vext.previous_obj_atlevel0 = object.object_id;
+    gx_edit.previous_obj_atlevel0 = object.object_id;
   }
   if (before != nullptr) {
     before->following = object.object_id;
     object.previous = before->object_id;
   }
-  at_level(gx_vext.newest_at_level, level) = object.object_id;
+  at_level(gx_edit.newest_at_level, level) = object.object_id;
 }
 
 void name_in_header(gx_file_gene_recf_t& file, const gx_object_gene_rec_t& object) {
@@ -100,10 +103,10 @@ void leave_chain(const gx_file_gene_recf_t& file, gx_object_instance_rec_t& inst
 gx_object_id_t gx_object_create(gx_file_index_t file_index, gx_type type, std::int32_t x,
                                 std::int32_t y) {
   auto& file = gx_ptrto_gene_file_buf(file_index);
-  if (file_index != gx_vext.cur_file) gx_set_status(gx_code::file_id_invalid);
-  if (gx_vext.cur_obj_level >= max_level) gx_set_status(gx_code::invalid_level);
-  const auto level = ++gx_vext.cur_obj_level;
-  if (level == 1 && file.object_id_max == 0) gx_vext.previous_obj_atlevel0 = 0;
+  if (file_index != gx_files.cur_file) gx_set_status(gx_code::file_id_invalid);
+  if (gx_edit.cur_obj_level >= max_level) gx_set_status(gx_code::invalid_level);
+  const auto level = ++gx_edit.cur_obj_level;
+  if (level == 1 && file.object_id_max == 0) gx_edit.previous_obj_atlevel0 = 0;
   auto* father = father_at(file, level);
   if (file.object_id_max >= gx_max_object_id) gx_set_status(gx_code::too_many_objects);
   if (!gx_type_ok(static_cast<std::int16_t>(type))) gx_set_status(gx_code::object_type_invalid);
@@ -116,16 +119,16 @@ gx_object_id_t gx_object_create(gx_file_index_t file_index, gx_type type, std::i
   object.object_id = ++file.object_id_max;
   link(file, object, father, level);
   name_in_header(file, object);
-  gx_vext.open_obj_id = object.object_id;
-  at_level(gx_vext.current_family, level) = object.object_id;
-  gx_vext.pick_ap_new = true;
+  gx_edit.open_obj_id = object.object_id;
+  at_level(gx_edit.current_family, level) = object.object_id;
+  gx_files.pick_ap_new = true;
   gx_undo_put_object(file_index, object.object_id, gx_undo_op::created);
   return object.object_id;
 }
 
 gx_type gx_object_open(gx_file_index_t file_index, int id) {
-  if (gx_vext.open_obj_id > 0) {
-    gx_debug(" gx_open_object : object_id : %12d\n", gx_vext.open_obj_id);
+  if (gx_edit.open_obj_id > 0) {
+    gx_debug(" gx_open_object : object_id : %12d\n", gx_edit.open_obj_id);
     gx_set_status(gx_code::object_already_open);
   }
   const auto& file = gx_ptrto_gene_file_buf(file_index);
@@ -152,17 +155,17 @@ gx_type gx_object_open(gx_file_index_t file_index, int id) {
     ++level;
   }
   object.status |= gx_flag_open;
-  gx_vext.cur_obj_level = level;
-  at_level(gx_vext.current_family, level) = object.object_id;
-  gx_vext.open_obj_id = object.object_id;
-  gx_vext.cur_file = file_index;
-  gx_vext.pick_ap_new = true;
+  gx_edit.cur_obj_level = level;
+  at_level(gx_edit.current_family, level) = object.object_id;
+  gx_edit.open_obj_id = object.object_id;
+  gx_files.cur_file = file_index;
+  gx_files.pick_ap_new = true;
   return object.object_type;
 }
 
 void gx_object_close(gx_file_index_t file_index, int id) {
   const auto& file = gx_ptrto_gene_file_buf(file_index);
-  gx_vext.cur_file = file_index;
+  gx_files.cur_file = file_index;
   auto& object = gx_object_id_ptr(file, id);
   const auto construction = object.status & under_construction;
   // Exactly one of the two flags may be set.
@@ -170,27 +173,27 @@ void gx_object_close(gx_file_index_t file_index, int id) {
     gx_set_status(gx_code::object_close_invalid);
   }
   object.status = static_cast<std::int16_t>(object.status & ~under_construction);
-  gx_vext.open_obj_id = 0;
-  gx_vext.cur_obj_level =
-      std::max<std::int16_t>(0, static_cast<std::int16_t>(gx_vext.cur_obj_level - 1));
-  gx_vext.pick_ap_new = true;
+  gx_edit.open_obj_id = 0;
+  gx_edit.cur_obj_level =
+      std::max<std::int16_t>(0, static_cast<std::int16_t>(gx_edit.cur_obj_level - 1));
+  gx_files.pick_ap_new = true;
 }
 
 // --- constructors
 
 gx_file_gene_recf_t& gx_construction_file() {
-  if (!gx_vext.init_done && gx_vext.num_file_open == 0) {
+  if (!gx_session.init_done && gx_files.num_file_open == 0) {
     gx_set_status(gx_code::init_or_open_file_not_done);
   }
-  return gx_ptrto_gene_file_buf(gx_vext.cur_file);
+  return gx_ptrto_gene_file_buf(gx_files.cur_file);
 }
 
 gx_object_gene_rec_t& gx_object_to_fill(const gx_file_gene_recf_t& file, gx_type type,
                                         std::string_view name, gx_code misfit) {
-  if (gx_object_id_ok(file, gx_vext.open_obj_id)) {
-    auto& object = gx_object_id_ptr(file, gx_vext.open_obj_id);
+  if (gx_object_id_ok(file, gx_edit.open_obj_id)) {
+    auto& object = gx_object_id_ptr(file, gx_edit.open_obj_id);
     if (object.object_type == type && (object.status & under_construction) != under_construction) {
-      gx_vext.filear[static_cast<std::size_t>(gx_vext.cur_file)].file_updated = true;
+      gx_files.filear[static_cast<std::size_t>(gx_files.cur_file)].file_updated = true;
       return object;
     }
   }

@@ -11,6 +11,7 @@
 #include <new>
 #include <vector>
 
+#include "gx/db/ids.h"
 #include "gx/db/object_records.h"
 #include "gx/text/status.h"
 

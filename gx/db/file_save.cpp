@@ -3,11 +3,13 @@
 #include <cstring>
 #include <vector>
 
+#include "gx/db/file_state.h"
 #include "gx/db/files.h"
 #include "gx/db/object_access.h"
 #include "gx/db/record_tables.h"
 #include "gx/text/date.h"
 #include "gx/text/debug.h"
+#include "gx/text/session_state.h"
 #include "gx/text/strings.h"
 
 namespace {
@@ -77,8 +79,8 @@ std::shared_ptr<gx_file_gene_recf_t> compacted(const gx_file_gene_recf_t& source
   target.hour = now.hour;
   target.minute = now.minute;
   target.dot_width = source.dot_width;
-  target.check_data_done = gx_vext.check_data_done;
-  target.num_errors = gx_vext.num_errors;
+  target.check_data_done = gx_files.check_data_done;
+  target.num_errors = gx_session.num_errors;
 
   const auto deleted = [](const gx_object_gene_rec_t* object) {
     return (object->status & gx_flag_deleted) != 0;
@@ -130,7 +132,7 @@ gx_file_version_t next_version(const gx_file_io_rec_t& slot) {
 
 void save(gx_file_index_t file_index) {
   const auto& source = gx_ptrto_gene_file_buf(file_index);
-  const auto& slot = gx_vext.filear[static_cast<std::size_t>(file_index)];
+  const auto& slot = gx_files.filear[static_cast<std::size_t>(file_index)];
   // What can refuse the file comes before anything on disk is touched.
   auto target = compacted(source);
   const auto names = next_version(slot);
@@ -147,7 +149,7 @@ void save(gx_file_index_t file_index) {
 
   const auto path = gx_view(names.file_pathname);
   const auto target_index = gx_file_create_bye(path);
-  auto& target_slot = gx_vext.filear[static_cast<std::size_t>(target_index)];
+  auto& target_slot = gx_files.filear[static_cast<std::size_t>(target_index)];
   target_slot.dirname = slot.dirname;
   target_slot.filetype = slot.filetype;
   target_slot.version = names.version;
@@ -165,7 +167,7 @@ void save(gx_file_index_t file_index) {
     std::remove(std::string(link).c_str());
   }
   std::remove(std::string(path).c_str());
-  ++gx_vext.num_errors;
+  ++gx_session.num_errors;
   gx_debug("!!! file_close  file target not opened : \"%.*s\" \n", static_cast<int>(path.size()),
            path.data());
   gx_set_status(gx_code::file_open_invalid);
@@ -178,12 +180,12 @@ void gx_file_close(gx_file_index_t file_index, bool save_it) {
     gx_debug(" gx_file_close : sfile_index : %d\n", file_index);
     gx_set_status(gx_code::file_data_invalid);
   }
-  if (!gx_vext.init_done) gx_set_status(gx_code::init_not_done);
+  if (!gx_session.init_done) gx_set_status(gx_code::init_not_done);
   if (save_it) {
     save(file_index);
     return;
   }
-  auto& slot = gx_vext.filear[static_cast<std::size_t>(file_index)];
+  auto& slot = gx_files.filear[static_cast<std::size_t>(file_index)];
   if (slot.file_io_id != nullptr) std::fclose(slot.file_io_id);
   slot.file_io_id = nullptr;
 }

@@ -4,10 +4,12 @@
 //
 // A data file is read whole when it is opened and its stream is closed at once: nothing is read
 // from it later, and the slot's `file_io_id` is open only while a save writes its target.
+#include "gx/db/file_state.h"
 #include "gx/db/files.h"
 #include "gx/db/object_access.h"
 #include "gx/text/date.h"
 #include "gx/text/debug.h"
+#include "gx/text/session_state.h"
 #include "gx/text/strings.h"
 #include "gx/text/text_files.h"
 
@@ -23,7 +25,7 @@ constexpr operation_t op_open{"open file", "!!! file_open  file not opened : ", 
 constexpr operation_t op_reopen{"reopen file", "!!! file_reopen  file not reopen : ", "R"};
 
 gx_file_io_rec_t& slot_of(gx_file_index_t file_index) {
-  return gx_vext.filear[static_cast<std::size_t>(file_index)];
+  return gx_files.filear[static_cast<std::size_t>(file_index)];
 }
 
 void close_stream(gx_file_io_rec_t& slot) {
@@ -32,11 +34,11 @@ void close_stream(gx_file_io_rec_t& slot) {
 }
 
 void close_all_streams() {
-  for (auto& slot : gx_vext.filear) close_stream(slot);
+  for (auto& slot : gx_files.filear) close_stream(slot);
 }
 
 void check_initialised() {
-  if (!gx_vext.init_done) gx_set_status(gx_code::init_not_done);
+  if (!gx_session.init_done) gx_set_status(gx_code::init_not_done);
 }
 
 // One line to the debug file and one to the user, the same name in both.
@@ -48,13 +50,13 @@ void report(const char* debug_text, const char* text, std::string_view name) {
 
 gx_file_index_t reserve_slot(const char* debug_text, const char* text, std::string_view name) {
   gx_at_fatal_stop(close_all_streams);
-  if (gx_vext.num_file_open >= gx_max_files) {
+  if (gx_files.num_file_open >= gx_max_files) {
     report(debug_text, text, name);
     gx_set_status(gx_code::too_many_files);
   }
-  const auto file_index = static_cast<gx_file_index_t>(++gx_vext.num_file_open);
+  const auto file_index = static_cast<gx_file_index_t>(++gx_files.num_file_open);
   slot_of(file_index) = {};
-  gx_vext.cur_file = file_index;
+  gx_files.cur_file = file_index;
   return file_index;
 }
 
@@ -112,7 +114,7 @@ gx_load_t load_version(const gx_file_version_t& names) {
   const int len = static_cast<int>(path.size());
   switch (load.fault) {
     case gx_load_fault::unreadable:
-      ++gx_vext.num_errors;
+      ++gx_session.num_errors;
       gx_debug("%s\"%.*s\" \n", op.refused, len, path.data());
       break;
     case gx_load_fault::revision:
@@ -145,7 +147,7 @@ bool same_file(const gx_file_io_rec_t& slot, const gx_file_version_t& names) {
 
 void check_reopen(gx_file_index_t file_index, std::string_view dirname) {
   check_initialised();
-  if (file_index > gx_vext.num_file_open) {
+  if (file_index > gx_files.num_file_open) {
     report(" ## error in open file (too_many_files) = ",
            " !! error in open file (too_many_files) = ", dirname);
     gx_set_status(gx_code::too_many_files);
@@ -198,7 +200,7 @@ gx_file_index_t gx_file_try_open(std::string_view dirname, std::string_view file
 bool gx_file_reopen(gx_file_index_t file_index, std::string_view dirname,
                     std::string_view filetype) {
   check_reopen(file_index, dirname);
-  gx_vext.cur_file = file_index;
+  gx_files.cur_file = file_index;
   auto& slot = slot_of(file_index);
   const auto names = gx_file_get_file_version(dirname, filetype);
   if (!names.found) {
@@ -240,7 +242,7 @@ bool gx_file_try_reopen(gx_file_index_t file_index, std::string_view dirname,
   } else {
     gx_debug_line("!!! file_reopen  file not reopen : identical \"");
   }
-  gx_vext.cur_file = file_index;
+  gx_files.cur_file = file_index;
   return true;
 }
 
@@ -260,7 +262,7 @@ gx_file_index_t gx_file_create_bye(std::string_view data_path) {
 }
 
 void gx_file_create_new(gx_file_index_t file_index) {
-  if (file_index < 1 || file_index > gx_vext.num_file_open || file_index > gx_max_files) {
+  if (file_index < 1 || file_index > gx_files.num_file_open || file_index > gx_max_files) {
     report(" ## error in create file = ", " !! error in create file = ", "");
     gx_set_status(gx_code::too_many_files);
   }

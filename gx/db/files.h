@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "gx/db/file_records.h"
+#include "gx/db/ids.h"
 
 // --- names and link files (link_file.cpp)
 // The current version of directory/base, as its link file says.

@@ -6,6 +6,7 @@
 #include "gx/db/files.h"
 #include "gx/text/debug.h"
 #include "gx/text/numbers.h"
+#include "gx/text/session_state.h"
 #include "gx/text/strings.h"
 #include "gx/text/text_files.h"
 #include "gx/text/tokens.h"
@@ -123,7 +124,7 @@ bool gx_read_gx_link(std::string_view link_path, gx_string_record_t& link_value)
   const bool has_line = gx_read_one_line(stream, line);
   std::fclose(stream);
   if (!has_line) {
-    ++gx_vext.num_errors;
+    ++gx_session.num_errors;
     return false;
   }
   std::int32_t pos = 1;
@@ -141,7 +142,7 @@ bool gx_add_gx_link(std::string_view link_path, std::string_view link_value) {
     written = std::fclose(stream) == 0 && written;
   }
   if (written) return true;
-  ++gx_vext.num_errors;
+  ++gx_session.num_errors;
   gx_debug("!!! ( add_gx_link ) impossible to open new link_file  : \"%.*s\" \n",
            static_cast<int>(link_path.size()), link_path.data());
   return false;
@@ -154,9 +155,9 @@ gx_link_test_t gx_check_gx_link(std::string_view data_path) {
   if (cut == std::string_view::npos) return result;
 
   gx_string_record_t link_value;
-  const auto errors = gx_vext.num_errors;
+  const auto errors = gx_session.num_errors;
   const bool found = gx_read_gx_link(data_path.substr(0, cut), link_value);
-  gx_vext.num_errors = errors;  // an empty link file is an answer here, not an error
+  gx_session.num_errors = errors;  // an empty link file is an answer here, not an error
   if (!found || link_value.len == 0) return result;
 
   result.link_found = true;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "gx/db/file_records.h"
+#include "gx/db/ids.h"
 
 // The general record of a file slot. Not open: init_or_open_file_not_done; without record:
 // file_index_invalid.

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <initializer_list>
 
+#include "gx/db/file_state.h"
 #include "gx/db/files.h"
 #include "gx/db/object_access.h"
 #include "gx/db/record_tables.h"
@@ -70,7 +71,7 @@ void list_object(std::FILE* out, gx_file_index_t file_index, const gx_object_gen
 
 void gx_object_list(gx_file_index_t file_index) {
   const auto& file = gx_ptrto_gene_file_buf(file_index);
-  gx_string_record_t path = gx_vext.filear[static_cast<std::size_t>(file_index)].dirname;
+  gx_string_record_t path = gx_files.filear[static_cast<std::size_t>(file_index)].dirname;
   gx_concat_const("/list_obj_file", path);
   std::FILE* out = gx_popen_file(gx_view(path), 'W', false);
   if (out == nullptr) {

@@ -9,8 +9,9 @@
 #include <cstdint>
 #include <string_view>
 
+#include "gx/db/ids.h"
 #include "gx/text/records.h"
-#include "gx/text/state.h"
+#include "gx/db/ids.h"
 
 enum class gx_type : std::int16_t {
   nil = 0,

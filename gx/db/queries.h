@@ -10,6 +10,7 @@
 #include <string>
 
 #include "gx/db/file_records.h"
+#include "gx/db/ids.h"
 
 struct gx_first_t {
   gx_object_id_t family = 0, member = 0;

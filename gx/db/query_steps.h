@@ -1,6 +1,7 @@
 // The steps that the queries of sheets and of symbol files share. Internal to gx/db.
 #pragma once
 
+#include "gx/db/ids.h"
 #include "gx/db/queries.h"
 
 // A family under the primary object, what it holds, and how its "first" query names itself in the

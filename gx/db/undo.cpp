@@ -7,26 +7,29 @@
 
 #include <cstdio>
 
+#include "gx/db/edit_state.h"
+#include "gx/db/file_state.h"
 #include "gx/db/object_access.h"
 #include "gx/text/debug.h"
+#include "gx/text/session_state.h"
 
 namespace {
 
 // The entry that follows the current one, fresh.
 gx_undo_objet_rec_t& append(gx_undo_op operation) {
-  auto& list = *gx_vext.undo_list;
+  auto& list = *gx_edit.undo_list;
   if (list.used == list.entries.size()) list.entries.emplace_back();
   auto& entry = list.entries[list.used++];
   entry = {};
   entry.operation = operation;
-  entry.previous = gx_vext.ptrto_undo_cur;
+  entry.previous = gx_edit.ptrto_undo_cur;
   if (entry.previous != nullptr) entry.previous->following = &entry;
-  gx_vext.ptrto_undo_cur = &entry;
+  gx_edit.ptrto_undo_cur = &entry;
   return entry;
 }
 
 void store_base_point(gx_undo_objet_rec_t& entry) {
-  entry.UU.emplace<gx_undo_placement_t>().old_point = gx_vext.base_point;
+  entry.UU.emplace<gx_undo_placement_t>().old_point = gx_edit.base_point;
 }
 
 [[noreturn]] void stop(std::string_view line, gx_code code) {
@@ -41,8 +44,8 @@ constexpr const char* name_of(direction way) {
 }
 
 void check_entry(const gx_undo_objet_rec_t& entry, direction way) {
-  const bool in_file = entry.file_index >= 1 && entry.file_index <= gx_vext.num_file_open &&
-                       gx_vext.filear[static_cast<std::size_t>(entry.file_index)].start_buf_ptr &&
+  const bool in_file = entry.file_index >= 1 && entry.file_index <= gx_files.num_file_open &&
+                       gx_files.filear[static_cast<std::size_t>(entry.file_index)].start_buf_ptr &&
                        gx_object_id_ok(gx_ptrto_gene_file_buf(entry.file_index), entry.object_id);
   if (in_file && entry.parity == gx_undo_parity) return;
   gx_debug("\n# %s : file_id or obj_id or codes invalid\n", name_of(way));
@@ -103,7 +106,7 @@ void replay(const gx_undo_objet_rec_t& entry, direction way) {
 }
 
 void check_list(direction way) {
-  if (gx_vext.ptrto_undo_start != nullptr && gx_vext.ptrto_undo_cur != nullptr) return;
+  if (gx_edit.ptrto_undo_start != nullptr && gx_edit.ptrto_undo_cur != nullptr) return;
   gx_debug("# %s : start_ptr = nil \n", name_of(way));
   gx_set_status(gx_code::file_data_invalid);
 }
@@ -111,23 +114,23 @@ void check_list(direction way) {
 }  // namespace
 
 void gx_undo_init(gx_file_index_t file_index) {
-  if (file_index >= 1 && file_index <= gx_vext.num_file_open) {
+  if (file_index >= 1 && file_index <= gx_files.num_file_open) {
     const auto& file = gx_ptrto_gene_file_buf(file_index);
-    gx_vext.check_data_done = file.check_data_done;
-    gx_vext.num_errors = file.num_errors;
+    gx_files.check_data_done = file.check_data_done;
+    gx_session.num_errors = file.num_errors;
   }
-  gx_vext.undo_list = std::make_shared<gx_undo_list_t>();
-  gx_vext.ptrto_undo_cur = nullptr;
+  gx_edit.undo_list = std::make_shared<gx_undo_list_t>();
+  gx_edit.ptrto_undo_cur = nullptr;
   auto& entry = append(gx_undo_op::start);
   store_base_point(entry);
-  gx_vext.ptrto_undo_start = &entry;
+  gx_edit.ptrto_undo_start = &entry;
 }
 
 void gx_undo_define_new_step() {
-  gx_vext.check_data_done = 1;
-  if (gx_vext.debugfile != nullptr) std::fflush(gx_vext.debugfile);
+  gx_files.check_data_done = 1;
+  if (gx_session.debugfile != nullptr) std::fflush(gx_session.debugfile);
   std::fflush(stdin);
-  if (!gx_vext.undo_list) return;
+  if (!gx_edit.undo_list) return;
   auto& entry = append(gx_undo_op::step);
   entry.new_step = true;
   store_base_point(entry);
@@ -138,7 +141,7 @@ gx_undo_objet_rec_t* gx_undo_put_object(gx_file_index_t file_index, int id, gx_u
     stop("\n# gx_undo_put_object : invalid id ", gx_code::file_data_invalid);
   }
   const auto& object = gx_object_id_ptr(gx_ptrto_gene_file_buf(file_index), id);
-  if (!gx_vext.undo_list) return nullptr;
+  if (!gx_edit.undo_list) return nullptr;
   auto& entry = append(operation);
   entry.file_index = file_index;
   entry.object_id = object.object_id;
@@ -148,10 +151,10 @@ gx_undo_objet_rec_t* gx_undo_put_object(gx_file_index_t file_index, int id, gx_u
 
 bool gx_undo_restore_one_step() {
   check_list(direction::undo);
-  auto& cur = gx_vext.ptrto_undo_cur;
-  if (cur == gx_vext.ptrto_undo_start) return false;
+  auto& cur = gx_edit.ptrto_undo_cur;
+  if (cur == gx_edit.ptrto_undo_start) return false;
   bool at_marker = false;
-  while (!at_marker && cur != gx_vext.ptrto_undo_start) {
+  while (!at_marker && cur != gx_edit.ptrto_undo_start) {
     at_marker = cur->new_step;
     if (!at_marker) replay(*cur, direction::undo);
     if (cur->previous == nullptr) {
@@ -159,18 +162,18 @@ bool gx_undo_restore_one_step() {
            gx_code::file_data_invalid);
     }
     cur = cur->previous;
-    --gx_vext.undo_list->used;
+    --gx_edit.undo_list->used;
   }
   return true;
 }
 
 bool gx_redo_restore_one_step() {
   check_list(direction::redo);
-  auto& cur = gx_vext.ptrto_undo_cur;
+  auto& cur = gx_edit.ptrto_undo_cur;
   if (cur->following == nullptr) return false;
   do {
     cur = cur->following;
-    ++gx_vext.undo_list->used;
+    ++gx_edit.undo_list->used;
     if (!cur->new_step) replay(*cur, direction::redo);
   } while (cur->following != nullptr && !cur->following->new_step);
   return true;

@@ -5,6 +5,7 @@
 #include <variant>
 
 #include "gx/db/file_records.h"
+#include "gx/db/ids.h"
 
 enum class gx_undo_op : std::int16_t {
   start = 0,

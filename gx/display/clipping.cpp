@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
 
 namespace {

@@ -6,11 +6,13 @@
 #include "gx/db/object_access.h"
 #include "gx/db/queries.h"
 #include "gx/display/draw_steps.h"
+#include "gx/display/screen_state.h"
 #include "gx/display/stroke_text.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
 #include "gx/text/strings.h"
+#include "gx/vext.h"
 
 namespace {
 constexpr int white = 7;

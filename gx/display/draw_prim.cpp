@@ -7,6 +7,7 @@
 #include "gx/db/object_access.h"
 #include "gx/display/clipping.h"
 #include "gx/display/draw_steps.h"
+#include "gx/display/screen_state.h"
 #include "gx/display/stroke_text.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"

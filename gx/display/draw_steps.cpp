@@ -4,9 +4,11 @@
 
 #include "gx/db/object_access.h"
 #include "gx/display/clipping.h"
+#include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
+#include "gx/vext.h"
 
 gx_picture_t gx_picture_of(gx_vpid_t vpid, gx_file_index_t file_index, int object_id,
                            gx_draw_mode mode, const char* operation) {

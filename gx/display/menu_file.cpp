@@ -8,11 +8,13 @@
 #include <optional>
 #include <string>
 
-#include "gx/display/list_viewport.h"
+#include "gx/display/menu_state.h"
 #include "gx/display/menus.h"
 #include "gx/text/debug.h"
+#include "gx/text/message_list.h"
 #include "gx/text/strings.h"
 #include "gx/text/text_files.h"
+#include "gx/vext.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include <array>
 #include <span>
 
-#include "gx/text/state.h"
 #include "gx/text/status.h"
+#include "gx/vext.h"
 
 namespace {
 // The dashes of a line on the sheet, then those of a border. An empty list is a solid line.

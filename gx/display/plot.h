@@ -9,7 +9,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "gx/text/state.h"
+#include "gx/db/ids.h"
 
 // One plot from its first object to gx_plotfile_end.
 struct gx_plot_t {

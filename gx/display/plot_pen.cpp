@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "gx/text/state.h"
+#include "gx/vext.h"
 
 namespace {
 struct close_file {

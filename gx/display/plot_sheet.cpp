@@ -6,6 +6,7 @@
 #include "gx/display/sheet_walk.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
+#include "gx/vext.h"
 
 namespace {
 constexpr std::int32_t max_page = 100000000;  // design units

@@ -3,6 +3,7 @@
 
 #include "gx/display/draw.h"
 #include "gx/display/pen.h"
+#include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
 
 namespace {

@@ -1,9 +1,11 @@
 // The frames, instances and nets of a sheet.
 #include "gx/display/draw_steps.h"
+#include "gx/display/screen_state.h"
 #include "gx/display/sheet_walk.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
+#include "gx/vext.h"
 
 namespace {
 void draw_instance(const gx_picture_t& picture, int inst) {

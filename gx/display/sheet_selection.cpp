@@ -3,7 +3,9 @@
 #include "gx/db/object_access.h"
 #include "gx/db/queries.h"
 #include "gx/display/draw_steps.h"
+#include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
+#include "gx/vext.h"
 
 namespace {
 using flag_setter_t = void (*)(const gx_file_gene_recf_t& file, int id, bool on);

@@ -5,9 +5,11 @@
 #include <vector>
 
 #include "gx/display/pen.h"
+#include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
+#include "gx/vext.h"
 
 struct gx_scaled_font_t {
   std::array<std::vector<std::vector<gx_point16_t>>, 128> glyphs;  // by character code

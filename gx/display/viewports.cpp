@@ -7,9 +7,11 @@
 #include "gx/db/object_access.h"
 #include "gx/display/draw.h"
 #include "gx/display/pen.h"
+#include "gx/display/screen_state.h"
 #include "gx/display/stroke_text.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
+#include "gx/vext.h"
 
 namespace {
 constexpr std::int64_t bounds_unit = 100000;  // of the drawable size
@@ -217,4 +219,13 @@ void gx_viewport_draw_grid(gx_vpid_t vpid, gx_point16_t p1, gx_point16_t p2, int
       const int size = i % 5 == 0 ? 2 : 1;  // every fifth column stands out
       gx_pen_box(color, x - (size - 1), y, size, size);
     }
+}
+
+bool gx_part_object_inside_vp_bounds(gx_vpid_t vpid, const gx_file_gene_recf_t& file, int id,
+                                     int inst) {
+  if (vpid < 1 || vpid > gx_max_viewports || vpid > gx_vext.viewport_id_max) {
+    gx_set_status(gx_code::viewport_id_invalid);
+  }
+  const auto& shown = gx_vext.viewport[static_cast<std::size_t>(vpid)].bounds_part;
+  return gx_bounds_overlap(gx_object_abs_origin_bounds(file, id, inst).bounds, shown);
 }

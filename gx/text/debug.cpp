@@ -3,18 +3,18 @@
 #include <cstdarg>
 #include <cstdio>
 
-#include "gx/text/state.h"
+#include "gx/text/session_state.h"
 
 void gx_debug(const char* format, ...) {
-  if (gx_vext.debugfile == nullptr) return;
+  if (gx_session.debugfile == nullptr) return;
   va_list values;
   va_start(values, format);
-  std::vfprintf(gx_vext.debugfile, format, values);
+  std::vfprintf(gx_session.debugfile, format, values);
   va_end(values);
 }
 
 void gx_debug_line(std::string_view text) {
-  if (gx_vext.debugfile == nullptr) return;
-  std::fwrite(text.data(), 1, text.size(), gx_vext.debugfile);
-  std::fputc('\n', gx_vext.debugfile);
+  if (gx_session.debugfile == nullptr) return;
+  std::fwrite(text.data(), 1, text.size(), gx_session.debugfile);
+  std::fputc('\n', gx_session.debugfile);
 }

@@ -1,4 +1,5 @@
-// The debug trace of the package. Lines go to gx_vext.debugfile; while none is open they are lost.
+// The debug trace of the package. Lines go to gx_session.debugfile; while none is open they are
+// lost.
 #pragma once
 
 #include <string_view>

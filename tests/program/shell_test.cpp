@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "gx/vext.h"
 #include "tests/program/program_fixture.h"
 #include "tests/support/make_design.h"
 

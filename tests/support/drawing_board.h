@@ -6,12 +6,16 @@
 
 #include <functional>
 #include <string_view>
+#include <vector>
 
+#include "gx/db/ids.h"
 #include "gx/db/object_access.h"
 #include "gx/display/draw.h"
 #include "gx/display/pen.h"
+#include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
 #include "gx/display/window.h"
+#include "gx/vext.h"
 #include "gxmake/object_tree.h"
 
 class drawing_board {

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "gx/db/queries.h"
-#include "gx/text/state.h"
+#include "gx/vext.h"
 #include "tests/unit/db_builder.h"
 #include "tests/unit/fatal_stop.h"
 

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "gx/text/state.h"
+#include "gx/vext.h"
 #include "tests/support/scratch_directory.h"
 #include "tests/unit/db_builder.h"
 #include "tests/unit/fatal_stop.h"

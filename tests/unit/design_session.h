@@ -2,9 +2,12 @@
 // of the program, the pointer is in the edit viewport, and nothing is drawn.
 #pragma once
 
+#include <vector>
+
 #include "gx/db/files.h"
 #include "gx/db/object_access.h"
 #include "gx/db/queries.h"
+#include "gx/vext.h"
 #include "tests/support/make_design.h"
 #include "tests/support/session_capture.h"
 

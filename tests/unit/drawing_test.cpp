@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "gx/display/draw.h"
+#include "gx/vext.h"
 #include "tests/support/drawing_board.h"
 #include "tests/unit/fatal_stop.h"
 

@@ -1,4 +1,5 @@
 // The commands that set a run up, and the refusals of RUN.
+#include "gx/vext.h"
 #include "tests/unit/fatal_stop.h"
 #include "tests/unit/flatten_fixture.h"
 

@@ -1,4 +1,5 @@
 // What a run reports, and that it gets through designs that are not as they should be.
+#include "gx/vext.h"
 #include "tests/unit/flatten_fixture.h"
 
 namespace {

@@ -1,4 +1,5 @@
 // From the nets of sheets to the flat nets of the design: joins, ports, globals, buses.
+#include "gx/vext.h"
 #include "tests/unit/flatten_fixture.h"
 
 namespace {

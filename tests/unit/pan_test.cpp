@@ -1,8 +1,9 @@
 // The moves of keys: panning, stepping the pointer, scrolling the texts.
-#include "app/pan.h"
+#include "app/sheet/pan.h"
 
 #include "app/state.h"
 #include "gx/text/strings.h"
+#include "gx/vext.h"
 #include "tests/support/drawing_board.h"
 
 namespace {

@@ -6,8 +6,9 @@
 #include <cstdio>
 #include <numbers>
 
-#include "app/views.h"
+#include "app/sheet/views.h"
 #include "gx/display/plot_pen.h"
+#include "gx/vext.h"
 #include "tests/unit/design_session.h"
 
 namespace {

@@ -2,6 +2,7 @@
 
 #include <set>
 
+#include "gx/vext.h"
 #include "tests/support/drawing_board.h"
 #include "tests/unit/fatal_stop.h"
 

@@ -1,0 +1,62 @@
+// Opening sheets and symbols into slots.
+#include "app/sheet/sheet_files.h"
+
+#include "app/sheet/views.h"
+#include "app/state.h"
+#include "gx/db/files.h"
+#include "gx/db/object_access.h"
+#include "gx/db/queries.h"
+#include "gx/vext.h"
+
+namespace {
+
+bool has_family(const gx_file_gene_recf_t& file, gx_type family) {
+  for (const int id : gx_children(file, file.primary_object)) {
+    if (gx_object_id_ptr(file, id).object_type == family) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+kv_opened kv_open_in_slot(gx_file_index_t& slot, std::string_view directory,
+                          std::string_view filetype, std::string& why) {
+  const auto version = gx_file_get_file_version(directory, filetype);
+  if (!version.found) return kv_opened::missing;
+  if (!version.valid) {
+    why = std::string(gx_view(version.link_pathname)) + " : no valid version number";
+    return kv_opened::damaged;
+  }
+  if (slot == 0) {
+    if (gx_vext.num_file_open >= gx_max_files) {
+      why = "too many files";
+      return kv_opened::damaged;
+    }
+    slot = gx_file_try_open(directory, filetype, why);
+    return slot != 0 ? kv_opened::yes : kv_opened::damaged;
+  }
+  return gx_file_try_reopen(slot, directory, filetype, why) ? kv_opened::yes : kv_opened::damaged;
+}
+
+bool kv_is_sheet(const gx_file_gene_recf_t& file) {
+  if (!gx_object_id_ok(file, file.primary_object) || !gx_object_id_ok(file, file.grid_obj_id)) {
+    return false;
+  }
+  const auto& grid = gx_object_id_ptr(file, file.grid_obj_id);
+  if (grid.object_type != gx_type::grid_2d ||
+      gx_grid_info_ptr(file, file.grid_obj_id).step_point == 0) {
+    return false;
+  }
+  return gx_sheet_fault(file).empty();
+}
+
+gx_object_id_t kv_first_component(const gx_file_gene_recf_t& file) {
+  return has_family(file, gx_type::component_family) ? wn_inq_first_comp_id(file).member
+                                                     : gx_object_id_t{0};
+}
+
+void kv_leave_slot(gx_file_index_t slot) {
+  if (slot == 0 || kv_pext.file_id_context != slot || kv_pext.file_id_cur == slot) return;
+  kv_pext.file_id_context = kv_pext.file_id_cur;
+  kv_display_picture_all(gx_vext.viewport_context, kv_pext.file_id_context);
+}
