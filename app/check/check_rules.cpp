@@ -2,6 +2,10 @@
 // selected.
 #include "app/check/check_rules.h"
 
+#include <algorithm>
+#include <numeric>
+#include <optional>
+#include <span>
 #include <unordered_map>
 
 #include "app/sheet/sheet_walk.h"
@@ -11,6 +15,30 @@
 #include "gx/text/strings.h"
 
 namespace {
+
+// --- names that stand twice, found by sorting
+
+bool less_without_case(std::string_view a, std::string_view b) {
+  return std::ranges::lexicographical_compare(
+      a, b, [](char x, char y) { return gx_upper_case(x) < gx_upper_case(y); });
+}
+
+// The earliest name that stands there again later, letters in either case.
+std::optional<std::string_view> first_duplicate(std::span<const std::string_view> names) {
+  std::vector<std::size_t> order(names.size());
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  std::ranges::stable_sort(
+      order, [&](std::size_t a, std::size_t b) { return less_without_case(names[a], names[b]); });
+  // Equal names stand together, each group in the order of the table.
+  auto first = names.size();
+  for (std::size_t i = 1; i < order.size(); ++i) {
+    if (gx_iden(names[order[i - 1]], names[order[i]])) first = std::min(first, order[i - 1]);
+  }
+  if (first == names.size()) return std::nullopt;
+  return names[first];
+}
+
+// --- lines
 
 std::string label(std::string_view kind, int id, std::string_view behind = " ") {
   return std::string(kind) + std::to_string(id) + std::string(behind);
@@ -86,7 +114,7 @@ struct object_check_t {
 
   // True after a finding.
   bool report_same_names() {
-    const auto twice = kv_first_duplicate(names.names);
+    const auto twice = first_duplicate(names.names);
     if (!twice) return false;
     report(check, wording, wording.same_name, where);
     gx_tell("#    properties with same name : \"", *twice, "\" ");
@@ -243,7 +271,7 @@ void check_instance(kv_check_t& check, int inst, links_t& links, kv_check_table_
 
   pin_names.clear();
   for (const auto pair : lb_pins(file, inst)) check_pin(check, inst, pair, pin_names);
-  if (const auto twice = kv_first_duplicate(pin_names.names)) {
+  if (const auto twice = first_duplicate(pin_names.names)) {
     check.error("# !! Error : pin with same name on the Instance :");
     show_place(body.where);
     gx_tell("#    Pin with same name : \"", *twice, "\" ");
@@ -310,19 +338,19 @@ void kv_check_frames(kv_check_t& check) {
 }
 
 void kv_check_instance_names(kv_check_t& check) {
-  if (const auto twice = kv_first_duplicate(check.instance_names.names)) {
+  if (const auto twice = first_duplicate(check.instance_names.names)) {
     check.error("# !! Error : INSTANCE with same name  : \"", *twice, "\" ");
   }
-  if (const auto twice = kv_first_duplicate(check.port_names.names)) {
+  if (const auto twice = first_duplicate(check.port_names.names)) {
     check.error("# !! Error : PORT with same name  : \"", *twice, "\" ");
   }
 }
 
 void kv_check_net_names(kv_check_t& check) {
-  if (const auto twice = kv_first_duplicate(check.net_names.names)) {
+  if (const auto twice = first_duplicate(check.net_names.names)) {
     check.warning("# !! warning : NETS connected by their name  : \"", *twice, "\" ");
   }
-  if (const auto twice = kv_first_duplicate(check.frame_names.names)) {
+  if (const auto twice = first_duplicate(check.frame_names.names)) {
     check.error("# !! Error : Frame with same name  : \"", *twice, "\" ");
   }
 }

@@ -2,13 +2,38 @@
 #pragma once
 
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "app/check/check_reference.h"
-#include "app/check/check_tables.h"
 #include "app/language/commands.h"
 #include "gx/db/file_records.h"
 #include "gx/db/ids.h"
 #include "gx/text/message_list.h"
+
+// The names of one kind in the order they were met.
+inline constexpr std::size_t kv_check_table_size = 999;
+
+// The views are those of the sheet's own records.
+struct kv_check_table_t {
+  std::vector<std::string_view> names;
+  bool overflowed = false;
+
+  // False when this is the first name that finds the table full.
+  bool add(std::string_view name) {
+    if (names.size() < kv_check_table_size) {
+      names.push_back(name);
+      return true;
+    }
+    const bool first = !overflowed;
+    overflowed = true;
+    return !first;
+  }
+  void clear() {
+    names.clear();
+    overflowed = false;
+  }
+};
 
 // One run of the check.
 struct kv_check_t {

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "app/check/check_rules.h"
+#include "app/language/command_row.h"
 #include "app/sheet/command_viewport.h"
 #include "app/sheet/sheet_walk.h"
 #include "gx/db/undo.h"
@@ -38,10 +39,7 @@ void show_count(std::string_view one, std::string_view many, int count) {
   gx_tell("# CHEck  SHEet > ", count < 2 ? one : many, std::to_string(count), " ");
 }
 
-}  // namespace
-
 void kv_check_sheet_cmd(const kv_command_t& command) {
-  if (!command.has_count(2, 3)) return kv_refuse(echo, command, kv_bad_count, 3);
   const auto view = kv_edit_view();
   if (!view.has_sheet()) {
     return kv_refuse(echo, command, "# !! Error : No Valid current sheet ? : ", 3);
@@ -66,3 +64,13 @@ void kv_check_sheet_cmd(const kv_command_t& command) {
   if (!reference.finish()) show_unwritable(reference.path());
   kv_redraw_views();
 }
+
+constexpr kv_command_row_t rows[] = {
+    // clang-format off
+    {{"CHE", "SHE"}, "CHEck SHEet [comment]", kv_check_sheet_cmd, echo, 3},
+    // clang-format on
+};
+
+}  // namespace
+
+kv_command_rows_t kv_check_commands() { return rows; }

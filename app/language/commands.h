@@ -1,6 +1,7 @@
-// What a command handler receives, and how handlers answer.
+// What a command handler receives, how handlers answer, and the interpreter that calls them.
 #pragma once
 
+#include <array>
 #include <span>
 #include <string_view>
 
@@ -19,9 +20,7 @@ struct kv_command_t {
     return n >= 1 && n <= count() ? gx_view(words[static_cast<std::size_t>(n - 1)])
                                   : std::string_view{};
   }
-  bool has_count(int least, int most) const { return count() >= least && count() <= most; }
 };
-using kv_handler_t = void (*)(const kv_command_t& command);
 
 // --- answers in the list viewport
 inline constexpr std::string_view kv_bad_count = "# !! Error : parameter number invalid ? ";
@@ -36,6 +35,21 @@ void kv_refuse(std::string_view keyword, const kv_command_t& command, std::strin
 gx_string_record_t kv_unquote(std::string_view text);
 
 // --- the interpreter
+inline constexpr std::size_t kv_max_words = 30;
+inline constexpr std::int32_t kv_last_position = 199;  // reading stops behind it
+
+struct kv_words_t {
+  std::array<gx_string_record_t, kv_max_words> word;
+  std::size_t count = 0;
+
+  std::span<const gx_string_record_t> all() const { return {word.data(), count}; }
+  std::string_view first() const { return count == 0 ? std::string_view{} : gx_view(word[0]); }
+};
+
+// Splits at blanks and commas, a quoted part being one word, into at most `most` words.
+void kv_split_words(const gx_string_record_t& text, kv_words_t& words,
+                    std::size_t most = kv_max_words);
+
 // Runs every command of the line with the tables behind $ARG and $VAR. Both may change: they are
 // normalised, and ASSIgn and READln store into `vars`.
 void kv_process_command(const gx_string_record_t& line, kv_array_param_t& args,
@@ -47,64 +61,3 @@ void kv_expand_cmd(const gx_string_record_t& line);
 // Whether the user asks by Control+A to stop a running command file or the output of a program.
 bool kv_stop_asked();
 void kv_process_events(bool first, kv_array_param_t& args, kv_array_param_t& vars);
-
-// --- handlers, one row of the command table each (command_table.cpp)
-void kv_activate_symbol_cmd(const kv_command_t&);
-void kv_base_point_cmd(const kv_command_t&);
-void kv_bye_cmd(const kv_command_t&);
-void kv_define_key_cmd(const kv_command_t&);
-void kv_define_menu_cmd(const kv_command_t&);
-void kv_do_cmd(const kv_command_t&);
-void kv_dobin_cmd(const kv_command_t&);
-void kv_dodirbin_cmd(const kv_command_t&);
-void kv_display_cmd(const kv_command_t&);
-void kv_command_cmd(const kv_command_t&);
-void kv_change_prop_switches_cmd(const kv_command_t&);
-void kv_check_sheet_cmd(const kv_command_t&);
-void kv_generate_data_cmd(const kv_command_t&);
-void kv_give_cmd(const kv_command_t&);
-void kv_grid_state_cmd(const kv_command_t&);
-void kv_grid_step_cmd(const kv_command_t&);
-void kv_hardcopy_cmd(const kv_command_t&);
-void kv_help_cmd(const kv_command_t&);
-void kv_list_object_cmd(const kv_command_t&);
-void kv_mark_rectangle_cmd(const kv_command_t&);
-void kv_mark_cmd(const kv_command_t&);
-void kv_draw_menu_cmd(const kv_command_t&);
-void kv_parameter_cmd(const kv_command_t&);
-void kv_plot_cmd(const kv_command_t&);
-void kv_pop_cmd(const kv_command_t&);
-void kv_print_menu_cmd(const kv_command_t&);
-void kv_primitive_cmd(const kv_command_t&);
-void kv_property_instance_cmd(const kv_command_t&);
-void kv_property_net_cmd(const kv_command_t&);
-void kv_property_pin_cmd(const kv_command_t&);
-void kv_read_menu_cmd(const kv_command_t&);
-void kv_readln_cmd(const kv_command_t&);
-void kv_run_cmd(const kv_command_t&);
-void kv_run_menu_cmd(const kv_command_t&);
-void kv_quit_cmd(const kv_command_t&);
-void kv_search_cmd(const kv_command_t&);
-void kv_select_area_cmd(const kv_command_t&);
-void kv_select_object_cmd(const kv_command_t&);
-void kv_select_pin_cmd(const kv_command_t&);
-void kv_select_prop_cmd(const kv_command_t&);
-void kv_send_cmd(const kv_command_t&);
-void kv_showfile_cmd(const kv_command_t&);
-void kv_show_link_cmd(const kv_command_t&);
-void kv_smash_cmd(const kv_command_t&);
-void kv_snap_cmd(const kv_command_t&);
-void kv_status_key_cmd(const kv_command_t&);
-void kv_status_menu_cmd(const kv_command_t&);
-void kv_status_net_cmd(const kv_command_t&);
-void kv_status_object_cmd(const kv_command_t&);
-void kv_status_prop_cmd(const kv_command_t&);
-void kv_time_step_cmd(const kv_command_t&);
-void kv_transcript_cmd(const kv_command_t&);
-void kv_unselect_all_cmd(const kv_command_t&);
-void kv_unselect_area_cmd(const kv_command_t&);
-void kv_view_all_cmd(const kv_command_t&);
-void kv_view_area_cmd(const kv_command_t&);
-void kv_view_down_cmd(const kv_command_t&);
-void kv_view_sheet_cmd(const kv_command_t&);
-void kv_view_up_cmd(const kv_command_t&);

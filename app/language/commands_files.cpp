@@ -1,8 +1,10 @@
-// Commands that take their input from files: command files, compiled procedures, texts shown.
+// Commands about files: command files, compiled procedures, texts shown, the dump of a sheet.
 #include <algorithm>
 #include <memory>
 
-#include "app/language/commands.h"
+#include "app/language/command_row.h"
+#include "app/sheet/command_viewport.h"
+#include "gx/db/files.h"
 #include "gx/display/events.h"
 #include "gx/text/arguments.h"
 #include "gx/text/debug.h"
@@ -15,7 +17,6 @@
 #include "platform/words.h"
 
 namespace {
-constexpr int max_words = 32;
 constexpr std::int16_t max_do_depth = 10;
 constexpr int key_press = 0;
 constexpr std::uint32_t keysym_a = 97;
@@ -48,7 +49,6 @@ constexpr procedure_command_t dodirbin = {
 constexpr std::string_view entry_section = "kv_procedures";
 
 void call_procedure(const procedure_command_t& kind, const kv_command_t& command) {
-  if (!command.has_count(2, max_words)) return kv_refuse(kind.keyword, command, kv_bad_count);
   gx_string_record_t executable, symbol;
   gx_get_arg(1, executable);
   if (executable.len > x_max_text) executable = {};  // found as this process's executable
@@ -85,13 +85,9 @@ void show_help(const kv_command_t& command, std::string_view file, std::string_v
   kv_refuse("# HELp ", command, error);
   gx_tell("# !! : \"", gx_view(path), "\" ");
 }
-}  // namespace
-
-bool kv_stop_asked() { return gx_find_event(key_press, keysym_a, control); }
 
 void kv_do_cmd(const kv_command_t& command) {
   constexpr std::string_view keyword = "# DO ";
-  if (!command.has_count(2, max_words)) return kv_refuse(keyword, command, kv_bad_count);
   const auto depth = static_cast<std::int16_t>(std::max<int>(gx_vext.do_ind, 0) + 1);
   if (depth > max_do_depth) {
     ++gx_vext.num_errors;
@@ -122,7 +118,6 @@ void kv_dobin_cmd(const kv_command_t& command) { call_procedure(dobin, command);
 void kv_dodirbin_cmd(const kv_command_t& command) { call_procedure(dodirbin, command); }
 
 void kv_help_cmd(const kv_command_t& command) {
-  if (!command.has_count(1, 2)) return kv_refuse("# HELp ", command, kv_bad_count);
   if (command.count() == 1)
     return show_help(command, "list_commands",
                      "# !! Error :  List of commands for Help not found ? ");
@@ -133,8 +128,30 @@ void kv_help_cmd(const kv_command_t& command) {
 
 void kv_showfile_cmd(const kv_command_t& command) {
   constexpr std::string_view refused = "# SHOw FILe ";
-  if (command.count() != 3) return kv_refuse(refused, command, kv_bad_count, 3);
   if (!gx_display_file_invplist(command.word(3)))
     return kv_refuse(refused, command, "# !! Error : File not found  or Invalid ? ", 3);
   kv_echo(" SHOw FILe ", command, 3);
 }
+
+void kv_list_object_cmd(const kv_command_t& command) {
+  if (kv_pext.file_id_cur < 1) return kv_refuse("# LIST OBJect ", command, kv_no_sheet, 3);
+  gx_object_list(kv_pext.file_id_cur);
+  kv_echo(" LIST OBJect ", command, 3);
+}
+
+constexpr kv_command_row_t rows[] = {
+    // clang-format off
+    {{"DO"}, "DO file [word ...]", kv_do_cmd, "# DO ", 2, 2},
+    {{"DOB"}, "DOBin name [word ...]", kv_dobin_cmd, "# DOBin "},
+    {{"DODIR"}, "DODIRectbin name [word ...]", kv_dodirbin_cmd, "# DODIRectbin "},
+    {{"HEL"}, "HELp [word]", kv_help_cmd, "# HELp "},
+    {{"SHO", "FIL"}, "SHOw FILe path", kv_showfile_cmd, "# SHOw FILe ", 3},
+    {{"LIST", "OBJ"}, "LIST OBJect", kv_list_object_cmd, "# LIST OBJect ", 3},
+    // clang-format on
+};
+
+}  // namespace
+
+kv_command_rows_t kv_file_commands() { return rows; }
+
+bool kv_stop_asked() { return gx_find_event(key_press, keysym_a, control); }

@@ -1,7 +1,6 @@
 // Completion of the command line: the present settings as a command ready to be edited.
 #include <initializer_list>
 
-#include "app/language/command_words.h"
 #include "app/language/commands.h"
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"

@@ -1,6 +1,5 @@
 // The command interpreter: a command line becomes commands, a command words, and the words a call.
 #include "app/language/command_table.h"
-#include "app/language/command_words.h"
 #include "app/language/commands.h"
 #include "app/language/substitution.h"
 #include "gx/display/cursor.h"
@@ -14,6 +13,8 @@ namespace {
 constexpr int max_pieces = 30;
 constexpr std::int32_t least_reference = 5;  // "$ARG1"
 constexpr std::string_view piece_separators = ";";
+// Words that begin otherwise are told in the trace.
+constexpr std::string_view command_letters = "$ABCDEFGHIKLMNOPQRSTUVWXYZ";
 
 // Command files, shell output and menus call the interpreter again. No session needs this many
 // levels; a shell command whose output runs itself would have no end.
@@ -50,7 +51,29 @@ void show_unknown(const gx_string_record_t& piece) {
   gx_tell("# \"", gx_view(piece), "\" ");
 }
 
-// Runs one command; true when the rest of its line is not to be processed.
+bool begins_command(char c) {
+  return command_letters.find(gx_upper_case(c)) != std::string_view::npos;
+}
+
+// Runs the command that the words mean, unless their number is wrong.
+kv_outcome_t run_command(const kv_command_t& command) {
+  const kv_command_row_t* row = kv_find_command(command);
+  if (row == nullptr) {
+    if (!begins_command(command.word(1).front()))
+      gx_debug(" KV_PROCESS_COMMAND  : BAD First CHAR !! \n");
+    return {.unknown = true};
+  }
+  if (row->ends_rectangle) kv_pext.mark_rect_done = false;
+  if (!row->refusal.empty() && !row->takes(command.count())) {
+    kv_refuse(row->refusal, command, kv_bad_count, row->first_echoed);
+    return row->refused;
+  }
+  if (row->deciding != nullptr) return row->deciding(command);
+  row->handler(command);
+  return {};
+}
+
+// Runs one piece of a line; true when the rest of its line is not to be processed.
 bool run_piece(gx_string_record_t piece, kv_array_param_t& args, kv_array_param_t& vars) {
   std::int32_t start = 1;
   const char first = gx_findchar(piece, " ", start);
@@ -70,17 +93,7 @@ bool run_piece(gx_string_record_t piece, kv_array_param_t& args, kv_array_param_
   if (words.first().front() == '#') return true;
 
   const kv_command_t command{words.all(), args, vars};
-  const kv_command_row_t* row = kv_find_command(command);
-  kv_outcome_t outcome;
-  if (row != nullptr && row->handler != nullptr) {
-    row->handler(command);
-  } else if (row != nullptr && row->own != nullptr) {
-    outcome = row->own(command);
-  } else {
-    if (!kv_begins_command(words.first().front()))
-      gx_debug(" KV_PROCESS_COMMAND  : BAD First CHAR !! \n");
-    outcome.unknown = true;
-  }
+  const kv_outcome_t outcome = run_command(command);
   if (outcome.unknown) show_unknown(piece);
   return outcome.ends_line;
 }
@@ -117,4 +130,13 @@ void kv_process_command(const gx_string_record_t& line, kv_array_param_t& args,
     if (ends_line) break;
   }
   set_executing(false);
+}
+
+void kv_split_words(const gx_string_record_t& text, kv_words_t& words, std::size_t most) {
+  words.count = 0;
+  for (std::int32_t pos = 1; words.count < most && pos <= kv_last_position;) {
+    gx_string_record_t& word = words.word[words.count];
+    if (!gx_rd_string_t(text, " ,", word, pos)) return;
+    if (word.len > 0) ++words.count;
+  }
 }

@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-#include "app/state.h"
+#include "app/language/parameters.h"
 
 struct kv_substitution_t {
   gx_string_record_t text;

@@ -1,13 +1,12 @@
 // The expansion run and the commands that set it up.
 #include <string>
 
-#include "app/language/commands.h"
-#include "expand/debug.h"
+#include "app/language/command_row.h"
+#include "app/sheet/command_viewport.h"
 #include "expand/run.h"
 #include "expand/store.h"
 #include "gx/text/message_list.h"
 #include "gx/text/numbers.h"
-#include "gx/text/status.h"
 #include "gx/text/strings.h"
 
 namespace {
@@ -38,7 +37,6 @@ Entry& add_entry(kv_list_t<Entry>& list) {
 void keep_properties(const kv_command_t& command, kv_list_t<kv_prop_type_record_t>& list,
                      std::string_view what, std::string_view echo) {
   constexpr int first = 3;
-  if (command.count() < 4) return refuse(echo, command, kv_bad_count, first);
   const std::string_view type = command.word(3);
   if (type.empty() ||
       std::string_view("ITRS").find(gx_upper_case(type.front())) == std::string_view::npos) {
@@ -62,11 +60,8 @@ void anchor_sim_path() {
   path = anchored;
 }
 
-}  // namespace
-
 void kv_parameter_cmd(const kv_command_t& command) {
   constexpr std::string_view echo = " PARAMeter ";
-  if (!command.has_count(3, 5)) return refuse(echo, command, kv_bad_count);
   if (!has_room(kv_sext.parameter, "PARAMeter", echo, command)) return;
   float values[3] = {};
   constexpr std::string_view errors[] = {"# !! Error :  3rd parameter incorrect ? ",
@@ -90,7 +85,6 @@ void kv_parameter_cmd(const kv_command_t& command) {
 
 void kv_primitive_cmd(const kv_command_t& command) {
   constexpr std::string_view echo = " PRIMitive ";
-  if (!command.has_count(2, 3)) return refuse(echo, command, kv_bad_count);
   if (!has_room(kv_sext.primitive, "PRIMitive", echo, command)) return;
   auto& entry = add_entry(kv_sext.primitive);
   entry.name = gx_string(command.word(2));
@@ -110,7 +104,6 @@ void kv_property_net_cmd(const kv_command_t& command) {
 
 void kv_time_step_cmd(const kv_command_t& command) {
   constexpr std::string_view echo = " TIMe STEp ";
-  if (command.count() != 3) return refuse(echo, command, kv_bad_count, 3);
   const auto step = gx_string_to_shortreal(command.word(3));
   if (step.error) return refuse(echo, command, "# !! Time step INVALID ? ", 3);
   if (step.value < 0) {
@@ -122,7 +115,6 @@ void kv_time_step_cmd(const kv_command_t& command) {
 
 void kv_generate_data_cmd(const kv_command_t& command) {
   constexpr std::string_view echo = " GENerate DATa ";
-  if (command.count() != 3) return refuse(echo, command, kv_bad_count, 3);
   if (kv_pext.file_id_cur < 1 || kv_pext.file_id_cur > gx_max_files) {
     return refuse(echo, command, "# !! Error :  No sheet available in window ? ", 3);
   }
@@ -134,17 +126,30 @@ void kv_generate_data_cmd(const kv_command_t& command) {
   gx_tell(echo, on ? "ON " : "OFF ");
 }
 
-void kv_run_cmd(const kv_command_t& command) {
+void kv_run_cmd(const kv_command_t&) {
+  // A key file may say RUN before the session is complete.
   if (kv_sext.designfile == -1) {
-    kv_debug("!!! ( run  ) Invalid  designfile_name  \n");
-    gx_count_error();
-    gx_set_status(gx_code::file_data_invalid);
-  }
-  if (command.count() != 1) {
     gx_tell("# RUN ");
-    return gx_tell(kv_bad_count);
+    return gx_tell(kv_no_sheet);
   }
   const kv_run_result result = kv_run_expansion(
       {kv_pext.arrayof_file, kv_pext.gen_data, kv_pext.expand_level, kv_pext.macro_level});
   if (result == kv_run_result::done || result == kv_run_result::write_failed) anchor_sim_path();
 }
+
+constexpr kv_command_row_t rows[] = {
+    // clang-format off
+    {{"PARAM"}, "PARAMeter name low [[typical] high]", kv_parameter_cmd, "# PARAMeter "},
+    {{"PRIMI"}, "PRIMitive property [value]", kv_primitive_cmd, "# PRIMitive "},
+    {{"PRO", "INS"}, "PROPerty INStance type name ...", kv_property_instance_cmd, "# PROPerty INStance ", 3},
+    {{"PRO", "NET"}, "PROPerty NET type name ...", kv_property_net_cmd, "# PROPerty NET ", 3},
+    {{"PRO", "PIN"}, "PROPerty PIN type name ...", kv_property_pin_cmd, "# PROPerty PIN  ", 3},
+    {{"TIM", "STE"}, "TIMe STEp value", kv_time_step_cmd, "# TIMe STEp ", 3},
+    {{"GEN", "DAT"}, "GENerate DATa ON or OFF", kv_generate_data_cmd, "# GENerate DATa ", 3},
+    {{"RUN"}, "RUN", kv_run_cmd, "# RUN ", kv_no_words},
+    // clang-format on
+};
+
+}  // namespace
+
+kv_command_rows_t kv_expand_commands() { return rows; }

@@ -2,7 +2,7 @@
 // the selected nets and pins under their flat names.
 #include <string>
 
-#include "app/language/commands.h"
+#include "app/language/command_row.h"
 #include "app/sheet/sheet_walk.h"
 #include "expand/net_names.h"
 #include "expand/sim_request.h"
@@ -141,11 +141,9 @@ void plot_request::add_pins(int inst) {
   }
 }
 
-}  // namespace
-
 void kv_send_cmd(const kv_command_t& command) {
   kv_pext.save_to_do = false;
-  if (!command.has_count(2, max_keywords + 1)) {
+  if (command.count() < 2 || command.count() > max_keywords + 1) {
     kv_refuse("# SEND ", command, kv_bad_count);
     return gx_tell(command.count() < 2 ? "# SEND : at least 1 Keyword per Request ..."
                                        : "# SEND : limited to 16 Keywords per Request ...");
@@ -158,7 +156,6 @@ void kv_send_cmd(const kv_command_t& command) {
 }
 
 void kv_give_cmd(const kv_command_t& command) {
-  if (!command.has_count(1, 2)) return kv_refuse("# GIVE ", command, kv_bad_count);
   std::string request = "plot ";
   if (kv_pext.file_id_cur != 0) {
     const auto& file = gx_ptrto_gene_file_buf(kv_pext.file_id_cur);
@@ -176,3 +173,15 @@ void kv_give_cmd(const kv_command_t& command) {
   kv_send_request(request);
   kv_echo(" GIVE ", command);
 }
+
+constexpr kv_command_row_t rows[] = {
+    // clang-format off
+    {{"GIV"}, "GIVE [function]", kv_give_cmd, "# GIVE "},
+    {{"G"}, "GIVE [function]", kv_give_cmd, "# GIVE ", 2, 1},
+    {{"SEN"}, "SENd word ...", kv_send_cmd},
+    // clang-format on
+};
+
+}  // namespace
+
+kv_command_rows_t kv_simulator_commands() { return rows; }

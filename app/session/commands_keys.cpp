@@ -1,13 +1,13 @@
 // DEFine KEY and STAtus KEY.
-#include "app/language/commands.h"
+#include "app/language/command_row.h"
 #include "gx/display/keys.h"
 #include "gx/text/message_list.h"
 #include "gx/text/strings.h"
 
+namespace {
+
 void kv_define_key_cmd(const kv_command_t& command) {
-  if (command.count() != 4) {
-    kv_refuse("# DEFine KEY ", command, kv_bad_count, 3);
-  } else if (!gx_set_key_action(command.word(3), gx_view(kv_unquote(command.word(4))))) {
+  if (!gx_set_key_action(command.word(3), gx_view(kv_unquote(command.word(4))))) {
     kv_refuse("# DEFine KEY ", command, "# !! Error :  Invalid DEFine KEY ", 3);
   } else {
     kv_echo(" DEFine KEY ", command, 3);
@@ -19,8 +19,6 @@ void kv_status_key_cmd(const kv_command_t& command) {
   if (command.count() == 2) {
     kv_echo(" STAtus KEY ", command, 3);
     gx_status_key_all();
-  } else if (command.count() != 3) {
-    kv_refuse("# STAtus KEY ", command, kv_bad_count, 3);
   } else if (!gx_get_key_action(command.word(3), action)) {
     kv_refuse("# STAtus KEY ", command, "# !! Error :  Invalid  KEY name ", 3);
   } else {
@@ -28,3 +26,14 @@ void kv_status_key_cmd(const kv_command_t& command) {
     gx_tell("# KEY : ", command.word(3), " ", gx_view(action), " ");
   }
 }
+
+constexpr kv_command_row_t rows[] = {
+    // clang-format off
+    {{"DEF", "KEY"}, "DEFine KEY name 'command'", kv_define_key_cmd, "# DEFine KEY ", 3},
+    {{"STA", "KEY"}, "STAtus KEY [name]", kv_status_key_cmd, "# STAtus KEY ", 3},
+    // clang-format on
+};
+
+}  // namespace
+
+kv_command_rows_t kv_key_commands() { return rows; }

@@ -3,8 +3,7 @@
 #include <optional>
 #include <span>
 
-#include "app/language/commands.h"
-#include "app/session/event_loop.h"
+#include "app/language/command_row.h"
 #include "app/session/menu_actions.h"
 #include "gx/display/menu_state.h"
 #include "gx/display/menus.h"
@@ -52,7 +51,7 @@ std::string_view place_error(const place_errors_t& errors, const kv_command_t& c
 
 void define_item(const kv_command_t& command) {
   constexpr int first_index = 5;
-  if (!command.has_count(5, 6)) {
+  if (command.count() < 5 || command.count() > 6) {
     kv_refuse("# DEFine MENu Item", command, kv_bad_count, 4);
     return;
   }
@@ -73,7 +72,7 @@ void define_item(const kv_command_t& command) {
 
 void define_action(const kv_command_t& command) {
   constexpr int first_index = 6;
-  if (!command.has_count(6, 9)) {
+  if (command.count() < 6 || command.count() > 9) {
     kv_refuse("# DEFine MENu Action", command, kv_bad_count, 4);
     return;
   }
@@ -87,8 +86,6 @@ void define_action(const kv_command_t& command) {
   kv_echo(" DEFine MENu ", command, 3);
 }
 
-}  // namespace
-
 void kv_define_menu_cmd(const kv_command_t& command) {
   if (gx_equal("I", command.word(3))) {
     define_item(command);
@@ -101,10 +98,6 @@ void kv_define_menu_cmd(const kv_command_t& command) {
 
 void kv_status_menu_cmd(const kv_command_t& command) {
   constexpr int first_index = 3;
-  if (!command.has_count(3, 5)) {
-    kv_refuse("# STAtus MENu ", command, kv_bad_count, 3);
-    return;
-  }
   const auto place = read_place(command, first_index);
   if (!place) {
     kv_refuse("# STAtus MENu ", command, place_error(status_errors, command, first_index), 3);
@@ -129,3 +122,18 @@ void kv_read_menu_cmd(const kv_command_t& command) {
   gx_close_menus(gx_vext.viewport_edit);
   gx_read_menu(command.word(2));
 }
+
+constexpr kv_command_row_t rows[] = {
+    // clang-format off
+    {{"DEF", "MEN"}, "DEFine MENu Item or Action 'label' ['command'] i [j [k [l]]]", kv_define_menu_cmd},
+    {{"STA", "MEN"}, "STAtus MENu i [j [k]]", kv_status_menu_cmd, "# STAtus MENu ", 3},
+    {{"$PMENU"}, "$PMENU file", kv_print_menu_cmd, "", 2, 6},
+    {{"$RMENU"}, "$RMENU file", kv_read_menu_cmd, "", 2, 6},
+    {{"$DM1"}, "$DM1", kv_draw_menu_cmd},
+    {{"$XIM"}, "$XIM", kv_run_menu_cmd},
+    // clang-format on
+};
+
+}  // namespace
+
+kv_command_rows_t kv_menu_commands() { return rows; }

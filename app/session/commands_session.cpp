@@ -1,5 +1,5 @@
 // Commands that steer the session: questions, the command line, switches, and the end.
-#include "app/language/commands.h"
+#include "app/language/command_row.h"
 #include "app/language/substitution.h"
 #include "app/sheet/views.h"
 #include "gx/display/cmd_viewport.h"
@@ -35,30 +35,25 @@ void store_answer(const kv_command_t& command) {
 }
 
 // The two ends of a session differ in their name only.
-void end_session(const kv_command_t& command, std::string_view echo, std::string_view refused) {
-  if (command.count() != 1) return kv_refuse(refused, command, kv_bad_count);
+void end_session(std::string_view echo) {
   gx_vext.end_flag = true;
   gx_tell(echo);
 }
-}  // namespace
 
 void kv_readln_cmd(const kv_command_t& command) {
   constexpr std::string_view refused = "# READln ";
-  if (!command.has_count(3, 4)) return kv_refuse(refused, command, kv_bad_count);
   if (!gx_equal("$VAR", command.word(2))) return kv_refuse(refused, command, bad_second);
   if (command.count() == 3) return ask(command);
   store_answer(command);
 }
 
 void kv_command_cmd(const kv_command_t& command) {
-  if (command.count() != 2) return kv_refuse("# COMmand ", command, kv_bad_count);
   kv_echo("# COMmand ", command);
   set_command_line(kv_unquote(command.word(2)));
 }
 
 void kv_display_cmd(const kv_command_t& command) {
   constexpr std::string_view refused = "# DISplay ";
-  if (command.count() != 2) return kv_refuse(refused, command, kv_bad_count);
   if (gx_equal("ON", command.word(2))) {
     gx_vext.display_on = true;
     gx_tell(" DISplay ON ");
@@ -74,7 +69,6 @@ void kv_display_cmd(const kv_command_t& command) {
 
 void kv_transcript_cmd(const kv_command_t& command) {
   constexpr std::string_view refused = "# TRANScript ";
-  if (command.count() != 2) return kv_refuse(refused, command, kv_bad_count);
   if (gx_equal("ON", command.word(2))) {
     gx_vext.transcript_state = true;
     kv_update_viewport_edit();
@@ -88,18 +82,31 @@ void kv_transcript_cmd(const kv_command_t& command) {
   }
 }
 
-void kv_bye_cmd(const kv_command_t& command) { end_session(command, " BYE ", "# BYE "); }
+void kv_bye_cmd(const kv_command_t&) { end_session(" BYE "); }
 
-void kv_quit_cmd(const kv_command_t& command) { end_session(command, " QUIT ", "# QUIT "); }
+void kv_quit_cmd(const kv_command_t&) { end_session(" QUIT "); }
 
 // Makes no hard copy; it only answers.
-void kv_hardcopy_cmd(const kv_command_t& command) {
-  if (!command.has_count(1, 2)) return kv_refuse("# HARDcopy ", command, kv_bad_count);
-  kv_echo(" HARDcopy ", command);
-}
+void kv_hardcopy_cmd(const kv_command_t& command) { kv_echo(" HARDcopy ", command); }
 
 // Plots are made by the net editor.
 void kv_plot_cmd(const kv_command_t& command) {
-  if (!command.has_count(1, 2)) return kv_refuse("# PLOt ", command, kv_bad_count);
   kv_refuse("# PLOt ", command, "# !! Please Use \"lorb\" to Plot .\"");
 }
+
+constexpr kv_command_row_t rows[] = {
+    // clang-format off
+    {{"BYE"}, "BYE", kv_bye_cmd, "# BYE ", 2, 3},
+    {{"QUIT"}, "QUIT", kv_quit_cmd, "# QUIT ", 2, 4},
+    {{"READ"}, "READln $VARn prompt [answer]", kv_readln_cmd, "# READln "},
+    {{"COM"}, "COMmand text", kv_command_cmd, "# COMmand "},
+    {{"DISP"}, "DISplay ON or OFF", kv_display_cmd, "# DISplay "},
+    {{"TRANS", "O"}, "TRANScript ON or OFF", kv_transcript_cmd, "# TRANScript "},
+    {{"HAR"}, "HARDcopy [word]", kv_hardcopy_cmd, "# HARDcopy "},
+    {{"PLO"}, "PLOt [word]", kv_plot_cmd, "# PLOt "},
+    // clang-format on
+};
+
+}  // namespace
+
+kv_command_rows_t kv_session_commands() { return rows; }

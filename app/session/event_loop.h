@@ -10,9 +10,6 @@
 // Any other keysym stops the program with invalid_string.
 void kv_ascii_action(std::uint32_t keysym, kv_array_param_t& args, kv_array_param_t& vars);
 
-// Closes the menu and runs the command of the chosen line, if it has one.
-void kv_execute_item_menu();
-
 // The state, key bindings and menus of a fresh session, then the user's files of the product
 // directory. Called once at start-up.
 void kv_init_menu_action();

@@ -6,7 +6,6 @@
 #include <string_view>
 
 #include "app/language/commands.h"
-#include "app/session/event_loop.h"
 #include "gx/display/menu_state.h"
 #include "gx/display/menus.h"
 #include "gx/display/viewports.h"

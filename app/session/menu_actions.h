@@ -9,3 +9,6 @@ inline constexpr gx_point16_t kv_menu_position = {50, 50};
 void kv_locator_in_menu();    // on a line: it is highlighted
 void kv_locator_out_menu();   // outside: the deepest level closes
 void kv_locator_in_boxmen();  // in the opening zone: the line's own menu opens
+
+// Closes the menu and runs the command of the chosen line, if it has one.
+void kv_execute_item_menu();

@@ -66,13 +66,7 @@ void kv_open_debug_file() {
 
 void initparam_before() {
   gx_vext.do_ind = 0;
-  kv_pext.obj_ptr1 = kv_pext.obj_ptr2 = {};
-  kv_pext.prev_viewport_id = 0;
-  kv_pext.file_id_context = kv_pext.file_id_cur = kv_pext.file_id_act = kv_pext.file_id_views = 0;
-  kv_pext.gen_data = false;
-  kv_pext.macro_level = 0;
-  kv_pext.expand_level = 0;
-  kv_pext.nb_of_ext_arg = 0;
+  kv_pext = {};
   kv_sext.primitive.count = 0;
   kv_sext.parameter.count = 0;
   kv_sext.property_instance.count = 0;
@@ -88,11 +82,8 @@ void kivo_root(int argc, char** argv) {
   kv_open_debug_file();
 
   gx_vext.num_errors = gx_vext.num_warnings = 0;
-  kv_pext.file_level_max = kv_pext.file_level_cur = 0;
   const gx_string_record_t design = design_path();
   gx_debug("# INITIALIZE pathname : \"%.*s\"\n", design.len, design.char_);
-  kv_pext.ext_arg = {};
-  kv_pext.top_var = {};
   initparam_before();
 
   kv_open_session();

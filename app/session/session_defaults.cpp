@@ -11,34 +11,19 @@
 
 namespace {
 
-constexpr gx_pointreal_t first_position = {512, 290};
 constexpr std::string_view menu_file = "$VELMORAN/kivo/init_menu";
 constexpr std::string_view key_file = "$VELMORAN/kivo/init_key";
 
 void reset_session() {
-  kv_pext.pick_aperture = {10, 10};
-  kv_pext.act_prop_type = 0;
-  kv_pext.act_symb_id = 0;
-  kv_pext.mark_rect_done = false;
-  kv_pext.smash_done = false;
-  kv_pext.view_sheet_done = false;
-  kv_pext.search_done = false;
-  kv_pext.search_path = {};
-  kv_pext.act_file_path = {};
-  kv_pext.act_prop_name = {};
-  kv_pext.act_prop_value = {};
-  kv_pext.act_prop_exist = false;
-  kv_pext.act_symb_done = false;
-  kv_pext.save_to_do = false;
-  kv_pext.object_cur_origin = first_position;
+  static_cast<kv_selection_state_t&>(kv_pext) = {};
 
   gx_vext.snap_state = false;
   gx_vext.edit_comp_id = 0;
   gx_vext.end_flag = false;
   gx_vext.viewport_id = 1;
   gx_vext.viewport_id_start = 0;
-  gx_vext.obj_pos = first_position;
-  gx_vext.base_point = first_position;
+  gx_vext.obj_pos = kv_first_position;
+  gx_vext.base_point = kv_first_position;
   gx_vext.transcript_state = true;
   gx_vext.display_on = true;
   gx_vext.origin_page_x = gx_vext.origin_page_y = 0;

@@ -1,4 +1,5 @@
 // The drawing aids of the current sheet: BASEpoint, GRId and SNAp.
+#include "app/language/command_row.h"
 #include "app/sheet/command_viewport.h"
 #include "gx/db/geometry.h"
 #include "gx/text/message_list.h"
@@ -49,12 +50,7 @@ std::optional<gx_pointreal_t> typed_base_point(const kv_command_t& command, kv_v
   return std::nullopt;
 }
 
-}  // namespace
-
 void kv_base_point_cmd(const kv_command_t& command) {
-  if (command.count() != 1 && command.count() != 4) {
-    return kv_refuse(base_point_refused, command, kv_bad_count);
-  }
   kv_view_t view;
   const auto p =
       command.count() == 1 ? pointed_base_point(command, view) : typed_base_point(command, view);
@@ -66,7 +62,6 @@ void kv_base_point_cmd(const kv_command_t& command) {
 
 void kv_grid_state_cmd(const kv_command_t& command) {
   constexpr std::string_view refused = "# GRID ";
-  if (!command.has_count(2, 2)) return kv_refuse(refused, command, kv_bad_count);
   const bool on = gx_iden("ON", command.word(2));
   if (!on && !gx_iden("OFF", command.word(2))) {
     return kv_refuse(refused, command, "# !! Error : 2nd parameter invalid ? ");
@@ -80,7 +75,6 @@ void kv_grid_state_cmd(const kv_command_t& command) {
 
 void kv_grid_step_cmd(const kv_command_t& command) {
   constexpr std::string_view refused = "# GRID STEp ";
-  if (!command.has_count(3, 3)) return kv_refuse(refused, command, kv_bad_count, 3);
   const auto view = kv_edit_view();
   if (!view.has_sheet()) return kv_refuse(refused, command, kv_no_sheet, 3);
   auto step = gx_string_to_real(command.word(3));
@@ -98,7 +92,6 @@ void kv_grid_step_cmd(const kv_command_t& command) {
 
 void kv_snap_cmd(const kv_command_t& command) {
   constexpr std::string_view refused = "# SNAp ";
-  if (!command.has_count(2, 2)) return kv_refuse(refused, command, kv_bad_count);
   const bool on = gx_equal("ON", command.word(2));
   if (!on && !gx_equal("OF", command.word(2))) {
     return kv_refuse(refused, command, "# !! Error :  2nd parameter incorrect ? ");
@@ -109,3 +102,16 @@ void kv_snap_cmd(const kv_command_t& command) {
   gx_vext.snap_state = on;
   gx_tell(on ? " SNAp ON " : " SNAp OFF ");
 }
+
+constexpr kv_command_row_t rows[] = {
+    // clang-format off
+    {{"BASE"}, "BASEpoint [Edit x y]", kv_base_point_cmd, base_point_refused},
+    {{"GRID", "O"}, "GRId ON or OFF", kv_grid_state_cmd, "# GRID "},
+    {{"GRID", "ST"}, "GRId STep value", kv_grid_step_cmd, "# GRID STEp ", 3},
+    {{"SNA", "O"}, "SNAp ON or OFF", kv_snap_cmd, "# SNAp "},
+    // clang-format on
+};
+
+}  // namespace
+
+kv_command_rows_t kv_grid_commands() { return rows; }

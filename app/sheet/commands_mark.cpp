@@ -1,5 +1,6 @@
 // The marked point and rectangle, and the switches of selecting: MARK, MARK RECTangle, SMAsh,
 // SEArch.
+#include "app/language/command_row.h"
 #include "app/sheet/command_viewport.h"
 #include "app/sheet/views.h"
 #include "gx/db/geometry.h"
@@ -42,16 +43,10 @@ void move_to(const mark_t& mark) {
   gx_cursor_set_position(gx_vext.pixel_pos);
 }
 
-}  // namespace
-
 // MARK, MARK Edit x y; a word before Edit is passed over, as MARK RECTangle has one there.
 void kv_mark_cmd(const kv_command_t& command) {
   constexpr std::string_view refused = "# MARK ";
-  const int count = command.count();
-  if (count != 1 && count != 2 && count != 4 && count != 5) {
-    return kv_refuse(refused, command, kv_bad_count);
-  }
-  const int n = count == 4 ? 2 : 3;
+  const int n = command.count() == 4 ? 2 : 3;
   const auto mark = wanted_mark(refused, command, n, 2);
   if (!mark) return;
   move_to(*mark);
@@ -61,9 +56,6 @@ void kv_mark_cmd(const kv_command_t& command) {
 
 void kv_mark_rectangle_cmd(const kv_command_t& command) {
   constexpr std::string_view refused = "# MARK RECTangle ";
-  if (command.count() != 2 && command.count() != 5) {
-    return kv_refuse(refused, command, kv_bad_count, 3);
-  }
   const auto mark = wanted_mark(refused, command, 3, 3);
   if (!mark) return;
   move_to(*mark);
@@ -75,7 +67,6 @@ void kv_mark_rectangle_cmd(const kv_command_t& command) {
 }
 
 void kv_smash_cmd(const kv_command_t& command) {
-  if (!command.has_count(2, 2)) return kv_refuse("# SMAsh ", command, kv_bad_count);
   const bool on = gx_equal("ON", command.word(2));
   if (!on && !gx_equal("OF", command.word(2))) {
     return kv_refuse("# SMASh ", command, "# !! Error :  2nd parameter incorrect ? ");
@@ -85,8 +76,20 @@ void kv_smash_cmd(const kv_command_t& command) {
 }
 
 void kv_search_cmd(const kv_command_t& command) {
-  if (!command.has_count(2, 2)) return kv_refuse("# SEArch ", command, kv_bad_count);
   kv_pext.search_done = command.word(2) != "/";
   kv_pext.search_path = gx_string(kv_pext.search_done ? command.word(2) : std::string_view{});
   kv_echo(" SEArch ", command);
 }
+
+constexpr kv_command_row_t rows[] = {
+    // clang-format off
+    {{"MARK", "RECT"}, "MARK RECTangle [Edit x y]", kv_mark_rectangle_cmd, "# MARK RECTangle ", 3, 4},
+    {{"MARK"}, "MARK [Edit x y]", kv_mark_cmd, "# MARK ", 2, 4, kv_counts_of("MARK [word] [Edit x y]")},
+    {{"SMA", "O"}, "SMAsh ON or OFF", kv_smash_cmd, "# SMAsh "},
+    {{"SEA"}, "SEArch path", kv_search_cmd, "# SEArch "},
+    // clang-format on
+};
+
+}  // namespace
+
+kv_command_rows_t kv_mark_commands() { return rows; }

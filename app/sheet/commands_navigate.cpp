@@ -2,6 +2,7 @@
 // simulation path with it.
 #include <algorithm>
 
+#include "app/language/command_row.h"
 #include "app/sheet/command_viewport.h"
 #include "app/sheet/sheet_files.h"
 #include "app/sheet/views.h"
@@ -117,10 +118,8 @@ void cut_last_name(gx_string_record_t& path) {
   path = gx_string(names.substr(0, slash == names.npos ? 0 : slash + 1));
 }
 
-}  // namespace
-
 void kv_view_down_cmd(const kv_command_t& command) {
-  if (!command.has_count(2, 3)) return refuse_down(command, kv_bad_count);
+  if (command.count() > 3) return refuse_down(command, kv_bad_count);
   const int level = kv_pext.file_level_cur;
   if (!is_level(level) || !is_file(at_level(level).file_index)) {
     return refuse_down(command, "# !! Error : No valid design Sheet available ");
@@ -145,7 +144,6 @@ void kv_view_down_cmd(const kv_command_t& command) {
 
 void kv_view_up_cmd(const kv_command_t& command) {
   const auto refuse = [&](std::string_view error) { kv_refuse("# VIEw UP ", command, error, 3); };
-  if (!command.has_count(2, 2)) return refuse(kv_bad_count);
   const int level = kv_pext.file_level_cur;
   if (!is_level(level)) return refuse("# !! Error : No design Sheet available ");
   if (!is_file(at_level(level).file_index)) {
@@ -168,3 +166,14 @@ void kv_view_up_cmd(const kv_command_t& command) {
   cut_last_name(kv_pext.cur_sim_path);
   gx_tell(" VIEw UP  ");
 }
+
+constexpr kv_command_row_t rows[] = {
+    // clang-format off
+    {{"VIE", "DOW"}, "VIEw DOWn [instance]", kv_view_down_cmd},
+    {{"VIE", "UP"}, "VIEw UP", kv_view_up_cmd, "# VIEw UP ", 3},
+    // clang-format on
+};
+
+}  // namespace
+
+kv_command_rows_t kv_navigate_commands() { return rows; }

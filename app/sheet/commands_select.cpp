@@ -1,4 +1,5 @@
 // Selecting by area and by handle: SELect AREa, UNSelect AREa, SELect OBJect, UNSelect ALL.
+#include "app/language/command_row.h"
 #include "app/sheet/command_viewport.h"
 #include "app/sheet/select_area.h"
 #include "app/sheet/sheet_walk.h"
@@ -53,10 +54,6 @@ constexpr area_command_t unselect_area = {
 
 // SELect AREa kind, or SELect AREa kind Edit x1 y1 x2 y2.
 void run_area(const area_command_t& what, const kv_command_t& command) {
-  kv_pext.mark_rect_done = false;
-  if (command.count() != 3 && command.count() != 8) {
-    return kv_refuse(what.refused, command, kv_bad_count, 3);
-  }
   const auto kind = area_kind(command.word(3));
   if (!kind) {
     return kv_refuse(what.kind_refused, command, "# !! Error :  3 rd parameter incorrect ? ", 3);
@@ -96,15 +93,12 @@ const handle_t* handle_of(std::string_view word) {
   return nullptr;
 }
 
-}  // namespace
-
 void kv_select_area_cmd(const kv_command_t& command) { run_area(select_area, command); }
 void kv_unselect_area_cmd(const kv_command_t& command) { run_area(unselect_area, command); }
 
 void kv_select_object_cmd(const kv_command_t& command) {
   constexpr std::string_view refused = "# SELect OBJect ";
   const auto refuse = [&](std::string_view error) { kv_refuse(refused, command, error, 3); };
-  if (!command.has_count(4, 4)) return refuse(kv_bad_count);
   const auto view = kv_wanted_view(
       refused, command, 3,
       {.bad_word = "# !! Error : 3rd parameter incorrect (should be Edit/Context) ? ",
@@ -132,7 +126,6 @@ void kv_select_object_cmd(const kv_command_t& command) {
 
 void kv_unselect_all_cmd(const kv_command_t& command) {
   constexpr std::string_view refused = "# UNSelect ALL ";
-  if (!command.has_count(2, 3)) return kv_refuse(refused, command, kv_bad_count, 3);
   const auto view = command.count() == 3 ? kv_view_named(command.word(3)) : kv_edit_view();
   if (!view) return kv_refuse(refused, command, kv_3rd_not_edit_context, 3);
   if (!view->has_sheet()) return kv_refuse(refused, command, kv_no_sheet, 3);
@@ -142,3 +135,16 @@ void kv_unselect_all_cmd(const kv_command_t& command) {
   kv_redraw_views();
   gx_tell(" UNSelect ALL ");
 }
+
+constexpr kv_command_row_t rows[] = {
+    // clang-format off
+    {.keywords = {"SEL", "ARE"}, .syntax = "SELect AREa kind [Edit x1 y1 x2 y2]", .handler = kv_select_area_cmd, .refusal = select_area.refused, .first_echoed = 3, .ends_rectangle = true},
+    {.keywords = {"UNS", "AR"}, .syntax = "UNSelect AREa kind [Edit x1 y1 x2 y2]", .handler = kv_unselect_area_cmd, .refusal = unselect_area.refused, .first_echoed = 3, .ends_rectangle = true},
+    {{"SEL", "OBJ"}, "SELect OBJect Edit handle", kv_select_object_cmd, "# SELect OBJect ", 3},
+    {{"UNS", "AL"}, "UNSelect ALL [Edit or Context]", kv_unselect_all_cmd, "# UNSelect ALL ", 3},
+    // clang-format on
+};
+
+}  // namespace
+
+kv_command_rows_t kv_select_commands() { return rows; }

@@ -1,5 +1,6 @@
 // Selecting by name: SELect PIN, SELect PROperty; and what is done to the selected properties:
 // CHAnge PROperty SWItches.
+#include "app/language/command_row.h"
 #include "app/sheet/command_viewport.h"
 #include "app/sheet/sheet_walk.h"
 #include "gx/db/undo.h"
@@ -34,11 +35,8 @@ void finish(std::string_view keyword, const kv_command_t& command, bool found) {
   kv_echo(keyword, command, 3);
 }
 
-}  // namespace
-
 void kv_select_pin_cmd(const kv_command_t& command) {
   constexpr std::string_view refused = "# SELect PIN ";
-  if (!command.has_count(5, 5)) return kv_refuse(refused, command, kv_bad_count, 3);
   const auto view = view_to_select_in(refused, command);
   if (!view) return;
   gx_undo_define_new_step();
@@ -61,7 +59,6 @@ void kv_select_pin_cmd(const kv_command_t& command) {
 
 void kv_select_prop_cmd(const kv_command_t& command) {
   constexpr std::string_view refused = "# SELect PROperty ";
-  if (!command.has_count(4, 5)) return kv_refuse(refused, command, kv_bad_count, 3);
   const auto view = view_to_select_in(refused, command);
   if (!view) return;
   gx_undo_define_new_step();
@@ -84,7 +81,6 @@ void kv_select_prop_cmd(const kv_command_t& command) {
 
 void kv_change_prop_switches_cmd(const kv_command_t& command) {
   constexpr std::string_view refused = "# CHAnge PROperty SWItches ";
-  if (!command.has_count(4, 4)) return kv_refuse(refused, command, kv_bad_count, 4);
   const bool visible = gx_equal("V", command.word(4));
   if (!visible && !gx_equal("N", command.word(4))) {
     kv_echo(refused, command, 4);
@@ -119,3 +115,15 @@ void kv_change_prop_switches_cmd(const kv_command_t& command) {
   kv_redraw_views();
   gx_tell(" CHAnge PROperty SWItches ", visible ? " Visible " : " Novisible ");
 }
+
+constexpr kv_command_row_t rows[] = {
+    // clang-format off
+    {{"SEL", "PIN"}, "SELect PIN Edit instance pin", kv_select_pin_cmd, "# SELect PIN ", 3},
+    {{"SEL", "PRO"}, "SELect PROperty Edit name [value]", kv_select_prop_cmd, "# SELect PROperty ", 3},
+    {{"CHA", "PRO", "SWI"}, "CHAnge PROperty SWItches VISIBLE or NOVISIBLE", kv_change_prop_switches_cmd, "# CHAnge PROperty SWItches ", 4},
+    // clang-format on
+};
+
+}  // namespace
+
+kv_command_rows_t kv_name_commands() { return rows; }

@@ -3,6 +3,7 @@
 #include <array>
 #include <string>
 
+#include "app/language/command_row.h"
 #include "app/sheet/command_viewport.h"
 #include "app/sheet/sheet_walk.h"
 #include "gx/db/geometry.h"
@@ -212,11 +213,8 @@ bool show_links(const kv_view_t& view) {
   return found;
 }
 
-}  // namespace
-
 void kv_status_object_cmd(const kv_command_t& command) {
   constexpr std::string_view refused = "# STAtus OBJect ";
-  if (!command.has_count(2, 4)) return kv_refuse(refused, command, kv_bad_count, 3);
   const auto view = view_to_inspect(refused, command);
   if (!view) return;
   const auto& file = view->file();
@@ -239,7 +237,6 @@ void kv_status_object_cmd(const kv_command_t& command) {
 
 void kv_status_net_cmd(const kv_command_t& command) {
   constexpr std::string_view refused = "# STAtus NET ";
-  if (!command.has_count(2, 3)) return kv_refuse(refused, command, kv_bad_count, 3);
   const auto view = view_to_inspect(refused, command);
   if (!view) return;
   const auto& file = view->file();
@@ -255,7 +252,6 @@ void kv_status_net_cmd(const kv_command_t& command) {
 
 void kv_status_prop_cmd(const kv_command_t& command) {
   constexpr std::string_view refused = "# STAtus PROperty ";
-  if (!command.has_count(2, 3)) return kv_refuse(refused, command, kv_bad_count, 3);
   const auto view =
       kv_wanted_view(refused, command, 3,
                      {.bad_word = "# !! Error : Invalid Viewport name ( should be Edit/Context) ? ",
@@ -270,9 +266,21 @@ void kv_status_prop_cmd(const kv_command_t& command) {
 
 void kv_show_link_cmd(const kv_command_t& command) {
   constexpr std::string_view refused = "# SHOw LINk ";
-  if (!command.has_count(2, 3)) return kv_refuse(refused, command, kv_bad_count, 3);
   const auto view = view_to_inspect(refused, command);
   if (!view) return;
   if (!show_links(*view)) return kv_refuse(refused, command, nothing_valid, 3);
   gx_tell(" SHOw LINk ", view->name());
 }
+
+constexpr kv_command_row_t rows[] = {
+    // clang-format off
+    {{"STA", "OBJ"}, "STAtus OBJect [Edit or Context [id]]", kv_status_object_cmd, "# STAtus OBJect ", 3},
+    {{"STA", "NET"}, "STAtus NET [Edit or Context]", kv_status_net_cmd, "# STAtus NET ", 3},
+    {{"STA", "PRO"}, "STAtus PROperty [Edit or Context]", kv_status_prop_cmd, "# STAtus PROperty ", 3},
+    {{"SHO", "LIN"}, "SHOw LINk [Edit or Context]", kv_show_link_cmd, "# SHOw LINk ", 3},
+    // clang-format on
+};
+
+}  // namespace
+
+kv_command_rows_t kv_status_commands() { return rows; }

@@ -1,6 +1,7 @@
 // What the two viewports show: VIEw SHEet, ACTivate SYMbol, POP, VIEw ALL and VIEw AREa.
 #include <string>
 
+#include "app/language/command_row.h"
 #include "app/sheet/command_viewport.h"
 #include "app/sheet/sheet_files.h"
 #include "app/sheet/views.h"
@@ -57,11 +58,8 @@ void show_activated_symbol(bool marked_area_only) {
   mark_components(vpid, gx_ptrto_gene_file_buf(kv_pext.file_id_act));
 }
 
-}  // namespace
-
 void kv_view_sheet_cmd(const kv_command_t& command) {
   constexpr std::string_view refused = "# VIEw SHEet ";
-  if (!command.has_count(3, 3)) return kv_refuse(refused, command, kv_bad_count, 3);
   const auto path = searched_path(command);
   const bool reopened = kv_pext.file_id_views != 0;
   std::string why;
@@ -85,7 +83,6 @@ void kv_view_sheet_cmd(const kv_command_t& command) {
 
 void kv_activate_symbol_cmd(const kv_command_t& command) {
   constexpr std::string_view refused = "# ACTivate SYMbol ";
-  if (!command.has_count(3, 3)) return kv_refuse(refused, command, kv_bad_count, 3);
   const auto path = searched_path(command);
   kv_pext.act_symb_done = false;
   std::string why;
@@ -115,7 +112,6 @@ void kv_activate_symbol_cmd(const kv_command_t& command) {
 }
 
 void kv_pop_cmd(const kv_command_t& command) {
-  if (!command.has_count(1, 1)) return kv_refuse("# POP ", command, kv_bad_count);
   if (!kv_pext.view_sheet_done && !kv_pext.act_symb_done) {
     return kv_refuse("# POP ", command, "# !! Error : NO window to pop ? ");
   }
@@ -138,7 +134,6 @@ void kv_pop_cmd(const kv_command_t& command) {
 
 void kv_view_all_cmd(const kv_command_t& command) {
   constexpr std::string_view refused = "# VIEw ALL ";
-  if (!command.has_count(2, 3)) return kv_refuse(refused, command, kv_bad_count, 3);
   const auto view = command.count() == 3 ? kv_view_named(command.word(3)) : kv_edit_view();
   if (!view) return kv_refuse(refused, command, kv_3rd_not_edit_context, 3);
   if (!view->has_sheet()) return kv_refuse(refused, command, kv_no_sheet, 3);
@@ -156,11 +151,7 @@ void kv_view_all_cmd(const kv_command_t& command) {
 
 void kv_view_area_cmd(const kv_command_t& command) {
   constexpr std::string_view refused = "# VIEw AREa ";
-  kv_pext.mark_rect_done = false;
   const bool typed = command.count() == 7;
-  if (!command.has_count(2, 3) && !typed) {
-    return kv_refuse("# VIEw ARea ", command, kv_bad_count, 3);
-  }
   const kv_view_answers_t answers = {
       .bad_word = typed ? "# !! Error : Invalid Viewport name ( should be Edit/Context) ? "
                         : "# !! Error : Invalid Viewport name (should be Edit/Context) ? "};
@@ -179,3 +170,17 @@ void kv_view_area_cmd(const kv_command_t& command) {
   }
   gx_tell(" VIEw AREa ", view->name());
 }
+
+constexpr kv_command_row_t rows[] = {
+    // clang-format off
+    {{"ACT", "SYM"}, "ACTivate SYMbol path", kv_activate_symbol_cmd, "# ACTivate SYMbol ", 3},
+    {{"POP"}, "POP", kv_pop_cmd, "# POP "},
+    {{"VIE", "AL"}, "VIEw ALL [Edit or Context]", kv_view_all_cmd, "# VIEw ALL ", 3},
+    {.keywords = {"VIE", "AR"}, .syntax = "VIEw AREa [Edit [x1 y1 x2 y2]]", .handler = kv_view_area_cmd, .refusal = "# VIEw ARea ", .first_echoed = 3, .ends_rectangle = true},
+    {{"VIE", "SHE"}, "VIEw SHEet path", kv_view_sheet_cmd, "# VIEw SHEet ", 3},
+    // clang-format on
+};
+
+}  // namespace
+
+kv_command_rows_t kv_view_commands() { return rows; }

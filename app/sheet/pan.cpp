@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "app/language/command_row.h"
 #include "app/sheet/views.h"
 #include "app/state.h"
 #include "gx/db/geometry.h"
@@ -135,3 +136,25 @@ void kv_make_move(const kv_move_t& move) {
   else if (vpid == list || vpid == cmd)
     move_in_text(move, box);
 }
+
+namespace {
+// A word that names no move is an unknown command.
+kv_outcome_t kv_move(const kv_command_t& command) {
+  const kv_move_t* move = kv_find_move(command.word(1));
+  if (move == nullptr) return {.unknown = true};
+  kv_make_move(*move);
+  return {};
+}
+
+constexpr kv_command_row_t rows[] = {
+    {.keywords = {"$C"},
+     .syntax = "$CU1, $CD1, $CL1, $CR1 and with 4",
+     .exact = 4,
+     .deciding = kv_move},
+    {.keywords = {"$VPT"},
+     .syntax = "$VPTU5, $VPTD5, $VPTL5, $VPTR5 and with 20 and 80",
+     .deciding = kv_move},
+};
+}  // namespace
+
+kv_command_rows_t kv_move_commands() { return rows; }

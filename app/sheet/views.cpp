@@ -92,6 +92,15 @@ void redraw_context(bool keep_scale, const char* bad_grid, const char* bad_file)
 }
 }  // namespace
 
+std::array<gx_viewport_init_rec_t, 4> set_viewports() {
+  constexpr gx_border_info border{
+      .pixel_width = 1, .reserved = 0, .border_color = 3, .background_color = 0};
+  return {{{{400, 500, 99600, 74900}, border},        // the sheet being worked on
+           {{400, 95500, 73300, 99500}, border},      // the command line
+           {{400, 75400, 73300, 95000}, border},      // the message list
+           {{73700, 75400, 99600, 99500}, border}}};  // the context sheet or a symbol
+}
+
 void kv_display_picture_all(gx_vpid_t vpid, gx_file_index_t file_index) {
   show_part(vpid, file_index, nullptr, " KV_DISPLAY_PICTURE_ALL : file index (invalid) : %12d\n",
             " KV_DISPLAY_PICTURE_ALL : grid_id (invalid) : %12d\n");

@@ -103,14 +103,11 @@ TEST_F(FlattenTest, RunKeepsTheSheetInViewAndWritesAWholeImage) {
   EXPECT_EQ(read_file("design_kv"), image);
 }
 
-TEST_F(FlattenTest, RunWithoutADesignFileStops) {
+TEST_F(FlattenTest, RunBeforeTheSessionIsCompleteIsRefused) {
   ::close(kv_sext.designfile);
   kv_sext.designfile = -1;
-  expect_stop(
-      [] {
-        kv_run_cmd({{}, kv_pext.ext_arg, kv_pext.top_var});
-      },
-      gx_code::file_data_invalid);
+  EXPECT_EQ(session.run("RUN"),
+            (lines_t{"# RUN ", "# !! Error :  No sheet available in window ? "}));
 }
 
 TEST_F(FlattenTest, AFullDiskIsTold) {

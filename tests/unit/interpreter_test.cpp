@@ -4,7 +4,6 @@
 #include <vector>
 
 #include "app/language/command_table.h"
-#include "app/language/command_words.h"
 #include "app/language/substitution.h"
 #include "gx/vext.h"
 #include "tests/support/scratch_directory.h"
@@ -44,7 +43,7 @@ TEST(CommandTable, WordsMatchByAbbreviation) {
       {"MARKS RECT", nullptr},
       {"CHA PRO SWI", "CHAnge PROperty SWItches"},
       {"CHA PRO", nullptr},
-      {"GRID ON", "GRId ON, GRId OFF"},
+      {"GRID ON", "GRId ON or OFF"},
       {"GRID ST", "GRId STep"},
       {"GRI ON", nullptr},
       {"TRANSCRIPT X", nullptr},
@@ -56,11 +55,33 @@ TEST(CommandTable, WordsMatchByAbbreviation) {
     kv_words_t words;
     kv_split_words(gx_string(c.line), words);
     const auto* row = kv_find_command({words.all(), none, none});
-    EXPECT_EQ(row == nullptr ? "" : row->spelling, c.spelling == nullptr ? "" : c.spelling)
-        << c.line;
+    if (c.spelling == nullptr) {
+      EXPECT_EQ(row, nullptr) << c.line;
+    } else {
+      ASSERT_NE(row, nullptr) << c.line;
+      EXPECT_TRUE(row->syntax.starts_with(c.spelling)) << c.line << " is " << row->syntax;
+    }
   }
-  for (const char c : {'j', '%', '0', '{', '"'}) EXPECT_FALSE(kv_begins_command(c)) << c;
-  for (const char c : {'$', 'a', 'I', 'z'}) EXPECT_TRUE(kv_begins_command(c)) << c;
+  // No row hides behind an earlier one.
+  for (const auto& row : kv_command_table()) {
+    kv_words_t words;
+    for (const auto& keyword : row.keywords) {
+      if (keyword.empty()) break;
+      words.word[words.count++] = gx_string(keyword);
+    }
+    if (row.exact <= row.keywords[0].size()) {
+      EXPECT_EQ(kv_find_command({words.all(), none, none}), &row) << row.syntax;
+    }
+  }
+}
+
+TEST(CommandTable, TheSyntaxLineGivesTheWordCounts) {
+  static_assert(kv_counts_of("A") == 0b10);
+  static_assert(kv_counts_of("A x [y]") == 0b1100);
+  static_assert(kv_counts_of("A ON or OFF") == 0b100);
+  static_assert(kv_counts_of("A [E or C [x y]]") == 0b10110);
+  static_assert(kv_counts_of("A low [[typical] high]") == 0b11100);
+  static_assert(kv_counts_of("A x [y ...]") == 0x7FFFFFFC);
 }
 
 TEST(Substitution, ReferencesBecomeValues) {

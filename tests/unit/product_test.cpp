@@ -53,8 +53,8 @@ std::string trimmed(std::string_view text) {
 TEST_F(Product, EveryCommandHasItsHelpInEverySpelling) {
   const std::string list = read_file(product / "kivo/help/list_commands");
   for (const kv_command_row_t& row : kv_command_table()) {
-    if (row.spelling[0] == '$') continue;
-    std::string word(row.spelling.substr(0, row.spelling.find(' ')));
+    if (row.syntax[0] == '$') continue;
+    std::string word(row.syntax.substr(0, row.syntax.find(' ')));
     std::string least;
     for (const char c : word) {
       if (c < 'a' || c > 'z') least += c;

@@ -1,15 +1,12 @@
-// The commands that the interpreter runs itself, because they decide what becomes of their line.
-#include "app/language/command_table.h"
+// ASSIgn and SYSTem, whose refusals also decide what becomes of their line.
+#include "app/language/command_row.h"
 #include "app/language/substitution.h"
-#include "app/sheet/pan.h"
 #include "gx/text/text_files.h"
+
+namespace {
 
 kv_outcome_t kv_assign(const kv_command_t& command) {
   constexpr std::string_view refused = "# ASSIgn ";
-  if (!command.has_count(2, 3)) {
-    kv_refuse(refused, command, kv_bad_count);
-    return {.unknown = true, .ends_line = true};
-  }
   const kv_target_t target = kv_variable_target(command.word(2));
   switch (target.kind) {
     case kv_target::variable: {
@@ -27,18 +24,18 @@ kv_outcome_t kv_assign(const kv_command_t& command) {
 }
 
 kv_outcome_t kv_system(const kv_command_t& command) {
-  if (command.count() != 2) {
-    kv_refuse("# SYSTem ", command, kv_bad_count);
-    return {.unknown = true, .ends_line = false};
-  }
   kv_echo(" SYSTem ", command);
   gx_system(command.words[1]);
   return {};
 }
 
-kv_outcome_t kv_move(const kv_command_t& command) {
-  const kv_move_t* move = kv_find_move(command.word(1));
-  if (move == nullptr) return {.unknown = true, .ends_line = false};
-  kv_make_move(*move);
-  return {};
-}
+constexpr kv_command_row_t rows[] = {
+    // clang-format off
+    {.keywords = {"ASSI"}, .syntax = "ASSIgn $VARn [value]", .refusal = "# ASSIgn ", .deciding = kv_assign, .refused = {.unknown = true, .ends_line = true}},
+    {.keywords = {"SYST"}, .syntax = "SYSTem 'command'", .refusal = "# SYSTem ", .deciding = kv_system, .refused = {.unknown = true}},
+    // clang-format on
+};
+
+}  // namespace
+
+kv_command_rows_t kv_variable_commands() { return rows; }

@@ -1,0 +1,20 @@
+// The part of kv_pext about the session itself: its arguments and where the user is.
+#pragma once
+
+#include <cstdint>
+
+#include "app/language/parameters.h"
+#include "gx/db/ids.h"
+#include "gx/display/screen_state.h"
+
+struct kv_session_state_t {
+  gx_vpid_t prev_viewport_id = 0;  // viewport of the previous input event
+  gx_point16_t last_pixel_pos;     // of the pointer, when it last moved
+  std::int32_t line_position = 0;  // how far back in the list a line was recalled, at most 0
+  bool save_to_do = false;
+
+  gx_string_record_t init_do_file;  // start-up command file; empty: none
+  std::int16_t nb_of_ext_arg = 0;   // its arguments, 0..30
+  kv_array_param_t ext_arg;         // $ARG of the outermost level
+  kv_array_param_t top_var;         // $VAR of the outermost level
+};
