@@ -223,9 +223,9 @@ void kv_finish_session() {
   if (kv_sext.designfile >= 0) close(std::exchange(kv_sext.designfile, -1));
   for (int level = 1; level <= kv_pext.file_level_max; ++level)
     if (const auto index = kv_pext.arrayof_file[static_cast<std::size_t>(level - 1)].file_index)
-      gx_file_close(index, false);
-  if (kv_pext.view_sheet_done) gx_file_close(kv_pext.file_id_views, false);
-  if (kv_pext.act_symb_done) gx_file_close(kv_pext.file_id_act, false);
+      gx_file_close(index);
+  if (kv_pext.view_sheet_done) gx_file_close(kv_pext.file_id_views);
+  if (kv_pext.act_symb_done) gx_file_close(kv_pext.file_id_act);
   gx_debug_line("@@@@@@ FINALIZE after gx_file_close  ");
   gx_terminate();
   gx_debug_line("@@@@@@ FINALIZE  after gx_terminate  ");

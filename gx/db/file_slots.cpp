@@ -204,7 +204,7 @@ bool gx_file_reopen(gx_file_index_t file_index, std::string_view dirname,
   auto& slot = slot_of(file_index);
   const auto names = gx_file_get_file_version(dirname, filetype);
   if (!names.found) {
-    gx_file_close(file_index, false);
+    gx_file_close(file_index);
     put_names(slot, dirname, filetype, names);
     gx_file_create_new(file_index);
     return false;
@@ -244,6 +244,19 @@ bool gx_file_try_reopen(gx_file_index_t file_index, std::string_view dirname,
   }
   gx_files.cur_file = file_index;
   return true;
+}
+
+void gx_check_file_to_close(gx_file_index_t file_index) {
+  if (file_index < 1 || file_index > gx_max_files) {
+    gx_debug(" gx_file_close : sfile_index : %d\n", file_index);
+    gx_set_status(gx_code::file_data_invalid);
+  }
+  check_initialised();
+}
+
+void gx_file_close(gx_file_index_t file_index) {
+  gx_check_file_to_close(file_index);
+  close_stream(slot_of(file_index));
 }
 
 gx_file_index_t gx_file_create_bye(std::string_view data_path) {

@@ -91,7 +91,10 @@ bool gx_file_reopen(gx_file_index_t file_index, std::string_view dirname,
 // The same, but leaves the slot as it was when the file is missing or cannot be used.
 bool gx_file_try_reopen(gx_file_index_t file_index, std::string_view dirname,
                         std::string_view filetype, std::string& why);
-void gx_file_close(gx_file_index_t file_index, bool save);
+// Closes the slot; nothing is saved (gx/edit/file_save.h does).
+void gx_file_close(gx_file_index_t file_index);
+// Stops the program when the slot's number is none or the package is not initialised.
+void gx_check_file_to_close(gx_file_index_t file_index);
 // A new slot for the data file of a save, opened for writing and holding an empty file.
 gx_file_index_t gx_file_create_bye(std::string_view data_path);
 // Fills the slot with an empty file.

@@ -224,6 +224,7 @@ void make_cursors() {
 void reset_package_state() {
   gx_list = {};
   gx_files = {};
+  gx_undo = {};
   gx_edit = {};
   static_cast<gx_screen_state_t&>(gx_vext) = {};
   static_cast<gx_input_state_t&>(gx_vext) = {};

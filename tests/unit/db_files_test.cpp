@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include "gx/edit/file_save.h"
 #include "gx/vext.h"
 #include "tests/support/scratch_directory.h"
 #include "tests/unit/db_builder.h"
@@ -152,7 +153,7 @@ TEST_F(db_files, opening_and_reopening_slots) {
   EXPECT_EQ(gx_file_try_open(dir(), "new", why), 2);
   EXPECT_EQ(gx_vext.cur_file, 2);
   EXPECT_EQ(gx_ptrto_gene_file_buf(2).object_id_max, 0);
-  gx_file_close(1, false);
+  gx_file_close(1);
   EXPECT_EQ(gx_ptrto_gene_file_buf(1).object_id_max, 1);
 }
 

@@ -1,5 +1,6 @@
 // Recording changes and replaying them, step by step.
 #include "gx/db/undo.h"
+#include "gx/edit/undo_replay.h"
 #include "gx/vext.h"
 #include "tests/unit/db_fixture.h"
 #include "tests/unit/fatal_stop.h"

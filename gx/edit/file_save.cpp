@@ -1,5 +1,7 @@
-// Closing a slot, and saving it as a new version: the surviving objects are copied to a target
-// file, renumbered densely in their order, and written.
+// The surviving objects are copied to a target file, renumbered densely in their order, and
+// written.
+#include "gx/edit/file_save.h"
+
 #include <cstring>
 #include <vector>
 
@@ -176,16 +178,7 @@ void save(gx_file_index_t file_index) {
 }  // namespace
 
 void gx_file_close(gx_file_index_t file_index, bool save_it) {
-  if (file_index < 1 || file_index > gx_max_files) {
-    gx_debug(" gx_file_close : sfile_index : %d\n", file_index);
-    gx_set_status(gx_code::file_data_invalid);
-  }
-  if (!gx_session.init_done) gx_set_status(gx_code::init_not_done);
-  if (save_it) {
-    save(file_index);
-    return;
-  }
-  auto& slot = gx_files.filear[static_cast<std::size_t>(file_index)];
-  if (slot.file_io_id != nullptr) std::fclose(slot.file_io_id);
-  slot.file_io_id = nullptr;
+  if (!save_it) return gx_file_close(file_index);
+  gx_check_file_to_close(file_index);
+  save(file_index);
 }
