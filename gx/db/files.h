@@ -69,7 +69,7 @@ struct gx_load_t {
 gx_load_t gx_decode_file(std::string_view bytes, std::string_view name);
 // Reads and decodes a data file; file_open_invalid when it cannot be read.
 gx_load_t gx_load_file(std::string_view data_path);
-// The same from a stream that is open for reading, by one read; the caller closes it.
+// The same from a stream that is open for reading; nullptr: errno tells why it is not.
 gx_load_t gx_load_stream(std::FILE* stream, std::string_view name);
 // The bytes of a data file that holds these objects.
 std::string gx_encode_file(const gx_file_gene_recf_t& file);

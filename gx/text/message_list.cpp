@@ -5,13 +5,13 @@
 #include <algorithm>
 #include <cstdio>
 #include <limits>
-#include <memory>
 #include <string>
 
 #include "gx/text/debug.h"
 #include "gx/text/session_state.h"
 #include "gx/text/strings.h"
 #include "gx/text/text_files.h"
+#include "platform/files.h"
 
 namespace {
 constexpr std::size_t max_line_length = 199;
@@ -63,8 +63,8 @@ void write_to_session(std::string_view text) {
 bool is_readable_text(std::string_view path) {
   struct stat file {};
   struct stat session {};
-  const std::string name(gx_view(gx_resolve_path(path)));
-  if (::stat(name.c_str(), &file) != 0 || !S_ISREG(file.st_mode)) return false;
+  const x_descriptor opened = x_open_regular(std::string(gx_view(gx_resolve_path(path))));
+  if (!opened || ::fstat(opened.get(), &file) != 0) return false;
   return gx_session.cursessfile == nullptr ||
          ::fstat(::fileno(gx_session.cursessfile), &session) != 0 ||
          file.st_dev != session.st_dev || file.st_ino != session.st_ino;
@@ -87,9 +87,7 @@ void gx_tell_parts(std::span<const std::string_view> parts) {
 }
 
 bool gx_display_file_invplist(std::string_view path) {
-  using file_t = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
-  const file_t file(is_readable_text(path) ? gx_popen_file(path, 'R', true) : nullptr,
-                    &std::fclose);
+  const x_file file(is_readable_text(path) ? gx_popen_file(path, 'R', true) : nullptr);
   if (!file) {
     gx_debug("!!! display_file  file not found : \"%.*s\"\n", static_cast<int>(path.size()),
              path.data());
