@@ -9,6 +9,9 @@
 
 namespace {
 
+// What lies further back than so many changes is given up, so that a long session does not grow.
+constexpr std::size_t max_entries = 100000;
+
 // The entry that follows the current one, fresh.
 gx_undo_objet_rec_t& append(gx_undo_op operation) {
   auto& list = *gx_undo.undo_list;
@@ -46,6 +49,11 @@ void gx_undo_define_new_step() {
   if (gx_session.debugfile != nullptr) std::fflush(gx_session.debugfile);
   std::fflush(stdin);
   if (!gx_undo.undo_list) return;
+  if (gx_undo.undo_list->used > max_entries) {  // the list begins anew
+    gx_undo.undo_list->used = 1;
+    gx_undo.ptrto_undo_cur = gx_undo.ptrto_undo_start;
+    gx_undo.ptrto_undo_start->following = nullptr;
+  }
   auto& entry = append(gx_undo_op::step);
   entry.new_step = true;
   store_base_point(entry);

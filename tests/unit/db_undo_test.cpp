@@ -48,6 +48,15 @@ TEST_F(undo_story, OneStepHoldsOneMarkerAndTheRealChanges) {
   EXPECT_EQ(marker->following->object_id, a);
 }
 
+TEST_F(undo_story, ALongSessionDoesNotGrow) {
+  gx_undo_init(f.index);
+  for (int step = 0; step < 250000; ++step) gx_undo_define_new_step();
+  EXPECT_LT(gx_vext.undo_list->entries.size(), 150000U);
+  gx_set_object_selected(f.file(), a, true);
+  EXPECT_TRUE(gx_undo_restore_one_step());
+  EXPECT_FALSE(selected(a));
+}
+
 TEST_F(undo_story, UndoAndRedoGoStepByStep) {
   gx_undo_init(f.index);
   gx_undo_define_new_step();
