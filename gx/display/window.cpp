@@ -231,27 +231,16 @@ void reset_package_state() {
   static_cast<gx_key_state_t&>(gx_vext) = {};
   gx_set_list_drawer(gx_regen_display_list);
 }
-}  // namespace
 
-void gx_init(std::span<const gx_viewport_init_rec_t> viewports, std::string_view window_name) {
-  auto& v = gx_vext;
-  gx_debug_line(" gx_init :  start ");
-  gx_debug(" gx_init :  record sizes : string %zu  name %zu  value %zu  viewport %zu  menu %zu\n",
-           sizeof(gx_string_record_t), sizeof(gx_name_record_t), sizeof(gx_value_record_t),
-           sizeof(gx_viewport_rec_t), sizeof(gx_menu_rec_t));
-  if (v.init_done) gx_set_status(gx_code::already_initialized);
+void check_start(std::span<const gx_viewport_init_rec_t> viewports) {
+  if (gx_vext.init_done) gx_set_status(gx_code::already_initialized);
   if (viewports.empty() || viewports.size() > gx_max_viewports)
     gx_set_status(gx_code::nb_of_viewport_invalid);
-  reset_package_state();
-  open_display(display_name());
-  check_root();
-  gx_init_colors();
-  const XRectangle place = make_window(window_name);
-  make_graphics_context(place);
-  const int width = place.width, height = place.height;
-  make_menu_pixmaps(width, height);
-  make_cursors();
+}
 
+// The drawable's size, the texts that follow it, and the viewports over it.
+void lay_out(int width, int height, std::span<const gx_viewport_init_rec_t> viewports) {
+  auto& v = gx_vext;
   v.bitmap_size = {static_cast<std::int16_t>(width - 1), static_cast<std::int16_t>(height - 1)};
   v.pixel_pos = {static_cast<std::int16_t>(width / 2), static_cast<std::int16_t>(height / 2)};
   v.cmd_height = v.list_height = static_cast<std::int16_t>(10 * height / 768);
@@ -264,6 +253,26 @@ void gx_init(std::span<const gx_viewport_init_rec_t> viewports, std::string_view
   gx_setarray_hortext();
   v.init_done = true;
   for (const auto& viewport : viewports) gx_viewport_create(viewport.bounds, viewport.border);
+}
+}  // namespace
+
+void gx_init(std::span<const gx_viewport_init_rec_t> viewports, std::string_view window_name) {
+  auto& v = gx_vext;
+  gx_debug_line(" gx_init :  start ");
+  gx_debug(" gx_init :  record sizes : string %zu  name %zu  value %zu  viewport %zu  menu %zu\n",
+           sizeof(gx_string_record_t), sizeof(gx_name_record_t), sizeof(gx_value_record_t),
+           sizeof(gx_viewport_rec_t), sizeof(gx_menu_rec_t));
+  check_start(viewports);
+  reset_package_state();
+  open_display(display_name());
+  check_root();
+  gx_init_colors();
+  const XRectangle place = make_window(window_name);
+  make_graphics_context(place);
+  const int width = place.width, height = place.height;
+  make_menu_pixmaps(width, height);
+  make_cursors();
+  lay_out(width, height, viewports);
 
   XSelectInput(v.dpy, v.win, gx_event_mask | gx_structure_mask);
   gx_debug("  gxevmsk_gen:%x   gxevmsk_chk:%x \n", static_cast<unsigned>(gx_event_mask), 3U);
@@ -282,6 +291,12 @@ void gx_init_nograph() {
   if (gx_vext.init_done) gx_set_status(gx_code::already_initialized);
   reset_package_state();
   gx_vext.init_done = true;
+}
+
+void gx_init_noview(std::span<const gx_viewport_init_rec_t> viewports, gx_point16_t size) {
+  check_start(viewports);
+  reset_package_state();
+  lay_out(std::max<int>(size.x, 2), std::max<int>(size.y, 2), viewports);
 }
 
 void gx_terminate() {

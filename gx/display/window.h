@@ -21,6 +21,12 @@ inline constexpr long gx_structure_mask = 0x20000;
 // The same package state without a display: no viewport, nothing is drawn.
 void gx_init_nograph();
 
+// The same, with viewports (1..16) over a drawable of `size` pixels that nobody sees: every view
+// and conversion computes as in a window of that size, and what is drawn goes nowhere.
+inline constexpr gx_point16_t gx_nominal_size = {983, 667};  // the window of a 1024x768 screen
+void gx_init_noview(std::span<const gx_viewport_init_rec_t> viewports,
+                    gx_point16_t size = gx_nominal_size);
+
 // Closes the display connection.
 void gx_terminate();
 
