@@ -17,6 +17,7 @@
 #include "gx/display/events.h"
 #include "gx/display/list_viewport.h"
 #include "gx/display/menus.h"
+#include "gx/display/offscreen.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"
@@ -272,9 +273,7 @@ void on_pointer_at_rest(loop_t&, const gx_event_t&) {
 
 // --- the window
 
-void on_exposed(loop_t&, const gx_event_t&) {
-  gx_vext.display_rectangle_todo = false;
-  gx_hide_menus();
+void draw_window() {
   gx_clear_window();
   if (kv_pext.file_id_cur > 0) {
     kv_expose_viewport_edit();
@@ -288,6 +287,15 @@ void on_exposed(loop_t&, const gx_event_t&) {
   kv_pext.prev_viewport_id = gx_vext.viewport_cmd;
   gx_display_cmd(gx_view(gx_vext.str_cmd));
   gx_draw_new_viewport_border(gx_vext.viewport_cmd, active_width, active_color);
+}
+
+void on_exposed(loop_t&, const gx_event_t&) {
+  gx_vext.display_rectangle_todo = false;
+  gx_hide_menus();
+  {
+    const gx_offscreen_t picture({0, 0, gx_vext.bitmap_size.x, gx_vext.bitmap_size.y});
+    draw_window();
+  }
   gx_redraw_menus(gx_vext.viewport_edit);
 }
 

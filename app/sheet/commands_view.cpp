@@ -36,7 +36,7 @@ void refuse_file(std::string_view keyword, const kv_command_t& command, std::str
 void mark_components(gx_vpid_t vpid, const gx_file_gene_recf_t& file) {
   for (const int comp : gx_siblings(file, wn_inq_first_comp_id(file).member)) {
     if (!gx_inq_object_deleted(file, comp)) {
-      gx_display_cross(vpid, gx_object_abs_origin(file, comp, 0));
+      gx_keep_cross(vpid, gx_object_abs_origin(file, comp, 0));
     }
   }
 }
@@ -150,7 +150,7 @@ void kv_view_all_cmd(const kv_command_t& command) {
   } else {
     kv_display_picture_all(view->vpid, view->file_index);
   }
-  gx_display_cross(view->vpid, gx_vext.obj_pos);
+  gx_keep_cross(view->vpid, gx_vext.obj_pos);
   gx_tell(" VIEw ALL ");
 }
 

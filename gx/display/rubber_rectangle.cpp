@@ -2,10 +2,10 @@
 // drawing it twice leaves the picture as it was.
 #include <cstdlib>
 
-#include "gx/display/draw.h"
 #include "gx/display/events.h"
 #include "gx/display/pen.h"
 #include "gx/display/screen_state.h"
+#include "gx/display/shapes.h"
 #include "gx/display/viewports.h"
 #include "gx/vext.h"
 

@@ -44,7 +44,10 @@ void release_display() {
   gx_vext.dpy = nullptr;
 }
 
+int nb_of_x_errors = 0;
+
 int on_x_error(Display* dpy, XErrorEvent* event) {
+  ++nb_of_x_errors;
   char text[128] = {};
   XGetErrorText(dpy, event->error_code, text, sizeof text - 1);
   gx_debug(" !! xerror :  %s  request : %d  %d  resource : %lx\n", text, event->request_code,
@@ -192,6 +195,8 @@ void make_graphics_context(const XRectangle& place) {
                 GCFunction | GCPlaneMask | GCForeground | GCBackground | GCLineWidth | GCLineStyle |
                     GCCapStyle | GCJoinStyle | GCFillStyle | GCGraphicsExposures,
                 &values);
+  values.foreground = v.backgrpixel;
+  v.copy_gc = XCreateGC(v.dpy, v.win, GCForeground | GCGraphicsExposures, &values);
   gx_pen_clip(place.x + 2, place.y + 2, place.width + place.x - 3, place.height + place.y - 3);
 }
 
@@ -297,6 +302,14 @@ void gx_init_noview(std::span<const gx_viewport_init_rec_t> viewports, gx_point1
   check_start(viewports);
   reset_package_state();
   lay_out(std::max<int>(size.x, 2), std::max<int>(size.y, 2), viewports);
+}
+
+bool gx_without_x_error(const std::function<void()>& requests) {
+  XSync(gx_vext.dpy, False);
+  const int before = nb_of_x_errors;
+  requests();
+  XSync(gx_vext.dpy, False);
+  return nb_of_x_errors == before;
 }
 
 void gx_terminate() {

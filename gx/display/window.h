@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string_view>
 
@@ -26,6 +27,10 @@ void gx_init_nograph();
 inline constexpr gx_point16_t gx_nominal_size = {983, 667};  // the window of a 1024x768 screen
 void gx_init_noview(std::span<const gx_viewport_init_rec_t> viewports,
                     gx_point16_t size = gx_nominal_size);
+
+// Makes X requests and waits for them; false when the server refused one. X errors never end the
+// program: they are traced.
+bool gx_without_x_error(const std::function<void()>& requests);
 
 // Closes the display connection.
 void gx_terminate();
