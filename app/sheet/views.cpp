@@ -10,8 +10,11 @@
 #include "gx/display/pen.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
+#include "gx/display/window.h"
+#include "gx/text/arguments.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
+#include "gx/text/strings.h"
 #include "gx/vext.h"
 
 namespace {
@@ -137,6 +140,14 @@ void kv_update_basept_edit_cmd() {
     gx_viewport_select(vpid);
     gx_display_half_cross(vpid, gx_vext.base_point);
   }
+}
+
+void kv_show_title() {
+  gx_string_record_t design, title = gx_string("kivo  ");
+  gx_get_arg(2, design);
+  gx_concat_line(design, title);
+  if (kv_pext.cur_sim_path.len > 0) gx_concat_all(title, " ", gx_view(kv_pext.cur_sim_path));
+  gx_set_title(gx_view(title));
 }
 
 void kv_hide_invisible(gx_file_index_t file_index) {

@@ -3,8 +3,8 @@
 
 #include <span>
 
-#include "gx/db/ids.h"
 #include "gx/db/file_records.h"
+#include "gx/db/ids.h"
 #include "gx/db/object_records.h"
 #include "gx/display/draw_mode.h"
 #include "gx/display/pen.h"

@@ -93,6 +93,7 @@ struct gx_screen_state_t {
   std::uint8_t color_obj_selected = 2;
   gx_pointreal_t obj_pos;  // pointer position, design units
   gx_point16_t pixel_pos, pixel_ptr1, pixel_ptr2;
+  gx_point16_t pixel_mark;  // where the pointer was when the rectangle was begun
   bool display_rectangle_todo = false;
   std::int8_t viewport_id_max = 0;
   gx_vpid_t viewport_current = 0;
@@ -111,6 +112,7 @@ struct gx_screen_state_t {
   bool display_on = false;
   bool cmd_executing = false;
   gx_string_record_t str_cmd;  // the command line being typed
+  int caret_column = 0;        // of the caret on the screen
   std::int32_t lpplot_scale = 1;
   std::vector<gx_kept_mark_t> kept_marks;
   std::vector<gx_highlight_t> highlights;  // ordered by file, then id

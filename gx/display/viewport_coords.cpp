@@ -37,6 +37,17 @@ void centre(gx_viewport_rec_t& vp, std::int64_t cx, std::int64_t cy) {
   const std::int64_t hh = std::int64_t{pixel_height(vp)} * vp.object_scale / 2;
   vp.bounds_part = {in_design(cx - hw), in_design(cy - hh), in_design(cx + hw), in_design(cy + hh)};
 }
+
+// Shows another part of the same size. At the end of the design space the view stops rather than
+// shrinks.
+void move_part(gx_viewport_rec_t& vp, std::int64_t dx, std::int64_t dy) {
+  gx_boundsreal_t& b = vp.bounds_part;
+  const gx_boundsreal_t moved = {in_design(b.xmin + dx), in_design(b.ymin + dy),
+                                 in_design(b.xmax + dx), in_design(b.ymax + dy)};
+  if (std::int64_t{moved.xmax} - moved.xmin == std::int64_t{b.xmax} - b.xmin &&
+      std::int64_t{moved.ymax} - moved.ymin == std::int64_t{b.ymax} - b.ymin)
+    b = moved;
+}
 }  // namespace
 
 gx_vpid_t gx_viewport_pixel_to_vpid(gx_point16_t pixel) {
@@ -120,14 +131,13 @@ void gx_viewport_fit(gx_vpid_t vpid, const gx_boundsreal_t& box) {
 
 void gx_viewport_translate(gx_vpid_t vpid, int dy_sign, int dx_sign, std::int32_t amount) {
   if (!gx_drawing_possible()) return;
-  gx_boundsreal_t& b = gx_viewport_rec(vpid).bounds_part;
-  const std::int64_t dx = std::int64_t{dx_sign} * amount, dy = std::int64_t{dy_sign} * amount;
-  const gx_boundsreal_t moved = {in_design(b.xmin + dx), in_design(b.ymin + dy),
-                                 in_design(b.xmax + dx), in_design(b.ymax + dy)};
-  // At the end of the design space the view stops rather than shrinks.
-  if (std::int64_t{moved.xmax} - moved.xmin == std::int64_t{b.xmax} - b.xmin &&
-      std::int64_t{moved.ymax} - moved.ymin == std::int64_t{b.ymax} - b.ymin)
-    b = moved;
+  move_part(gx_viewport_rec(vpid), std::int64_t{dx_sign} * amount, std::int64_t{dy_sign} * amount);
+}
+
+void gx_viewport_pan(gx_vpid_t vpid, int dx, int dy) {
+  if (!gx_drawing_possible()) return;
+  auto& vp = gx_viewport_rec(vpid);
+  move_part(vp, -std::int64_t{dx} * vp.object_scale, -std::int64_t{dy} * vp.object_scale);
 }
 
 bool gx_viewport_zoom_at(gx_vpid_t vpid, gx_point16_t pixel, int num, int den) {

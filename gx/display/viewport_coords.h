@@ -21,6 +21,8 @@ gx_boundsreal_t gx_area_of(gx_pointreal_t p1, gx_pointreal_t p2);
 // Zoom and pan. `fit` shows the box whole, centred, with a margin of 5 percent.
 void gx_viewport_fit(gx_vpid_t vpid, const gx_boundsreal_t& box);
 void gx_viewport_translate(gx_vpid_t vpid, int dy_sign, int dx_sign, std::int32_t amount);
+// Moves the picture by so many pixels, to the right and down.
+void gx_viewport_pan(gx_vpid_t vpid, int dx, int dy);
 // Scales what is shown by num / den (both above 0; 1/2 shows half as much) around a window pixel;
 // the caller draws again. False when the zoom is at its limit.
 bool gx_viewport_zoom_at(gx_vpid_t vpid, gx_point16_t pixel, int num, int den);

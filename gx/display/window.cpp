@@ -1,6 +1,7 @@
 // The way from a display name to a mapped window with its shared resources, and back.
 #include "gx/display/window.h"
 
+#include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 
@@ -8,6 +9,7 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 
 #include "gx/display/colors.h"
@@ -55,11 +57,21 @@ int on_x_error(Display* dpy, XErrorEvent* event) {
   return 0;
 }
 
+// The keyboard is given back by another connection when the one that took it is cut.
+void return_keyboard() {
+  if (gx_vext.gxXautoRepeatOn != 0) return;
+  if (Display* const other = XOpenDisplay(nullptr)) {
+    XAutoRepeatOn(other);
+    XCloseDisplay(other);
+  }
+}
+
 // The server is gone: nothing can be drawn any more, what is open is closed, the program ends.
 int on_lost_connection(Display*) {
   std::printf(" !! Xerror : Connection to the X server lost \n");
   gx_debug_line(" !! xerror :  connection to the X server lost ");
   gx_vext.dpy = nullptr;
+  return_keyboard();
   gx_release_all();
   std::exit(1);
 }
@@ -134,9 +146,7 @@ void tell_window_manager(const XSizeHints& place, std::string_view window_name) 
   XSetWMHints(v.dpy, v.win, &hints);
   XSizeHints size_hints = place;
   XSetNormalHints(v.dpy, v.win, &size_hints);
-  const std::string name(window_name);
-  XStoreName(v.dpy, v.win, name.c_str());
-  XSetIconName(v.dpy, v.win, name.c_str());
+  gx_set_title(window_name);
   char instance[] = "kivo", kind[] = "Kivo";
   XClassHint class_hint{instance, kind};
   XSetClassHint(v.dpy, v.win, &class_hint);
@@ -145,15 +155,62 @@ void tell_window_manager(const XSizeHints& place, std::string_view window_name) 
   XSetWMProtocols(v.dpy, v.win, &v.wm_delete_window, 1);
 }
 
+// A window manager listens for the windows of the root.
+bool is_managed() {
+  XWindowAttributes attributes{};
+  return XGetWindowAttributes(gx_vext.dpy, gx_vext.root, &attributes) != 0 &&
+         (attributes.all_event_masks & SubstructureRedirectMask) != 0;
+}
+
+// What a window manager leaves free of the screen.
+XRectangle work_area() {
+  const int width = DisplayWidth(gx_vext.dpy, gx_vext.scrid);
+  const int height = DisplayHeight(gx_vext.dpy, gx_vext.scrid);
+  std::array<long, 4> area = {0, 0, width, height};
+  const Atom wanted = XInternAtom(gx_vext.dpy, "_NET_WORKAREA", False);
+  Atom type = None;
+  int format = 0;
+  unsigned long count = 0, rest = 0;
+  unsigned char* data = nullptr;
+  if (XGetWindowProperty(gx_vext.dpy, gx_vext.root, wanted, 0, 4, False, XA_CARDINAL, &type,
+                         &format, &count, &rest, &data) == Success &&
+      data != nullptr) {
+    if (type == XA_CARDINAL && format == 32 && count >= 4)
+      std::memcpy(area.data(), data, sizeof area);
+    XFree(data);
+  }
+  const bool is_sound = area[0] >= 0 && area[1] >= 0 && area[2] > 0 && area[3] > 0 &&
+                        area[0] + area[2] <= width && area[1] + area[3] <= height;
+  if (!is_sound) area = {0, 0, width, height};
+  return {static_cast<short>(area[0]), static_cast<short>(area[1]),
+          static_cast<unsigned short>(area[2]), static_cast<unsigned short>(area[3])};
+}
+
+// At its place on a bare screen; where windows have frames, so that the frame is on the screen,
+// too.
+void place_window(XSizeHints& place) {
+  constexpr int title_bar = 40, frame = 16;
+  place.x = window_x;
+  place.y = window_y;
+  place.width = DisplayWidth(gx_vext.dpy, gx_vext.scrid) - window_x;
+  place.height = DisplayHeight(gx_vext.dpy, gx_vext.scrid) - window_y;
+  if (is_managed()) {
+    const XRectangle area = work_area();
+    place.x = area.x;
+    place.y = area.y;
+    place.width = area.width - frame;
+    place.height = area.height - title_bar - frame / 2;
+  }
+  place.width = std::max(place.width, min_width);
+  place.height = std::max(place.height, min_height);
+}
+
 // Makes the window; gives its place and drawable size.
 XRectangle make_window(std::string_view window_name) {
   auto& v = gx_vext;
   XSizeHints place{};
   place.flags = USPosition | USSize;
-  place.x = window_x;
-  place.y = window_y;
-  place.width = std::max(DisplayWidth(v.dpy, v.scrid) - window_x, min_width);
-  place.height = std::max(DisplayHeight(v.dpy, v.scrid) - window_y, min_height);
+  place_window(place);
   place.min_width = min_width;
   place.min_height = min_height;
   v.win = XCreateSimpleWindow(v.dpy, v.root, place.x, place.y, static_cast<unsigned>(place.width),
@@ -286,6 +343,13 @@ void gx_init(std::span<const gx_viewport_init_rec_t> viewports, std::string_view
   XMapRaised(v.dpy, v.win);
   XFlush(v.dpy);
   gx_debug_line(" gx_init :  end ");
+}
+
+void gx_set_title(std::string_view title) {
+  if (gx_vext.dpy == nullptr) return;
+  const std::string name(title);
+  XStoreName(gx_vext.dpy, gx_vext.win, name.c_str());
+  XSetIconName(gx_vext.dpy, gx_vext.win, name.c_str());
 }
 
 int gx_number_of_planes() {

@@ -13,6 +13,7 @@
 // stop the program.
 void gx_init(std::span<const gx_viewport_init_rec_t> viewports, std::string_view window_name);
 int gx_number_of_planes();
+void gx_set_title(std::string_view title);  // of the window and its icon
 
 // The events of the user, and with them the window's own changes of size: a window that shrinks
 // loses nothing and so is not exposed.
