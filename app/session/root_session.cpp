@@ -172,7 +172,7 @@ void debug_roles() {
 void show_first_picture() {
   for (const gx_vpid_t vpid : {gx_vext.viewport_edit, gx_vext.viewport_context}) {
     kv_display_picture_all(vpid, kv_pext.file_id_cur);
-    gx_display_cross(vpid, gx_vext.obj_pos);
+    gx_keep_cross(vpid, gx_vext.obj_pos);
   }
   gx_vext.pixel_pos = gx_viewport_pt_real_to_pixel(gx_vext.viewport_edit, gx_vext.obj_pos);
   kv_pext.prev_viewport_id = 1;

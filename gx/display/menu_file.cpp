@@ -2,6 +2,7 @@
 //
 // A line is "#" and a comment, or a level digit 1..4, the display string in single quotes and, for
 // a line with a command, the command in single quotes. The tree comes from the order of the lines.
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <optional>
@@ -73,8 +74,14 @@ bool read_entry(std::string_view line, line_place_t& place) {
     return false;
   }
   const auto command = next_quoted(line, pos);
-  gx_def_menu_rec(place.next(static_cast<std::size_t>(line[0] - '0')), *display,
-                  command.has_value(), command.value_or(""));
+  const auto index = place.next(static_cast<std::size_t>(line[0] - '0'));
+  // A thirteenth line, or one below a line that is not there.
+  if (!std::ranges::all_of(index, [](int i) { return i >= 1 && i <= gx_max_menu_lines; })) {
+    refuse_line(
+        "!!!  menu_file  : no place in the menu : ", "# !!!   no place in the menu : ", line);
+    return false;
+  }
+  gx_def_menu_rec(index, *display, command.has_value(), command.value_or(""));
   return true;
 }
 

@@ -40,6 +40,8 @@ void keep(std::string_view text) {
   if (end > last) {
     const auto first = v.line_list.begin();
     std::move(first + slots, first + last, first);
+    if (v.nlinlist_held > 0)
+      v.nlinlist_held = static_cast<std::int16_t>(std::max(v.nlinlist_held - (end - last), 1));
     end = last;
   }
   v.nlinlist_end = static_cast<std::int16_t>(end);
@@ -48,8 +50,9 @@ void keep(std::string_view text) {
 
 void show_end() {
   auto& v = gx_list;
-  v.nlinlist_disp =
-      static_cast<std::int16_t>(std::max(v.nlinlist_end - v.nb_line_in_listviewp + 1, 1));
+  const int last_page = std::max(v.nlinlist_end - v.nb_line_in_listviewp + 1, 1);
+  v.nlinlist_disp = static_cast<std::int16_t>(
+      v.nlinlist_held > 0 ? std::min<int>(v.nlinlist_held, last_page) : last_page);
   if (draw_list != nullptr) draw_list();
 }
 
@@ -93,16 +96,21 @@ bool gx_display_file_invplist(std::string_view path) {
              path.data());
     return false;
   }
+  gx_list.nlinlist_held = 0;
   gx_string_record_t line;
   while (gx_read_one_line(file.get(), line)) {
     gx_string_record_t shown;
     gx_concat_all(shown, "# \"", gx_view(line), "\" ");
     write_to_session(gx_view(shown));
-    if (gx_list.transcript_state) keep(gx_view(shown));
+    if (!gx_list.transcript_state) continue;
+    keep(gx_view(shown));
+    if (gx_list.nlinlist_held == 0) gx_list.nlinlist_held = gx_list.nlinlist_end;
   }
-  if (gx_list.transcript_state) show_end();  // once: only the last page stays in sight
+  if (gx_list.transcript_state) show_end();  // once: only one page stays in sight
   return true;
 }
+
+void gx_list_follow() { gx_list.nlinlist_held = 0; }
 
 void gx_count_error() { count(gx_session.num_errors); }
 void gx_count_warning() { count(gx_session.num_warnings); }

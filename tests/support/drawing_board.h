@@ -64,10 +64,20 @@ class drawing_board {
   }
 };
 
-// What one drawing left in the pen.
-inline std::vector<gx_line16_t> lines_of(int color, int style, const std::function<void()>& draw) {
+// Calls see(group) for what one drawing left in the pen, layer by layer.
+template <typename See>
+void see_strokes(const std::function<void()>& draw, See see) {
   const gx_batch_t batch;
   gx_pen_flush();
   draw();
-  return gx_pen_kept_lines(color, style);
+  gx_pen_kept().visit(see);
+}
+
+inline std::vector<gx_line16_t> lines_of(int color, int style, const std::function<void()>& draw) {
+  std::vector<gx_line16_t> lines;
+  see_strokes(draw, [&](const gx_stroke_group_t& group) {
+    if (group.color == color && group.dashes == style)
+      lines.insert(lines.end(), group.lines.begin(), group.lines.end());
+  });
+  return lines;
 }
