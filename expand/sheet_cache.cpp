@@ -5,6 +5,7 @@
 
 #include "expand/sheet_slots.h"
 #include "gx/db/files.h"
+#include "gx/db/sheet_shape.h"
 #include "gx/text/message_list.h"
 #include "gx/text/strings.h"
 
@@ -33,6 +34,7 @@ void read_sheet(kv_component_t& component, std::vector<kv_global_net_record_t>& 
   }
   component.sheet_state = kv_component_t::found;
   component.has_primary = load.file->primary_object > 0;
+  component.fault = gx_sheet_fault(*load.file);
   component.is_checked = load.file->check_data_done == 0;
   component.has_no_error = load.file->num_errors <= 0;
   component.sheet = kv_analyse_sheet(*load.file, gx_view(version.file_pathname), globals);
@@ -111,7 +113,8 @@ kv_sheet_t* kv_get_sheet_for_expand(kv_sheet_cache_t& cache, const kv_sheet_t& s
     gx_tell("# !! : ", component.why_damaged);
     return nullptr;
   }
-  if (!component.has_primary) tell_error(sheet_of_inst, path, "  Invalid ? ");
+  if (!component.fault.empty()) tell_error(sheet_of_inst, path, "  Invalid ? ");
+  if (!component.fault.empty() && component.has_primary) gx_tell("# !! : ", component.fault);
   constexpr std::string_view unchecked = "#  !! Error : Sheet of INStance ";
   if (!component.is_checked) tell_error(unchecked, path, "  NOT CHECKED ? ");
   if (!component.has_no_error) tell_error(unchecked, path, "  WITH Error(s) ? ");

@@ -14,6 +14,7 @@
 #include "gx/db/files.h"
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
+#include "gx/db/sheet_shape.h"
 #include "gx/db/undo.h"
 #include "gx/display/cmd_viewport.h"
 #include "gx/display/cursor.h"
@@ -114,7 +115,18 @@ void open_primary_sheet(const gx_string_record_t& design) {
   kv_pext.file_id_cur = kv_pext.file_id_context = level1.file_index;
 }
 
-// False, and an error counted, when the design has no sheet.
+// False, and an error counted, when a family, the grid or a part of an object is missing.
+bool show_whether_whole(const gx_file_gene_recf_t& sheet) {
+  const std::string fault = gx_sheet_fault(sheet);
+  if (fault.empty()) return true;
+  const auto& path = gx_vext.filear[static_cast<std::size_t>(sheet.file_index)].file_pathname;
+  std::printf("!! error : Sheet not whole : \"%.*s\" : %s\n", path.len, path.char_, fault.c_str());
+  ++gx_vext.num_errors;
+  gx_debug("!!! error : INITIALIZE  : \"%.*s\" : %s\n", path.len, path.char_, fault.c_str());
+  return false;
+}
+
+// False, and an error counted, when the design has no sheet, or one that lacks something.
 bool show_whether_sheet(const gx_string_record_t& design) {
   const auto& sheet = gx_ptrto_gene_file_buf(kv_pext.file_id_cur);
   const int primary = gx_file_inq_primary_object(sheet);
@@ -127,7 +139,7 @@ bool show_whether_sheet(const gx_string_record_t& design) {
     ++gx_vext.num_errors;
     gx_set_status(gx_code::invalid_string);
   }
-  if (primary != 0) return true;
+  if (primary != 0) return show_whether_whole(sheet);
   std::printf("!! error : No sheet Found : \"%.*s\"\n", design.len, design.char_);
   ++gx_vext.num_errors;
   gx_debug_line("!!! error : INITIALIZE  : no primary \"");

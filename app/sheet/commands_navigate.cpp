@@ -8,6 +8,7 @@
 #include "gx/db/files.h"
 #include "gx/db/object_access.h"
 #include "gx/db/queries.h"
+#include "gx/db/sheet_shape.h"
 #include "gx/text/debug.h"
 #include "gx/text/message_list.h"
 #include "gx/text/strings.h"
@@ -94,9 +95,12 @@ bool open_at(int level, const gx_string_record_t& directory, const kv_command_t&
   }
   place.file_path = directory;
   kv_pext.file_level_max = std::max<std::int16_t>(kv_pext.file_level_max, std::int16_t(level));
-  if (kv_is_sheet(gx_ptrto_gene_file_buf(place.file_index))) return true;
+  const auto& file = gx_ptrto_gene_file_buf(place.file_index);
+  why = gx_sheet_fault(file);
+  if (why.empty()) return true;
   kv_leave_slot(place.file_index);
   kv_refuse("# VIEw DOWn  ", command, "# !! Error : No Sheet Available ? : ", 3);
+  if (file.primary_object != 0) gx_tell("# !! ", gx_view(directory), "/sheet.gx : ", why);
   return false;
 }
 

@@ -1,7 +1,7 @@
 // Selecting by area and by handle: SELect AREa, UNSelect AREa, SELect OBJect, UNSelect ALL.
 #include "app/sheet/command_viewport.h"
 #include "app/sheet/select_area.h"
-#include "app/sheet/sheet_walk.h"
+#include "gx/db/owners.h"
 #include "gx/db/undo.h"
 #include "gx/display/draw.h"
 #include "gx/text/message_list.h"
@@ -118,7 +118,7 @@ void kv_select_object_cmd(const kv_command_t& command) {
     return refuse("# !! Error : 4th parameter incorrect ? (invalid number)");
   }
   const auto& file = view->file();
-  if (!gx_object_id_ok(file, id.value) || !kv_is_live(file, id.value)) {
+  if (!gx_object_id_ok(file, id.value) || gx_inq_object_deleted(file, id.value)) {
     return refuse("# !! Error : 4th parameter incorrect ( handle Invalid) ? ");
   }
   if (gx_object_id_ptr(file, id.value).object_type != handle->type) {

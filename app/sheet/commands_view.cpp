@@ -7,6 +7,7 @@
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
 #include "gx/db/queries.h"
+#include "gx/db/sheet_shape.h"
 #include "gx/display/draw.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
@@ -34,7 +35,7 @@ void refuse_file(std::string_view keyword, const kv_command_t& command, std::str
 
 // A cross at the origin of every component of a symbol file.
 void mark_components(gx_vpid_t vpid, const gx_file_gene_recf_t& file) {
-  for (const int comp : gx_siblings(file, wn_inq_first_comp_id(file).member)) {
+  for (const int comp : wn_components(file)) {
     if (!gx_inq_object_deleted(file, comp)) {
       gx_display_cross(vpid, gx_object_abs_origin(file, comp, 0));
     }
@@ -72,7 +73,10 @@ void kv_view_sheet_cmd(const kv_command_t& command) {
                                 : "# !! Error : Sheet not found or Invalid ? : ",
                        path, why);
   }
-  if (!kv_is_sheet(gx_ptrto_gene_file_buf(kv_pext.file_id_views))) {
+  const auto& file = gx_ptrto_gene_file_buf(kv_pext.file_id_views);
+  why = gx_sheet_fault(file);
+  if (!why.empty()) {
+    if (file.primary_object == 0) why.clear();
     kv_pext.view_sheet_done = false;
     kv_leave_slot(kv_pext.file_id_views);
     return refuse_file(refused, command, "# !! Error : No Sheet Available ? : ", path, why);
@@ -101,14 +105,14 @@ void kv_activate_symbol_cmd(const kv_command_t& command) {
   if (!gx_object_id_ok(file, file.primary_object)) {
     return refuse("# !! Error : No Symbol Available ? : ", true);
   }
-  const auto component = kv_first_component(file);
+  const int component = wn_components(file).first();
   if (component == 0) return refuse("# !! Error : No Symbol Available ? ", false);
   if (wn_inq_comp_child_id(file, component).body == 0) {
     return refuse("# !! Error : property with value is not Available ? ", false);
   }
   kv_hide_invisible(kv_pext.file_id_act);
   kv_pext.act_symb_done = true;
-  kv_pext.act_symb_id = component;
+  kv_pext.act_symb_id = static_cast<gx_object_id_t>(component);
   kv_pext.act_file_path = path;
   show_activated_symbol(false);
   kv_echo(" ACTivate SYMbol ", command, 3);

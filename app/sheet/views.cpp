@@ -68,7 +68,7 @@ void draw_symbol(gx_vpid_t vpid, gx_file_index_t file_index, bool keep_scale) {
   if (!gx_object_id_ok(file, primary)) gx_set_status(gx_code::object_id_invalid);
   const gx_batch_t batch;
   gx_display_object(vpid, file_index, primary, 0, keep_scale, gx_draw_mode::draw, false);
-  for (const int component : gx_siblings(file, wn_inq_first_comp_id(file).member))
+  for (const int component : wn_components(file))
     if (!gx_inq_object_deleted(file, component))
       gx_display_cross(vpid, gx_object_abs_origin(file, component, 0));
   gx_display_half_cross(vpid, gx_vext.base_point);

@@ -49,20 +49,19 @@ void lb_walk_instance(const gx_file_gene_recf_t& file, int inst, const char* ope
       for (const int id : gx_children(file, texts))
         if (!lb_is_overridden(file, id, properties)) draw_tree(id, selected);
   }
-  for (auto pins = lb_inq_inst_first_pin_id(file, inst); pins;
-       pins = lb_inq_inst_next_pin_id(file, pins)) {
-    if (gx_inq_object_deleted(file, pins.pinpropfam)) continue;
+  for (const auto [pin, pinpropfam] : lb_pins(file, inst)) {
+    if (gx_inq_object_deleted(file, pinpropfam)) continue;
     const bool selected =
-        gx_inq_object_selected(file, pins.pinpropfam) || gx_inq_object_selected(file, pins.pin);
-    draw_tree(pins.pinpropfam, selected);
-    draw_tree(pins.pin, selected);
+        gx_inq_object_selected(file, pinpropfam) || gx_inq_object_selected(file, pin);
+    draw_tree(pinpropfam, selected);
+    draw_tree(pin, selected);
   }
   if (properties > 0) draw_tree(properties, false);
 }
 
-// Calls draw(id) for every member of a family, from its first, that is not deleted.
+// Calls draw(id) for every member of a family that is not deleted.
 template <typename Draw>
-void lb_walk_members(const gx_file_gene_recf_t& file, int first, Draw draw) {
-  for (const int id : gx_siblings(file, first))
+void lb_walk_members(const gx_file_gene_recf_t& file, gx_members members, Draw draw) {
+  for (const int id : members)
     if (!gx_inq_object_deleted(file, id)) draw(id);
 }
