@@ -1,7 +1,7 @@
-// Writes the design file: the store's image, and beside it the data listing.
-//
-// The file is rewritten in place. Its header is zeroed first and written last, so that a file
-// whose writing failed on the way is never taken for a whole one.
+// The file is rewritten in place. Its header is zeroed first and written last, so that a file whose
+// writing failed on the way is never taken for a whole one.
+#include "expand/design_file.h"
+
 #include <unistd.h>
 
 #include <algorithm>
@@ -9,16 +9,9 @@
 #include <cerrno>
 #include <memory>
 #include <span>
-#include <string>
 #include <type_traits>
 
-#include "expand/data_listing.h"
-#include "expand/debug.h"
 #include "expand/design_records.h"
-#include "expand/output.h"
-#include "expand/store.h"
-#include "gx/text/message_list.h"
-#include "gx/text/text_files.h"
 
 namespace {
 
@@ -86,59 +79,32 @@ void write_array(image_writer& out, const kv_blocked_t<Record>& array) {
   }
 }
 
-bool write_parts(image_writer& out) {
+bool write_parts(image_writer& out, const kv_design_t& design) {
   for (const kv_list_part_t& part : kv_list_parts) {
-    const auto& list = kv_sext.*part.list;
+    const auto& list = design.kept.*part.list;
     write_records(out, std::span(list.begin(), list.end()));
   }
-  kv_for_each_part([&](const auto& part) { write_array(out, kv_sext.*part.array); });
+  kv_for_each_part([&](const auto& part) { write_array(out, design.*part.array); });
   return out.flush();
 }
 
 // Makes the file begin with the header, which makes it valid, and end at `length`. Readers go by
 // the counts, so bytes of an older image behind the new one would not mislead them.
-bool finish_image(int fd, off_t length) {
+bool finish_image(const kv_design_t& design, int fd, off_t length) {
   std::array<std::uint8_t, header_size> header;
-  kv_encode_record(kv_sext.general_info, header.data());
+  kv_encode_record(design.general_info, header.data());
   if (!write_at(fd, header, 0)) return false;
   return ::ftruncate(fd, length) == 0;
 }
 
-std::FILE* open_listing(const std::string& path) {
-  kv_debug(" KV_GEN_DATA : file_path : \"%s\"\n", path.c_str());
-  std::FILE* file = gx_popen_file(path, 'W', false);
-  if (!file) {
-    kv_debug("!! ERROR :KV_GEN_DATA  : file_path not open : \"%s\"\n", path.c_str());
-    gx_display_list("# RUN ");
-    gx_display_list("# !! Error : Impossible to Open the file : ");
-    gx_display_list("# \"" + path + "\"");
-  }
-  return file;
-}
-
-struct close_file {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-
 }  // namespace
 
-bool kv_write_output(bool gen_data, std::string_view listing_dir) {
-  const int fd = kv_sext.designfile;
+bool kv_write_image(const kv_design_t& design, int fd) {
   if (!write_at(fd, std::array<std::uint8_t, header_size>{}, 0)) return false;
-
-  std::unique_ptr<std::FILE, close_file> listing;
-  bool listing_ok = true;
-  if (gen_data) {
-    const std::string path = std::string(listing_dir) + "/kivo_data";
-    listing.reset(open_listing(path));
-    if (!listing) {
-      finish_image(fd, header_size);
-      return false;
-    }
-    listing_ok = kv_write_listing_head(listing.get(), path);
-  }
   image_writer image(fd);
-  if (!write_parts(image) || !finish_image(fd, image.length())) return false;
-  if (listing && listing_ok) listing_ok = kv_write_listing_body(listing.get());
-  return listing_ok;
+  return write_parts(image, design) && finish_image(design, fd, image.length());
+}
+
+bool kv_write_image_header(const kv_design_t& design, int fd) {
+  return finish_image(design, fd, header_size);
 }

@@ -78,24 +78,24 @@ void tell_bad_init(std::string_view where, std::string_view name_label, std::str
 }
 
 // Sets the state of the flat net of a group: of every member that a bus of the sheet stands for.
-void set_state(const kv_flat_t& flat, const kv_init_t& init) {
+void set_state(kv_design_t& design, const kv_flat_t& flat, const kv_init_t& init) {
   if (flat.net == 0) return;
-  const auto& net = kv_sext.nets[flat.net];
+  const auto& net = design.nets[flat.net];
   if (net.net_type != kv_net_bus) {
-    kv_set_initial_state(flat.net, init);
+    kv_set_initial_state(design, flat.net, init);
     return;
   }
   const std::int32_t first = net.netind_start + flat.position;
-  for (std::int32_t i = 0; i < flat.width; ++i) kv_set_initial_state(first + i, init);
+  for (std::int32_t i = 0; i < flat.width; ++i) kv_set_initial_state(design, first + i, init);
 }
 
 // --- ports
 
 // The flat net that a pin of the sheet above brings to a group of this sheet; false when their
 // ranges do not match.
-bool bring_down(const kv_sheet_pin_t& pin, const kv_flat_t& above, const kv_sheet_group_t& group,
-                kv_flat_t& flat) {
-  const bool above_is_bus = kv_sext.nets[above.net].net_type == kv_net_bus;
+bool bring_down(const kv_design_t& design, const kv_sheet_pin_t& pin, const kv_flat_t& above,
+                const kv_sheet_group_t& group, kv_flat_t& flat) {
+  const bool above_is_bus = design.nets[above.net].net_type == kv_net_bus;
   const std::int32_t width = group.width > 0 ? group.width : 1;
   if (pin.range_error || pin.width != width || (group.width > 0 && !above_is_bus)) return false;
   flat.net = above.net;
@@ -104,7 +104,7 @@ bool bring_down(const kv_sheet_pin_t& pin, const kv_flat_t& above, const kv_shee
     flat.position = above.position + pin.position;
     flat.width = group.width;
   } else if (above_is_bus) {
-    flat.net = kv_sext.nets[above.net].netind_start + above.position + pin.position;
+    flat.net = design.nets[above.net].netind_start + above.position + pin.position;
   }
   return true;
 }
@@ -131,7 +131,8 @@ void process_ports(const visit_t& visit) {
     const auto& flat_above =
         visit.run.flats[visit.entry.flats + static_cast<std::size_t>(pin.group)];
     if (flat_above.net == 0) continue;
-    if (!bring_down(pin, flat_above, visit.group(port.group), visit.flat(port.group))) {
+    if (!bring_down(visit.run.design, pin, flat_above, visit.group(port.group),
+                    visit.flat(port.group))) {
       tell_port(visit, port, "  not compatible at level -1 ? ");
     }
   }
@@ -174,19 +175,20 @@ std::int32_t save_global_net(const visit_t& visit, const kv_sheet_global_t& glob
     net = kv_save_net(run, visit.sheet, master, name);
   }
   run.path = here;
-  kv_sext.nets[net].net_kind = kv_kind_global;
+  run.design.nets[net].net_kind = kv_kind_global;
   return net;
 }
 
 // A global that has no flat net yet takes one that another sheet saved.
-void make_global(std::int32_t net, std::int32_t& global_net) {
+void make_global(kv_design_t& design, std::int32_t net, std::int32_t& global_net) {
   global_net = net;
-  kv_sext.nets[net].net_kind = kv_kind_global;
+  design.nets[net].net_kind = kv_kind_global;
 }
 
 // A global on a member of a bus names that member; the member's net, 0 when there is none.
 std::int32_t process_global_on_bus(const visit_t& visit, const kv_sheet_global_t& global,
                                    std::int32_t& global_net) {
+  kv_design_t& design = visit.run.design;
   if (visit.flat(global.group).net == 0) save_flat_net(visit, global.group);
   const kv_flat_t flat = visit.flat(global.group);
   if (flat.net == 0) return 0;
@@ -196,30 +198,31 @@ std::int32_t process_global_on_bus(const visit_t& visit, const kv_sheet_global_t
     gx_count_error();
     return 0;
   }
-  const std::int32_t member = kv_sext.nets[flat.net].netind_start + flat.position + global.position;
-  const auto& net = kv_sext.nets[member];
+  const std::int32_t member = design.nets[flat.net].netind_start + flat.position + global.position;
+  const auto& net = design.nets[member];
   const bool is_other = global_net != 0 && global_net != member;
   const bool has_other = net.net_kind == kv_kind_global && global_net != member;
   if (is_other || has_other) {
-    tell_different_globals("# !! 1rst Global name:", kv_string_view(net.name),
+    tell_different_globals("# !! 1rst Global name:", kv_text(design, net.name),
                            "# !! 2nd  Global name:", name);
     return 0;
   }
   global_net = member;
-  kv_name_sub_net(flat.net, member, name);
+  kv_name_sub_net(design, flat.net, member, name);
   return member;
 }
 
 std::int32_t process_global_on_net(const visit_t& visit, const kv_sheet_global_t& global,
                                    std::int32_t& global_net) {
+  kv_design_t& design = visit.run.design;
   kv_flat_t& flat = visit.flat(global.group);
   if (flat.net == 0) {
     if (global_net == 0) global_net = save_global_net(visit, global);
     flat.net = global_net;
-  } else if (global_net == 0 && kv_sext.nets[flat.net].net_kind != kv_kind_global) {
-    make_global(flat.net, global_net);
+  } else if (global_net == 0 && design.nets[flat.net].net_kind != kv_kind_global) {
+    make_global(design, flat.net, global_net);
   } else if (global_net != flat.net) {
-    tell_different_globals("# !!   Top Global name:", kv_string_view(kv_sext.nets[flat.net].name),
+    tell_different_globals("# !!   Top Global name:", kv_text(design, design.nets[flat.net].name),
                            "# !! child Global name:", visit.sheet.view(global.name));
   }
   return flat.net;
@@ -235,7 +238,8 @@ void process_globals(const visit_t& visit) {
     auto& global_net = visit.run.cache.globals[static_cast<std::size_t>(global.run_global)].net_ind;
     const std::int32_t net = on_bus ? process_global_on_bus(visit, global, global_net)
                                     : process_global_on_net(visit, global, global_net);
-    if (net != 0 && global.init.what == kv_init_t::valid) kv_set_initial_state(net, global.init);
+    if (net != 0 && global.init.what == kv_init_t::valid)
+      kv_set_initial_state(visit.run.design, net, global.init);
     if (global.init.what == kv_init_t::invalid) {
       tell_bad_init("# !! INIT property on PIN of GLOBAL Invalid ",
                     "# !! Global name  : ", visit.sheet.view(global.name),
@@ -246,7 +250,7 @@ void process_globals(const visit_t& visit) {
 
 void process_init(const visit_t& visit, const kv_sheet_net_t& net) {
   if (net.init.what == kv_init_t::valid) {
-    set_state(visit.flat(net.group), net.init);
+    set_state(visit.run.design, visit.flat(net.group), net.init);
     return;
   }
   const std::string_view value = visit.sheet.view(net.init.text);
@@ -272,7 +276,7 @@ void find_flat_net(const visit_t& visit, std::int32_t group_ind) {
   auto& global_net = visit.run.cache.globals[static_cast<std::size_t>(tied)].net_ind;
   if (global_net == 0) {
     save_flat_net(visit, group_ind);
-    if (!visit.run.end) make_global(visit.flat(group_ind).net, global_net);
+    if (!visit.run.end) make_global(visit.run.design, visit.flat(group_ind).net, global_net);
   } else {
     visit.flat(group_ind).net = global_net;
   }
@@ -384,7 +388,8 @@ void process_objects(const visit_t& visit) {
     process_nets(visit);
     process_instances(visit);
   } catch (const kv_store_full_t& full) {
-    gx_tell("# !! Error : Design too large : more than ", std::to_string(kv_max_records),
+    kv_debug_full(full);
+    gx_tell("# !! Error : Design too large : more than ", std::to_string(full.limit),
             " records of the kind : ", full.name);
     gx_tell_quoted("# !! Sheet : ", visit.run.path.view());
     gx_count_error();

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#include "expand/design.h"
+
 enum class kv_chained {
   all,             // on every chain asked for
   too_many_again,  // a chain holds 32767 pins, as an earlier pin was told
@@ -14,4 +16,5 @@ enum class kv_chained {
 // Puts a pin on the chains of its type (input, output or both) of the nets first_net ..
 // first_net + nb_of_net - 1: one net, or members of one bus. A chain is appended to at the end
 // where that changes no other chain, else the pin is put at its head.
-kv_chained kv_chain_pin(std::int32_t pin, std::int32_t first_net, std::int32_t nb_of_net);
+kv_chained kv_chain_pin(kv_design_t& design, std::int32_t pin, std::int32_t first_net,
+                        std::int32_t nb_of_net);

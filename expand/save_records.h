@@ -23,7 +23,8 @@ void kv_save_net_child(kv_flatten_t& run, std::int32_t flat_net, const kv_sheet_
                        std::string_view name, std::int16_t net_kind);
 
 // Makes a member of a bus a net named of its own, which a global is on.
-void kv_name_sub_net(std::int32_t bus, std::int32_t member, std::string_view name);
+void kv_name_sub_net(kv_design_t& design, std::int32_t bus, std::int32_t member,
+                     std::string_view name);
 
 // Sets the state a net starts with.
-void kv_set_initial_state(std::int32_t net, const kv_init_t& init);
+void kv_set_initial_state(kv_design_t& design, std::int32_t net, const kv_init_t& init);

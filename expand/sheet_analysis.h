@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-#include "expand/store.h"
+#include "expand/design.h"
 #include "gx/db/file_records.h"
 #include "gx/db/ids.h"
 
@@ -144,13 +144,13 @@ struct kv_global_net_record_t {
   std::int32_t net_ind = 0;  // its flat net, 0 while it has none
 };
 
-// Analyses a sheet for the lists of kv_sext as they stand. Names of globals it meets are added to
+// Analyses a sheet for the lists of a set-up. Names of globals it meets are added to
 // `globals`. A sheet of any contents is taken: what is missing or of a wrong type is left out.
 kv_sheet_t kv_analyse_sheet(const gx_file_gene_recf_t& file, std::string_view file_path,
-                            std::vector<kv_global_net_record_t>& globals);
+                            const kv_setup_t& setup, std::vector<kv_global_net_record_t>& globals);
 
 // Whether an instance is a primitive: the first entry of the PRIMitive list that it meets.
-bool kv_found_primitive(const gx_file_gene_recf_t& file, int inst);
+bool kv_found_primitive(const kv_setup_t& setup, const gx_file_gene_recf_t& file, int inst);
 
 // The values of a kept property's text, decoded for a place in the hierarchy.
 struct kv_scope_t;

@@ -3,7 +3,6 @@
 #include <cmath>
 
 #include "expand/listing_text.h"
-#include "expand/output.h"
 #include "tests/unit/store_fixture.h"
 
 namespace {
@@ -11,7 +10,7 @@ namespace {
 class DataListingTest : public StoreFixture {
  protected:
   std::string listing() {
-    EXPECT_TRUE(kv_write_output(true, dir));
+    EXPECT_TRUE(write_design(true));
     return contents(dir + "/kivo_data");
   }
   std::string head(std::string_view counts) const {
@@ -127,7 +126,7 @@ TEST_F(DataListingTest, RealsArePrintedAsPrintfDoes) {
 TEST_F(DataListingTest, AFullDiskIsToldAndLeavesTheImageWhole) {
   fill_store();
   ASSERT_EQ(::symlink("/dev/full", (dir + "/kivo_data").c_str()), 0);
-  EXPECT_FALSE(kv_write_output(true, dir));
+  EXPECT_FALSE(write_design(true));
   EXPECT_EQ(contents(design_path).size(),
             68U + 4 * 416 + 14 + 4 * 12 + 4 * 16 + 44 + 240 + 320 + 28 + 40 + 40);
 }

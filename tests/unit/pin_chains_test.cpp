@@ -16,15 +16,15 @@ class PinChains : public ::testing::Test {
  protected:
   PinChains() {
     kv_sext = kv_defref_exp_rec_t{};
-    kv_sext.nets.append(width, "net");
+    kv_sext.nets.append(width);
   }
   ~PinChains() override { kv_sext = kv_defref_exp_rec_t{}; }
 
   // A pin on members first..last (from 1).
   kv_chained add(int first, int last, kv_io_type type = kv_io_in) {
-    const std::int32_t pin = kv_sext.pins.append(1, "pin");
+    const std::int32_t pin = kv_sext.pins.append(1);
     kv_sext.pins[pin].io_type = type;
-    return kv_chain_pin(pin, first, last - first + 1);
+    return kv_chain_pin(kv_sext, pin, first, last - first + 1);
   }
   // The input chain of a member, followed to its end by the links alone.
   std::vector<int> chain(int member) {
@@ -76,7 +76,7 @@ TEST_F(PinChains, AnyOrderOfRangesKeepsChainsApart) {
   std::mt19937 random(7);
   for (int round = 0; round < 300; ++round) {
     kv_sext = kv_defref_exp_rec_t{};
-    kv_sext.nets.append(width, "net");
+    kv_sext.nets.append(width);
     std::vector<std::set<int>> all(width + 1), sure(width + 1);
     for (int pin = 1; pin <= 25; ++pin) {
       int first = static_cast<int>(random() % width) + 1, last = first;
