@@ -8,7 +8,7 @@
 #include <vector>
 
 inline constexpr int kv_block_size = 1000;
-inline constexpr std::int32_t kv_start_records = 500'000;       // what an array may hold at first
+inline constexpr std::int32_t kv_start_records = 500'000;      // what an array may hold at first
 inline constexpr std::int32_t kv_max_records = 2'000'000'000;  // what it may be allowed to hold
 
 // What an array calls its records, as in max_<name>_cur; said once for each kind.

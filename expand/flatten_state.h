@@ -36,14 +36,14 @@ struct kv_flatten_t {
         design(the_design),
         expand_level(level),
         macro_level(macro),
-        errors_before(gx_session.num_errors),
+        errors_before(gx_session.errors_in_all),
         cache{the_setup, {}, {}, {}} {}
 
   const kv_setup_t& setup;
   kv_design_t& design;
   std::int16_t& expand_level;  // of the sheet being visited
   std::int32_t& macro_level;   // its macro, 0 at the top
-  std::int32_t errors_before;  // counted before the run
+  std::int64_t errors_before;  // counted before the run
   kv_sheet_cache_t cache;
   std::vector<kv_flat_t> flats;      // those of a sheet follow those of the sheet above it
   kv_path_t path;                    // of the object being saved

@@ -110,7 +110,11 @@ const kv_flat_t* fill_pin(kv_flatten_t& run, const kv_sheet_t& sheet, const kv_s
     return nullptr;
   }
   record.net_ind = flat->net;
-  record.pin_net_start = static_cast<std::int16_t>(pin.pin_net_start + flat->position);
+  const kv_net_record_t& net = run.design.nets[flat->net];
+  if (net.net_type == kv_net_bus && pin.position >= 0) {
+    record.pin_net_start =
+        static_cast<std::int16_t>(net.net_bus_start + flat->position + pin.position);
+  }
   if (pin.range_error) {
     gx_tell_quoted("# !! Error : Pin out of the range of its Bus : ", run.path.view());
     gx_count_error();
@@ -121,6 +125,7 @@ const kv_flat_t* fill_pin(kv_flatten_t& run, const kv_sheet_t& sheet, const kv_s
 void chain_pin(kv_design_t& design, const kv_sheet_pin_t& pin, const kv_flat_t& flat,
                std::int32_t index, std::string_view path) {
   const kv_net_record_t& net = design.nets[flat.net];
+  if (pin.position < 0) return;  // its first bit lies outside the bus, as was told
   const kv_chained chained =
       net.net_type != kv_net_bus
           ? kv_chain_pin(design, index, flat.net, 1)
@@ -265,14 +270,12 @@ void kv_save_net_child(kv_flatten_t& run, std::int32_t flat_net, const kv_sheet_
   ++father.nb_of_child;
 }
 
-void kv_name_sub_net(kv_design_t& design, std::int32_t bus, std::int32_t member,
-                     std::string_view name) {
+void kv_name_sub_net(kv_design_t& design, std::int32_t member, std::string_view name) {
   auto& net = design.nets[member];
-  auto& father = design.nets[bus];
+  auto& father = design.nets[net.bus];
   net.net_kind = kv_kind_global;
-  if (net.net_type == kv_net_sub) return;
   net.net_type = kv_net_sub;
-  net.father_net = bus;
+  net.father_net = net.bus;
   net.name = kv_save_string(design, name);
   if (father.last_sub_net == 0) {
     father.first_sub_net = member;

@@ -124,6 +124,7 @@ class analysis {
       const std::string_view name = gx_prop_text(gx_find_net_prop(file_, id, "NET"));
       net.object_id = static_cast<gx_object_id_t>(id);
       net.suffix = keep_suffix(name, "N_", id);
+      if (!name.empty()) net.name = {net.suffix.at + 1, net.suffix.len - 1};
       net.init = init_of(gx_find_net_prop(file_, id, "INIT"));
       sheet.nets.push_back(net);
       net_names_.push_back(name);
@@ -200,6 +201,8 @@ class analysis {
       port.name = keep_text({name});
       port.bare_name =
           is_bus_pin(pin.pinpropfam, net) ? keep_text({kv_bare_name(name)}) : port.name;
+      const auto* pin_record = gx_object_as<gx_object_pinpropfam_rec_t>(file_, pin.pinpropfam);
+      port.is_range = pin_record != nullptr && pin_record->pin_start != pin_record->pin_end;
       sheet.ports.push_back(port);
       port_nets_.push_back(net);
     }
@@ -380,12 +383,13 @@ class analysis {
     const auto* property = gx_find_inst_prop(file_, inst.object_id, "TIMIND");
     if (property == nullptr) return;
     const std::string_view text = gx_view(property->nvalue);
-    const auto number = gx_string_to_int16(text);
+    const auto number = gx_string_to_int32(text);
     inst.timing_text = keep_text({text});
     inst.timing_index = 0;
-    if (number.error) {
+    const bool is_integer = text.find_first_not_of("0123456789 ") == std::string_view::npos;
+    if (!is_integer) {
       inst.timing_state = kv_sheet_inst_t::timing_no_number;
-    } else if (number.value > max_timing_index) {
+    } else if (number.error || number.value > max_timing_index) {
       inst.timing_state = kv_sheet_inst_t::timing_too_big;
     } else {
       inst.timing_index = static_cast<std::int8_t>(number.value);
@@ -418,8 +422,7 @@ class analysis {
     pin.position = position_on(group, pin.pin_net_start);
     if (pin.position >= 0 && pin.position + pin.width <= group.width) return;
     pin.range_error = true;
-    pin.position = std::max(pin.position, 0);
-    pin.width = std::min(pin.width, group.width - pin.position);
+    pin.width = pin.position < 0 ? 0 : std::min(pin.width, group.width - pin.position);
   }
 
   static void take_pin_type(kv_sheet_pin_t& pin, const gx_object_property_rec_t* property) {
