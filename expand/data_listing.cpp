@@ -188,7 +188,7 @@ void listing::net_pins(std::string_view count_label, std::string_view pin_label,
   out.rule('@', rule);
   out.integer(count_label, count);
   std::int32_t pin_index = first;
-  for (std::int32_t p = 1; p <= count; ++p) {
+  for (std::int32_t p = 1; pin_index != 0; ++p) {  // the chain may be longer than its counter
     const kv_pin_record_t& pin = kv_record(design.pins, pin_index);
     out.rule('@', rule);
     out.integers(pin_label, net_index, p);

@@ -2,16 +2,21 @@
 // writing failed on the way is never taken for a whole one.
 #include "expand/design_file.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <memory>
 #include <span>
+#include <thread>
 #include <type_traits>
 
 #include "expand/design_records.h"
+#include "expand/output_file.h"
 
 namespace {
 
@@ -97,12 +102,50 @@ bool finish_image(const kv_design_t& design, int fd, off_t length) {
   return ::ftruncate(fd, length) == 0;
 }
 
+// The first byte of a design file is locked for reading by each session that holds it.
+struct flock first_byte(short type) {
+  struct flock range {};
+  range.l_type = type;
+  range.l_whence = SEEK_SET;
+  range.l_len = 1;
+  return range;
+}
+
 }  // namespace
+
+int kv_open_design_file(const std::string& path, std::string& why) {
+  const int fd = kv_open_output(path, O_RDWR, why);
+  if (fd < 0) return -1;
+  struct flock range = first_byte(F_RDLCK);
+  ::fcntl(fd, F_SETLK, &range);  // a file system without locks does without
+  return fd;
+}
+
+int kv_other_session(int fd) {
+  struct flock range = first_byte(F_WRLCK);
+  return ::fcntl(fd, F_GETLK, &range) == 0 && range.l_type != F_UNLCK ? range.l_pid : 0;
+}
+
+kv_design_lock::kv_design_lock(int fd) : fd_(fd), held_(true) {
+  constexpr std::chrono::milliseconds between_tries{10};
+  for (int tries = 100; ::flock(fd, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;) {
+    if (--tries == 0) {
+      held_ = false;
+      return;
+    }
+    std::this_thread::sleep_for(between_tries);
+  }
+}
+kv_design_lock::~kv_design_lock() {
+  if (held_) ::flock(fd_, LOCK_UN);
+}
 
 bool kv_write_image(const kv_design_t& design, int fd) {
   if (!write_at(fd, std::array<std::uint8_t, header_size>{}, 0)) return false;
   image_writer image(fd);
-  return write_parts(image, design) && finish_image(design, fd, image.length());
+  if (!write_parts(image, design)) return false;
+  if (::fdatasync(fd) != 0 && errno != EINVAL) return false;  // EINVAL: nothing that is on a disk
+  return finish_image(design, fd, image.length());
 }
 
 bool kv_write_image_header(const kv_design_t& design, int fd) {

@@ -37,38 +37,35 @@ void put_last(kv_design_t& design, std::int32_t pin_ind, kv_pin_record_t& pin,
   }
   net.*D.last = pin_ind;
   ++(pin.*D.ends);
-  ++(net.*D.count);
 }
 
 template <direction D>
 void put_first(std::int32_t pin_ind, kv_pin_record_t& pin, kv_net_record_t& net) {
   pin.*D.next = net.*D.first;
   net.*D.first = pin_ind;
-  ++(net.*D.count);
 }
 
+// One more on a chain: its counter stays at its largest value, the chain goes on.
 template <direction D>
-bool is_full(const kv_net_record_t& net) {
-  return net.*D.count == most_pins;
-}
-
-template <direction D>
-kv_chained tell_full(kv_net_record_t& net) {
-  if (net.*D.full_told) return kv_chained::too_many_again;
+kv_chained count(kv_net_record_t& net) {
+  if (net.*D.count < most_pins) {
+    ++(net.*D.count);
+    return kv_chained::all;
+  }
+  if (net.*D.full_told) return kv_chained::all;
   net.*D.full_told = true;
-  return kv_chained::too_many;
+  return kv_chained::uncounted;
 }
 
 template <direction D>
 kv_chained chain_on_net(kv_design_t& design, std::int32_t pin_ind, kv_net_record_t& net) {
-  if (is_full<D>(net)) return tell_full<D>(net);
   auto& pin = design.pins[pin_ind];
   if (net.*D.last == 0 || design.pins[net.*D.last].*D.ends == 1) {
     put_last<D>(design, pin_ind, pin, net);
   } else {
     put_first<D>(pin_ind, pin, net);
   }
-  return kv_chained::all;
+  return count<D>(net);
 }
 
 // A last pin may be followed by the new one only if every chain that ends with it takes the new
@@ -81,23 +78,19 @@ kv_chained chain_on_members(kv_design_t& design, std::int32_t pin_ind, std::int3
   kv_chained result = kv_chained::all;
   for (std::int32_t n = first_net; n < end; ++n) {
     auto& net = design.nets[n];
-    if (is_full<D>(net)) {
-      result = std::max(result, tell_full<D>(net));
-    } else if (net.*D.last != 0) {
-      ++design.pins[net.*D.last].seen;
-    }
+    if (net.*D.last != 0) ++design.pins[net.*D.last].seen;
   }
   // What the first chain needs decides: an end (no link behind the pin) or a head (its link).
   bool is_last = false, is_first = false;
   for (std::int32_t n = first_net; n < end; ++n) {
     auto& net = design.nets[n];
-    if (is_full<D>(net)) continue;
     const auto* tail = net.*D.last != 0 ? &design.pins[net.*D.last] : nullptr;
     const bool can_be_last = !is_first && (tail == nullptr || tail->seen >= tail->*D.ends);
     if (can_be_last) {
       is_last = true;
     } else if (tail != nullptr && !is_last && (!is_first || pin.*D.next == net.*D.first)) {
       put_first<D>(pin_ind, pin, net);
+      result = std::max(result, count<D>(net));
       is_first = true;
       continue;
     } else {
@@ -107,6 +100,7 @@ kv_chained chain_on_members(kv_design_t& design, std::int32_t pin_ind, std::int3
     // `seen` goes down with `ends`, so that their comparison holds for the chains still to come.
     if (tail != nullptr) --design.pins[net.*D.last].seen;
     put_last<D>(design, pin_ind, pin, net);
+    result = std::max(result, count<D>(net));
   }
   for (std::int32_t n = first_net; n < end; ++n) {
     if (design.nets[n].*D.last != 0) design.pins[design.nets[n].*D.last].seen = 0;

@@ -7,10 +7,9 @@
 #include "expand/design.h"
 
 enum class kv_chained {
-  all,             // on every chain asked for
-  too_many_again,  // a chain holds 32767 pins, as an earlier pin was told
-  not_all,         // a chain could not take it without gaining or losing pins
-  too_many,        // a chain holds 32767 pins and this is its first too many
+  all,        // on every chain asked for
+  uncounted,  // the same, and a chain is longer than its counter from this pin on
+  not_all,    // a chain could not take it without gaining or losing pins
 };
 
 // Puts a pin on the chains of its type (input, output or both) of the nets first_net ..

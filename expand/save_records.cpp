@@ -133,9 +133,9 @@ void chain_pin(kv_design_t& design, const kv_sheet_pin_t& pin, const kv_flat_t& 
   if (chained == kv_chained::not_all) {
     gx_tell_quoted("# !! Error : Pin left off the chain of a Bus member : ", path);
     gx_count_error();
-  } else if (chained == kv_chained::too_many) {
-    gx_tell_quoted("# !! Error : More than 32767 pins on Net : ", kv_text(design, net.sim_path));
-    gx_count_error();
+  } else if (chained == kv_chained::uncounted) {
+    gx_tell_quoted("# !! WARNING : More than 32767 pins on Net : ", kv_text(design, net.sim_path));
+    gx_count_warning();
   }
 }
 

@@ -1,5 +1,9 @@
 // The design file byte by byte, and what it looks like when writing fails on the way.
+#include "expand/design_file.h"
+
+#include <sys/file.h>
 #include <sys/resource.h>
+#include <sys/wait.h>
 
 #include <csignal>
 
@@ -128,6 +132,37 @@ TEST_F(DesignFileTest, AFailedWriteLeavesNoValidHeader) {
   ::close(kv_sext.designfile);
   kv_sext.designfile = -1;
   EXPECT_FALSE(write_design());
+}
+
+TEST_F(DesignFileTest, ASessionKeepsTheImageUntilItsRunAndSeesOthers) {
+  fill_store();
+  ASSERT_TRUE(write_design());
+  const std::string image = contents(design_path);
+  // Another process opens the file only to look, then holds it for reading.
+  int ready[2], done[2];
+  ASSERT_EQ(::pipe(ready) + ::pipe(done), 0);
+  const pid_t other = ::fork();
+  if (other == 0) {
+    std::string why;
+    const int fd = kv_open_design_file(design_path, why);
+    ::flock(fd, LOCK_SH);
+    char c = 'x';
+    (void)!::write(ready[1], &c, 1);
+    (void)!::read(done[0], &c, 1);
+    std::_Exit(0);
+  }
+  char c;
+  ASSERT_EQ(::read(ready[0], &c, 1), 1);
+  EXPECT_EQ(contents(design_path), image);
+  EXPECT_EQ(kv_other_session(kv_sext.designfile), other);
+  EXPECT_FALSE(write_design());  // the reader does not let go
+  EXPECT_EQ(contents(design_path), image);
+  ASSERT_EQ(::write(done[1], &c, 1), 1);
+  int status;
+  ::waitpid(other, &status, 0);
+  EXPECT_EQ(kv_other_session(kv_sext.designfile), 0);
+  EXPECT_TRUE(write_design());
+  for (const int fd : {ready[0], ready[1], done[0], done[1]}) ::close(fd);
 }
 
 TEST_F(DesignFileTest, WithoutItsListingTheImageEndsBehindTheHeader) {
