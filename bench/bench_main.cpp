@@ -3,7 +3,7 @@
 
 #include "bench/bench_design.h"
 #include "bench/floor.h"
-#include "expand/output.h"
+#include "expand/design_output.h"
 #include "expand/store.h"
 #include "gx/db/files.h"
 #include "gxmake/memory_array.h"
@@ -67,7 +67,7 @@ void listing(benchmark::State& state) {
   bench_design design(static_cast<int>(state.range(0)), 1);
   design.run();
   for (auto _ : state) {
-    if (!kv_write_output(true, "array")) state.SkipWithError("not written");
+    if (!kv_write_design(kv_sext, kv_sext.designfile, "array/kivo_data")) state.SkipWithError("not written");
   }
   state.counters["bytes"] = static_cast<double>(std::filesystem::file_size("array/kivo_data"));
 }

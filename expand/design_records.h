@@ -17,7 +17,7 @@
 #include <tuple>
 #include <type_traits>
 
-#include "expand/store.h"
+#include "expand/design.h"
 
 // A field of `Record`. `target` is set for an index: the array in which 1..count is valid.
 template <typename Record, typename Member>
@@ -279,41 +279,40 @@ struct kv_layout<kv_pinm_record_t> {
 // A property list: where it is in the store and which counter tells its length.
 struct kv_list_part_t {
   std::string_view name;
-  kv_list_t<kv_prop_type_record_t> kv_defref_exp_rec_t::*list;
+  kv_list_t<kv_prop_type_record_t> kv_kept_lists_t::*list;
   std::int32_t kv_general_info_record_t::*count;
 };
 inline constexpr kv_list_part_t kv_list_parts[] = {
-    {"property_instance", &kv_defref_exp_rec_t::property_instance,
+    {"property_instance", &kv_kept_lists_t::property_instance,
      &kv_general_info_record_t::nbof_prop_instance},
-    {"property_pin", &kv_defref_exp_rec_t::property_pin, &kv_general_info_record_t::nbof_prop_pin},
-    {"property_net", &kv_defref_exp_rec_t::property_net, &kv_general_info_record_t::nbof_prop_net}};
+    {"property_pin", &kv_kept_lists_t::property_pin, &kv_general_info_record_t::nbof_prop_pin},
+    {"property_net", &kv_kept_lists_t::property_net, &kv_general_info_record_t::nbof_prop_net}};
 
 // An array of the store, likewise. Parts stand in the order of kv_array.
 template <typename Record>
 struct kv_array_part_t {
   using record = Record;
   std::string_view name;
-  kv_blocked_t<Record> kv_defref_exp_rec_t::*array;
+  kv_blocked_t<Record> kv_design_t::*array;
   std::int32_t kv_general_info_record_t::*count;
 };
 inline constexpr std::tuple kv_array_parts{
-    kv_array_part_t<char>{"char", &kv_defref_exp_rec_t::chars,
-                          &kv_general_info_record_t::nbof_char},
-    kv_array_part_t<kv_string_record_t>{"string", &kv_defref_exp_rec_t::strings,
+    kv_array_part_t<char>{"char", &kv_design_t::chars, &kv_general_info_record_t::nbof_char},
+    kv_array_part_t<kv_string_record_t>{"string", &kv_design_t::strings,
                                         &kv_general_info_record_t::nbof_string},
-    kv_array_part_t<kv_prop_record_t>{"prop", &kv_defref_exp_rec_t::props,
+    kv_array_part_t<kv_prop_record_t>{"prop", &kv_design_t::props,
                                       &kv_general_info_record_t::nbof_prop},
-    kv_array_part_t<kv_inst_record_t>{"instance", &kv_defref_exp_rec_t::insts,
+    kv_array_part_t<kv_inst_record_t>{"instance", &kv_design_t::insts,
                                       &kv_general_info_record_t::nbof_instance},
-    kv_array_part_t<kv_pin_record_t>{"pin", &kv_defref_exp_rec_t::pins,
+    kv_array_part_t<kv_pin_record_t>{"pin", &kv_design_t::pins,
                                      &kv_general_info_record_t::nbof_pin},
-    kv_array_part_t<kv_net_record_t>{"net", &kv_defref_exp_rec_t::nets,
+    kv_array_part_t<kv_net_record_t>{"net", &kv_design_t::nets,
                                      &kv_general_info_record_t::nbof_net},
-    kv_array_part_t<kv_net_child_record_t>{"net_child", &kv_defref_exp_rec_t::net_childs,
+    kv_array_part_t<kv_net_child_record_t>{"net_child", &kv_design_t::net_childs,
                                            &kv_general_info_record_t::nbof_net_child},
-    kv_array_part_t<kv_macro_record_t>{"macro", &kv_defref_exp_rec_t::macros,
+    kv_array_part_t<kv_macro_record_t>{"macro", &kv_design_t::macros,
                                        &kv_general_info_record_t::nbof_macro},
-    kv_array_part_t<kv_pinm_record_t>{"pinm", &kv_defref_exp_rec_t::pinms,
+    kv_array_part_t<kv_pinm_record_t>{"pinm", &kv_design_t::pinms,
                                       &kv_general_info_record_t::nbof_pinm}};
 
 // Calls visit(part) for every array part in file order.
@@ -331,6 +330,27 @@ constexpr kv_array kv_part_of() {
     ++at;
   });
   return static_cast<kv_array>(found);
+}
+
+// Calls visit(name, member) for each of the counts of a summary, in the order of its record.
+template <typename Visit>
+constexpr void kv_for_each_count(Visit visit) {
+  const auto one = [&](const auto& field) {
+    if (field.name.starts_with("nbof_")) {
+      if constexpr (std::is_same_v<decltype(field.member),
+                                   std::int32_t kv_general_info_record_t::*>)
+        visit(field.name, field.member);
+    }
+  };
+  std::apply([&](const auto&... field) { (one(field), ...); },
+             kv_layout<kv_general_info_record_t>::fields);
+}
+constexpr std::string_view kv_count_name(std::int32_t kv_general_info_record_t::*count) {
+  std::string_view found;
+  kv_for_each_count([&](std::string_view name, auto member) {
+    if (member == count) found = name;
+  });
+  return found;
 }
 
 // Calls visit(field) for every field that `record` has.

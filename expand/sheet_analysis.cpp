@@ -16,7 +16,7 @@
 namespace {
 
 constexpr std::int16_t max_timing_index = 120;
-constexpr kv_scope_t no_scope{1, 0};
+const kv_design_t no_design;  // of values that are the same everywhere
 
 using kv_prop_list_t = kv_list_t<kv_prop_type_record_t>;
 
@@ -39,8 +39,9 @@ kv_prop_type type_of_letter(std::string_view prop_type) {
 // The work of one analysis; `sheet` is what it yields.
 class analysis {
  public:
-  analysis(const gx_file_gene_recf_t& file, std::vector<kv_global_net_record_t>& globals)
-      : file_(file), globals_(globals), nets_(file, net_ids(file)) {}
+  analysis(const gx_file_gene_recf_t& file, const kv_setup_t& setup,
+           std::vector<kv_global_net_record_t>& globals)
+      : file_(file), setup_(setup), globals_(globals), nets_(file, net_ids(file)) {}
 
   kv_sheet_t run(std::string_view file_path) {
     sheet.file_path = file_path;
@@ -84,14 +85,14 @@ class analysis {
       const std::string_view text = find(gx_view(entry.name));
       kept.type = type_of_letter(gx_view(entry.prop_type));
       kept.text = keep_text({text});
-      kept.decode_at_visit = kept.type != kv_prop_string && kv_depends_on_macro(text);
-      if (!kept.decode_at_visit) kv_decode_kept(kept, text, no_scope);
+      kept.decode_at_visit = kept.type != kv_prop_string && kv_depends_on_macro(text, setup_);
+      if (!kept.decode_at_visit) kv_decode_kept(kept, text, {setup_, no_design, 1, 0});
       sheet.kept.push_back(kept);
     }
     return first;
   }
   std::int32_t keep_inst_props(int inst) {
-    return keep_props(kv_sext.property_instance, [&](std::string_view name) {
+    return keep_props(setup_.property_instance, [&](std::string_view name) {
       return gx_prop_text(gx_find_inst_prop(file_, inst, name));
     });
   }
@@ -123,6 +124,7 @@ class analysis {
       const std::string_view name = gx_prop_text(gx_find_net_prop(file_, id, "NET"));
       net.object_id = static_cast<gx_object_id_t>(id);
       net.suffix = keep_suffix(name, "N_", id);
+      if (!name.empty()) net.name = {net.suffix.at + 1, net.suffix.len - 1};
       net.init = init_of(gx_find_net_prop(file_, id, "INIT"));
       sheet.nets.push_back(net);
       net_names_.push_back(name);
@@ -156,7 +158,7 @@ class analysis {
         group.width = -1;
       }
     }
-    net.kept = keep_props(kv_sext.property_net, [&](std::string_view name) {
+    net.kept = keep_props(setup_.property_net, [&](std::string_view name) {
       return gx_prop_text(gx_find_net_prop(file_, net.object_id, name));
     });
     sheet.groups.push_back(group);
@@ -199,6 +201,8 @@ class analysis {
       port.name = keep_text({name});
       port.bare_name =
           is_bus_pin(pin.pinpropfam, net) ? keep_text({kv_bare_name(name)}) : port.name;
+      const auto* pin_record = gx_object_as<gx_object_pinpropfam_rec_t>(file_, pin.pinpropfam);
+      port.is_range = pin_record != nullptr && pin_record->pin_start != pin_record->pin_end;
       sheet.ports.push_back(port);
       port_nets_.push_back(net);
     }
@@ -364,7 +368,7 @@ class analysis {
   void take_inst(int id, std::int32_t symbol) {
     kv_sheet_inst_t inst;
     inst.object_id = static_cast<gx_object_id_t>(id);
-    inst.is_primitive = kv_found_primitive(file_, id);
+    inst.is_primitive = kv_found_primitive(setup_, file_, id);
     inst.symbol = symbol;
     inst.suffix = keep_suffix(gx_prop_text(gx_find_inst_prop(file_, id, "INST")), "I_", id);
     take_timing(inst);
@@ -379,12 +383,13 @@ class analysis {
     const auto* property = gx_find_inst_prop(file_, inst.object_id, "TIMIND");
     if (property == nullptr) return;
     const std::string_view text = gx_view(property->nvalue);
-    const auto number = gx_string_to_int16(text);
+    const auto number = gx_string_to_int32(text);
     inst.timing_text = keep_text({text});
     inst.timing_index = 0;
-    if (number.error) {
+    const bool is_integer = text.find_first_not_of("0123456789 ") == std::string_view::npos;
+    if (!is_integer) {
       inst.timing_state = kv_sheet_inst_t::timing_no_number;
-    } else if (number.value > max_timing_index) {
+    } else if (number.error || number.value > max_timing_index) {
       inst.timing_state = kv_sheet_inst_t::timing_too_big;
     } else {
       inst.timing_index = static_cast<std::int8_t>(number.value);
@@ -406,7 +411,7 @@ class analysis {
     pin.width =
         std::max(record.pin_end, record.pin_start) - std::min(record.pin_end, record.pin_start) + 1;
     if (pin.group >= 0) take_range(pin, sheet.groups[static_cast<std::size_t>(pin.group)]);
-    pin.kept = keep_props(kv_sext.property_pin, [&](std::string_view name) {
+    pin.kept = keep_props(setup_.property_pin, [&](std::string_view name) {
       return gx_prop_text(gx_find_prop_of_two(file_, ids.pinpropfam, ids.pin, name));
     });
     sheet.pins.push_back(pin);
@@ -417,8 +422,7 @@ class analysis {
     pin.position = position_on(group, pin.pin_net_start);
     if (pin.position >= 0 && pin.position + pin.width <= group.width) return;
     pin.range_error = true;
-    pin.position = std::max(pin.position, 0);
-    pin.width = std::min(pin.width, group.width - pin.position);
+    pin.width = pin.position < 0 ? 0 : std::min(pin.width, group.width - pin.position);
   }
 
   static void take_pin_type(kv_sheet_pin_t& pin, const gx_object_property_rec_t* property) {
@@ -444,6 +448,7 @@ class analysis {
   }
 
   const gx_file_gene_recf_t& file_;
+  const kv_setup_t& setup_;
   std::vector<kv_global_net_record_t>& globals_;
   kv_net_table nets_;
   std::vector<std::string_view> net_names_;
@@ -456,12 +461,12 @@ class analysis {
 }  // namespace
 
 kv_sheet_t kv_analyse_sheet(const gx_file_gene_recf_t& file, std::string_view file_path,
-                            std::vector<kv_global_net_record_t>& globals) {
-  return analysis(file, globals).run(file_path);
+                            const kv_setup_t& setup, std::vector<kv_global_net_record_t>& globals) {
+  return analysis(file, setup, globals).run(file_path);
 }
 
-bool kv_found_primitive(const gx_file_gene_recf_t& file, int inst) {
-  return std::any_of(kv_sext.primitive.begin(), kv_sext.primitive.end(), [&](const auto& entry) {
+bool kv_found_primitive(const kv_setup_t& setup, const gx_file_gene_recf_t& file, int inst) {
+  return std::any_of(setup.primitive.begin(), setup.primitive.end(), [&](const auto& entry) {
     const auto* property = gx_find_inst_prop(file, inst, gx_view(entry.name));
     return property != nullptr &&
            (entry.nvalue.len == 0 || gx_iden(gx_view(property->nvalue), gx_view(entry.nvalue)));

@@ -27,6 +27,7 @@ struct kv_component_t {
 };
 
 struct kv_sheet_cache_t {
+  const kv_setup_t& setup;
   std::vector<std::unique_ptr<kv_component_t>> components;
   std::unordered_map<std::string, std::int32_t> by_directory;
   std::vector<kv_global_net_record_t> globals;  // of the run; the analysed sheets index them

@@ -10,6 +10,7 @@
 #include "app/session/root.h"
 #include "app/sheet/views.h"
 #include "app/state.h"
+#include "expand/design_file.h"
 #include "expand/store.h"
 #include "gx/db/files.h"
 #include "gx/db/geometry.h"
@@ -82,11 +83,12 @@ void open_transcript() {
 
 void open_outputs() {
   const gx_string_record_t design = design_file("/design_kv");
-  std::FILE* stream = gx_popen_filei(gx_view(design), 'W', false);
-  if (stream == nullptr)
+  std::string why;
+  kv_sext.designfile = kv_open_design_file(std::string(gx_view(design)), why);
+  if (kv_sext.designfile < 0) {
+    std::printf("!! Error : \"%.*s\" : %s\n", design.len, design.char_, why.c_str());
     refuse_start("impossible to open  designfile_name", design, gx_code::file_data_invalid);
-  kv_sext.designfile = fcntl(fileno(stream), F_DUPFD_CLOEXEC, 0);
-  std::fclose(stream);
+  }
 
   const gx_string_record_t trace = gx_string("debug_kivo2");
   kv_debf = gx_popen_file(gx_view(trace), 'W', false);

@@ -112,7 +112,10 @@ bool gx_display_file_invplist(std::string_view path) {
 
 void gx_list_follow() { gx_list.nlinlist_held = 0; }
 
-void gx_count_error() { count(gx_session.num_errors); }
+void gx_count_error() {
+  ++gx_session.errors_in_all;
+  count(gx_session.num_errors);
+}
 void gx_count_warning() { count(gx_session.num_warnings); }
 
 void gx_set_list_drawer(gx_list_drawer_t drawer) { draw_list = drawer; }

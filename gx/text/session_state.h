@@ -13,6 +13,7 @@ struct gx_session_state_t {
   std::FILE* cursessfile = nullptr;  // session transcript, owned by the application
   std::int16_t num_errors = 0;       // of the whole session
   std::int16_t num_warnings = 0;
+  std::int64_t errors_in_all = 0;  // goes on where num_errors stops
   bool all_init_done = false;  // start-up is complete
   bool end_flag = false;       // BYE or QUIT was given
   std::int32_t nb_arg_comline = 0;
