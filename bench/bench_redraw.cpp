@@ -68,4 +68,10 @@ void redraw(benchmark::State& state) {
 }
 }  // namespace
 
-BENCHMARK(redraw)->Args({100, 46})->Args({25, 46})->Args({100, 32})->Args({25, 32})->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(redraw)
+    ->Args({100, 46})
+    ->Args({25, 46})
+    ->Args({100, 32})
+    ->Args({25, 32})
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
