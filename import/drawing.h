@@ -24,9 +24,9 @@
 
 enum class gxi_align : std::uint8_t { start, middle, end };
 
-// How a text lies. Unturned, `across` says which point of its line is at `at` (start: the left
-// end), `up` which height (start: the baseline, end: the top of the capitals); `rotate` quarter
-// turns counterclockwise about `at` follow. The builder keeps the text readable: one that would
+// How a text lies. Unturned, `across` says which point of each line is at `at` (start: the left
+// end), `up` which height of the whole text (start: the baseline of its last line, end: the top of
+// the first line's capitals); `rotate` quarter turns counterclockwise about `at` follow. The builder keeps the text readable: one that would
 // stand on its head, or mirrored by its instance, takes the same box the readable way round.
 struct gxi_look_t {
   gx_pointreal_t at{};
@@ -65,6 +65,8 @@ struct gxi_symbol_t {
   std::vector<gxi_text_t> texts{};
   // The same for all instances, which give none of these names.
   std::vector<gxi_property_t> properties{};
+  // Hidden, of each instance that does not give its own.
+  std::vector<gxi_property_t> defaults{};
   std::vector<gxi_pin_t> pins{};
 };
 
