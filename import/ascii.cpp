@@ -15,35 +15,34 @@ struct letter_t {
 
 // Sorted by code.
 constexpr auto letters = std::to_array<letter_t>({
-    {0xA0, " "},       {0xA1, "!"},       {0xA2, "c"},        {0xA3, "GBP"},     {0xA5, "Y"},
-    {0xA6, "|"},       {0xA9, "(c)"},     {0xAB, "<<"},       {0xAC, "~"},       {0xAD, "-"},
-    {0xAE, "(R)"},     {0xAF, "-"},       {0xB0, "deg"},      {0xB1, "+-"},      {0xB2, "2"},
-    {0xB3, "3"},       {0xB4, "'"},       {0xB5, "u"},        {0xB7, "."},       {0xB9, "1"},
-    {0xBB, ">>"},      {0xBC, "1/4"},     {0xBD, "1/2"},      {0xBE, "3/4"},     {0xC6, "AE"},
-    {0xD0, "D"},       {0xD7, "x"},       {0xD8, "O"},        {0xDE, "Th"},      {0xDF, "ss"},
-    {0xE6, "ae"},      {0xF0, "d"},       {0xF7, "/"},        {0xF8, "o"},       {0xFE, "th"},
-    {0x141, "L"},      {0x142, "l"},      {0x152, "OE"},      {0x153, "oe"},     {0x391, "alpha"},
-    {0x392, "beta"},   {0x393, "gamma"},  {0x394, "delta"},   {0x395, "epsilon"}, {0x396, "zeta"},
-    {0x397, "eta"},    {0x398, "theta"},  {0x399, "iota"},    {0x39A, "kappa"},  {0x39B, "lamda"},
-    {0x39C, "mu"},     {0x39D, "nu"},     {0x39E, "xi"},      {0x39F, "omicron"}, {0x3A0, "pi"},
-    {0x3A1, "rho"},    {0x3A3, "sigma"},  {0x3A4, "tau"},     {0x3A5, "upsilon"}, {0x3A6, "phi"},
-    {0x3A7, "chi"},    {0x3A8, "psi"},    {0x3A9, "ohm"},     {0x3B1, "alpha"},  {0x3B2, "beta"},
-    {0x3B3, "gamma"},  {0x3B4, "delta"},  {0x3B5, "epsilon"}, {0x3B6, "zeta"},   {0x3B7, "eta"},
-    {0x3B8, "theta"},  {0x3B9, "iota"},   {0x3BA, "kappa"},   {0x3BB, "lamda"},  {0x3BC, "u"},
-    {0x3BD, "nu"},     {0x3BE, "xi"},     {0x3BF, "omicron"}, {0x3C0, "pi"},     {0x3C1, "rho"},
-    {0x3C2, "sigma"},  {0x3C3, "sigma"},  {0x3C4, "tau"},     {0x3C5, "upsilon"}, {0x3C6, "phi"},
-    {0x3C7, "chi"},    {0x3C8, "psi"},    {0x3C9, "omega"},   {0x2010, "-"},     {0x2011, "-"},
-    {0x2012, "-"},     {0x2013, "-"},     {0x2014, "-"},      {0x2015, "-"},     {0x2018, "'"},
-    {0x2019, "'"},     {0x201A, ","},     {0x201C, "\""},     {0x201D, "\""},    {0x201E, "\""},
-    {0x2022, "*"},     {0x2026, "..."},   {0x2030, "o/oo"},   {0x2032, "'"},     {0x2033, "\""},
-    {0x20AC, "EUR"},   {0x2122, "(TM)"},  {0x2126, "ohm"},    {0x2190, "<-"},    {0x2192, "->"},
-    {0x2212, "-"},     {0x221A, "sqrt"},  {0x221E, "inf"},    {0x2248, "~"},     {0x2260, "!="},
-    {0x2264, "<="},    {0x2265, ">="},
+    {0xA0, " "},      {0xA1, "!"},      {0xA2, "c"},        {0xA3, "GBP"},      {0xA5, "Y"},
+    {0xA6, "|"},      {0xA9, "(c)"},    {0xAB, "<<"},       {0xAC, "~"},        {0xAD, "-"},
+    {0xAE, "(R)"},    {0xAF, "-"},      {0xB0, "deg"},      {0xB1, "+-"},       {0xB2, "2"},
+    {0xB3, "3"},      {0xB4, "'"},      {0xB5, "u"},        {0xB7, "."},        {0xB9, "1"},
+    {0xBB, ">>"},     {0xBC, "1/4"},    {0xBD, "1/2"},      {0xBE, "3/4"},      {0xC6, "AE"},
+    {0xD0, "D"},      {0xD7, "x"},      {0xD8, "O"},        {0xDE, "Th"},       {0xDF, "ss"},
+    {0xE6, "ae"},     {0xF0, "d"},      {0xF7, "/"},        {0xF8, "o"},        {0xFE, "th"},
+    {0x141, "L"},     {0x142, "l"},     {0x152, "OE"},      {0x153, "oe"},      {0x391, "alpha"},
+    {0x392, "beta"},  {0x393, "gamma"}, {0x394, "delta"},   {0x395, "epsilon"}, {0x396, "zeta"},
+    {0x397, "eta"},   {0x398, "theta"}, {0x399, "iota"},    {0x39A, "kappa"},   {0x39B, "lamda"},
+    {0x39C, "mu"},    {0x39D, "nu"},    {0x39E, "xi"},      {0x39F, "omicron"}, {0x3A0, "pi"},
+    {0x3A1, "rho"},   {0x3A3, "sigma"}, {0x3A4, "tau"},     {0x3A5, "upsilon"}, {0x3A6, "phi"},
+    {0x3A7, "chi"},   {0x3A8, "psi"},   {0x3A9, "ohm"},     {0x3B1, "alpha"},   {0x3B2, "beta"},
+    {0x3B3, "gamma"}, {0x3B4, "delta"}, {0x3B5, "epsilon"}, {0x3B6, "zeta"},    {0x3B7, "eta"},
+    {0x3B8, "theta"}, {0x3B9, "iota"},  {0x3BA, "kappa"},   {0x3BB, "lamda"},   {0x3BC, "u"},
+    {0x3BD, "nu"},    {0x3BE, "xi"},    {0x3BF, "omicron"}, {0x3C0, "pi"},      {0x3C1, "rho"},
+    {0x3C2, "sigma"}, {0x3C3, "sigma"}, {0x3C4, "tau"},     {0x3C5, "upsilon"}, {0x3C6, "phi"},
+    {0x3C7, "chi"},   {0x3C8, "psi"},   {0x3C9, "omega"},   {0x2010, "-"},      {0x2011, "-"},
+    {0x2012, "-"},    {0x2013, "-"},    {0x2014, "-"},      {0x2015, "-"},      {0x2018, "'"},
+    {0x2019, "'"},    {0x201A, ","},    {0x201C, "\""},     {0x201D, "\""},     {0x201E, "\""},
+    {0x2022, "*"},    {0x2026, "..."},  {0x2030, "o/oo"},   {0x2032, "'"},      {0x2033, "\""},
+    {0x20AC, "EUR"},  {0x2122, "(TM)"}, {0x2126, "ohm"},    {0x2190, "<-"},     {0x2192, "->"},
+    {0x2212, "-"},    {0x221A, "sqrt"}, {0x221E, "inf"},    {0x2248, "~"},      {0x2260, "!="},
+    {0x2264, "<="},   {0x2265, ">="},
 });
 
-static_assert(std::is_sorted(letters.begin(), letters.end(), [](const letter_t& a, const letter_t& b) {
-  return a.code < b.code;
-}));
+static_assert(std::is_sorted(letters.begin(), letters.end(),
+                             [](const letter_t& a, const letter_t& b) { return a.code < b.code; }));
 
 // The letters 0xC0..0x17F without their marks; a blank where the table above says it.
 constexpr std::string_view plain =

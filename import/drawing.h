@@ -26,8 +26,9 @@ enum class gxi_align : std::uint8_t { start, middle, end };
 
 // How a text lies. Unturned, `across` says which point of each line is at `at` (start: the left
 // end), `up` which height of the whole text (start: the baseline of its last line, end: the top of
-// the first line's capitals); `rotate` quarter turns counterclockwise about `at` follow. The builder keeps the text readable: one that would
-// stand on its head, or mirrored by its instance, takes the same box the readable way round.
+// the first line's capitals); `rotate` quarter turns counterclockwise about `at` follow. The
+// builder keeps the text readable: one that would stand on its head, or mirrored by its instance,
+// takes the same box the readable way round.
 struct gxi_look_t {
   gx_pointreal_t at{};
   std::int32_t height = gxm_text_height;  // of a capital letter; a letter is 1.2 times as wide
@@ -91,9 +92,6 @@ struct gxi_instance_t {
   std::vector<gxi_property_t> properties{};
   // Of each pin of the symbol, in its order: a net of the sheet, -1: joined to nothing.
   std::vector<int> nets{};
-  // The texts of the symbol are not repeated: another instance lies at the same place (further bits
-  // of a vector).
-  bool stacked = false;
 };
 
 struct gxi_segment_t {

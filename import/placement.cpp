@@ -8,12 +8,13 @@
 namespace {
 
 constexpr std::size_t longest_line = 60;  // the most that is drawn of a text
+constexpr gx_pointreal_t to_the_right{1, 0}, upright{0, -1};
 
 gx_pointreal_t plus(gx_pointreal_t a, gx_pointreal_t b) { return {a.x + b.x, a.y + b.y}; }
 gx_pointreal_t minus(gx_pointreal_t a, gx_pointreal_t b) { return {a.x - b.x, a.y - b.y}; }
 
 gx_pointreal_t turned(const gxi_instance_t& instance, gx_pointreal_t p) {
-  return gx_turn({instance.mirror ? -p.x : p.x, p.y}, instance.rotate, false);
+  return gx_turn(gx_pointreal_t{instance.mirror ? -p.x : p.x, p.y}, instance.rotate, false);
 }
 
 gxi_align other_end(gxi_align align) {
@@ -54,16 +55,16 @@ gx_pointreal_t gxi_on_sheet(const gxi_instance_t& instance, gx_pointreal_t of_sy
 
 gxi_look_t gxi_on_sheet(const gxi_instance_t& instance, gxi_look_t look) {
   look.at = gxi_on_sheet(instance, look.at);
-  const auto along = turned(instance, gx_turn({1, 0}, look.rotate % 4, false));
-  const auto upwards = turned(instance, gx_turn({0, -1}, look.rotate % 4, false));
+  const auto along = turned(instance, gx_turn(to_the_right, look.rotate % 4, false));
+  const auto upwards = turned(instance, gx_turn(upright, look.rotate % 4, false));
   make_readable(look, along, upwards);
   return look;
 }
 
 std::vector<gxi_line_t> gxi_lines(std::string_view text, const gxi_look_t& unturned) {
   gxi_look_t look = unturned;
-  make_readable(look, gx_turn({1, 0}, look.rotate % 4, false),
-                gx_turn({0, -1}, look.rotate % 4, false));
+  make_readable(look, gx_turn(to_the_right, look.rotate % 4, false),
+                gx_turn(upright, look.rotate % 4, false));
   std::vector<gxi_line_t> lines;
   std::vector<std::string_view> parts;
   while (!text.empty()) {
@@ -126,7 +127,8 @@ void gxi_draw_apart(const gxi_symbol_t& symbol, const gxi_instance_t& instance,
   for (const auto& text : symbol.texts)
     sheet.texts.push_back({text.value, gxi_on_sheet(instance, text.look)});
   for (const auto& property : symbol.properties)
-    if (property.look) sheet.texts.push_back({property.value, gxi_on_sheet(instance, *property.look)});
+    if (property.look)
+      sheet.texts.push_back({property.value, gxi_on_sheet(instance, *property.look)});
   for (const auto& property : instance.properties)
     if (property.look) sheet.texts.push_back({property.value, *property.look});
 }

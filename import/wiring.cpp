@@ -33,8 +33,8 @@ gxi_wiring_t gxi_wire(std::span<const gxi_segment_t> segments,
     auto& end = end_at[static_cast<std::size_t>(place)];
     if (end < 0) {
       end = static_cast<int>(wiring.ends.size());
-      wiring.ends.push_back({places[static_cast<std::size_t>(place)],
-                             pin_at[static_cast<std::size_t>(place)], 0});
+      wiring.ends.push_back(
+          {places[static_cast<std::size_t>(place)], pin_at[static_cast<std::size_t>(place)], 0});
     }
     ++wiring.ends[static_cast<std::size_t>(end)].degree;
     return static_cast<std::size_t>(end);

@@ -1,0 +1,3 @@
+#include "import/division.h"
+
+void gxi_divide(gxi_design_t&) {}
