@@ -14,6 +14,7 @@
 #pragma once
 
 #include <cstdint>
+#include <list>
 #include <optional>
 #include <string>
 #include <vector>
@@ -53,7 +54,7 @@ struct gxi_property_t {
 
 struct gxi_pin_t {
   std::string name{};  // PIN: unique in the symbol, letter case ignored (the builder sees to it)
-  std::string type{"INOUT"};  // PINTYPE: IN, OUT or INOUT
+  std::string type{"IO"};  // PINTYPE: IN, OUT or IO
   gx_pointreal_t at{};
   std::optional<gxi_look_t> name_look{};  // shows the name
   std::vector<gxi_property_t> properties{};
@@ -109,7 +110,7 @@ struct gxi_net_t {
   gxm_source_t source{};
   // Not empty: the net is this pin of the cell (`port_type` as in gxi_pin_t), or this net of the
   // whole design. The builder adds what is needed where no instance says it.
-  std::string port{}, port_type{"INOUT"};
+  std::string port{}, port_type{"IO"};
   std::string global{};
   std::vector<gxi_property_t> properties{};  // absolute
   std::vector<gxi_segment_t> segments{};
@@ -129,6 +130,8 @@ struct gxi_cell_t {
   std::string name{};  // of the directory; made unique and fit by the builder
   gxi_symbol_t symbol{};
   std::optional<gxi_sheet_t> sheet{};
+  // Texts that a simulator wants and nobody draws; kept beside the sheet in notes.txt.
+  std::string notes{};
 };
 
 struct gxi_design_t {
@@ -139,4 +142,5 @@ struct gxi_design_t {
   // An instance that has this property is a primitive.
   std::string primitive{"CLASS"};
   gxm_messages_t warnings{};  // what was read otherwise than drawn, or left out
+  std::list<std::string> files{};  // the names that sources point to: a design is moved, not copied
 };

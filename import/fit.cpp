@@ -127,6 +127,7 @@ class fitter {
       const std::string drawn = pin.name;
       pin.name = fit_text(pin.name, longest_value, symbol.source, "the name of a pin");
       pin.name = taken.take(pin.name.empty() ? "P" : pin.name, longest_value);
+      if (pin.type == "INOUT") pin.type = "IO";  // what begins with IN is an input
       pin_names_[cell].emplace(drawn, pin.name);
       fit_properties(pin.properties, symbol.source);
     }
