@@ -141,6 +141,6 @@ struct gxi_design_t {
   std::vector<std::string> kept_of_instances{}, kept_of_pins{}, kept_of_nets{};
   // An instance that has this property is a primitive.
   std::string primitive{"CLASS"};
-  gxm_messages_t warnings{};  // what was read otherwise than drawn, or left out
+  gxm_messages_t warnings{};       // what was read otherwise than drawn, or left out
   std::list<std::string> files{};  // the names that sources point to: a design is moved, not copied
 };

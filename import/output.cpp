@@ -121,6 +121,7 @@ class writer {
     }
     const auto path_of = [this](int cell) { return paths_[static_cast<std::size_t>(cell)]; };
     for (const auto& cell : design_.cells) {
+      if (!cell.notes.empty()) add(output_.root / cell.name / "notes.txt", cell.notes);
       if (!cell.sheet) continue;
       write(cell.name, "sheet",
             build(cell, "sheet", [&] { return gxi_build_sheet(design_, cell, path_of); }));

@@ -168,6 +168,4 @@ std::vector<std::string> gxi_expand_label(std::string_view label) {
   }
 }
 
-std::string_view gxi_label_base(std::string_view label) {
-  return label.substr(0, label.find('['));
-}
+std::string_view gxi_label_base(std::string_view label) { return label.substr(0, label.find('[')); }

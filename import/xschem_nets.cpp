@@ -119,9 +119,9 @@ class joiner {
   bool give(int group, const std::string& label, const gxm_source_t& where) {
     const auto [found, is_new] = names_.emplace(group, label);
     if (is_new || found->second == label) return true;
-    gxm_complain(messages_, where,
-                 "label " + label + " is on the net of label " + found->second +
-                     ", which keeps its name");
+    gxm_complain(
+        messages_, where,
+        "label " + label + " is on the net of label " + found->second + ", which keeps its name");
     return false;
   }
 
@@ -149,8 +149,7 @@ class joiner {
     if (!label.empty() && label.front() == '[') {
       auto name = names_.find(bus);
       if (name == names_.end() && !unnamed_too) return false;
-      if (name == names_.end())
-        name = names_.emplace(bus, "#" + std::to_string(bus) + "[0]").first;
+      if (name == names_.end()) name = names_.emplace(bus, "#" + std::to_string(bus) + "[0]").first;
       label = std::string(gxi_label_base(name->second)) + label;
     }
     if (!label.empty()) names_.emplace(tapped, label);

@@ -15,9 +15,9 @@ constexpr double pi = 3.14159265358979323846;
 
 // By layer, as the program draws them on black.
 constexpr auto colors = std::to_array<std::uint8_t>(
-    {gxm_white, gxm_cyan, gxm_white, gxm_white, gxm_green, gxm_red, gxm_cyan, gxm_red,
-     gxm_yellow, gxm_white, gxm_magenta, gxm_green, gxm_blue, gxm_yellow, gxm_white, gxm_red,
-     gxm_green, gxm_cyan, gxm_magenta, gxm_yellow, gxm_red, gxm_yellow});
+    {gxm_white,  gxm_cyan,  gxm_white,   gxm_white,  gxm_green, gxm_red,    gxm_cyan,  gxm_red,
+     gxm_yellow, gxm_white, gxm_magenta, gxm_green,  gxm_blue,  gxm_yellow, gxm_white, gxm_red,
+     gxm_green,  gxm_cyan,  gxm_magenta, gxm_yellow, gxm_red,   gxm_yellow});
 constexpr int pin_layer = 5, text_layer = 3;
 
 std::int32_t length(double v) { return static_cast<std::int32_t>(std::lround(v * scale)); }
@@ -46,7 +46,9 @@ bool gxi_xschem_shape(const gxi_xschem_shape_t& shape, gxm_shape_t& drawn) {
   if (attributes.is_set("bus")) drawn.width = 3;
   for (const auto& point : shape.points) drawn.points.push_back(gxi_xschem_point(point));
   switch (shape.kind) {
-    case 'L': drawn.type = gx_type::line_2d; return true;
+    case 'L':
+      drawn.type = gx_type::line_2d;
+      return true;
     case 'B':
       drawn.type = gx_type::rectangle_2d;
       drawn.filled = attributes.get("fill") == "full";
@@ -54,8 +56,10 @@ bool gxi_xschem_shape(const gxi_xschem_shape_t& shape, gxm_shape_t& drawn) {
     case 'P':
       drawn.type = gx_type::polyline_2d;
       return drawn.points.size() > 1;
-    case 'A': break;
-    default: return false;
+    case 'A':
+      break;
+    default:
+      return false;
   }
   if (std::fabs(shape.sweep) >= 360) {
     drawn.type = gx_type::circle_2d;

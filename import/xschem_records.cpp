@@ -124,31 +124,49 @@ class reader {
 
   void record(gxi_xschem_file_t& file, char kind, bool embedded) {
     switch (kind) {
-      case 'v': file.version = braced(); return;
+      case 'v':
+        file.version = braced();
+        return;
       case 'K':
         file.global = braced();
         has_k_ = true;
         return;
-      case 'G': file.vhdl = braced(); return;
-      case 'V': file.verilog = braced(); return;
+      case 'G':
+        file.vhdl = braced();
+        return;
+      case 'V':
+        file.verilog = braced();
+        return;
       case 'S':
         file.spice_line = kind_line_;
         file.spice = braced();
         return;
-      case 'E': file.tedax = braced(); return;
-      case 'F': file.spectre = braced(); return;
+      case 'E':
+        file.tedax = braced();
+        return;
+      case 'F':
+        file.spectre = braced();
+        return;
       case 'L':
       case 'B':
       case 'A':
       case 'P':
-      case 'N': file.shapes.push_back(shape(kind)); return;
-      case 'T': file.texts.push_back(a_text()); return;
-      case 'C': file.components.push_back(component()); return;
+      case 'N':
+        file.shapes.push_back(shape(kind));
+        return;
+      case 'T':
+        file.texts.push_back(a_text());
+        return;
+      case 'C':
+        file.components.push_back(component());
+        return;
       case '[':
         if (embedded) refuse("a symbol within a symbol");
         embed(file);
         return;
-      case '#': skip_line(); return;
+      case '#':
+        skip_line();
+        return;
       default:
         gxm_complain(messages_, {name_, kind_line_},
                      std::string("a record of the unknown kind \"") + kind + "\" is left out");

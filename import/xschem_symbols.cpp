@@ -24,15 +24,20 @@ int nodes_of(char letter) {
     case 'G':
     case 'S':
     case 'T':
-    case 'O': return 4;
+    case 'O':
+      return 4;
     case 'Q':
     case 'J':
     case 'Z':
-    case 'U': return 3;
-    case 'K': return 0;
+    case 'U':
+      return 3;
+    case 'K':
+      return 0;
     case 'X':
-    case 'A': return 1000;
-    default: return 2;
+    case 'A':
+      return 1000;
+    default:
+      return 2;
   }
 }
 
@@ -53,8 +58,7 @@ bool ends_nodes(std::string_view word) {
 // A word of the format in its nodes: the pins and the texts.
 class node_reader {
  public:
-  explicit node_reader(gxi_xschem_symbol_t& symbol)
-      : symbol_(symbol), taken_(symbol.pins.size()) {}
+  explicit node_reader(gxi_xschem_symbol_t& symbol) : symbol_(symbol), taken_(symbol.pins.size()) {}
 
   void run() {
     const auto words = words_of(symbol_.attributes.get("format"));
@@ -99,8 +103,7 @@ class node_reader {
       }
       take_pin(number);
     } else if (count_ < most) {
-      const auto name = word.front() == '@' ? word.substr(1)
-                                            : "N" + std::to_string(count_ + 1);
+      const auto name = word.front() == '@' ? word.substr(1) : "N" + std::to_string(count_ + 1);
       symbol_.nodes.push_back({.name = name, .text = word});
       ++count_;
     }
@@ -120,8 +123,8 @@ gxi_role_t role_of(const gxi_xschem_symbol_t& symbol) {
   if (type == "netlist_commands" || type == "netlist_options") return gxi_role_t::picture;
   auto format = symbol.attributes.get("format");
   format.remove_prefix(std::min(format.find_first_not_of(" \t\n"), format.size()));
-  if (format.empty() || format.front() == '*' || format.front() == '.' ||
-      format.front() == '/' || format.substr(0, 8) == "tcleval(")
+  if (format.empty() || format.front() == '*' || format.front() == '.' || format.front() == '/' ||
+      format.substr(0, 8) == "tcleval(")
     return gxi_role_t::picture;
   return gxi_role_t::device;
 }

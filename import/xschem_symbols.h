@@ -35,9 +35,9 @@ struct gxi_node_t {
 };
 
 struct gxi_xschem_symbol_t {
-  std::string name{};           // without directory and ending
+  std::string name{};            // without directory and ending
   std::filesystem::path path{};  // empty: embedded, or missing
-  std::string_view file{};      // for messages
+  std::string_view file{};       // for messages
   gxi_xschem_file_t records{};
   gxi_attributes_t attributes{}, defaults{};  // K, and its template
   std::string type{};
