@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <numeric>
 
+#include "gx/text/strings.h"
 #include "import/runs.h"
 #include "import/xschem_labels.h"
 #include "import/xschem_picture.h"
@@ -226,7 +227,10 @@ std::string_view gxi_placed_t::value(std::string_view name) const {
 std::vector<int> gxi_xschem_nets_t::named(std::string_view label, const gxm_source_t& source) {
   std::vector<int> list;
   for (auto& name : gxi_expand_label(label)) {
-    const auto [found, is_new] = by_name.emplace(name, static_cast<int>(nets.size()));
+    // A netlist for simulation does not tell letter cases apart.
+    std::string key = name;
+    std::transform(key.begin(), key.end(), key.begin(), gx_upper_case);
+    const auto [found, is_new] = by_name.emplace(std::move(key), static_cast<int>(nets.size()));
     if (is_new) {
       // The program's own names of unnamed nets begin with "#".
       nets.push_back({.name = name.rfind('#', 0) == 0 ? "" : name, .source = source});

@@ -31,7 +31,7 @@ struct gxi_xschem_nets_t {
   std::vector<int> bundle_of_wire{};              // by wire
   // Of each label and port: whether its net bears its name, as it does unless two labels met.
   std::vector<bool> names_its_net{};
-  std::map<std::string, int> by_name{};
+  std::map<std::string, int> by_name{};  // in capitals
 
   // The nets of that name, made when the sheet has none yet.
   std::vector<int> named(std::string_view label, const gxm_source_t& source);

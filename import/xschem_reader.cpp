@@ -162,7 +162,7 @@ class xschem_reader {
     if (symbol != nullptr && symbol->role == gxi_role_t::device)
       for (const auto& node : symbol->nodes)
         if (node.pin < 0) {
-          const auto found = nets.by_name.find(node.name);
+          const auto found = nets.by_name.find(upper(node.name));
           if (found != nets.by_name.end())
             nets.nets[static_cast<std::size_t>(found->second)].port = node.name;
         }
