@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "gx/text/strings.h"
+#include "import/netlist_text.h"
 #include "import/placement.h"
 #include "import/readers.h"
 #include "import/xschem_labels.h"
@@ -13,6 +14,8 @@
 namespace {
 
 namespace fs = std::filesystem;
+
+constexpr std::size_t most_text_devices = 2000;  // more would not fit on the sheet
 
 std::string upper(std::string_view text) {
   std::string result(text);
@@ -167,14 +170,70 @@ class xschem_reader {
             nets.nets[static_cast<std::size_t>(found->second)].port = node.name;
         }
     for (std::size_t i = 0; i < wires.size(); ++i) draw_wire(*wires[i], nets, i);
-    sheet.nets = std::move(nets.nets);
-    if (records.spice.find_first_not_of(" \n\t") != std::string::npos)
-      cell(index).notes += records.spice + "\n";
+    std::string text = records.spice + "\n";
     for (const auto& component : placed)
-      if (component.symbol->type == "netlist_commands")
-        cell(index).notes += std::string(component.value("value")) + "\n";
+      if (says_netlist(component, index == 0)) text += std::string(component.value("value")) + "\n";
+    if (text.find_first_not_of(" \n\t") != std::string::npos) {
+      add_text_devices(sheet, text, nets);
+      cell(index).notes = std::move(text);
+    }
+    sheet.nets = std::move(nets.nets);
     cell(index).sheet = std::move(sheet);
     open_.erase(here);
+  }
+
+  static bool says_netlist(const gxi_placed_t& component, bool is_top) {
+    if (component.symbol->type != "netlist_commands" || component.ignored) return false;
+    const auto simulator = component.value("simulator");
+    const auto only_top = component.value("only_toplevel");
+    return (simulator.empty() || simulator == "ngspice") && (is_top || only_top != "true");
+  }
+
+  // Devices that stand as lines of a netlist beside the drawing: below it, without a picture.
+  void add_text_devices(gxi_sheet_t& sheet, const std::string& text, gxi_xschem_nets_t& nets) {
+    auto devices = gxi_netlist_devices(text);
+    if (devices.size() > most_text_devices) {
+      gxm_complain(design_.warnings, sheet.source,
+                   std::to_string(devices.size()) +
+                       " devices that stand as netlist text are left in notes.txt");
+      return;
+    }
+    constexpr int row = 40;
+    gx_pointreal_t corner{0, 2 * gxm_step};
+    for (const auto& instance : sheet.instances) corner.y = std::max(corner.y, instance.at.y);
+    corner.y = (corner.y / gxm_step + 10) * gxm_step;
+    int place_in_row = 0;
+    for (auto& device : devices) {
+      gxi_instance_t instance;
+      instance.name = device.name;
+      instance.source = sheet.source;
+      instance.symbol = text_symbol(device);
+      instance.at = {corner.x + place_in_row * 2 * gxm_step, corner.y};
+      if (++place_in_row == row) {
+        place_in_row = 0;
+        corner.y += 6 * gxm_step;
+      }
+      for (const auto& node : device.nodes)
+        instance.nets.push_back(nets.named(node, sheet.source).front());
+      if (!device.value.empty()) instance.properties.push_back({"value", device.value, {}});
+      sheet.instances.push_back(std::move(instance));
+    }
+  }
+
+  int text_symbol(const gxi_netlist_device_t& device) {
+    const char letter = gx_upper_case(device.name.front());
+    const std::string name = std::string("text_") + letter + std::to_string(device.nodes.size());
+    const auto [found, is_new] =
+        text_symbols_.emplace(name, static_cast<int>(design_.cells.size()));
+    if (is_new) {
+      auto& made = design_.cells.emplace_back();
+      made.name = made.symbol.name = name;
+      made.symbol.properties.push_back({"CLASS", name, {}});
+      for (std::size_t i = 0; i < device.nodes.size(); ++i)
+        made.symbol.pins.push_back({.name = "N" + std::to_string(i + 1),
+                                    .at = {0, static_cast<std::int32_t>(i) * gxm_step}});
+    }
+    return found->second;
   }
 
   gxi_placed_t place(const gxi_xschem_component_t& component, const fs::path& path,
@@ -404,6 +463,7 @@ class xschem_reader {
   gxi_design_t design_;
   gxi_xschem_library_t library_;
   std::map<std::pair<const gxi_xschem_symbol_t*, std::string>, int> cells_;
+  std::map<std::string, int> text_symbols_;
   std::set<std::string> open_;  // sheets being read, for those that contain themselves
   std::set<std::string> globals_;
   std::map<std::string, int> uses_;

@@ -8,6 +8,7 @@
 #include <stdexcept>
 
 #include "gx/text/strings.h"
+#include "import/netlist_text.h"
 #include "import/xschem_labels.h"
 
 namespace {
@@ -15,31 +16,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int pin_layer = 5;
-
-// Nodes that a line of the netlist has behind its name.
-int nodes_of(char letter) {
-  switch (gx_upper_case(letter)) {
-    case 'M':
-    case 'E':
-    case 'G':
-    case 'S':
-    case 'T':
-    case 'O':
-      return 4;
-    case 'Q':
-    case 'J':
-    case 'Z':
-    case 'U':
-      return 3;
-    case 'K':
-      return 0;
-    case 'X':
-    case 'A':
-      return 1000;
-    default:
-      return 2;
-  }
-}
 
 std::vector<std::string> words_of(std::string_view text) {
   std::vector<std::string> words;
@@ -64,11 +40,12 @@ class node_reader {
     const auto words = words_of(symbol_.attributes.get("format"));
     const std::string prefix(symbol_.defaults.get("spiceprefix"));
     const std::string first = prefix + std::string(symbol_.defaults.get("name"));
-    const auto most = static_cast<std::size_t>(nodes_of(first.empty() ? 'X' : first.front()));
+    const auto most =
+        static_cast<std::size_t>(gxi_spice_nodes(first.empty() ? 'X' : first.front()));
     std::size_t end = 1;
     while (end < words.size() && !ends_nodes(words[end])) ++end;
     // The last word of a call names what is called.
-    const bool calls = most == 1000;
+    const bool calls = most == gxi_any_nodes;
     if (calls && end > 1 && (end == words.size() || words[end].find('=') != std::string::npos) &&
         !is_pins(words[end - 1]))
       --end;

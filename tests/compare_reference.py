@@ -58,7 +58,12 @@ def nodes_of(words):
 def spice_nets(path):
     """The pins of each net, as (device, position)."""
     lines = []
+    commands = False
     for line in open(path, encoding="utf-8"):
+        commands = line.lower().startswith(".control") or (
+            commands and not line.lower().startswith(".endc"))
+        if commands:
+            continue
         if line.startswith("+") and lines:
             lines[-1] += " " + line[1:]
         elif line[:1].isalpha():
