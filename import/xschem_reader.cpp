@@ -15,8 +15,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t most_text_devices = 2000;  // more would not fit on the sheet
-
 std::string upper(std::string_view text) {
   std::string result(text);
   std::transform(result.begin(), result.end(), result.begin(), gx_upper_case);
@@ -192,12 +190,6 @@ class xschem_reader {
   // Devices that stand as lines of a netlist beside the drawing: below it, without a picture.
   void add_text_devices(gxi_sheet_t& sheet, const std::string& text, gxi_xschem_nets_t& nets) {
     auto devices = gxi_netlist_devices(text);
-    if (devices.size() > most_text_devices) {
-      gxm_complain(design_.warnings, sheet.source,
-                   std::to_string(devices.size()) +
-                       " devices that stand as netlist text are left in notes.txt");
-      return;
-    }
     constexpr int row = 40;
     gx_pointreal_t corner{0, 2 * gxm_step};
     for (const auto& instance : sheet.instances) corner.y = std::max(corner.y, instance.at.y);
