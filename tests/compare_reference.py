@@ -78,6 +78,8 @@ def spice_nets(path):
 def spice_name(path):
     """/XA/X1/M2 as xschem's flat netlist says it: M2_XA_X1."""
     *levels, leaf = path.upper().strip("/").split("/")
+    # Levels that an import added where a sheet was too large.
+    levels = [level for level in levels if not re.fullmatch(r"PART\d+", level)]
     return "_".join([leaf] + levels)
 
 
