@@ -162,7 +162,8 @@ class joiner {
     std::map<int, std::size_t> bits;
     for (std::size_t i = 0; i < components_.size(); ++i) {
       const auto& placed = components_[i];
-      if (placed.ignored || placed.symbol->role != gxi_role_t::device) continue;
+      // What is only drawn counts, too: a mark of one bit on unconnected pins joins them.
+      if (placed.ignored) continue;
       for (std::size_t pin = 0; pin < placed.pins.size(); ++pin) {
         const int group = groups_.root(member(i, pin));
         if (names_.contains(group)) continue;
