@@ -8,6 +8,7 @@
 #include "gx/db/files.h"
 #include "gx/display/window.h"
 #include "gx/text/strings.h"
+#include "gx/vext.h"
 #include "gxmake/memory_array.h"
 #include "tests/support/make_design.h"
 

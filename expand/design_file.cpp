@@ -17,7 +17,7 @@
 #include "expand/design_records.h"
 #include "expand/output.h"
 #include "expand/store.h"
-#include "gx/display/list_viewport.h"
+#include "gx/text/message_list.h"
 #include "gx/text/text_files.h"
 
 namespace {

@@ -5,9 +5,9 @@
 #include <string>
 
 #include "expand/debug.h"
-#include "expand/messages.h"
 #include "expand/save_records.h"
-#include "gx/text/state.h"
+#include "gx/text/message_list.h"
+#include "gx/text/session_state.h"
 #include "gx/text/strings.h"
 
 kv_path_step::kv_path_step(kv_flatten_t& run, std::string_view piece)
@@ -22,9 +22,9 @@ kv_path_step::kv_path_step(kv_flatten_t& run, std::string_view piece)
 
 void kv_end_at_long_path(kv_flatten_t& run, std::string_view path, std::string_view piece) {
   if (run.end) return;
-  kv_tell("# !! Error : Path longer than 100 characters : ");
-  kv_tell("# !! : \"", path, piece, "\"");
-  kv_count_error();
+  gx_tell("# !! Error : Path longer than 100 characters : ");
+  gx_tell("# !! : \"", path, piece, "\"");
+  gx_count_error();
   run.end = kv_run_result::path_too_long;
 }
 
@@ -53,28 +53,28 @@ struct visit_t {
 };
 
 bool must_stop(const kv_flatten_t& run) {
-  return run.end || gx_vext.num_errors - run.errors_before > most_errors;
+  return run.end || gx_session.num_errors - run.errors_before > most_errors;
 }
 
 void tell_report(const kv_report_t& report) {
-  for (const auto& line : report.lines) kv_tell(line);
-  kv_count_error();
+  for (const auto& line : report.lines) gx_tell(line);
+  gx_count_error();
 }
 
 void tell_different_globals(std::string_view label1, std::string_view name1,
                             std::string_view label2, std::string_view name2) {
-  kv_tell("# !! Error Different Globals connected --> ");
-  kv_tell_quoted(label1, name1);
-  kv_tell_quoted(label2, name2);
-  kv_count_error();
+  gx_tell("# !! Error Different Globals connected --> ");
+  gx_tell_quoted(label1, name1);
+  gx_tell_quoted(label2, name2);
+  gx_count_error();
 }
 
 void tell_bad_init(std::string_view where, std::string_view name_label, std::string_view name,
                    std::string_view value) {
-  kv_tell(where);
-  kv_tell_quoted(name_label, name);
-  kv_tell_quoted("# !! INIT value  : ", value);
-  kv_count_error();
+  gx_tell(where);
+  gx_tell_quoted(name_label, name);
+  gx_tell_quoted("# !! INIT value  : ", value);
+  gx_count_error();
 }
 
 // Sets the state of the flat net of a group: of every member that a bus of the sheet stands for.
@@ -110,9 +110,9 @@ bool bring_down(const kv_sheet_pin_t& pin, const kv_flat_t& above, const kv_shee
 }
 
 void tell_port(const visit_t& visit, const kv_sheet_port_t& port, std::string_view what) {
-  kv_tell("# !! Pin of INStance : \"", visit.run.path.view(), "/", visit.sheet.view(port.name),
+  gx_tell("# !! Pin of INStance : \"", visit.run.path.view(), "/", visit.sheet.view(port.name),
           "\"", "    : ", what);
-  kv_count_error();
+  gx_count_error();
 }
 
 void process_ports(const visit_t& visit) {
@@ -128,7 +128,8 @@ void process_ports(const visit_t& visit) {
     if (port.group < 0) continue;
     const auto& pin = above.pins[static_cast<std::size_t>(visit.entry.inst->first_pin + place)];
     if (pin.group < 0) continue;  // told when the pin was saved
-    const auto& flat_above = visit.run.flats[visit.entry.flats + static_cast<std::size_t>(pin.group)];
+    const auto& flat_above =
+        visit.run.flats[visit.entry.flats + static_cast<std::size_t>(pin.group)];
     if (flat_above.net == 0) continue;
     if (!bring_down(pin, flat_above, visit.group(port.group), visit.flat(port.group))) {
       tell_port(visit, port, "  not compatible at level -1 ? ");
@@ -154,8 +155,8 @@ void save_flat_net(const visit_t& visit, std::int32_t group_ind) {
   flat.net = kv_save_net(visit.run, visit.sheet, master, name);
   if (group.width == 0) return;
   kv_debug(" KV_SAVE_BUS  : error : range of bus  : %d\n", master.object_id);
-  kv_tell_quoted("# !! Error : Range of Bus Invalid : ", visit.run.path.view());
-  kv_count_error();
+  gx_tell_quoted("# !! Error : Range of Bus Invalid : ", visit.run.path.view());
+  gx_count_error();
 }
 
 // The flat net of a global, saved where the run meets the global first.
@@ -191,8 +192,8 @@ std::int32_t process_global_on_bus(const visit_t& visit, const kv_sheet_global_t
   if (flat.net == 0) return 0;
   const std::string_view name = visit.sheet.view(global.name);
   if (global.position < 0) {
-    kv_tell_quoted("# !! Error : Global out of the range of its Bus : ", name);
-    kv_count_error();
+    gx_tell_quoted("# !! Error : Global out of the range of its Bus : ", name);
+    gx_count_error();
     return 0;
   }
   const std::int32_t member = kv_sext.nets[flat.net].netind_start + flat.position + global.position;
@@ -236,8 +237,9 @@ void process_globals(const visit_t& visit) {
                                     : process_global_on_net(visit, global, global_net);
     if (net != 0 && global.init.what == kv_init_t::valid) kv_set_initial_state(net, global.init);
     if (global.init.what == kv_init_t::invalid) {
-      tell_bad_init("# !! INIT property on PIN of GLOBAL Invalid ", "# !! Global name  : ",
-                    visit.sheet.view(global.name), visit.sheet.view(global.init.text));
+      tell_bad_init("# !! INIT property on PIN of GLOBAL Invalid ",
+                    "# !! Global name  : ", visit.sheet.view(global.name),
+                    visit.sheet.view(global.init.text));
     }
   }
 }
@@ -251,11 +253,11 @@ void process_init(const visit_t& visit, const kv_sheet_net_t& net) {
   const kv_flat_t& flat = visit.flat(net.group);
   if (flat.by_port) {
     const auto& port = visit.sheet.ports[static_cast<std::size_t>(visit.group(net.group).port)];
-    tell_bad_init("# !! INIT property on NET of PORT Invalid ", "# !! Port name  : ",
-                  visit.sheet.view(port.name), value);
+    tell_bad_init("# !! INIT property on NET of PORT Invalid ",
+                  "# !! Port name  : ", visit.sheet.view(port.name), value);
   } else {
-    tell_bad_init("# !! INIT property on Local NET Invalid ", "# !! NET name  : ",
-                  visit.name(net.suffix), value);
+    tell_bad_init("# !! INIT property on Local NET Invalid ",
+                  "# !! NET name  : ", visit.name(net.suffix), value);
   }
 }
 
@@ -301,15 +303,15 @@ bool check_symbol(const visit_t& visit, kv_sheet_symbol_t& symbol) {
   const std::string_view path = visit.sheet.view(symbol.path);
   const kv_component_t& component = kv_component_of(visit.run.cache, visit.sheet, symbol);
   const auto tell_old = [&](std::string_view headline) {
-    kv_tell(headline);
-    kv_tell_quoted("# !! : ", path);
-    kv_tell("# !! using old symbol version  ");
-    kv_count_error();
+    gx_tell(headline);
+    gx_tell_quoted("# !! : ", path);
+    gx_tell("# !! using old symbol version  ");
+    gx_count_error();
   };
   if (!symbol.version_valid) tell_old("# !! Error : Invalid Version in pathname of : ");
   if (!component.symbol_found) {
-    kv_tell_quoted("# !! Error : Symbol of : ", path, "  not found ? ");
-    kv_count_error();
+    gx_tell_quoted("# !! Error : Symbol of : ", path, "  not found ? ");
+    gx_count_error();
     return false;
   }
   if (symbol.version_valid && symbol.version != component.symbol_version) {
@@ -320,12 +322,12 @@ bool check_symbol(const visit_t& visit, kv_sheet_symbol_t& symbol) {
 
 std::int8_t timing_of(const visit_t& visit, const kv_sheet_inst_t& inst) {
   if (inst.timing_state != kv_sheet_inst_t::timing_ok) {
-    kv_tell_quoted("# !! Error on Timing Index : ", visit.run.path.view());
-    kv_tell_quoted("# !! : ", visit.sheet.view(inst.timing_text));
+    gx_tell_quoted("# !! Error on Timing Index : ", visit.run.path.view());
+    gx_tell_quoted("# !! : ", visit.sheet.view(inst.timing_text));
     if (inst.timing_state == kv_sheet_inst_t::timing_too_big) {
-      kv_tell_quoted("# !! Max value for Timing Index : ", "120");
+      gx_tell_quoted("# !! Max value for Timing Index : ", "120");
     }
-    kv_count_error();
+    gx_count_error();
   }
   return inst.timing_index >= 0 ? inst.timing_index : visit.timing_index;
 }
@@ -338,8 +340,8 @@ void process_macro(const visit_t& visit, kv_sheet_inst_t& inst, kv_sheet_symbol_
   if (run.end) return;
   kv_sheet_t* below = kv_get_sheet_for_expand(run.cache, visit.sheet, symbol);
   if (below == nullptr) {
-    kv_tell("# !! Error no sheet found for : ");
-    kv_tell_quoted("# !! : ", run.path.view());
+    gx_tell("# !! Error no sheet found for : ");
+    gx_tell_quoted("# !! : ", run.path.view());
     return;
   }
   const std::int32_t macro_here = run.macro_level;
@@ -360,7 +362,7 @@ void process_inst(const visit_t& visit, kv_sheet_inst_t& inst, kv_sheet_symbol_t
     return;
   }
   kv_save_inst(run, visit.sheet, inst, timing_index, run.flats.data() + visit.flats);
-  if (visit.level == 1) kv_tell_quoted("# Processing : ", run.path.view());
+  if (visit.level == 1) gx_tell_quoted("# Processing : ", run.path.view());
 }
 
 void process_instances(const visit_t& visit) {
@@ -368,7 +370,8 @@ void process_instances(const visit_t& visit) {
     if (must_stop(visit.run)) return;
     if (!check_symbol(visit, symbol)) continue;
     for (std::int32_t i = 0; i < symbol.nb_of_inst && !must_stop(visit.run); ++i) {
-      process_inst(visit, visit.sheet.insts[static_cast<std::size_t>(symbol.first_inst + i)], symbol);
+      process_inst(visit, visit.sheet.insts[static_cast<std::size_t>(symbol.first_inst + i)],
+                   symbol);
     }
   }
 }
@@ -381,10 +384,10 @@ void process_objects(const visit_t& visit) {
     process_nets(visit);
     process_instances(visit);
   } catch (const kv_store_full_t& full) {
-    kv_tell("# !! Error : Design too large : more than ", std::to_string(kv_max_records),
+    gx_tell("# !! Error : Design too large : more than ", std::to_string(kv_max_records),
             " records of the kind : ", full.name);
-    kv_tell_quoted("# !! Sheet : ", visit.run.path.view());
-    kv_count_error();
+    gx_tell_quoted("# !! Sheet : ", visit.run.path.view());
+    gx_count_error();
     visit.run.end = kv_run_result::design_too_large;
   }
 }
@@ -395,16 +398,16 @@ void kv_process_inst_of_sheet(kv_flatten_t& run, kv_sheet_t& sheet, const kv_ent
                               std::int16_t level, std::int8_t timing_index) {
   if (level < 1 || level > kv_max_levels) {
     std::printf("!! Invalid level = %d\n", level);
-    kv_tell("# !! Error : Too many sheet levels ? : ", run.path.view());
-    kv_count_error();
+    gx_tell("# !! Error : Too many sheet levels ? : ", run.path.view());
+    gx_count_error();
     run.end = kv_run_result::too_many_levels;
     return;
   }
   run.expand_level = level;
-  if (level <= 2) kv_tell_quoted("# Processing : ", run.path.view());
+  if (level <= 2) gx_tell_quoted("# Processing : ", run.path.view());
   if (sheet.deleted_object != 0) {
     std::printf("!! Invalid  Object ( deleted )  = %d\n", sheet.deleted_object);
-    kv_count_error();
+    gx_count_error();
     return;
   }
   if (sheet.file_path.size() > kv_max_string) {

@@ -6,9 +6,9 @@
 
 // The instance through which a sheet is entered; none for the top sheet.
 struct kv_entry_t {
-  kv_sheet_t* sheet = nullptr;       // that holds the instance
+  kv_sheet_t* sheet = nullptr;  // that holds the instance
   kv_sheet_inst_t* inst = nullptr;
-  std::size_t flats = 0;             // where its sheet's flat nets begin
+  std::size_t flats = 0;  // where its sheet's flat nets begin
 };
 
 // Flattens a sheet under run.path. run.end is set when the run cannot go on.

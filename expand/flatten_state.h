@@ -33,8 +33,8 @@ struct kv_flatten_t {
   std::int32_t& macro_level;       // its macro, 0 at the top
   std::int32_t errors_before = 0;  // counted before the run
   kv_sheet_cache_t cache{};
-  std::vector<kv_flat_t> flats{};  // those of a sheet follow those of the sheet above it
-  kv_path_t path{};                // of the object being saved
+  std::vector<kv_flat_t> flats{};      // those of a sheet follow those of the sheet above it
+  kv_path_t path{};                    // of the object being saved
   std::optional<kv_run_result> end{};  // why the run cannot go on
 };
 

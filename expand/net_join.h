@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "gx/db/file_records.h"
+#include "gx/db/ids.h"
 
 // A port on a net.
 struct kv_port_name_t {
@@ -20,7 +21,7 @@ struct kv_port_name_t {
 };
 
 struct kv_net_groups_t {
-  std::vector<std::int32_t> group_of_net;  // per net; groups are numbered by their first net
+  std::vector<std::int32_t> group_of_net;     // per net; groups are numbered by their first net
   std::vector<std::int32_t> master_of_group;  // the first net with a name, else the first net
 };
 

@@ -17,11 +17,11 @@ struct direction {
   std::int32_t kv_pin_record_t::*next;
   std::int32_t kv_pin_record_t::*ends;  // number of chains whose last pin it is
 };
-constexpr direction in{&kv_net_record_t::nb_pin_in,      &kv_net_record_t::first_pin_in_ind,
-                       &kv_net_record_t::last_pin_in,    &kv_net_record_t::full_in_told,
+constexpr direction in{&kv_net_record_t::nb_pin_in,       &kv_net_record_t::first_pin_in_ind,
+                       &kv_net_record_t::last_pin_in,     &kv_net_record_t::full_in_told,
                        &kv_pin_record_t::next_pin_in_ind, &kv_pin_record_t::ends_in};
-constexpr direction out{&kv_net_record_t::nb_pin_out,      &kv_net_record_t::first_pin_out_ind,
-                        &kv_net_record_t::last_pin_out,    &kv_net_record_t::full_out_told,
+constexpr direction out{&kv_net_record_t::nb_pin_out,       &kv_net_record_t::first_pin_out_ind,
+                        &kv_net_record_t::last_pin_out,     &kv_net_record_t::full_out_told,
                         &kv_pin_record_t::next_pin_out_ind, &kv_pin_record_t::ends_out};
 
 constexpr std::int16_t most_pins = std::numeric_limits<std::int16_t>::max();
@@ -93,8 +93,7 @@ kv_chained chain_on_members(std::int32_t pin_ind, std::int32_t first_net, std::i
     auto& net = kv_sext.nets[n];
     if (is_full<D>(net)) continue;
     const auto* tail = net.*D.last != 0 ? &kv_sext.pins[net.*D.last] : nullptr;
-    const bool can_be_last =
-        !is_first && (tail == nullptr || tail->seen >= tail->*D.ends);
+    const bool can_be_last = !is_first && (tail == nullptr || tail->seen >= tail->*D.ends);
     if (can_be_last) {
       is_last = true;
     } else if (tail != nullptr && !is_last && (!is_first || pin.*D.next == net.*D.first)) {

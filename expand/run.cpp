@@ -6,16 +6,18 @@
 
 #include "expand/debug.h"
 #include "expand/flatten.h"
-#include "expand/messages.h"
 #include "expand/output.h"
+#include "gx/db/file_state.h"
 #include "gx/db/object_access.h"
 #include "gx/text/date.h"
+#include "gx/text/message_list.h"
+#include "gx/text/session_state.h"
 
 namespace {
 
 void refuse(std::string_view error) {
-  kv_tell("# RUN ");
-  kv_tell(error);
+  gx_tell("# RUN ");
+  gx_tell(error);
 }
 
 // Every list must have an entry; the first empty one is told.
@@ -50,10 +52,10 @@ void check_nets() {
     kv_debug("  object_id : %d  net_type : %d  net_kind : %d  bus : %d  name : %d\n", net.object_id,
              net.net_type, net.net_kind, net.bus, net.name);
     net.name = empty;
-    kv_count_warning();
-    kv_tell("# !! WARNING : PORT SubNET of BUS NOT USED ?? = ",
+    gx_count_warning();
+    gx_tell("# !! WARNING : PORT SubNET of BUS NOT USED ?? = ",
             std::to_string(i - net.father_net - 1));
-    kv_tell_quoted("# !! NET name  : ", kv_string_view(net.sim_path));
+    gx_tell_quoted("# !! NET name  : ", kv_string_view(net.sim_path));
   }
 }
 
@@ -78,8 +80,8 @@ void store_info() {
   info.nbof_pinm = kv_sext.pinms.count;
   info.nbof_macro = kv_sext.macros.count;
   info.time_step = kv_sext.time_step;
-  info.num_errors = gx_vext.num_errors;
-  info.num_warnings = gx_vext.num_warnings;
+  info.num_errors = gx_session.num_errors;
+  info.num_warnings = gx_session.num_warnings;
   const std::pair<const char*, std::int32_t> counts[] = {
       {"nbof_prop_instance", info.nbof_prop_instance},
       {"nbof_prop_pin", info.nbof_prop_pin},
@@ -100,8 +102,8 @@ void store_info() {
 
 // The whole walk; why it ended early, if it did.
 std::optional<kv_run_result> flatten(const kv_run_t& run, gx_file_index_t top) {
-  const auto& slot = gx_vext.filear[static_cast<std::size_t>(top)];
-  kv_flatten_t walk{run.expand_level, run.macro_level, gx_vext.num_errors};
+  const auto& slot = gx_files.filear[static_cast<std::size_t>(top)];
+  kv_flatten_t walk{run.expand_level, run.macro_level, gx_session.num_errors};
   kv_sheet_t sheet = kv_analyse_sheet(gx_ptrto_gene_file_buf(top), gx_view(slot.file_pathname),
                                       walk.cache.globals);
   kv_find_tied_globals(walk.cache, sheet, 1);
@@ -117,12 +119,12 @@ std::optional<kv_run_result> flatten(const kv_run_t& run, gx_file_index_t top) {
 kv_run_result kv_run_expansion(const kv_run_t& run) {
   if (!lists_are_set()) return kv_run_result::no_lists;
   const gx_file_index_t top = run.sheets.front().file_index;
-  if (top < 1 || top > gx_max_files || top > gx_vext.num_file_open) {
+  if (top < 1 || top > gx_max_files || top > gx_files.num_file_open) {
     refuse("# !! Error : No Sheet available to expand ? ");
     return kv_run_result::no_sheet;
   }
   kv_empty_store();
-  kv_tell(" RUN ");
+  gx_tell(" RUN ");
   if (const auto end = flatten(run, top)) {
     kv_empty_store();  // a part of a design is not taken for the whole
     return *end;
@@ -131,9 +133,9 @@ kv_run_result kv_run_expansion(const kv_run_t& run) {
   check_nets();
   store_info();
   const std::string_view directory =
-      gx_view(gx_vext.filear[static_cast<std::size_t>(top)].dirname);
+      gx_view(gx_files.filear[static_cast<std::size_t>(top)].dirname);
   if (kv_write_output(run.gen_data, directory)) return kv_run_result::done;
-  kv_tell_quoted("# !! Error : Expanded data not written whole in : ", directory);
-  kv_count_error();
+  gx_tell_quoted("# !! Error : Expanded data not written whole in : ", directory);
+  gx_count_error();
   return kv_run_result::write_failed;
 }

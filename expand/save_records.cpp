@@ -5,9 +5,9 @@
 #include <cstring>
 
 #include "expand/debug.h"
-#include "expand/messages.h"
 #include "expand/pin_chains.h"
 #include "expand/values.h"
+#include "gx/text/message_list.h"
 
 namespace {
 
@@ -20,19 +20,27 @@ constexpr std::string_view net_path_label = "#    Net Path : ";
 
 void tell_bad_value(const kv_prop_type_record_t& entry, std::string_view value,
                     std::string_view path_label, std::string_view path) {
-  kv_tell("# !! Error found on property value ");
-  kv_tell_quoted(path_label, path);
-  kv_tell_quoted("#    Property Name :  ", gx_view(entry.name));
-  kv_tell_quoted("#    Property Value :  ", value);
-  kv_count_error();
+  gx_tell("# !! Error found on property value ");
+  gx_tell_quoted(path_label, path);
+  gx_tell_quoted("#    Property Name :  ", gx_view(entry.name));
+  gx_tell_quoted("#    Property Value :  ", value);
+  gx_count_error();
 }
 
 void save_value(const kv_kept_t& kept, std::string_view text) {
   switch (kept.type) {
-    case kv_prop_string: kv_save_prop_str(text); break;
-    case kv_prop_int: kv_save_prop_int(kept.number[0], kept.number[1], kept.number[2]); break;
-    case kv_prop_time: kv_save_prop_time(kept.number[0], kept.number[1], kept.number[2]); break;
-    case kv_prop_real: kv_save_prop_real(kept.real[0], kept.real[1], kept.real[2]); break;
+    case kv_prop_string:
+      kv_save_prop_str(text);
+      break;
+    case kv_prop_int:
+      kv_save_prop_int(kept.number[0], kept.number[1], kept.number[2]);
+      break;
+    case kv_prop_time:
+      kv_save_prop_time(kept.number[0], kept.number[1], kept.number[2]);
+      break;
+    case kv_prop_real:
+      kv_save_prop_real(kept.real[0], kept.real[1], kept.real[2]);
+      break;
   }
 }
 
@@ -73,12 +81,12 @@ void fill_instance(kv_flatten_t& run, const kv_sheet_t& sheet, const kv_sheet_in
 
 void check_pin_type(const kv_sheet_pin_t& pin, std::string_view path) {
   if (pin.type_state == kv_sheet_pin_t::type_missing) {
-    kv_tell("# ? Warning Pintype Not Defined so \"OUTPUT\" assumed FOR pin : ", path);
-    kv_count_warning();
+    gx_tell("# ? Warning Pintype Not Defined so \"OUTPUT\" assumed FOR pin : ", path);
+    gx_count_warning();
   } else if (pin.type_state == kv_sheet_pin_t::type_invalid) {
-    kv_tell("# ? Error : Invalid Pintype on Pin : ");
-    kv_tell_quoted("#  Pin Path : ", path);
-    kv_count_error();
+    gx_tell("# ? Error : Invalid Pintype on Pin : ");
+    gx_tell_quoted("#  Pin Path : ", path);
+    gx_count_error();
   }
 }
 
@@ -97,15 +105,15 @@ const kv_flat_t* fill_pin(kv_flatten_t& run, const kv_sheet_t& sheet, const kv_s
   const kv_flat_t* flat = pin.group >= 0 ? flats + pin.group : nullptr;
   if (flat == nullptr || flat->net == 0) {
     kv_debug(" %s  : error : net of pin  : %d\n", operation, pin.object_id);
-    kv_tell_quoted("# !! Error : Pin without Net : ", run.path.view());
-    kv_count_error();
+    gx_tell_quoted("# !! Error : Pin without Net : ", run.path.view());
+    gx_count_error();
     return nullptr;
   }
   record.net_ind = flat->net;
   record.pin_net_start = static_cast<std::int16_t>(pin.pin_net_start + flat->position);
   if (pin.range_error) {
-    kv_tell_quoted("# !! Error : Pin out of the range of its Bus : ", run.path.view());
-    kv_count_error();
+    gx_tell_quoted("# !! Error : Pin out of the range of its Bus : ", run.path.view());
+    gx_count_error();
   }
   return flat;
 }
@@ -118,11 +126,11 @@ void chain_pin(const kv_sheet_pin_t& pin, const kv_flat_t& flat, std::int32_t in
           ? kv_chain_pin(index, flat.net, 1)
           : kv_chain_pin(index, net.netind_start + flat.position + pin.position, pin.width);
   if (chained == kv_chained::not_all) {
-    kv_tell_quoted("# !! Error : Pin left off the chain of a Bus member : ", path);
-    kv_count_error();
+    gx_tell_quoted("# !! Error : Pin left off the chain of a Bus member : ", path);
+    gx_count_error();
   } else if (chained == kv_chained::too_many) {
-    kv_tell_quoted("# !! Error : More than 32767 pins on Net : ", kv_string_view(net.sim_path));
-    kv_count_error();
+    gx_tell_quoted("# !! Error : More than 32767 pins on Net : ", kv_string_view(net.sim_path));
+    gx_count_error();
   }
 }
 
@@ -153,7 +161,8 @@ class member_text {
     chars_[bus.size()] = '_';
   }
   std::string_view at(std::int32_t position) {
-    char* end = std::to_chars(chars_.data() + stem_len_, chars_.data() + chars_.size(), position).ptr;
+    char* end =
+        std::to_chars(chars_.data() + stem_len_, chars_.data() + chars_.size(), position).ptr;
     return {chars_.data(), static_cast<std::size_t>(end - chars_.data())};
   }
 

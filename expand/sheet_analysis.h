@@ -13,6 +13,7 @@
 
 #include "expand/store.h"
 #include "gx/db/file_records.h"
+#include "gx/db/ids.h"
 
 // A piece of kv_sheet_t::text.
 struct kv_text_t {
@@ -42,16 +43,16 @@ struct kv_init_t {
 struct kv_sheet_net_t {
   gx_object_id_t object_id = 0;
   std::int32_t group = -1;
-  kv_text_t suffix;         // "/" and its name: the NET property, or "N_" and its id
+  kv_text_t suffix;  // "/" and its name: the NET property, or "N_" and its id
   kv_init_t init;
-  std::int32_t kept = -1;   // of masters only
+  std::int32_t kept = -1;  // of masters only
 };
 
 // An equipotential.
 struct kv_sheet_group_t {
   std::int32_t master = -1;  // net
   std::int32_t port = -1;
-  std::int32_t width = 0;    // members of a bus, 0: no bus
+  std::int32_t width = 0;  // members of a bus, 0: no bus
   std::int16_t bus_start = 0, bus_end = 0;
   // The global of the run that it is on, here or inside the sheet of an instance; -1: none. Known
   // after kv_find_tied_globals (expand/sheet_cache.h).
@@ -67,9 +68,9 @@ struct kv_sheet_global_t {
   kv_text_t name;
   std::int32_t run_global = -1;  // its place among the globals of the run
   std::int32_t group = -1;
-  std::int32_t position = 0;     // on a bus: the member, -1: none that exists
-  std::int32_t report = -1;      // what is wrong with it on this sheet
-  bool usable = true;            // false: only its report counts
+  std::int32_t position = 0;  // on a bus: the member, -1: none that exists
+  std::int32_t report = -1;   // what is wrong with it on this sheet
+  bool usable = true;         // false: only its report counts
   kv_init_t init;
 };
 
@@ -77,11 +78,11 @@ struct kv_sheet_pin_t {
   gx_object_id_t object_id = 0;  // pin property family
   std::int16_t io_type = 0;      // kv_io_type
   enum { type_ok, type_missing, type_invalid } type_state = type_ok;
-  bool range_error = false;      // it leaves the range of its bus
+  bool range_error = false;  // it leaves the range of its bus
   std::int16_t pin_start = 0, pin_end = 0, pin_net_start = 0;
   std::int32_t group = -1;
   std::int32_t position = 0, width = 1;  // on a bus: its first member and their number
-  kv_text_t suffix;              // "/" and its name: the PIN property, or "P_" and its id
+  kv_text_t suffix;                      // "/" and its name: the PIN property, or "P_" and its id
   std::int32_t kept = -1;
 };
 
@@ -91,11 +92,11 @@ struct kv_sheet_inst_t {
   std::int8_t timing_index = -1;  // -1: its parent's
   enum { timing_ok, timing_no_number, timing_too_big } timing_state = timing_ok;
   std::int32_t symbol = -1;
-  kv_text_t suffix;               // "/" and its name: the INST property, or "I_" and its id
+  kv_text_t suffix;  // "/" and its name: the INST property, or "I_" and its id
   kv_text_t timing_text;
   std::int32_t first_pin = 0, nb_of_pin = 0;
   std::int32_t kept = -1;
-  std::int32_t port_pins = -1;    // into port_pins, filled when its sheet is first entered
+  std::int32_t port_pins = -1;  // into port_pins, filled when its sheet is first entered
 };
 
 // A symbol that instances of the sheet use; its instances follow one another.
@@ -115,16 +116,16 @@ struct kv_report_t {
 struct kv_sheet_t {
   std::string file_path;
   std::string text;
-  std::int32_t deleted_object = 0;  // first deleted object, 0 = none
-  bool ends_at_port = false;        // a port without a name: nothing behind the ports is done
-  bool ties_known = false;          // tied_global of its groups is final
-  std::vector<kv_sheet_net_t> nets;        // in child order
+  std::int32_t deleted_object = 0;   // first deleted object, 0 = none
+  bool ends_at_port = false;         // a port without a name: nothing behind the ports is done
+  bool ties_known = false;           // tied_global of its groups is final
+  std::vector<kv_sheet_net_t> nets;  // in child order
   std::vector<kv_sheet_group_t> groups;
   std::vector<kv_sheet_port_t> ports;
   std::vector<kv_sheet_global_t> globals;  // every instance of one
   std::vector<kv_report_t> port_reports, global_reports;
   std::vector<kv_sheet_symbol_t> symbols;
-  std::vector<kv_sheet_inst_t> insts;      // symbol by symbol
+  std::vector<kv_sheet_inst_t> insts;  // symbol by symbol
   std::vector<kv_sheet_pin_t> pins;
   std::vector<kv_kept_t> kept;
   // Per instance that was entered, for each port of its sheet: the instance's pin (its place
@@ -139,7 +140,7 @@ struct kv_sheet_t {
 
 // A global of the run.
 struct kv_global_net_record_t {
-  std::string nvalue;       // its name
+  std::string nvalue;        // its name
   std::int32_t net_ind = 0;  // its flat net, 0 while it has none
 };
 

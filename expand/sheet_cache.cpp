@@ -3,9 +3,10 @@
 
 #include <algorithm>
 
-#include "expand/messages.h"
 #include "expand/sheet_slots.h"
 #include "gx/db/files.h"
+#include "gx/db/sheet_shape.h"
+#include "gx/text/message_list.h"
 #include "gx/text/strings.h"
 
 namespace {
@@ -33,14 +34,15 @@ void read_sheet(kv_component_t& component, std::vector<kv_global_net_record_t>& 
   }
   component.sheet_state = kv_component_t::found;
   component.has_primary = load.file->primary_object > 0;
+  component.fault = gx_sheet_fault(*load.file);
   component.is_checked = load.file->check_data_done == 0;
   component.has_no_error = load.file->num_errors <= 0;
   component.sheet = kv_analyse_sheet(*load.file, gx_view(version.file_pathname), globals);
 }
 
 void tell_error(std::string_view label, std::string_view path, std::string_view tail) {
-  kv_tell_quoted(label, path, tail);
-  kv_count_error();
+  gx_tell_quoted(label, path, tail);
+  gx_count_error();
 }
 
 std::int32_t pin_of_port(const kv_sheet_t& above, const kv_sheet_inst_t& inst,
@@ -97,8 +99,8 @@ kv_sheet_t* kv_get_sheet_for_expand(kv_sheet_cache_t& cache, const kv_sheet_t& s
   } else if (!symbol.version_valid) {
     tell_error("!! Error : Symbol File Version of ", path, "  Invalid ? ");
   } else if (symbol.version != component.symbol_version) {
-    kv_tell_quoted("!! Warning : using old version of : ", path);
-    kv_count_warning();
+    gx_tell_quoted("!! Warning : using old version of : ", path);
+    gx_count_warning();
   }
 
   read_sheet(component, cache.globals);
@@ -108,10 +110,11 @@ kv_sheet_t* kv_get_sheet_for_expand(kv_sheet_cache_t& cache, const kv_sheet_t& s
   }
   if (component.sheet_state == kv_component_t::damaged) {
     tell_error(sheet_of_inst, path, "  not found ? ");
-    kv_tell("# !! : ", component.why_damaged);
+    gx_tell("# !! : ", component.why_damaged);
     return nullptr;
   }
-  if (!component.has_primary) tell_error(sheet_of_inst, path, "  Invalid ? ");
+  if (!component.fault.empty()) tell_error(sheet_of_inst, path, "  Invalid ? ");
+  if (!component.fault.empty() && component.has_primary) gx_tell("# !! : ", component.fault);
   constexpr std::string_view unchecked = "#  !! Error : Sheet of INStance ";
   if (!component.is_checked) tell_error(unchecked, path, "  NOT CHECKED ? ");
   if (!component.has_no_error) tell_error(unchecked, path, "  WITH Error(s) ? ");
@@ -142,7 +145,8 @@ void kv_find_tied_globals(kv_sheet_cache_t& cache, kv_sheet_t& sheet, int level)
     kv_component_t& component = kv_component_of(cache, sheet, symbol);
     const auto begin = sheet.insts.begin() + symbol.first_inst;
     const auto end = begin + symbol.nb_of_inst;
-    const bool is_leaf = std::all_of(begin, end, [](const auto& inst) { return inst.is_primitive; });
+    const bool is_leaf =
+        std::all_of(begin, end, [](const auto& inst) { return inst.is_primitive; });
     if (is_leaf || !component.symbol_found) continue;
     read_sheet(component, cache.globals);
     if (component.sheet_state != kv_component_t::found || component.sheet.ends_at_port) continue;

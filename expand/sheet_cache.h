@@ -20,8 +20,9 @@ struct kv_component_t {
   enum { unknown, missing, damaged, found } sheet_state = unknown;
   std::string why_damaged;
   bool has_primary = false;
-  bool is_checked = false;     // not changed since its last check
-  bool has_no_error = false;   // and that check found none
+  std::string fault;          // what it lacks as a sheet
+  bool is_checked = false;    // not changed since its last check
+  bool has_no_error = false;  // and that check found none
   kv_sheet_t sheet;
 };
 

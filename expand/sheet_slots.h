@@ -3,8 +3,8 @@
 
 #include <array>
 
+#include "gx/db/ids.h"
 #include "gx/text/records.h"
-#include "gx/text/state.h"
 
 inline constexpr int kv_max_levels = 28;
 

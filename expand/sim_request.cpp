@@ -10,9 +10,8 @@
 #include <string>
 
 #include "expand/debug.h"
-#include "gx/display/list_viewport.h"
-#include "gx/display/window.h"
-#include "gx/text/state.h"
+#include "gx/db/file_state.h"
+#include "gx/text/message_list.h"
 
 int KivoSpice_fifo_fd = -1;
 
@@ -67,8 +66,7 @@ bool write_line(int fd, const std::string& line) {
 void kv_send_request(std::string_view request) {
   if (request.empty()) return;
   const std::string line = std::string(request.substr(0, kv_max_request)) + "\n";
-  gx_sync();
-  std::string path(gx_view(gx_vext.filear[1].dirname));
+  std::string path(gx_view(gx_files.filear[1].dirname));
   path.append("/").append(kv_fifo_name);
   // Without O_NONBLOCK the opening would wait for a reader.
   KivoSpice_fifo_fd = ::open(path.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);

@@ -18,8 +18,8 @@
 inline constexpr int kv_blocks = 500;
 inline constexpr int kv_block_size = 1000;
 inline constexpr std::int32_t kv_max_records = kv_blocks * kv_block_size;
-inline constexpr int kv_max_string = 100;   // characters of a stored string
-inline constexpr int kv_max_list = 16;      // entries of a PRIMitive, PARAMeter or PROPerty list
+inline constexpr int kv_max_string = 100;  // characters of a stored string
+inline constexpr int kv_max_list = 16;     // entries of a PRIMitive, PARAMeter or PROPerty list
 
 // Which array; also the order of the design file.
 enum class kv_array { chars, strings, props, insts, pins, nets, net_childs, macros, pinms };
@@ -81,7 +81,12 @@ struct kv_blocked_t {
   }
 };
 
-enum kv_prop_type : std::int16_t { kv_prop_string = 0, kv_prop_int = 1, kv_prop_time = 2, kv_prop_real = 3 };
+enum kv_prop_type : std::int16_t {
+  kv_prop_string = 0,
+  kv_prop_int = 1,
+  kv_prop_time = 2,
+  kv_prop_real = 3
+};
 
 struct kv_string_record_t {
   std::int32_t index = 0;  // character index of the first character
@@ -109,14 +114,14 @@ struct kv_inst_record_t {
   std::int32_t self = 0;
   std::int16_t object_id = 0;
   std::int16_t status = 0;
-  std::int8_t timing_index = 0;       // 0..120
+  std::int8_t timing_index = 0;  // 0..120
   std::int32_t user_data_area = 0;
-  std::int32_t sim_path = 0;          // string index
-  std::int32_t file_path = 0;         // string index
+  std::int32_t sim_path = 0;   // string index
+  std::int32_t file_path = 0;  // string index
   std::int16_t nb_of_pin = 0;
-  std::int32_t first_pin_ind = 0;     // its pins are consecutive from there
+  std::int32_t first_pin_ind = 0;  // its pins are consecutive from there
   std::int8_t nb_of_property = 0;
-  std::int32_t first_prop = 0;        // its properties are consecutive from there
+  std::int32_t first_prop = 0;  // its properties are consecutive from there
 };
 
 enum kv_io_type : std::int16_t { kv_io_in = 1, kv_io_out = 2, kv_io_ixo = 3, kv_io_io = 4 };
@@ -125,7 +130,7 @@ struct kv_pin_record_t {
   std::int32_t self = 0;
   std::int16_t object_id = 0;
   std::int16_t status = 0;
-  std::int16_t io_type = 0;           // kv_io_type
+  std::int16_t io_type = 0;  // kv_io_type
   std::int32_t pin_hdler = 0;
   std::int16_t pin_hdl_priority = 1;
   kv_signal_state_rec pin_state;
@@ -145,7 +150,11 @@ struct kv_pin_record_t {
 
 enum kv_net_type : std::int16_t { kv_net_standard = 1, kv_net_sub = 2, kv_net_bus = 3 };
 enum kv_net_kind : std::int16_t {
-  kv_kind_local = 0, kv_kind_bus = 1, kv_kind_port = 2, kv_kind_child = 3, kv_kind_global = 4
+  kv_kind_local = 0,
+  kv_kind_bus = 1,
+  kv_kind_port = 2,
+  kv_kind_child = 3,
+  kv_kind_global = 4
 };
 
 struct kv_net_record_t {
@@ -154,7 +163,7 @@ struct kv_net_record_t {
   std::int16_t net_type = kv_net_standard;
   std::int16_t status = 0;
   std::int16_t net_kind = kv_kind_local;
-  std::int32_t name = 0;              // string index; 0 until a name is known
+  std::int32_t name = 0;  // string index; 0 until a name is known
   std::int32_t sim_path = 0;
   std::int32_t nb_of_child = 0;
   std::int32_t first_child = 0;
@@ -170,12 +179,12 @@ struct kv_net_record_t {
   std::int32_t rise[3] = {}, fall[3] = {};
   // type 3 (in the place of the signal view in the file image)
   std::int16_t net_bus_start = 0, net_bus_end = 0;
-  std::int32_t netind_start = 0;      // first member
+  std::int32_t netind_start = 0;  // first member
   // bus membership
-  std::int32_t bus = 0;               // of a member: its bus
-  std::int16_t posinbus = 0;          // from 0
-  std::int32_t first_sub_net = 0;     // of a bus: first named sub-net
-  std::int32_t father_net = 0;        // of a named sub-net: its bus
+  std::int32_t bus = 0;            // of a member: its bus
+  std::int16_t posinbus = 0;       // from 0
+  std::int32_t first_sub_net = 0;  // of a bus: first named sub-net
+  std::int32_t father_net = 0;     // of a named sub-net: its bus
   std::int32_t next_sub_net = 0;
   // in memory only: the tails of the chains, so that appending costs the same at any length
   std::int32_t last_child = 0, last_pin_in = 0, last_pin_out = 0, last_sub_net = 0;
@@ -199,7 +208,7 @@ struct kv_macro_record_t {
   std::int32_t sim_path = 0;
   std::int32_t file_path = 0;
   std::int16_t nb_of_pin = 0;
-  std::int32_t first_pin_ind = 0;     // macro-pin index
+  std::int32_t first_pin_ind = 0;  // macro-pin index
   std::int8_t nb_of_property = 0;
   std::int32_t first_prop = 0;
 };
@@ -218,7 +227,7 @@ struct kv_pinm_record_t {
 
 // --- set-up lists
 struct kv_prim_in_record_t {
-  gx_string_record_t name, nvalue;    // nvalue empty: any value
+  gx_string_record_t name, nvalue;  // nvalue empty: any value
 };
 struct kv_param_in_record_t {
   gx_string_record_t name;
@@ -261,10 +270,10 @@ struct kv_defref_exp_rec_t {
   kv_list_t<kv_prop_type_record_t> property_instance, property_pin, property_net;
   float time_step = 0;
   kv_general_info_record_t general_info;
-  int designfile = -1;                // descriptor of the design file
+  int designfile = -1;  // descriptor of the design file
   bool open_file_ok = false;
   bool gx_graphics_used = false;
-  bool run_goes_on = false;           // see kv_array_full
+  bool run_goes_on = false;  // see kv_array_full
 };
 
 extern kv_defref_exp_rec_t kv_sext;
@@ -293,7 +302,7 @@ kv_net_record_t& kv_ptrto_net_rec(std::int32_t index);
 kv_net_child_record_t& kv_ptrto_net_child_rec(std::int32_t index);
 kv_pinm_record_t& kv_ptrto_pinm_rec(std::int32_t index);
 kv_macro_record_t& kv_ptrto_macro_rec(std::int32_t index);
-const char* kv_ptrto_chars(std::int32_t string_index);  // the string's first character
+const char* kv_ptrto_chars(std::int32_t string_index);       // the string's first character
 std::string_view kv_string_view(std::int32_t string_index);  // "" for 0
 gx_string_record_t kv_copy_string_kv_gx(std::int32_t string_index);
 

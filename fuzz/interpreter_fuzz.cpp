@@ -12,12 +12,13 @@
 #include <fstream>
 #include <string>
 
-#include "app/commands.h"
+#include "app/language/commands.h"
 #include "app/state.h"
 #include "expand/store.h"
 #include "gx/db/files.h"
 #include "gx/display/window.h"
 #include "gx/text/strings.h"
+#include "gx/vext.h"
 #include "platform/shell.h"
 #include "tests/support/make_design.h"
 

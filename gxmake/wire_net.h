@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "gx/db/ids.h"
 #include "gxmake/description.h"
 
 // A pin of an instance of the sheet.

@@ -11,5 +11,5 @@ struct x_timeval_record_t {
 void xdelayms(std::int32_t ms);
 void xdelayms2(std::int32_t ms);
 
-x_timeval_record_t xtimems();                                   // now
-std::int32_t xdiftimems(std::int32_t sec, std::int32_t usec);   // milliseconds since then
+x_timeval_record_t xtimems();                                  // now
+std::int32_t xdiftimems(std::int32_t sec, std::int32_t usec);  // milliseconds since then

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <string>
 
-#include "app/views.h"
+#include "app/sheet/views.h"
 #include "gx/db/files.h"
 #include "gx/db/object_access.h"
 #include "gx/display/plot.h"

@@ -1,4 +1,4 @@
 // Prints the commands that let the user choose one of the menu sets of the product directory.
-#include "app/product_sets.h"
+#include "app/session/product_sets.h"
 
 int main() { return kv_print_set_choice(kv_menu_sets); }

@@ -5,9 +5,9 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "app/installation.h"
-#include "app/root.h"
-#include "gx/text/state.h"
+#include "app/session/installation.h"
+#include "app/session/root.h"
+#include "gx/vext.h"
 #include "platform/raw_files.h"
 #include "platform/timing.h"
 

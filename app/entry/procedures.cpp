@@ -9,7 +9,8 @@
 // Adding one is writing it in this folder: every file here is part of the executable.
 #include <cstdint>
 
-#include "app/commands.h"
+#include "app/language/commands.h"
+#include "gx/text/message_list.h"
 #include "gx/text/numbers.h"
 
 // DOBin SHOW_WORDS a b c: shows each word on a line of its own. A sample, and a way to see what a
@@ -19,6 +20,6 @@ extern "C" [[gnu::used, gnu::section("kv_procedures")]] void kvp_SHOW_WORDS(
   gx_string_record_t number;
   for (std::int16_t i = 0; i < *count; ++i) {
     gx_int16_to_string(i, number);
-    kv_show("# args[", gx_view(number), "] : \"", gx_view(args[i]), "\" ");
+    gx_tell("# args[", gx_view(number), "] : \"", gx_view(args[i]), "\" ");
   }
 }

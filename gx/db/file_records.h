@@ -11,6 +11,7 @@
 #include <new>
 #include <vector>
 
+#include "gx/db/ids.h"
 #include "gx/db/object_records.h"
 #include "gx/text/status.h"
 
@@ -18,19 +19,19 @@ struct gx_file_gene_recf_t {
   // --- stored header
   float software_revision = 2.0F;
   std::int16_t day = 0, month = 0, year = 0, hour = 0, minute = 0;  // of the last save
-  std::int16_t object_id_max = 0;      // ids 1..object_id_max are all allocated
-  gx_object_id_t primary_object = 0;   // the main object
-  gx_object_id_t page_obj_id = 0;      // first page
-  gx_object_id_t grid_obj_id = 0;      // first grid
-  std::int16_t check_data_done = 0;    // nonzero: changed after the last check
-  std::int16_t num_errors = 0;         // of the last check
-  std::int32_t dot_width = 0;          // half size of a junction dot, design units
-  std::uint8_t displayed = 0;          // viewport that showed the file last
+  std::int16_t object_id_max = 0;     // ids 1..object_id_max are all allocated
+  gx_object_id_t primary_object = 0;  // the main object
+  gx_object_id_t page_obj_id = 0;     // first page
+  gx_object_id_t grid_obj_id = 0;     // first grid
+  std::int16_t check_data_done = 0;   // nonzero: changed after the last check
+  std::int16_t num_errors = 0;        // of the last check
+  std::int32_t dot_width = 0;         // half size of a junction dot, design units
+  std::uint8_t displayed = 0;         // viewport that showed the file last
   std::uint8_t reserved = 0;
   std::int16_t fin = gx_file_fin;
 
   // --- in memory only
-  gx_file_index_t file_index = 0;                        // its slot, 0 = none
+  gx_file_index_t file_index = 0;                         // its slot, 0 = none
   std::vector<gx_object_gene_rec_t*> ptr_to_ar_objindex;  // entry i - 1 is object i
   // Owns the object records. (A shared_ptr keeps this record of standard layout, which the field
   // tables need; nobody else holds it.)

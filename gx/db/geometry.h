@@ -56,9 +56,6 @@ bool gx_part_object_outside_father_bounds(const gx_file_gene_recf_t& file, int i
                                           gx_boundsreal_t& box);
 bool gx_point_inside_obj_absbounds(const gx_file_gene_recf_t& file, int id, int inst,
                                    gx_pointreal_t p);
-// The object's absolute box meets the part of the design that the viewport shows.
-bool gx_part_object_inside_vp_bounds(gx_vpid_t vpid, const gx_file_gene_recf_t& file, int id,
-                                     int inst);
 
 // --- picking: the aperture is a centre and a half size
 void gx_pick_set_center(std::int32_t x, std::int32_t y);

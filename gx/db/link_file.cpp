@@ -1,32 +1,17 @@
 // Names of GX files: versions, link files and the paths of symbols.
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
+#include <algorithm>
+#include <cerrno>
 
 #include "gx/db/files.h"
 #include "gx/text/debug.h"
 #include "gx/text/numbers.h"
+#include "gx/text/session_state.h"
 #include "gx/text/strings.h"
 #include "gx/text/text_files.h"
 #include "gx/text/tokens.h"
+#include "platform/files.h"
 
 namespace {
-
-// Longest path that can be opened.
-constexpr std::size_t max_path = 192;
-
-// A link file is looked at often (once for each sheet of a run): it is opened without the wait of
-// gx_popen_file.
-std::FILE* open_link(std::string_view path) {
-  const auto resolved = gx_resolve_path(path);
-  const int descriptor = open(resolved.char_, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-  struct stat info {};
-  if (descriptor >= 0 && fstat(descriptor, &info) == 0 && S_ISREG(info.st_mode)) {
-    if (auto* stream = fdopen(descriptor, "r"); stream != nullptr) return stream;
-  }
-  if (descriptor >= 0) close(descriptor);
-  return nullptr;
-}
 
 // A number of digits only; nothing else is a version.
 gx_parsed<std::int16_t> version_of(std::string_view digits) {
@@ -98,7 +83,7 @@ gx_file_version_t gx_file_get_file_version(std::string_view dirname, std::string
   }
   // A path that was cut names another file than the one that was asked for.
   const auto length = dirname.size() + 1 + filetype.size() + 3 + gx_view(names.link_value).size();
-  if (length > max_path) names.valid = false;
+  if (length > gx_max_path) names.valid = false;
   names.file_pathname = data_path_of(names.link_pathname, names.link_value);
   return names;
 }
@@ -117,13 +102,12 @@ gx_file_version_t gx_file_new_file_version(std::string_view dirname, std::string
 
 bool gx_read_gx_link(std::string_view link_path, gx_string_record_t& link_value) {
   link_value = {};
-  std::FILE* stream = open_link(link_path);
-  if (stream == nullptr) return false;
+  // Looked at once for each sheet of a run: opened without the wait of gx_popen_file.
+  const x_file link = x_open_regular_file(std::string(gx_view(gx_resolve_path(link_path))));
+  if (!link) return false;
   gx_string_record_t line;
-  const bool has_line = gx_read_one_line(stream, line);
-  std::fclose(stream);
-  if (!has_line) {
-    ++gx_vext.num_errors;
+  if (!gx_read_one_line(link.get(), line)) {
+    ++gx_session.num_errors;
     return false;
   }
   std::int32_t pos = 1;
@@ -132,16 +116,9 @@ bool gx_read_gx_link(std::string_view link_path, gx_string_record_t& link_value)
 }
 
 bool gx_add_gx_link(std::string_view link_path, std::string_view link_value) {
-  const auto resolved = gx_resolve_path(link_path);
-  std::FILE* stream = std::fopen(resolved.char_, "we");
-  bool written = false;
-  if (stream != nullptr) {
-    written = std::fprintf(stream, "%.*s        \n", static_cast<int>(link_value.size()),
-                           link_value.data()) > 0;
-    written = std::fclose(stream) == 0 && written;
-  }
-  if (written) return true;
-  ++gx_vext.num_errors;
+  const std::string path(gx_view(gx_resolve_path(link_path)));
+  if (x_replace_file(path, std::string(link_value) + "        \n")) return true;
+  ++gx_session.num_errors;
   gx_debug("!!! ( add_gx_link ) impossible to open new link_file  : \"%.*s\" \n",
            static_cast<int>(link_path.size()), link_path.data());
   return false;
@@ -154,9 +131,9 @@ gx_link_test_t gx_check_gx_link(std::string_view data_path) {
   if (cut == std::string_view::npos) return result;
 
   gx_string_record_t link_value;
-  const auto errors = gx_vext.num_errors;
+  const auto errors = gx_session.num_errors;
   const bool found = gx_read_gx_link(data_path.substr(0, cut), link_value);
-  gx_vext.num_errors = errors;  // an empty link file is an answer here, not an error
+  gx_session.num_errors = errors;  // an empty link file is an answer here, not an error
   if (!found || link_value.len == 0) return result;
 
   result.link_found = true;

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "gx/db/file_state.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
 
@@ -18,11 +19,11 @@ std::int32_t sum(std::int32_t a, std::int32_t b) { return saturated(std::int64_t
 }  // namespace
 
 gx_file_gene_recf_t& gx_ptrto_gene_file_buf(gx_file_index_t file_index) {
-  if (file_index < 1 || file_index > gx_vext.num_file_open || file_index > gx_max_files) {
+  if (file_index < 1 || file_index > gx_files.num_file_open || file_index > gx_max_files) {
     gx_debug_line(" ## error 1 in gx_ptrto_gene_file_buf ");
     gx_set_status(gx_code::init_or_open_file_not_done);
   }
-  const auto& slot = gx_vext.filear[static_cast<std::size_t>(file_index)];
+  const auto& slot = gx_files.filear[static_cast<std::size_t>(file_index)];
   if (slot.start_buf_ptr == nullptr) {
     gx_debug_line(" ## error 2 in gx_ptrto_gene_file_buf ");
     gx_set_status(gx_code::file_index_invalid);
@@ -66,7 +67,7 @@ gx_object_id_t gx_file_inq_primary_object(const gx_file_gene_recf_t& file) {
 }
 
 void gx_file_set_primary_object(gx_file_gene_recf_t& file, int id) {
-  gx_vext.cur_file = file.file_index;
+  gx_files.cur_file = file.file_index;
   if (file.object_id_max > gx_max_object_id) gx_set_status(gx_code::too_many_objects);
   if (!gx_object_id_ok(file, id)) gx_set_status(gx_code::object_id_invalid);
   file.primary_object = static_cast<gx_object_id_t>(id);
@@ -74,7 +75,7 @@ void gx_file_set_primary_object(gx_file_gene_recf_t& file, int id) {
 
 void gx_file_select(gx_file_index_t file_index) {
   gx_ptrto_gene_file_buf(file_index);
-  gx_vext.cur_file = file_index;
+  gx_files.cur_file = file_index;
 }
 
 gx_boundsreal_t gx_file_inq_bounds(const gx_file_gene_recf_t& file) {

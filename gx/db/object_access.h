@@ -3,6 +3,7 @@
 #pragma once
 
 #include "gx/db/file_records.h"
+#include "gx/db/ids.h"
 
 // The general record of a file slot. Not open: init_or_open_file_not_done; without record:
 // file_index_invalid.
@@ -34,21 +35,51 @@ Rec& gx_info_ptr(const gx_file_gene_recf_t& file, int id) {
   gx_check_object_type(object, Rec::type);
   return reinterpret_cast<Rec&>(object);
 }
-inline auto& gx_instance_info_ptr(const gx_file_gene_recf_t& f, int id) { return gx_info_ptr<gx_object_instance_rec_t>(f, id); }
-inline auto& gx_symbol_info_ptr(const gx_file_gene_recf_t& f, int id) { return gx_info_ptr<gx_object_symbol_rec_t>(f, id); }
-inline auto& gx_pinpropfam_info_ptr(const gx_file_gene_recf_t& f, int id) { return gx_info_ptr<gx_object_pinpropfam_rec_t>(f, id); }
-inline auto& gx_net_info_ptr(const gx_file_gene_recf_t& f, int id) { return gx_info_ptr<gx_object_net_rec_t>(f, id); }
-inline auto& gx_segment_info_ptr(const gx_file_gene_recf_t& f, int id) { return gx_info_ptr<gx_object_segment_rec_t>(f, id); }
-inline auto& gx_tag_info_ptr(const gx_file_gene_recf_t& f, int id) { return gx_info_ptr<gx_object_tag_rec_t>(f, id); }
-inline auto& gx_vertex_info_ptr(const gx_file_gene_recf_t& f, int id) { return gx_info_ptr<gx_object_vertex_rec_t>(f, id); }
-inline auto& gx_arc_info_ptr(const gx_file_gene_recf_t& f, int id) { return gx_info_ptr<gx_object_arc_rec_t>(f, id); }
-inline auto& gx_circle_info_ptr(const gx_file_gene_recf_t& f, int id) { return gx_info_ptr<gx_object_circle_rec_t>(f, id); }
-inline auto& gx_grid_info_ptr(const gx_file_gene_recf_t& f, int id) { return gx_info_ptr<gx_object_grid_rec_t>(f, id); }
-inline auto& gx_line_info_ptr(const gx_file_gene_recf_t& f, int id) { return gx_info_ptr<gx_object_line_rec_t>(f, id); }
-inline auto& gx_polyline5_info_ptr(const gx_file_gene_recf_t& f, int id) { return gx_info_ptr<gx_object_polyline5_rec_t>(f, id); }
-inline auto& gx_polyline_info_ptr(const gx_file_gene_recf_t& f, int id) { return gx_info_ptr<gx_object_polyline_rec_t>(f, id); }
-inline auto& gx_rectangle_info_ptr(const gx_file_gene_recf_t& f, int id) { return gx_info_ptr<gx_object_rectangle_rec_t>(f, id); }
-inline auto& gx_property_info_ptr(const gx_file_gene_recf_t& f, int id) { return gx_info_ptr<gx_object_property_rec_t>(f, id); }
+inline auto& gx_instance_info_ptr(const gx_file_gene_recf_t& f, int id) {
+  return gx_info_ptr<gx_object_instance_rec_t>(f, id);
+}
+inline auto& gx_symbol_info_ptr(const gx_file_gene_recf_t& f, int id) {
+  return gx_info_ptr<gx_object_symbol_rec_t>(f, id);
+}
+inline auto& gx_pinpropfam_info_ptr(const gx_file_gene_recf_t& f, int id) {
+  return gx_info_ptr<gx_object_pinpropfam_rec_t>(f, id);
+}
+inline auto& gx_net_info_ptr(const gx_file_gene_recf_t& f, int id) {
+  return gx_info_ptr<gx_object_net_rec_t>(f, id);
+}
+inline auto& gx_segment_info_ptr(const gx_file_gene_recf_t& f, int id) {
+  return gx_info_ptr<gx_object_segment_rec_t>(f, id);
+}
+inline auto& gx_tag_info_ptr(const gx_file_gene_recf_t& f, int id) {
+  return gx_info_ptr<gx_object_tag_rec_t>(f, id);
+}
+inline auto& gx_vertex_info_ptr(const gx_file_gene_recf_t& f, int id) {
+  return gx_info_ptr<gx_object_vertex_rec_t>(f, id);
+}
+inline auto& gx_arc_info_ptr(const gx_file_gene_recf_t& f, int id) {
+  return gx_info_ptr<gx_object_arc_rec_t>(f, id);
+}
+inline auto& gx_circle_info_ptr(const gx_file_gene_recf_t& f, int id) {
+  return gx_info_ptr<gx_object_circle_rec_t>(f, id);
+}
+inline auto& gx_grid_info_ptr(const gx_file_gene_recf_t& f, int id) {
+  return gx_info_ptr<gx_object_grid_rec_t>(f, id);
+}
+inline auto& gx_line_info_ptr(const gx_file_gene_recf_t& f, int id) {
+  return gx_info_ptr<gx_object_line_rec_t>(f, id);
+}
+inline auto& gx_polyline5_info_ptr(const gx_file_gene_recf_t& f, int id) {
+  return gx_info_ptr<gx_object_polyline5_rec_t>(f, id);
+}
+inline auto& gx_polyline_info_ptr(const gx_file_gene_recf_t& f, int id) {
+  return gx_info_ptr<gx_object_polyline_rec_t>(f, id);
+}
+inline auto& gx_rectangle_info_ptr(const gx_file_gene_recf_t& f, int id) {
+  return gx_info_ptr<gx_object_rectangle_rec_t>(f, id);
+}
+inline auto& gx_property_info_ptr(const gx_file_gene_recf_t& f, int id) {
+  return gx_info_ptr<gx_object_property_rec_t>(f, id);
+}
 
 // Adds the bounds of an object, moved by its origin, to nothing: the father's bounds become them.
 void gx_update_father_bounds(const gx_file_gene_recf_t& file, int id, int father);

@@ -9,8 +9,8 @@
 #include <cstdint>
 #include <string_view>
 
+#include "gx/db/ids.h"
 #include "gx/text/records.h"
-#include "gx/text/state.h"
 
 enum class gx_type : std::int16_t {
   nil = 0,
@@ -76,8 +76,8 @@ struct gx_object_gene_rec_t {
   gx_object_id_t child1 = 0;
   std::int16_t id_tmp = 0;
   gx_type object_type = gx_type::nil;
-  std::int16_t status = 0;        // gx_flag bits
-  gx_pointreal_t origin;          // relative to the father
+  std::int16_t status = 0;                   // gx_flag bits
+  gx_pointreal_t origin;                     // relative to the father
   gx_boundsreal_t bounds = gx_empty_bounds;  // relative to the object's own origin
 };
 
@@ -91,8 +91,8 @@ struct gx_object_plain_rec_t {
 struct gx_object_instance_rec_t {
   static constexpr gx_type type = gx_type::instance;
   gx_object_gene_rec_t gene;
-  std::uint8_t rotate = 0;        // quarter turns, 0..3
-  std::uint8_t fliph = 0;         // mirrored
+  std::uint8_t rotate = 0;  // quarter turns, 0..3
+  std::uint8_t fliph = 0;   // mirrored
   gx_object_id_t symbol = 0;
   std::int16_t n0_version = 0;
   gx_object_id_t previous_inst = 0;
@@ -103,8 +103,8 @@ struct gx_object_instance_rec_t {
 struct gx_object_symbol_rec_t {
   static constexpr gx_type type = gx_type::symbol;
   gx_object_gene_rec_t gene;
-  gx_object_id_t instance = 0;    // first instance of this symbol
-  gx_string_record_t path;        // of the symbol's file, with version suffix
+  gx_object_id_t instance = 0;  // first instance of this symbol
+  gx_string_record_t path;      // of the symbol's file, with version suffix
   std::int16_t fin = gx_object_fin;
 };
 
@@ -120,7 +120,7 @@ struct gx_object_pinpropfam_rec_t {
 };
 
 struct gx_display_probe_rec_t {
-  gx_object_id_t vertex = 0;      // vertex or pin it is attached to
+  gx_object_id_t vertex = 0;  // vertex or pin it is attached to
   std::int32_t net_type = 0;
   gx_string_record_t name;
 };
@@ -133,7 +133,7 @@ struct gx_object_net_rec_t {
   std::uint8_t is_bus = 0;
   std::uint8_t reserved = 0;
   std::int16_t bus_start = 0, bus_end = 0;
-  std::int16_t fin = gx_object_fin;               // in memory only
+  std::int16_t fin = gx_object_fin;  // in memory only
 };
 
 struct gx_object_segment_rec_t {
@@ -142,7 +142,7 @@ struct gx_object_segment_rec_t {
   std::int16_t reserved = 0;
   std::uint8_t line_color = 0;
   std::uint8_t line_width = 1;
-  gx_object_id_t vertex1 = 0, vertex2 = 0;        // each a vertex_2d or an instance's pinpropfam
+  gx_object_id_t vertex1 = 0, vertex2 = 0;  // each a vertex_2d or an instance's pinpropfam
   std::int16_t line_style = 0;
   std::int16_t fin = gx_object_fin;
 };
@@ -168,9 +168,9 @@ struct gx_object_vertex_rec_t {
 struct gx_object_arc_rec_t {
   static constexpr gx_type type = gx_type::arc3p_2d;
   gx_object_gene_rec_t gene;
-  gx_pointreal_t pt2, pt3, center;                // relative to the origin
+  gx_pointreal_t pt2, pt3, center;  // relative to the origin
   std::int32_t rad = 0;
-  std::int32_t angle1 = 0, angle2 = 0;            // 1/64 degree
+  std::int32_t angle1 = 0, angle2 = 0;  // 1/64 degree
   std::uint8_t border_color = 0;
   std::uint8_t c_reserved = 0;
   std::int16_t border_style = 0;
@@ -193,7 +193,7 @@ struct gx_object_circle_rec_t {
 struct gx_object_grid_rec_t {
   static constexpr gx_type type = gx_type::grid_2d;
   gx_object_gene_rec_t gene;
-  gx_pointreal_t opposite_pt;                     // page width and height
+  gx_pointreal_t opposite_pt;  // page width and height
   std::int32_t step_point = 0, step_pin = 0;
   std::uint8_t grid_on = 0, snap_on = 0;
   std::int16_t fin = gx_object_fin;
@@ -217,7 +217,7 @@ struct gx_object_polyline_of {
   gx_object_gene_rec_t gene;
   std::int16_t line_style = 0;
   std::int16_t n_points = 0;
-  std::array<gx_pointreal_t, Points> points;      // after the first relative to the first
+  std::array<gx_pointreal_t, Points> points;  // after the first relative to the first
   std::uint8_t line_color = 0;
   std::uint8_t reserved = 0;
   std::int16_t fin = gx_object_fin;
@@ -243,10 +243,10 @@ struct gx_object_property_rec_t {
   std::uint8_t fixed = 0;
   std::uint8_t visible = 0;
   std::uint8_t line_color = 0;
-  std::uint8_t rotate = 0;                        // quarter turns
+  std::uint8_t rotate = 0;  // quarter turns
   gx_name_record_t name;
   gx_value_record_t nvalue;
-  std::int32_t height = 0;                        // of the text, design units
+  std::int32_t height = 0;  // of the text, design units
   std::int16_t reserved = 0;
   std::int16_t fin = gx_object_fin;
 };

@@ -2,6 +2,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "gx/db/file_state.h"
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
 
@@ -41,7 +42,7 @@ gx_pointreal_t gx_inq_page_dim(const gx_file_gene_recf_t& file) {
 
 void gx_set_page_dim(gx_file_gene_recf_t& file, std::int32_t width, std::int32_t height) {
   auto& grid = grid_of(file);
-  grid.gene.origin = {gx_vext.origin_page_x, gx_vext.origin_page_y};
+  grid.gene.origin = {gx_files.origin_page_x, gx_files.origin_page_y};
   grid.gene.bounds = {0, 0, width, height};
   grid.opposite_pt = {width, height};
   for (int id = grid.gene.object_id; gx_object_id_ptr(file, id).father > 0;) {

@@ -1,21 +1,23 @@
 // The pick aperture, and which objects meet it, a point or the part of a design that is shown.
+#include "gx/db/file_state.h"
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
 #include "gx/text/debug.h"
+#include "gx/text/session_state.h"
 
 namespace {
 
 void check_package() {
-  if (!gx_vext.init_done && gx_vext.num_file_open == 0) {
+  if (!gx_session.init_done && gx_files.num_file_open == 0) {
     gx_set_status(gx_code::init_or_open_file_not_done);
   }
 }
 
 void set_aperture(gx_pointreal_t center, gx_pointreal_t size) {
-  gx_vext.pick_ap_center = center;
-  gx_vext.pick_ap_size = size;
-  gx_vext.pick_ap_bounds = gx_move({-size.x, -size.y, size.x, size.y}, center);
-  gx_vext.pick_ap_new = true;
+  gx_files.pick_ap_center = center;
+  gx_files.pick_ap_size = size;
+  gx_files.pick_ap_bounds = gx_move({-size.x, -size.y, size.x, size.y}, center);
+  gx_files.pick_ap_new = true;
 }
 
 // Of the others only the objects that hold something can be hit.
@@ -44,30 +46,30 @@ void check_boxes(const gx_object_gene_rec_t& object, const gx_boundsreal_t& aper
 
 void gx_pick_set_center(std::int32_t x, std::int32_t y) {
   check_package();
-  set_aperture({x, y}, gx_vext.pick_ap_size);
+  set_aperture({x, y}, gx_files.pick_ap_size);
 }
 
 void gx_pick_set_size(std::int32_t w, std::int32_t h) {
   check_package();
   if (w < 0 || h < 0) gx_set_status(gx_code::pick_aperture_size_invalid);
-  set_aperture(gx_vext.pick_ap_center, {w, h});
+  set_aperture(gx_files.pick_ap_center, {w, h});
 }
 
-gx_pointreal_t gx_pick_inq_center() { return gx_vext.pick_ap_center; }
-gx_pointreal_t gx_pick_inq_size() { return gx_vext.pick_ap_size; }
+gx_pointreal_t gx_pick_inq_center() { return gx_files.pick_ap_center; }
+gx_pointreal_t gx_pick_inq_size() { return gx_files.pick_ap_size; }
 
 bool gx_obj_intersect_pick_aperture(const gx_file_gene_recf_t& file, int id, int inst) {
   const auto& object = gx_object_id_ptr(file, id);
   if (!can_be_hit(object)) return false;
   const auto box = gx_object_abs_origin_bounds(file, id, inst).bounds;
-  const auto& aperture = gx_vext.pick_ap_bounds;
+  const auto& aperture = gx_files.pick_ap_bounds;
   check_boxes(object, aperture, box);
   if (gx_is_primitive(object.object_type)) return gx_bounds_meet(box, aperture);
   return gx_bounds_meet(snapped(box), snapped(aperture));
 }
 
 bool gx_pin_intersect_pick_aperture(const gx_file_gene_recf_t& file, int pinpropfam) {
-  return gx_bounds_meet(gx_pin_abs_origin_bounds(file, pinpropfam).bounds, gx_vext.pick_ap_bounds);
+  return gx_bounds_meet(gx_pin_abs_origin_bounds(file, pinpropfam).bounds, gx_files.pick_ap_bounds);
 }
 
 bool gx_point_inside_obj_absbounds(const gx_file_gene_recf_t& file, int id, int inst,
@@ -83,13 +85,4 @@ bool gx_point_inside_obj_absbounds(const gx_file_gene_recf_t& file, int id, int 
     gx_set_status(gx_code::file_data_invalid);
   }
   return gx_point_inside_boundsreal(box, p);
-}
-
-bool gx_part_object_inside_vp_bounds(gx_vpid_t vpid, const gx_file_gene_recf_t& file, int id,
-                                     int inst) {
-  if (vpid < 1 || vpid > gx_max_viewports || vpid > gx_vext.viewport_id_max) {
-    gx_set_status(gx_code::viewport_id_invalid);
-  }
-  const auto& shown = gx_vext.viewport[static_cast<std::size_t>(vpid)].bounds_part;
-  return gx_bounds_overlap(gx_object_abs_origin_bounds(file, id, inst).bounds, shown);
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
 
 namespace {
@@ -20,7 +21,9 @@ bool strictly_inside(const gx_bounds16_t& v, gx_point16_t p) {
   return p.x > v.xmin && p.x < v.xmax && p.y > v.ymin && p.y < v.ymax;
 }
 
-std::int16_t cut(int v, int low, int high) { return static_cast<std::int16_t>(std::clamp(v, low, high)); }
+std::int16_t cut(int v, int low, int high) {
+  return static_cast<std::int16_t>(std::clamp(v, low, high));
+}
 
 // The two points where a slanted line crosses the edge of the window, by x; false when it does not.
 bool crossings(const window_t& w, const gx_line16_t& line, point_t& left, point_t& right) {
@@ -80,8 +83,8 @@ bool gx_line_clipping(gx_vpid_t vpid, gx_line16_t& line) {
 
 bool gx_circle_clipping(gx_vpid_t vpid, gx_point16_t centre, int radius) {
   const gx_bounds16_t& v = gx_viewport_rec(vpid).clip_wind;
-  return !(v.xmin > centre.x + radius || v.xmax < centre.x - radius ||
-           v.ymin > centre.y + radius || v.ymax < centre.y - radius);
+  return !(v.xmin > centre.x + radius || v.xmax < centre.x - radius || v.ymin > centre.y + radius ||
+           v.ymax < centre.y - radius);
 }
 
 bool gx_filled_rectangle_clipping(gx_vpid_t vpid, gx_point16_t p1, gx_point16_t p2) {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "gx/display/pen.h"
-#include "gx/text/state.h"
+#include "gx/display/screen_state.h"
 
 // Cuts the line to V shrunk by one pixel on every side; false when nothing of it is visible. A line
 // of length 0 and any line of a blocked viewport is invisible.

@@ -5,6 +5,7 @@
 #include "gx/display/stroke_text.h"
 #include "gx/display/viewports.h"
 #include "gx/text/strings.h"
+#include "gx/vext.h"
 
 namespace {
 constexpr std::string_view prompt = " cmd >";

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "gx/text/debug.h"
-#include "gx/text/state.h"
+#include "gx/vext.h"
 
 namespace {
 // A colour's name, and its components for a server that does not know the name.

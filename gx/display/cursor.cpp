@@ -6,8 +6,8 @@
 
 #include "gx/display/pen.h"
 #include "gx/text/debug.h"
-#include "gx/text/state.h"
 #include "gx/text/status.h"
+#include "gx/vext.h"
 
 namespace {
 constexpr int watch_pattern = 9;

@@ -3,7 +3,8 @@
 #pragma once
 
 #include "gx/db/file_records.h"
-#include "gx/text/state.h"
+#include "gx/db/ids.h"
+#include "gx/display/screen_state.h"
 
 enum class gx_draw_mode { draw, erase };
 

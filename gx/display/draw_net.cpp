@@ -6,17 +6,19 @@
 #include "gx/db/object_access.h"
 #include "gx/db/queries.h"
 #include "gx/display/draw_steps.h"
+#include "gx/display/screen_state.h"
 #include "gx/display/stroke_text.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
 #include "gx/text/strings.h"
+#include "gx/vext.h"
 
 namespace {
 constexpr int white = 7;
-constexpr std::int32_t probe_step = 5000;        // of its line and box, design units
-constexpr std::int32_t probe_advance = 6250;     // a character of its name
-constexpr int probe_margin = 3;                  // pixels left free at the viewport's edge
+constexpr std::int32_t probe_step = 5000;     // of its line and box, design units
+constexpr std::int32_t probe_advance = 6250;  // a character of its name
+constexpr int probe_margin = 3;               // pixels left free at the viewport's edge
 
 bool is_deleted(const gx_object_gene_rec_t& object) {
   return (object.status & gx_flag_deleted) != 0;
@@ -62,7 +64,8 @@ end_t end_of(const net_t& net, int segment_id, int which, int vertex_id) {
     case gx_type::pinpropfam:
       return {gx_pin_abs_origin(file, vertex_id), true,
               gx_pinpropfam_info_ptr(file, vertex_id).dotted != 0, is_selected(object)};
-    default: refuse_end(net, segment_id, which, vertex_id, type, "invalid");
+    default:
+      refuse_end(net, segment_id, which, vertex_id, type, "invalid");
   }
 }
 
@@ -197,6 +200,6 @@ void gx_display_probe(gx_vpid_t vpid, gx_file_index_t file_index,
   }
   const std::array<gx_point16_t, 5> box{near, {far.x, near.y}, far, {near.x, far.y}, near};
   gx_draw_polyline(vpid, white, 0, box);
-  gx_text(vpid, gx_view(probe.name), text.x, text.y,
-          gx_viewport_obj2d_to_pixel(vpid, probe_step), 0, white);
+  gx_text(vpid, gx_view(probe.name), text.x, text.y, gx_viewport_obj2d_to_pixel(vpid, probe_step),
+          0, white);
 }

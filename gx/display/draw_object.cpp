@@ -2,10 +2,12 @@
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
 #include "gx/display/draw_steps.h"
-#include "gx/display/sheet_walk.h"
+#include "gx/display/picture_walk.h"
+#include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
+#include "gx/vext.h"
 
 namespace {
 // Draws an object without what is below it; a net whole.
@@ -53,9 +55,7 @@ int primary_of(gx_vpid_t vpid) {
   return file.primary_object;
 }
 
-bool may_show(gx_vpid_t vpid) {
-  return gx_drawing_possible() && gx_is_picture_viewport(vpid);
-}
+bool may_show(gx_vpid_t vpid) { return gx_drawing_possible() && gx_is_picture_viewport(vpid); }
 }  // namespace
 
 void gx_draw_tree(const gx_picture_t& picture, int object_id, int inst_id, bool force_selected) {
@@ -68,8 +68,7 @@ void gx_draw_tree(const gx_picture_t& picture, int object_id, int inst_id, bool 
   if (type == gx_type::net) gx_set_status(gx_code::invalid_level);
   if (!gx_part_object_inside_vp_bounds(picture.vpid, file, object_id, inst_id)) return;
   draw_one(picture, object_id, inst_id, force_selected);
-  gx_walk_below(file, object_id,
-                [&](int id) { draw_one(picture, id, inst_id, force_selected); });
+  gx_walk_below(file, object_id, [&](int id) { draw_one(picture, id, inst_id, force_selected); });
 }
 
 void gx_display_object(gx_vpid_t vpid, gx_file_index_t file_index, int object_id, int inst_id,
@@ -86,8 +85,7 @@ void gx_display_object_part(gx_vpid_t vpid, gx_file_index_t file_index, int obje
   if (!gx_drawing_possible()) return;
   set_root(vpid, file_index, object_id);
   gx_viewport_fit(vpid, gx_area_of(p1, p2));
-  show_object(vpid, file_index, object_id, inst_id, mode, force_selected,
-              "gx_display_object_part");
+  show_object(vpid, file_index, object_id, inst_id, mode, force_selected, "gx_display_object_part");
 }
 
 void gx_viewport_refresh(gx_vpid_t vpid, bool force_selected) {

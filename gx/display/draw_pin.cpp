@@ -4,9 +4,11 @@
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
 #include "gx/display/draw_steps.h"
+#include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
+#include "gx/vext.h"
 
 namespace {
 constexpr int pin_color = 1;

@@ -7,13 +7,14 @@
 #include "gx/db/object_access.h"
 #include "gx/display/clipping.h"
 #include "gx/display/draw_steps.h"
+#include "gx/display/screen_state.h"
 #include "gx/display/stroke_text.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
 
 namespace {
-constexpr int largest_diamond = 5;      // radius in pixels; larger circles are round
+constexpr int largest_diamond = 5;        // radius in pixels; larger circles are round
 constexpr int largest_server_arc = 6000;  // radius; the box of a larger one leaves 16 bits
 constexpr std::int32_t full_circle = 23040;
 
@@ -65,8 +66,7 @@ void draw_round(const item_t& item, int color, int style, gx_point16_t centre, i
     return {moved(centre.x, static_cast<int>(std::lround(r * std::cos(a)))),
             moved(centre.y, -static_cast<int>(std::lround(r * std::sin(a))))};
   };
-  for (int i = 0; i < chords; ++i)
-    gx_draw_line(item.vpid(), color, style, point(i), point(i + 1));
+  for (int i = 0; i < chords; ++i) gx_draw_line(item.vpid(), color, style, point(i), point(i + 1));
 }
 
 bool is_straight(gx_point16_t a, gx_point16_t b) { return a.x == b.x || a.y == b.y; }
@@ -174,9 +174,15 @@ void gx_draw_prim(const gx_picture_t& picture, int object_id, int inst_id, bool 
   const item_t item{picture, inst_id, force_selected || (object.status & gx_flag_selected) != 0,
                     gx_object_abs_origin(file, object_id, inst_id)};
   switch (type) {
-    case gx_type::arc3p_2d: draw_arc(item, gx_arc_info_ptr(file, object_id)); break;
-    case gx_type::circle_2d: draw_circle(item, gx_circle_info_ptr(file, object_id)); break;
-    case gx_type::line_2d: draw_line(item, gx_line_info_ptr(file, object_id)); break;
+    case gx_type::arc3p_2d:
+      draw_arc(item, gx_arc_info_ptr(file, object_id));
+      break;
+    case gx_type::circle_2d:
+      draw_circle(item, gx_circle_info_ptr(file, object_id));
+      break;
+    case gx_type::line_2d:
+      draw_line(item, gx_line_info_ptr(file, object_id));
+      break;
     case gx_type::polyline5_2d:
       draw_polyline(item, gx_polyline5_info_ptr(file, object_id), 0);
       break;
@@ -188,7 +194,9 @@ void gx_draw_prim(const gx_picture_t& picture, int object_id, int inst_id, bool 
     case gx_type::rectangle_2d:
       draw_rectangle(item, gx_rectangle_info_ptr(file, object_id));
       break;
-    default: draw_property(item, gx_property_info_ptr(file, object_id)); break;
+    default:
+      draw_property(item, gx_property_info_ptr(file, object_id));
+      break;
   }
 }
 

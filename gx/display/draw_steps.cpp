@@ -4,9 +4,11 @@
 
 #include "gx/db/object_access.h"
 #include "gx/display/clipping.h"
+#include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
+#include "gx/vext.h"
 
 gx_picture_t gx_picture_of(gx_vpid_t vpid, gx_file_index_t file_index, int object_id,
                            gx_draw_mode mode, const char* operation) {
@@ -28,8 +30,7 @@ void gx_draw_line(gx_vpid_t vpid, int color, int style, gx_point16_t a, gx_point
   if (gx_line_clipping(vpid, line)) gx_pen_line(color, style, line);
 }
 
-void gx_draw_polyline(gx_vpid_t vpid, int color, int style,
-                      std::span<const gx_point16_t> points) {
+void gx_draw_polyline(gx_vpid_t vpid, int color, int style, std::span<const gx_point16_t> points) {
   for (std::size_t i = 1; i < points.size(); ++i)
     gx_draw_line(vpid, color, style, points[i - 1], points[i]);
 }

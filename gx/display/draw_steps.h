@@ -3,8 +3,10 @@
 
 #include <span>
 
+#include "gx/db/ids.h"
 #include "gx/display/draw.h"
 #include "gx/display/pen.h"
+#include "gx/display/screen_state.h"
 
 // Where and how a picture is drawn.
 struct gx_picture_t {

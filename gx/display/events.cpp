@@ -12,14 +12,16 @@
 #include <string_view>
 
 #include "gx/db/geometry.h"
-#include "gx/display/list_viewport.h"
+#include "gx/display/key_lookup.h"
 #include "gx/display/menus.h"
 #include "gx/display/pen.h"
+#include "gx/display/screen_state.h"
 #include "gx/display/stroke_text.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"
+#include "gx/text/message_list.h"
 #include "gx/text/status.h"
-#include "platform/key_lookup.h"
+#include "gx/vext.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "gx/text/state.h"
+#include "gx/display/screen_state.h"
 
 enum class gx_event_kind {
   key_press = 0,

@@ -5,6 +5,7 @@
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
 #include "gx/display/draw_steps.h"
+#include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
@@ -26,9 +27,8 @@ axis_t axis_of(std::int32_t step, std::int32_t scale, std::int32_t part_min, int
   std::int64_t first = part_min / step;
   if (part_min % step < 0) --first;  // the multiple at or below
   const std::int64_t units = first * step - part_min;
-  return {std::int64_t{pixel_min} * 1000 + units * 1000 / scale,
-          std::int64_t{step} * 1000 / scale, std::max(clip_min, frame_near),
-          std::min({clip_max, frame_far, last_dot_pixel})};
+  return {std::int64_t{pixel_min} * 1000 + units * 1000 / scale, std::int64_t{step} * 1000 / scale,
+          std::max(clip_min, frame_near), std::min({clip_max, frame_far, last_dot_pixel})};
 }
 
 void draw_dots(const gx_picture_t& picture, const gx_object_grid_rec_t& grid, gx_point16_t near,
@@ -84,8 +84,7 @@ void gx_draw_grid(const gx_picture_t& picture, int grid_id) {
   if ((grid.gene.status & gx_flag_deleted) != 0) return;
   if (gx_viewport_rec(picture.vpid).vp_blocked) return;
   const gx_pointreal_t origin = gx_object_abs_origin(file, grid_id, 0);
-  const gx_pointreal_t opposite =
-      gx_viewport_dpt_obj2d_inst(file, 0, origin, grid.opposite_pt);
+  const gx_pointreal_t opposite = gx_viewport_dpt_obj2d_inst(file, 0, origin, grid.opposite_pt);
   const gx_point16_t near = gx_viewport_pt_real_to_pixel(picture.vpid, origin);
   const gx_point16_t far = gx_viewport_pt_real_to_pixel(picture.vpid, opposite);
   const std::array<gx_point16_t, 5> frame{near, {far.x, near.y}, far, {near.x, far.y}, near};

@@ -5,9 +5,9 @@
 #include <array>
 #include <span>
 
-#include "gx/display/list_viewport.h"
-#include "gx/text/state.h"
+#include "gx/text/message_list.h"
 #include "gx/text/strings.h"
+#include "gx/vext.h"
 
 namespace {
 

@@ -6,9 +6,11 @@
 #include "gx/display/cmd_viewport.h"
 #include "gx/display/cursor.h"
 #include "gx/display/events.h"
-#include "gx/display/list_viewport.h"
+#include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
+#include "gx/text/message_list.h"
 #include "gx/text/strings.h"
+#include "gx/vext.h"
 
 namespace {
 

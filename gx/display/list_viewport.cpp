@@ -1,79 +1,12 @@
-// The message list: 500 lines of scroll-back, of which the list viewport shows a few.
 #include "gx/display/list_viewport.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
-#include <memory>
-#include <string>
 
 #include "gx/display/pen.h"
 #include "gx/display/stroke_text.h"
 #include "gx/display/viewports.h"
-#include "gx/text/debug.h"
-#include "gx/text/strings.h"
-#include "gx/text/text_files.h"
-
-namespace {
-constexpr std::size_t max_line_length = 199;
-
-gx_string_record_t printable(std::string_view text) {
-  gx_string_record_t line;
-  for (const char c : text.substr(0, max_line_length))
-    line.char_[line.len++] = c >= 32 && c <= 126 ? c : ' ';
-  return line;
-}
-
-// Puts a line at the end of the scroll-back. A line longer than the viewport is wide takes two
-// slots: it goes into the second, the first keeps what it held.
-void keep(std::string_view text) {
-  auto& v = gx_vext;
-  const int slots = text.size() > gx_max_text_length ? 2 : 1;
-  const int last = std::min<int>(v.nb_list_line_max, gx_max_list_lines);
-  if (last < slots) return;
-  int end = v.nlinlist_end + slots;
-  if (end > last) {
-    const auto first = v.line_list.begin();
-    std::move(first + slots, first + last, first);
-    end = last;
-  }
-  v.nlinlist_end = static_cast<std::int16_t>(end);
-  v.line_list[static_cast<std::size_t>(end - 1)] = printable(text);
-}
-
-void show_end() {
-  auto& v = gx_vext;
-  v.nlinlist_disp = static_cast<std::int16_t>(
-      std::max(v.nlinlist_end - v.nb_line_in_listviewp + 1, 1));
-  gx_regen_display_list();
-}
-
-void write_to_session(std::string_view text) {
-  if (gx_vext.cursessfile == nullptr) return;
-  std::fwrite(text.data(), 1, text.size(), gx_vext.cursessfile);
-  std::fputc('\n', gx_vext.cursessfile);
-}
-
-// A stream that can be read to its end: a regular file that the listing does not itself make grow.
-bool is_readable_text(std::string_view path) {
-  struct stat file {};
-  struct stat session {};
-  const std::string name(gx_view(gx_resolve_path(path)));
-  if (::stat(name.c_str(), &file) != 0 || !S_ISREG(file.st_mode)) return false;
-  return gx_vext.cursessfile == nullptr ||
-         ::fstat(::fileno(gx_vext.cursessfile), &session) != 0 ||
-         file.st_dev != session.st_dev || file.st_ino != session.st_ino;
-}
-}  // namespace
-
-void gx_display_list(std::string_view text) {
-  text = text.substr(0, max_line_length);
-  if (text.empty()) return;
-  write_to_session(text);
-  if (!gx_vext.transcript_state) return;
-  keep(text);
-  show_end();
-}
+#include "gx/text/message_list.h"
+#include "gx/vext.h"
 
 void gx_upd_display_list(bool up) {
   auto& v = gx_vext;
@@ -89,32 +22,12 @@ void gx_regen_display_list() {
   if (!gx_drawing_possible() || !gx_viewport_ok(v.viewport_list)) return;
   const gx_batch_t batch;
   const int first = std::max<int>(v.nlinlist_disp, 1);
-  const int last = std::min({first + v.nb_line_in_listviewp - 1, int{v.nlinlist_end},
-                             gx_max_list_lines});
+  const int last =
+      std::min({first + v.nb_line_in_listviewp - 1, int{v.nlinlist_end}, gx_max_list_lines});
   for (int line = first; line <= last; ++line) {
     const int y = v.listb_y0 + (line - first) * v.list_step;
     gx_viewport_display_text(v.viewport_list,
                              gx_view(v.line_list[static_cast<std::size_t>(line - 1)]),
                              {v.listb_x0, static_cast<std::int16_t>(y)}, true, v.list_color);
   }
-}
-
-bool gx_display_file_invplist(std::string_view path) {
-  using file_t = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
-  const file_t file(is_readable_text(path) ? gx_popen_file(path, 'R', true) : nullptr,
-                    &std::fclose);
-  if (!file) {
-    gx_debug("!!! display_file  file not found : \"%.*s\"\n", static_cast<int>(path.size()),
-             path.data());
-    return false;
-  }
-  gx_string_record_t line;
-  while (gx_read_one_line(file.get(), line)) {
-    gx_string_record_t shown;
-    gx_concat_all(shown, "# \"", gx_view(line), "\" ");
-    write_to_session(gx_view(shown));
-    if (gx_vext.transcript_state) keep(gx_view(shown));
-  }
-  if (gx_vext.transcript_state) show_end();  // once: only the last page stays in sight
-  return true;
 }

@@ -3,7 +3,9 @@
 #include <span>
 
 #include "gx/display/draw_steps.h"
+#include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
+#include "gx/vext.h"
 
 namespace {
 // A marker is a closed polyline of offsets, in steps; a step is some pixels by viewport.

@@ -6,13 +6,16 @@
 #include <array>
 
 #include "gx/display/cursor.h"
+#include "gx/display/menu_state.h"
 #include "gx/display/menus.h"
 #include "gx/display/pen.h"
+#include "gx/display/screen_state.h"
 #include "gx/display/stroke_text.h"
 #include "gx/display/viewports.h"
 #include "gx/display/window.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
+#include "gx/vext.h"
 
 namespace {
 

@@ -4,22 +4,19 @@
 // a line with a command, the command in single quotes. The tree comes from the order of the lines.
 #include <array>
 #include <cstdio>
-#include <memory>
 #include <optional>
 #include <string>
 
-#include "gx/display/list_viewport.h"
+#include "gx/display/menu_state.h"
 #include "gx/display/menus.h"
 #include "gx/text/debug.h"
+#include "gx/text/message_list.h"
 #include "gx/text/strings.h"
 #include "gx/text/text_files.h"
+#include "gx/vext.h"
+#include "platform/files.h"
 
 namespace {
-
-struct close_file {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using file_ptr = std::unique_ptr<std::FILE, close_file>;
 
 std::string quoted(std::string_view head, std::string_view text) {
   return std::string(head).append("\"").append(text).append("\"");
@@ -109,7 +106,7 @@ void print_below(std::FILE* file, std::array<int, gx_max_menu_levels>& index, st
 
 void gx_read_menu(std::string_view path) {
   if (path.empty()) return;
-  const file_ptr file(gx_popen_file(path, 'R', true));
+  const x_file file(gx_popen_file(path, 'R', true));
   if (!file) {
     gx_debug_line(quoted("!!!  menu_file  file not found : ", path) + " ");
     show_error("# $rmenu ", "# !!! error : file not found : ", path);
@@ -126,7 +123,7 @@ void gx_read_menu(std::string_view path) {
 }
 
 void gx_print_menu(std::string_view path) {
-  const file_ptr file(gx_popen_file(path, 'W', false));
+  const x_file file = x_create_file(std::string(gx_view(gx_resolve_path(path))), true);
   if (!file) {
     show_error("# $pmenu ", "# !!! error : impossible to open the file : ", path);
     return;

@@ -3,10 +3,12 @@
 #include <memory>
 #include <ranges>
 
+#include "gx/display/menu_state.h"
 #include "gx/display/menus.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
 #include "gx/text/strings.h"
+#include "gx/vext.h"
 
 namespace {
 

@@ -4,7 +4,8 @@
 #include <span>
 #include <string_view>
 
-#include "gx/text/state.h"
+#include "gx/display/menu_state.h"
+#include "gx/display/screen_state.h"
 
 inline constexpr int gx_max_menu_levels = 4;
 

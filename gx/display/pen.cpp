@@ -6,8 +6,8 @@
 #include <array>
 #include <span>
 
-#include "gx/text/state.h"
 #include "gx/text/status.h"
+#include "gx/vext.h"
 
 namespace {
 // The dashes of a line on the sheet, then those of a border. An empty list is a solid line.
@@ -83,7 +83,8 @@ group_t& group_of(int color, int dashes) {
 void use_color(gx_pen_t& p, int color) {
   if (p.gc_color == color) return;
   p.gc_color = color;
-  XSetForeground(gx_vext.dpy, gx_vext.our_gc, gx_vext.colorrec[static_cast<std::size_t>(color)].pixel);
+  XSetForeground(gx_vext.dpy, gx_vext.our_gc,
+                 gx_vext.colorrec[static_cast<std::size_t>(color)].pixel);
 }
 
 void use_dashes(gx_pen_t& p, int dashes) {
@@ -92,8 +93,7 @@ void use_dashes(gx_pen_t& p, int dashes) {
   const auto& list = dash_lists[static_cast<std::size_t>(dashes)];
   const int line_style = list.length == 0 ? LineSolid : LineOnOffDash;
   XSetLineAttributes(gx_vext.dpy, gx_vext.our_gc, 0, line_style, CapButt, JoinMiter);
-  if (list.length > 0)
-    XSetDashes(gx_vext.dpy, gx_vext.our_gc, 0, list.dashes.data(), list.length);
+  if (list.length > 0) XSetDashes(gx_vext.dpy, gx_vext.our_gc, 0, list.dashes.data(), list.length);
 }
 
 void forget(gx_pen_t& p) {

@@ -2,8 +2,8 @@
 // colour and line style and sends each group with one request, so that a sheet costs some dozen
 // requests instead of one an object.
 //
-// All values are window pixels. Within one batch the boxes are drawn first, then the lines and arcs,
-// each colour and style in the order of its first use. Without a display nothing is sent.
+// All values are window pixels. Within one batch the boxes are drawn first, then the lines and
+// arcs, each colour and style in the order of its first use. Without a display nothing is sent.
 #pragma once
 
 #include <cstdint>

@@ -9,11 +9,11 @@
 #include <cstdint>
 #include <string_view>
 
-#include "gx/text/state.h"
+#include "gx/db/ids.h"
 
 // One plot from its first object to gx_plotfile_end.
 struct gx_plot_t {
-  std::string_view path;      // of the file to write
+  std::string_view path;  // of the file to write
   bool landscape = false;
   bool scaling_done = false;  // the file is open and the scale fixed
   bool plot_ok = true;        // false: the file could not be opened

@@ -14,6 +14,7 @@
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
+#include "gx/vext.h"
 
 namespace {
 
@@ -88,8 +89,7 @@ void plot_rectangle(const item_t& item, const gx_object_rectangle_rec_t& rectang
 
 void plot_property(const item_t& item, const gx_object_property_rec_t& property) {
   int rotation = property.rotate;
-  if (item.inst >= 2)
-    rotation = (rotation + gx_instance_info_ptr(item.file, item.inst).rotate) % 4;
+  if (item.inst >= 2) rotation = (rotation + gx_instance_info_ptr(item.file, item.inst).rotate) % 4;
   if (rotation > 3) {
     gx_debug(" gx_plotfile_prim : prop_rotate  invalid ? : %d\n", rotation);
     gx_set_status(gx_code::coordonate_conversion_overflow);
@@ -160,7 +160,9 @@ void gx_plotfile_prim(gx_file_index_t file_index, int object_id, int inst_id) {
   if (object.object_type == gx_type::grid_2d) return;
   const item_t item = item_of(file, object_id, inst_id);
   switch (object.object_type) {
-    case gx_type::arc3p_2d: plot_arc(item, gx_arc_info_ptr(file, object_id)); break;
+    case gx_type::arc3p_2d:
+      plot_arc(item, gx_arc_info_ptr(file, object_id));
+      break;
     case gx_type::circle_2d:
       plot_path(std::array{item.at_origin(), item.at_origin()});
       gx_plot_circle(gx_plot_length(gx_circle_info_ptr(file, object_id).rad));
@@ -171,11 +173,20 @@ void gx_plotfile_prim(gx_file_index_t file_index, int object_id, int inst_id) {
       plot_line(item.at_origin(), item.at_relative(line.pt2), line.line_width);
       break;
     }
-    case gx_type::polyline5_2d: plot_polyline(item, gx_polyline5_info_ptr(file, object_id)); break;
-    case gx_type::polyline_2d: plot_polyline(item, gx_polyline_info_ptr(file, object_id)); break;
-    case gx_type::rectangle_2d: plot_rectangle(item, gx_rectangle_info_ptr(file, object_id)); break;
-    case gx_type::property_2d: plot_property(item, gx_property_info_ptr(file, object_id)); break;
-    default: gx_set_status(gx_code::object_type_invalid);
+    case gx_type::polyline5_2d:
+      plot_polyline(item, gx_polyline5_info_ptr(file, object_id));
+      break;
+    case gx_type::polyline_2d:
+      plot_polyline(item, gx_polyline_info_ptr(file, object_id));
+      break;
+    case gx_type::rectangle_2d:
+      plot_rectangle(item, gx_rectangle_info_ptr(file, object_id));
+      break;
+    case gx_type::property_2d:
+      plot_property(item, gx_property_info_ptr(file, object_id));
+      break;
+    default:
+      gx_set_status(gx_code::object_type_invalid);
   }
 }
 
@@ -205,8 +216,8 @@ void gx_plotfile_net(gx_file_index_t file_index, int net_id) {
   const auto& net = gx_object_id_ptr(file, net_id);
   if (net.object_type != gx_type::net) {
     const auto name = gx_type_name(net.object_type);
-    gx_debug(" gx_plotfile_net : object_type invalid !! : %15.*s\n",
-             static_cast<int>(name.size()), name.data());
+    gx_debug(" gx_plotfile_net : object_type invalid !! : %15.*s\n", static_cast<int>(name.size()),
+             name.data());
     gx_set_status(gx_code::object_type_invalid);
   }
   if (is_hidden(net)) return;

@@ -5,7 +5,9 @@
 #include "gx/display/draw.h"
 #include "gx/display/events.h"
 #include "gx/display/pen.h"
+#include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
+#include "gx/vext.h"
 
 namespace {
 

@@ -3,6 +3,7 @@
 
 #include "gx/display/draw.h"
 #include "gx/display/pen.h"
+#include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
 
 namespace {
@@ -21,8 +22,7 @@ void gx_display_dot(gx_vpid_t vpid, gx_point16_t pixel, int half_size, int color
   gx_pen_box(color, pixel.x - half_size, pixel.y - half_size, 2 * half_size, 2 * half_size);
 }
 
-void gx_display_rectangle(gx_point16_t p1, gx_point16_t p2, int style, int color,
-                          int pixel_width) {
+void gx_display_rectangle(gx_point16_t p1, gx_point16_t p2, int style, int color, int pixel_width) {
   if (!gx_drawing_possible()) return;
   const gx_batch_t batch;
   const auto [xmin, xmax] = std::minmax(p1.x, p2.x);

@@ -3,7 +3,9 @@
 #include "gx/db/object_access.h"
 #include "gx/db/queries.h"
 #include "gx/display/draw_steps.h"
+#include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
+#include "gx/vext.h"
 
 namespace {
 using flag_setter_t = void (*)(const gx_file_gene_recf_t& file, int id, bool on);
@@ -38,8 +40,7 @@ void set_inst(gx_file_index_t file_index, int inst, bool on) {
 
 void set_frame(gx_file_index_t file_index, int frame, bool on) {
   set_tree(gx_ptrto_gene_file_buf(file_index), frame, gx_set_object_selected, on);
-  show(file_index,
-       [&](const gx_picture_t& picture) { gx_draw_tree(picture, frame, 0, on); });
+  show(file_index, [&](const gx_picture_t& picture) { gx_draw_tree(picture, frame, 0, on); });
 }
 
 void set_net(gx_file_index_t file_index, int net, bool on) {

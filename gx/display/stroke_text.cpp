@@ -5,9 +5,11 @@
 #include <vector>
 
 #include "gx/display/pen.h"
+#include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
+#include "gx/vext.h"
 
 struct gx_scaled_font_t {
   std::array<std::vector<std::vector<gx_point16_t>>, 128> glyphs;  // by character code
@@ -21,7 +23,9 @@ std::int16_t clamped(int v, int low, int high) {
 }
 
 // Grid units per pixel of a text of that height.
-int grid_per_pixel(int height) { return height <= 0 ? 1000 : std::max(gx_glyph_height / height, 1); }
+int grid_per_pixel(int height) {
+  return height <= 0 ? 1000 : std::max(gx_glyph_height / height, 1);
+}
 }  // namespace
 
 void gx_setarray_hortext() {
@@ -61,8 +65,7 @@ void gx_hortext(gx_vpid_t vpid, std::string_view text, int istart, int x, int y,
   y = clamped(y, 0, v.bitmap_size.y);
   int width = gx_max_text_length * v.cmd_step + 1;
   if (!whole_line)
-    width = n < gx_max_text_length ? (n + 1) * v.cmd_step + 2
-                                   : gx_max_text_length * v.cmd_step + 2;
+    width = n < gx_max_text_length ? (n + 1) * v.cmd_step + 2 : gx_max_text_length * v.cmd_step + 2;
   gx_pen_clear(x - 1, y - 1, width, v.cmd_height + v.cmd_height / 2 + 2);
   const int baseline = y + v.cmd_height;
   for (const char c : rest.substr(0, static_cast<std::size_t>(n))) {

@@ -6,11 +6,11 @@
 
 #include <span>
 #include <string_view>
+#include <vector>
 
+#include "gx/display/screen_state.h"
 #include "gx/display/stroke_font.h"
-#include "gx/text/state.h"
-
-inline constexpr int gx_max_text_length = 60;
+#include "gx/text/message_list.h"
 
 // Scales the glyphs for gx_hortext to cmd_height and cmd_step; nothing while either is 0.
 void gx_setarray_hortext();

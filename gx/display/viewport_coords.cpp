@@ -4,9 +4,11 @@
 
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
+#include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
+#include "gx/vext.h"
 
 namespace {
 constexpr std::int64_t max_pixel = 20000;
@@ -38,8 +40,7 @@ int pixel_height(const gx_viewport_rec_t& vp) {
 void centre(gx_viewport_rec_t& vp, std::int64_t cx, std::int64_t cy) {
   const std::int64_t hw = std::int64_t{pixel_width(vp)} * vp.object_scale / 2;
   const std::int64_t hh = std::int64_t{pixel_height(vp)} * vp.object_scale / 2;
-  vp.bounds_part = {in_design(cx - hw), in_design(cy - hh), in_design(cx + hw),
-                    in_design(cy + hh)};
+  vp.bounds_part = {in_design(cx - hw), in_design(cy - hh), in_design(cx + hw), in_design(cy + hh)};
 }
 }  // namespace
 

@@ -3,13 +3,15 @@
 
 #include <algorithm>
 
-#include "gx/db/object_access.h"
 #include "gx/db/geometry.h"
+#include "gx/db/object_access.h"
 #include "gx/display/draw.h"
 #include "gx/display/pen.h"
+#include "gx/display/screen_state.h"
 #include "gx/display/stroke_text.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
+#include "gx/vext.h"
 
 namespace {
 constexpr std::int64_t bounds_unit = 100000;  // of the drawable size
@@ -17,8 +19,8 @@ constexpr int max_grid_dots = 50;
 
 gx_bounds16_t pixels_of(const gx_boundsreal_t& b) {
   const auto pixel = [](std::int32_t bound, std::int16_t size) {
-    return static_cast<std::int16_t>(std::clamp<std::int64_t>(bound * std::int64_t{size} / bounds_unit,
-                                                              -20000, 20000));
+    return static_cast<std::int16_t>(
+        std::clamp<std::int64_t>(bound * std::int64_t{size} / bounds_unit, -20000, 20000));
   };
   const gx_point16_t size = gx_vext.bitmap_size;
   return {pixel(b.xmin, size.x), pixel(b.ymin, size.y), pixel(b.xmax, size.x),
@@ -194,9 +196,9 @@ void gx_viewport_draw_segment(gx_vpid_t vpid, gx_point16_t p1, gx_point16_t p2, 
   const gx_bounds16_t& p = open_viewport(vpid, "gx_viewport_draw_segment").pixel_bounds;
   const gx_batch_t batch;
   gx_viewport_select(vpid);
-  gx_pen_line(color, style,
-              {offset(p1.x, p.xmin), offset(p1.y, p.ymin), offset(p2.x, p.xmin),
-               offset(p2.y, p.ymin)});
+  gx_pen_line(
+      color, style,
+      {offset(p1.x, p.xmin), offset(p1.y, p.ymin), offset(p2.x, p.xmin), offset(p2.y, p.ymin)});
 }
 
 void gx_viewport_draw_grid(gx_vpid_t vpid, gx_point16_t p1, gx_point16_t p2, int nx, int ny,
@@ -217,4 +219,13 @@ void gx_viewport_draw_grid(gx_vpid_t vpid, gx_point16_t p1, gx_point16_t p2, int
       const int size = i % 5 == 0 ? 2 : 1;  // every fifth column stands out
       gx_pen_box(color, x - (size - 1), y, size, size);
     }
+}
+
+bool gx_part_object_inside_vp_bounds(gx_vpid_t vpid, const gx_file_gene_recf_t& file, int id,
+                                     int inst) {
+  if (vpid < 1 || vpid > gx_max_viewports || vpid > gx_vext.viewport_id_max) {
+    gx_set_status(gx_code::viewport_id_invalid);
+  }
+  const auto& shown = gx_vext.viewport[static_cast<std::size_t>(vpid)].bounds_part;
+  return gx_bounds_overlap(gx_object_abs_origin_bounds(file, id, inst).bounds, shown);
 }

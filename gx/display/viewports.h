@@ -7,7 +7,8 @@
 #include <string_view>
 
 #include "gx/db/file_records.h"
-#include "gx/text/state.h"
+#include "gx/db/ids.h"
+#include "gx/display/screen_state.h"
 
 // There is something to draw into: false after gx_init_nograph and before any init.
 bool gx_drawing_possible();
@@ -29,7 +30,7 @@ gx_bounds16_t gx_bounds_to_clipping_window(const gx_boundsreal_t& bounds,
 gx_point16_t gx_viewport_inq_pixel_min(gx_vpid_t vpid);
 bool gx_inq_file_disp_vpn(gx_file_index_t file_index, gx_vpid_t vpid);
 bool gx_inq_file_displayed(gx_file_index_t file_index);
-bool gx_viewport_ok(int vpid);  // an id in use
+bool gx_viewport_ok(int vpid);          // an id in use
 bool gx_is_picture_viewport(int vpid);  // edit, context or activ
 
 gx_vpid_t gx_viewport_pixel_to_vpid(gx_point16_t pixel);  // 0 when none
@@ -63,3 +64,7 @@ void gx_viewport_refresh_partial(gx_vpid_t vpid, bool force_selected);
 void gx_display_picture_all(gx_vpid_t vpid, gx_file_index_t file_index);
 void gx_display_picture_area(gx_vpid_t vpid, gx_file_index_t file_index, gx_pointreal_t p1,
                              gx_pointreal_t p2);
+
+// The object's absolute box meets the part of the design that the viewport shows.
+bool gx_part_object_inside_vp_bounds(gx_vpid_t vpid, const gx_file_gene_recf_t& file, int id,
+                                     int inst);

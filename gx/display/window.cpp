@@ -11,12 +11,16 @@
 #include <string>
 
 #include "gx/display/colors.h"
+#include "gx/display/list_viewport.h"
+#include "gx/display/menu_state.h"
 #include "gx/display/menus.h"
 #include "gx/display/pen.h"
+#include "gx/display/screen_state.h"
 #include "gx/display/stroke_text.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
+#include "gx/vext.h"
 
 namespace {
 constexpr int window_x = 40, window_y = 100;
@@ -183,11 +187,11 @@ void make_graphics_context(const XRectangle& place) {
   values.join_style = JoinMiter;
   values.fill_style = FillSolid;
   values.graphics_exposures = False;  // copies of the menus need no events
-  v.our_gc = XCreateGC(v.dpy, v.win,
-                       GCFunction | GCPlaneMask | GCForeground | GCBackground | GCLineWidth |
-                           GCLineStyle | GCCapStyle | GCJoinStyle | GCFillStyle |
-                           GCGraphicsExposures,
-                       &values);
+  v.our_gc =
+      XCreateGC(v.dpy, v.win,
+                GCFunction | GCPlaneMask | GCForeground | GCBackground | GCLineWidth | GCLineStyle |
+                    GCCapStyle | GCJoinStyle | GCFillStyle | GCGraphicsExposures,
+                &values);
   gx_pen_clip(place.x + 2, place.y + 2, place.width + place.x - 3, place.height + place.y - 3);
 }
 
@@ -218,52 +222,15 @@ void make_cursors() {
 
 // What both inits begin with.
 void reset_package_state() {
-  auto& v = gx_vext;
-  v.open_obj_id = v.picked_obj_id = 0;
-  v.num_file_open = 0;
-  v.cur_file = 0;
-  v.lpplot_scale = 1;
-  v.pick_ap_new = true;
-  v.pick_ap_center = v.pick_ap_size = {};
-  v.pick_ap_bounds = {};
-  v.vertex_list_to_do = false;
-  v.vertex_list_ar = {};
-  v.segment_list_ar = {};
-  v.base_point = v.obj_pos = {};
-  v.origin_page_x = v.origin_page_y = 0;
-  v.pixel_pos = v.pixel_ptr1 = v.pixel_ptr2 = {};
-  v.bitmap_size = {};
-  v.nlinlist_end = v.nlinlist_disp = 0;
-  v.nb_line_in_listviewp = v.nb_list_line_max = 0;
-  v.transcript_state = true;
-  v.dim_pin = 1000;
-  v.istart_list = v.istart_cmd = 1;
-  v.viewport_id_max = 0;
-  v.viewport_current = 0;
-  v.viewport_id_start = v.viewport_id = 0;
-  v.viewport_edit = v.viewport_cmd = v.viewport_list = v.viewport_context = v.viewport_activ = 0;
-  v.color_obj_selected = 2;
-  v.cmd_x0 = v.cmd_y0 = v.cmd_xi = v.cmd_yi = v.cmd_height = v.cmd_step = 0;
-  v.listb_x0 = v.listb_y0 = v.listb_xi = v.listb_yi = v.list_height = v.list_step = 0;
-  v.cmd_color = v.list_color = 1;
-  v.viewport_back_color = 0;
-  v.menu_level = 0;
-  v.menu_drawn = false;
-  v.menuline_lev = v.prelinsel_lev = {};
-  v.menu_extbounds = v.menu_boxbounds = {};
-  v.menu_lev_extbounds = v.menu_lev_boxbounds = {};
-  v.menu1_arofptr = {};
-  v.menu2_arofptr = {};
-  v.menu3_arofptr = {};
-  v.menu4_arofptr = {};
-  for (auto* actions : {&v.action_f, &v.action_fs, &v.action_fc, &v.action_fa, &v.action_fup,
-                        &v.action_fsup, &v.action_fcup, &v.action_faup})
-    *actions = {};
-  for (auto* actions : {&v.action_a, &v.action_as, &v.action_ac, &v.action_aa}) *actions = {};
-  v.action_but = {};
-  v.action_ck = {};
-  v.keyf_down = false;
-  v.pen.reset();
+  gx_list = {};
+  gx_files = {};
+  gx_undo = {};
+  gx_edit = {};
+  static_cast<gx_screen_state_t&>(gx_vext) = {};
+  static_cast<gx_input_state_t&>(gx_vext) = {};
+  static_cast<gx_menu_state_t&>(gx_vext) = {};
+  static_cast<gx_key_state_t&>(gx_vext) = {};
+  gx_set_list_drawer(gx_regen_display_list);
 }
 }  // namespace
 

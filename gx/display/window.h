@@ -5,7 +5,7 @@
 #include <span>
 #include <string_view>
 
-#include "gx/text/state.h"
+#include "gx/display/screen_state.h"
 
 // Opens the display, makes the window, colours, cursors and menu pixmaps, and creates the
 // viewports (1..16 of them). No or wrong DISPLAY ends the process with status 1; other failures

@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "gx/text/record_fill.h"
-#include "gx/text/state.h"
+#include "gx/text/session_state.h"
 #include "gx/text/strings.h"
 
 void gx_store_arg(int argc, const char* const* argv) {
@@ -13,18 +13,18 @@ void gx_store_arg(int argc, const char* const* argv) {
     std::printf(" !!! invalid usage  : arg number : %2d\n", argc);
     std::exit(0);
   }
-  gx_vext.nb_arg_comline = argc;
+  gx_session.nb_arg_comline = argc;
   for (int i = 0; i < argc; ++i) {
     const char* word = argv[i];
     std::size_t len = 0;
     while (len < gx_max_string_length && gx_printable(word[len])) ++len;
     if (len >= gx_max_string_length - 1) len = 0;
-    gx_copy_string({word, len}, gx_vext.argcomline[static_cast<std::size_t>(i)]);
+    gx_copy_string({word, len}, gx_session.argcomline[static_cast<std::size_t>(i)]);
   }
 }
 
 bool gx_get_arg(std::int32_t n, gx_string_record_t& word) {
-  const bool held = n >= 1 && n <= gx_vext.nb_arg_comline && n <= gx_max_arg_comline;
-  word = held ? gx_vext.argcomline[static_cast<std::size_t>(n - 1)] : gx_string_record_t{};
+  const bool held = n >= 1 && n <= gx_session.nb_arg_comline && n <= gx_max_arg_comline;
+  word = held ? gx_session.argcomline[static_cast<std::size_t>(n - 1)] : gx_string_record_t{};
   return held;
 }

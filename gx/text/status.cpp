@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "gx/text/debug.h"
-#include "gx/text/state.h"
+#include "gx/text/session_state.h"
 #include "gx/text/status_names.h"
 #include "gx/text/strings.h"
 #include "gx/text/text_files.h"
@@ -26,8 +26,8 @@ std::vector<void (*)()>& releases() {
 
 // Hands the design directory to the installation's context saver, once there is a session to save.
 void save_context() {
-  if (!gx_vext.all_init_done || gx_vext.nb_arg_comline < 2) return;
-  const std::string_view design = gx_view(gx_vext.argcomline[1]);
+  if (!gx_session.all_init_done || gx_session.nb_arg_comline < 2) return;
+  const std::string_view design = gx_view(gx_session.argcomline[1]);
   if (design.empty() || design.size() > 163) return;
   gx_string_record_t command;
   gx_concat_all(command, context_saver, design);
@@ -55,7 +55,7 @@ void gx_set_status(gx_code code) {
   if (!stopping) {  // a stop inside the stop goes straight to the abort
     stopping = true;
     save_context();
-    close_file(gx_vext.debugfile);
+    close_file(gx_session.debugfile);
     gx_release_all();
   }
   std::fflush(nullptr);
@@ -84,8 +84,8 @@ void gx_release_all() {
 
 void gx_end_process(std::string_view message, int exit_status) {
   std::printf("%.*s\n", static_cast<int>(message.size()), message.data());
-  close_file(gx_vext.debugfile);
-  close_file(gx_vext.cursessfile);
+  close_file(gx_session.debugfile);
+  close_file(gx_session.cursessfile);
   gx_release_all();
   std::fflush(nullptr);
   std::_Exit(exit_status);

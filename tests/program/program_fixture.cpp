@@ -433,8 +433,8 @@ std::vector<std::uint32_t> palette_of(Display* display, const XWindowAttributes&
   XQueryColors(display, attributes.colormap, colors.data(), visual.map_entries);
   std::vector<std::uint32_t> palette;
   for (const XColor& c : colors)
-    palette.push_back(static_cast<std::uint32_t>(c.red >> 8 << 16 | c.green >> 8 << 8 |
-                                                 c.blue >> 8));
+    palette.push_back(
+        static_cast<std::uint32_t>(c.red >> 8 << 16 | c.green >> 8 << 8 | c.blue >> 8));
   return palette;
 }
 }  // namespace
@@ -510,9 +510,8 @@ void test_session::settle(test_time limit) {
   const auto bytes = [&] {
     XWindowAttributes attributes{};
     const image_ptr image = grab(display_.connection(), window_, attributes);
-    return std::string(image->data,
-                       static_cast<std::size_t>(image->bytes_per_line) *
-                           static_cast<std::size_t>(image->height));
+    return std::string(image->data, static_cast<std::size_t>(image->bytes_per_line) *
+                                        static_cast<std::size_t>(image->height));
   };
   std::string last = bytes();
   int still = 0;  // looks at an unchanged picture

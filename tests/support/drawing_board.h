@@ -6,12 +6,16 @@
 
 #include <functional>
 #include <string_view>
+#include <vector>
 
+#include "gx/db/ids.h"
 #include "gx/db/object_access.h"
 #include "gx/display/draw.h"
 #include "gx/display/pen.h"
+#include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
 #include "gx/display/window.h"
+#include "gx/vext.h"
 #include "gxmake/object_tree.h"
 
 class drawing_board {
@@ -20,18 +24,12 @@ class drawing_board {
   static constexpr gx_file_index_t file_index = 1;
 
   drawing_board() {
-    gx_reset_state();
-    gx_init_nograph();
     auto& v = gx_vext;
     v.bitmap_size = {1000, 1000};
     v.display_on = true;
     gx_viewport_create({10000, 10000, 90000, 90000}, {1, 0, 3, 0});
     v.viewport_edit = edit;
-    tree = gxm_start_tree({}, {100000, 100000}, 5000, true);
-    v.filear[1].start_buf_ptr = tree.file;
     v.filear[1].already_open_ok = true;
-    v.num_file_open = 1;
-    tree.file->file_index = file_index;
     v.viewport[1].file_index = file_index;
     show(100);
     gx_viewport_select(edit);
@@ -56,7 +54,14 @@ class drawing_board {
   }
   void select(int id) { gx_object_id_ptr(file(), id).status |= gx_flag_selected; }
 
-  gxm_tree_t tree;
+  gxm_tree_t tree = blank_sheet();  // in slot 1 while it lives
+
+ private:
+  static gxm_tree_t blank_sheet() {
+    gx_reset_state();
+    gx_init_nograph();
+    return gxm_start_tree({}, {100000, 100000}, 5000, true);
+  }
 };
 
 // What one drawing left in the pen.

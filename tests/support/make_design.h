@@ -2,6 +2,7 @@
 #pragma once
 
 #include <stdexcept>
+#include <vector>
 
 #include "gxmake/builder.h"
 #include "gxmake/parser.h"

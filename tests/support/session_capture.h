@@ -7,9 +7,10 @@
 #include <utility>
 #include <vector>
 
-#include "app/commands.h"
+#include "app/language/commands.h"
 #include "gx/display/window.h"
 #include "gx/text/strings.h"
+#include "gx/vext.h"
 
 class session_capture {
  public:

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "gx/vext.h"
 #include "tests/support/drawing_board.h"
 
 namespace {

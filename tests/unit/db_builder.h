@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "gx/db/files.h"
+#include "gx/db/ids.h"
 #include "gx/db/object_access.h"
 #include "gx/db/record_tables.h"
 #include "gx/text/strings.h"
@@ -100,5 +101,7 @@ inline gx_builder small_sheet() {
   auto& segment = sheet.add_record<gx_object_segment_rec_t>(net);
   segment.vertex1 = id16(vertex);
   segment.vertex2 = id16(pin);
+  auto& grid = sheet.add_record<gx_object_grid_rec_t>(sheet.add(gx_type::page, main_id));
+  grid.step_point = 100;
   return sheet;
 }

@@ -2,6 +2,7 @@
 #include <climits>
 
 #include "gx/db/geometry.h"
+#include "gx/vext.h"
 #include "tests/unit/db_fixture.h"
 #include "tests/unit/fatal_stop.h"
 

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "gx/display/draw.h"
+#include "gx/vext.h"
 #include "tests/support/drawing_board.h"
 #include "tests/unit/fatal_stop.h"
 
@@ -28,8 +29,7 @@ class Drawing : public ::testing::Test {
     return line;
   }
   gx_object_circle_rec_t& add_circle(gx_pointreal_t at, std::int32_t rad) {
-    auto& circle =
-        board.add<gx_object_circle_rec_t>(at, {-rad, -rad, rad, rad}, graphics_);
+    auto& circle = board.add<gx_object_circle_rec_t>(at, {-rad, -rad, rad, rad}, graphics_);
     circle.rad = rad;
     circle.border_color = cyan;
     return circle;
@@ -45,8 +45,7 @@ class Drawing : public ::testing::Test {
   }
 
   lines_t drawn(int id, int color, int style = 0, gx_draw_mode mode = draws) {
-    return lines_of(color, style,
-                    [&] { gx_display_prim(1, 1, id, 0, mode, false); });
+    return lines_of(color, style, [&] { gx_display_prim(1, 1, id, 0, mode, false); });
   }
 
   drawing_board board;
@@ -98,7 +97,8 @@ TEST_F(Drawing, HostileRecordsStopOrStayInTheWindow) {
 
   auto& polyline = board.add<gx_object_polyline_rec_t>({10000, 10000}, {0, 0, 900, 900}, graphics_);
   polyline.n_points = 32767;
-  for (int i = 1; i < 16; ++i) polyline.points[static_cast<std::size_t>(i)] = {i * 100, i % 2 * 900};
+  for (int i = 1; i < 16; ++i)
+    polyline.points[static_cast<std::size_t>(i)] = {i * 100, i % 2 * 900};
   EXPECT_EQ(drawn(polyline.gene.object_id, black).size(), 15U);
   polyline.n_points = -3;
   EXPECT_TRUE(drawn(polyline.gene.object_id, black).empty());
@@ -145,7 +145,8 @@ class PlacedSymbol : public Drawing {
  protected:
   PlacedSymbol() {
     instances_ = board.family(gx_type::instance_family);
-    auto& symbol = gxm_add<gx_object_symbol_rec_t>(board.tree, board.family(gx_type::symbol_family), {});
+    auto& symbol =
+        gxm_add<gx_object_symbol_rec_t>(board.tree, board.family(gx_type::symbol_family), {});
     symbol_ = symbol.gene.object_id;
     body_ = gxm_add_plain(board.tree, gx_type::body, symbol_);
     graphics_ = gxm_add_plain(board.tree, gx_type::graphics, body_);

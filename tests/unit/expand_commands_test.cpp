@@ -1,6 +1,7 @@
 // The commands that set a run up, and the refusals of RUN.
-#include "tests/unit/flatten_fixture.h"
+#include "gx/vext.h"
 #include "tests/unit/fatal_stop.h"
+#include "tests/unit/flatten_fixture.h"
 
 namespace {
 
@@ -77,7 +78,8 @@ TEST_F(FlattenTest, RunIsRefusedUntilAllIsDeclared) {
     EXPECT_EQ(session.run("RUN"), (lines_t{"# RUN ", step.error}));
     session.run(step.command);
   }
-  EXPECT_EQ(session.run("RUN NOW"), (lines_t{"# RUN ", "# !! Error : parameter number invalid ? "}));
+  EXPECT_EQ(session.run("RUN NOW"),
+            (lines_t{"# RUN ", "# !! Error : parameter number invalid ? "}));
   EXPECT_EQ(kv_sext.strings.count, 1);
 }
 
@@ -104,8 +106,11 @@ TEST_F(FlattenTest, RunKeepsTheSheetInViewAndWritesAWholeImage) {
 TEST_F(FlattenTest, RunWithoutADesignFileStops) {
   ::close(kv_sext.designfile);
   kv_sext.designfile = -1;
-  expect_stop([] { kv_run_cmd({{}, kv_pext.ext_arg, kv_pext.top_var}); },
-              gx_code::file_data_invalid);
+  expect_stop(
+      [] {
+        kv_run_cmd({{}, kv_pext.ext_arg, kv_pext.top_var});
+      },
+      gx_code::file_data_invalid);
 }
 
 TEST_F(FlattenTest, AFullDiskIsTold) {

@@ -7,8 +7,8 @@
 #include <cstdio>
 #include <string>
 
-#include "gx/text/state.h"
 #include "gx/text/status.h"
+#include "gx/vext.h"
 
 // Run inside the death statement: standard output and the debug file both end in standard error.
 inline void say_all_on_stderr() {

@@ -1,6 +1,7 @@
 // Sheets that can be read but make no sense: a run gets through them, whatever they hold.
 #include <random>
 
+#include "gx/vext.h"
 #include "tests/unit/flatten_fixture.h"
 
 namespace {
@@ -71,24 +72,30 @@ class damage {
         reinterpret_cast<gx_object_instance_rec_t&>(*object).symbol = some(file, gx_type::symbol);
         break;
       case gx_type::symbol: {
-        constexpr std::string_view paths[] = {"", "/", "cell/symbol.gx_1", "top/symbol.gx_1",
-                                              "r/symbol.gx_", "symbol.gx_1", "nowhere/s.gx_9"};
+        constexpr std::string_view paths[] = {"",
+                                              "/",
+                                              "cell/symbol.gx_1",
+                                              "top/symbol.gx_1",
+                                              "r/symbol.gx_",
+                                              "symbol.gx_1",
+                                              "nowhere/s.gx_9"};
         auto& symbol = reinterpret_cast<gx_object_symbol_rec_t&>(*object);
         symbol.path = gx_string(paths[below(static_cast<int>(std::size(paths)))]);
         symbol.instance = some(file, gx_type::instance);
         break;
       }
       case gx_type::property_2d: {
-        constexpr std::string_view names[] = {"CLASS", "INST", "NET", "PIN", "PINTYPE", "INIT",
-                                              "GLOBAL", "TIMIND", "W", ""};
-        constexpr std::string_view values[] = {"", "G", "PORTIO", "R", "VDD", "A", "D[0:3]", "(DRIVE",
-                                               "(1/0)", "120", "IO", "1"};
+        constexpr std::string_view names[] = {"CLASS", "INST",   "NET",    "PIN", "PINTYPE",
+                                              "INIT",  "GLOBAL", "TIMIND", "W",   ""};
+        constexpr std::string_view values[] = {"",       "G",      "PORTIO", "R",   "VDD", "A",
+                                               "D[0:3]", "(DRIVE", "(1/0)",  "120", "IO",  "1"};
         auto& property = reinterpret_cast<gx_object_property_rec_t&>(*object);
         property.name = gx_name(names[below(static_cast<int>(std::size(names)))]);
         property.nvalue = gx_value(values[below(static_cast<int>(std::size(values)))]);
         break;
       }
-      default: break;
+      default:
+        break;
     }
   }
   std::mt19937 random_;

@@ -1,4 +1,5 @@
 // What a run reports, and that it gets through designs that are not as they should be.
+#include "gx/vext.h"
 #include "tests/unit/flatten_fixture.h"
 
 namespace {
@@ -23,53 +24,79 @@ const bad_design_t bad_designs[] = {
     {"port without a name",
      "sheet top\n port A p 0,0\n part R r 2,0\n net A\n  wire A R.1\n net Z\n  wire R.2 9,0\n",
      [](auto& files) { rename_property(file_of(files, "top", "sheet"), "NET", "NAT"); },
-     {"# !! Error : PORT without property NET : I_"}, 1, 0},
+     {"# !! Error : PORT without property NET : I_"},
+     1,
+     0},
     {"two ports on one net",
      "symbol s\n pin A 0,0 IN\n pin B 0,4 IN\n"
      "sheet s\n port A p 0,0\n port B p 0,4\n net N\n  wire A B\n"
      "sheet top\n part X s 2,0\n net T\n  wire X.A 0,0\n net U\n  wire X.B 0,4\n",
-     nullptr, {"# !! Error :2 differents ports connected on same equipot: N_"}, 1, 0},
+     nullptr,
+     {"# !! Error :2 differents ports connected on same equipot: N_"},
+     1,
+     0},
     {"two globals on one net",
-     "sheet top\n global VDD g 0,0\n global GND g 0,4\n net N\n  wire 0,0 0,4\n", nullptr,
-     {"# !! Error :2 differents globals connected on same equipot: N_"}, 1, 0},
-    {"bus pin used for a global", "sheet top\n global VDD g 0,0\n bus D 0:3\n  wire 0,0 9,0\n",
+     "sheet top\n global VDD g 0,0\n global GND g 0,4\n net N\n  wire 0,0 0,4\n",
+     nullptr,
+     {"# !! Error :2 differents globals connected on same equipot: N_"},
+     1,
+     0},
+    {"bus pin used for a global",
+     "sheet top\n global VDD g 0,0\n bus D 0:3\n  wire 0,0 9,0\n",
      [](auto& files) {
        change_each<gx_object_pinpropfam_rec_t>(file_of(files, "top", "sheet"),
                                                [](auto& pin) { pin.pin_end = 3; });
      },
-     {"# !! Error : pin bus used for global : P_"}, 1, 0},
-    {"port without its pin", block,
+     {"# !! Error : pin bus used for global : P_"},
+     1,
+     0},
+    {"port without its pin",
+     block,
      [](auto& files) { rename_property(file_of(files, "top", "sheet"), "PIN", "PAN"); },
-     {"# !! Pin of INStance : \"/X/A\"    :   not found ? "}, 1, 0},
+     {"# !! Pin of INStance : \"/X/A\"    :   not found ? "},
+     1,
+     0},
     {"port of another width",
      "symbol s\n pin A 0,0 IN bits 0:1\n"
      "sheet s\n port A p 0,0 bits 0:2\n bus A 0:2\n  wire A 9,0\n"
      "sheet top\n part X s 2,0\n bus T 0:1\n  wire X.A 0,0\n",
-     nullptr, {"# !! Pin of INStance : \"/X/A[0:2]\"    :   not compatible at level -1 ? "}, 1, 0},
+     nullptr,
+     {"# !! Pin of INStance : \"/X/A[0:2]\"    :   not compatible at level -1 ? "},
+     1,
+     0},
     {"initial state on the net of a port",
      "symbol s\n pin A 0,0 IN\n"
      "sheet s\n port A p 0,0\n part R r 2,0\n net A INIT=Q\n  wire A R.1\n net Z\n  wire R.2 9,0\n"
      "sheet top\n part X s 2,0\n net T\n  wire X.A 0,0\n",
      nullptr,
      {"# !! INIT property on NET of PORT Invalid ", "# !! Port name  : \"A\"",
-      "# !! INIT value  : \"Q\""}, 1, 0},
-    {"symbol path without a version", one_part,
+      "# !! INIT value  : \"Q\""},
+     1,
+     0},
+    {"symbol path without a version",
+     one_part,
      [](auto& files) {
        change_each<gx_object_symbol_rec_t>(file_of(files, "top", "sheet"), [](auto& symbol) {
          symbol.path = gx_string("r/symbol.gx_");
        });
      },
      {"# !! Error : Invalid Version in pathname of : ", "# !! : \"r/symbol.gx_\"",
-      "# !! using old symbol version  "}, 1, 0},
-    {"old version of a leaf's symbol", one_part,
+      "# !! using old symbol version  "},
+     1,
+     0},
+    {"old version of a leaf's symbol",
+     one_part,
      [](auto& files) {
        change_each<gx_object_symbol_rec_t>(file_of(files, "top", "sheet"), [](auto& symbol) {
          symbol.path = gx_string("r/symbol.gx_7");
        });
      },
      {"# !! Error on Version (not the current) of : ", "# !! : \"r/symbol.gx_7\"",
-      "# !! using old symbol version  "}, 1, 0},
-    {"old version of a block's symbol", block,
+      "# !! using old symbol version  "},
+     1,
+     0},
+    {"old version of a block's symbol",
+     block,
      [](auto& files) {
        change_each<gx_object_symbol_rec_t>(file_of(files, "top", "sheet"), [](auto& symbol) {
          symbol.path = gx_string("s/symbol.gx_7");
@@ -77,52 +104,85 @@ const bad_design_t bad_designs[] = {
      },
      {"# !! Error on Version (not the current) of : ", "# !! : \"s/symbol.gx_7\"",
       "# !! using old symbol version  ", "!! Warning : using old version of : \"s/symbol.gx_7\""},
-     1, 1},
-    {"symbol that is not there", one_part,
+     1,
+     1},
+    {"symbol that is not there",
+     one_part,
      [](auto&) { std::filesystem::remove("r/symbol.gx"); },
-     {"# !! Error : Symbol of : \"r/symbol.gx_1\"  not found ? "}, 1, 0},
-    {"link without a number", one_part, [](auto&) { write_file("r/symbol.gx", "_x        \n"); },
-     {"# !! Error : Symbol of : \"r/symbol.gx_1\"  not found ? "}, 1, 0},
-    {"block without a sheet", block, [](auto&) { std::filesystem::remove("s/sheet.gx"); },
+     {"# !! Error : Symbol of : \"r/symbol.gx_1\"  not found ? "},
+     1,
+     0},
+    {"link without a number",
+     one_part,
+     [](auto&) { write_file("r/symbol.gx", "_x        \n"); },
+     {"# !! Error : Symbol of : \"r/symbol.gx_1\"  not found ? "},
+     1,
+     0},
+    {"block without a sheet",
+     block,
+     [](auto&) { std::filesystem::remove("s/sheet.gx"); },
      {"!! Error : Sheet of INStance  \"s/symbol.gx_1\"  not found ? ",
-      "# !! Error no sheet found for : ", "# !! : \"/X\""}, 1, 0},
-    {"block with a damaged sheet", block, [](auto&) { write_file("s/sheet.gx_1", "not a sheet"); },
-     {"!! Error : Sheet of INStance \"s/symbol.gx_1\"  not found ? ", "# !! : ",
-      "# !! Error no sheet found for : ", "# !! : \"/X\""}, 1, 0},
-    {"sheet with errors that was changed since its check", block,
+      "# !! Error no sheet found for : ", "# !! : \"/X\""},
+     1,
+     0},
+    {"block with a damaged sheet",
+     block,
+     [](auto&) { write_file("s/sheet.gx_1", "not a sheet"); },
+     {"!! Error : Sheet of INStance \"s/symbol.gx_1\"  not found ? ",
+      "# !! : ", "# !! Error no sheet found for : ", "# !! : \"/X\""},
+     1,
+     0},
+    {"sheet with errors that was changed since its check",
+     block,
      [](auto& files) {
        file_of(files, "s", "sheet").check_data_done = 1;
        file_of(files, "s", "sheet").num_errors = 2;
      },
      {"#  !! Error : Sheet of INStance \"s/symbol.gx_1\"  NOT CHECKED ? ",
-      "#  !! Error : Sheet of INStance \"s/symbol.gx_1\"  WITH Error(s) ? "}, 2, 0},
-    {"sheet without a primary object", block,
+      "#  !! Error : Sheet of INStance \"s/symbol.gx_1\"  WITH Error(s) ? "},
+     2,
+     0},
+    {"sheet without a primary object",
+     block,
      [](auto& files) { file_of(files, "s", "sheet").primary_object = 0; },
-     {"!! Error : Sheet of INStance \"s/symbol.gx_1\"  Invalid ? "}, 1, 0},
+     {"!! Error : Sheet of INStance \"s/symbol.gx_1\"  Invalid ? "},
+     1,
+     0},
     {"pins without a type and with an unknown one",
      "symbol q\n pin 1 0,0\n pin 2 4,0 inward\n pin 3 8,0 weak\n prop CLASS=Q\n"
      "sheet top\n part Q q 2,0\n net A\n  wire Q.1 0,9\n net B\n  wire Q.2 6,9\n"
      " net C\n  wire Q.3 10,9\n",
      nullptr,
      {"# ? Warning Pintype Not Defined so \"OUTPUT\" assumed FOR pin : /Q/1",
-      "# ? Error : Invalid Pintype on Pin : ", "#  Pin Path : \"/Q/3\""}, 1, 1},
-    {"pin without a net", "sheet top\n part R r 2,0\n net A\n  wire R.1 0,0\n", nullptr,
-     {"# !! Error : Pin without Net : \"/R/2\""}, 1, 0},
-    {"bus that ends before it starts", one_part,
+      "# ? Error : Invalid Pintype on Pin : ", "#  Pin Path : \"/Q/3\""},
+     1,
+     1},
+    {"pin without a net",
+     "sheet top\n part R r 2,0\n net A\n  wire R.1 0,0\n",
+     nullptr,
+     {"# !! Error : Pin without Net : \"/R/2\""},
+     1,
+     0},
+    {"bus that ends before it starts",
+     one_part,
      [](auto& files) {
        change_each<gx_object_net_rec_t>(file_of(files, "top", "sheet"), [](auto& net) {
          net.is_bus = 1, net.bus_start = 3, net.bus_end = 3;
        });
      },
      {"# !! Error : Range of Bus Invalid : \"/A\"", "# !! Error : Range of Bus Invalid : \"/B\""},
-     2, 0},
-    {"pin beyond its bus", "sheet top\n part R r 2,0\n bus A 0:3\n  wire R.1 0,0\n"
-                           " net B\n  wire R.2 9,0\n",
+     2,
+     0},
+    {"pin beyond its bus",
+     "sheet top\n part R r 2,0\n bus A 0:3\n  wire R.1 0,0\n"
+     " net B\n  wire R.2 9,0\n",
      [](auto& files) {
        change_each<gx_object_pinpropfam_rec_t>(file_of(files, "top", "sheet"),
                                                [](auto& pin) { pin.pin_net_start = 900; });
      },
-     {"# !! Error : Pin out of the range of its Bus : \"/R/1\""}, 1, 0},
+     {"# !! Error : Pin out of the range of its Bus : \"/R/1\""},
+     1,
+     0},
 };
 
 TEST_F(FlattenTest, WhatIsWrongIsToldAndTheRunGoesOn) {
@@ -177,26 +237,24 @@ TEST_F(FlattenTest, TimingIndexesAreInheritedAndLimited) {
 }
 
 TEST_F(FlattenTest, ExpressionsSeeThePropertiesOfTheirBlock) {
-  write(build("symbol s\n pin A 0,0 IN\n"
-              "sheet s\n port A p 0,0\n part R r 2,0 W=(2*DRIVE*K) N=TEXT\n"
-              " net A\n  wire A R.1\n net Z W=(X)\n  wire R.2 9,0\n"
-              "sheet top\n part X s 2,0 DRIVE=3\n part Y s 2,9 DRIVE=(K+1)\n"
-              " net T\n  wire X.A 0,0 0,9 Y.A\n"));
+  write(
+      build("symbol s\n pin A 0,0 IN\n"
+            "sheet s\n port A p 0,0\n part R r 2,0 W=(2*DRIVE*K) N=TEXT\n"
+            " net A\n  wire A R.1\n net Z W=(X)\n  wire R.2 9,0\n"
+            "sheet top\n part X s 2,0 DRIVE=3\n part Y s 2,9 DRIVE=(K+1)\n"
+            " net T\n  wire X.A 0,0 0,9 Y.A\n"));
   declare({"PRIMI CLASS R", "PARAM K 1 2 3", "PROP INS R W DRIVE", "PROP INS I N", "PROP INS S N",
            "PROP PIN S PINTYPE", "PROP NET R W"});
   open_top();
-  EXPECT_EQ(answers(), (lines_t{"# !! Error found on property value ",
-                                "#    Net Path : \"/X/Z\"", "#    Property Name :  \"W\"",
-                                "#    Property Value :  \"(X)\"",
-                                "# !! Error found on property value ",
-                                "#    Instance Path : \"/X/R\"", "#    Property Name :  \"N\"",
-                                "#    Property Value :  \"TEXT\"",
-                                "# !! Error found on property value ",
-                                "#    Net Path : \"/Y/Z\"", "#    Property Name :  \"W\"",
-                                "#    Property Value :  \"(X)\"",
-                                "# !! Error found on property value ",
-                                "#    Instance Path : \"/Y/R\"", "#    Property Name :  \"N\"",
-                                "#    Property Value :  \"TEXT\""}));
+  EXPECT_EQ(answers(),
+            (lines_t{"# !! Error found on property value ", "#    Net Path : \"/X/Z\"",
+                     "#    Property Name :  \"W\"", "#    Property Value :  \"(X)\"",
+                     "# !! Error found on property value ", "#    Instance Path : \"/X/R\"",
+                     "#    Property Name :  \"N\"", "#    Property Value :  \"TEXT\"",
+                     "# !! Error found on property value ", "#    Net Path : \"/Y/Z\"",
+                     "#    Property Name :  \"W\"", "#    Property Value :  \"(X)\"",
+                     "# !! Error found on property value ", "#    Instance Path : \"/Y/R\"",
+                     "#    Property Name :  \"N\"", "#    Property Value :  \"TEXT\""}));
   const float expected[2][3] = {{6, 12, 18}, {4, 12, 24}};
   for (std::int32_t i = 1; i <= 2; ++i) {
     const auto& inst = kv_ptrto_inst_rec(i);
@@ -245,9 +303,11 @@ TEST_F(FlattenTest, ADeeperHierarchyEndsTheRunWithoutADesignFile) {
 TEST_F(FlattenTest, APathBeyondAStringOfTheStoreEndsTheRun) {
   const std::string name(50, 'n');
   EXPECT_EQ(run("symbol s\n pin A 0,0 IN\n"
-                "sheet s\n port A p 0,0\n part " + name + " r 2,0\n net A\n  wire A " + name +
-                ".1\n net Z\n  wire " + name + ".2 9,0\n"
-                "sheet top\n part " + name + " s 2,0\n net T\n  wire " + name + ".A 0,0\n"),
+                "sheet s\n port A p 0,0\n part " +
+                name + " r 2,0\n net A\n  wire A " + name + ".1\n net Z\n  wire " + name +
+                ".2 9,0\n"
+                "sheet top\n part " +
+                name + " s 2,0\n net T\n  wire " + name + ".A 0,0\n"),
             (lines_t{"# !! Error : Path longer than 100 characters : ",
                      "# !! : \"/" + name + "/" + name + "\""}));
   EXPECT_EQ(std::filesystem::file_size("design_kv"), 0U);
@@ -261,8 +321,8 @@ TEST_F(FlattenTest, ADesignBeyondTheStoreIsRefused) {
     buses += " bus D" + n + " 0:3000\n  wire 0," + n + " 9," + n + "\n";
   }
   EXPECT_EQ(run("symbol s\n pin A 0,0 IN\n"
-                "sheet s\n port A p 0,30\n part R r 12,30\n net A\n  wire A R.1\n" + buses +
-                "sheet top\n part X s 2,0\n part Y s 2,9\n net A\n  wire X.A Y.A\n"),
+                "sheet s\n port A p 0,30\n part R r 12,30\n net A\n  wire A R.1\n" +
+                buses + "sheet top\n part X s 2,0\n part Y s 2,9\n net A\n  wire X.A Y.A\n"),
             (lines_t{"# !! Error : Pin without Net : \"/X/R/2\"",
                      "# !! Error : Design too large : more than 500000 records of the kind : char",
                      "# !! Sheet : \"/Y\""}));

@@ -1,4 +1,5 @@
 // From the nets of sheets to the flat nets of the design: joins, ports, globals, buses.
+#include "gx/vext.h"
 #include "tests/unit/flatten_fixture.h"
 
 namespace {
@@ -78,9 +79,8 @@ TEST_F(FlattenTest, GlobalsAreOneNetAcrossTheDesign) {
                        " global vdd g 20,0\n"
                        " net N\n  wire X.A Y.A R.1\n net P\n  wire R.2 20,0\n"),
             lines_t{});
-  EXPECT_EQ(nets(),
-            (lines_t{"/vdd 4 out /X/R1/2 /Y/R1/2 /R/2 + /P 3 + /X/V 3 + /Y/V 3",
-                     "/N 0 in /X/R1/1 /Y/R1/1 /R/1 + /X/A 2 + /Y/A 2"}));
+  EXPECT_EQ(nets(), (lines_t{"/vdd 4 out /X/R1/2 /Y/R1/2 /R/2 + /P 3 + /X/V 3 + /Y/V 3",
+                             "/N 0 in /X/R1/1 /Y/R1/1 /R/1 + /X/A 2 + /Y/A 2"}));
 }
 
 // A block that ties its port to a global inside.
@@ -100,8 +100,8 @@ TEST_F(FlattenTest, NetsThatMeetAGlobalInsideBlocksAreItsNet) {
 TEST_F(FlattenTest, DifferentGlobalsOfASheetAndTheSheetAboveAreAnError) {
   EXPECT_EQ(run(std::string(tie_sheet) +
                 "sheet top\n part X tie 2,0\n global GND g 0,0\n net M\n  wire X.A 0,0\n"),
-            (lines_t{"# !! Error Different Globals connected --> ", "# !!   Top Global name:\"GND\"",
-                     "# !! child Global name:\"VDD\""}));
+            (lines_t{"# !! Error Different Globals connected --> ",
+                     "# !!   Top Global name:\"GND\"", "# !! child Global name:\"VDD\""}));
   EXPECT_EQ(gx_vext.num_errors, 1);
   EXPECT_EQ(nets()[0], "/GND 4 in /X/R1/1 + /M 3 + /X/A 2");
 }
@@ -150,10 +150,11 @@ TEST_F(FlattenTest, GlobalsNameMembersOfABus) {
   EXPECT_EQ(run("sheet top\n part R r 4,0\n global GND g 0,2\n global VDD g 0,4\n"
                 " bus D 0:2\n  wire R.1 0,0 0,2 0,4\n  bit 1 R.1\n"
                 " net Z\n  wire R.2 9,0\n"),
-            (lines_t{"# !! Error Different Globals connected --> ",
-                     "# !! 1rst Global name:\"GND\"", "# !! 2nd  Global name:\"VDD\""}));
+            (lines_t{"# !! Error Different Globals connected --> ", "# !! 1rst Global name:\"GND\"",
+                     "# !! 2nd  Global name:\"VDD\""}));
   // Both globals meet bit 0; the first one has it.
-  EXPECT_EQ(nets(), (lines_t{"/D 1 bus", "/D_0 4 sub", "/D_1 1 in /R/1", "/D_2 1", "/Z 0 out /R/2"}));
+  EXPECT_EQ(nets(),
+            (lines_t{"/D 1 bus", "/D_0 4 sub", "/D_1 1 in /R/1", "/D_2 1", "/Z 0 out /R/2"}));
   const auto& member = kv_ptrto_net_rec(2);
   EXPECT_EQ(text(member.name), "GND");
   EXPECT_EQ(member.father_net, 1);

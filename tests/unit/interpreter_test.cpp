@@ -3,9 +3,10 @@
 #include <string>
 #include <vector>
 
-#include "app/command_table.h"
-#include "app/command_words.h"
-#include "app/substitution.h"
+#include "app/language/command_table.h"
+#include "app/language/command_words.h"
+#include "app/language/substitution.h"
+#include "gx/vext.h"
 #include "tests/support/scratch_directory.h"
 #include "tests/support/session_capture.h"
 

@@ -2,7 +2,7 @@
 #include <string>
 #include <vector>
 
-#include "app/event_loop.h"
+#include "app/session/event_loop.h"
 #include "tests/support/scratch_directory.h"
 #include "tests/support/session_capture.h"
 

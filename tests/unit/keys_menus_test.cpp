@@ -8,11 +8,13 @@
 #include <string>
 #include <vector>
 
-#include "app/event_loop.h"
+#include "app/session/event_loop.h"
+#include "gx/display/key_lookup.h"
 #include "gx/display/keys.h"
+#include "gx/display/menu_state.h"
 #include "gx/display/menus.h"
 #include "gx/text/strings.h"
-#include "platform/key_lookup.h"
+#include "gx/vext.h"
 #include "tests/unit/fatal_stop.h"
 
 namespace {

@@ -5,7 +5,9 @@
 
 #include "gx/display/cmd_viewport.h"
 #include "gx/display/stroke_text.h"
+#include "gx/text/message_list.h"
 #include "gx/text/strings.h"
+#include "gx/vext.h"
 #include "tests/support/drawing_board.h"
 #include "tests/support/scratch_directory.h"
 

@@ -1,8 +1,9 @@
 // The moves of keys: panning, stepping the pointer, scrolling the texts.
-#include "app/pan.h"
+#include "app/sheet/pan.h"
 
 #include "app/state.h"
 #include "gx/text/strings.h"
+#include "gx/vext.h"
 #include "tests/support/drawing_board.h"
 
 namespace {
@@ -30,7 +31,7 @@ TEST_F(Moves, PanThePictureWithThePointer) {
   const struct {
     const char* word;
     std::int32_t dx, dy;
-  } cases[] = {{"$VPTU5", 0, 25000},   {"$VPTD5", 0, -25000},   {"$VPTL20", 100000, 0},
+  } cases[] = {{"$VPTU5", 0, 25000},    {"$VPTD5", 0, -25000},  {"$VPTL20", 100000, 0},
                {"$VPTR20", -100000, 0}, {"$VPTU80", 0, 400000}, {"$VPTR80", -400000, 0}};
   for (const auto& c : cases) {
     gx_vext.viewport[1].bounds_part = whole;

@@ -1,10 +1,11 @@
 // Chains of pins on buses: whatever the order, a chain holds each of its pins once and no other.
+#include "expand/pin_chains.h"
+
 #include <gtest/gtest.h>
 
 #include <random>
 #include <set>
 
-#include "expand/pin_chains.h"
 #include "expand/store.h"
 
 namespace {

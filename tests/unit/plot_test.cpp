@@ -1,12 +1,14 @@
 // A sheet on paper: what the strokes of a plot file draw.
+#include "gx/display/plot.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <numbers>
 
-#include "app/views.h"
-#include "gx/display/plot.h"
+#include "app/sheet/views.h"
 #include "gx/display/plot_pen.h"
+#include "gx/vext.h"
 #include "tests/unit/design_session.h"
 
 namespace {
@@ -77,8 +79,8 @@ TEST(Plot, DrawsWhatTheSheetHolds) {
   EXPECT_TRUE(holds(plot, {"PU200,2200", "PD400,2200", "PD400,2000", "PD200,2000", "PD200,2200"}))
       << "rectangle";
   EXPECT_TRUE(holds(plot, {"PU600,2000", "PD600,2000", "CI200"})) << "circle";
-  EXPECT_TRUE(holds(plot, {"DI1,0", "SI0.013,0.010", "SI 0.147, 0.190", "PU200,1800",
-                           "LBHELLO\003"}))
+  EXPECT_TRUE(
+      holds(plot, {"DI1,0", "SI0.013,0.010", "SI 0.147, 0.190", "PU200,1800", "LBHELLO\003"}))
       << "text";
   EXPECT_TRUE(holds(plot, {"DI0, 1"})) << "upright text";
   EXPECT_TRUE(holds(plot, {"PU800,1800", "PD800,1600"})) << "line of a turned, mirrored part";

@@ -7,13 +7,14 @@
 #include <sstream>
 #include <string>
 
-#include "app/command_table.h"
-#include "app/event_loop.h"
-#include "app/product_sets.h"
+#include "app/language/command_table.h"
+#include "app/session/event_loop.h"
+#include "app/session/product_sets.h"
 #include "gx/display/keys.h"
 #include "gx/display/menus.h"
 #include "gx/display/window.h"
 #include "gx/text/strings.h"
+#include "gx/vext.h"
 #include "tests/support/scratch_directory.h"
 
 namespace {

@@ -1,7 +1,9 @@
 // Selecting by area, handle and name; marking; and what the status commands tell of the selection.
-#include "app/select_area.h"
+#include "app/sheet/select_area.h"
 #include "expand/record_status.h"
 #include "gx/db/undo.h"
+#include "gx/edit/undo_replay.h"
+#include "gx/vext.h"
 #include "tests/unit/design_session.h"
 
 namespace {

@@ -2,6 +2,7 @@
 
 #include <set>
 
+#include "gx/vext.h"
 #include "tests/support/drawing_board.h"
 #include "tests/unit/fatal_stop.h"
 
@@ -67,7 +68,8 @@ TEST(StrokeFont, ScalesOnceForTheScreen) {
   set_size(13, 14);
   EXPECT_EQ(gx_vext.coef_charh, 76);
   EXPECT_EQ(gx_vext.coef_chars, 85);
-  EXPECT_EQ(screen_text("!"), (std::vector<gx_line16_t>{{200, 300, 200, 310}, {200, 312, 200, 313}}));
+  EXPECT_EQ(screen_text("!"),
+            (std::vector<gx_line16_t>{{200, 300, 200, 310}, {200, 312, 200, 313}}));
 }
 
 TEST(SheetText, ReadsInFourDirections) {

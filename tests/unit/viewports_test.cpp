@@ -1,7 +1,9 @@
 // The viewport table, its conversions and the zoom.
 #include "gx/display/viewports.h"
 
-#include "app/views.h"
+#include "app/sheet/views.h"
+#include "gx/display/screen_state.h"
+#include "gx/vext.h"
 #include "tests/support/drawing_board.h"
 #include "tests/unit/fatal_stop.h"
 

@@ -1,0 +1,31 @@
+// How commands answer: lines in the list viewport, built from the words of the command.
+#include <string>
+
+#include "app/language/commands.h"
+#include "gx/text/message_list.h"
+#include "gx/text/strings.h"
+
+void kv_echo(std::string_view keyword, const kv_command_t& command, int first) {
+  std::string line(keyword);
+  for (int n = first; n <= command.count(); ++n) {
+    line += command.word(n);
+    line += ' ';
+  }
+  gx_display_list(line);
+}
+
+void kv_refuse(std::string_view keyword, const kv_command_t& command, std::string_view error,
+               int first) {
+  kv_echo(keyword, command, first);
+  gx_display_list(error);
+}
+
+gx_string_record_t kv_unquote(std::string_view text) {
+  const std::size_t opening = text.find_first_of("'\"");
+  if (opening == std::string_view::npos) return gx_string(text);
+  const std::size_t closing = text.find(text[opening], opening + 1);
+  if (closing == std::string_view::npos) return gx_string(text);
+  gx_string_record_t inner = gx_string(text.substr(opening + 1, closing - opening - 1));
+  gx_concat_sp(inner);
+  return inner;
+}

@@ -1,0 +1,140 @@
+// Commands that take their input from files: command files, compiled procedures, texts shown.
+#include <algorithm>
+#include <memory>
+
+#include "app/language/commands.h"
+#include "gx/display/events.h"
+#include "gx/text/arguments.h"
+#include "gx/text/debug.h"
+#include "gx/text/message_list.h"
+#include "gx/text/strings.h"
+#include "gx/text/text_files.h"
+#include "gx/vext.h"
+#include "platform/procedures.h"
+#include "platform/symbol_table.h"
+#include "platform/words.h"
+
+namespace {
+constexpr int max_words = 32;
+constexpr std::int16_t max_do_depth = 10;
+constexpr int key_press = 0;
+constexpr std::uint32_t keysym_a = 97;
+constexpr std::uint32_t control = 4;
+
+// The tables of one command file; too large to lie on the stack at every level.
+struct tables_t {
+  kv_array_param_t args, vars;
+};
+
+std::unique_ptr<tables_t> tables_of(const kv_command_t& command) {
+  auto tables = std::make_unique<tables_t>();
+  const auto values = command.words.subspan(std::min<std::size_t>(2, command.words.size()));
+  std::copy(values.begin(), values.end(), tables->args.begin());
+  return tables;
+}
+
+// How the two procedure commands differ.
+struct procedure_command_t {
+  std::string_view keyword;  // as it echoes itself
+  std::string_view prefix;   // of the symbol name
+  const char* not_found;     // to the debug file
+  std::string_view end;      // said afterwards; empty: the echo again
+};
+constexpr procedure_command_t dobin = {"# DOBin ", "kvp_",
+                                       "!!! DOBin Entry not found : \"%.*s\" \n", ""};
+constexpr procedure_command_t dodirbin = {
+    "# DODIRectbin ", "", "!!! DODIRectbin Entry not found : \"%.*s\" \n", "# End of DODIRectbin "};
+// Only what was written as an entry may be called: any other function expects other arguments.
+constexpr std::string_view entry_section = "kv_procedures";
+
+void call_procedure(const procedure_command_t& kind, const kv_command_t& command) {
+  if (!command.has_count(2, max_words)) return kv_refuse(kind.keyword, command, kv_bad_count);
+  gx_string_record_t executable, symbol;
+  gx_get_arg(1, executable);
+  if (executable.len > x_max_text) executable = {};  // found as this process's executable
+  gx_concat_all(symbol, kind.prefix, command.word(2));
+  const auto address = xm_get_extid_offset(executable.char_, symbol.char_, entry_section);
+  if (address == 0) {
+    ++gx_vext.num_errors;
+    gx_debug(kind.not_found, static_cast<int>(command.word(2).size()), command.word(2).data());
+    kv_echo(kind.keyword, command);
+    return gx_tell("# !!! Error : Procedure Entry not found : \"", command.word(2), "\" ");
+  }
+  kv_echo(kind.keyword, command);
+  // Entry 0 holds a blank and word 3, entry k word k + 3.
+  const auto tables = tables_of(command);
+  auto count = static_cast<std::int16_t>(command.count() - 2);
+  if (count > 0) {
+    gx_string_record_t first = gx_string(" ");
+    gx_concat_line(tables->args[0], first);
+    tables->args[0] = first;
+  }
+  xprocargexe(address, &count, tables->args.data());
+  if (kind.end.empty()) {
+    kv_echo(kind.keyword, command);
+  } else {
+    gx_tell(kind.end);
+  }
+}
+
+// Shows a help file of the product directory; refuses with `error` and the path when missing.
+void show_help(const kv_command_t& command, std::string_view file, std::string_view error) {
+  gx_string_record_t path = gx_get_velmoran();
+  gx_concat_all(path, "/kivo/help/", file);
+  if (gx_display_file_invplist(gx_view(path))) return kv_echo(" HELp ", command);
+  kv_refuse("# HELp ", command, error);
+  gx_tell("# !! : \"", gx_view(path), "\" ");
+}
+}  // namespace
+
+bool kv_stop_asked() { return gx_find_event(key_press, keysym_a, control); }
+
+void kv_do_cmd(const kv_command_t& command) {
+  constexpr std::string_view keyword = "# DO ";
+  if (!command.has_count(2, max_words)) return kv_refuse(keyword, command, kv_bad_count);
+  const auto depth = static_cast<std::int16_t>(std::max<int>(gx_vext.do_ind, 0) + 1);
+  if (depth > max_do_depth) {
+    ++gx_vext.num_errors;
+    kv_echo(keyword, command);
+    return gx_tell("# !!! Error : too many level of DO FILE : \"", command.word(2), "\" ");
+  }
+  gx_vext.do_ind = depth;
+  std::FILE* file = gx_popen_file(command.word(2), 'R', true);
+  if (file == nullptr) {
+    ++gx_vext.num_errors;
+    kv_echo(keyword, command);
+    return gx_tell("# !!! Error : file not found : \"", command.word(2), "\" ");
+  }
+  auto& slot = gx_vext.commandfile[static_cast<std::size_t>(depth - 1)];
+  slot = file;
+  const auto tables = tables_of(command);
+  kv_echo(keyword, command);
+  for (gx_string_record_t line; !kv_stop_asked() && gx_read_one_line(file, line);)
+    kv_process_command(line, tables->args, tables->vars);
+  std::fclose(file);
+  slot = nullptr;
+  --gx_vext.do_ind;
+  gx_tell("# End of DO ");
+}
+
+void kv_dobin_cmd(const kv_command_t& command) { call_procedure(dobin, command); }
+
+void kv_dodirbin_cmd(const kv_command_t& command) { call_procedure(dodirbin, command); }
+
+void kv_help_cmd(const kv_command_t& command) {
+  if (!command.has_count(1, 2)) return kv_refuse("# HELp ", command, kv_bad_count);
+  if (command.count() == 1)
+    return show_help(command, "list_commands",
+                     "# !! Error :  List of commands for Help not found ? ");
+  gx_string_record_t file = gx_string("kv_1_");
+  gx_concat_const(command.word(2), file);
+  show_help(command, gx_view(file), "# !! Error :  Help on this command not found ? ");
+}
+
+void kv_showfile_cmd(const kv_command_t& command) {
+  constexpr std::string_view refused = "# SHOw FILe ";
+  if (command.count() != 3) return kv_refuse(refused, command, kv_bad_count, 3);
+  if (!gx_display_file_invplist(command.word(3)))
+    return kv_refuse(refused, command, "# !! Error : File not found  or Invalid ? ", 3);
+  kv_echo(" SHOw FILe ", command, 3);
+}

@@ -1,0 +1,120 @@
+// The command interpreter: a command line becomes commands, a command words, and the words a call.
+#include "app/language/command_table.h"
+#include "app/language/command_words.h"
+#include "app/language/commands.h"
+#include "app/language/substitution.h"
+#include "gx/display/cursor.h"
+#include "gx/text/debug.h"
+#include "gx/text/message_list.h"
+#include "gx/text/strings.h"
+#include "gx/text/tokens.h"
+#include "gx/vext.h"
+
+namespace {
+constexpr int max_pieces = 30;
+constexpr std::int32_t least_reference = 5;  // "$ARG1"
+constexpr std::string_view piece_separators = ";";
+
+// Command files, shell output and menus call the interpreter again. No session needs this many
+// levels; a shell command whose output runs itself would have no end.
+constexpr int max_depth = 64;
+
+struct depth_guard {
+  static inline int depth = 0;
+  depth_guard() { ++depth; }
+  ~depth_guard() { --depth; }
+};
+
+void set_executing(bool on) {
+  gx_vext.cmd_executing = on;
+  gx_cursor_active();
+}
+
+void normalise(kv_array_param_t& table) {
+  for (auto& entry : table) gx_rest_string(entry);
+}
+
+// Puts the values of one table into the piece.
+void substitute(gx_string_record_t& piece, std::string_view letters,
+                const kv_array_param_t& values) {
+  if (piece.len < least_reference) return;
+  const kv_substitution_t result = kv_substitute(piece, letters, values);
+  piece = result.text;
+  if (result.valid) return;
+  gx_tell("# Error on : \"", gx_view(piece), "\" ");
+  gx_tell("# Found invalid ", letters, "(n) in command line ");
+}
+
+void show_unknown(const gx_string_record_t& piece) {
+  gx_tell("#  !!! Unknown Command  ?? ");
+  gx_tell("# \"", gx_view(piece), "\" ");
+}
+
+// Runs one command; true when the rest of its line is not to be processed.
+bool run_piece(gx_string_record_t piece, kv_array_param_t& args, kv_array_param_t& vars) {
+  std::int32_t start = 1;
+  const char first = gx_findchar(piece, " ", start);
+  if (first == '#') return true;
+  if (first == '!') {
+    kv_exec_cmd(gx_view(piece).substr(static_cast<std::size_t>(start)));
+    return false;
+  }
+  substitute(piece, "$ARG", args);
+  kv_words_t words;
+  kv_split_words(piece, words, 1);
+  // These two name a variable as their target.
+  if (!gx_equal("ASSI", words.first()) && !gx_equal("READ", words.first()))
+    substitute(piece, "$VAR", vars);
+  kv_split_words(piece, words);
+  if (words.count == 0) return false;
+  if (words.first().front() == '#') return true;
+
+  const kv_command_t command{words.all(), args, vars};
+  const kv_command_row_t* row = kv_find_command(command);
+  kv_outcome_t outcome;
+  if (row != nullptr && row->handler != nullptr) {
+    row->handler(command);
+  } else if (row != nullptr && row->own != nullptr) {
+    outcome = row->own(command);
+  } else {
+    if (!kv_begins_command(words.first().front()))
+      gx_debug(" KV_PROCESS_COMMAND  : BAD First CHAR !! \n");
+    outcome.unknown = true;
+  }
+  if (outcome.unknown) show_unknown(piece);
+  return outcome.ends_line;
+}
+}  // namespace
+
+void kv_process_command(const gx_string_record_t& line, kv_array_param_t& args,
+                        kv_array_param_t& vars) {
+  gx_string_record_t text = line;
+  gx_rest_string(text);
+  normalise(args);
+  normalise(vars);
+  if (text.len < 1) {
+    gx_debug(" KV_PROCESS_COMMAND :  cmd[0]:%d  len:%d \n", text.char_[0], text.len);
+    set_executing(false);
+    return;
+  }
+  gx_debug(" KV_PROCESS_COMMAND :  cmd :\"%.*s\"\n", text.len, text.char_);
+  const depth_guard guard;
+  if (guard.depth > max_depth) {
+    ++gx_vext.num_errors;
+    gx_tell("# !!! Error : too many nested commands : \"", gx_view(text), "\" ");
+    return;
+  }
+  set_executing(true);
+  std::int32_t pos = 1;
+  for (int pieces = 0; pieces < max_pieces && pos <= kv_last_position; ++pieces) {
+    // An empty piece ends the line; the token reader would pass over it.
+    if (pos > text.len || gx_view(text).substr(static_cast<std::size_t>(pos - 1)).starts_with(";;"))
+      break;
+    gx_string_record_t piece;
+    if (!gx_rd_string_t(text, piece_separators, piece, pos) || piece.len == 0) break;
+    const bool ends_line = run_piece(piece, args, vars);
+    set_executing(false);
+    if (ends_line) break;
+  }
+  set_executing(false);
+}

@@ -1,0 +1,76 @@
+// The shell escape: an external program whose output is a stream of commands.
+#include <algorithm>
+#include <cstdio>
+#include <string>
+
+#include "app/language/commands.h"
+#include "gx/display/window.h"
+#include "gx/text/debug.h"
+#include "gx/text/message_list.h"
+#include "gx/text/text_files.h"
+#include "gx/vext.h"
+#include "platform/shell.h"
+#include "platform/timing.h"
+
+namespace {
+constexpr std::size_t max_text = 508;
+constexpr std::size_t max_command = 504;
+constexpr std::size_t max_listed = 196;  // longest text that the warning shows in the list
+constexpr std::size_t max_shown = 192;
+constexpr std::int32_t before_start_ms = 100;
+constexpr std::int32_t after_start_ms = 150;
+constexpr std::string_view product_word = "$VELMORAN";
+
+void refuse(std::string_view text) {
+  if (text.size() > max_listed) {
+    std::printf("# !!! Error :  Invalid Command ??  len:%d '%.*s'\n", static_cast<int>(text.size()),
+                static_cast<int>(text.size()), text.data());
+    return;
+  }
+  gx_tell("!! Warning : Invalid command to exec ....");
+  gx_tell(text);
+}
+
+// What the shell is given.
+std::string shell_command(std::string_view text) {
+  text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
+  std::string command;
+  if (text.substr(0, product_word.size()) == product_word) {
+    command = gx_view(gx_get_velmoran());
+    text.remove_prefix(product_word.size());
+  }
+  command += text;
+  return command.substr(0, max_command);
+}
+
+void wait_and_sync(std::int32_t ms) {
+  xdelayms(ms);
+  gx_sync();
+}
+
+// The user asks to stop by Control+A.
+bool next_line(std::FILE* output, gx_string_record_t& line) {
+  gx_sync();
+  return !kv_stop_asked() && gx_read_one_line(output, line) && line.len > 0;
+}
+}  // namespace
+
+void kv_exec_cmd(std::string_view text) {
+  if (text.empty() || text.size() > max_text) return refuse(text);
+  gx_debug("#  kv_exec_cmd : START : \"%.*s\" \n", static_cast<int>(text.size()), text.data());
+  const std::string command = shell_command(text);
+  wait_and_sync(before_start_ms);
+  std::FILE* output = xshell_open(command.c_str());
+  if (output == nullptr) {
+    ++gx_vext.num_errors;
+    gx_tell("# !!! Error :  Command not found or not executable ?? ");
+    gx_tell("# !!!  \"", command, "\" ");
+    return refuse(command);
+  }
+  wait_and_sync(after_start_ms);
+  gx_tell("# ", std::string_view(command).substr(0, max_shown), " ");
+  kv_array_param_t args, vars;
+  for (gx_string_record_t line; next_line(output, line);) kv_process_command(line, args, vars);
+  xshell_close(output);
+  gx_tell("# End of Exec ");
+}

@@ -1,0 +1,150 @@
+// The expansion run and the commands that set it up.
+#include <string>
+
+#include "app/language/commands.h"
+#include "expand/debug.h"
+#include "expand/run.h"
+#include "expand/store.h"
+#include "gx/text/message_list.h"
+#include "gx/text/numbers.h"
+#include "gx/text/status.h"
+#include "gx/text/strings.h"
+
+namespace {
+
+const std::string list_limit = std::to_string(kv_max_list);
+
+// A refused command echoes itself behind "#"; `echo` is what it shows when it succeeds.
+void refuse(std::string_view echo, const kv_command_t& command, std::string_view error,
+            int first = 2) {
+  kv_refuse(std::string("#").append(echo), command, error, first);
+}
+
+// `what` names the list in the refusal of an entry beyond its room.
+template <typename Entry>
+bool has_room(const kv_list_t<Entry>& list, std::string_view what, std::string_view echo,
+              const kv_command_t& command, int first = 2) {
+  if (list.count < kv_max_list) return true;
+  refuse(echo, command, "# !! Error :  Too many " + std::string(what) + " ? (<" + list_limit + ")",
+         first);
+  return false;
+}
+
+template <typename Entry>
+Entry& add_entry(kv_list_t<Entry>& list) {
+  return list.entry[static_cast<std::size_t>(list.count++)];
+}
+
+void keep_properties(const kv_command_t& command, kv_list_t<kv_prop_type_record_t>& list,
+                     std::string_view what, std::string_view echo) {
+  constexpr int first = 3;
+  if (command.count() < 4) return refuse(echo, command, kv_bad_count, first);
+  const std::string_view type = command.word(3);
+  if (type.empty() ||
+      std::string_view("ITRS").find(gx_upper_case(type.front())) == std::string_view::npos) {
+    return refuse(echo, command, "# !! Error :  3rd parameter incorrect ? ", first);
+  }
+  for (int n = 4; n <= command.count(); ++n) {
+    if (!has_room(list, what, echo, command, first)) return;
+    auto& entry = add_entry(list);
+    entry.name = gx_string(command.word(n));
+    entry.prop_type = gx_string(type);
+  }
+  kv_echo(echo, command, first);
+}
+
+// The path of the sheet in view begins at the top from now on: "/", then the names of the levels.
+void anchor_sim_path() {
+  auto& path = kv_pext.cur_sim_path;
+  if (gx_view(path).starts_with('/')) return;
+  gx_string_record_t anchored = gx_string("/");
+  gx_concat_line(path, anchored);
+  path = anchored;
+}
+
+}  // namespace
+
+void kv_parameter_cmd(const kv_command_t& command) {
+  constexpr std::string_view echo = " PARAMeter ";
+  if (!command.has_count(3, 5)) return refuse(echo, command, kv_bad_count);
+  if (!has_room(kv_sext.parameter, "PARAMeter", echo, command)) return;
+  float values[3] = {};
+  constexpr std::string_view errors[] = {"# !! Error :  3rd parameter incorrect ? ",
+                                         "# !! Error :  4th parameter incorrect ? ",
+                                         "# !! Error :  5th parameter incorrect ? "};
+  for (int n = 3; n <= command.count(); ++n) {
+    const auto number = gx_string_to_shortreal(command.word(n));
+    if (number.error) return refuse(echo, command, errors[n - 3]);
+    values[n - 3] = number.value;
+  }
+  if (command.count() == 3) values[1] = values[2] = values[0];
+  if (command.count() == 4) {
+    values[2] = values[1];
+    values[1] = (values[0] + values[2]) * 0.5F;
+  }
+  auto& entry = add_entry(kv_sext.parameter);
+  entry.name = gx_string(command.word(2));
+  std::copy(std::begin(values), std::end(values), entry.nvalue);
+  kv_echo(echo, command);
+}
+
+void kv_primitive_cmd(const kv_command_t& command) {
+  constexpr std::string_view echo = " PRIMitive ";
+  if (!command.has_count(2, 3)) return refuse(echo, command, kv_bad_count);
+  if (!has_room(kv_sext.primitive, "PRIMitive", echo, command)) return;
+  auto& entry = add_entry(kv_sext.primitive);
+  entry.name = gx_string(command.word(2));
+  entry.nvalue = gx_string(command.word(3));
+  kv_echo(echo, command);
+}
+
+void kv_property_instance_cmd(const kv_command_t& command) {
+  keep_properties(command, kv_sext.property_instance, "PROPerty INStance", " PROPerty INStance ");
+}
+void kv_property_pin_cmd(const kv_command_t& command) {
+  keep_properties(command, kv_sext.property_pin, "PROPerty PIN", " PROPerty PIN  ");
+}
+void kv_property_net_cmd(const kv_command_t& command) {
+  keep_properties(command, kv_sext.property_net, "PROPerty NET", " PROPerty NET ");
+}
+
+void kv_time_step_cmd(const kv_command_t& command) {
+  constexpr std::string_view echo = " TIMe STEp ";
+  if (command.count() != 3) return refuse(echo, command, kv_bad_count, 3);
+  const auto step = gx_string_to_shortreal(command.word(3));
+  if (step.error) return refuse(echo, command, "# !! Time step INVALID ? ", 3);
+  if (step.value < 0) {
+    return kv_refuse("# TIME STEp ", command, "# ! Time step : Invalid ( < 0 ) ? ", 3);
+  }
+  kv_sext.time_step = step.value;
+  kv_echo(echo, command, 3);
+}
+
+void kv_generate_data_cmd(const kv_command_t& command) {
+  constexpr std::string_view echo = " GENerate DATa ";
+  if (command.count() != 3) return refuse(echo, command, kv_bad_count, 3);
+  if (kv_pext.file_id_cur < 1 || kv_pext.file_id_cur > gx_max_files) {
+    return refuse(echo, command, "# !! Error :  No sheet available in window ? ", 3);
+  }
+  const bool on = gx_equal("ON", command.word(3));
+  if (!on && !gx_equal("OFF", command.word(3))) {
+    return refuse(echo, command, "# !! Error : 3rd parameter invalid ? ", 3);
+  }
+  kv_pext.gen_data = on;
+  gx_tell(echo, on ? "ON " : "OFF ");
+}
+
+void kv_run_cmd(const kv_command_t& command) {
+  if (kv_sext.designfile == -1) {
+    kv_debug("!!! ( run  ) Invalid  designfile_name  \n");
+    gx_count_error();
+    gx_set_status(gx_code::file_data_invalid);
+  }
+  if (command.count() != 1) {
+    gx_tell("# RUN ");
+    return gx_tell(kv_bad_count);
+  }
+  const kv_run_result result = kv_run_expansion(
+      {kv_pext.arrayof_file, kv_pext.gen_data, kv_pext.expand_level, kv_pext.macro_level});
+  if (result == kv_run_result::done || result == kv_run_result::write_failed) anchor_sim_path();
+}

@@ -1,0 +1,105 @@
+// Commands that steer the session: questions, the command line, switches, and the end.
+#include "app/language/commands.h"
+#include "app/language/substitution.h"
+#include "app/sheet/views.h"
+#include "gx/display/cmd_viewport.h"
+#include "gx/text/message_list.h"
+#include "gx/text/strings.h"
+#include "gx/vext.h"
+
+namespace {
+constexpr std::string_view bad_second = "# !! Error :  2nd parameter incorrect ? ";
+
+void set_command_line(const gx_string_record_t& line) {
+  gx_vext.str_cmd = line;
+  gx_display_cmd(gx_view(line));
+}
+
+// Puts the question on the command line; the line that the user completes is the command of the
+// answer. Returns when that line was entered.
+void ask(const kv_command_t& command) {
+  gx_string_record_t line;
+  gx_concat_all(line, " READln ", command.word(2), " ", command.word(3), " ");
+  set_command_line(line);
+  if (gx_vext.dpy == nullptr) return;  // nobody can answer
+  kv_array_param_t args;
+  kv_process_events(false, args, command.vars);
+}
+
+void store_answer(const kv_command_t& command) {
+  const kv_target_t target = kv_variable_target(command.word(2));
+  if (target.kind == kv_target::out_of_range) return kv_refuse("# READln ", command, bad_second);
+  if (target.kind != kv_target::variable) return;
+  command.vars[static_cast<std::size_t>(target.number - 1)] = command.words[3];
+  kv_echo(" READln ", command);
+}
+
+// The two ends of a session differ in their name only.
+void end_session(const kv_command_t& command, std::string_view echo, std::string_view refused) {
+  if (command.count() != 1) return kv_refuse(refused, command, kv_bad_count);
+  gx_vext.end_flag = true;
+  gx_tell(echo);
+}
+}  // namespace
+
+void kv_readln_cmd(const kv_command_t& command) {
+  constexpr std::string_view refused = "# READln ";
+  if (!command.has_count(3, 4)) return kv_refuse(refused, command, kv_bad_count);
+  if (!gx_equal("$VAR", command.word(2))) return kv_refuse(refused, command, bad_second);
+  if (command.count() == 3) return ask(command);
+  store_answer(command);
+}
+
+void kv_command_cmd(const kv_command_t& command) {
+  if (command.count() != 2) return kv_refuse("# COMmand ", command, kv_bad_count);
+  kv_echo("# COMmand ", command);
+  set_command_line(kv_unquote(command.word(2)));
+}
+
+void kv_display_cmd(const kv_command_t& command) {
+  constexpr std::string_view refused = "# DISplay ";
+  if (command.count() != 2) return kv_refuse(refused, command, kv_bad_count);
+  if (gx_equal("ON", command.word(2))) {
+    gx_vext.display_on = true;
+    gx_tell(" DISplay ON ");
+    kv_update_viewport_edit();
+    kv_update_viewport_context();
+  } else if (gx_equal("OF", command.word(2))) {
+    gx_vext.display_on = false;
+    gx_tell(" DISplay OFF ");
+  } else {
+    kv_refuse(refused, command, bad_second);
+  }
+}
+
+void kv_transcript_cmd(const kv_command_t& command) {
+  constexpr std::string_view refused = "# TRANScript ";
+  if (command.count() != 2) return kv_refuse(refused, command, kv_bad_count);
+  if (gx_equal("ON", command.word(2))) {
+    gx_vext.transcript_state = true;
+    kv_update_viewport_edit();
+    if (kv_pext.file_id_cur == kv_pext.file_id_context) kv_update_viewport_context();
+    gx_tell(" TRANScript  ON ");
+  } else if (gx_equal("OF", command.word(2))) {
+    gx_tell(" TRANScript  OFF ");
+    gx_vext.transcript_state = false;
+  } else {
+    kv_refuse(refused, command, bad_second);
+  }
+}
+
+void kv_bye_cmd(const kv_command_t& command) { end_session(command, " BYE ", "# BYE "); }
+
+void kv_quit_cmd(const kv_command_t& command) { end_session(command, " QUIT ", "# QUIT "); }
+
+// Makes no hard copy; it only answers.
+void kv_hardcopy_cmd(const kv_command_t& command) {
+  if (!command.has_count(1, 2)) return kv_refuse("# HARDcopy ", command, kv_bad_count);
+  kv_echo(" HARDcopy ", command);
+}
+
+// Plots are made by the net editor.
+void kv_plot_cmd(const kv_command_t& command) {
+  if (!command.has_count(1, 2)) return kv_refuse("# PLOt ", command, kv_bad_count);
+  kv_refuse("# PLOt ", command, "# !! Please Use \"lorb\" to Plot .\"");
+}

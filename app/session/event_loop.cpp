@@ -1,0 +1,371 @@
+// The event loop: one event at a time, dispatched by its kind through a table.
+#include "app/session/event_loop.h"
+
+#include <X11/keysym.h>
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <string>
+
+#include "app/language/commands.h"
+#include "app/session/menu_actions.h"
+#include "app/sheet/views.h"
+#include "gx/display/cmd_viewport.h"
+#include "gx/display/cursor.h"
+#include "gx/display/draw.h"
+#include "gx/display/events.h"
+#include "gx/display/list_viewport.h"
+#include "gx/display/menus.h"
+#include "gx/display/screen_state.h"
+#include "gx/display/viewports.h"
+#include "gx/text/debug.h"
+#include "gx/text/message_list.h"
+#include "gx/text/status.h"
+#include "gx/text/strings.h"
+#include "gx/vext.h"
+
+namespace {
+
+constexpr int max_lost_events = 20;
+constexpr std::uint32_t control = 4;
+constexpr std::uint32_t insert_char_key = 0xFF72, delete_char_key = 0xFF73;  // older keyboards
+constexpr int active_width = 3, active_color = 6;
+constexpr int inactive_width = 1, inactive_color = 3;
+constexpr std::int32_t max_typed_length = 193;
+
+// One running loop: the tables of its commands, and whether it is to be left now.
+struct loop_t {
+  kv_array_param_t& args;
+  kv_array_param_t& vars;
+  bool leave = false;
+};
+
+bool is_blank(const gx_string_record_t& text) {
+  return gx_view(text).find_first_not_of(' ') == std::string_view::npos;
+}
+
+// While it lives the menus and the rubber rectangle are off the screen: a command draws below them.
+struct cleared_screen_t {
+  cleared_screen_t() {
+    gx_rectangle_erase();
+    gx_hide_menus();
+  }
+  ~cleared_screen_t() { gx_redraw_menus(gx_vext.viewport_edit); }
+  cleared_screen_t(const cleared_screen_t&) = delete;
+  cleared_screen_t& operator=(const cleared_screen_t&) = delete;
+};
+
+// The text is a copy: the command may replace the binding it came from.
+void run_command(loop_t& loop, gx_string_record_t line) {
+  const cleared_screen_t cleared;
+  kv_process_command(line, loop.args, loop.vars);
+}
+
+void run_binding(loop_t& loop, const gx_string_record_t& action) {
+  if (is_blank(action)) return;
+  gx_viewport_select(gx_vext.viewport_id);
+  run_command(loop, action);
+}
+
+void run_and_leave(loop_t& loop, std::string_view command) {
+  run_command(loop, gx_string(command));
+  loop.leave = true;
+}
+
+// --- keys with a table for each modifier
+
+// Position in the tables below: none, shift, control, alt.
+std::optional<std::size_t> modifier_index(std::uint32_t modifiers) {
+  switch (modifiers) {
+    case 0:
+      return 0;
+    case 1:
+      return 1;
+    case 4:
+      return 2;
+    case 8:
+      return 3;
+    default:
+      return {};
+  }
+}
+
+template <std::size_t Keys>
+using key_tables_t = std::array<std::array<gx_string_record_t, Keys>*, 4>;
+
+template <std::size_t Keys>
+void run_key(loop_t& loop, const key_tables_t<Keys>& tables, std::uint32_t key,
+             const gx_event_t& event) {
+  if (const auto table = modifier_index(event.modifiers)) {
+    run_binding(loop, (*tables[*table])[key]);
+  }
+}
+
+bool is_function_key(std::uint32_t keysym) { return keysym >= XK_F1 && keysym <= XK_F12; }
+
+// Position of an arrow key in its tables.
+std::optional<std::size_t> arrow_index(std::uint32_t keysym) {
+  switch (keysym) {
+    case XK_Up:
+      return 0;
+    case XK_Left:
+      return 1;
+    case XK_Down:
+      return 2;
+    case XK_Right:
+      return 3;
+    default:
+      return {};
+  }
+}
+
+void run_helper(std::string_view program) {
+  if (gx_vext.CapsLockState != 0) {
+    const cleared_screen_t cleared;
+    kv_exec_cmd(program);
+  } else {
+    gx_display_list("!! Warning : Your Caps Lock Key in ON , So RELEASE IT FIRST Please !! ");
+  }
+}
+
+// --- typing
+
+bool is_return(std::uint32_t keysym) { return keysym == XK_Return || keysym == XK_Linefeed; }
+bool is_printable(std::uint32_t keysym) { return keysym >= 32 && keysym <= 126; }
+
+void set_command_line(std::string_view text) {
+  gx_vext.str_cmd = gx_string(text);
+  gx_display_cmd(text);
+}
+
+void on_control_key(loop_t& loop, std::uint32_t keysym) {
+  const std::uint32_t letter = keysym >= 'A' && keysym <= 'Z' ? keysym - 'A' + 'a' : keysym;
+  if (letter >= 'n' && letter <= 'z') {
+    run_binding(loop, gx_vext.action_ck[letter - 'n']);
+  } else if (letter == 'c') {
+    run_and_leave(loop, "BYE ");
+  } else if (letter == 'd') {
+    run_and_leave(loop, "QUIT ");
+  } else if (letter == '/' || letter == '?') {
+    const gx_string_record_t line = gx_vext.str_cmd;
+    kv_expand_cmd(line);
+  }
+}
+
+void on_plain_key(loop_t& loop, std::uint32_t keysym) {
+  if (is_return(keysym)) {
+    const cleared_screen_t cleared;
+    kv_ascii_action(keysym, loop.args, loop.vars);
+    return;
+  }
+  if (is_printable(keysym)) {
+    kv_ascii_action(keysym, loop.args, loop.vars);
+    return;
+  }
+  switch (keysym) {
+    case XK_BackSpace:
+      gx_backsp_action(gx_vext.viewport_id, gx_vext.pixel_pos);
+      break;
+    case XK_Delete:
+    case delete_char_key:
+      gx_chardel_action(gx_vext.viewport_id, gx_vext.pixel_pos);
+      break;
+    case XK_Insert:
+    case insert_char_key:
+      gx_again_action(gx_vext.viewport_id, gx_vext.pixel_pos);
+      break;
+    case XK_Escape:
+      set_command_line("");
+      break;
+    default:
+      break;
+  }
+}
+
+void on_key_press(loop_t& loop, const gx_event_t& event) {
+  auto& v = gx_vext;
+  const std::uint32_t keysym = event.code;
+  if (is_function_key(keysym)) {
+    run_key<12>(loop, {&v.action_f, &v.action_fs, &v.action_fc, &v.action_fa}, keysym - XK_F1,
+                event);
+  } else if (const auto arrow = arrow_index(keysym)) {
+    run_key<4>(loop, {&v.action_a, &v.action_as, &v.action_ac, &v.action_aa},
+               static_cast<std::uint32_t>(*arrow), event);
+  } else if (keysym == XK_Prior) {
+    run_helper("kivoMenuDB");
+  } else if (keysym == XK_Next) {
+    run_helper("kivoKeysDB");
+  } else if ((event.modifiers & control) != 0) {
+    on_control_key(loop, keysym);
+  } else {
+    on_plain_key(loop, keysym);
+  }
+}
+
+void on_key_release(loop_t& loop, const gx_event_t& event) {
+  auto& v = gx_vext;
+  if (!is_function_key(event.code)) return;
+  run_key<12>(loop, {&v.action_fup, &v.action_fsup, &v.action_fcup, &v.action_faup},
+              event.code - XK_F1, event);
+}
+
+void on_button(loop_t& loop, const gx_event_t& event) {
+  const auto first = static_cast<std::size_t>(gx_event_kind::button1_down);
+  run_binding(loop, gx_vext.action_but[static_cast<std::size_t>(event.kind) - first]);
+}
+
+// --- the pointer
+
+int pointer_shape(gx_vpid_t vpid) {
+  if (vpid == gx_vext.viewport_cmd) return 8;
+  if (vpid == gx_vext.viewport_list) return 6;
+  if (vpid == gx_vext.viewport_edit) return 2;
+  return vpid == gx_vext.viewport_context || vpid == gx_vext.viewport_activ ? 7 : 2;
+}
+
+void enter_viewport(gx_vpid_t vpid) {
+  gx_cursor_set_pattern(pointer_shape(vpid));
+  if (gx_viewport_ok(kv_pext.prev_viewport_id)) {
+    gx_draw_new_viewport_border(kv_pext.prev_viewport_id, inactive_width, inactive_color);
+  }
+  gx_draw_new_viewport_border(vpid, active_width, active_color);
+  kv_pext.prev_viewport_id = vpid;
+}
+
+// Turning the wheel zooms the picture around the pointer, or scrolls the list.
+void turn_wheel(gx_vpid_t vpid, const gx_event_t& event) {
+  const bool away = event.wheel > 0;
+  if (vpid == gx_vext.viewport_list) gx_upd_display_list(away);
+  const bool is_edit = vpid == gx_vext.viewport_edit;
+  if ((!is_edit && vpid != gx_vext.viewport_context) || !gx_vext.display_on) return;
+  const gx_file_index_t file_index = gx_viewport_rec(vpid).file_index;
+  if (file_index < 1 || !gx_viewport_zoom_at(vpid, event.pixel, away ? 4 : 5, away ? 5 : 4)) {
+    return;
+  }
+  gx_rectangle_erase();
+  gx_set_grid_visibility(file_index, vpid);
+  if (is_edit) {
+    kv_update_viewport_edit();
+  } else {
+    kv_update_viewport_context();
+  }
+}
+
+void on_pointer_moved(loop_t&, const gx_event_t& event) {
+  const gx_vpid_t vpid = gx_vext.viewport_id;
+  if (vpid != kv_pext.prev_viewport_id) enter_viewport(vpid);
+  const bool is_picture = vpid == gx_vext.viewport_edit || vpid == gx_vext.viewport_context;
+  if (is_picture && gx_vext.pixel_pos != kv_pext.last_pixel_pos) {
+    kv_pext.last_pixel_pos = gx_vext.pixel_pos;
+    if (kv_pext.mark_rect_done) gx_rectangle_action();
+  }
+  if (event.wheel != 0 && !gx_vext.menu_drawn) turn_wheel(vpid, event);
+}
+
+void on_pointer_at_rest(loop_t&, const gx_event_t&) {
+  const gx_vpid_t vpid = gx_vext.viewport_id;
+  if (vpid == gx_vext.viewport_cmd || (gx_vext.snap_state && gx_is_picture_viewport(vpid))) {
+    gx_cursor_set_position(gx_vext.pixel_pos);
+  }
+}
+
+// --- the window
+
+void on_exposed(loop_t&, const gx_event_t&) {
+  gx_vext.display_rectangle_todo = false;
+  gx_hide_menus();
+  gx_clear_window();
+  if (kv_pext.file_id_cur > 0) {
+    kv_expose_viewport_edit();
+    kv_expose_viewport_context();
+  }
+  for (const gx_vpid_t vpid :
+       {gx_vext.viewport_edit, gx_vext.viewport_context, gx_vext.viewport_list}) {
+    gx_draw_new_viewport_border(vpid, inactive_width, inactive_color);
+  }
+  gx_regen_display_list();
+  kv_pext.prev_viewport_id = gx_vext.viewport_cmd;
+  gx_display_cmd(gx_view(gx_vext.str_cmd));
+  gx_draw_new_viewport_border(gx_vext.viewport_cmd, active_width, active_color);
+  gx_redraw_menus(gx_vext.viewport_edit);
+}
+
+void on_close_asked(loop_t& loop, const gx_event_t&) { run_and_leave(loop, "BYE "); }
+
+void on_menu_line(loop_t&, const gx_event_t&) { kv_locator_in_menu(); }
+void on_menu_outside(loop_t&, const gx_event_t&) { kv_locator_out_menu(); }
+void on_menu_opening(loop_t&, const gx_event_t&) { kv_locator_in_boxmen(); }
+
+void on_nothing(loop_t&, const gx_event_t&) {}
+
+// --- dispatch
+
+using action_t = void (*)(loop_t&, const gx_event_t&);
+constexpr std::array<action_t, 17> actions = {
+    on_key_press, on_key_release,  on_pointer_moved, on_pointer_at_rest, on_button,
+    on_button,    on_button,       on_button,        on_button,          on_button,
+    on_menu_line, on_menu_outside, on_menu_opening,  on_exposed,         on_nothing,
+    on_nothing,   on_close_asked};
+
+void put_pointer_into_edit_viewport() {
+  if (!gx_viewport_ok(gx_vext.viewport_edit)) return;
+  const gx_bounds16_t& box = gx_viewport_rec(gx_vext.viewport_edit).pixel_bounds;
+  gx_vext.pixel_pos = {static_cast<std::int16_t>((box.xmin + box.xmax) / 2),
+                       static_cast<std::int16_t>((box.ymin + box.ymax) / 2)};
+  gx_cursor_set_position(gx_vext.pixel_pos);
+}
+
+}  // namespace
+
+void kv_process_events(bool first, kv_array_param_t& args, kv_array_param_t& vars) {
+  gx_debug_line(" KV_PROCESS_EVENTS  : START ");
+  loop_t loop{args, vars};
+  int lost_events = 0;
+  if (!first) gx_redraw_menus(gx_vext.viewport_edit);
+  while (!loop.leave) {
+    const gx_event_t event = gx_input_event_wait();
+    const bool is_lost = gx_vext.viewport_id < 1 || gx_vext.viewport_id > gx_max_viewports;
+    if (is_lost && event.kind != gx_event_kind::close_asked) {
+      if (++lost_events > max_lost_events) {
+        put_pointer_into_edit_viewport();
+        lost_events = 0;
+      }
+    } else {
+      lost_events = 0;
+      actions[static_cast<std::size_t>(event.kind)](loop, event);
+      const bool answered =
+          !first && event.kind == gx_event_kind::key_press && is_return(event.code);
+      if (answered) loop.leave = true;
+    }
+    if (gx_vext.end_flag) loop.leave = true;
+  }
+  if (!first) gx_hide_menus();
+}
+
+void kv_ascii_action(std::uint32_t keysym, kv_array_param_t& args, kv_array_param_t& vars) {
+  gx_string_record_t& line = gx_vext.str_cmd;
+  gx_debug("  ASCII_ACTION character : \"%12d\"  %2d\n", static_cast<int>(keysym), line.len);
+  if (is_return(keysym)) {
+    gx_vext.istart_cmd = 1;
+    if (is_blank(line)) return;
+    const gx_string_record_t typed = line;
+    set_command_line("");
+    kv_process_command(typed, args, vars);
+    return;
+  }
+  if (!is_printable(keysym)) {
+    gx_debug("\n !!! error invalid char in ASCII_ACTION : keysym : %2d\n\n",
+             static_cast<int>(keysym));
+    gx_set_status(gx_code::invalid_string);
+  }
+  if (line.len > max_typed_length) return;
+
+  const char typed = static_cast<char>(keysym);
+  const bool under_pointer = gx_vext.viewport_id == gx_vext.viewport_cmd;
+  const int column = under_pointer ? gx_cmd_column(gx_vext.pixel_pos) : line.len + 1;
+  const auto at = static_cast<std::size_t>(std::clamp(column, 1, line.len + 1) - 1);
+  std::string text(gx_view(line));
+  set_command_line(text.insert(at, 1, typed));
+  if (under_pointer) gx_cursor_set_position(gx_cmd_column_pixel(static_cast<int>(at) + 2));
+}

@@ -1,0 +1,40 @@
+#include "app/session/installation.h"
+
+#include <cstdlib>
+#include <string>
+#include <system_error>
+
+#include "gx/text/strings.h"
+#include "gx/text/text_files.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+bool is_folder(const fs::path& path) {
+  std::error_code error;
+  return fs::is_directory(path, error);
+}
+
+std::string environment(const char* name) {
+  const char* const value = std::getenv(name);
+  return value == nullptr ? "" : value;
+}
+
+}  // namespace
+
+void kv_find_installation(const fs::path& program) {
+  std::error_code error;
+  const fs::path folder = fs::canonical(program, error).parent_path();
+  if (error) return;
+  const fs::path installed = folder.parent_path() / "share" / "velmoran";
+  if (environment("VELMORAN").empty() && !is_folder(gx_view(gx_get_velmoran())) &&
+      is_folder(installed / "kivo")) {
+    setenv("VELMORAN", installed.c_str(), 1);
+  }
+  std::string path = environment("PATH");
+  for (const fs::path& place : {folder, folder / "tools"}) {
+    if (is_folder(place)) path += (path.empty() ? "" : ":") + place.string();
+  }
+  setenv("PATH", path.c_str(), 1);
+}

@@ -1,0 +1,102 @@
+// The first phase of a run: arguments, banner and debug file; then the phases in their order.
+#include "app/session/root.h"
+
+#include <fcntl.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "app/state.h"
+#include "expand/store.h"
+#include "gx/text/arguments.h"
+#include "gx/text/date.h"
+#include "gx/text/debug.h"
+#include "gx/text/strings.h"
+#include "gx/vext.h"
+#include "platform/raw_files.h"
+
+namespace {
+constexpr mode_t debug_file_mode = 0660;
+constexpr char version_text[] = "######    KIVO  version 2.02  22 mar 2004    ######";
+
+// The design directory as the argument store keeps it.
+gx_string_record_t design_path() {
+  gx_string_record_t path;
+  gx_get_arg(2, path);
+  return path;
+}
+
+void print_version(std::FILE* to) { std::fprintf(to, "\n%12s%50s\n\n", "", version_text); }
+
+void print_summary() {
+  const int errors = gx_vext.num_errors, warnings = gx_vext.num_warnings;
+  std::printf("\n -- KIVO  Execution complete...%d %s, %d %s --\n", errors,
+              errors < 2 ? "error" : "errors", warnings, warnings < 2 ? "warning" : "warnings");
+}
+}  // namespace
+
+void kv_open_debug_file() {
+  const gx_string_record_t design = design_path();
+  if (design.len == 0) {
+    ++gx_vext.num_errors;
+    std::printf("\n        !!! error no SHEET dir_name  \n");
+    std::exit(0);
+  }
+  const gx_date_t date = gx_get_date();
+  std::printf("%28s date : %d-%d-%d\n\n", "", date.day, date.month, date.year);
+  std::printf("%23sexpand editor  from VELMORAN \n", "");
+
+  gx_string_record_t name = design;
+  gx_concat_const("/debug_kivo", name);
+  const x_descriptor created(xfopen(name.char_, O_RDWR | O_CREAT | O_CLOEXEC, debug_file_mode));
+  gx_vext.debugfile = created ? std::fopen(name.char_, "we") : nullptr;
+  if (gx_vext.debugfile == nullptr) {
+    ++gx_vext.num_errors;
+    std::printf("!!! ( kivo_root ) impossible to open debugfile_name  : \"%.*s\" \n", name.len,
+                name.char_);
+    std::exit(0);
+  }
+  gx_debug(" kivo_root : strfile_name   : \"%s\" \n", design.char_);
+  gx_debug("# kivo_root : debugfile_name : \"%.*s\"\n", name.len, name.char_);
+  gx_debug("\n# INITIALIZE : date : %d-%d-%d**%d-%d\n\n", date.day, date.month, date.year,
+           date.hour, date.minute);
+  print_version(stdout);
+  print_version(gx_vext.debugfile);
+}
+
+void initparam_before() {
+  gx_vext.do_ind = 0;
+  kv_pext.obj_ptr1 = kv_pext.obj_ptr2 = {};
+  kv_pext.prev_viewport_id = 0;
+  kv_pext.file_id_context = kv_pext.file_id_cur = kv_pext.file_id_act = kv_pext.file_id_views = 0;
+  kv_pext.gen_data = false;
+  kv_pext.macro_level = 0;
+  kv_pext.expand_level = 0;
+  kv_pext.nb_of_ext_arg = 0;
+  kv_sext.primitive.count = 0;
+  kv_sext.parameter.count = 0;
+  kv_sext.property_instance.count = 0;
+  kv_sext.property_pin.count = 0;
+  kv_sext.property_net.count = 0;
+}
+
+void kivo_root(int argc, char** argv) {
+  gx_vext.num_errors = gx_vext.num_warnings = 0;
+  gx_vext.all_init_done = false;
+  gx_vext.end_flag = false;
+  gx_store_arg(argc, argv);
+  kv_open_debug_file();
+
+  gx_vext.num_errors = gx_vext.num_warnings = 0;
+  kv_pext.file_level_max = kv_pext.file_level_cur = 0;
+  const gx_string_record_t design = design_path();
+  gx_debug("# INITIALIZE pathname : \"%.*s\"\n", design.len, design.char_);
+  kv_pext.ext_arg = {};
+  kv_pext.top_var = {};
+  initparam_before();
+
+  kv_open_session();
+  if (gx_vext.num_errors == 0) kv_run_session();
+  kv_finish_session();
+  print_summary();
+}

@@ -1,0 +1,235 @@
+// The second phase of a run: the window, the files, the primary sheet, the session, and its end.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <utility>
+
+#include "app/language/commands.h"
+#include "app/session/event_loop.h"
+#include "app/session/root.h"
+#include "app/sheet/views.h"
+#include "app/state.h"
+#include "expand/store.h"
+#include "gx/db/files.h"
+#include "gx/db/geometry.h"
+#include "gx/db/object_access.h"
+#include "gx/db/sheet_shape.h"
+#include "gx/db/undo.h"
+#include "gx/display/cmd_viewport.h"
+#include "gx/display/cursor.h"
+#include "gx/display/draw.h"
+#include "gx/display/screen_state.h"
+#include "gx/display/viewports.h"
+#include "gx/display/window.h"
+#include "gx/text/arguments.h"
+#include "gx/text/debug.h"
+#include "gx/text/message_list.h"
+#include "gx/text/status.h"
+#include "gx/text/strings.h"
+#include "gx/text/text_files.h"
+#include "gx/vext.h"
+
+namespace {
+constexpr std::int16_t lines_in_view = 7;
+constexpr std::string_view sheet_type = "sheet";
+constexpr float default_time_step = 0.1F;
+constexpr int active_border_width = 3;
+constexpr int active_border_color = 6;
+constexpr char fence[] = "@@@@@@@@@@@@@@@@@@@@@@@@@@";
+
+gx_string_record_t design_file(std::string_view name) {
+  gx_string_record_t path;
+  gx_get_arg(2, path);
+  gx_concat_const(name, path);
+  return path;
+}
+
+// A failure that leaves nothing to run.
+[[noreturn]] void refuse_start(const char* what, const gx_string_record_t& name, gx_code code) {
+  gx_debug("!!! ( INITIALIZE ) %s  : \"%.*s\" \n", what, name.len, name.char_);
+  ++gx_vext.num_errors;
+  gx_set_status(code);
+}
+
+void debug_names(const gx_string_record_t& design) {
+  gx_debug("   pathname  : #%.*s#\n", design.len, design.char_);
+  gx_debug("   filetype  : #%s#\n", sheet_type.data());
+}
+
+void open_window(const gx_string_record_t& design) {
+  gx_string_record_t title = gx_string("kivo  ");
+  gx_concat_line(design, title);
+  const auto viewports = set_viewports();
+  gx_init(viewports, gx_view(title));
+  gx_debug(" Init of GX package : bitmap_size : %d  %d   nplane : %d\n", gx_vext.bitmap_size.x,
+           gx_vext.bitmap_size.y, gx_number_of_planes());
+  gx_vext.nb_line_in_listviewp = lines_in_view;
+  gx_vext.nb_list_line_max = gx_max_list_lines;
+}
+
+void open_transcript() {
+  constexpr char failure[] = "impossible to open current_session_file";
+  const gx_string_record_t name = design_file("/current_session");
+  gx_vext.cursessfile = gx_popen_file(gx_view(name), 'W', false);
+  if (gx_vext.cursessfile == nullptr) {
+    std::printf("!!! ( INITIALIZE ) %s  : \"%.*s\" \n", failure, name.len, name.char_);
+    refuse_start(failure, name, gx_code::file_data_invalid);
+  }
+  // A transcript is read while the session goes on, and after one that ended badly.
+  std::setvbuf(gx_vext.cursessfile, nullptr, _IOLBF, BUFSIZ);
+}
+
+void open_outputs() {
+  const gx_string_record_t design = design_file("/design_kv");
+  std::FILE* stream = gx_popen_filei(gx_view(design), 'W', false);
+  if (stream == nullptr)
+    refuse_start("impossible to open  designfile_name", design, gx_code::file_data_invalid);
+  kv_sext.designfile = fcntl(fileno(stream), F_DUPFD_CLOEXEC, 0);
+  std::fclose(stream);
+
+  const gx_string_record_t trace = gx_string("debug_kivo2");
+  kv_debf = gx_popen_file(gx_view(trace), 'W', false);
+  if (kv_debf == nullptr)
+    refuse_start("impossible to open  DEBUG file  2 ", trace, gx_code::file_data_invalid);
+}
+
+void take_start_up_file() {
+  gx_get_arg(3, kv_pext.init_do_file);
+  if (kv_pext.init_do_file.len == 0) return;
+  auto& count = kv_pext.nb_of_ext_arg;
+  for (auto& argument : kv_pext.ext_arg) {
+    gx_get_arg(4 + count, argument);
+    if (argument.len == 0) break;
+    ++count;
+  }
+}
+
+void open_primary_sheet(const gx_string_record_t& design) {
+  auto& level1 = kv_pext.arrayof_file[0];
+  kv_pext.file_level_max = kv_pext.file_level_cur = 1;
+  level1.file_index = gx_file_open(gx_view(design), sheet_type);
+  level1.file_path = design;
+  kv_pext.disp_pic_area = false;
+  kv_pext.pt_pic_area1 = kv_pext.pt_pic_area2 = {};
+  kv_pext.file_id_cur = kv_pext.file_id_context = level1.file_index;
+}
+
+// False, and an error counted, when a family, the grid or a part of an object is missing.
+bool show_whether_whole(const gx_file_gene_recf_t& sheet) {
+  const std::string fault = gx_sheet_fault(sheet);
+  if (fault.empty()) return true;
+  const auto& path = gx_vext.filear[static_cast<std::size_t>(sheet.file_index)].file_pathname;
+  std::printf("!! error : Sheet not whole : \"%.*s\" : %s\n", path.len, path.char_, fault.c_str());
+  ++gx_vext.num_errors;
+  gx_debug("!!! error : INITIALIZE  : \"%.*s\" : %s\n", path.len, path.char_, fault.c_str());
+  return false;
+}
+
+// False, and an error counted, when the design has no sheet, or one that lacks something.
+bool show_whether_sheet(const gx_string_record_t& design) {
+  const auto& sheet = gx_ptrto_gene_file_buf(kv_pext.file_id_cur);
+  const int primary = gx_file_inq_primary_object(sheet);
+  gx_debug(" kv_pext.file_id_cur     : %d\n", kv_pext.file_id_cur);
+  gx_debug(" primary segment  : %d\n", primary);
+  gx_debug("# INITIALIZE  : object_id_max : %d\n", sheet.object_id_max);
+  if (primary < 0 || primary > sheet.object_id_max) {
+    gx_debug_line("!!! ( INITIALIZE ) INVALID FILE : primary \"");
+    debug_names(design);
+    ++gx_vext.num_errors;
+    gx_set_status(gx_code::invalid_string);
+  }
+  if (primary != 0) return show_whether_whole(sheet);
+  std::printf("!! error : No sheet Found : \"%.*s\"\n", design.len, design.char_);
+  ++gx_vext.num_errors;
+  gx_debug_line("!!! error : INITIALIZE  : no primary \"");
+  debug_names(design);
+  return false;
+}
+
+void prepare_sheet() {
+  gx_vext.obj_pos = {};
+  gx_vext.snap_state = gx_inq_snap_state(gx_ptrto_gene_file_buf(kv_pext.file_id_cur));
+  gx_cursor_set_pattern(1);
+  kv_hide_invisible(kv_pext.file_id_cur);
+  kv_sext.gx_graphics_used = true;
+  kv_sext.time_step = default_time_step;
+  gx_debug("%s\n@@ END of INITIALIZE @@@@@\n%s\n", fence, fence);
+  gx_debug_line("!!! ( INITIALIZE ) END ");
+}
+
+void debug_roles() {
+  gx_debug("# main : END ofINITIALIZE \n");
+  const std::pair<const char*, gx_vpid_t> roles[] = {{"edit", gx_vext.viewport_edit},
+                                                     {"cmd", gx_vext.viewport_cmd},
+                                                     {"list", gx_vext.viewport_list},
+                                                     {"context", gx_vext.viewport_context},
+                                                     {"activ", gx_vext.viewport_activ}};
+  for (const auto& [role, id] : roles) gx_debug("# main : gx_vext.viewport_%s    : %d\n", role, id);
+  gx_debug("# MAIN : num_errors : %d\n", gx_vext.num_errors);
+}
+
+void show_first_picture() {
+  for (const gx_vpid_t vpid : {gx_vext.viewport_edit, gx_vext.viewport_context}) {
+    kv_display_picture_all(vpid, kv_pext.file_id_cur);
+    gx_display_cross(vpid, gx_vext.obj_pos);
+  }
+  gx_vext.pixel_pos = gx_viewport_pt_real_to_pixel(gx_vext.viewport_edit, gx_vext.obj_pos);
+  kv_pext.prev_viewport_id = 1;
+  gx_draw_new_viewport_border(gx_vext.viewport_edit, active_border_width, active_border_color);
+}
+
+void run_start_up_file() {
+  if (kv_pext.init_do_file.len == 0) return;
+  gx_string_record_t command;
+  gx_concat_all(command, " DO ", gx_view(kv_pext.init_do_file), " ");
+  for (int i = 0; i < kv_pext.nb_of_ext_arg; ++i)
+    gx_concat_all(command, gx_view(kv_pext.ext_arg[static_cast<std::size_t>(i)]), " ");
+  kv_process_command(command, kv_pext.ext_arg, kv_pext.top_var);
+}
+
+void close_file(std::FILE*& file) {
+  if (file != nullptr) std::fclose(std::exchange(file, nullptr));
+}
+}  // namespace
+
+void kv_open_session() {
+  const gx_string_record_t design = design_file("");
+  open_window(design);
+  open_transcript();
+  kv_init_menu_action();
+  gx_debug("# INITIALIZE :  KV_INIT_MENU_ACTION    done \n");
+  open_outputs();
+  take_start_up_file();
+  open_primary_sheet(design);
+  if (show_whether_sheet(design)) prepare_sheet();
+  debug_roles();
+}
+
+void kv_run_session() {
+  gx_undo_init(kv_pext.file_id_cur);
+  gx_vext.str_cmd = {};
+  gx_display_cmd("");
+  gx_display_list("# KIVO  version 2.02");
+  gx_vext.base_point = gx_vext.obj_pos;
+  show_first_picture();
+  run_start_up_file();
+  gx_vext.all_init_done = true;
+  if (!gx_vext.end_flag) kv_process_events(true, kv_pext.ext_arg, kv_pext.top_var);
+}
+
+void kv_finish_session() {
+  gx_debug("%s\n@@ start of FINALISE @@@@@\n%s\n", fence, fence);
+  if (kv_sext.designfile >= 0) close(std::exchange(kv_sext.designfile, -1));
+  for (int level = 1; level <= kv_pext.file_level_max; ++level)
+    if (const auto index = kv_pext.arrayof_file[static_cast<std::size_t>(level - 1)].file_index)
+      gx_file_close(index);
+  if (kv_pext.view_sheet_done) gx_file_close(kv_pext.file_id_views);
+  if (kv_pext.act_symb_done) gx_file_close(kv_pext.file_id_act);
+  gx_debug_line("@@@@@@ FINALIZE after gx_file_close  ");
+  gx_terminate();
+  gx_debug_line("@@@@@@ FINALIZE  after gx_terminate  ");
+  close_file(kv_debf);
+  close_file(gx_vext.cursessfile);
+  close_file(gx_vext.debugfile);
+}

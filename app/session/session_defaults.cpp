@@ -1,0 +1,106 @@
+// The state of a fresh session, and the user's files that change its menus and keys.
+#include <cstdio>
+
+#include "app/language/commands.h"
+#include "app/session/event_loop.h"
+#include "gx/display/menus.h"
+#include "gx/text/debug.h"
+#include "gx/text/strings.h"
+#include "gx/text/text_files.h"
+#include "gx/vext.h"
+#include "platform/files.h"
+
+namespace {
+
+constexpr gx_pointreal_t first_position = {512, 290};
+constexpr std::string_view menu_file = "$VELMORAN/kivo/init_menu";
+constexpr std::string_view key_file = "$VELMORAN/kivo/init_key";
+
+void reset_session() {
+  kv_pext.pick_aperture = {10, 10};
+  kv_pext.act_prop_type = 0;
+  kv_pext.act_symb_id = 0;
+  kv_pext.mark_rect_done = false;
+  kv_pext.smash_done = false;
+  kv_pext.view_sheet_done = false;
+  kv_pext.search_done = false;
+  kv_pext.search_path = {};
+  kv_pext.act_file_path = {};
+  kv_pext.act_prop_name = {};
+  kv_pext.act_prop_value = {};
+  kv_pext.act_prop_exist = false;
+  kv_pext.act_symb_done = false;
+  kv_pext.save_to_do = false;
+  kv_pext.object_cur_origin = first_position;
+
+  gx_vext.snap_state = false;
+  gx_vext.edit_comp_id = 0;
+  gx_vext.end_flag = false;
+  gx_vext.viewport_id = 1;
+  gx_vext.viewport_id_start = 0;
+  gx_vext.obj_pos = first_position;
+  gx_vext.base_point = first_position;
+  gx_vext.transcript_state = true;
+  gx_vext.display_on = true;
+  gx_vext.origin_page_x = gx_vext.origin_page_y = 0;
+}
+
+// The command and list texts, by the size of the window.
+void place_texts() {
+  auto& v = gx_vext;
+  const int width = v.bitmap_size.x, height = v.bitmap_size.y;
+  const auto part = [](int size, int factor, int of) {
+    return static_cast<std::int16_t>(size * factor / of);
+  };
+  v.cmd_x0 = part(width, 7, 1024);
+  v.cmd_y0 = part(height, 10, 768);
+  v.cmd_xi = 7;
+  v.cmd_yi = 10;
+  v.cmd_color = 7;
+  v.listb_x0 = part(height, 5, 768);
+  v.listb_y0 = part(height, 10, 768);
+  v.listb_xi = 5;
+  v.listb_yi = 10;
+  v.list_color = 7;
+  v.viewport_back_color = 0;
+}
+
+void set_viewport_roles() {
+  gx_vext.viewport_edit = 1;
+  gx_vext.viewport_cmd = 2;
+  gx_vext.viewport_list = 3;
+  gx_vext.viewport_context = 4;
+  gx_vext.viewport_activ = 4;
+}
+
+bool can_be_read(std::string_view path) {
+  return x_file(gx_popen_file(path, 'R', true)) != nullptr;
+}
+
+void trace_file(const char* format, std::string_view path) {
+  gx_debug(format, static_cast<int>(path.size()), path.data());
+}
+
+void run_user_files() {
+  trace_file("!!! init_menu  file  OPEN OK \"%.*s\" \n", menu_file);
+  if (can_be_read(menu_file)) gx_read_menu(menu_file);
+
+  trace_file("!!! init_key  file  \"%.*s\" \n", key_file);
+  if (!can_be_read(key_file)) return;
+  gx_string_record_t command = gx_string(" DO ");
+  gx_concat_all(command, key_file, " ");
+  kv_array_param_t args, vars;
+  kv_process_command(command, args, vars);
+}
+
+}  // namespace
+
+void kv_init_menu_action() {
+  reset_session();
+  place_texts();
+  set_viewport_roles();
+  kv_set_default_bindings();
+  kv_set_default_menus();
+  run_user_files();
+  gx_debug_line(" KV_INIT_MENU_ACTION  : END ");
+}

@@ -1,0 +1,92 @@
+// The marked point and rectangle, and the switches of selecting: MARK, MARK RECTangle, SMAsh,
+// SEArch.
+#include "app/sheet/command_viewport.h"
+#include "app/sheet/views.h"
+#include "gx/db/geometry.h"
+#include "gx/display/cursor.h"
+#include "gx/display/viewports.h"
+#include "gx/text/message_list.h"
+#include "gx/text/strings.h"
+#include "gx/vext.h"
+
+namespace {
+
+// Where MARK goes: by words `n` (Edit or Context) to n + 2, or under the pointer on the snap grid.
+struct mark_t {
+  kv_view_t view;
+  gx_pointreal_t point;
+};
+
+std::optional<mark_t> wanted_mark(std::string_view refused, const kv_command_t& command, int n,
+                                  int first) {
+  const auto view = kv_wanted_view(
+      refused, command, n,
+      {.bad_word = "# !! Error : Invalid Viewport name (should be Edit/Context) ? "}, first);
+  if (!view) return std::nullopt;
+  if (command.count() < n) {
+    return mark_t{*view, gx_round_snap(gx_vext.obj_pos.x, gx_vext.obj_pos.y)};
+  }
+  const auto p = kv_typed_point_in_page(command, n + 1, view->file());
+  if (p) return mark_t{*view, *p};
+  kv_refuse(refused, command, kv_outside_page, first);
+  return std::nullopt;
+}
+
+// The point becomes the object position, and the pointer goes there: what follows in a command file
+// finds it in that viewport.
+void move_to(const mark_t& mark) {
+  gx_vext.obj_pos = mark.point;
+  gx_vext.viewport_id = mark.view.vpid;
+  if (!gx_viewport_ok(mark.view.vpid)) return;
+  gx_vext.pixel_pos = gx_viewport_pt_real_to_pixel(mark.view.vpid, mark.point);
+  gx_cursor_set_position(gx_vext.pixel_pos);
+}
+
+}  // namespace
+
+// MARK, MARK Edit x y; a word before Edit is passed over, as MARK RECTangle has one there.
+void kv_mark_cmd(const kv_command_t& command) {
+  constexpr std::string_view refused = "# MARK ";
+  const int count = command.count();
+  if (count != 1 && count != 2 && count != 4 && count != 5) {
+    return kv_refuse(refused, command, kv_bad_count);
+  }
+  const int n = count == 4 ? 2 : 3;
+  const auto mark = wanted_mark(refused, command, n, 2);
+  if (!mark) return;
+  move_to(*mark);
+  kv_update_basept_edit_cmd();
+  gx_tell(" MARK", mark->view.name(), gx_view(kv_point_text(mark->point)));
+}
+
+void kv_mark_rectangle_cmd(const kv_command_t& command) {
+  constexpr std::string_view refused = "# MARK RECTangle ";
+  if (command.count() != 2 && command.count() != 5) {
+    return kv_refuse(refused, command, kv_bad_count, 3);
+  }
+  const auto mark = wanted_mark(refused, command, 3, 3);
+  if (!mark) return;
+  move_to(*mark);
+  kv_pext.mark_rect_done = true;
+  kv_pext.obj_ptr1 = gx_vext.obj_pos;
+  gx_vext.viewport_id_start = mark->view.vpid;
+  gx_vext.pixel_ptr1 = gx_vext.pixel_pos;
+  gx_tell(" MARK RECtangle", mark->view.name(), gx_view(kv_point_text(mark->point)));
+}
+
+void kv_smash_cmd(const kv_command_t& command) {
+  if (!command.has_count(2, 2)) return kv_refuse("# SMAsh ", command, kv_bad_count);
+  const bool on = gx_equal("ON", command.word(2));
+  if (!on && !gx_equal("OF", command.word(2))) {
+    return kv_refuse("# SMASh ", command, "# !! Error :  2nd parameter incorrect ? ");
+  }
+  kv_pext.smash_done = on;
+  gx_tell(on ? " SMAsh ON " : " SMAsh OFF ");
+}
+
+void kv_search_cmd(const kv_command_t& command) {
+  if (!command.has_count(2, 2)) return kv_refuse("# SEArch ", command, kv_bad_count);
+  kv_pext.search_done = command.word(2) != "/";
+  kv_pext.search_path = gx_string(kv_pext.search_done ? command.word(2) : std::string_view{});
+  kv_echo(" SEArch ", command);
+}

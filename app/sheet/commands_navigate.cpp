@@ -1,0 +1,174 @@
+// VIEw DOWn and VIEw UP: the edit viewport moves through the hierarchy of sheets, and the
+// simulation path with it.
+#include <algorithm>
+
+#include "app/sheet/command_viewport.h"
+#include "app/sheet/sheet_files.h"
+#include "app/sheet/views.h"
+#include "gx/db/files.h"
+#include "gx/db/object_access.h"
+#include "gx/db/queries.h"
+#include "gx/db/sheet_shape.h"
+#include "gx/text/debug.h"
+#include "gx/text/message_list.h"
+#include "gx/text/strings.h"
+#include "gx/vext.h"
+
+namespace {
+
+bool is_level(int level) { return level >= 1 && level <= kv_max_levels; }
+bool is_file(int file_index) { return file_index >= 1 && file_index <= gx_max_files; }
+
+kv_file_record_t& at_level(int level) {
+  return kv_pext.arrayof_file[static_cast<std::size_t>(level - 1)];
+}
+
+// The file in the edit viewport must be that of the level.
+void check_current(const char* operation, int level) {
+  if (kv_pext.file_id_cur == at_level(level).file_index) return;
+  gx_debug(" %s  : file_id_cur INVALID : %d  %d\n", operation, kv_pext.file_id_cur,
+           at_level(level).file_index);
+  gx_set_status(gx_code::file_data_invalid);
+}
+
+// --- down
+
+void refuse_down(const kv_command_t& command, std::string_view error) {
+  std::string line = "# VIEw DOWn ";
+  for (int n = 3; n <= command.count(); ++n) {
+    line += "\"" + std::string(command.word(n)) + "\"   ";
+  }
+  gx_tell(line);
+  gx_tell(error);
+}
+
+// The only instance that VIEw DOWn may mean; 0 after the refusal.
+int instance_to_enter(const kv_command_t& command, const gx_file_gene_recf_t& file) {
+  const bool by_name = command.count() == 3;
+  int found = 0, count = 0;
+  for (const int id : lb_instances(file)) {
+    if (gx_inq_object_deleted(file, id)) continue;
+    if (by_name) {
+      const auto* name = lb_find_prop_inst(file, id, "INST");
+      if (name == nullptr || !gx_iden(command.word(3), gx_view(name->nvalue))) continue;
+    } else if (!gx_inq_object_selected(file, id)) {
+      continue;
+    }
+    found = id;
+    ++count;
+  }
+  if (count == 1 && lb_find_prop_inst(file, found, "INST") != nullptr) return found;
+  if (count > 1) {
+    refuse_down(command, by_name ? "# !! Error : More Than 1 Instance Found selected with \"INST\" "
+                                 : "# !! Error : More Than 1 Instance Found selected ");
+  } else {
+    refuse_down(command, by_name || count == 1 ? "# !! Error : No Instance  with \"INST\" "
+                                               : "# !! Error : No Instance Found selected ");
+  }
+  return 0;
+}
+
+// The directory of the sheet that an instance stands for.
+gx_string_record_t directory_of(const gx_file_gene_recf_t& file, int inst) {
+  const auto& symbol = gx_symbol_info_ptr(file, gx_instance_info_ptr(file, inst).symbol);
+  const auto path = gx_get_path_n0version(gx_view(symbol.path));
+  if (path.error) {
+    gx_debug(" VIEW_DOWN_CMD  :invalid : file path  : \"%.*s\"\n", symbol.path.len,
+             symbol.path.char_);
+    gx_set_status(gx_code::file_data_invalid);
+  }
+  return path.directory;
+}
+
+// Opens the sheet into the slot of the level; false after the refusal.
+bool open_at(int level, const gx_string_record_t& directory, const kv_command_t& command) {
+  auto& place = at_level(level);
+  const bool reopened = place.file_index != 0;
+  std::string why;
+  const auto opened = kv_open_in_slot(place.file_index, gx_view(directory), "sheet", why);
+  if (opened != kv_opened::yes) {
+    refuse_down(command, reopened ? "# !! Error : Sheet not found ? : "
+                                  : "# !! Error : Sheet not found or Invalid ? : ");
+    gx_tell(reopened ? "# !! \"" : "# !! : \"", gx_view(directory), "\" ");
+    if (!why.empty()) gx_tell("# !! ", why);
+    return false;
+  }
+  place.file_path = directory;
+  kv_pext.file_level_max = std::max<std::int16_t>(kv_pext.file_level_max, std::int16_t(level));
+  const auto& file = gx_ptrto_gene_file_buf(place.file_index);
+  why = gx_sheet_fault(file);
+  if (why.empty()) return true;
+  kv_leave_slot(place.file_index);
+  kv_refuse("# VIEw DOWn  ", command, "# !! Error : No Sheet Available ? : ", 3);
+  if (file.primary_object != 0) gx_tell("# !! ", gx_view(directory), "/sheet.gx : ", why);
+  return false;
+}
+
+// --- both
+
+void show_level(int level) {
+  kv_pext.file_level_cur = static_cast<std::int16_t>(level);
+  kv_pext.file_id_cur = at_level(level).file_index;
+  kv_hide_invisible(kv_pext.file_id_cur);
+  kv_display_picture_all(gx_vext.viewport_edit, kv_pext.file_id_cur);
+}
+
+// Cuts the last name: "a/b/" becomes "a/".
+void cut_last_name(gx_string_record_t& path) {
+  auto names = gx_view(path);
+  if (names.ends_with('/')) names.remove_suffix(1);
+  const auto slash = names.rfind('/');
+  path = gx_string(names.substr(0, slash == names.npos ? 0 : slash + 1));
+}
+
+}  // namespace
+
+void kv_view_down_cmd(const kv_command_t& command) {
+  if (!command.has_count(2, 3)) return refuse_down(command, kv_bad_count);
+  const int level = kv_pext.file_level_cur;
+  if (!is_level(level) || !is_file(at_level(level).file_index)) {
+    return refuse_down(command, "# !! Error : No valid design Sheet available ");
+  }
+  check_current("VIEW_DOWN_CMD", level);
+  if (level == 1 && kv_pext.file_id_context != kv_pext.file_id_cur) {
+    return refuse_down(command, "# !! Error : No valid design Sheet to view down in Context ");
+  }
+  const auto& file = gx_ptrto_gene_file_buf(kv_pext.file_id_cur);
+  const int inst = instance_to_enter(command, file);
+  if (inst == 0) return;
+  const auto name = gx_view(lb_find_prop_inst(file, inst, "INST")->nvalue);
+  const auto directory = directory_of(file, inst);
+  if (level == kv_max_levels) {
+    return refuse_down(command, "# !! Error : Too many sheet levels ? : ");
+  }
+  if (!open_at(level + 1, directory, command)) return;
+  show_level(level + 1);
+  gx_concat_all(kv_pext.cur_sim_path, name, "/");
+  gx_tell(" VIEw DOWn  ", name);
+}
+
+void kv_view_up_cmd(const kv_command_t& command) {
+  const auto refuse = [&](std::string_view error) { kv_refuse("# VIEw UP ", command, error, 3); };
+  if (!command.has_count(2, 2)) return refuse(kv_bad_count);
+  const int level = kv_pext.file_level_cur;
+  if (!is_level(level)) return refuse("# !! Error : No design Sheet available ");
+  if (!is_file(at_level(level).file_index)) {
+    return refuse("# !! Error : No valid design Sheet available ");
+  }
+  check_current("VIEW_UP_CMD", level);
+  if (level == 1) {
+    return refuse(kv_pext.file_id_context == kv_pext.file_id_cur
+                      ? "# !! Error : impossible to VIEw UP ( already at TOP ) "
+                      : "# !! Error : No valid design Sheet to view up in Context ");
+  }
+  if (!is_file(at_level(level - 1).file_index)) {
+    return refuse("# !! Error : No VIEw UP valid design Sheet available ");
+  }
+  if (level - 1 > kv_pext.file_level_max) {
+    gx_debug(" VIEW_UP_CMD  : level max INVALID : %d  %d\n", level - 1, kv_pext.file_level_max);
+    gx_set_status(gx_code::file_data_invalid);
+  }
+  show_level(level - 1);
+  cut_last_name(kv_pext.cur_sim_path);
+  gx_tell(" VIEw UP  ");
+}

@@ -1,0 +1,137 @@
+#include "app/sheet/pan.h"
+
+#include <algorithm>
+#include <array>
+
+#include "app/sheet/views.h"
+#include "app/state.h"
+#include "gx/db/geometry.h"
+#include "gx/display/cmd_viewport.h"
+#include "gx/display/cursor.h"
+#include "gx/display/list_viewport.h"
+#include "gx/display/screen_state.h"
+#include "gx/display/viewports.h"
+#include "gx/text/message_list.h"
+#include "gx/text/strings.h"
+#include "gx/vext.h"
+
+namespace {
+// The roles of the viewports by their fixed ids.
+constexpr gx_vpid_t edit = 1, cmd = 2, list = 3, context = 4;
+
+constexpr std::int32_t one_step = 5000;
+constexpr std::int16_t max_start = 140;  // of the first character shown
+constexpr int edge_room = 5;             // pixels the pointer keeps from a viewport's edge
+
+// A picture that goes up shows what lies below: panning adds to the coordinates shown.
+constexpr std::array<kv_move_t, 20> moves = {{
+    {"$CU1", 0, -1, one_step, true},     {"$CD1", 0, 1, one_step, true},
+    {"$CL1", -1, 0, one_step, true},     {"$CR1", 1, 0, one_step, true},
+    {"$CU4", 0, -1, 4 * one_step, true}, {"$CD4", 0, 1, 4 * one_step, true},
+    {"$CL4", -1, 0, 4 * one_step, true}, {"$CR4", 1, 0, 4 * one_step, true},
+    {"$VPTU5", 0, 1, 5 * one_step},      {"$VPTD5", 0, -1, 5 * one_step},
+    {"$VPTL5", 1, 0, 5 * one_step},      {"$VPTR5", -1, 0, 5 * one_step},
+    {"$VPTU20", 0, 1, 20 * one_step},    {"$VPTD20", 0, -1, 20 * one_step},
+    {"$VPTL20", 1, 0, 20 * one_step},    {"$VPTR20", -1, 0, 20 * one_step},
+    {"$VPTU80", 0, 1, 80 * one_step},    {"$VPTD80", 0, -1, 80 * one_step},
+    {"$VPTL80", 1, 0, 80 * one_step},    {"$VPTR80", -1, 0, 80 * one_step},
+}};
+constexpr std::size_t looked_at = 6;  // characters of a word
+
+bool is_picture(gx_vpid_t vpid) { return vpid == edit || vpid == context; }
+
+std::int32_t moved(std::int32_t from, int sign, std::int32_t amount) {
+  return static_cast<std::int32_t>(
+      std::clamp<std::int64_t>(from + std::int64_t{sign} * amount, INT32_MIN, INT32_MAX));
+}
+
+void pan(const kv_move_t& move) {
+  auto& v = gx_vext;
+  if (!is_picture(v.viewport_id) || !gx_viewport_ok(v.viewport_id)) return;
+  v.obj_pos = {moved(v.obj_pos.x, move.dx, move.amount), moved(v.obj_pos.y, move.dy, move.amount)};
+  gx_viewport_translate(v.viewport_id, move.dy, move.dx, move.amount);
+  if (v.viewport_id == edit)
+    kv_update_viewport_edit();
+  else
+    kv_update_viewport_context();
+}
+
+// Scrolls a text sideways: to the left shows what lies behind its end.
+bool scroll_text(std::int16_t& first_shown, int dx) {
+  const int next = first_shown - dx;
+  if (next < 1 || next > max_start) return false;
+  first_shown = static_cast<std::int16_t>(next);
+  return true;
+}
+
+void recall_line() {
+  auto& v = gx_vext;
+  if (v.nlinlist_end + kv_pext.line_position > 1) --kv_pext.line_position;
+  const int line = v.nlinlist_end + kv_pext.line_position - 1;
+  if (line < 1 || line > gx_max_list_lines) return;
+  v.str_cmd = v.line_list[static_cast<std::size_t>(line - 1)];
+  gx_display_cmd(gx_view(v.str_cmd));
+}
+
+void move_along_text(const gx_bounds16_t& box, int dx) {
+  auto& v = gx_vext;
+  const int x = v.pixel_pos.x + dx * v.cmd_step;
+  if (x <= box.xmin + edge_room || x >= box.xmax - edge_room) return;
+  v.pixel_pos.x = static_cast<std::int16_t>(x);
+  gx_cursor_set_position(v.pixel_pos);
+}
+
+void move_in_text(const kv_move_t& move, const gx_bounds16_t& box) {
+  auto& v = gx_vext;
+  const bool is_list = v.viewport_id == list;
+  if (move.dx != 0 && move.amount == one_step) {
+    move_along_text(box, move.dx);
+  } else if (move.dx != 0) {
+    if (!scroll_text(is_list ? v.istart_list : v.istart_cmd, move.dx)) return;
+    if (is_list)
+      gx_regen_display_list();
+    else
+      gx_display_cmd(gx_view(v.str_cmd));
+  } else if (is_list) {
+    gx_upd_display_list(move.dy < 0);
+  } else if (move.dy < 0 && move.amount == one_step) {
+    recall_line();
+  }
+}
+
+void move_in_picture(const kv_move_t& move, const gx_bounds16_t& box) {
+  auto& v = gx_vext;
+  const gx_pointreal_t from = gx_round_snap(v.obj_pos.x, v.obj_pos.y);
+  const gx_pointreal_t to = {moved(from.x, move.dx, move.amount),
+                             moved(from.y, move.dy, move.amount)};
+  const gx_point16_t pixel = gx_viewport_pt_real_to_pixel(v.viewport_id, to);
+  if (pixel.x > box.xmin + edge_room && pixel.x < box.xmax - edge_room &&
+      pixel.y > box.ymin + edge_room && pixel.y < box.ymax - edge_room) {
+    v.obj_pos = to;
+    v.pixel_pos = pixel;
+  }
+  gx_cursor_set_position(v.pixel_pos);
+}
+}  // namespace
+
+const kv_move_t* kv_find_move(std::string_view word) {
+  for (const kv_move_t& move : moves)
+    if (word.size() == move.word.size() &&
+        gx_iden(word.substr(0, looked_at), move.word.substr(0, looked_at)))
+      return &move;
+  return nullptr;
+}
+
+void kv_make_move(const kv_move_t& move) {
+  if (!move.is_cursor) {
+    pan(move);
+    return;
+  }
+  const gx_vpid_t vpid = gx_vext.viewport_id;
+  if (!gx_viewport_ok(vpid)) return;
+  const gx_bounds16_t& box = gx_viewport_rec(vpid).pixel_bounds;
+  if (is_picture(vpid))
+    move_in_picture(move, box);
+  else if (vpid == list || vpid == cmd)
+    move_in_text(move, box);
+}

@@ -1,0 +1,140 @@
+// The pictures of the edit and context viewports, drawn from the open files.
+#include "app/sheet/views.h"
+
+#include "app/state.h"
+#include "gx/db/geometry.h"
+#include "gx/db/object_access.h"
+#include "gx/db/queries.h"
+#include "gx/display/draw.h"
+#include "gx/display/pen.h"
+#include "gx/display/screen_state.h"
+#include "gx/display/viewports.h"
+#include "gx/text/debug.h"
+#include "gx/text/status.h"
+#include "gx/vext.h"
+
+namespace {
+// The grid object of a sheet, whose box is the page.
+int grid_of(const gx_file_gene_recf_t& file, const char* message) {
+  const int grid = gx_object_inq_grid_id(file);
+  if (gx_object_id_ok(file, grid)) return grid;
+  gx_debug(message, grid);
+  gx_set_status(gx_code::file_data_invalid);
+}
+
+// The grid at the scale asked for, then all that stands on the sheet.
+void draw_sheet(gx_vpid_t vpid, gx_file_index_t file_index, int grid, bool keep_scale) {
+  const gx_batch_t batch;
+  gx_display_object(vpid, file_index, grid, 0, keep_scale, gx_draw_mode::draw, false);
+  lb_display_all_frame(vpid, file_index, gx_draw_mode::draw);
+  lb_display_all_inst(vpid, file_index, gx_draw_mode::draw);
+  lb_display_all_net(vpid, file_index, gx_draw_mode::draw);
+  gx_display_half_cross(vpid, gx_vext.base_point);
+}
+
+// What kv_display_picture_all and _area share; `name` begins their messages.
+void show_part(gx_vpid_t vpid, gx_file_index_t file_index, const gx_boundsreal_t* box,
+               const char* bad_file, const char* bad_grid) {
+  if (!gx_vext.display_on || !gx_drawing_possible()) return;
+  if (file_index < 1 ||
+      (file_index != kv_pext.file_id_cur && file_index != kv_pext.file_id_context)) {
+    gx_debug(bad_file, file_index);
+    gx_set_status(gx_code::file_data_invalid);
+  }
+  const auto& file = gx_ptrto_gene_file_buf(file_index);
+  const int grid = grid_of(file, bad_grid);
+  gx_viewport_fit(vpid, box != nullptr ? *box : gx_object_abs_origin_bounds(file, grid, 0).bounds);
+  gx_clear_viewport(vpid);
+  draw_sheet(vpid, file_index, grid, true);
+}
+
+void redraw_edit(bool keep_scale, const char* bad_grid, const char* bad_file) {
+  const gx_vpid_t vpid = gx_vext.viewport_edit;
+  if (!gx_vext.display_on || !gx_drawing_possible() || !gx_viewport_ok(vpid)) return;
+  const gx_file_index_t file_index = gx_viewport_rec(vpid).file_index;
+  if (file_index < 1 || file_index != kv_pext.file_id_cur) {
+    gx_debug_line(bad_file);
+    return;
+  }
+  const int grid = grid_of(gx_ptrto_gene_file_buf(file_index), bad_grid);
+  gx_clear_viewport(vpid);
+  draw_sheet(vpid, file_index, grid, keep_scale);
+}
+
+// A symbol file: its picture and a cross at the origin of each component.
+void draw_symbol(gx_vpid_t vpid, gx_file_index_t file_index, bool keep_scale) {
+  const auto& file = gx_ptrto_gene_file_buf(file_index);
+  const int primary = gx_file_inq_primary_object(file);
+  if (!gx_object_id_ok(file, primary)) gx_set_status(gx_code::object_id_invalid);
+  const gx_batch_t batch;
+  gx_display_object(vpid, file_index, primary, 0, keep_scale, gx_draw_mode::draw, false);
+  for (const int component : wn_components(file))
+    if (!gx_inq_object_deleted(file, component))
+      gx_display_cross(vpid, gx_object_abs_origin(file, component, 0));
+  gx_display_half_cross(vpid, gx_vext.base_point);
+}
+
+void redraw_context(bool keep_scale, const char* bad_grid, const char* bad_file) {
+  const gx_vpid_t vpid = gx_vext.viewport_context;
+  if (!gx_vext.display_on || !gx_drawing_possible() || !gx_viewport_ok(vpid)) return;
+  const gx_file_index_t file_index = gx_viewport_rec(vpid).file_index;
+  if (file_index < 1 || file_index != kv_pext.file_id_context) {
+    gx_debug(bad_file, file_index);
+    return;
+  }
+  const bool is_symbol = file_index == kv_pext.file_id_act;
+  const int grid = is_symbol ? 0 : grid_of(gx_ptrto_gene_file_buf(file_index), bad_grid);
+  gx_clear_viewport(vpid);
+  if (is_symbol)
+    draw_symbol(vpid, file_index, keep_scale);
+  else
+    draw_sheet(vpid, file_index, grid, keep_scale);
+}
+}  // namespace
+
+void kv_display_picture_all(gx_vpid_t vpid, gx_file_index_t file_index) {
+  show_part(vpid, file_index, nullptr, " KV_DISPLAY_PICTURE_ALL : file index (invalid) : %12d\n",
+            " KV_DISPLAY_PICTURE_ALL : grid_id (invalid) : %12d\n");
+}
+
+void kv_display_picture_area(gx_vpid_t vpid, gx_file_index_t file_index, gx_pointreal_t p1,
+                             gx_pointreal_t p2) {
+  const gx_boundsreal_t box = gx_area_of(p1, p2);
+  show_part(vpid, file_index, &box, " KV_DISPLAY_PICTURE_AREA : file index (invalid) : %12d\n",
+            " KV_DISPLAY_PICTURE_AREA : grid_id (invalid) : %12d\n");
+}
+
+void kv_update_viewport_edit() {
+  redraw_edit(true, " KV_UPDATE_VIEWPORT_EDIT  : grid_id invalid  \n",
+              " KV_UPDATE_VIEWPORT_EDIT : INVALID file index  ");
+}
+
+void kv_expose_viewport_edit() {
+  redraw_edit(false, " KV_EXPOSE_VIEWPORT_EDIT  : grid_id invalid  \n",
+              " KV_EXPOSE_VIEWPORT_EDIT : INVALID file index  ");
+}
+
+void kv_update_viewport_context() {
+  redraw_context(true, " KV_UPDATE_VIEWPORT_CONTEXT  : grid_id invalid  \n",
+                 " KV_UPDATE_VIEWPORT_CONTEXT : INVALID file index : %12d\n");
+}
+
+void kv_expose_viewport_context() {
+  redraw_context(false, " KV_EXPOSE_VIEWPORT_CONTEXT  : grid_id invalid  \n",
+                 " KV_EXPOSE_VIEWPORT_CONTEXT : INVALID file index : %12d\n");
+}
+
+void kv_update_basept_edit_cmd() {
+  gx_display_half_cross(gx_vext.viewport_edit, gx_vext.base_point);
+  gx_display_half_cross(gx_vext.viewport_context, gx_vext.base_point);
+}
+
+void kv_hide_invisible(gx_file_index_t file_index) {
+  const auto& file = gx_ptrto_gene_file_buf(file_index);
+  for (int id = 1; id <= file.object_id_max; ++id) {
+    const auto& object = gx_object_id_ptr(file, id);
+    if (object.object_type != gx_type::property_2d || (object.status & gx_flag_deleted) != 0)
+      continue;
+    if (gx_property_info_ptr(file, id).visible == 0) gx_set_object_unvisible(file, id, true);
+  }
+}

@@ -1,0 +1,26 @@
+// Showing files in the edit and context viewports.
+#pragma once
+
+#include <array>
+
+#include "gx/db/ids.h"
+#include "gx/display/screen_state.h"
+
+// The four viewports of the window, in the order of their ids: edit, cmd, list, context.
+std::array<gx_viewport_init_rec_t, 4> set_viewports();
+
+// Draws a sheet whole, or the part between two corners, in a viewport (only while the display
+// is on).
+void kv_display_picture_all(gx_vpid_t vpid, gx_file_index_t file_index);
+void kv_display_picture_area(gx_vpid_t vpid, gx_file_index_t file_index, gx_pointreal_t p1,
+                             gx_pointreal_t p2);
+
+// Draws the viewport again: `update` keeps the zoom, `expose` follows a new window size.
+void kv_update_viewport_edit();
+void kv_expose_viewport_edit();
+void kv_update_viewport_context();
+void kv_expose_viewport_context();
+void kv_update_basept_edit_cmd();
+
+// Hides every property of a sheet or symbol file whose visible switch is off.
+void kv_hide_invisible(gx_file_index_t file_index);

@@ -1,0 +1,14 @@
+// The command text that each key and button runs.
+#pragma once
+
+#include <array>
+
+#include "gx/text/records.h"
+
+struct gx_key_state_t {
+  std::array<gx_string_record_t, 12> action_f, action_fs, action_fc, action_fa;
+  std::array<gx_string_record_t, 12> action_fup, action_fsup, action_fcup, action_faup;
+  std::array<gx_string_record_t, 4> action_a, action_as, action_ac, action_aa;
+  std::array<gx_string_record_t, 6> action_but;
+  std::array<gx_string_record_t, 13> action_ck;
+};

@@ -1,0 +1,94 @@
+// The window, its viewports, and where texts stand in them.
+//
+// X types are named by their incomplete structs, so that this header needs no X header.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+
+#include "gx/db/ids.h"
+#include "gx/text/records.h"
+
+struct _XDisplay;
+struct _XGC;
+
+struct gx_pen_t;          // gx/display/pen.cpp
+struct gx_scaled_font_t;  // gx/display/stroke_text.cpp
+
+using gx_vpid_t = std::int8_t;  // 1..16; 0 = none
+
+inline constexpr int gx_max_viewports = 16;
+
+struct gx_border_info {
+  std::uint8_t pixel_width = 0;
+  std::uint8_t reserved = 0;
+  std::uint8_t border_color = 0;      // colour index 0..7
+  std::uint8_t background_color = 0;  // colour index 0..7
+};
+
+struct gx_viewport_rec_t {
+  bool vp_blocked = false;          // a later viewport overlaps this one
+  gx_file_index_t file_index = 0;   // file shown, 0 = none
+  gx_boundsreal_t bounds_vp;        // place, in 1/100000 of the drawable size
+  gx_bounds16_t pixel_bounds;       // the same in pixels
+  gx_object_id_t object_id = 0;     // root of the picture
+  gx_boundsreal_t bounds_part;      // part of the design shown, design units
+  gx_bounds16_t clip_wind;          // clip rectangle, pixels
+  std::int32_t object_scale = 100;  // design units per pixel, at least 1
+  gx_border_info border;
+};
+
+// A viewport as the application asks for it.
+struct gx_viewport_init_rec_t {
+  gx_boundsreal_t bounds;  // in 1/100000 of the drawable size
+  gx_border_info border;
+};
+
+struct gx_color_t {
+  unsigned long pixel = 0;
+  std::uint16_t red = 0, green = 0, blue = 0;
+};
+
+struct gx_cursor_rec_t {
+  std::uint32_t shape = 0;   // X cursor font
+  unsigned long cursid = 0;  // X cursor
+  std::uint32_t color = 0;   // colour index
+};
+
+struct gx_screen_state_t {
+  _XDisplay* dpy = nullptr;  // null without a display
+  int scrid = 0;
+  unsigned long root = 0, win = 0;
+  _XGC* our_gc = nullptr;
+  unsigned long wm_protocols = 0, wm_delete_window = 0;  // atoms: the user closes the window
+  std::shared_ptr<gx_pen_t> pen;                         // strokes not yet sent
+  std::shared_ptr<const gx_scaled_font_t> strpt;         // glyphs at the size of the screen texts
+  std::array<gx_color_t, 9> colorrec;
+  unsigned long backgrpixel = 0, foregrpixel = 0;
+  gx_point16_t bitmap_size;         // drawable width - 1, height - 1
+  std::int16_t cursor_ind_cur = 0;  // 1..12
+  std::array<gx_cursor_rec_t, 12> cursor_array;
+  std::uint8_t color_obj_selected = 2;
+  gx_pointreal_t obj_pos;  // pointer position, design units
+  gx_point16_t pixel_pos, pixel_ptr1, pixel_ptr2;
+  bool display_rectangle_todo = false;
+  std::int8_t viewport_id_max = 0;
+  gx_vpid_t viewport_current = 0;
+  std::array<gx_viewport_rec_t, gx_max_viewports + 1> viewport;  // entry i is viewport i
+  gx_vpid_t viewport_id_start = 0, viewport_id = 0;
+  gx_vpid_t viewport_edit = 0, viewport_cmd = 0, viewport_list = 0, viewport_context = 0,
+            viewport_activ = 0;
+  std::int32_t dim_pin = 1000;  // half size of a pin's diamond, design units
+  std::int32_t coef_charh = 0, coef_chars = 0;
+  std::int16_t cmd_x0 = 0, cmd_y0 = 0, cmd_xi = 0, cmd_yi = 0, cmd_height = 0, cmd_step = 0,
+               cmd_color = 1;
+  std::int16_t listb_x0 = 0, listb_y0 = 0, listb_xi = 0, listb_yi = 0, list_height = 0,
+               list_step = 0, list_color = 1;
+  std::int16_t viewport_back_color = 0;
+  std::int16_t istart_list = 1, istart_cmd = 1;  // first character shown, 1..140
+  bool display_on = false;
+  bool cmd_executing = false;
+  gx_string_record_t str_cmd;  // the command line being typed
+  std::int32_t lpplot_scale = 1;
+};

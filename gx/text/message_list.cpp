@@ -1,0 +1,110 @@
+#include "gx/text/message_list.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <limits>
+#include <string>
+
+#include "gx/text/debug.h"
+#include "gx/text/session_state.h"
+#include "gx/text/strings.h"
+#include "gx/text/text_files.h"
+#include "platform/files.h"
+
+namespace {
+constexpr std::size_t max_line_length = 199;
+
+gx_list_drawer_t draw_list = nullptr;
+
+void count(std::int16_t& counter) {
+  if (counter < std::numeric_limits<std::int16_t>::max()) ++counter;
+}
+
+gx_string_record_t printable(std::string_view text) {
+  gx_string_record_t line;
+  for (const char c : text.substr(0, max_line_length))
+    line.char_[line.len++] = c >= 32 && c <= 126 ? c : ' ';
+  return line;
+}
+
+// Puts a line at the end of the scroll-back. A line longer than the viewport is wide takes two
+// slots: it goes into the second, the first keeps what it held.
+void keep(std::string_view text) {
+  auto& v = gx_list;
+  const int slots = text.size() > gx_max_text_length ? 2 : 1;
+  const int last = std::min<int>(v.nb_list_line_max, gx_max_list_lines);
+  if (last < slots) return;
+  int end = v.nlinlist_end + slots;
+  if (end > last) {
+    const auto first = v.line_list.begin();
+    std::move(first + slots, first + last, first);
+    end = last;
+  }
+  v.nlinlist_end = static_cast<std::int16_t>(end);
+  v.line_list[static_cast<std::size_t>(end - 1)] = printable(text);
+}
+
+void show_end() {
+  auto& v = gx_list;
+  v.nlinlist_disp =
+      static_cast<std::int16_t>(std::max(v.nlinlist_end - v.nb_line_in_listviewp + 1, 1));
+  if (draw_list != nullptr) draw_list();
+}
+
+void write_to_session(std::string_view text) {
+  if (gx_session.cursessfile == nullptr) return;
+  std::fwrite(text.data(), 1, text.size(), gx_session.cursessfile);
+  std::fputc('\n', gx_session.cursessfile);
+}
+
+// A stream that can be read to its end: a regular file that the listing does not itself make grow.
+bool is_readable_text(std::string_view path) {
+  struct stat file {};
+  struct stat session {};
+  const x_descriptor opened = x_open_regular(std::string(gx_view(gx_resolve_path(path))));
+  if (!opened || ::fstat(opened.get(), &file) != 0) return false;
+  return gx_session.cursessfile == nullptr ||
+         ::fstat(::fileno(gx_session.cursessfile), &session) != 0 ||
+         file.st_dev != session.st_dev || file.st_ino != session.st_ino;
+}
+}  // namespace
+
+void gx_display_list(std::string_view text) {
+  text = text.substr(0, max_line_length);
+  if (text.empty()) return;
+  write_to_session(text);
+  if (!gx_list.transcript_state) return;
+  keep(text);
+  show_end();
+}
+
+void gx_tell_parts(std::span<const std::string_view> parts) {
+  std::string line;
+  for (const std::string_view part : parts) line += part;
+  gx_display_list(line);
+}
+
+bool gx_display_file_invplist(std::string_view path) {
+  const x_file file(is_readable_text(path) ? gx_popen_file(path, 'R', true) : nullptr);
+  if (!file) {
+    gx_debug("!!! display_file  file not found : \"%.*s\"\n", static_cast<int>(path.size()),
+             path.data());
+    return false;
+  }
+  gx_string_record_t line;
+  while (gx_read_one_line(file.get(), line)) {
+    gx_string_record_t shown;
+    gx_concat_all(shown, "# \"", gx_view(line), "\" ");
+    write_to_session(gx_view(shown));
+    if (gx_list.transcript_state) keep(gx_view(shown));
+  }
+  if (gx_list.transcript_state) show_end();  // once: only the last page stays in sight
+  return true;
+}
+
+void gx_count_error() { count(gx_session.num_errors); }
+void gx_count_warning() { count(gx_session.num_warnings); }
+
+void gx_set_list_drawer(gx_list_drawer_t drawer) { draw_list = drawer; }

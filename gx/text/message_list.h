@@ -1,0 +1,53 @@
+// The message list: every line to the user. A line goes to the session file and, while the
+// transcript is on, into 500 lines of scroll-back; the list viewport registers itself to draw them.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+#include "gx/text/records.h"
+
+inline constexpr int gx_max_list_lines = 500;
+inline constexpr int gx_max_text_length = 60;  // characters that a line of a viewport shows
+
+struct gx_list_state_t {
+  bool transcript_state = true;
+  std::int16_t nb_line_in_listviewp = 0;
+  std::int16_t nb_list_line_max = 0;                            // at most gx_max_list_lines
+  std::int16_t nlinlist_end = 0;                                // last line of the list
+  std::int16_t nlinlist_disp = 0;                               // first line shown
+  std::array<gx_string_record_t, gx_max_list_lines> line_list;  // line n at entry n - 1
+};
+
+// The part of gx_vext that this room and those above it may touch.
+extern gx_list_state_t& gx_list;
+
+// Tells one line (at most 199 characters are kept): always written to the session file; kept in
+// the scroll-back and drawn while the transcript is on. An empty text does nothing.
+void gx_display_list(std::string_view text);
+
+// The parts joined, as one line.
+void gx_tell_parts(std::span<const std::string_view> parts);
+template <typename... Part>
+void gx_tell(const Part&... part) {
+  const std::string_view parts[] = {std::string_view(part)...};
+  gx_tell_parts(parts);
+}
+// `label`, then `text` in double quotes, then `tail`.
+inline void gx_tell_quoted(std::string_view label, std::string_view text,
+                           std::string_view tail = {}) {
+  gx_tell(label, "\"", text, "\"", tail);
+}
+
+// Tells a text file line by line; false when it cannot be opened or is the session file itself.
+bool gx_display_file_invplist(std::string_view path);
+
+// The counters of the session stop at their largest value.
+void gx_count_error();
+void gx_count_warning();
+
+// What draws the list after it changed; none at first.
+using gx_list_drawer_t = void (*)();
+void gx_set_list_drawer(gx_list_drawer_t drawer);
