@@ -21,9 +21,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (const auto& shape : file.shapes) gxi_xschem_shape(shape, drawn);
     for (const bool fixed : {false, true}) gxi_xschem_shown(file, fixed, say);
     gxi_netlist_devices(file.spice);
-    for (const auto& component : file.components)
-      for (const auto& [name, value] : gxi_attributes_t(component.attributes).all())
+    for (const auto& component : file.components) {
+      const gxi_attributes_t attributes(component.attributes);
+      for (const auto& [name, value] : attributes.all())
         if (gxi_expand_label(value).empty()) std::abort();
+    }
   } catch (const std::runtime_error& refused) {
     if (std::string_view(refused.what()).rfind("fuzz:", 0) != 0) std::abort();
   }

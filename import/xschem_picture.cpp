@@ -108,7 +108,8 @@ std::vector<gxi_xschem_shown_t> gxi_xschem_shown(const gxi_xschem_file_t& symbol
                                                  const gxi_value_t& value) {
   std::vector<gxi_xschem_shown_t> shown;
   for (const auto& text : symbol.texts) {
-    const auto hide = gxi_attributes_t(text.attributes).get("hide");
+    const gxi_attributes_t attributes(text.attributes);
+    const auto hide = attributes.get("hide");
     if (hide == "true" || hide == "1" || hide == "instance") continue;
     if (text.text.rfind("tcleval(", 0) == 0) continue;
     const bool varies = text.text.find('@') != std::string::npos;
