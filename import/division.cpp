@@ -35,6 +35,7 @@ class divider {
     std::size_t size = 0;
     // Ports and globals stay; the others leave in their order.
     std::vector<std::vector<gxi_instance_t>> chunks;
+    std::vector<bool> counted(sheet.nets.size());
     for (auto& instance : sheet.instances) {
       if (instance.kind != gxi_kind::part) {
         stay.push_back(std::move(instance));
@@ -46,13 +47,17 @@ class divider {
         size = 0;
       }
       size += here + 4;  // and a port for about every net
+      for (const int net : instance.nets) {
+        if (net < 0 || counted[static_cast<std::size_t>(net)]) continue;
+        counted[static_cast<std::size_t>(net)] = true;
+        size += 3 * sheet.nets[static_cast<std::size_t>(net)].segments.size();
+      }
       chunks.back().push_back(std::move(instance));
     }
     std::vector<int> last_chunk(sheet.nets.size(), -1);
     std::vector<bool> shared(sheet.nets.size());
     for (std::size_t i = 0; i < sheet.nets.size(); ++i)
-      shared[i] = !sheet.nets[i].segments.empty() || !sheet.nets[i].port.empty() ||
-                  !sheet.nets[i].global.empty();
+      shared[i] = !sheet.nets[i].port.empty() || !sheet.nets[i].global.empty();
     for (std::size_t c = 0; c < chunks.size(); ++c)
       for (const auto& instance : chunks[c])
         for (const int net : instance.nets) {
@@ -75,7 +80,7 @@ class divider {
     // Nets that went into a part as a whole have nothing left here.
     sheet.instances = std::move(stay);
     for (std::size_t i = 0; i < sheet.nets.size(); ++i)
-      if (!shared[i] && last_chunk[i] >= 0) sheet.nets[i].name.clear();
+      if (!shared[i] && last_chunk[i] >= 0) sheet.nets[i] = {.source = sheet.nets[i].source};
     gxm_complain(design_.warnings, sheet.source,
                  "the sheet of " + name + " would hold more objects than a file can: its " +
                      "instances are in " + std::to_string(parts) + " parts of one more level");
@@ -108,6 +113,8 @@ class divider {
             inner.port = outer.name.empty() ? "NET" + std::to_string(net) : outer.name;
             add_pin(part.symbol, inner.port);
             instance.nets.push_back(net);
+          } else {
+            inner = outer;  // with its wires
           }
           sheet.nets.push_back(std::move(inner));
         }

@@ -139,7 +139,7 @@ class writer {
       return build_it();
     } catch (const gxm_too_many_objects& error) {
       gxm_messages_t message;
-      gxm_complain(message, cell.symbol.source,
+      gxm_complain(message, cell.sheet ? cell.sheet->source : cell.symbol.source,
                    "the " + what + " of " + cell.name + " has " + error.what());
       throw std::runtime_error(message.front());
     }
