@@ -214,7 +214,6 @@ TEST_F(KviTest, RefusesWhatIsNoWholeDesign) {
       [] { kv_sext.props[1].prop_type = 4; },
       [] { kv_sext.props[1].valuec = 5; },
       [] { kv_sext.general_info.nbof_net = -1; },
-      [] { kv_sext.general_info.nbof_pin = kv_max_records + 1; },
       [] { kv_sext.general_info.software_revision = 2; },
   };
   int n = 0;
