@@ -61,7 +61,7 @@ run_floor::~run_floor() = default;
 void run_floor::pass() {
   kv_empty_store();
   for (const kv_string_record_t& record : source_->strings) {
-    kv_sext.strings[kv_sext.strings.append(1, "bench")] = record;
+    kv_sext.strings[kv_sext.strings.append(1)] = record;
     if (record.len > 0) {
       std::memcpy(&kv_sext.chars[record.index], source_->chars.data() + record.index - 1,
                   static_cast<std::size_t>(record.len));

@@ -2,14 +2,17 @@
 // them.
 #include "expand/data_listing.h"
 
+#include <string>
+
+#include "expand/design_records.h"
 #include "expand/listing_text.h"
-#include "expand/store.h"
 
 namespace {
 
 using kv_prop_list_t = kv_list_t<kv_prop_type_record_t>;
 
 struct listing {
+  const kv_design_t& design;
   kv_listing_text_t out;
 
   void header(std::string_view path);
@@ -20,7 +23,7 @@ struct listing {
     out.rule('*', 41);
   }
   void string(std::string_view label, std::int32_t index) {
-    out.quoted(label, kv_string_view(index));
+    out.quoted(label, kv_text(design, index));
   }
   void properties(const kv_prop_list_t& list, int rule, std::string_view label, std::int32_t count,
                   std::int32_t first);
@@ -36,7 +39,7 @@ struct listing {
 };
 
 void listing::header(std::string_view path) {
-  const kv_general_info_record_t& info = kv_sext.general_info;
+  const kv_general_info_record_t& info = design.general_info;
   out.quoted("#    ", path);
   out.text("#\n#  KIVO  data  \"\n#\n");
   out.rule('#', 41);
@@ -45,18 +48,15 @@ void listing::header(std::string_view path) {
   out.integer(" month                :", info.month);
   out.integer(" year                 :", info.year);
   out.real(" software_revision    :", info.software_revision);
-  out.integer(" nbof_prop_instance   :", info.nbof_prop_instance);
-  out.integer(" nbof_prop_pin        :", info.nbof_prop_pin);
-  out.integer(" nbof_prop_net        :", info.nbof_prop_net);
-  out.integer(" nbof_char            :", info.nbof_char);
-  out.integer(" nbof_string          :", info.nbof_string);
-  out.integer(" nbof_prop            :", info.nbof_prop);
-  out.integer(" nbof_instance        :", info.nbof_instance);
-  out.integer(" nbof_pin             :", info.nbof_pin);
-  out.integer(" nbof_net             :", info.nbof_net);
-  out.integer(" nbof_net_child       :", info.nbof_net_child);
-  out.integer(" nbof_macro           :", info.nbof_macro);
-  out.integer(" nbof_pin (for macro) :", info.nbof_pinm);
+  const auto count = [&](std::int32_t kv_general_info_record_t::*member) {
+    const std::string_view name = kv_count_name(member);
+    std::string label(" ");
+    label += member == &kv_general_info_record_t::nbof_pinm ? "nbof_pin (for macro)" : name;
+    label.resize(22, ' ');
+    out.integer(label += ':', info.*member);
+  };
+  for (const auto& part : kv_list_parts) count(part.count);
+  kv_for_each_part([&](const auto& part) { count(part.count); });
   out.real(" time_step            :", info.time_step);
   out.integer(" num_warnings         :", info.num_warnings);
   out.integer(" num_errors           :", info.num_errors);
@@ -67,8 +67,9 @@ void listing::header(std::string_view path) {
 
 void listing::properties(const kv_prop_list_t& list, int rule, std::string_view label,
                          std::int32_t count, std::int32_t first) {
+  const float time_step = design.general_info.time_step;
   for (std::int32_t k = 0; k < count && k < list.count; ++k) {
-    const kv_prop_record_t& prop = kv_ptrto_prop_rec(first + k);
+    const kv_prop_record_t& prop = kv_record(design.props, first + k);
     out.rule('-', rule);
     out.text(" \n");
     out.text(label);
@@ -86,9 +87,9 @@ void listing::properties(const kv_prop_list_t& list, int rule, std::string_view 
         out.integer(" prop_int  3 : ", prop.valuei[2]);
         break;
       case kv_prop_time:
-        out.real(" prop_time  1 : ", static_cast<float>(prop.valuet[0]) * kv_sext.time_step);
-        out.real(" prop_time  2 : ", static_cast<float>(prop.valuet[1]) * kv_sext.time_step);
-        out.real(" prop_time  3 : ", static_cast<float>(prop.valuet[2]) * kv_sext.time_step);
+        out.real(" prop_time  1 : ", static_cast<float>(prop.valuet[0]) * time_step);
+        out.real(" prop_time  2 : ", static_cast<float>(prop.valuet[1]) * time_step);
+        out.real(" prop_time  3 : ", static_cast<float>(prop.valuet[2]) * time_step);
         break;
       case kv_prop_real:
         out.real(" prop_real 1 : ", prop.valuer[0]);
@@ -100,13 +101,13 @@ void listing::properties(const kv_prop_list_t& list, int rule, std::string_view 
 }
 
 void listing::instance(std::int32_t index) {
-  const kv_inst_record_t& inst = kv_ptrto_inst_rec(index);
+  const kv_inst_record_t& inst = kv_record(design.insts, index);
   title(" Instance : ", index);
   out.integer(" object_id  : ", inst.object_id);
   string(" sim_path   : ", inst.sim_path);
   string(" file_path   : ", inst.file_path);
   out.integer(" nb_of_prop  : ", inst.nb_of_property);
-  properties(kv_sext.property_instance, 46, " Prop instance : name : ", inst.nb_of_property,
+  properties(design.kept.property_instance, 46, " Prop instance : name : ", inst.nb_of_property,
              inst.first_prop);
   out.rule('@', 30);
   out.integer(" nb_of_pin  : ", inst.nb_of_pin);
@@ -114,7 +115,7 @@ void listing::instance(std::int32_t index) {
 }
 
 void listing::instance_pin(std::int32_t index) {
-  const kv_pin_record_t& pin = kv_ptrto_pin_rec(index);
+  const kv_pin_record_t& pin = kv_record(design.pins, index);
   out.rule('@', 30);
   out.integer(" Pin  : ", index);
   out.integer(" object_id  : ", pin.object_id);
@@ -123,11 +124,12 @@ void listing::instance_pin(std::int32_t index) {
   out.integer(" instance_ind  : ", pin.instance_ind);
   out.integer(" net_ind       : ", pin.net_ind);
   out.integer(" nb_of_prop  : ", pin.nb_of_property);
-  properties(kv_sext.property_pin, 46, " Prop PIN : name : ", pin.nb_of_property, pin.first_prop);
+  properties(design.kept.property_pin, 46, " Prop PIN : name : ", pin.nb_of_property,
+             pin.first_prop);
 }
 
 void listing::net(std::int32_t index) {
-  const kv_net_record_t& net = kv_ptrto_net_rec(index);
+  const kv_net_record_t& net = kv_record(design.nets, index);
   const bool is_bus = net.net_type == kv_net_bus;
   title(" NET : ", index);
   out.integer(" self          : ", net.self);
@@ -148,7 +150,8 @@ void listing::net(std::int32_t index) {
     out.integer(" next_sub_net  : ", net.next_sub_net);
   }
   out.integer(" nb_of_prop    : ", net.nb_of_property);
-  properties(kv_sext.property_net, 29, " Prop NET : name : ", net.nb_of_property, net.first_prop);
+  properties(design.kept.property_net, 29, " Prop NET : name : ", net.nb_of_property,
+             net.first_prop);
   net_children(index);
   net_pins(" nb_pin_in  : ", "  PIN_IN : ", 26, index, net.nb_pin_in, net.first_pin_in_ind,
            &kv_pin_record_t::next_pin_in_ind);
@@ -162,12 +165,12 @@ void listing::net(std::int32_t index) {
 }
 
 void listing::net_children(std::int32_t index) {
-  const kv_net_record_t& net = kv_ptrto_net_rec(index);
+  const kv_net_record_t& net = kv_record(design.nets, index);
   out.rule('@', 30);
   out.integer(" nb_of_child  : ", net.nb_of_child);
   std::int32_t child_index = net.first_child;
   for (std::int32_t c = 1; c <= net.nb_of_child; ++c) {
-    const kv_net_child_record_t& child = kv_ptrto_net_child_rec(child_index);
+    const kv_net_child_record_t& child = kv_record(design.net_childs, child_index);
     out.rule('@', 30);
     out.integers("  NET_CHILD : ", index, c);
     out.integer(" object_id  : ", child.object_id);
@@ -185,8 +188,8 @@ void listing::net_pins(std::string_view count_label, std::string_view pin_label,
   out.rule('@', rule);
   out.integer(count_label, count);
   std::int32_t pin_index = first;
-  for (std::int32_t p = 1; p <= count; ++p) {
-    const kv_pin_record_t& pin = kv_ptrto_pin_rec(pin_index);
+  for (std::int32_t p = 1; pin_index != 0; ++p) {  // the chain may be longer than its counter
+    const kv_pin_record_t& pin = kv_record(design.pins, pin_index);
     out.rule('@', rule);
     out.integers(pin_label, net_index, p);
     out.integer(" object_id  : ", pin.object_id);
@@ -196,13 +199,13 @@ void listing::net_pins(std::string_view count_label, std::string_view pin_label,
 }
 
 void listing::macro(std::int32_t index) {
-  const kv_macro_record_t& macro = kv_ptrto_macro_rec(index);
+  const kv_macro_record_t& macro = kv_record(design.macros, index);
   title(" MACRO : ", index);
   out.integer(" object_id  : ", macro.object_id);
   string(" sim_path   : ", macro.sim_path);
   string(" file_path   : ", macro.file_path);
   out.integer(" nb_of_prop  : ", macro.nb_of_property);
-  properties(kv_sext.property_instance, 46, " Prop MACRO : name : ", macro.nb_of_property,
+  properties(design.kept.property_instance, 46, " Prop MACRO : name : ", macro.nb_of_property,
              macro.first_prop);
   out.rule('#', 31);
   out.integer(" nb_of_pin  : ", macro.nb_of_pin);
@@ -210,7 +213,7 @@ void listing::macro(std::int32_t index) {
 }
 
 void listing::macro_pin(std::int32_t index) {
-  const kv_pinm_record_t& pin = kv_ptrto_pinm_rec(index);
+  const kv_pinm_record_t& pin = kv_record(design.pinms, index);
   out.rule('#', 31);
   out.integer(" Pin  : ", index);
   out.integer(" object_id  : ", pin.object_id);
@@ -218,22 +221,23 @@ void listing::macro_pin(std::int32_t index) {
   out.integer(" macro_ind  : ", pin.macro_ind);
   out.integer(" net_ind       : ", pin.net_ind);
   out.integer(" nb_of_prop  : ", pin.nb_of_property);
-  properties(kv_sext.property_pin, 46, " Prop PIN : name : ", pin.nb_of_property, pin.first_prop);
+  properties(design.kept.property_pin, 46, " Prop PIN : name : ", pin.nb_of_property,
+             pin.first_prop);
 }
 
 }  // namespace
 
-bool kv_write_listing_head(std::FILE* file, std::string_view path) {
-  listing list{kv_listing_text_t(file)};
+bool kv_write_listing_head(const kv_design_t& design, std::FILE* file, std::string_view path) {
+  listing list{design, kv_listing_text_t(file)};
   list.header(path);
   return list.out.finish();
 }
 
-bool kv_write_listing_body(std::FILE* file) {
-  listing list{kv_listing_text_t(file)};
-  for (std::int32_t i = 1; i <= kv_sext.insts.count; ++i) list.instance(i);
-  for (std::int32_t i = 1; i <= kv_sext.nets.count; ++i) list.net(i);
-  for (std::int32_t i = 1; i <= kv_sext.macros.count; ++i) list.macro(i);
+bool kv_write_listing_body(const kv_design_t& design, std::FILE* file) {
+  listing list{design, kv_listing_text_t(file)};
+  for (std::int32_t i = 1; i <= design.insts.count; ++i) list.instance(i);
+  for (std::int32_t i = 1; i <= design.nets.count; ++i) list.net(i);
+  for (std::int32_t i = 1; i <= design.macros.count; ++i) list.macro(i);
   list.out.text("# KIVO generate DATA : END : OK  \n");
   return list.out.finish();
 }

@@ -1,24 +1,22 @@
-// Writes the design file: the store's image, and beside it the data listing.
-//
-// The file is rewritten in place. Its header is zeroed first and written last, so that a file
-// whose writing failed on the way is never taken for a whole one.
+// The file is rewritten in place. Its header is zeroed first and written last, so that a file whose
+// writing failed on the way is never taken for a whole one.
+#include "expand/design_file.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <memory>
 #include <span>
-#include <string>
+#include <thread>
 #include <type_traits>
 
-#include "expand/data_listing.h"
-#include "expand/debug.h"
 #include "expand/design_records.h"
-#include "expand/output.h"
-#include "expand/store.h"
-#include "gx/text/message_list.h"
-#include "gx/text/text_files.h"
+#include "expand/output_file.h"
 
 namespace {
 
@@ -86,59 +84,70 @@ void write_array(image_writer& out, const kv_blocked_t<Record>& array) {
   }
 }
 
-bool write_parts(image_writer& out) {
+bool write_parts(image_writer& out, const kv_design_t& design) {
   for (const kv_list_part_t& part : kv_list_parts) {
-    const auto& list = kv_sext.*part.list;
+    const auto& list = design.kept.*part.list;
     write_records(out, std::span(list.begin(), list.end()));
   }
-  kv_for_each_part([&](const auto& part) { write_array(out, kv_sext.*part.array); });
+  kv_for_each_part([&](const auto& part) { write_array(out, design.*part.array); });
   return out.flush();
 }
 
 // Makes the file begin with the header, which makes it valid, and end at `length`. Readers go by
 // the counts, so bytes of an older image behind the new one would not mislead them.
-bool finish_image(int fd, off_t length) {
+bool finish_image(const kv_design_t& design, int fd, off_t length) {
   std::array<std::uint8_t, header_size> header;
-  kv_encode_record(kv_sext.general_info, header.data());
+  kv_encode_record(design.general_info, header.data());
   if (!write_at(fd, header, 0)) return false;
   return ::ftruncate(fd, length) == 0;
 }
 
-std::FILE* open_listing(const std::string& path) {
-  kv_debug(" KV_GEN_DATA : file_path : \"%s\"\n", path.c_str());
-  std::FILE* file = gx_popen_file(path, 'W', false);
-  if (!file) {
-    kv_debug("!! ERROR :KV_GEN_DATA  : file_path not open : \"%s\"\n", path.c_str());
-    gx_display_list("# RUN ");
-    gx_display_list("# !! Error : Impossible to Open the file : ");
-    gx_display_list("# \"" + path + "\"");
-  }
-  return file;
+// The first byte of a design file is locked for reading by each session that holds it.
+struct flock first_byte(short type) {
+  struct flock range {};
+  range.l_type = type;
+  range.l_whence = SEEK_SET;
+  range.l_len = 1;
+  return range;
 }
-
-struct close_file {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
 
 }  // namespace
 
-bool kv_write_output(bool gen_data, std::string_view listing_dir) {
-  const int fd = kv_sext.designfile;
-  if (!write_at(fd, std::array<std::uint8_t, header_size>{}, 0)) return false;
+int kv_open_design_file(const std::string& path, std::string& why) {
+  const int fd = kv_open_output(path, O_RDWR, why);
+  if (fd < 0) return -1;
+  struct flock range = first_byte(F_RDLCK);
+  ::fcntl(fd, F_SETLK, &range);  // a file system without locks does without
+  return fd;
+}
 
-  std::unique_ptr<std::FILE, close_file> listing;
-  bool listing_ok = true;
-  if (gen_data) {
-    const std::string path = std::string(listing_dir) + "/kivo_data";
-    listing.reset(open_listing(path));
-    if (!listing) {
-      finish_image(fd, header_size);
-      return false;
+int kv_other_session(int fd) {
+  struct flock range = first_byte(F_WRLCK);
+  return ::fcntl(fd, F_GETLK, &range) == 0 && range.l_type != F_UNLCK ? range.l_pid : 0;
+}
+
+kv_design_lock::kv_design_lock(int fd) : fd_(fd), held_(true) {
+  constexpr std::chrono::milliseconds between_tries{10};
+  for (int tries = 100; ::flock(fd, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;) {
+    if (--tries == 0) {
+      held_ = false;
+      return;
     }
-    listing_ok = kv_write_listing_head(listing.get(), path);
+    std::this_thread::sleep_for(between_tries);
   }
+}
+kv_design_lock::~kv_design_lock() {
+  if (held_) ::flock(fd_, LOCK_UN);
+}
+
+bool kv_write_image(const kv_design_t& design, int fd) {
+  if (!write_at(fd, std::array<std::uint8_t, header_size>{}, 0)) return false;
   image_writer image(fd);
-  if (!write_parts(image) || !finish_image(fd, image.length())) return false;
-  if (listing && listing_ok) listing_ok = kv_write_listing_body(listing.get());
-  return listing_ok;
+  if (!write_parts(image, design)) return false;
+  if (::fdatasync(fd) != 0 && errno != EINVAL) return false;  // EINVAL: nothing that is on a disk
+  return finish_image(design, fd, image.length());
+}
+
+bool kv_write_image_header(const kv_design_t& design, int fd) {
+  return finish_image(design, fd, header_size);
 }

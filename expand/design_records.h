@@ -17,7 +17,7 @@
 #include <tuple>
 #include <type_traits>
 
-#include "expand/store.h"
+#include "expand/design.h"
 
 // A field of `Record`. `target` is set for an index: the array in which 1..count is valid.
 template <typename Record, typename Member>
@@ -39,15 +39,17 @@ constexpr kv_field_t<Record, std::int32_t> kv_index(std::size_t offset, std::str
   return {offset, name, member, target};
 }
 
-// Fields that are in the record only when `holds` says so.
+// Fields that are in the record only when `holds` says so; `when` says it in words.
 template <typename Record, typename Fields>
 struct kv_variant_t {
+  std::string_view when;
   bool (*holds)(const Record& record);
   Fields fields;
 };
 template <typename Record, typename... Member>
-constexpr auto kv_variant(bool (*holds)(const Record&), kv_field_t<Record, Member>... fields) {
-  return kv_variant_t<Record, std::tuple<kv_field_t<Record, Member>...>>{holds,
+constexpr auto kv_variant(std::string_view when, bool (*holds)(const Record&),
+                          kv_field_t<Record, Member>... fields) {
+  return kv_variant_t<Record, std::tuple<kv_field_t<Record, Member>...>>{when, holds,
                                                                          std::tuple{fields...}};
 }
 
@@ -130,10 +132,11 @@ struct kv_layout<kv_prop_record_t> {
   }
   static constexpr std::tuple fields{kv_field(0, "prop_type", &record::prop_type)};
   static constexpr std::tuple variants{
-      kv_variant(is<kv_prop_string>, kv_index(4, "valuec", &record::valuec, kv_array::strings)),
-      kv_variant(is<kv_prop_int>, kv_field(4, "valuei", &record::valuei)),
-      kv_variant(is<kv_prop_time>, kv_field(4, "valuet", &record::valuet)),
-      kv_variant(is<kv_prop_real>, kv_field(4, "valuer", &record::valuer))};
+      kv_variant("prop_type 0", is<kv_prop_string>,
+                 kv_index(4, "valuec", &record::valuec, kv_array::strings)),
+      kv_variant("prop_type 1", is<kv_prop_int>, kv_field(4, "valuei", &record::valuei)),
+      kv_variant("prop_type 2", is<kv_prop_time>, kv_field(4, "valuet", &record::valuet)),
+      kv_variant("prop_type 3", is<kv_prop_real>, kv_field(4, "valuer", &record::valuer))};
 };
 
 template <>
@@ -211,11 +214,11 @@ struct kv_layout<kv_net_record_t> {
       kv_index(144, "father_net", &record::father_net, kv_array::nets),
       kv_index(152, "next_sub_net", &record::next_sub_net, kv_array::nets)};
   static constexpr std::tuple variants{
-      kv_variant(is_no_bus, kv_field(64, "state_init", &record::state_init),
+      kv_variant("net_type 1, 2", is_no_bus, kv_field(64, "state_init", &record::state_init),
                  kv_field(68, "cur_state", &record::cur_state),
                  kv_field(80, "old_state", &record::old_state), kv_field(92, "rise", &record::rise),
                  kv_field(104, "fall", &record::fall)),
-      kv_variant(is_bus, kv_field(64, "net_bus_start", &record::net_bus_start),
+      kv_variant("net_type 3", is_bus, kv_field(64, "net_bus_start", &record::net_bus_start),
                  kv_field(66, "net_bus_end", &record::net_bus_end),
                  kv_index(68, "netind_start", &record::netind_start, kv_array::nets))};
 };
@@ -276,41 +279,40 @@ struct kv_layout<kv_pinm_record_t> {
 // A property list: where it is in the store and which counter tells its length.
 struct kv_list_part_t {
   std::string_view name;
-  kv_list_t<kv_prop_type_record_t> kv_defref_exp_rec_t::*list;
+  kv_list_t<kv_prop_type_record_t> kv_kept_lists_t::*list;
   std::int32_t kv_general_info_record_t::*count;
 };
 inline constexpr kv_list_part_t kv_list_parts[] = {
-    {"property_instance", &kv_defref_exp_rec_t::property_instance,
+    {"property_instance", &kv_kept_lists_t::property_instance,
      &kv_general_info_record_t::nbof_prop_instance},
-    {"property_pin", &kv_defref_exp_rec_t::property_pin, &kv_general_info_record_t::nbof_prop_pin},
-    {"property_net", &kv_defref_exp_rec_t::property_net, &kv_general_info_record_t::nbof_prop_net}};
+    {"property_pin", &kv_kept_lists_t::property_pin, &kv_general_info_record_t::nbof_prop_pin},
+    {"property_net", &kv_kept_lists_t::property_net, &kv_general_info_record_t::nbof_prop_net}};
 
 // An array of the store, likewise. Parts stand in the order of kv_array.
 template <typename Record>
 struct kv_array_part_t {
   using record = Record;
   std::string_view name;
-  kv_blocked_t<Record> kv_defref_exp_rec_t::*array;
+  kv_blocked_t<Record> kv_design_t::*array;
   std::int32_t kv_general_info_record_t::*count;
 };
 inline constexpr std::tuple kv_array_parts{
-    kv_array_part_t<char>{"char", &kv_defref_exp_rec_t::chars,
-                          &kv_general_info_record_t::nbof_char},
-    kv_array_part_t<kv_string_record_t>{"string", &kv_defref_exp_rec_t::strings,
+    kv_array_part_t<char>{"char", &kv_design_t::chars, &kv_general_info_record_t::nbof_char},
+    kv_array_part_t<kv_string_record_t>{"string", &kv_design_t::strings,
                                         &kv_general_info_record_t::nbof_string},
-    kv_array_part_t<kv_prop_record_t>{"prop", &kv_defref_exp_rec_t::props,
+    kv_array_part_t<kv_prop_record_t>{"prop", &kv_design_t::props,
                                       &kv_general_info_record_t::nbof_prop},
-    kv_array_part_t<kv_inst_record_t>{"instance", &kv_defref_exp_rec_t::insts,
+    kv_array_part_t<kv_inst_record_t>{"instance", &kv_design_t::insts,
                                       &kv_general_info_record_t::nbof_instance},
-    kv_array_part_t<kv_pin_record_t>{"pin", &kv_defref_exp_rec_t::pins,
+    kv_array_part_t<kv_pin_record_t>{"pin", &kv_design_t::pins,
                                      &kv_general_info_record_t::nbof_pin},
-    kv_array_part_t<kv_net_record_t>{"net", &kv_defref_exp_rec_t::nets,
+    kv_array_part_t<kv_net_record_t>{"net", &kv_design_t::nets,
                                      &kv_general_info_record_t::nbof_net},
-    kv_array_part_t<kv_net_child_record_t>{"net_child", &kv_defref_exp_rec_t::net_childs,
+    kv_array_part_t<kv_net_child_record_t>{"net_child", &kv_design_t::net_childs,
                                            &kv_general_info_record_t::nbof_net_child},
-    kv_array_part_t<kv_macro_record_t>{"macro", &kv_defref_exp_rec_t::macros,
+    kv_array_part_t<kv_macro_record_t>{"macro", &kv_design_t::macros,
                                        &kv_general_info_record_t::nbof_macro},
-    kv_array_part_t<kv_pinm_record_t>{"pinm", &kv_defref_exp_rec_t::pinms,
+    kv_array_part_t<kv_pinm_record_t>{"pinm", &kv_design_t::pinms,
                                       &kv_general_info_record_t::nbof_pinm}};
 
 // Calls visit(part) for every array part in file order.
@@ -328,6 +330,27 @@ constexpr kv_array kv_part_of() {
     ++at;
   });
   return static_cast<kv_array>(found);
+}
+
+// Calls visit(name, member) for each of the counts of a summary, in the order of its record.
+template <typename Visit>
+constexpr void kv_for_each_count(Visit visit) {
+  const auto one = [&](const auto& field) {
+    if (field.name.starts_with("nbof_")) {
+      if constexpr (std::is_same_v<decltype(field.member),
+                                   std::int32_t kv_general_info_record_t::*>)
+        visit(field.name, field.member);
+    }
+  };
+  std::apply([&](const auto&... field) { (one(field), ...); },
+             kv_layout<kv_general_info_record_t>::fields);
+}
+constexpr std::string_view kv_count_name(std::int32_t kv_general_info_record_t::*count) {
+  std::string_view found;
+  kv_for_each_count([&](std::string_view name, auto member) {
+    if (member == count) found = name;
+  });
+  return found;
 }
 
 // Calls visit(field) for every field that `record` has.

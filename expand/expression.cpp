@@ -8,7 +8,6 @@
 #include <span>
 
 #include "expand/debug.h"
-#include "expand/store.h"
 #include "expand/values.h"
 #include "gx/text/numbers.h"
 #include "gx/text/strings.h"
@@ -44,7 +43,7 @@ kv_values_t<float> found(float value1, float value2, float value3) {
 
 // A name is a parameter or else a kept property of the enclosing macro.
 kv_values_t<float> find_name(std::string_view name, const kv_scope_t& scope) {
-  const auto parameter = kv_find_parameter_value(name);
+  const auto parameter = kv_find_parameter_value(name, scope.setup);
   return parameter.error_found ? kv_find_property_inst_value(name, scope) : parameter;
 }
 
@@ -196,8 +195,8 @@ kv_values_t<float> kv_conv_complex_expr(std::string_view text, const kv_scope_t&
   return found((*result)[0], (*result)[1], (*result)[2]);
 }
 
-kv_values_t<float> kv_find_parameter_value(std::string_view name) {
-  for (const kv_param_in_record_t& parameter : kv_sext.parameter) {
+kv_values_t<float> kv_find_parameter_value(std::string_view name, const kv_setup_t& setup) {
+  for (const kv_param_in_record_t& parameter : setup.parameter) {
     if (gx_iden(name, gx_view(parameter.name))) {
       return found(parameter.nvalue[0], parameter.nvalue[1], parameter.nvalue[2]);
     }
@@ -206,26 +205,26 @@ kv_values_t<float> kv_find_parameter_value(std::string_view name) {
 }
 
 kv_values_t<float> kv_find_property_inst_value(std::string_view name, const kv_scope_t& scope) {
-  const auto& list = kv_sext.property_instance;
+  const auto& list = scope.setup.property_instance;
   const auto entry = std::find_if(list.begin(), list.end(), [name](const auto& prop) {
     return gx_iden(name, gx_view(prop.name));
   });
   if (entry == list.end() || scope.expand_level < 2) return failed();
-  if (!kv_sext.macros.holds(scope.macro_level)) {
+  if (!scope.design.macros.holds(scope.macro_level)) {
     kv_debug(" KV_FIND_PROPERTY_INST_VALUE : macro_level  : %d   : max_macro_cur  : %d\n",
-             scope.macro_level, kv_sext.macros.count);
+             scope.macro_level, scope.design.macros.count);
     kv_error_stop();
   }
-  const kv_macro_record_t& macro = kv_sext.macros[scope.macro_level];
+  const kv_macro_record_t& macro = scope.design.macros[scope.macro_level];
   const auto k = static_cast<std::int32_t>(entry - list.begin());
-  const kv_prop_record_t& prop = kv_ptrto_prop_rec(macro.first_prop + k);
+  const kv_prop_record_t& prop = kv_record(scope.design.props, macro.first_prop + k);
   switch (prop.prop_type) {
     case kv_prop_int:
       return found(gx_float(prop.valuei[0]), gx_float(prop.valuei[1]), gx_float(prop.valuei[2]));
     case kv_prop_time:
-      return found(gx_float(prop.valuet[0]) * kv_sext.time_step,
-                   gx_float(prop.valuet[1]) * kv_sext.time_step,
-                   gx_float(prop.valuet[2]) * kv_sext.time_step);
+      return found(gx_float(prop.valuet[0]) * scope.setup.time_step,
+                   gx_float(prop.valuet[1]) * scope.setup.time_step,
+                   gx_float(prop.valuet[2]) * scope.setup.time_step);
     case kv_prop_real:
       return found(prop.valuer[0], prop.valuer[1], prop.valuer[2]);
     default:

@@ -1,8 +1,10 @@
 // One visit of a sheet.
 #include "expand/flatten.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <string>
+#include <vector>
 
 #include "expand/debug.h"
 #include "expand/save_records.h"
@@ -53,7 +55,7 @@ struct visit_t {
 };
 
 bool must_stop(const kv_flatten_t& run) {
-  return run.end || gx_session.num_errors - run.errors_before > most_errors;
+  return run.end || gx_session.errors_in_all - run.errors_before > most_errors;
 }
 
 void tell_report(const kv_report_t& report) {
@@ -78,39 +80,40 @@ void tell_bad_init(std::string_view where, std::string_view name_label, std::str
 }
 
 // Sets the state of the flat net of a group: of every member that a bus of the sheet stands for.
-void set_state(const kv_flat_t& flat, const kv_init_t& init) {
+void set_state(kv_design_t& design, const kv_flat_t& flat, const kv_init_t& init) {
   if (flat.net == 0) return;
-  const auto& net = kv_sext.nets[flat.net];
+  const auto& net = design.nets[flat.net];
   if (net.net_type != kv_net_bus) {
-    kv_set_initial_state(flat.net, init);
+    kv_set_initial_state(design, flat.net, init);
     return;
   }
   const std::int32_t first = net.netind_start + flat.position;
-  for (std::int32_t i = 0; i < flat.width; ++i) kv_set_initial_state(first + i, init);
+  for (std::int32_t i = 0; i < flat.width; ++i) kv_set_initial_state(design, first + i, init);
 }
 
 // --- ports
 
 // The flat net that a pin of the sheet above brings to a group of this sheet; false when their
 // ranges do not match.
-bool bring_down(const kv_sheet_pin_t& pin, const kv_flat_t& above, const kv_sheet_group_t& group,
-                kv_flat_t& flat) {
-  const bool above_is_bus = kv_sext.nets[above.net].net_type == kv_net_bus;
+bool bring_down(const kv_design_t& design, const kv_sheet_pin_t& pin, const kv_flat_t& above,
+                const kv_sheet_port_t& port, const kv_sheet_group_t& group, kv_flat_t& flat) {
+  const bool above_is_bus = design.nets[above.net].net_type == kv_net_bus;
   const std::int32_t width = group.width > 0 ? group.width : 1;
   if (pin.range_error || pin.width != width || (group.width > 0 && !above_is_bus)) return false;
+  if (port.is_range && group.width <= 0) return false;
   flat.net = above.net;
   flat.by_port = true;
   if (above_is_bus && group.width > 0) {
     flat.position = above.position + pin.position;
     flat.width = group.width;
   } else if (above_is_bus) {
-    flat.net = kv_sext.nets[above.net].netind_start + above.position + pin.position;
+    flat.net = design.nets[above.net].netind_start + above.position + pin.position;
   }
   return true;
 }
 
 void tell_port(const visit_t& visit, const kv_sheet_port_t& port, std::string_view what) {
-  gx_tell("# !! Pin of INStance : \"", visit.run.path.view(), "/", visit.sheet.view(port.name),
+  gx_tell("# !! Pin of INStance : \"", visit.run.path.view(), "/", visit.sheet.view(port.bare_name),
           "\"", "    : ", what);
   gx_count_error();
 }
@@ -131,7 +134,8 @@ void process_ports(const visit_t& visit) {
     const auto& flat_above =
         visit.run.flats[visit.entry.flats + static_cast<std::size_t>(pin.group)];
     if (flat_above.net == 0) continue;
-    if (!bring_down(pin, flat_above, visit.group(port.group), visit.flat(port.group))) {
+    if (!bring_down(visit.run.design, pin, flat_above, port, visit.group(port.group),
+                    visit.flat(port.group))) {
       tell_port(visit, port, "  not compatible at level -1 ? ");
     }
   }
@@ -142,7 +146,7 @@ void process_ports(const visit_t& visit) {
 void save_flat_net(const visit_t& visit, std::int32_t group_ind) {
   const auto& group = visit.group(group_ind);
   const auto& master = visit.sheet.nets[static_cast<std::size_t>(group.master)];
-  const std::string_view name = visit.name(master.suffix);
+  const std::string_view name = visit.sheet.view(master.name);
   const kv_path_step step(visit.run, visit.sheet.view(master.suffix));
   if (visit.run.end) return;
   kv_flat_t& flat = visit.flat(group_ind);
@@ -159,6 +163,8 @@ void save_flat_net(const visit_t& visit, std::int32_t group_ind) {
   gx_count_error();
 }
 
+using named_members_t = std::vector<std::int32_t>;  // of buses, by the globals of a visit
+
 // The flat net of a global, saved where the run meets the global first.
 std::int32_t save_global_net(const visit_t& visit, const kv_sheet_global_t& global) {
   kv_flatten_t& run = visit.run;
@@ -174,19 +180,46 @@ std::int32_t save_global_net(const visit_t& visit, const kv_sheet_global_t& glob
     net = kv_save_net(run, visit.sheet, master, name);
   }
   run.path = here;
-  kv_sext.nets[net].net_kind = kv_kind_global;
+  run.design.nets[net].net_kind = kv_kind_global;
   return net;
 }
 
-// A global that has no flat net yet takes one that another sheet saved.
-void make_global(std::int32_t net, std::int32_t& global_net) {
-  global_net = net;
-  kv_sext.nets[net].net_kind = kv_kind_global;
+// A plain flat net that a global takes is stored under the global's name; its path stays.
+void make_global(kv_design_t& design, std::int32_t net, std::string_view name,
+                 std::int32_t& global_net) {
+  auto& record = design.nets[net];
+  record.net_kind = kv_kind_global;
+  record.name = kv_save_string(design, name);
+  if (global_net == 0) global_net = net;
 }
 
-// A global on a member of a bus names that member; the member's net, 0 when there is none.
+// Whether a flat net is that of a global of another name; told when it is. `by_sheet`: what named
+// it stands on this sheet, not on one above or beside it.
+bool is_of_other_global(const visit_t& visit, const kv_net_record_t& net, std::string_view name,
+                        bool by_sheet) {
+  const std::string_view other = kv_text(visit.run.design, net.name);
+  if (net.net_kind != kv_kind_global || gx_iden(other, name)) return false;
+  tell_different_globals(by_sheet ? "# !! 1rst Global name:" : "# !!   Top Global name:", other,
+                         by_sheet ? "# !! 2nd  Global name:" : "# !! child Global name:", name);
+  return true;
+}
+
+// A global on a member of a bus names that member, whatever other nets bear its name; the member,
+// 0 when it is another global's.
+std::int32_t name_member(const visit_t& visit, std::int32_t member, std::string_view name,
+                         named_members_t& named) {
+  auto& net = visit.run.design.nets[member];
+  const bool by_sheet = std::find(named.begin(), named.end(), member) != named.end();
+  if (is_of_other_global(visit, net, name, by_sheet)) return 0;
+  if (net.net_kind != kv_kind_global) {
+    kv_name_sub_net(visit.run.design, member, name);
+    named.push_back(member);
+  }
+  return member;
+}
+
 std::int32_t process_global_on_bus(const visit_t& visit, const kv_sheet_global_t& global,
-                                   std::int32_t& global_net) {
+                                   named_members_t& named) {
   if (visit.flat(global.group).net == 0) save_flat_net(visit, global.group);
   const kv_flat_t flat = visit.flat(global.group);
   if (flat.net == 0) return 0;
@@ -196,36 +229,31 @@ std::int32_t process_global_on_bus(const visit_t& visit, const kv_sheet_global_t
     gx_count_error();
     return 0;
   }
-  const std::int32_t member = kv_sext.nets[flat.net].netind_start + flat.position + global.position;
-  const auto& net = kv_sext.nets[member];
-  const bool is_other = global_net != 0 && global_net != member;
-  const bool has_other = net.net_kind == kv_kind_global && global_net != member;
-  if (is_other || has_other) {
-    tell_different_globals("# !! 1rst Global name:", kv_string_view(net.name),
-                           "# !! 2nd  Global name:", name);
-    return 0;
-  }
-  global_net = member;
-  kv_name_sub_net(flat.net, member, name);
-  return member;
+  const std::int32_t first = visit.run.design.nets[flat.net].netind_start;
+  return name_member(visit, first + flat.position + global.position, name, named);
 }
 
 std::int32_t process_global_on_net(const visit_t& visit, const kv_sheet_global_t& global,
-                                   std::int32_t& global_net) {
+                                   std::int32_t& global_net, named_members_t& named) {
+  const std::string_view name = visit.sheet.view(global.name);
   kv_flat_t& flat = visit.flat(global.group);
   if (flat.net == 0) {
     if (global_net == 0) global_net = save_global_net(visit, global);
     flat.net = global_net;
-  } else if (global_net == 0 && kv_sext.nets[flat.net].net_kind != kv_kind_global) {
-    make_global(flat.net, global_net);
-  } else if (global_net != flat.net) {
-    tell_different_globals("# !!   Top Global name:", kv_string_view(kv_sext.nets[flat.net].name),
-                           "# !! child Global name:", visit.sheet.view(global.name));
+    return flat.net;
+  }
+  const auto& net = visit.run.design.nets[flat.net];
+  if (net.bus != 0) return name_member(visit, flat.net, name, named);
+  if (net.net_kind != kv_kind_global) {
+    make_global(visit.run.design, flat.net, name, global_net);
+  } else {
+    is_of_other_global(visit, net, name, false);
   }
   return flat.net;
 }
 
 void process_globals(const visit_t& visit) {
+  named_members_t named;
   for (const auto& global : visit.sheet.globals) {
     if (global.report >= 0) {
       tell_report(visit.sheet.global_reports[static_cast<std::size_t>(global.report)]);
@@ -233,9 +261,10 @@ void process_globals(const visit_t& visit) {
     if (!global.usable || visit.run.end) continue;
     const bool on_bus = visit.group(global.group).width > 0;
     auto& global_net = visit.run.cache.globals[static_cast<std::size_t>(global.run_global)].net_ind;
-    const std::int32_t net = on_bus ? process_global_on_bus(visit, global, global_net)
-                                    : process_global_on_net(visit, global, global_net);
-    if (net != 0 && global.init.what == kv_init_t::valid) kv_set_initial_state(net, global.init);
+    const std::int32_t net = on_bus ? process_global_on_bus(visit, global, named)
+                                    : process_global_on_net(visit, global, global_net, named);
+    if (net != 0 && global.init.what == kv_init_t::valid)
+      kv_set_initial_state(visit.run.design, net, global.init);
     if (global.init.what == kv_init_t::invalid) {
       tell_bad_init("# !! INIT property on PIN of GLOBAL Invalid ",
                     "# !! Global name  : ", visit.sheet.view(global.name),
@@ -246,7 +275,7 @@ void process_globals(const visit_t& visit) {
 
 void process_init(const visit_t& visit, const kv_sheet_net_t& net) {
   if (net.init.what == kv_init_t::valid) {
-    set_state(visit.flat(net.group), net.init);
+    set_state(visit.run.design, visit.flat(net.group), net.init);
     return;
   }
   const std::string_view value = visit.sheet.view(net.init.text);
@@ -269,12 +298,13 @@ void find_flat_net(const visit_t& visit, std::int32_t group_ind) {
     save_flat_net(visit, group_ind);
     return;
   }
-  auto& global_net = visit.run.cache.globals[static_cast<std::size_t>(tied)].net_ind;
-  if (global_net == 0) {
+  auto& global = visit.run.cache.globals[static_cast<std::size_t>(tied)];
+  if (global.net_ind == 0) {
     save_flat_net(visit, group_ind);
-    if (!visit.run.end) make_global(visit.flat(group_ind).net, global_net);
+    const std::int32_t net = visit.flat(group_ind).net;
+    if (!visit.run.end) make_global(visit.run.design, net, global.nvalue, global.net_ind);
   } else {
-    visit.flat(group_ind).net = global_net;
+    visit.flat(group_ind).net = global.net_ind;
   }
 }
 
@@ -289,7 +319,7 @@ void process_nets(const visit_t& visit) {
     const bool is_master = visit.group(net.group).master == static_cast<std::int32_t>(i);
     if (!(is_master && flat.by_master) && flat.net != 0) {
       const kv_path_step step(visit.run, visit.sheet.view(net.suffix));
-      kv_save_net_child(visit.run, flat.net, net, visit.name(net.suffix),
+      kv_save_net_child(visit.run, flat.net, net, visit.sheet.view(net.name),
                         flat.by_port ? kv_kind_port : kv_kind_child);
     }
     if (net.init.what != kv_init_t::none) process_init(visit, net);
@@ -384,7 +414,8 @@ void process_objects(const visit_t& visit) {
     process_nets(visit);
     process_instances(visit);
   } catch (const kv_store_full_t& full) {
-    gx_tell("# !! Error : Design too large : more than ", std::to_string(kv_max_records),
+    kv_debug_full(full);
+    gx_tell("# !! Error : Design too large : more than ", std::to_string(full.limit),
             " records of the kind : ", full.name);
     gx_tell_quoted("# !! Sheet : ", visit.run.path.view());
     gx_count_error();

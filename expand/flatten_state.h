@@ -10,6 +10,7 @@
 
 #include "expand/run.h"
 #include "expand/sheet_cache.h"
+#include "gx/text/session_state.h"
 
 // The flat net that an equipotential of a visited sheet has.
 struct kv_flat_t {
@@ -29,13 +30,24 @@ struct kv_path_t {
 };
 
 struct kv_flatten_t {
-  std::int16_t& expand_level;      // of the sheet being visited
-  std::int32_t& macro_level;       // its macro, 0 at the top
-  std::int32_t errors_before = 0;  // counted before the run
-  kv_sheet_cache_t cache{};
-  std::vector<kv_flat_t> flats{};      // those of a sheet follow those of the sheet above it
-  kv_path_t path{};                    // of the object being saved
-  std::optional<kv_run_result> end{};  // why the run cannot go on
+  kv_flatten_t(const kv_setup_t& the_setup, kv_design_t& the_design, std::int16_t& level,
+               std::int32_t& macro)
+      : setup(the_setup),
+        design(the_design),
+        expand_level(level),
+        macro_level(macro),
+        errors_before(gx_session.errors_in_all),
+        cache{the_setup, {}, {}, {}} {}
+
+  const kv_setup_t& setup;
+  kv_design_t& design;
+  std::int16_t& expand_level;  // of the sheet being visited
+  std::int32_t& macro_level;   // its macro, 0 at the top
+  std::int64_t errors_before;  // counted before the run
+  kv_sheet_cache_t cache;
+  std::vector<kv_flat_t> flats;      // those of a sheet follow those of the sheet above it
+  kv_path_t path;                    // of the object being saved
+  std::optional<kv_run_result> end;  // why the run cannot go on
 };
 
 // Appends a piece to the path for the life of the object. Where the path would be too long the run

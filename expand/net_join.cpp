@@ -6,7 +6,7 @@
 #include <string>
 #include <unordered_map>
 
-#include "expand/sheet_objects.h"
+#include "gx/db/objects_of.h"
 #include "gx/text/strings.h"
 
 kv_net_table::kv_net_table(const gx_file_gene_recf_t& file, std::span<const gx_object_id_t> nets)
@@ -21,29 +21,23 @@ kv_net_table::kv_net_table(const gx_file_gene_recf_t& file, std::span<const gx_o
   }
   for (std::size_t i = 0; i < nets.size(); ++i) {
     const auto net = static_cast<std::int32_t>(i);
-    kv_each_child(file, nets[i], [&](int id, const gx_object_gene_rec_t& child) {
-      if (child.object_type == gx_type::segment) take_segment(net, id);
-      if (child.object_type != gx_type::graphics) return;
-      kv_each_child(file, id, [&](int inner, const gx_object_gene_rec_t& drawn) {
-        if (drawn.object_type == gx_type::segment) take_segment(net, inner);
-      });
-    });
+    for (const int segment : lb_segments(file, nets[i])) take_segment(net, segment);
   }
 }
 
 std::int32_t kv_net_table::named_by(int vertex_or_pin) const {
   int net = 0;
-  if (const auto* vertex = kv_object_as<gx_object_vertex_rec_t>(file_, vertex_or_pin)) {
+  if (const auto* vertex = gx_object_as<gx_object_vertex_rec_t>(file_, vertex_or_pin)) {
     net = vertex->net;
-  } else if (const auto* pin = kv_object_as<gx_object_pinpropfam_rec_t>(file_, vertex_or_pin)) {
+  } else if (const auto* pin = gx_object_as<gx_object_pinpropfam_rec_t>(file_, vertex_or_pin)) {
     net = pin->net;
   }
-  return kv_object(file_, net) != nullptr ? position_[static_cast<std::size_t>(net)] : -1;
+  return gx_object(file_, net) != nullptr ? position_[static_cast<std::size_t>(net)] : -1;
 }
 
 std::int32_t kv_net_table::net_at(int vertex_or_pin) const {
   const std::int32_t named = named_by(vertex_or_pin);
-  if (named >= 0 || kv_object(file_, vertex_or_pin) == nullptr) return named;
+  if (named >= 0 || gx_object(file_, vertex_or_pin) == nullptr) return named;
   return end_of_[static_cast<std::size_t>(vertex_or_pin)];
 }
 
@@ -63,9 +57,9 @@ void kv_net_table::unite(std::int32_t a, std::int32_t b) {
 }
 
 void kv_net_table::take_segment(std::int32_t net, int segment) {
-  const auto* record = kv_object_as<gx_object_segment_rec_t>(file_, segment);
+  const auto* record = gx_object_as<gx_object_segment_rec_t>(file_, segment);
   for (const int end : {record->vertex1, record->vertex2}) {
-    const auto* object = kv_object(file_, end);
+    const auto* object = gx_object(file_, end);
     if (object == nullptr ||
         (object->object_type != gx_type::vertex_2d && object->object_type != gx_type::pinpropfam)) {
       continue;

@@ -4,8 +4,6 @@
 #include <algorithm>
 #include <limits>
 
-#include "expand/store.h"
-
 namespace {
 
 // The fields that make up the chains of one direction.
@@ -28,76 +26,71 @@ constexpr std::int16_t most_pins = std::numeric_limits<std::int16_t>::max();
 
 // One chain takes the pin as its last.
 template <direction D>
-void put_last(std::int32_t pin_ind, kv_pin_record_t& pin, kv_net_record_t& net) {
+void put_last(kv_design_t& design, std::int32_t pin_ind, kv_pin_record_t& pin,
+              kv_net_record_t& net) {
   if (net.*D.last == 0) {
     net.*D.first = pin_ind;
   } else {
-    auto& tail = kv_sext.pins[net.*D.last];
+    auto& tail = design.pins[net.*D.last];
     tail.*D.next = pin_ind;
     --(tail.*D.ends);
   }
   net.*D.last = pin_ind;
   ++(pin.*D.ends);
-  ++(net.*D.count);
 }
 
 template <direction D>
 void put_first(std::int32_t pin_ind, kv_pin_record_t& pin, kv_net_record_t& net) {
   pin.*D.next = net.*D.first;
   net.*D.first = pin_ind;
-  ++(net.*D.count);
 }
 
+// One more on a chain: its counter stays at its largest value, the chain goes on.
 template <direction D>
-bool is_full(const kv_net_record_t& net) {
-  return net.*D.count == most_pins;
-}
-
-template <direction D>
-kv_chained tell_full(kv_net_record_t& net) {
-  if (net.*D.full_told) return kv_chained::too_many_again;
+kv_chained count(kv_net_record_t& net) {
+  if (net.*D.count < most_pins) {
+    ++(net.*D.count);
+    return kv_chained::all;
+  }
+  if (net.*D.full_told) return kv_chained::all;
   net.*D.full_told = true;
-  return kv_chained::too_many;
+  return kv_chained::uncounted;
 }
 
 template <direction D>
-kv_chained chain_on_net(std::int32_t pin_ind, kv_net_record_t& net) {
-  if (is_full<D>(net)) return tell_full<D>(net);
-  auto& pin = kv_sext.pins[pin_ind];
-  if (net.*D.last == 0 || kv_sext.pins[net.*D.last].*D.ends == 1) {
-    put_last<D>(pin_ind, pin, net);
+kv_chained chain_on_net(kv_design_t& design, std::int32_t pin_ind, kv_net_record_t& net) {
+  auto& pin = design.pins[pin_ind];
+  if (net.*D.last == 0 || design.pins[net.*D.last].*D.ends == 1) {
+    put_last<D>(design, pin_ind, pin, net);
   } else {
     put_first<D>(pin_ind, pin, net);
   }
-  return kv_chained::all;
+  return count<D>(net);
 }
 
 // A last pin may be followed by the new one only if every chain that ends with it takes the new
 // pin; `seen` counts those among the members asked for.
 template <direction D>
-kv_chained chain_on_members(std::int32_t pin_ind, std::int32_t first_net, std::int32_t nb_of_net) {
+kv_chained chain_on_members(kv_design_t& design, std::int32_t pin_ind, std::int32_t first_net,
+                            std::int32_t nb_of_net) {
   const std::int32_t end = first_net + nb_of_net;
-  auto& pin = kv_sext.pins[pin_ind];
+  auto& pin = design.pins[pin_ind];
   kv_chained result = kv_chained::all;
   for (std::int32_t n = first_net; n < end; ++n) {
-    auto& net = kv_sext.nets[n];
-    if (is_full<D>(net)) {
-      result = std::max(result, tell_full<D>(net));
-    } else if (net.*D.last != 0) {
-      ++kv_sext.pins[net.*D.last].seen;
-    }
+    auto& net = design.nets[n];
+    if (net.*D.last != 0) ++design.pins[net.*D.last].seen;
   }
   // What the first chain needs decides: an end (no link behind the pin) or a head (its link).
   bool is_last = false, is_first = false;
   for (std::int32_t n = first_net; n < end; ++n) {
-    auto& net = kv_sext.nets[n];
-    if (is_full<D>(net)) continue;
-    const auto* tail = net.*D.last != 0 ? &kv_sext.pins[net.*D.last] : nullptr;
+    auto& net = design.nets[n];
+    const auto* tail = net.*D.last != 0 ? &design.pins[net.*D.last] : nullptr;
     const bool can_be_last = !is_first && (tail == nullptr || tail->seen >= tail->*D.ends);
     if (can_be_last) {
       is_last = true;
     } else if (tail != nullptr && !is_last && (!is_first || pin.*D.next == net.*D.first)) {
       put_first<D>(pin_ind, pin, net);
+      result = std::max(result, count<D>(net));
       is_first = true;
       continue;
     } else {
@@ -105,27 +98,30 @@ kv_chained chain_on_members(std::int32_t pin_ind, std::int32_t first_net, std::i
       continue;
     }
     // `seen` goes down with `ends`, so that their comparison holds for the chains still to come.
-    if (tail != nullptr) --kv_sext.pins[net.*D.last].seen;
-    put_last<D>(pin_ind, pin, net);
+    if (tail != nullptr) --design.pins[net.*D.last].seen;
+    put_last<D>(design, pin_ind, pin, net);
+    result = std::max(result, count<D>(net));
   }
   for (std::int32_t n = first_net; n < end; ++n) {
-    if (kv_sext.nets[n].*D.last != 0) kv_sext.pins[kv_sext.nets[n].*D.last].seen = 0;
+    if (design.nets[n].*D.last != 0) design.pins[design.nets[n].*D.last].seen = 0;
   }
   return result;
 }
 
 template <direction D>
-kv_chained chain(std::int32_t pin, std::int32_t first_net, std::int32_t nb_of_net) {
-  return nb_of_net == 1 ? chain_on_net<D>(pin, kv_sext.nets[first_net])
-                        : chain_on_members<D>(pin, first_net, nb_of_net);
+kv_chained chain(kv_design_t& design, std::int32_t pin, std::int32_t first_net,
+                 std::int32_t nb_of_net) {
+  return nb_of_net == 1 ? chain_on_net<D>(design, pin, design.nets[first_net])
+                        : chain_on_members<D>(design, pin, first_net, nb_of_net);
 }
 
 }  // namespace
 
-kv_chained kv_chain_pin(std::int32_t pin, std::int32_t first_net, std::int32_t nb_of_net) {
-  const std::int16_t type = kv_sext.pins[pin].io_type;
+kv_chained kv_chain_pin(kv_design_t& design, std::int32_t pin, std::int32_t first_net,
+                        std::int32_t nb_of_net) {
+  const std::int16_t type = design.pins[pin].io_type;
   kv_chained result = kv_chained::all;
-  if (type != kv_io_out) result = chain<in>(pin, first_net, nb_of_net);
-  if (type != kv_io_in) result = std::max(result, chain<out>(pin, first_net, nb_of_net));
+  if (type != kv_io_out) result = chain<in>(design, pin, first_net, nb_of_net);
+  if (type != kv_io_in) result = std::max(result, chain<out>(design, pin, first_net, nb_of_net));
   return result;
 }

@@ -1,14 +1,16 @@
-// One expansion run: from the sheet at level 1 to the store, the design file and the listing.
+// One expansion run: from a sheet and the user's wishes to a design, and from there to the design
+// file and the listing.
 #pragma once
 
 #include <cstdint>
 
+#include "expand/design.h"
 #include "expand/sheet_slots.h"
 
-// What a run takes from the session and gives back to it.
 struct kv_run_t {
+  const kv_setup_t& setup;
+  kv_design_t& design;             // emptied and filled
   const kv_sheet_stack_t& sheets;  // level 1 is expanded; slots stay as they are
-  bool gen_data = false;           // write the data listing too
   std::int16_t& expand_level;      // level being flattened
   std::int32_t& macro_level;       // macro whose sheet is being flattened
 };
@@ -17,11 +19,30 @@ enum class kv_run_result {
   done,
   no_lists,         // a list that a run needs is empty
   no_sheet,         // no sheet at level 1
-  too_many_levels,  // these three: the store is emptied, nothing was written
+  too_many_levels,  // from here to `stopped` the design is emptied, and nothing was written
   path_too_long,
   design_too_large,
+  stopped,  // as the watcher asked
   write_failed,
 };
 
-// Flattens, checks the nets, fills general_info and writes the files. Answers in the list viewport.
-kv_run_result kv_run_expansion(const kv_run_t& run);
+// Flattens, checks the nets and fills general_info. What is wrong is told to the list.
+kv_run_result kv_expand(const kv_run_t& run);
+
+// The same, and writes the image to an open file and, when asked for, the listing "kivo_data" into
+// the directory of the sheet.
+kv_run_result kv_run_expansion(const kv_run_t& run, int designfile, bool gen_data);
+
+// How far a run is.
+struct kv_progress_t {
+  double seconds = 0;                  // since its start
+  std::int64_t sheets = 0, insts = 0;  // visited, stored (leaf instances)
+  std::int64_t all_sheets = 0;         // that it will visit, known before the first visit
+  bool ended = false;                  // the last call of a run that was told of
+};
+
+// Who watches runs: called at most five times a second while a run walks the hierarchy, and once
+// more with `ended` when it is over. A run that does not last 0.2 s is never told of. False ends
+// the run in order ("# RUN stopped"), with an empty design. None at first; nullptr takes it back.
+using kv_run_watcher_t = bool (*)(const kv_progress_t& progress);
+void kv_set_run_watcher(kv_run_watcher_t watcher);

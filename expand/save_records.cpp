@@ -27,39 +27,39 @@ void tell_bad_value(const kv_prop_type_record_t& entry, std::string_view value,
   gx_count_error();
 }
 
-void save_value(const kv_kept_t& kept, std::string_view text) {
+void save_value(kv_design_t& design, const kv_kept_t& kept, std::string_view text) {
   switch (kept.type) {
     case kv_prop_string:
-      kv_save_prop_str(text);
+      kv_save_prop_str(design, text);
       break;
     case kv_prop_int:
-      kv_save_prop_int(kept.number[0], kept.number[1], kept.number[2]);
+      kv_save_prop_int(design, kept.number[0], kept.number[1], kept.number[2]);
       break;
     case kv_prop_time:
-      kv_save_prop_time(kept.number[0], kept.number[1], kept.number[2]);
+      kv_save_prop_time(design, kept.number[0], kept.number[1], kept.number[2]);
       break;
     case kv_prop_real:
-      kv_save_prop_real(kept.real[0], kept.real[1], kept.real[2]);
+      kv_save_prop_real(design, kept.real[0], kept.real[1], kept.real[2]);
       break;
   }
 }
 
 // Saves the kept properties of an object, which then follow one another in the store.
 template <typename Record>
-void save_kept(const kv_flatten_t& run, const kv_sheet_t& sheet, std::int32_t first,
+void save_kept(kv_flatten_t& run, const kv_sheet_t& sheet, std::int32_t first,
                const kv_prop_list_t& list, std::string_view path_label, Record& record) {
   record.nb_of_property = static_cast<std::int8_t>(list.count);
-  record.first_prop = list.count > 0 ? kv_sext.props.count + 1 : 0;
+  record.first_prop = list.count > 0 ? run.design.props.count + 1 : 0;
   const kv_kept_t* kept = sheet.kept.data() + first;
   for (const auto& entry : list) {
     const std::string_view text = sheet.view(kept->text);
     if (kept->decode_at_visit) {
       kv_kept_t here = *kept;
-      kv_decode_kept(here, text, {run.expand_level, run.macro_level});
-      save_value(here, text);
+      kv_decode_kept(here, text, {run.setup, run.design, run.expand_level, run.macro_level});
+      save_value(run.design, here, text);
       if (here.error) tell_bad_value(entry, text, path_label, run.path.view());
     } else {
-      save_value(*kept, text);
+      save_value(run.design, *kept, text);
       if (kept->error) tell_bad_value(entry, text, path_label, run.path.view());
     }
     ++kept;
@@ -73,10 +73,10 @@ void fill_instance(kv_flatten_t& run, const kv_sheet_t& sheet, const kv_sheet_in
   record.self = index;
   record.object_id = inst.object_id;
   record.timing_index = timing_index;
-  record.sim_path = kv_save_string(run.path.view());
-  record.file_path = kv_save_string(sheet.file_path);
+  record.sim_path = kv_save_string(run.design, run.path.view());
+  record.file_path = kv_save_string(run.design, sheet.file_path);
   record.nb_of_pin = static_cast<std::int16_t>(inst.nb_of_pin);
-  save_kept(run, sheet, inst.kept, kv_sext.property_instance, inst_path_label, record);
+  save_kept(run, sheet, inst.kept, run.setup.property_instance, inst_path_label, record);
 }
 
 void check_pin_type(const kv_sheet_pin_t& pin, std::string_view path) {
@@ -97,11 +97,11 @@ const kv_flat_t* fill_pin(kv_flatten_t& run, const kv_sheet_t& sheet, const kv_s
                           Record& record) {
   record.self = index;
   record.object_id = pin.object_id;
-  record.sim_path = kv_save_string(run.path.view());
+  record.sim_path = kv_save_string(run.design, run.path.view());
   record.pin_start = pin.pin_start;
   record.pin_end = pin.pin_end;
   record.pin_net_start = pin.pin_net_start;
-  save_kept(run, sheet, pin.kept, kv_sext.property_pin, pin_path_label, record);
+  save_kept(run, sheet, pin.kept, run.setup.property_pin, pin_path_label, record);
   const kv_flat_t* flat = pin.group >= 0 ? flats + pin.group : nullptr;
   if (flat == nullptr || flat->net == 0) {
     kv_debug(" %s  : error : net of pin  : %d\n", operation, pin.object_id);
@@ -110,7 +110,11 @@ const kv_flat_t* fill_pin(kv_flatten_t& run, const kv_sheet_t& sheet, const kv_s
     return nullptr;
   }
   record.net_ind = flat->net;
-  record.pin_net_start = static_cast<std::int16_t>(pin.pin_net_start + flat->position);
+  const kv_net_record_t& net = run.design.nets[flat->net];
+  if (net.net_type == kv_net_bus && pin.position >= 0) {
+    record.pin_net_start =
+        static_cast<std::int16_t>(net.net_bus_start + flat->position + pin.position);
+  }
   if (pin.range_error) {
     gx_tell_quoted("# !! Error : Pin out of the range of its Bus : ", run.path.view());
     gx_count_error();
@@ -118,37 +122,38 @@ const kv_flat_t* fill_pin(kv_flatten_t& run, const kv_sheet_t& sheet, const kv_s
   return flat;
 }
 
-void chain_pin(const kv_sheet_pin_t& pin, const kv_flat_t& flat, std::int32_t index,
-               std::string_view path) {
-  const kv_net_record_t& net = kv_sext.nets[flat.net];
+void chain_pin(kv_design_t& design, const kv_sheet_pin_t& pin, const kv_flat_t& flat,
+               std::int32_t index, std::string_view path) {
+  const kv_net_record_t& net = design.nets[flat.net];
+  if (pin.position < 0) return;  // its first bit lies outside the bus, as was told
   const kv_chained chained =
       net.net_type != kv_net_bus
-          ? kv_chain_pin(index, flat.net, 1)
-          : kv_chain_pin(index, net.netind_start + flat.position + pin.position, pin.width);
+          ? kv_chain_pin(design, index, flat.net, 1)
+          : kv_chain_pin(design, index, net.netind_start + flat.position + pin.position, pin.width);
   if (chained == kv_chained::not_all) {
     gx_tell_quoted("# !! Error : Pin left off the chain of a Bus member : ", path);
     gx_count_error();
-  } else if (chained == kv_chained::too_many) {
-    gx_tell_quoted("# !! Error : More than 32767 pins on Net : ", kv_string_view(net.sim_path));
-    gx_count_error();
+  } else if (chained == kv_chained::uncounted) {
+    gx_tell_quoted("# !! WARNING : More than 32767 pins on Net : ", kv_text(design, net.sim_path));
+    gx_count_warning();
   }
 }
 
 void kv_save_pin(kv_flatten_t& run, const kv_sheet_t& sheet, const kv_sheet_pin_t& pin,
                  std::int32_t inst_ind, std::int32_t index, const kv_flat_t* flats) {
   const kv_path_step step(run, sheet.view(pin.suffix));
-  auto& record = kv_sext.pins[index];
+  auto& record = run.design.pins[index];
   record.io_type = pin.io_type;
   record.instance_ind = inst_ind;
   check_pin_type(pin, run.path.view());
   const kv_flat_t* flat = fill_pin(run, sheet, pin, index, flats, "KV_SAVE_PIN", record);
-  if (flat != nullptr) chain_pin(pin, *flat, index, run.path.view());
+  if (flat != nullptr) chain_pin(run.design, pin, *flat, index, run.path.view());
 }
 
 void kv_save_pinm(kv_flatten_t& run, const kv_sheet_t& sheet, const kv_sheet_pin_t& pin,
                   std::int32_t macro_ind, std::int32_t index, const kv_flat_t* flats) {
   const kv_path_step step(run, sheet.view(pin.suffix));
-  auto& record = kv_sext.pinms[index];
+  auto& record = run.design.pinms[index];
   record.macro_ind = macro_ind;
   fill_pin(run, sheet, pin, index, flats, "KV_SAVE_PINM", record);
 }
@@ -175,11 +180,11 @@ class member_text {
 
 std::int32_t kv_save_inst(kv_flatten_t& run, const kv_sheet_t& sheet, const kv_sheet_inst_t& inst,
                           std::int8_t timing_index, const kv_flat_t* flats) {
-  const std::int32_t index = kv_sext.insts.append(1, "inst");
-  auto& record = kv_sext.insts[index];
+  const std::int32_t index = run.design.insts.append(1);
+  auto& record = run.design.insts[index];
   fill_instance(run, sheet, inst, index, timing_index, record);
   if (inst.nb_of_pin == 0) return index;
-  record.first_pin_ind = kv_sext.pins.append(inst.nb_of_pin, "pin");
+  record.first_pin_ind = run.design.pins.append(inst.nb_of_pin);
   for (std::int32_t i = 0; i < inst.nb_of_pin; ++i) {
     const auto& pin = sheet.pins[static_cast<std::size_t>(inst.first_pin + i)];
     kv_save_pin(run, sheet, pin, index, record.first_pin_ind + i, flats);
@@ -189,11 +194,11 @@ std::int32_t kv_save_inst(kv_flatten_t& run, const kv_sheet_t& sheet, const kv_s
 
 std::int32_t kv_save_macro(kv_flatten_t& run, const kv_sheet_t& sheet, const kv_sheet_inst_t& inst,
                            std::int8_t timing_index, const kv_flat_t* flats) {
-  const std::int32_t index = kv_sext.macros.append(1, "macro");
-  auto& record = kv_sext.macros[index];
+  const std::int32_t index = run.design.macros.append(1);
+  auto& record = run.design.macros[index];
   fill_instance(run, sheet, inst, index, timing_index, record);
   if (inst.nb_of_pin == 0) return index;
-  record.first_pin_ind = kv_sext.pinms.append(inst.nb_of_pin, "pinm");
+  record.first_pin_ind = run.design.pinms.append(inst.nb_of_pin);
   for (std::int32_t i = 0; i < inst.nb_of_pin; ++i) {
     const auto& pin = sheet.pins[static_cast<std::size_t>(inst.first_pin + i)];
     kv_save_pinm(run, sheet, pin, index, record.first_pin_ind + i, flats);
@@ -203,21 +208,21 @@ std::int32_t kv_save_macro(kv_flatten_t& run, const kv_sheet_t& sheet, const kv_
 
 std::int32_t kv_save_net(kv_flatten_t& run, const kv_sheet_t& sheet, const kv_sheet_net_t& master,
                          std::string_view name) {
-  const std::int32_t index = kv_sext.nets.append(1, "net");
-  auto& record = kv_sext.nets[index];
+  const std::int32_t index = run.design.nets.append(1);
+  auto& record = run.design.nets[index];
   record.self = index;
   record.object_id = master.object_id;
-  record.name = kv_save_string(name);
-  record.sim_path = kv_save_string(run.path.view());
-  save_kept(run, sheet, master.kept, kv_sext.property_net, net_path_label, record);
+  record.name = kv_save_string(run.design, name);
+  record.sim_path = kv_save_string(run.design, run.path.view());
+  save_kept(run, sheet, master.kept, run.setup.property_net, net_path_label, record);
   return index;
 }
 
 std::int32_t kv_save_bus(kv_flatten_t& run, const kv_sheet_t& sheet, const kv_sheet_net_t& master,
                          std::string_view name, const kv_sheet_group_t& range) {
   const std::int32_t index = kv_save_net(run, sheet, master, name);
-  const std::int32_t first_member = kv_sext.nets.append(range.width, "net");
-  auto& bus = kv_sext.nets[index];
+  const std::int32_t first_member = run.design.nets.append(range.width);
+  auto& bus = run.design.nets[index];
   bus.net_type = kv_net_bus;
   bus.net_kind = kv_kind_bus;
   bus.net_bus_start = range.bus_start;
@@ -232,12 +237,12 @@ std::int32_t kv_save_bus(kv_flatten_t& run, const kv_sheet_t& sheet, const kv_sh
       kv_end_at_long_path(run, path, member_path.substr(path.size()));
       return index;
     }
-    auto& member = kv_sext.nets[first_member + position];
+    auto& member = run.design.nets[first_member + position];
     member.self = first_member + position;
     member.object_id = master.object_id;
     member.net_kind = kv_kind_bus;
-    member.name = kv_save_string(member_name);
-    member.sim_path = kv_save_string(member_path);
+    member.name = kv_save_string(run.design, member_name);
+    member.sim_path = kv_save_string(run.design, member_path);
     member.nb_of_property = bus.nb_of_property;
     member.first_prop = bus.first_prop;
     member.bus = index;
@@ -248,41 +253,40 @@ std::int32_t kv_save_bus(kv_flatten_t& run, const kv_sheet_t& sheet, const kv_sh
 
 void kv_save_net_child(kv_flatten_t& run, std::int32_t flat_net, const kv_sheet_net_t& net,
                        std::string_view name, std::int16_t net_kind) {
-  const std::int32_t index = kv_sext.net_childs.append(1, "net_child");
-  auto& record = kv_sext.net_childs[index];
+  const std::int32_t index = run.design.net_childs.append(1);
+  auto& record = run.design.net_childs[index];
   record.self = index;
   record.object_id = net.object_id;
   record.net_kind = net_kind;
-  record.sim_path = kv_save_string(run.path.view());
-  record.name = kv_save_string(name);
-  auto& father = kv_sext.nets[flat_net];
+  record.sim_path = kv_save_string(run.design, run.path.view());
+  record.name = kv_save_string(run.design, name);
+  auto& father = run.design.nets[flat_net];
   if (father.last_child == 0) {
     father.first_child = index;
   } else {
-    kv_sext.net_childs[father.last_child].next_child = index;
+    run.design.net_childs[father.last_child].next_child = index;
   }
   father.last_child = index;
   ++father.nb_of_child;
 }
 
-void kv_name_sub_net(std::int32_t bus, std::int32_t member, std::string_view name) {
-  auto& net = kv_sext.nets[member];
-  auto& father = kv_sext.nets[bus];
+void kv_name_sub_net(kv_design_t& design, std::int32_t member, std::string_view name) {
+  auto& net = design.nets[member];
+  auto& father = design.nets[net.bus];
   net.net_kind = kv_kind_global;
-  if (net.net_type == kv_net_sub) return;
   net.net_type = kv_net_sub;
-  net.father_net = bus;
-  net.name = kv_save_string(name);
+  net.father_net = net.bus;
+  net.name = kv_save_string(design, name);
   if (father.last_sub_net == 0) {
     father.first_sub_net = member;
   } else {
-    kv_sext.nets[father.last_sub_net].next_sub_net = member;
+    design.nets[father.last_sub_net].next_sub_net = member;
   }
   father.last_sub_net = member;
 }
 
-void kv_set_initial_state(std::int32_t net, const kv_init_t& init) {
-  auto& record = kv_sext.nets[net];
+void kv_set_initial_state(kv_design_t& design, std::int32_t net, const kv_init_t& init) {
+  auto& record = design.nets[net];
   record.state_init = init.state;
   for (kv_signal_state_rec* state : {&record.cur_state, &record.old_state}) {
     state->state = init.state;

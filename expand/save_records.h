@@ -22,8 +22,8 @@ std::int32_t kv_save_bus(kv_flatten_t& run, const kv_sheet_t& sheet, const kv_sh
 void kv_save_net_child(kv_flatten_t& run, std::int32_t flat_net, const kv_sheet_net_t& net,
                        std::string_view name, std::int16_t net_kind);
 
-// Makes a member of a bus a net named of its own, which a global is on.
-void kv_name_sub_net(std::int32_t bus, std::int32_t member, std::string_view name);
+// Makes a member of a bus a net named of its own: by the global that is on it.
+void kv_name_sub_net(kv_design_t& design, std::int32_t member, std::string_view name);
 
 // Sets the state a net starts with.
-void kv_set_initial_state(std::int32_t net, const kv_init_t& init);
+void kv_set_initial_state(kv_design_t& design, std::int32_t net, const kv_init_t& init);

@@ -7,16 +7,16 @@
 
 #include "expand/debug.h"
 #include "expand/net_join.h"
-#include "expand/sheet_objects.h"
 #include "expand/values.h"
 #include "gx/db/files.h"
+#include "gx/db/objects_of.h"
 #include "gx/text/numbers.h"
 #include "gx/text/strings.h"
 
 namespace {
 
 constexpr std::int16_t max_timing_index = 120;
-constexpr kv_scope_t no_scope{1, 0};
+const kv_design_t no_design;  // of values that are the same everywhere
 
 using kv_prop_list_t = kv_list_t<kv_prop_type_record_t>;
 
@@ -39,8 +39,9 @@ kv_prop_type type_of_letter(std::string_view prop_type) {
 // The work of one analysis; `sheet` is what it yields.
 class analysis {
  public:
-  analysis(const gx_file_gene_recf_t& file, std::vector<kv_global_net_record_t>& globals)
-      : file_(file), globals_(globals), nets_(file, net_ids(file)) {}
+  analysis(const gx_file_gene_recf_t& file, const kv_setup_t& setup,
+           std::vector<kv_global_net_record_t>& globals)
+      : file_(file), setup_(setup), globals_(globals), nets_(file, net_ids(file)) {}
 
   kv_sheet_t run(std::string_view file_path) {
     sheet.file_path = file_path;
@@ -60,12 +61,7 @@ class analysis {
  private:
   static std::vector<gx_object_id_t> net_ids(const gx_file_gene_recf_t& file) {
     std::vector<gx_object_id_t> ids;
-    kv_each_child(file, kv_sheet_family(file, gx_type::net_family),
-                  [&](int id, const gx_object_gene_rec_t& child) {
-                    if (child.object_type == gx_type::net) {
-                      ids.push_back(static_cast<gx_object_id_t>(id));
-                    }
-                  });
+    for (const int id : lb_nets(file)) ids.push_back(static_cast<gx_object_id_t>(id));
     return ids;
   }
 
@@ -89,15 +85,15 @@ class analysis {
       const std::string_view text = find(gx_view(entry.name));
       kept.type = type_of_letter(gx_view(entry.prop_type));
       kept.text = keep_text({text});
-      kept.decode_at_visit = kept.type != kv_prop_string && kv_depends_on_macro(text);
-      if (!kept.decode_at_visit) kv_decode_kept(kept, text, no_scope);
+      kept.decode_at_visit = kept.type != kv_prop_string && kv_depends_on_macro(text, setup_);
+      if (!kept.decode_at_visit) kv_decode_kept(kept, text, {setup_, no_design, 1, 0});
       sheet.kept.push_back(kept);
     }
     return first;
   }
   std::int32_t keep_inst_props(int inst) {
-    return keep_props(kv_sext.property_instance, [&](std::string_view name) {
-      return kv_prop_text(kv_find_inst_prop(file_, inst, name));
+    return keep_props(setup_.property_instance, [&](std::string_view name) {
+      return gx_prop_text(gx_find_inst_prop(file_, inst, name));
     });
   }
 
@@ -115,7 +111,7 @@ class analysis {
 
   void find_deleted() {
     for (int id = 1; id <= file_.object_id_max; ++id) {
-      if ((kv_object(file_, id)->status & gx_flag_deleted) == 0) continue;
+      if ((gx_object(file_, id)->status & gx_flag_deleted) == 0) continue;
       sheet.deleted_object = id;
       return;
     }
@@ -125,10 +121,11 @@ class analysis {
   void take_nets() {
     for (const int id : net_ids(file_)) {
       kv_sheet_net_t net;
-      const std::string_view name = kv_prop_text(kv_find_net_prop(file_, id, "NET"));
+      const std::string_view name = gx_prop_text(gx_find_net_prop(file_, id, "NET"));
       net.object_id = static_cast<gx_object_id_t>(id);
       net.suffix = keep_suffix(name, "N_", id);
-      net.init = init_of(kv_find_net_prop(file_, id, "INIT"));
+      if (!name.empty()) net.name = {net.suffix.at + 1, net.suffix.len - 1};
+      net.init = init_of(gx_find_net_prop(file_, id, "INIT"));
       sheet.nets.push_back(net);
       net_names_.push_back(name);
     }
@@ -150,7 +147,7 @@ class analysis {
   void take_group(std::int32_t master) {
     kv_sheet_group_t group;
     auto& net = sheet.nets[static_cast<std::size_t>(master)];
-    const auto* record = kv_object_as<gx_object_net_rec_t>(file_, net.object_id);
+    const auto* record = gx_object_as<gx_object_net_rec_t>(file_, net.object_id);
     group.master = master;
     if (record->is_bus != 0) {
       if (record->bus_end > record->bus_start) {
@@ -161,8 +158,8 @@ class analysis {
         group.width = -1;
       }
     }
-    net.kept = keep_props(kv_sext.property_net, [&](std::string_view name) {
-      return kv_prop_text(kv_find_net_prop(file_, net.object_id, name));
+    net.kept = keep_props(setup_.property_net, [&](std::string_view name) {
+      return gx_prop_text(gx_find_net_prop(file_, net.object_id, name));
     });
     sheet.groups.push_back(group);
   }
@@ -174,17 +171,14 @@ class analysis {
 
   // --- ports and globals are told from the instances that are stored
   void sort_instances() {
-    kv_each_child(file_, kv_sheet_family(file_, gx_type::instance_family),
-                  [&](int id, const gx_object_gene_rec_t& child) {
-                    if (child.object_type == gx_type::instance) sort_instance(id);
-                  });
+    for (const int inst : lb_instances(file_)) sort_instance(inst);
   }
 
   void sort_instance(int inst) {
-    const std::string_view value = kv_prop_text(kv_find_inst_prop(file_, inst, "CLASS"));
+    const std::string_view value = gx_prop_text(gx_find_inst_prop(file_, inst, "CLASS"));
     if ((value.size() == 6 || value.size() == 7) && gx_equal("PORT", value)) {
       port_insts_.push_back(inst);
-    } else if (gx_iden(value, "G") && kv_find_inst_prop(file_, inst, "GLOBAL") != nullptr) {
+    } else if (gx_iden(value, "G") && gx_find_inst_prop(file_, inst, "GLOBAL") != nullptr) {
       global_insts_.push_back(inst);
     } else {
       plain_insts_.push_back(inst);
@@ -193,9 +187,9 @@ class analysis {
 
   void take_ports() {
     for (const int inst : port_insts_) {
-      const kv_pin_ids_t pin = kv_first_pin(file_, inst);
-      const auto* property = kv_find_prop_of_two(file_, pin.pinpropfam, pin.pin, "NET");
-      const std::string_view name = kv_prop_text(property);
+      const gx_pin_pair_t pin = gx_first_pin(file_, inst);
+      const auto* property = gx_find_prop_of_two(file_, pin.pinpropfam, pin.pin, "NET");
+      const std::string_view name = gx_prop_text(property);
       if (name.empty()) {
         sheet.port_reports.push_back(
             {{"# !! Error : PORT without property NET : I_" + std::to_string(inst)}});
@@ -207,17 +201,19 @@ class analysis {
       port.name = keep_text({name});
       port.bare_name =
           is_bus_pin(pin.pinpropfam, net) ? keep_text({kv_bare_name(name)}) : port.name;
+      const auto* pin_record = gx_object_as<gx_object_pinpropfam_rec_t>(file_, pin.pinpropfam);
+      port.is_range = pin_record != nullptr && pin_record->pin_start != pin_record->pin_end;
       sheet.ports.push_back(port);
       port_nets_.push_back(net);
     }
   }
 
   bool is_bus_pin(int pinpropfam, std::int32_t net) const {
-    const auto* pin = kv_object_as<gx_object_pinpropfam_rec_t>(file_, pinpropfam);
+    const auto* pin = gx_object_as<gx_object_pinpropfam_rec_t>(file_, pinpropfam);
     if (pin != nullptr && pin->pin_start != pin->pin_end) return true;
     if (net < 0) return false;
     const int id = sheet.nets[static_cast<std::size_t>(net)].object_id;
-    return kv_object_as<gx_object_net_rec_t>(file_, id)->is_bus != 0;
+    return gx_object_as<gx_object_net_rec_t>(file_, id)->is_bus != 0;
   }
 
   // Gives each equipotential its port. Ports of one name are one port; the first of two different
@@ -251,15 +247,15 @@ class analysis {
   }
 
   void take_global(int inst) {
-    const kv_pin_ids_t pin = kv_first_pin(file_, inst);
-    const std::string_view name = kv_prop_text(kv_find_inst_prop(file_, inst, "GLOBAL"));
+    const gx_pin_pair_t pin = gx_first_pin(file_, inst);
+    const std::string_view name = gx_prop_text(gx_find_inst_prop(file_, inst, "GLOBAL"));
     kv_sheet_global_t global;
     global.name = keep_text({name});
     global.run_global = run_global(name);
     global.group = group_at(pin.pinpropfam);
     global.usable = global.group >= 0;
-    global.init = init_of(kv_find_prop_of_two(file_, pin.pinpropfam, pin.pin, "INIT"));
-    const auto* record = kv_object_as<gx_object_pinpropfam_rec_t>(file_, pin.pinpropfam);
+    global.init = init_of(gx_find_prop_of_two(file_, pin.pinpropfam, pin.pin, "INIT"));
+    const auto* record = gx_object_as<gx_object_pinpropfam_rec_t>(file_, pin.pinpropfam);
     if (record != nullptr && record->pin_start != record->pin_end) {
       report_global(global, "# !! Error : pin bus used for global : P_" +
                                 std::to_string(pin.pinpropfam) + " \"" + std::string(name) + "\"");
@@ -322,16 +318,14 @@ class analysis {
     std::vector<std::vector<int>> left(waiting_.size());
     for (const int inst : plain_insts_) {
       waiting_[static_cast<std::size_t>(inst)] = true;
-      const int symbol = kv_object_as<gx_object_instance_rec_t>(file_, inst)->symbol;
-      const bool is_symbol = kv_object_as<gx_object_symbol_rec_t>(file_, symbol) != nullptr;
+      const int symbol = gx_object_as<gx_object_instance_rec_t>(file_, inst)->symbol;
+      const bool is_symbol = gx_object_as<gx_object_symbol_rec_t>(file_, symbol) != nullptr;
       left[is_symbol ? static_cast<std::size_t>(symbol) : 0].push_back(inst);
     }
-    kv_each_child(file_, kv_sheet_family(file_, gx_type::symbol_family),
-                  [&](int id, const gx_object_gene_rec_t& child) {
-                    if (child.object_type != gx_type::symbol) return;
-                    take_symbol(id, left[static_cast<std::size_t>(id)]);
-                    left[static_cast<std::size_t>(id)].clear();
-                  });
+    for (const int id : lb_symbols(file_)) {
+      take_symbol(id, left[static_cast<std::size_t>(id)]);
+      left[static_cast<std::size_t>(id)].clear();
+    }
     // A symbol outside the family, and instances without one (kept at 0).
     for (std::size_t id = 0; id < left.size(); ++id) {
       take_symbol(static_cast<int>(id), left[id]);
@@ -341,7 +335,7 @@ class analysis {
   void take_symbol(int id, const std::vector<int>& left) {
     if (left.empty()) return;
     kv_sheet_symbol_t symbol;
-    const auto* record = kv_object_as<gx_object_symbol_rec_t>(file_, id);
+    const auto* record = gx_object_as<gx_object_symbol_rec_t>(file_, id);
     if (record != nullptr) {
       const std::string_view path = gx_view(record->path);
       const gx_symbol_path_t parts = gx_get_path_n0version(path);
@@ -359,7 +353,7 @@ class analysis {
     };
     // The chain may loop in a damaged sheet: no instance is passed twice.
     for (int inst = record != nullptr ? record->instance : 0;;) {
-      const auto* chained = kv_object_as<gx_object_instance_rec_t>(file_, inst);
+      const auto* chained = gx_object_as<gx_object_instance_rec_t>(file_, inst);
       if (chained == nullptr || chained->symbol != id) break;
       if (chained_[static_cast<std::size_t>(inst)]) break;
       chained_[static_cast<std::size_t>(inst)] = true;
@@ -374,45 +368,42 @@ class analysis {
   void take_inst(int id, std::int32_t symbol) {
     kv_sheet_inst_t inst;
     inst.object_id = static_cast<gx_object_id_t>(id);
-    inst.is_primitive = kv_found_primitive(file_, id);
+    inst.is_primitive = kv_found_primitive(setup_, file_, id);
     inst.symbol = symbol;
-    inst.suffix = keep_suffix(kv_prop_text(kv_find_inst_prop(file_, id, "INST")), "I_", id);
+    inst.suffix = keep_suffix(gx_prop_text(gx_find_inst_prop(file_, id, "INST")), "I_", id);
     take_timing(inst);
     inst.kept = keep_inst_props(id);
     inst.first_pin = static_cast<std::int32_t>(sheet.pins.size());
-    kv_pin_ids_t pin = kv_first_pin(file_, id);
-    while (pin.pin != 0 && pin.pinpropfam != 0) {
-      take_pin(pin);
-      pin = kv_next_pin(file_, pin);
-    }
+    for (const gx_pin_pair_t pin : lb_pins(file_, id)) take_pin(pin);
     inst.nb_of_pin = static_cast<std::int32_t>(sheet.pins.size()) - inst.first_pin;
     sheet.insts.push_back(inst);
   }
 
   void take_timing(kv_sheet_inst_t& inst) {
-    const auto* property = kv_find_inst_prop(file_, inst.object_id, "TIMIND");
+    const auto* property = gx_find_inst_prop(file_, inst.object_id, "TIMIND");
     if (property == nullptr) return;
     const std::string_view text = gx_view(property->nvalue);
-    const auto number = gx_string_to_int16(text);
+    const auto number = gx_string_to_int32(text);
     inst.timing_text = keep_text({text});
     inst.timing_index = 0;
-    if (number.error) {
+    const bool is_integer = text.find_first_not_of("0123456789 ") == std::string_view::npos;
+    if (!is_integer) {
       inst.timing_state = kv_sheet_inst_t::timing_no_number;
-    } else if (number.value > max_timing_index) {
+    } else if (number.error || number.value > max_timing_index) {
       inst.timing_state = kv_sheet_inst_t::timing_too_big;
     } else {
       inst.timing_index = static_cast<std::int8_t>(number.value);
     }
   }
 
-  void take_pin(kv_pin_ids_t ids) {
-    const auto& record = *kv_object_as<gx_object_pinpropfam_rec_t>(file_, ids.pinpropfam);
+  void take_pin(gx_pin_pair_t ids) {
+    const auto& record = *gx_object_as<gx_object_pinpropfam_rec_t>(file_, ids.pinpropfam);
     kv_sheet_pin_t pin;
     pin.object_id = static_cast<gx_object_id_t>(ids.pinpropfam);
     pin.suffix =
-        keep_suffix(kv_prop_text(kv_find_prop_of_two(file_, ids.pin, ids.pinpropfam, "PIN")), "P_",
+        keep_suffix(gx_prop_text(gx_find_prop_of_two(file_, ids.pin, ids.pinpropfam, "PIN")), "P_",
                     ids.pinpropfam);
-    take_pin_type(pin, kv_find_prop_of_two(file_, ids.pin, ids.pinpropfam, "PINTYPE"));
+    take_pin_type(pin, gx_find_prop_of_two(file_, ids.pin, ids.pinpropfam, "PINTYPE"));
     pin.pin_start = record.pin_start;
     pin.pin_end = record.pin_end;
     pin.pin_net_start = record.pin_net_start;
@@ -420,8 +411,8 @@ class analysis {
     pin.width =
         std::max(record.pin_end, record.pin_start) - std::min(record.pin_end, record.pin_start) + 1;
     if (pin.group >= 0) take_range(pin, sheet.groups[static_cast<std::size_t>(pin.group)]);
-    pin.kept = keep_props(kv_sext.property_pin, [&](std::string_view name) {
-      return kv_prop_text(kv_find_prop_of_two(file_, ids.pinpropfam, ids.pin, name));
+    pin.kept = keep_props(setup_.property_pin, [&](std::string_view name) {
+      return gx_prop_text(gx_find_prop_of_two(file_, ids.pinpropfam, ids.pin, name));
     });
     sheet.pins.push_back(pin);
   }
@@ -431,8 +422,7 @@ class analysis {
     pin.position = position_on(group, pin.pin_net_start);
     if (pin.position >= 0 && pin.position + pin.width <= group.width) return;
     pin.range_error = true;
-    pin.position = std::max(pin.position, 0);
-    pin.width = std::min(pin.width, group.width - pin.position);
+    pin.width = pin.position < 0 ? 0 : std::min(pin.width, group.width - pin.position);
   }
 
   static void take_pin_type(kv_sheet_pin_t& pin, const gx_object_property_rec_t* property) {
@@ -458,6 +448,7 @@ class analysis {
   }
 
   const gx_file_gene_recf_t& file_;
+  const kv_setup_t& setup_;
   std::vector<kv_global_net_record_t>& globals_;
   kv_net_table nets_;
   std::vector<std::string_view> net_names_;
@@ -470,13 +461,13 @@ class analysis {
 }  // namespace
 
 kv_sheet_t kv_analyse_sheet(const gx_file_gene_recf_t& file, std::string_view file_path,
-                            std::vector<kv_global_net_record_t>& globals) {
-  return analysis(file, globals).run(file_path);
+                            const kv_setup_t& setup, std::vector<kv_global_net_record_t>& globals) {
+  return analysis(file, setup, globals).run(file_path);
 }
 
-bool kv_found_primitive(const gx_file_gene_recf_t& file, int inst) {
-  return std::any_of(kv_sext.primitive.begin(), kv_sext.primitive.end(), [&](const auto& entry) {
-    const auto* property = kv_find_inst_prop(file, inst, gx_view(entry.name));
+bool kv_found_primitive(const kv_setup_t& setup, const gx_file_gene_recf_t& file, int inst) {
+  return std::any_of(setup.primitive.begin(), setup.primitive.end(), [&](const auto& entry) {
+    const auto* property = gx_find_inst_prop(file, inst, gx_view(entry.name));
     return property != nullptr &&
            (entry.nvalue.len == 0 || gx_iden(gx_view(property->nvalue), gx_view(entry.nvalue)));
   });

@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-#include "expand/store.h"
+#include "expand/design.h"
 #include "gx/db/file_records.h"
 #include "gx/db/ids.h"
 
@@ -43,7 +43,8 @@ struct kv_init_t {
 struct kv_sheet_net_t {
   gx_object_id_t object_id = 0;
   std::int32_t group = -1;
-  kv_text_t suffix;  // "/" and its name: the NET property, or "N_" and its id
+  kv_text_t name;    // the NET property, empty when there is none
+  kv_text_t suffix;  // "/" and the name, or "/N_" and its id
   kv_init_t init;
   std::int32_t kept = -1;  // of masters only
 };
@@ -61,6 +62,7 @@ struct kv_sheet_group_t {
 
 struct kv_sheet_port_t {
   kv_text_t name, bare_name;  // bare: without the bus range
+  bool is_range = false;      // its pin stands for several bits
   std::int32_t group = -1;
 };
 
@@ -81,8 +83,9 @@ struct kv_sheet_pin_t {
   bool range_error = false;  // it leaves the range of its bus
   std::int16_t pin_start = 0, pin_end = 0, pin_net_start = 0;
   std::int32_t group = -1;
-  std::int32_t position = 0, width = 1;  // on a bus: its first member and their number
-  kv_text_t suffix;                      // "/" and its name: the PIN property, or "P_" and its id
+  // on a bus: its first member, -1 when that lies outside, and how many it meets
+  std::int32_t position = 0, width = 1;
+  kv_text_t suffix;  // "/" and its name: the PIN property, or "P_" and its id
   std::int32_t kept = -1;
 };
 
@@ -144,13 +147,13 @@ struct kv_global_net_record_t {
   std::int32_t net_ind = 0;  // its flat net, 0 while it has none
 };
 
-// Analyses a sheet for the lists of kv_sext as they stand. Names of globals it meets are added to
+// Analyses a sheet for the lists of a set-up. Names of globals it meets are added to
 // `globals`. A sheet of any contents is taken: what is missing or of a wrong type is left out.
 kv_sheet_t kv_analyse_sheet(const gx_file_gene_recf_t& file, std::string_view file_path,
-                            std::vector<kv_global_net_record_t>& globals);
+                            const kv_setup_t& setup, std::vector<kv_global_net_record_t>& globals);
 
 // Whether an instance is a primitive: the first entry of the PRIMitive list that it meets.
-bool kv_found_primitive(const gx_file_gene_recf_t& file, int inst);
+bool kv_found_primitive(const kv_setup_t& setup, const gx_file_gene_recf_t& file, int inst);
 
 // The values of a kept property's text, decoded for a place in the hierarchy.
 struct kv_scope_t;

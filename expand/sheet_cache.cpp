@@ -5,6 +5,7 @@
 
 #include "expand/sheet_slots.h"
 #include "gx/db/files.h"
+#include "gx/db/sheet_shape.h"
 #include "gx/text/message_list.h"
 #include "gx/text/strings.h"
 
@@ -20,7 +21,7 @@ gx_file_version_t current_version(std::string_view directory, std::string_view f
 }
 
 // Looks a component's sheet up and reads it, once.
-void read_sheet(kv_component_t& component, std::vector<kv_global_net_record_t>& globals) {
+void read_sheet(kv_component_t& component, kv_sheet_cache_t& cache) {
   if (component.sheet_state != kv_component_t::unknown) return;
   const gx_file_version_t version = current_version(component.directory, "sheet");
   component.sheet_state = kv_component_t::missing;
@@ -33,9 +34,11 @@ void read_sheet(kv_component_t& component, std::vector<kv_global_net_record_t>& 
   }
   component.sheet_state = kv_component_t::found;
   component.has_primary = load.file->primary_object > 0;
+  component.fault = gx_sheet_fault(*load.file);
   component.is_checked = load.file->check_data_done == 0;
   component.has_no_error = load.file->num_errors <= 0;
-  component.sheet = kv_analyse_sheet(*load.file, gx_view(version.file_pathname), globals);
+  component.sheet =
+      kv_analyse_sheet(*load.file, gx_view(version.file_pathname), cache.setup, cache.globals);
 }
 
 void tell_error(std::string_view label, std::string_view path, std::string_view tail) {
@@ -101,7 +104,7 @@ kv_sheet_t* kv_get_sheet_for_expand(kv_sheet_cache_t& cache, const kv_sheet_t& s
     gx_count_warning();
   }
 
-  read_sheet(component, cache.globals);
+  read_sheet(component, cache);
   if (component.sheet_state == kv_component_t::missing) {
     tell_error("!! Error : Sheet of INStance  ", path, "  not found ? ");
     return nullptr;
@@ -111,7 +114,8 @@ kv_sheet_t* kv_get_sheet_for_expand(kv_sheet_cache_t& cache, const kv_sheet_t& s
     gx_tell("# !! : ", component.why_damaged);
     return nullptr;
   }
-  if (!component.has_primary) tell_error(sheet_of_inst, path, "  Invalid ? ");
+  if (!component.fault.empty()) tell_error(sheet_of_inst, path, "  Invalid ? ");
+  if (!component.fault.empty() && component.has_primary) gx_tell("# !! : ", component.fault);
   constexpr std::string_view unchecked = "#  !! Error : Sheet of INStance ";
   if (!component.is_checked) tell_error(unchecked, path, "  NOT CHECKED ? ");
   if (!component.has_no_error) tell_error(unchecked, path, "  WITH Error(s) ? ");
@@ -145,7 +149,7 @@ void kv_find_tied_globals(kv_sheet_cache_t& cache, kv_sheet_t& sheet, int level)
     const bool is_leaf =
         std::all_of(begin, end, [](const auto& inst) { return inst.is_primitive; });
     if (is_leaf || !component.symbol_found) continue;
-    read_sheet(component, cache.globals);
+    read_sheet(component, cache);
     if (component.sheet_state != kv_component_t::found || component.sheet.ends_at_port) continue;
     kv_find_tied_globals(cache, component.sheet, level + 1);
     for (auto inst = begin; inst != end; ++inst) {

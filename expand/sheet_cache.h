@@ -20,12 +20,14 @@ struct kv_component_t {
   enum { unknown, missing, damaged, found } sheet_state = unknown;
   std::string why_damaged;
   bool has_primary = false;
+  std::string fault;          // what it lacks as a sheet
   bool is_checked = false;    // not changed since its last check
   bool has_no_error = false;  // and that check found none
   kv_sheet_t sheet;
 };
 
 struct kv_sheet_cache_t {
+  const kv_setup_t& setup;
   std::vector<std::unique_ptr<kv_component_t>> components;
   std::unordered_map<std::string, std::int32_t> by_directory;
   std::vector<kv_global_net_record_t> globals;  // of the run; the analysed sheets index them

@@ -2,12 +2,15 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <csignal>
+#include <cstring>
 #include <ctime>
 #include <string>
+#include <utility>
 
 #include "expand/debug.h"
 #include "gx/db/file_state.h"
@@ -69,8 +72,24 @@ void kv_send_request(std::string_view request) {
   std::string path(gx_view(gx_files.filear[1].dirname));
   path.append("/").append(kv_fifo_name);
   // Without O_NONBLOCK the opening would wait for a reader.
-  KivoSpice_fifo_fd = ::open(path.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
-  if (KivoSpice_fifo_fd < 0) return tell_not_ready(path);
+  do {
+    KivoSpice_fifo_fd = ::open(path.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
+  } while (KivoSpice_fifo_fd < 0 && errno == EINTR);
+  if (KivoSpice_fifo_fd < 0) {
+    const int reason = errno;
+    tell_not_ready(path);
+    // ENOENT and ENXIO: nobody listens. Anything else is told as what it is.
+    if (reason != ENOENT && reason != ENXIO)
+      gx_tell_quoted("# !! ", path, std::string(" : ") + std::strerror(reason));
+    return;
+  }
+  struct stat file;
+  if (::fstat(KivoSpice_fifo_fd, &file) != 0 || !S_ISFIFO(file.st_mode)) {
+    tell_not_ready(path);
+    gx_tell_quoted("# !! ", path, " : is no FIFO");
+    ::close(std::exchange(KivoSpice_fifo_fd, -1));
+    return;
+  }
   kv_debug(" DEbug : kv_send_request :2:  data:'%.*s'\n", static_cast<int>(line.size() - 1),
            line.data());
   if (!write_line(KivoSpice_fifo_fd, line)) tell_not_ready(path);

@@ -1,140 +1,110 @@
-// The writers of the expanded store and its fatal stop. Looking records up is in store_access.cpp.
 #include "expand/store.h"
 
 #include <algorithm>
-#include <cctype>
-#include <cstdarg>
-#include <cstdlib>
-#include <cstring>
+#include <cstdio>
 #include <string>
 
 #include "expand/debug.h"
-#include "gx/text/debug.h"
 #include "gx/text/status.h"
+
+kv_defref_exp_rec_t kv_sext;
 
 namespace {
 
-// Room for `len` characters (1..100), all in one block; `index` becomes that of the first. A string
-// that would reach the last position of its block starts the next one; the rest of the block it
-// leaves is zero, so that the same strings always give the same characters.
-char* reserve_chars(std::int32_t len, std::int32_t& index) {
-  auto& chars = kv_sext.chars;
-  std::int32_t start = chars.count;  // from 0
-  const std::int32_t end = start + len;
-  const std::int32_t block = end / kv_block_size;
-  if (end > kv_max_records || block >= kv_blocks) kv_array_full("char", end);
-  auto& storage = chars.blocks[static_cast<std::size_t>(block)];
-  const std::int32_t block_start = block * kv_block_size;
-  if (start < block_start || start == 0) {
-    if (start > 0) {
-      auto& left = chars.blocks[static_cast<std::size_t>(block - 1)];
-      std::fill(left.get() + (start - (block_start - kv_block_size)), left.get() + kv_block_size,
-                '\0');
-    }
-    if (!storage) storage = std::make_unique<char[]>(kv_block_size);
-    start = block_start;
+// A writer whose caller cannot go on when the store is full.
+template <typename Write>
+std::int32_t or_stop(Write write) {
+  try {
+    return write();
+  } catch (const kv_store_full_t& full) {
+    kv_debug_full(full);
+    std::printf("!! The design is too large : more than %d records of the kind '%s'\n", full.limit,
+                std::string(full.name).c_str());
+    kv_error_stop();
   }
-  chars.count = start + len;
-  index = start + 1;
-  return storage.get() + (start - block_start);
 }
 
-template <typename Fill>
-std::int32_t save_prop(kv_prop_type type, Fill fill) {
-  kv_prop_record_t& record = kv_sext.props.add("prop");
-  record.prop_type = type;
-  fill(record);
-  return kv_sext.props.count;
+// The n-th record (from 1) of the chain that begins at `first`. Every index met is checked.
+template <typename Record>
+Record& walk(kv_blocked_t<Record>& array, std::int32_t first, std::int32_t Record::*next,
+             std::int32_t n) {
+  Record* record = &kv_record(array, first);
+  for (std::int32_t k = 1; k < n; ++k) record = &kv_record(array, record->*next);
+  return *record;
+}
+
+// The n-th pin of a net's chain; what follows it must be a pin or nothing.
+kv_pin_record_t& walk_pins(std::int32_t first, std::int32_t kv_pin_record_t::*next,
+                           std::int32_t n) {
+  kv_pin_record_t& pin = walk(kv_sext.pins, first, next, n);
+  if (pin.*next != 0) kv_record(kv_sext.pins, pin.*next);
+  return pin;
 }
 
 }  // namespace
 
-void kv_debug(const char* format, ...) {
-  if (!kv_debf) return;
-  std::va_list args;
-  va_start(args, format);
-  std::vfprintf(kv_debf, format, args);
-  va_end(args);
-}
-
-void kv_array_full(std::string_view name, std::int32_t index) {
-  std::string upper(name);
-  for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  const std::string lower(name);
-  kv_debug(" KV_SAVE_%s  : error of max_%s_cur  : %d   %d\n", upper.c_str(), lower.c_str(), index,
-           kv_max_records);
-  if (kv_sext.run_goes_on) throw kv_store_full_t{name};
-  std::printf("!! The design is too large : more than %d records of the kind '%s'\n",
-              kv_max_records, lower.c_str());
-  kv_error_stop();
-}
-
-void kv_error_stop() {
-  kv_debug(" KV_ERROR_STOP  \n");
-  if (kv_sext.gx_graphics_used) {
-    gx_debug_line(" KV_ERROR_STOP  ");
-    gx_release_all();
-  }
-  std::printf("!!! KV_ERROR_STOP  \n");
-  std::fflush(nullptr);
-  std::_Exit(EXIT_FAILURE);
-}
-
-void kv_empty_store() {
-  kv_sext.chars.count = 0;
-  kv_sext.strings.count = 0;
-  kv_sext.props.count = 0;
-  kv_sext.pins.count = 0;
-  kv_sext.insts.count = 0;
-  kv_sext.nets.count = 0;
-  kv_sext.net_childs.count = 0;
-  kv_sext.pinms.count = 0;
-  kv_sext.macros.count = 0;
-}
-
 std::int32_t kv_save_string(std::string_view text) {
-  if (text.size() > kv_max_string) {
-    kv_debug(" KV_SAVE_STRING  : error of string length  : %d   \"%.*s\"\n",
-             static_cast<int>(text.size()), kv_max_string, text.data());
-    std::printf("!! A name or path is too long ( %d > %d ) : \"%.*s\"\n",
-                static_cast<int>(text.size()), kv_max_string, kv_max_string, text.data());
-    kv_error_stop();
-  }
-  kv_string_record_t& record = kv_sext.strings.add("string");
-  record.len = static_cast<std::int8_t>(text.size());
-  if (text.empty()) {
-    record.index = kv_sext.chars.count;
-  } else {
-    std::memcpy(reserve_chars(record.len, record.index), text.data(), text.size());
-  }
-  return kv_sext.strings.count;
+  return or_stop([&] { return kv_save_string(kv_sext, text); });
 }
-
 std::int32_t kv_save_prop_str(std::string_view text) {
-  const std::int32_t value = kv_save_string(text);
-  return save_prop(kv_prop_string, [value](kv_prop_record_t& prop) { prop.valuec = value; });
+  return or_stop([&] { return kv_save_prop_str(kv_sext, text); });
 }
-
 std::int32_t kv_save_prop_int(std::int32_t v1, std::int32_t v2, std::int32_t v3) {
-  return save_prop(kv_prop_int, [=](kv_prop_record_t& prop) {
-    prop.valuei[0] = static_cast<std::int16_t>(v1);
-    prop.valuei[1] = static_cast<std::int16_t>(v2);
-    prop.valuei[2] = static_cast<std::int16_t>(v3);
-  });
+  return or_stop([&] { return kv_save_prop_int(kv_sext, v1, v2, v3); });
 }
-
 std::int32_t kv_save_prop_time(std::int32_t v1, std::int32_t v2, std::int32_t v3) {
-  return save_prop(kv_prop_time, [=](kv_prop_record_t& prop) {
-    prop.valuet[0] = v1;
-    prop.valuet[1] = v2;
-    prop.valuet[2] = v3;
-  });
+  return or_stop([&] { return kv_save_prop_time(kv_sext, v1, v2, v3); });
+}
+std::int32_t kv_save_prop_real(float v1, float v2, float v3) {
+  return or_stop([&] { return kv_save_prop_real(kv_sext, v1, v2, v3); });
 }
 
-std::int32_t kv_save_prop_real(float v1, float v2, float v3) {
-  return save_prop(kv_prop_real, [=](kv_prop_record_t& prop) {
-    prop.valuer[0] = v1;
-    prop.valuer[1] = v2;
-    prop.valuer[2] = v3;
-  });
+kv_string_record_t& kv_ptrto_string_rec(std::int32_t index) {
+  return kv_record(kv_sext.strings, index);
+}
+kv_prop_record_t& kv_ptrto_prop_rec(std::int32_t index) { return kv_record(kv_sext.props, index); }
+kv_pin_record_t& kv_ptrto_pin_rec(std::int32_t index) { return kv_record(kv_sext.pins, index); }
+kv_inst_record_t& kv_ptrto_inst_rec(std::int32_t index) { return kv_record(kv_sext.insts, index); }
+kv_net_record_t& kv_ptrto_net_rec(std::int32_t index) { return kv_record(kv_sext.nets, index); }
+kv_net_child_record_t& kv_ptrto_net_child_rec(std::int32_t index) {
+  return kv_record(kv_sext.net_childs, index);
+}
+kv_pinm_record_t& kv_ptrto_pinm_rec(std::int32_t index) { return kv_record(kv_sext.pinms, index); }
+kv_macro_record_t& kv_ptrto_macro_rec(std::int32_t index) {
+  return kv_record(kv_sext.macros, index);
+}
+const char* kv_ptrto_chars(std::int32_t string_index) { return kv_chars_of(kv_sext, string_index); }
+std::string_view kv_string_view(std::int32_t string_index) {
+  return kv_text(kv_sext, string_index);
+}
+
+gx_string_record_t kv_copy_string_kv_gx(std::int32_t string_index) {
+  if (!kv_sext.strings.holds(string_index)) {
+    kv_debug(" !!! ERROR in KV_COPY_STRING_KV_GX : str_index : invalid : %d   0,%d\n", string_index,
+             kv_sext.strings.count);
+    gx_set_status(gx_code::invalid_string);
+  }
+  const kv_string_record_t& record = kv_sext.strings[string_index];
+  if (record.len < 0 || (record.len > 0 && !kv_sext.chars.holds(record.index))) {
+    kv_debug(" !!! ERROR in KV_COPY_STRING_KV_GX : REC_IN : invalid  : %d  %d\n", record.len,
+             record.index);
+    gx_set_status(gx_code::invalid_string);
+  }
+  gx_string_record_t string;
+  string.len = record.len;
+  if (record.len > 0) std::copy_n(&kv_sext.chars[record.index], record.len, string.char_);
+  return string;
+}
+
+kv_net_child_record_t& kv_net_ptrto_net_child_rec(std::int32_t net_index, std::int32_t n) {
+  return walk(kv_sext.net_childs, kv_ptrto_net_rec(net_index).first_child,
+              &kv_net_child_record_t::next_child, n);
+}
+kv_pin_record_t& kv_net_ptrto_pin_in_rec(std::int32_t net_index, std::int32_t n) {
+  return walk_pins(kv_ptrto_net_rec(net_index).first_pin_in_ind, &kv_pin_record_t::next_pin_in_ind,
+                   n);
+}
+kv_pin_record_t& kv_net_ptrto_pin_out_rec(std::int32_t net_index, std::int32_t n) {
+  return walk_pins(kv_ptrto_net_rec(net_index).first_pin_out_ind,
+                   &kv_pin_record_t::next_pin_out_ind, n);
 }

@@ -7,7 +7,6 @@
 #include <cmath>
 #include <limits>
 
-#include "expand/store.h"
 #include "gx/text/strings.h"
 
 namespace {
@@ -128,19 +127,19 @@ kv_values_t<float> kv_decode_3_valuer(std::string_view text, const kv_scope_t& s
 kv_values_t<std::int32_t> kv_decode_3_valuet(std::string_view text, const kv_scope_t& scope) {
   kv_values_t<float> times = kv_decode_3_valuer(text, scope);
   if (times.error_found) return failed<std::int32_t>();
-  if (kv_sext.time_step <= 0) {
+  if (scope.setup.time_step <= 0) {
     kv_values_t<std::int32_t> none;
     none.num_values = times.num_values;
     return none;
   }
-  times.value1 /= kv_sext.time_step;
-  times.value2 /= kv_sext.time_step;
-  times.value3 /= kv_sext.time_step;
+  times.value1 /= scope.setup.time_step;
+  times.value2 /= scope.setup.time_step;
+  times.value3 /= scope.setup.time_step;
   return rounded(times, std::numeric_limits<std::int32_t>::min(),
                  std::numeric_limits<std::int32_t>::max());
 }
 
-bool kv_depends_on_macro(std::string_view text) {
+bool kv_depends_on_macro(std::string_view text, const kv_setup_t& setup) {
   text = trimmed(text);
   if (!text.starts_with('(')) return false;
   // Blanks do not count in an expression, so "R 1" names R1.
@@ -148,7 +147,7 @@ bool kv_depends_on_macro(std::string_view text) {
   std::size_t len = 0;
   const auto is_name_of_macro = [&] {
     const bool is_name = len > 0 && !is_digit(name[0]) && name[0] != '.';
-    return is_name && kv_find_parameter_value({name.data(), len}).error_found;
+    return is_name && kv_find_parameter_value({name.data(), len}, setup).error_found;
   };
   for (char c : text.substr(0, name.size())) {
     if (c == ' ') continue;

@@ -4,6 +4,9 @@
 #include <cstdint>
 #include <string_view>
 
+#include "expand/design.h"
+#include "expand/setup.h"
+
 // first, second (middle) and third value
 template <typename Number>
 struct kv_values_t {
@@ -12,9 +15,11 @@ struct kv_values_t {
   int num_values = 0;
 };
 
-// What an expression may refer to beyond the PARAMeter list: the kept properties of the macro
-// whose sheet is being flattened.
+// What an expression may refer to: the PARAMeter list, and the kept properties of the macro whose
+// sheet is being flattened.
 struct kv_scope_t {
+  const kv_setup_t& setup;
+  const kv_design_t& design;
   std::int16_t expand_level = 1;  // 1 = top sheet: no macro
   std::int32_t macro_level = 0;   // macro index
 };
@@ -23,12 +28,12 @@ kv_values_t<std::int32_t> kv_decode_3_valuei(std::string_view text, const kv_sco
 kv_values_t<std::int32_t> kv_decode_3_valuet(std::string_view text, const kv_scope_t& scope);
 kv_values_t<float> kv_decode_3_valuer(std::string_view text, const kv_scope_t& scope);
 kv_values_t<float> kv_conv_complex_expr(std::string_view text, const kv_scope_t& scope);
-kv_values_t<float> kv_find_parameter_value(std::string_view name);
+kv_values_t<float> kv_find_parameter_value(std::string_view name, const kv_setup_t& setup);
 kv_values_t<float> kv_find_property_inst_value(std::string_view name, const kv_scope_t& scope);
 
 // A value that depends on the enclosing macro (an expression with a name that is no parameter)
 // must be decoded at each visit; any other gives the same values everywhere in a run.
-bool kv_depends_on_macro(std::string_view text);
+bool kv_depends_on_macro(std::string_view text, const kv_setup_t& setup);
 
 struct kv_state_t {
   std::int8_t state = 0;  // 4 * strength + level, 0..19

@@ -9,6 +9,7 @@
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
 #include "gx/db/queries.h"
+#include "gx/db/sheet_shape.h"
 
 namespace {
 

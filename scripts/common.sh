@@ -3,7 +3,7 @@
 
 packages=(cmake ninja-build g++ ccache pkg-config libx11-dev libxtst-dev libgtest-dev
           libbenchmark-dev xvfb xauth xdotool imagemagick ngspice hp2xx
-          python3)
+          python3 clang-format)
 
 # Installs what is missing of the packages; touches nothing when all are there.
 install_packages() {

@@ -1,11 +1,12 @@
 #!/usr/bin/env python3
 """Compares an expanded design with a netlist that another program made of the same source.
 
-usage: compare_reference.py KIVO_DATA REFERENCE.NET [EXPECTED.JSON]
+usage: compare_reference.py KIVO_DATA REFERENCE [EXPECTED.JSON]
 
-KIVO_DATA is the data listing of a run (GENerate DATa ON), REFERENCE.NET a netlist in the format
-"geda" of gEDA and its successors, whose refdes are joined by "/" over the levels. The two agree
-when every net joins the same pins. EXPECTED.JSON holds counts that the listing must reach. Says
+KIVO_DATA is the data listing of a run (GENerate DATa ON), REFERENCE a netlist in the format "geda"
+of gEDA and its successors, whose refdes are joined by "/" over the levels; or, ending in .spice, a
+flat SPICE netlist of xschem, whose names are in capitals and joined by "_" from the leaf on (pins
+are told by their position there). The two agree when every net joins the same pins. EXPECTED.JSON holds counts that the listing must reach. Says
 what differs; the exit status is 1 then.
 
 Names are compared in ASCII: a part called by a Greek letter there bears the letter's name here.
@@ -45,10 +46,48 @@ def reference_nets(path):
     return nets
 
 
-def listed_nets(path):
+def nodes_of(words):
+    """How many words of a SPICE line are nodes; the last plain one of a call names what it calls."""
+    letter = words[0][0]
+    if letter == "X":
+        plain = next((i for i, word in enumerate(words) if "=" in word), len(words))
+        return plain - 2
+    return {"M": 4, "E": 4, "G": 4, "S": 4, "Q": 3, "J": 3}.get(letter, 2)
+
+
+def spice_nets(path):
+    """The pins of each net, as (device, position)."""
+    lines = []
+    commands = False
+    for line in open(path, encoding="utf-8"):
+        commands = line.lower().startswith(".control") or (
+            commands and not line.lower().startswith(".endc"))
+        if commands:
+            continue
+        if line.startswith("+") and lines:
+            lines[-1] += " " + line[1:]
+        elif line[:1].isalpha():
+            lines.append(line)
+    nets = collections.defaultdict(set)
+    for words in (re.sub(r"\s*=\s*", "=", line).split() for line in lines):
+        for position, node in enumerate(words[1:1 + nodes_of(words)], 1):
+            nets[node].add(f"{words[0]} {position}")
+    return {name: frozenset(pins) for name, pins in nets.items()}
+
+
+def spice_name(path):
+    """/XA/X1/M2 as xschem's flat netlist says it: M2_XA_X1."""
+    *levels, leaf = path.upper().strip("/").split("/")
+    # Levels that an import added where a sheet was too large.
+    levels = [level for level in levels if not re.fullmatch(r"PART\d+", level)]
+    return "_".join([leaf] + levels)
+
+
+def listed_nets(path, spice=False):
     """The same of a data listing: the path of each net by the pins of leaf instances on it."""
     pins = collections.defaultdict(set)
     names, counts = {}, {}
+    positions = collections.Counter()
     kind = index = sim_path = None
     for line in open(path, encoding="utf-8"):
         if m := re.match(r" nbof_(.*?) *:(\d+)$", line):
@@ -64,6 +103,10 @@ def listed_nets(path):
             sim_path = m.group(1)
             if kind == "NET":
                 names[index] = sim_path
+        elif (m := re.match(r" net_ind *: (\d+)$", line)) and kind == "pin" and spice:
+            device = sim_path.rsplit("/", 1)[0]
+            positions[device] += 1
+            pins[int(m.group(1))].add(f"{spice_name(device)} {positions[device]}")
         elif (m := re.match(r" net_ind *: (\d+)$", line)) and kind == "pin":
             pins[int(m.group(1))].add(re.sub(r"~\d+(?=/[^/]*$)", "", sim_path))
     return {names[net]: frozenset(on) for net, on in pins.items()}, counts
@@ -72,8 +115,9 @@ def listed_nets(path):
 def main():
     if len(sys.argv) not in (3, 4):
         sys.exit(__doc__)
-    here, counts = listed_nets(sys.argv[1])
-    there = reference_nets(sys.argv[2])
+    spice = sys.argv[2].endswith(".spice")
+    here, counts = listed_nets(sys.argv[1], spice)
+    there = spice_nets(sys.argv[2]) if spice else reference_nets(sys.argv[2])
     faults = []
     # A pin that nothing is joined to may be missing there.
     joined = {pin for pins in there.values() for pin in pins}

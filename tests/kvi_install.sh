@@ -7,7 +7,7 @@ build=$1 source=$2
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cmake --install "$build" --component kvi --prefix "$work/prefix" >/dev/null
-client=$source/examples/spice_export
+client=$source/examples/list_nets
 
 cmake -G Ninja -S "$client" -B "$work/cmake" -DCMAKE_PREFIX_PATH="$work/prefix" >/dev/null
 cmake --build "$work/cmake" >/dev/null
@@ -18,10 +18,10 @@ LD_LIBRARY_PATH=$(pkg-config --variable=libdir kvi)
 export LD_LIBRARY_PATH
 mkdir "$work/shared" "$work/static"
 # shellcheck disable=SC2046
-cc -Wall -Werror "$client/spice_export.c" -o "$work/shared/spice_export" \
+cc -Wall -Werror "$client/list_nets.c" -o "$work/shared/list_nets" \
   $(pkg-config --cflags --libs kvi)
 # shellcheck disable=SC2046
-cc -Wall -Werror "$client/spice_export.c" -o "$work/static/spice_export" \
+cc -Wall -Werror "$client/list_nets.c" -o "$work/static/list_nets" \
   $(pkg-config --cflags kvi) "$LD_LIBRARY_PATH/libkvi.a" -lstdc++ -lm
 
 # Each answers about a damaged file by itself, so each really runs.
@@ -29,7 +29,7 @@ cd "$work"
 mkdir design
 cp "$source/fuzz/corpus/kvi/half_written" design/design_kv
 for way in cmake shared static; do
-  answer=$("$work/$way/spice_export" design 2>&1) && exit 1
-  [[ $answer == "spice_export: design/design_kv is no whole design file" ]] || {
+  answer=$("$work/$way/list_nets" design 2>&1) && exit 1
+  [[ $answer == "list_nets: status "*"design/design_kv"* ]] || {
     echo "$way: $answer"; exit 1; }
 done

@@ -8,8 +8,8 @@
 #include <span>
 #include <unordered_map>
 
-#include "app/sheet/sheet_walk.h"
 #include "gx/db/files.h"
+#include "gx/db/owners.h"
 #include "gx/display/draw.h"
 #include "gx/text/message_list.h"
 #include "gx/text/strings.h"
@@ -146,9 +146,9 @@ void check_pin(kv_check_t& check, int inst, gx_pin_pair_t pair, kv_check_table_t
     }
     pin.add_name(property);
   };
-  kv_visit_properties(check.file, {kv_owner_kind::pin, pair.pinpropfam, inst, pair.pinpropfam},
+  gx_visit_properties(check.file, {gx_owner_kind::pin, pair.pinpropfam, inst, pair.pinpropfam},
                       check_property);
-  kv_visit_properties(check.file, {kv_owner_kind::symbol_pin, pair.pin, inst, pair.pinpropfam},
+  gx_visit_properties(check.file, {gx_owner_kind::symbol_pin, pair.pin, inst, pair.pinpropfam},
                       check_property);
 
   if (type == nullptr) {
@@ -262,9 +262,9 @@ void check_instance(kv_check_t& check, int inst, links_t& links, kv_check_table_
     }
     body.add_name(property);
   };
-  kv_visit_properties(file, {kv_owner_kind::body, inst, inst, inst},
+  gx_visit_properties(file, {gx_owner_kind::body, inst, inst, inst},
                       [&](const auto& property) { check_property(property, false); });
-  kv_visit_properties(file, {kv_owner_kind::symbol, symbol, inst, inst},
+  gx_visit_properties(file, {gx_owner_kind::symbol, symbol, inst, inst},
                       [&](const auto& property) { check_property(property, true); });
 
   check_symbol_reference(check, inst, links);
@@ -284,7 +284,7 @@ void check_instance(kv_check_t& check, int inst, links_t& links, kv_check_table_
 void check_net(kv_check_t& check, int net) {
   object_check_t object = {check, of_net, label("N_", net), {}};
   const gx_object_property_rec_t* name = nullptr;
-  kv_visit_properties(check.file, {kv_owner_kind::net, net, 0, net},
+  gx_visit_properties(check.file, {gx_owner_kind::net, net, 0, net},
                       [&](const gx_object_property_rec_t& property) {
                         if (object.is_first(net_once, property, name) &&
                             !check.net_names.add(gx_view(property.nvalue))) {
@@ -298,7 +298,7 @@ void check_net(kv_check_t& check, int net) {
 void check_frame(kv_check_t& check, int frame) {
   object_check_t object = {check, of_frame, label("F_", frame), {}};
   const gx_object_property_rec_t* expression = nullptr;
-  kv_visit_properties(check.file, {kv_owner_kind::frame, frame, 0, frame},
+  gx_visit_properties(check.file, {gx_owner_kind::frame, frame, 0, frame},
                       [&](const gx_object_property_rec_t& property) {
                         if (object.is_first(frexp_once, property, expression) &&
                             !check.frame_names.add(gx_view(property.nvalue))) {
@@ -321,19 +321,19 @@ void kv_check_instances(kv_check_t& check) {
   links_t links;
   kv_check_table_t pin_names;
   for (const int inst : lb_instances(check.file)) {
-    if (kv_is_live(check.file, inst)) check_instance(check, inst, links, pin_names);
+    if (!gx_inq_object_deleted(check.file, inst)) check_instance(check, inst, links, pin_names);
   }
 }
 
 void kv_check_nets(kv_check_t& check) {
   for (const int net : lb_nets(check.file)) {
-    if (kv_is_live(check.file, net)) check_net(check, net);
+    if (!gx_inq_object_deleted(check.file, net)) check_net(check, net);
   }
 }
 
 void kv_check_frames(kv_check_t& check) {
   for (const int frame : lb_frames(check.file)) {
-    if (kv_is_live(check.file, frame)) check_frame(check, frame);
+    if (!gx_inq_object_deleted(check.file, frame)) check_frame(check, frame);
   }
 }
 

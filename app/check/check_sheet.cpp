@@ -5,7 +5,7 @@
 #include "app/check/check_rules.h"
 #include "app/language/command_row.h"
 #include "app/sheet/command_viewport.h"
-#include "app/sheet/sheet_walk.h"
+#include "gx/db/owners.h"
 #include "gx/db/undo.h"
 #include "gx/display/draw.h"
 #include "gx/text/debug.h"
@@ -29,7 +29,7 @@ void delete_unused_symbols(const kv_check_t& check) {
     used[static_cast<std::size_t>(gx_instance_info_ptr(check.file, inst).symbol)] = true;
   }
   for (const int symbol : lb_symbols(check.file)) {
-    if (!used[static_cast<std::size_t>(symbol)] && kv_is_live(check.file, symbol)) {
+    if (!used[static_cast<std::size_t>(symbol)] && !gx_inq_object_deleted(check.file, symbol)) {
       lb_delete_symbol_prim(check.file_index, symbol);
     }
   }

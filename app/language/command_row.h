@@ -61,7 +61,7 @@ struct kv_command_row_t {
   int first_echoed = 2;
   std::size_t exact = 0;  // characters of word 1; 0: the keyword or longer
   std::uint32_t counts = kv_counts_of(syntax);
-  bool ends_rectangle = false;               // a rubber rectangle ends, also when it is refused
+  bool ends_rectangle = false;               // a refusal, too, ends a rubber rectangle
   kv_deciding_handler_t deciding = nullptr;  // instead of `handler`
   kv_outcome_t refused = {};                 // of a deciding one after its refusal
 

@@ -63,8 +63,8 @@ kv_outcome_t run_command(const kv_command_t& command) {
       gx_debug(" KV_PROCESS_COMMAND  : BAD First CHAR !! \n");
     return {.unknown = true};
   }
-  if (row->ends_rectangle) kv_pext.mark_rect_done = false;
   if (!row->refusal.empty() && !row->takes(command.count())) {
+    if (row->ends_rectangle) kv_pext.mark_rect_done = false;
     kv_refuse(row->refusal, command, kv_bad_count, row->first_echoed);
     return row->refused;
   }
@@ -92,6 +92,7 @@ bool run_piece(gx_string_record_t piece, kv_array_param_t& args, kv_array_param_
   if (words.count == 0) return false;
   if (words.first().front() == '#') return true;
 
+  gx_list_follow();
   const kv_command_t command{words.all(), args, vars};
   const kv_outcome_t outcome = run_command(command);
   if (outcome.unknown) show_unknown(piece);

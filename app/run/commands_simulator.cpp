@@ -3,10 +3,10 @@
 #include <string>
 
 #include "app/language/command_row.h"
-#include "app/sheet/sheet_walk.h"
 #include "expand/net_names.h"
 #include "expand/sim_request.h"
 #include "expand/store.h"
+#include "gx/db/owners.h"
 #include "gx/display/window.h"
 #include "gx/text/message_list.h"
 #include "gx/text/strings.h"
@@ -118,7 +118,9 @@ void plot_request::add_pins(int inst) {
   if (element_letters.find(letter) == std::string_view::npos) return;
   bool any_selected = false, any_named = false;
   for (const gx_pin_pair_t pair : lb_pins(file_, inst)) {
-    if (!kv_is_live(file_, pair.pinpropfam) || !kv_is_selected(file_, pair.pinpropfam)) continue;
+    if (gx_inq_object_deleted(file_, pair.pinpropfam) ||
+        !gx_inq_object_selected(file_, pair.pinpropfam))
+      continue;
     any_selected = true;
     auto name = lb_get_valueof_prop_pin(file_, pair.pin, "PIN");
     if (!name) name = lb_get_valueof_prop_pinpropfam(file_, pair.pinpropfam, "PIN");
@@ -162,10 +164,11 @@ void kv_give_cmd(const kv_command_t& command) {
     plot_request plot(command, file);
     for (int id = 1; id <= file.object_id_max; ++id) {
       const bool is_net = gx_object_id_ptr(file, id).object_type == gx_type::net;
-      if (is_net && kv_is_live(file, id) && kv_is_selected(file, id)) plot.add_net(id);
+      if (is_net && !gx_inq_object_deleted(file, id) && gx_inq_object_selected(file, id))
+        plot.add_net(id);
     }
     for (const int inst : lb_instances(file)) {
-      if (kv_is_live(file, inst)) plot.add_pins(inst);
+      if (!gx_inq_object_deleted(file, inst)) plot.add_pins(inst);
     }
     request = plot.text();
   }

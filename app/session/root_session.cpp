@@ -10,10 +10,12 @@
 #include "app/session/root.h"
 #include "app/sheet/views.h"
 #include "app/state.h"
+#include "expand/design_file.h"
 #include "expand/store.h"
 #include "gx/db/files.h"
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
+#include "gx/db/sheet_shape.h"
 #include "gx/db/undo.h"
 #include "gx/display/cmd_viewport.h"
 #include "gx/display/cursor.h"
@@ -81,11 +83,12 @@ void open_transcript() {
 
 void open_outputs() {
   const gx_string_record_t design = design_file("/design_kv");
-  std::FILE* stream = gx_popen_filei(gx_view(design), 'W', false);
-  if (stream == nullptr)
+  std::string why;
+  kv_sext.designfile = kv_open_design_file(std::string(gx_view(design)), why);
+  if (kv_sext.designfile < 0) {
+    std::printf("!! Error : \"%.*s\" : %s\n", design.len, design.char_, why.c_str());
     refuse_start("impossible to open  designfile_name", design, gx_code::file_data_invalid);
-  kv_sext.designfile = fcntl(fileno(stream), F_DUPFD_CLOEXEC, 0);
-  std::fclose(stream);
+  }
 
   const gx_string_record_t trace = gx_string("debug_kivo2");
   kv_debf = gx_popen_file(gx_view(trace), 'W', false);
@@ -114,7 +117,18 @@ void open_primary_sheet(const gx_string_record_t& design) {
   kv_pext.file_id_cur = kv_pext.file_id_context = level1.file_index;
 }
 
-// False, and an error counted, when the design has no sheet.
+// False, and an error counted, when a family, the grid or a part of an object is missing.
+bool show_whether_whole(const gx_file_gene_recf_t& sheet) {
+  const std::string fault = gx_sheet_fault(sheet);
+  if (fault.empty()) return true;
+  const auto& path = gx_vext.filear[static_cast<std::size_t>(sheet.file_index)].file_pathname;
+  std::printf("!! error : Sheet not whole : \"%.*s\" : %s\n", path.len, path.char_, fault.c_str());
+  ++gx_vext.num_errors;
+  gx_debug("!!! error : INITIALIZE  : \"%.*s\" : %s\n", path.len, path.char_, fault.c_str());
+  return false;
+}
+
+// False, and an error counted, when the design has no sheet, or one that lacks something.
 bool show_whether_sheet(const gx_string_record_t& design) {
   const auto& sheet = gx_ptrto_gene_file_buf(kv_pext.file_id_cur);
   const int primary = gx_file_inq_primary_object(sheet);
@@ -127,7 +141,7 @@ bool show_whether_sheet(const gx_string_record_t& design) {
     ++gx_vext.num_errors;
     gx_set_status(gx_code::invalid_string);
   }
-  if (primary != 0) return true;
+  if (primary != 0) return show_whether_whole(sheet);
   std::printf("!! error : No sheet Found : \"%.*s\"\n", design.len, design.char_);
   ++gx_vext.num_errors;
   gx_debug_line("!!! error : INITIALIZE  : no primary \"");
@@ -160,7 +174,7 @@ void debug_roles() {
 void show_first_picture() {
   for (const gx_vpid_t vpid : {gx_vext.viewport_edit, gx_vext.viewport_context}) {
     kv_display_picture_all(vpid, kv_pext.file_id_cur);
-    gx_display_cross(vpid, gx_vext.obj_pos);
+    gx_keep_cross(vpid, gx_vext.obj_pos);
   }
   gx_vext.pixel_pos = gx_viewport_pt_real_to_pixel(gx_vext.viewport_edit, gx_vext.obj_pos);
   kv_pext.prev_viewport_id = 1;
@@ -211,9 +225,9 @@ void kv_finish_session() {
   if (kv_sext.designfile >= 0) close(std::exchange(kv_sext.designfile, -1));
   for (int level = 1; level <= kv_pext.file_level_max; ++level)
     if (const auto index = kv_pext.arrayof_file[static_cast<std::size_t>(level - 1)].file_index)
-      gx_file_close(index, false);
-  if (kv_pext.view_sheet_done) gx_file_close(kv_pext.file_id_views, false);
-  if (kv_pext.act_symb_done) gx_file_close(kv_pext.file_id_act, false);
+      gx_file_close(index);
+  if (kv_pext.view_sheet_done) gx_file_close(kv_pext.file_id_views);
+  if (kv_pext.act_symb_done) gx_file_close(kv_pext.file_id_act);
   gx_debug_line("@@@@@@ FINALIZE after gx_file_close  ");
   gx_terminate();
   gx_debug_line("@@@@@@ FINALIZE  after gx_terminate  ");

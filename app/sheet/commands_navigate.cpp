@@ -9,6 +9,7 @@
 #include "gx/db/files.h"
 #include "gx/db/object_access.h"
 #include "gx/db/queries.h"
+#include "gx/db/sheet_shape.h"
 #include "gx/text/debug.h"
 #include "gx/text/message_list.h"
 #include "gx/text/strings.h"
@@ -95,9 +96,12 @@ bool open_at(int level, const gx_string_record_t& directory, const kv_command_t&
   }
   place.file_path = directory;
   kv_pext.file_level_max = std::max<std::int16_t>(kv_pext.file_level_max, std::int16_t(level));
-  if (kv_is_sheet(gx_ptrto_gene_file_buf(place.file_index))) return true;
+  const auto& file = gx_ptrto_gene_file_buf(place.file_index);
+  why = gx_sheet_fault(file);
+  if (why.empty()) return true;
   kv_leave_slot(place.file_index);
   kv_refuse("# VIEw DOWn  ", command, "# !! Error : No Sheet Available ? : ", 3);
+  if (file.primary_object != 0) gx_tell("# !! ", gx_view(directory), "/sheet.gx : ", why);
   return false;
 }
 
@@ -139,6 +143,7 @@ void kv_view_down_cmd(const kv_command_t& command) {
   if (!open_at(level + 1, directory, command)) return;
   show_level(level + 1);
   gx_concat_all(kv_pext.cur_sim_path, name, "/");
+  kv_show_title();
   gx_tell(" VIEw DOWn  ", name);
 }
 
@@ -164,6 +169,7 @@ void kv_view_up_cmd(const kv_command_t& command) {
   }
   show_level(level - 1);
   cut_last_name(kv_pext.cur_sim_path);
+  kv_show_title();
   gx_tell(" VIEw UP  ");
 }
 

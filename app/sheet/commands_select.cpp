@@ -2,7 +2,7 @@
 #include "app/language/command_row.h"
 #include "app/sheet/command_viewport.h"
 #include "app/sheet/select_area.h"
-#include "app/sheet/sheet_walk.h"
+#include "gx/db/owners.h"
 #include "gx/db/undo.h"
 #include "gx/display/draw.h"
 #include "gx/text/message_list.h"
@@ -54,6 +54,7 @@ constexpr area_command_t unselect_area = {
 
 // SELect AREa kind, or SELect AREa kind Edit x1 y1 x2 y2.
 void run_area(const area_command_t& what, const kv_command_t& command) {
+  kv_pext.mark_rect_done = false;
   const auto kind = area_kind(command.word(3));
   if (!kind) {
     return kv_refuse(what.kind_refused, command, "# !! Error :  3 rd parameter incorrect ? ", 3);
@@ -112,7 +113,7 @@ void kv_select_object_cmd(const kv_command_t& command) {
     return refuse("# !! Error : 4th parameter incorrect ? (invalid number)");
   }
   const auto& file = view->file();
-  if (!gx_object_id_ok(file, id.value) || !kv_is_live(file, id.value)) {
+  if (!gx_object_id_ok(file, id.value) || gx_inq_object_deleted(file, id.value)) {
     return refuse("# !! Error : 4th parameter incorrect ( handle Invalid) ? ");
   }
   if (gx_object_id_ptr(file, id.value).object_type != handle->type) {

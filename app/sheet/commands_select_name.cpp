@@ -2,7 +2,7 @@
 // CHAnge PROperty SWItches.
 #include "app/language/command_row.h"
 #include "app/sheet/command_viewport.h"
-#include "app/sheet/sheet_walk.h"
+#include "gx/db/owners.h"
 #include "gx/db/undo.h"
 #include "gx/text/message_list.h"
 #include "gx/text/strings.h"
@@ -43,7 +43,7 @@ void kv_select_pin_cmd(const kv_command_t& command) {
   const auto& file = view->file();
   bool found = false;
   for (const int inst : lb_instances(file)) {
-    if (!kv_is_live(file, inst)) continue;
+    if (gx_inq_object_deleted(file, inst)) continue;
     const auto* name = lb_find_prop_inst(file, inst, "INST");
     if (name == nullptr || !matches(command.word(4), gx_view(name->nvalue))) continue;
     for (const auto pair : lb_pins(file, inst)) {
@@ -64,8 +64,8 @@ void kv_select_prop_cmd(const kv_command_t& command) {
   gx_undo_define_new_step();
   const auto& file = view->file();
   kv_pext.act_prop_exist = false;
-  kv_visit_owners(file, [&](const kv_owner_t& owner) {
-    kv_visit_properties(file, owner, [&](const gx_object_property_rec_t& property) {
+  gx_visit_owners(file, [&](const gx_owner_t& owner) {
+    gx_visit_properties(file, owner, [&](const gx_object_property_rec_t& property) {
       if (!gx_iden(command.word(4), gx_view(property.name))) return;
       if (command.count() == 5 && !matches(command.word(5), gx_view(property.nvalue))) return;
       gx_set_object_selected(file, property.gene.object_id, true);
@@ -93,8 +93,8 @@ void kv_change_prop_switches_cmd(const kv_command_t& command) {
   bool found = false;
   for (int id = 1; id <= file.object_id_max; ++id) {
     const auto& object = gx_object_id_ptr(file, id);
-    if (object.object_type != gx_type::property_2d || !kv_is_live(file, id) ||
-        !kv_is_selected(file, id)) {
+    if (object.object_type != gx_type::property_2d || gx_inq_object_deleted(file, id) ||
+        !gx_inq_object_selected(file, id)) {
       continue;
     }
     found = true;

@@ -5,8 +5,8 @@
 
 #include "app/language/command_row.h"
 #include "app/sheet/command_viewport.h"
-#include "app/sheet/sheet_walk.h"
 #include "gx/db/geometry.h"
+#include "gx/db/owners.h"
 #include "gx/display/draw.h"
 #include "gx/text/debug.h"
 #include "gx/text/message_list.h"
@@ -42,10 +42,10 @@ void show_object_and_owners(const gx_file_gene_recf_t& file, int id) {
 
 bool show_selected_objects(const gx_file_gene_recf_t& file) {
   bool found = false;
-  kv_visit_owners(file, [&](const kv_owner_t& owner) {
-    if (!kv_is_selected(file, owner.on_sheet)) return;
+  gx_visit_owners(file, [&](const gx_owner_t& owner) {
+    if (!gx_inq_object_selected(file, owner.on_sheet)) return;
     switch (owner.kind) {
-      case kv_owner_kind::body: {
+      case gx_owner_kind::body: {
         const int symbol = gx_instance_info_ptr(file, owner.id).symbol;
         show_handle(owner.id, "INSTANCE ");
         gx_tell("# path = \"", gx_view(gx_symbol_info_ptr(file, symbol).path), "\" ");
@@ -53,20 +53,20 @@ bool show_selected_objects(const gx_file_gene_recf_t& file) {
         show_handle(symbol, "SYMBOL ");
         break;
       }
-      case kv_owner_kind::pin:
+      case gx_owner_kind::pin:
         show_handle(owner.id, "PIN (of instance)");
         break;
-      case kv_owner_kind::symbol_pin:
+      case gx_owner_kind::symbol_pin:
         show_handle(owner.id, "PIN (of symbol)");
         break;
-      case kv_owner_kind::net:
+      case gx_owner_kind::net:
         show_handle(owner.id, "NET ");
         break;
-      case kv_owner_kind::frame:
+      case gx_owner_kind::frame:
         show_handle(owner.id, "FRAME ");
         break;
-      case kv_owner_kind::symbol:  // shown with its instance
-      case kv_owner_kind::none:
+      case gx_owner_kind::symbol:  // shown with its instance
+      case gx_owner_kind::none:
         return;
     }
     found = true;
@@ -77,9 +77,9 @@ bool show_selected_objects(const gx_file_gene_recf_t& file) {
 // --- STAtus NET
 
 bool is_net_selected(const gx_file_gene_recf_t& file, int net) {
-  if (kv_is_selected(file, net)) return true;
+  if (gx_inq_object_selected(file, net)) return true;
   for (const int segment : lb_segments(file, net)) {
-    if (kv_is_live(file, segment) && kv_is_selected(file, segment)) return true;
+    if (!gx_inq_object_deleted(file, segment) && gx_inq_object_selected(file, segment)) return true;
   }
   return false;
 }
@@ -93,7 +93,7 @@ std::string end_text(const gx_file_gene_recf_t& file, std::string_view name, int
 void show_net(const gx_file_gene_recf_t& file, int net) {
   show_handle(net, "NET ");
   for (const int id : lb_segments(file, net)) {
-    if (!kv_is_live(file, id)) continue;
+    if (gx_inq_object_deleted(file, id)) continue;
     const auto& segment = gx_segment_info_ptr(file, id);
     gx_tell("# SEGMENT: ", std::to_string(id), " ; ", end_text(file, " VERTEX1", segment.vertex1),
             end_text(file, " VERTEX2", segment.vertex2));
@@ -107,20 +107,20 @@ void show_net(const gx_file_gene_recf_t& file, int net) {
 struct listing_t {
   std::string_view head, place, heading;
 };
-constexpr listing_t listing_of(kv_owner_kind kind) {
+constexpr listing_t listing_of(gx_owner_kind kind) {
   switch (kind) {
-    case kv_owner_kind::body:
+    case gx_owner_kind::body:
       return {"# I_", "  I_BODY ", {}};
-    case kv_owner_kind::symbol:
+    case gx_owner_kind::symbol:
       return {"# S_", " S_BODY ", {}};
-    case kv_owner_kind::pin:
-    case kv_owner_kind::symbol_pin:
+    case gx_owner_kind::pin:
+    case gx_owner_kind::symbol_pin:
       return {"# P_", " PIN ", " INSTANCE : \""};
-    case kv_owner_kind::net:
+    case gx_owner_kind::net:
       return {"# N_", " NET ", " NET : "};
-    case kv_owner_kind::frame:
+    case gx_owner_kind::frame:
       return {"# F_", " FRAME ", " FRAME : "};
-    case kv_owner_kind::none:
+    case gx_owner_kind::none:
       break;
   }
   return {};
@@ -131,7 +131,7 @@ std::string_view value_or_empty(const gx_object_property_rec_t* property) {
 }
 
 // The line that opens the properties of a pin's instance, a net or a frame.
-void show_heading(const gx_file_gene_recf_t& file, const kv_owner_t& owner,
+void show_heading(const gx_file_gene_recf_t& file, const gx_owner_t& owner,
                   const listing_t& listing) {
   if (listing.heading.empty()) return;
   if (owner.inst == 0) {
@@ -141,7 +141,7 @@ void show_heading(const gx_file_gene_recf_t& file, const kv_owner_t& owner,
           value_or_empty(lb_find_prop_inst(file, owner.inst, "INST")), "\" ");
 }
 
-void show_property(const kv_owner_t& owner, const listing_t& listing,
+void show_property(const gx_owner_t& owner, const listing_t& listing,
                    const gx_object_property_rec_t& property) {
   gx_tell(listing.head, std::to_string(owner.id), listing.place,
           property.fixed != 0 ? "  Fixed " : "NOFixed ",
@@ -152,13 +152,13 @@ void show_property(const kv_owner_t& owner, const listing_t& listing,
 bool show_selected_properties(const gx_file_gene_recf_t& file) {
   bool found = false;
   int headed = 0;  // the instance of pins, the net or the frame whose heading was shown
-  kv_visit_owners(file, [&](const kv_owner_t& owner) {
+  gx_visit_owners(file, [&](const gx_owner_t& owner) {
     const bool owner_selected =
-        kv_is_selected(file, owner.id) || kv_is_selected(file, owner.on_sheet);
+        gx_inq_object_selected(file, owner.id) || gx_inq_object_selected(file, owner.on_sheet);
     const auto listing = listing_of(owner.kind);
-    kv_visit_properties(file, owner, [&](const gx_object_property_rec_t& property) {
+    gx_visit_properties(file, owner, [&](const gx_object_property_rec_t& property) {
       const bool by_owner = owner_selected && !(kv_pext.smash_done && property.fixed != 0);
-      if (!by_owner && !kv_is_selected(file, property.gene.object_id)) return;
+      if (!by_owner && !gx_inq_object_selected(file, property.gene.object_id)) return;
       if (!found && kv_pext.smash_done) {
         gx_tell("# Status of Fixed properties ONLY if selected after SMASH ");
       }
@@ -177,18 +177,18 @@ bool show_selected_properties(const gx_file_gene_recf_t& file) {
 // --- SHOw LINk
 
 // Where the owner of a property is; nothing when it is nowhere.
-std::optional<gx_pointreal_t> place_of(const gx_file_gene_recf_t& file, const kv_owner_t& owner) {
+std::optional<gx_pointreal_t> place_of(const gx_file_gene_recf_t& file, const gx_owner_t& owner) {
   switch (owner.kind) {
-    case kv_owner_kind::body:
+    case gx_owner_kind::body:
       return lb_inq_inst_origin(file, owner.id);
-    case kv_owner_kind::pin:
+    case gx_owner_kind::pin:
       return gx_pin_abs_origin(file, owner.id);
-    case kv_owner_kind::net: {
+    case gx_owner_kind::net: {
       const int segment = gx_inq_first_net_segment_id(file, owner.id);
       if (segment == 0) return std::nullopt;
       return gx_object_abs_origin(file, segment, 0);
     }
-    case kv_owner_kind::frame:
+    case gx_owner_kind::frame:
       return gx_object_abs_origin(file, owner.id, 0);
     default:
       return std::nullopt;
@@ -198,15 +198,15 @@ std::optional<gx_pointreal_t> place_of(const gx_file_gene_recf_t& file, const kv
 bool show_links(const kv_view_t& view) {
   const auto& file = view.file();
   bool found = false;
-  kv_visit_owners(file, [&](const kv_owner_t& owner) {
-    if (owner.kind == kv_owner_kind::symbol || owner.kind == kv_owner_kind::symbol_pin) return;
-    kv_visit_properties(file, owner, [&](const gx_object_property_rec_t& property) {
+  gx_visit_owners(file, [&](const gx_owner_t& owner) {
+    if (owner.kind == gx_owner_kind::symbol || owner.kind == gx_owner_kind::symbol_pin) return;
+    gx_visit_properties(file, owner, [&](const gx_object_property_rec_t& property) {
       const auto status = property.gene.status;
       if ((status & gx_flag_selected) == 0 || (status & gx_flag_unvisible) != 0) return;
       found = true;
       if (const auto to = place_of(file, owner)) {
         const int id = property.gene.object_id;
-        gx_display_link(view.vpid, gx_object_abs_origin(file, id, owner.inst), *to);
+        gx_keep_link(view.vpid, gx_object_abs_origin(file, id, owner.inst), *to);
       }
     });
   });
@@ -224,7 +224,7 @@ void kv_status_object_cmd(const kv_command_t& command) {
       kv_echo(refused, command, 3);
       return gx_tell("# !! Error :  4 th  parameter incorrect ? \"", command.word(4), "\" ");
     }
-    if (!gx_object_id_ok(file, id.value) || !kv_is_live(file, id.value)) {
+    if (!gx_object_id_ok(file, id.value) || gx_inq_object_deleted(file, id.value)) {
       return kv_refuse(refused, command,
                        "# !! Error :  4 th  parameter incorrect ( object handle Invalid ) ? ", 3);
     }
@@ -242,7 +242,7 @@ void kv_status_net_cmd(const kv_command_t& command) {
   const auto& file = view->file();
   bool found = false;
   for (const int net : lb_nets(file)) {
-    if (!kv_is_live(file, net) || !is_net_selected(file, net)) continue;
+    if (gx_inq_object_deleted(file, net) || !is_net_selected(file, net)) continue;
     found = true;
     show_net(file, net);
   }

@@ -1,4 +1,5 @@
 // What the two viewports show: VIEw SHEet, ACTivate SYMbol, POP, VIEw ALL and VIEw AREa.
+#include <cstdlib>
 #include <string>
 
 #include "app/language/command_row.h"
@@ -8,6 +9,7 @@
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
 #include "gx/db/queries.h"
+#include "gx/db/sheet_shape.h"
 #include "gx/display/draw.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
@@ -35,9 +37,9 @@ void refuse_file(std::string_view keyword, const kv_command_t& command, std::str
 
 // A cross at the origin of every component of a symbol file.
 void mark_components(gx_vpid_t vpid, const gx_file_gene_recf_t& file) {
-  for (const int comp : gx_siblings(file, wn_inq_first_comp_id(file).member)) {
+  for (const int comp : wn_components(file)) {
     if (!gx_inq_object_deleted(file, comp)) {
-      gx_display_cross(vpid, gx_object_abs_origin(file, comp, 0));
+      gx_keep_cross(vpid, gx_object_abs_origin(file, comp, 0));
     }
   }
 }
@@ -70,7 +72,10 @@ void kv_view_sheet_cmd(const kv_command_t& command) {
                                 : "# !! Error : Sheet not found or Invalid ? : ",
                        path, why);
   }
-  if (!kv_is_sheet(gx_ptrto_gene_file_buf(kv_pext.file_id_views))) {
+  const auto& file = gx_ptrto_gene_file_buf(kv_pext.file_id_views);
+  why = gx_sheet_fault(file);
+  if (!why.empty()) {
+    if (file.primary_object == 0) why.clear();
     kv_pext.view_sheet_done = false;
     kv_leave_slot(kv_pext.file_id_views);
     return refuse_file(refused, command, "# !! Error : No Sheet Available ? : ", path, why);
@@ -98,14 +103,14 @@ void kv_activate_symbol_cmd(const kv_command_t& command) {
   if (!gx_object_id_ok(file, file.primary_object)) {
     return refuse("# !! Error : No Symbol Available ? : ", true);
   }
-  const auto component = kv_first_component(file);
+  const int component = wn_components(file).first();
   if (component == 0) return refuse("# !! Error : No Symbol Available ? ", false);
   if (wn_inq_comp_child_id(file, component).body == 0) {
     return refuse("# !! Error : property with value is not Available ? ", false);
   }
   kv_hide_invisible(kv_pext.file_id_act);
   kv_pext.act_symb_done = true;
-  kv_pext.act_symb_id = component;
+  kv_pext.act_symb_id = static_cast<gx_object_id_t>(component);
   kv_pext.act_file_path = path;
   show_activated_symbol(false);
   kv_echo(" ACTivate SYMbol ", command, 3);
@@ -145,12 +150,24 @@ void kv_view_all_cmd(const kv_command_t& command) {
   } else {
     kv_display_picture_all(view->vpid, view->file_index);
   }
-  gx_display_cross(view->vpid, gx_vext.obj_pos);
+  gx_keep_cross(view->vpid, gx_vext.obj_pos);
   gx_tell(" VIEw ALL ");
+}
+
+// The mouse has not moved between the corners: a click that was no drag.
+bool is_no_drag() {
+  const auto is_near = [](gx_point16_t corner) {
+    constexpr int least = 4;
+    return std::abs(gx_vext.pixel_pos.x - corner.x) < least &&
+           std::abs(gx_vext.pixel_pos.y - corner.y) < least;
+  };
+  return is_near(gx_vext.pixel_mark) || is_near(gx_vext.pixel_ptr1);
 }
 
 void kv_view_area_cmd(const kv_command_t& command) {
   constexpr std::string_view refused = "# VIEw AREa ";
+  const bool was_marked = kv_pext.mark_rect_done;
+  kv_pext.mark_rect_done = false;
   const bool typed = command.count() == 7;
   const kv_view_answers_t answers = {
       .bad_word = typed ? "# !! Error : Invalid Viewport name ( should be Edit/Context) ? "
@@ -159,6 +176,7 @@ void kv_view_area_cmd(const kv_command_t& command) {
   if (!view) return;
   const auto area = kv_wanted_area(refused, command, 4, view->file());
   if (!area) return;
+  if (was_marked && !typed && is_no_drag()) return gx_tell(" VIEw AREa ", view->name());
   if (view->is_symbol()) {
     gx_display_picture_area(view->vpid, view->file_index, area->p1, area->p2);
     mark_components(view->vpid, view->file());

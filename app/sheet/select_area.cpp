@@ -4,9 +4,9 @@
 
 #include <algorithm>
 
-#include "app/sheet/sheet_walk.h"
 #include "app/state.h"
 #include "gx/db/geometry.h"
+#include "gx/db/owners.h"
 #include "gx/display/draw.h"
 #include "gx/vext.h"
 
@@ -53,13 +53,13 @@ void take_if_hit(scan_t& scan, int id, int inst) {
   take(scan, gx_object_abs_origin(scan.file, id, inst));
 }
 
-void scan_properties(scan_t& scan, const kv_owner_t& owner) {
-  kv_visit_properties(scan.file, owner, [&](const gx_object_property_rec_t& property) {
+void scan_properties(scan_t& scan, const gx_owner_t& owner) {
+  gx_visit_properties(scan.file, owner, [&](const gx_object_property_rec_t& property) {
     take_if_hit(scan, property.gene.object_id, owner.inst);
   });
 }
 
-void scan_instance(scan_t& scan, const kv_owner_t& owner) {
+void scan_instance(scan_t& scan, const gx_owner_t& owner) {
   if (!is_hit(scan, owner.id, 0)) return;
   if (scan.select) {
     kv_select_instance(scan.file_index, owner.id);
@@ -85,7 +85,7 @@ void scan_whole_net(scan_t& scan, int net) {
 
 void scan_vertices(scan_t& scan, int net) {
   for (const int id : lb_segments(scan.file, net)) {
-    if (!kv_is_live(scan.file, id)) continue;
+    if (gx_inq_object_deleted(scan.file, id)) continue;
     const auto& segment = gx_segment_info_ptr(scan.file, id);
     for (const int end : {segment.vertex1, segment.vertex2}) {
       if (end > 0 && gx_object_id_ptr(scan.file, end).object_type == gx_type::vertex_2d) {
@@ -101,30 +101,30 @@ void scan_frame(scan_t& scan, int frame) {
   take(scan, gx_object_abs_origin(scan.file, frame, 0));
 }
 
-void scan_owner(scan_t& scan, const kv_owner_t& owner) {
+void scan_owner(scan_t& scan, const gx_owner_t& owner) {
   using enum kv_area_kind;
   if (scan.done()) return;
   switch (owner.kind) {
-    case kv_owner_kind::body:
-    case kv_owner_kind::symbol:
-    case kv_owner_kind::pin:
-    case kv_owner_kind::symbol_pin:
+    case gx_owner_kind::body:
+    case gx_owner_kind::symbol:
+    case gx_owner_kind::pin:
+    case gx_owner_kind::symbol_pin:
       if (!scan.wants({all, instances, properties, first})) return;
       if (scan.kind != properties) {
-        if (owner.kind == kv_owner_kind::body) scan_instance(scan, owner);
-        if (owner.kind == kv_owner_kind::pin) take_if_hit(scan, owner.id, owner.inst);
+        if (owner.kind == gx_owner_kind::body) scan_instance(scan, owner);
+        if (owner.kind == gx_owner_kind::pin) take_if_hit(scan, owner.id, owner.inst);
       }
       break;
-    case kv_owner_kind::net:
+    case gx_owner_kind::net:
       if (scan.wants({all, nets, first})) scan_whole_net(scan, owner.id);
       if (scan.wants({all, vertices, first})) scan_vertices(scan, owner.id);
       if (!scan.wants({all, nets, properties, first})) return;
       break;
-    case kv_owner_kind::frame:
+    case gx_owner_kind::frame:
       if (!scan.wants({all, frames, properties, first})) return;
       if (scan.kind != properties) scan_frame(scan, owner.id);
       break;
-    case kv_owner_kind::none:
+    case gx_owner_kind::none:
       return;
   }
   scan_properties(scan, owner);
@@ -139,7 +139,7 @@ bool scan_area(kv_area_kind kind, gx_file_index_t file_index, gx_pointreal_t p1,
   gx_pick_set_center(middle(p1.x, p2.x), middle(p1.y, p2.y));
   gx_pick_set_size(half(p1.x, p2.x), half(p1.y, p2.y));
   scan_t scan = {file_index, gx_ptrto_gene_file_buf(file_index), kind, select};
-  kv_visit_owners(scan.file, [&](const kv_owner_t& owner) { scan_owner(scan, owner); });
+  gx_visit_owners(scan.file, [&](const gx_owner_t& owner) { scan_owner(scan, owner); });
   return scan.found;
 }
 
@@ -173,7 +173,7 @@ void kv_setinst_notpicked_nottempo(gx_file_index_t file_index) {
   const auto& file = gx_ptrto_gene_file_buf(file_index);
   for (const int inst : lb_instances(file)) {
     clear_marks(file, inst);
-    if (!kv_is_live(file, inst)) continue;
+    if (gx_inq_object_deleted(file, inst)) continue;
     for (const auto [pin, pinpropfam] : lb_pins(file, inst)) clear_marks(file, pinpropfam);
   }
 }

@@ -4,20 +4,7 @@
 #include "app/sheet/views.h"
 #include "app/state.h"
 #include "gx/db/files.h"
-#include "gx/db/object_access.h"
-#include "gx/db/queries.h"
 #include "gx/vext.h"
-
-namespace {
-
-bool has_family(const gx_file_gene_recf_t& file, gx_type family) {
-  for (const int id : gx_children(file, file.primary_object)) {
-    if (gx_object_id_ptr(file, id).object_type == family) return true;
-  }
-  return false;
-}
-
-}  // namespace
 
 kv_opened kv_open_in_slot(gx_file_index_t& slot, std::string_view directory,
                           std::string_view filetype, std::string& why) {
@@ -36,23 +23,6 @@ kv_opened kv_open_in_slot(gx_file_index_t& slot, std::string_view directory,
     return slot != 0 ? kv_opened::yes : kv_opened::damaged;
   }
   return gx_file_try_reopen(slot, directory, filetype, why) ? kv_opened::yes : kv_opened::damaged;
-}
-
-bool kv_is_sheet(const gx_file_gene_recf_t& file) {
-  if (!gx_object_id_ok(file, file.primary_object) || !gx_object_id_ok(file, file.grid_obj_id)) {
-    return false;
-  }
-  const auto& grid = gx_object_id_ptr(file, file.grid_obj_id);
-  if (grid.object_type != gx_type::grid_2d ||
-      gx_grid_info_ptr(file, file.grid_obj_id).step_point == 0) {
-    return false;
-  }
-  return gx_sheet_fault(file).empty();
-}
-
-gx_object_id_t kv_first_component(const gx_file_gene_recf_t& file) {
-  return has_family(file, gx_type::component_family) ? wn_inq_first_comp_id(file).member
-                                                     : gx_object_id_t{0};
 }
 
 void kv_leave_slot(gx_file_index_t slot) {

@@ -4,7 +4,6 @@
 #include <string>
 #include <string_view>
 
-#include "gx/db/file_records.h"
 #include "gx/db/ids.h"
 
 enum class kv_opened { yes, missing, damaged };
@@ -14,13 +13,6 @@ enum class kv_opened { yes, missing, damaged };
 // a damaged one.
 kv_opened kv_open_in_slot(gx_file_index_t& slot, std::string_view directory,
                           std::string_view filetype, std::string& why);
-
-// The file holds all that drawing and walking a sheet relies on: a main object with the five
-// families of a sheet, and a grid with a step.
-bool kv_is_sheet(const gx_file_gene_recf_t& file);
-
-// The first component of a symbol file; 0 when it has none.
-gx_object_id_t kv_first_component(const gx_file_gene_recf_t& file);
 
 // A slot whose new contents cannot be shown is left by the context viewport, which goes back to
 // the sheet in the edit viewport.

@@ -11,7 +11,6 @@
 
 #include "gx/db/ids.h"
 #include "gx/text/records.h"
-#include "gx/db/ids.h"
 
 enum class gx_type : std::int16_t {
   nil = 0,

@@ -1,9 +1,9 @@
 // A plot from its first object on, and the frames, instances and nets of a sheet.
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
+#include "gx/display/picture_walk.h"
 #include "gx/display/plot.h"
 #include "gx/display/plot_pen.h"
-#include "gx/display/sheet_walk.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
 #include "gx/vext.h"
@@ -63,7 +63,7 @@ bool gx_plotfile_end() { return !gx_plot_is_open() || gx_plot_close(); }
 
 void lb_plotfile_all_frame(gx_plot_t& plot, gx_file_index_t file_index) {
   const auto& file = plotted_file(file_index);
-  lb_walk_members(file, lb_inq_first_frame_id(file).member,
+  lb_walk_members(file, lb_frames(file),
                   [&](int frame) { gx_plotfile_object(plot, file_index, frame, 0); });
 }
 
@@ -74,13 +74,12 @@ void lb_plotfile_one_inst(gx_plot_t& plot, gx_file_index_t file_index, int inst)
 
 void lb_plotfile_all_inst(gx_plot_t& plot, gx_file_index_t file_index) {
   const auto& file = plotted_file(file_index);
-  lb_walk_members(file, lb_inq_first_inst_id(file).member,
+  lb_walk_members(file, lb_instances(file),
                   [&](int inst) { lb_plotfile_one_inst(plot, file_index, inst); });
 }
 
 void lb_plotfile_all_net(gx_plot_t& plot, gx_file_index_t file_index) {
   const auto& file = plotted_file(file_index);
   if (!plot.scaling_done && !start_plot(plot, file)) return;
-  lb_walk_members(file, lb_inq_first_net_id(file).member,
-                  [&](int net) { gx_plotfile_net(file_index, net); });
+  lb_walk_members(file, lb_nets(file), [&](int net) { gx_plotfile_net(file_index, net); });
 }

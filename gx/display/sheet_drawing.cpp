@@ -1,7 +1,9 @@
 // The frames, instances and nets of a sheet.
+#include "gx/display/sheet_drawing.h"
+
 #include "gx/display/draw_steps.h"
+#include "gx/display/picture_walk.h"
 #include "gx/display/screen_state.h"
-#include "gx/display/sheet_walk.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
@@ -15,13 +17,13 @@ void draw_instance(const gx_picture_t& picture, int inst) {
 
 // Calls `draw` for every member that is not deleted, as one picture.
 template <typename Draw>
-void draw_members(gx_vpid_t vpid, gx_file_index_t file_index, gx_draw_mode mode, int first,
-                  Draw draw) {
+void draw_members(gx_vpid_t vpid, gx_file_index_t file_index, gx_draw_mode mode,
+                  gx_members (*members)(const gx_file_gene_recf_t&), Draw draw) {
   const auto& file = gx_ptrto_gene_file_buf(file_index);
   const gx_batch_t batch;
   gx_viewport_select(vpid);
   const gx_picture_t picture{vpid, file_index, &file, mode};
-  lb_walk_members(file, first, [&](int id) { draw(picture, id); });
+  lb_walk_members(file, members(file), [&](int id) { draw(picture, id); });
 }
 
 bool may_draw(gx_vpid_t vpid) {
@@ -41,20 +43,17 @@ void lb_display_one_inst(gx_vpid_t vpid, gx_file_index_t file_index, int inst, g
 
 void lb_display_all_frame(gx_vpid_t vpid, gx_file_index_t file_index, gx_draw_mode mode) {
   if (!may_draw(vpid)) return;
-  const int first = lb_inq_first_frame_id(gx_ptrto_gene_file_buf(file_index)).member;
-  draw_members(vpid, file_index, mode, first, [](const gx_picture_t& picture, int frame) {
+  draw_members(vpid, file_index, mode, lb_frames, [](const gx_picture_t& picture, int frame) {
     gx_draw_tree(picture, frame, 0, gx_inq_object_selected(*picture.file, frame));
   });
 }
 
 void lb_display_all_inst(gx_vpid_t vpid, gx_file_index_t file_index, gx_draw_mode mode) {
   if (!may_draw(vpid)) return;
-  const int first = lb_inq_first_inst_id(gx_ptrto_gene_file_buf(file_index)).member;
-  draw_members(vpid, file_index, mode, first, draw_instance);
+  draw_members(vpid, file_index, mode, lb_instances, draw_instance);
 }
 
 void lb_display_all_net(gx_vpid_t vpid, gx_file_index_t file_index, gx_draw_mode mode) {
   if (!may_draw(vpid)) return;
-  const int first = lb_inq_first_net_id(gx_ptrto_gene_file_buf(file_index)).member;
-  draw_members(vpid, file_index, mode, first, gx_draw_net);
+  draw_members(vpid, file_index, mode, lb_nets, gx_draw_net);
 }

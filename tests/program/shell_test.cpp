@@ -91,6 +91,20 @@ TEST_F(Program, ADirectoryWithoutSheetEndsWithOneError) {
   EXPECT_EQ(directory_.read("empty/current_session"), "");
 }
 
+TEST_F(Program, ASheetThatLacksAFamilyEndsWithItsName) {
+  auto files = build_design(one_sheet);
+  for (auto* object : files.back().file->ptr_to_ar_objindex) {
+    if (object->object_type == gx_type::frame_family) object->object_type = gx_type::tag_family;
+  }
+  gxm_write(files, directory_.path());
+  const auto ended = run({"top"});
+  EXPECT_EQ(ended.status, 0);
+  EXPECT_TRUE(
+      ended.out.ends_with("!! error : Sheet not whole : \"top/sheet.gx_1\" : no frame_family\n" +
+                          summary("1 error, 0 warning")))
+      << ended.out;
+}
+
 TEST_F(Program, AnUnusableDirectoryStopsTheStart) {
   make_sheet();
   std::filesystem::create_directory(directory_.file("top/current_session"));

@@ -1,9 +1,12 @@
 // The data listing, line by line.
+#include <sys/resource.h>
+
 #include <bit>
 #include <cmath>
+#include <csignal>
 
 #include "expand/listing_text.h"
-#include "expand/output.h"
+#include "tests/support/session_capture.h"
 #include "tests/unit/store_fixture.h"
 
 namespace {
@@ -11,7 +14,7 @@ namespace {
 class DataListingTest : public StoreFixture {
  protected:
   std::string listing() {
-    EXPECT_TRUE(kv_write_output(true, dir));
+    EXPECT_TRUE(write_design(true));
     return contents(dir + "/kivo_data");
   }
   std::string head(std::string_view counts) const {
@@ -124,12 +127,29 @@ TEST_F(DataListingTest, RealsArePrintedAsPrintfDoes) {
   EXPECT_EQ(contents(path), expected);
 }
 
-TEST_F(DataListingTest, AFullDiskIsToldAndLeavesTheImageWhole) {
+TEST_F(DataListingTest, AListingThatCannotBeWrittenIsTold) {
   fill_store();
-  ASSERT_EQ(::symlink("/dev/full", (dir + "/kivo_data").c_str()), 0);
-  EXPECT_FALSE(kv_write_output(true, dir));
-  EXPECT_EQ(contents(design_path).size(),
-            68U + 4 * 416 + 14 + 4 * 12 + 4 * 16 + 44 + 240 + 320 + 28 + 40 + 40);
+  const auto image = 68U + 4 * 416 + 14 + 4 * 12 + 4 * 16 + 44 + 240 + 320 + 28 + 40 + 40;
+  // a disk that is full behind the image
+  std::signal(SIGXFSZ, SIG_IGN);
+  rlimit old_limit;
+  ::getrlimit(RLIMIT_FSIZE, &old_limit);
+  const rlimit limit{image, old_limit.rlim_max};
+  ::setrlimit(RLIMIT_FSIZE, &limit);
+  EXPECT_FALSE(write_design(true));
+  ::setrlimit(RLIMIT_FSIZE, &old_limit);
+  EXPECT_EQ(contents(design_path).size(), image);
+  // a link to something else is left alone
+  const std::string path = dir + "/kivo_data", precious = dir + "/precious";
+  std::ofstream(precious) << "old";
+  std::filesystem::remove(path);
+  std::filesystem::create_symlink(precious, path);
+  session_capture session;
+  EXPECT_FALSE(write_design(true));
+  EXPECT_EQ(contents(precious), "old");
+  EXPECT_EQ(session.take(),
+            (std::vector<std::string>{"# RUN ", "# !! Error : Impossible to Open the file : ",
+                                      "# \"" + path + "\"", "# !! : is a symbolic link"}));
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "gx/db/queries.h"
+#include "gx/db/sheet_shape.h"
 #include "gx/vext.h"
 #include "tests/unit/db_builder.h"
 #include "tests/unit/fatal_stop.h"
@@ -57,6 +58,14 @@ TEST_F(db_access, what_a_sheet_lacks_for_its_queries_is_told) {
   EXPECT_EQ(fault([](auto& s) { instance(s).symbol = 0; }), "object 16: instance without symbol");
   EXPECT_EQ(fault([](auto& s) { instance(s).gene.child1 = 0; }),
             "object 16: instance without pins");
+  EXPECT_EQ(fault([](auto& s) { s.file.grid_obj_id = 0; }), "no grid");
+  // Families are found behind any other child.
+  EXPECT_EQ(fault([](auto& s) {
+              const int tag = s.add(gx_type::tag);
+              gx_object_id_ptr(s.file, tag).following = instance(s).gene.child1;
+              instance(s).gene.child1 = static_cast<gx_object_id_t>(tag);
+            }),
+            "");
 }
 
 }  // namespace

@@ -101,5 +101,7 @@ inline gx_builder small_sheet() {
   auto& segment = sheet.add_record<gx_object_segment_rec_t>(net);
   segment.vertex1 = id16(vertex);
   segment.vertex2 = id16(pin);
+  auto& grid = sheet.add_record<gx_object_grid_rec_t>(sheet.add(gx_type::page, main_id));
+  grid.step_point = 100;
   return sheet;
 }

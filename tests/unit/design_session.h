@@ -2,6 +2,7 @@
 // of the program, the pointer is in the edit viewport, and nothing is drawn.
 #pragma once
 
+#include <functional>
 #include <vector>
 
 #include "gx/db/files.h"
@@ -15,9 +16,15 @@ using lines_t = std::vector<std::string>;
 
 class design_session {
  public:
-  explicit design_session(std::string_view description, std::string_view top = "top")
+  using files_t = std::vector<gxm_file_t>;
+  // `change` is done to the files before they are written.
+  explicit design_session(
+      std::string_view description, std::string_view top = "top",
+      const std::function<void(files_t&)>& change = [](files_t&) {})
       : old_directory_(std::filesystem::current_path()) {
-    make_design(directory_, description);
+    auto files = build_design(description);
+    change(files);
+    gxm_write(files, directory_.path());
     std::filesystem::current_path(directory_.path());
     gx_vext.viewport_edit = gx_vext.viewport_id = 1;
     gx_vext.viewport_cmd = 2;

@@ -61,7 +61,15 @@ const bad_design_t bad_designs[] = {
      "sheet s\n port A p 0,0 bits 0:2\n bus A 0:2\n  wire A 9,0\n"
      "sheet top\n part X s 2,0\n bus T 0:1\n  wire X.A 0,0\n",
      nullptr,
-     {"# !! Pin of INStance : \"/X/A[0:2]\"    :   not compatible at level -1 ? "},
+     {"# !! Pin of INStance : \"/X/A\"    :   not compatible at level -1 ? "},
+     1,
+     0},
+    {"port with a range on a plain net",
+     "symbol s\n pin A 0,0 IN\n"
+     "sheet s\n port A p 0,0 bits 0:3\n net A\n  wire A 9,0\n"
+     "sheet top\n part X s 2,0\n net T\n  wire X.A 0,0\n",
+     nullptr,
+     {"# !! Pin of INStance : \"/X/A\"    :   not compatible at level -1 ? "},
      1,
      0},
     {"initial state on the net of a port",
@@ -218,19 +226,21 @@ TEST_F(FlattenTest, WhatIsWrongIsToldAndTheRunGoesOn) {
 }
 
 TEST_F(FlattenTest, TimingIndexesAreInheritedAndLimited) {
-  EXPECT_EQ(run("symbol s\n pin A 0,0 IN\n"
-                "sheet s\n port A p 0,0\n part R r 2,0\n part Q r 2,4 TIMIND=7\n"
-                " net A\n  wire A R.1 Q.1\n net Z\n  wire R.2 Q.2\n"
-                "sheet top\n part X s 2,0 TIMIND=120\n part Y r 2,9 TIMIND=121\n"
-                " part Z r 2,13 TIMIND=x1\n"
-                " net T\n  wire X.A 0,0 0,9 Y.1 Z.1\n net U\n  wire Y.2 Z.2\n"),
-            (lines_t{"# !! Error on Timing Index : \"/Y\"", "# !! : \"121\"",
-                     "# !! Max value for Timing Index : \"120\"",
-                     "# !! Error on Timing Index : \"/Z\"", "# !! : \"x1\""}));
-  EXPECT_EQ(gx_vext.num_errors, 2);
-  EXPECT_EQ(leaves(), (lines_t{"/X/R", "/X/Q", "/Y", "/Z"}));
-  const int expected[] = {120, 7, 0, 0};
-  for (std::int32_t i = 1; i <= 4; ++i) {
+  EXPECT_EQ(
+      run("symbol s\n pin A 0,0 IN\n"
+          "sheet s\n port A p 0,0\n part R r 2,0\n part Q r 2,4 TIMIND=7\n"
+          " net A\n  wire A R.1 Q.1\n net Z\n  wire R.2 Q.2\n"
+          "sheet top\n part X s 2,0 TIMIND=120\n part Y r 2,9 TIMIND=121\n"
+          " part Z r 2,13 TIMIND=x1\n part W r 2,17 TIMIND=99999\n"
+          " net T\n  wire X.A 0,0 0,9 Y.1 Z.1 W.1\n net U\n  wire Y.2 Z.2 W.2\n"),
+      (lines_t{"# !! Error on Timing Index : \"/Y\"", "# !! : \"121\"",
+               "# !! Max value for Timing Index : \"120\"", "# !! Error on Timing Index : \"/Z\"",
+               "# !! : \"x1\"", "# !! Error on Timing Index : \"/W\"", "# !! : \"99999\"",
+               "# !! Max value for Timing Index : \"120\""}));
+  EXPECT_EQ(gx_vext.num_errors, 3);
+  EXPECT_EQ(leaves(), (lines_t{"/X/R", "/X/Q", "/Y", "/Z", "/W"}));
+  const int expected[] = {120, 7, 0, 0, 0};
+  for (std::int32_t i = 1; i <= 5; ++i) {
     EXPECT_EQ(kv_ptrto_inst_rec(i).timing_index, expected[i - 1]) << i;
   }
   EXPECT_EQ(kv_ptrto_macro_rec(1).timing_index, 120);

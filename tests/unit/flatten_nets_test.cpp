@@ -23,7 +23,8 @@ TEST_F(FlattenTest, NetsJoinWhereTheyTouchAndByTheirNames) {
   EXPECT_EQ(flat[1], "/A 0 in /R1/1 out /R2/2 + /a 3");
   EXPECT_EQ(flat[2], "/B 0 in /R3/1");
   EXPECT_TRUE(flat[3].starts_with("/N_") && flat[3].ends_with(" 0 out /R3/2")) << flat[3];
-  EXPECT_EQ(text(kv_ptrto_net_rec(4).name), text(kv_ptrto_net_rec(4).sim_path).substr(1));
+  EXPECT_EQ(text(kv_ptrto_net_rec(4).name), "");  // only its path has a name
+  EXPECT_EQ(text(kv_net_ptrto_net_child_rec(1, 1).name), "");
 }
 
 // A chain of two resistors between ports A and B, with an inner net that bears a port's name.
@@ -90,11 +91,12 @@ constexpr char tie_sheet[] =
     " net A\n  wire A 1,0 R1.1\n net Z\n  wire R1.2 9,0\n";
 
 TEST_F(FlattenTest, NetsThatMeetAGlobalInsideBlocksAreItsNet) {
-  // M and N meet VDD only inside the blocks: the first becomes VDD's flat net and keeps its name.
+  // M and N meet VDD only inside the blocks: the first becomes VDD's flat net and keeps its path.
   EXPECT_EQ(run(std::string(tie_sheet) + "sheet top\n part X tie 2,0\n part Y tie 2,9\n"
                                          " net M\n  wire X.A 0,0\n net N\n  wire Y.A 0,9\n"),
             lines_t{});
   EXPECT_EQ(nets()[0], "/M 4 in /X/R1/1 /Y/R1/1 + /N 3 + /X/A 2 + /Y/A 2");
+  EXPECT_EQ(text(kv_ptrto_net_rec(1).name), "VDD");
 }
 
 TEST_F(FlattenTest, DifferentGlobalsOfASheetAndTheSheetAboveAreAnError) {
@@ -144,6 +146,14 @@ TEST_F(FlattenTest, BusRangesGoDownThroughPorts) {
             lines_t{});
   EXPECT_EQ(nets()[0], "/D 1 bus + /T/D 2");
   EXPECT_EQ(nets()[4], "/D_3 1 in /T/X/R/1 + /T/X/A 2");
+  // A pin says which bit of the flat bus it meets, whatever the range of its sheet's bus.
+  EXPECT_EQ(run("symbol r2\n pin 1 0,0 IN\n prop CLASS=R\n"
+                "symbol cell\n pin I 0,0 IN bits 4:7\n"
+                "sheet cell\n port I p 0,0 bits 4:7\n part R r2 4,0\n bus I 4:7\n  wire I R.1\n"
+                "  bit 5 R.1\n"
+                "sheet top\n part C cell 2,0\n bus T 0:3\n  wire C.I 0,0\n"),
+            lines_t{});
+  EXPECT_EQ(kv_ptrto_pin_rec(1).pin_net_start, 1);
 }
 
 TEST_F(FlattenTest, GlobalsNameMembersOfABus) {
@@ -159,6 +169,37 @@ TEST_F(FlattenTest, GlobalsNameMembersOfABus) {
   EXPECT_EQ(text(member.name), "GND");
   EXPECT_EQ(member.father_net, 1);
   EXPECT_EQ(kv_ptrto_net_rec(1).first_sub_net, 2);
+}
+
+// The flat nets: "path kind type name".
+std::vector<std::string> named_nets() {
+  std::vector<std::string> lines;
+  for (std::int32_t i = 1; i <= kv_sext.nets.count; ++i) {
+    const auto& net = kv_ptrto_net_rec(i);
+    lines.push_back(std::string(kv_string_view(net.sim_path)) + " " + std::to_string(net.net_kind) +
+                    " " + std::to_string(net.net_type) + " " +
+                    std::string(kv_string_view(net.name)));
+  }
+  return lines;
+}
+
+TEST_F(FlattenTest, AGlobalMayNameMembersOfSeveralBusesAndHaveANetOfItsOwn) {
+  // Each placement of the cell names a member of its own bus; `low` names one through its port.
+  const std::string cells =
+      "symbol cell\n pin A 0,0 IN\n"
+      "sheet cell\n port A p 0,0\n part R r 2,0\n global VDD g 9,4\n"
+      " net A\n  wire A R.1\n bus IB 0:1\n  wire R.2 9,4\n  bit 1 R.2\n"
+      "symbol low\n pin A 0,0 IN\n"
+      "sheet low\n port A p 0,0\n global VDD g 2,0\n net A\n  wire A 2,0\n";
+  EXPECT_EQ(run(cells + "sheet top\n part X cell 2,0\n part Y cell 2,9\n part L low 20,0\n"
+                        " part R r 30,0\n global VDD g 40,0\n"
+                        " net T\n  wire X.A Y.A\n bus B 4:5\n  wire L.A 25,0\n  bit 5 L.A\n"
+                        " net P\n  wire R.2 40,0\n net U\n  wire R.1 29,9\n"),
+            lines_t{});
+  EXPECT_EQ(named_nets(),
+            (lines_t{"/VDD 4 1 VDD", "/T 0 1 T", "/B 1 3 B", "/B_0 1 1 B_0", "/B_1 4 2 VDD",
+                     "/U 0 1 U", "/X/IB 1 3 IB", "/X/IB_0 4 2 VDD", "/X/IB_1 1 1 IB_1",
+                     "/Y/IB 1 3 IB", "/Y/IB_0 4 2 VDD", "/Y/IB_1 1 1 IB_1"}));
 }
 
 TEST_F(FlattenTest, InitialStatesReachTheFlatNets) {

@@ -7,7 +7,6 @@
 #include <functional>
 #include <vector>
 
-#include "expand/output.h"
 #include "kvi/load.h"
 #include "kvi/state.h"
 #include "tests/unit/store_fixture.h"
@@ -45,7 +44,7 @@ class KviTest : public StoreFixture {
     kv_empty_store();
     fill_store();
     change();
-    EXPECT_TRUE(kv_write_output(false, dir));
+    EXPECT_TRUE(write_design());
     return load();
   }
   // Loads an image from memory.
@@ -215,7 +214,6 @@ TEST_F(KviTest, RefusesWhatIsNoWholeDesign) {
       [] { kv_sext.props[1].prop_type = 4; },
       [] { kv_sext.props[1].valuec = 5; },
       [] { kv_sext.general_info.nbof_net = -1; },
-      [] { kv_sext.general_info.nbof_pin = 500001; },
       [] { kv_sext.general_info.software_revision = 2; },
   };
   int n = 0;

@@ -113,6 +113,10 @@ TEST_F(SimulatorTest, NothingWaitsForAReader) {
     return lines;
   };
   EXPECT_EQ(sent(), not_ready);  // no FIFO
+  std::ofstream("top/Lorb_To_Spice_Fifo") << "mine";
+  EXPECT_EQ(sent().back(), "# !! \"top/Lorb_To_Spice_Fifo\" : is no FIFO");
+  EXPECT_EQ(std::filesystem::file_size("top/Lorb_To_Spice_Fifo"), 4U);
+  std::filesystem::remove("top/Lorb_To_Spice_Fifo");
   listen();
   ::fcntl(reader, F_SETPIPE_SZ, 4096);
   const std::string filling(504, 'x');

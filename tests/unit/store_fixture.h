@@ -10,6 +10,7 @@
 #include <iterator>
 #include <string>
 
+#include "expand/design_output.h"
 #include "expand/store.h"
 #include "gx/text/strings.h"
 
@@ -31,6 +32,12 @@ class StoreFixture : public ::testing::Test {
   static std::string contents(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
+  }
+
+  // Writes the design as a run does: with the lists that it was made for.
+  bool write_design(bool gen_data = false) const {
+    kv_sext.kept = kv_sext;
+    return kv_write_design(kv_sext, kv_sext.designfile, gen_data ? dir + "/kivo_data" : "");
   }
 
   // One instance with two pins, a bus of one member, a child of it, a macro with one pin; every
@@ -59,13 +66,13 @@ inline void StoreFixture::fill_store() {
   const std::int32_t pin_prop = kv_save_prop_time(1, 2, 65536);
   const std::int32_t net_prop = kv_save_prop_real(1, -2.5F, 0.125F);
 
-  kv_inst_record_t& inst = kv_sext.insts[kv_sext.insts.append(1, "inst")];
+  kv_inst_record_t& inst = kv_sext.insts[kv_sext.insts.append(1)];
   inst.self = 1, inst.object_id = 258, inst.timing_index = 120, inst.sim_path = inst_path;
   inst.file_path = file_path, inst.nb_of_pin = 2, inst.first_pin_ind = 1;
   inst.nb_of_property = 2, inst.first_prop = first_inst_prop;
 
   for (std::int32_t i = 1; i <= 2; ++i) {
-    kv_pin_record_t& pin = kv_sext.pins[kv_sext.pins.append(1, "pin")];
+    kv_pin_record_t& pin = kv_sext.pins[kv_sext.pins.append(1)];
     pin.self = i, pin.object_id = static_cast<std::int16_t>(10 + i);
     pin.io_type = i == 1 ? kv_io_in : kv_io_ixo;
     pin.sim_path = inst_path, pin.instance_ind = 1, pin.net_ind = 2;
@@ -74,7 +81,7 @@ inline void StoreFixture::fill_store() {
   kv_pin_record_t& pin = kv_sext.pins[1];
   pin.next_pin_in_ind = 2, pin.pin_start = 3, pin.pin_end = 4, pin.pin_net_start = -1;
 
-  kv_sext.nets.append(2, "net");
+  kv_sext.nets.append(2);
   kv_net_record_t& bus = kv_sext.nets[1];
   bus.self = 1, bus.object_id = 20, bus.net_type = kv_net_bus, bus.net_kind = kv_kind_bus;
   bus.name = net_name, bus.sim_path = inst_path, bus.net_bus_start = 7, bus.net_bus_end = 7;
@@ -86,16 +93,16 @@ inline void StoreFixture::fill_store() {
   net.state_init = 17, net.cur_state = {18, 5, 1}, net.old_state = {19, 6, 1};
   net.bus = 1, net.posinbus = 9, net.father_net = 1;
 
-  kv_net_child_record_t& child = kv_sext.net_childs[kv_sext.net_childs.append(1, "net_child")];
+  kv_net_child_record_t& child = kv_sext.net_childs[kv_sext.net_childs.append(1)];
   child.self = 1, child.sim_path = inst_path, child.object_id = 30, child.name = net_name;
   child.net_kind = kv_kind_child;
 
-  kv_macro_record_t& macro = kv_sext.macros[kv_sext.macros.append(1, "macro")];
+  kv_macro_record_t& macro = kv_sext.macros[kv_sext.macros.append(1)];
   macro.self = 1, macro.object_id = 40, macro.timing_index = 3, macro.sim_path = inst_path;
   macro.file_path = file_path, macro.nb_of_pin = 1, macro.first_pin_ind = 1;
   macro.nb_of_property = 2, macro.first_prop = first_inst_prop;
 
-  kv_pinm_record_t& pinm = kv_sext.pinms[kv_sext.pinms.append(1, "pinm")];
+  kv_pinm_record_t& pinm = kv_sext.pinms[kv_sext.pinms.append(1)];
   pinm.self = 1, pinm.object_id = 50, pinm.sim_path = inst_path, pinm.macro_ind = 1;
   pinm.net_ind = 2, pinm.pin_start = 1, pinm.pin_end = 2, pinm.pin_net_start = 3;
   pinm.nb_of_property = 1, pinm.first_prop = pin_prop;

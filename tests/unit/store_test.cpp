@@ -40,9 +40,9 @@ TEST_F(StoreTest, TheLastPositionOfACharacterBlockIsNeverUsed) {
 }
 
 TEST_F(StoreTest, ChainsAreWalkedFromTheirFirstElement) {
-  kv_sext.nets.append(1, "net");
-  kv_sext.pins.append(4, "pin");
-  kv_sext.net_childs.append(2, "net_child");
+  kv_sext.nets.append(1);
+  kv_sext.pins.append(4);
+  kv_sext.net_childs.append(2);
   kv_net_record_t& net = kv_ptrto_net_rec(1);
   net.first_pin_in_ind = 3;
   kv_ptrto_pin_rec(3).next_pin_in_ind = 1;
@@ -68,12 +68,12 @@ TEST_F(StoreDeathTest, WhatTheStoreCannotHoldEndsTheProgram) {
   EXPECT_EXIT(kv_ptrto_pin_rec(1), failed, "");
   EXPECT_EXIT(
       {
-        kv_sext.macros.append(kv_max_records, "macro");
-        kv_ptrto_macro_rec(kv_max_records).object_id = 1;
+        kv_sext.props.append(kv_start_records);
+        kv_ptrto_prop_rec(kv_start_records).prop_type = kv_prop_int;
         kv_debf = stderr;
-        kv_sext.macros.append(1, "macro");
+        kv_save_prop_int(1, 2, 3);
       },
-      failed, "KV_SAVE_MACRO  : error of max_macro_cur  : 500001   500000\n KV_ERROR_STOP  \n");
+      failed, "KV_SAVE_PROP  : error of max_prop_cur  : 500001   500000\n KV_ERROR_STOP  \n");
   EXPECT_EXIT(
       {
         // 10 strings of 99 characters fill a block; the 5000th ends the last one.

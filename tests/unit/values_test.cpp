@@ -7,8 +7,8 @@
 
 namespace {
 
-constexpr kv_scope_t top{1, 0};
-constexpr kv_scope_t in_macro{2, 1};
+const kv_scope_t top{kv_sext, kv_sext, 1, 0};
+const kv_scope_t in_macro{kv_sext, kv_sext, 2, 1};
 
 // Parameters R1 = 1, 2, 3, Zero = 1, 0, 1 and W = 7; macro 1 keeps W = 5 (integer), T = 2, 3, 4
 // steps (time), L = 1.5 (real) and S (string).
@@ -33,7 +33,7 @@ class ValuesTest : public ::testing::Test {
     kv_save_prop_real(1.5F, 1.5F, 1.5F);
     kv_save_prop_str("text");
     kv_save_prop_int(9, 9, 9);
-    kv_sext.macros.append(1, "macro");
+    kv_sext.macros.append(1);
     kv_ptrto_macro_rec(1).first_prop = first;
     kv_ptrto_macro_rec(1).nb_of_property = 5;
   }
@@ -142,16 +142,16 @@ TEST_F(ValuesTest, NamesOfTheEnclosingMacro) {
     EXPECT_EQ(shown(kv_decode_3_valuer(c.text, in_macro)), c.result) << c.text;
   }
   for (std::string_view text : {"(P+1)", "(2*( p ))", "(1+Q)", "(1+_x", "'(P)"}) {
-    EXPECT_TRUE(kv_depends_on_macro(text)) << text;
+    EXPECT_TRUE(kv_depends_on_macro(text, kv_sext)) << text;
   }
   for (std::string_view text : {"P", "(W*R1)", "(r 1)", "(1.5+.5)", "1 2", "", "()"}) {
-    EXPECT_FALSE(kv_depends_on_macro(text)) << text;
+    EXPECT_FALSE(kv_depends_on_macro(text, kv_sext)) << text;
   }
 }
 
 TEST_F(ValuesDeathTest, AMacroOutsideTheStoreEndsTheProgram) {
-  EXPECT_EXIT(kv_decode_3_valuer("(P)", kv_scope_t{2, 2}), ::testing::ExitedWithCode(EXIT_FAILURE),
-              "");
+  EXPECT_EXIT(kv_decode_3_valuer("(P)", (kv_scope_t{kv_sext, kv_sext, 2, 2})),
+              ::testing::ExitedWithCode(EXIT_FAILURE), "");
 }
 
 TEST_F(ValuesTest, TimesAreWholeSteps) {

@@ -1,0 +1,71 @@
+// The arrays of an expanded design: blocks of 1000 records, addressed by a 1-based index, 0 = none.
+// Records never move; an array that is emptied uses its blocks again.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+inline constexpr int kv_block_size = 1000;
+inline constexpr std::int32_t kv_start_records = 500'000;      // what an array may hold at first
+inline constexpr std::int32_t kv_max_records = 2'000'000'000;  // what it may be allowed to hold
+
+// What an array calls its records, as in max_<name>_cur; said once for each kind.
+template <typename Record>
+inline constexpr std::string_view kv_record_name{};
+template <>
+inline constexpr std::string_view kv_record_name<char> = "char";
+
+// A design larger than its store: thrown where a record is asked for that an array may not hold.
+struct kv_store_full_t {
+  std::string_view name;  // of the array that is full: its counter is max_<name>_cur
+  std::int32_t index;     // that was asked for
+  std::int32_t limit;     // records that it may hold
+};
+
+// `count` is the number of records in use.
+template <typename Record>
+struct kv_blocked_t {
+  std::int32_t count = 0;
+  std::int32_t touched = 0;  // records behind this index were never used
+  std::int32_t limit = kv_start_records;
+  std::vector<std::unique_ptr<Record[]>> blocks;
+
+  // Record `index` (from 1), which the caller has checked.
+  Record& operator[](std::int32_t index) {
+    const auto i = static_cast<std::uint32_t>(index - 1);
+    return blocks[i / kv_block_size][i % kv_block_size];
+  }
+  const Record& operator[](std::int32_t index) const {
+    const auto i = static_cast<std::uint32_t>(index - 1);
+    return blocks[i / kv_block_size][i % kv_block_size];
+  }
+  bool holds(std::int32_t index) const { return index >= 1 && index <= count; }
+
+  // The block that position `at` (from 0) lies in; it and those before it exist then.
+  Record* block_of(std::int32_t at) {
+    const auto block = static_cast<std::size_t>(at / kv_block_size);
+    while (blocks.size() <= block) blocks.push_back(std::make_unique<Record[]>(kv_block_size));
+    return blocks[block].get();
+  }
+  // The next record, fresh; its index is `count` then.
+  Record& add() {
+    if (count >= limit) throw kv_store_full_t{kv_record_name<Record>, limit + 1, limit};
+    Record& record = block_of(count)[count % kv_block_size];
+    if (++count <= touched) {
+      record = Record{};
+    } else {
+      touched = count;
+    }
+    return record;
+  }
+  // Makes room for indexes count + 1 .. count + n and returns the first; the new records are
+  // fresh (all fields at their defaults).
+  std::int32_t append(std::int32_t n) {
+    if (n > limit - count) throw kv_store_full_t{kv_record_name<Record>, limit + 1, limit};
+    const std::int32_t first = count + 1;
+    for (std::int32_t i = 0; i < n; ++i) add();
+    return first;
+  }
+};

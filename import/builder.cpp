@@ -1,0 +1,411 @@
+// Symbols, instances, nets and frames of one cell, object by object.
+#include "import/builder.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+#include "gx/db/geometry.h"
+#include "gx/text/strings.h"
+#include "gxmake/symbol_parts.h"
+#include "import/placement.h"
+#include "import/wiring.h"
+
+namespace {
+
+constexpr std::size_t most_points = gx_object_polyline_rec_t::max_points;
+constexpr std::size_t texts_of_frame = 900;  // a check of the sheet takes 999
+constexpr std::int32_t margin = 4 * gxm_step;
+const gxm_date_t no_date{0, 0, 0, 0, 0};
+
+std::string upper(std::string_view text) {
+  std::string result(text);
+  std::transform(result.begin(), result.end(), result.begin(), gx_upper_case);
+  return result;
+}
+
+// Polylines of more points than one object holds become several.
+void take_shape(std::vector<gxm_shape_t>& shapes, const gxm_shape_t& shape) {
+  const auto& points = shape.points;
+  if (shape.type != gx_type::polyline_2d || points.size() <= most_points) {
+    shapes.push_back(shape);
+    return;
+  }
+  for (std::size_t first = 0; first + 1 < points.size(); first += most_points - 1) {
+    gxm_shape_t piece = shape;
+    const auto last = std::min(first + most_points, points.size());
+    piece.points.assign(points.begin() + static_cast<std::ptrdiff_t>(first),
+                        points.begin() + static_cast<std::ptrdiff_t>(last));
+    shapes.push_back(std::move(piece));
+  }
+}
+
+// Names for texts that have none.
+class text_names {
+ public:
+  explicit text_names(std::set<std::string> taken = {}) : taken_(std::move(taken)) {}
+  std::string next() {
+    std::string name;
+    do {
+      name = "TEXT" + std::to_string(++last_);
+    } while (taken_.contains(name));
+    return name;
+  }
+
+ private:
+  std::set<std::string> taken_;
+  int last_ = 0;
+};
+
+gxm_property_t property_of_line(std::string name, const gxi_line_t& line, const gxi_look_t& look) {
+  return {.name = std::move(name),
+          .value = line.text,
+          .at = line.at,
+          .height = look.height,
+          .color = look.color,
+          .vertical = line.rotate == 1};
+}
+
+// Where the one line of a property begins; properties are not broken.
+gxi_line_t whole_line(const std::string& value, const gxi_look_t& look) {
+  auto lines = gxi_lines(value, look);
+  gxi_line_t line = lines.empty() ? gxi_line_t{.at = look.at} : std::move(lines.front());
+  line.text = value;
+  return line;
+}
+
+// The symbol as gxmake's records have it.
+gxm_symbol_t plain_symbol(const gxi_symbol_t& symbol) {
+  gxm_symbol_t plain;
+  for (const auto& shape : symbol.shapes) take_shape(plain.shapes, shape);
+  std::set<std::string> taken;
+  const auto take = [&](const gxi_property_t& property) {
+    taken.insert(upper(property.name));
+    if (!property.look)
+      return gxm_property_t{.name = property.name, .value = property.value, .at = {}};
+    return property_of_line(property.name, whole_line(property.value, *property.look),
+                            *property.look);
+  };
+  for (const auto& property : symbol.properties) plain.properties.push_back(take(property));
+  for (const auto& property : symbol.defaults) take(property);
+  text_names names(std::move(taken));
+  for (const auto& text : symbol.texts)
+    for (const auto& line : gxi_lines(text.value, text.look))
+      plain.properties.push_back(property_of_line(names.next(), line, text.look));
+  for (const auto& pin : symbol.pins) {
+    auto& to = plain.pins.emplace_back();
+    to.name = pin.name;
+    to.type = pin.type;
+    to.at = pin.at;
+    if (pin.name_look) {
+      const auto at = whole_line(pin.name, *pin.name_look).at;
+      to.name_at = gx_pointreal_t{at.x - pin.at.x, at.y - pin.at.y};
+    }
+    for (const auto& property : pin.properties)
+      to.properties.push_back({.name = property.name, .value = property.value, .at = {}});
+  }
+  return plain;
+}
+
+void include(gx_boundsreal_t& box, gx_pointreal_t p) {
+  box.xmin = std::min(box.xmin, p.x);
+  box.ymin = std::min(box.ymin, p.y);
+  box.xmax = std::max(box.xmax, p.x);
+  box.ymax = std::max(box.ymax, p.y);
+}
+
+void include(gx_boundsreal_t& box, const gxm_shape_t& shape) {
+  for (const auto& p : shape.points) {
+    include(box, {p.x - shape.radius, p.y - shape.radius});
+    include(box, {p.x + shape.radius, p.y + shape.radius});
+  }
+}
+
+void include(gx_boundsreal_t& box, const gxi_text_t& text) {
+  for (const auto& line : gxi_lines(text.value, text.look)) {
+    const auto length = static_cast<std::int32_t>(line.text.size()) * text.look.height;
+    include(box, line.at);
+    include(box,
+            line.rotate == 0
+                ? gx_pointreal_t{line.at.x + length + length / 5, line.at.y - text.look.height}
+                : gx_pointreal_t{line.at.x - text.look.height, line.at.y - length - length / 5});
+  }
+}
+
+class sheet_builder {
+ public:
+  sheet_builder(const gxi_design_t& design, const gxi_sheet_t& sheet,
+                const std::function<gxi_symbol_path_t(int)>& symbol_path)
+      : design_(design), sheet_(sheet), symbol_path_(symbol_path), tree_(start()) {
+    const auto family = [&](gx_type type) {
+      return gxm_add_plain(tree_, type, tree_.file->primary_object);
+    };
+    instances_ = family(gx_type::instance_family);
+    symbols_ = family(gx_type::symbol_family);
+    nets_ = family(gx_type::net_family);
+    vertices_ = family(gx_type::vertex_family);
+    frames_ = family(gx_type::frame_family);
+  }
+
+  gxi_tree_t run() {
+    pins_of_net_.resize(sheet_.nets.size());
+    for (const auto& instance : sheet_.instances) use_symbol(instance.symbol);
+    for (const auto& instance : sheet_.instances) add_instance(instance);
+    for (std::size_t i = 0; i < sheet_.nets.size(); ++i) add_net(i);
+    add_frames();
+    gxm_grow_boxes(tree_);
+    return tree_.file;
+  }
+
+ private:
+  struct used_symbol_t {
+    gx_object_symbol_rec_t* object = nullptr;
+    gx_object_instance_rec_t* last_instance = nullptr;
+    std::int16_t version = 1;
+  };
+  struct net_pin_t {
+    gx_pointreal_t at{};
+    gx_object_pinpropfam_rec_t* pin = nullptr;
+  };
+
+  gxi_look_t moved(gxi_look_t look) const {
+    look.at = moved(look.at);
+    return look;
+  }
+  gx_pointreal_t moved(gx_pointreal_t p) const { return {p.x + shift_.x, p.y + shift_.y}; }
+
+  // A page that holds everything drawn, with a margin; what is drawn keeps its place on the grid.
+  gxm_tree_t start() {
+    gx_boundsreal_t box = gx_empty_bounds;
+    for (const auto& shape : sheet_.shapes) include(box, shape);
+    for (const auto& text : sheet_.texts) include(box, text);
+    for (const auto& net : sheet_.nets) {
+      for (const auto& segment : net.segments) {
+        include(box, segment.from);
+        include(box, segment.to);
+      }
+      if (net.name_look) include(box, {net.name, *net.name_look});
+    }
+    for (const auto& instance : sheet_.instances) include_instance(box, instance);
+    if (gx_bounds_empty(box)) box = {0, 0, 0, 0};
+    const auto floor_to = [](std::int64_t v, std::int32_t step) {
+      return static_cast<std::int32_t>((v >= 0 ? v : v - step + 1) / step * step);
+    };
+    shift_ = {floor_to(-std::int64_t{box.xmin} + margin + gxm_step - 1, gxm_step),
+              floor_to(-std::int64_t{box.ymin} + margin + gxm_step - 1, gxm_step)};
+    const gx_pointreal_t page{
+        std::max(floor_to(std::int64_t{box.xmax} + shift_.x + margin + gxm_step, gxm_step),
+                 20 * gxm_step),
+        std::max(floor_to(std::int64_t{box.ymax} + shift_.y + margin + gxm_step, gxm_step),
+                 20 * gxm_step)};
+    return gxm_start_tree(no_date, page, gxm_step, true);
+  }
+
+  void include_instance(gx_boundsreal_t& box, const gxi_instance_t& instance) {
+    auto [found, is_new] = symbol_boxes_.emplace(instance.symbol, gx_empty_bounds);
+    if (is_new) {
+      const auto& symbol = design_.cells[static_cast<std::size_t>(instance.symbol)].symbol;
+      for (const auto& shape : symbol.shapes) include(found->second, shape);
+      for (const auto& pin : symbol.pins) include(found->second, pin.at);
+      for (const auto& text : symbol.texts) include(found->second, text);
+    }
+    if (!gx_bounds_empty(found->second)) {
+      const auto& own = found->second;
+      include(box, gxi_on_sheet(instance, gx_pointreal_t{own.xmin, own.ymin}));
+      include(box, gxi_on_sheet(instance, gx_pointreal_t{own.xmax, own.ymax}));
+    }
+    include(box, instance.at);
+    if (instance.name_look) include(box, {instance.name, *instance.name_look});
+    for (const auto& property : instance.properties)
+      if (property.look) include(box, {property.value, *property.look});
+  }
+
+  void use_symbol(int cell) {
+    const auto [used, is_new] = used_.try_emplace(cell);
+    if (!is_new) return;
+    auto& object = gxm_add<gx_object_symbol_rec_t>(tree_, symbols_, {});
+    const auto named = symbol_path_(cell);
+    object.path = gx_string(named.path);
+    used->second.object = &object;
+    used->second.version = named.version;
+    gxm_add_symbol_contents(tree_,
+                            plain_symbol(design_.cells[static_cast<std::size_t>(cell)].symbol),
+                            object.gene.object_id);
+  }
+
+  void add_instance(const gxi_instance_t& instance) {
+    auto& used = used_[instance.symbol];
+    const auto& symbol = design_.cells[static_cast<std::size_t>(instance.symbol)].symbol;
+    auto& object = gxm_add<gx_object_instance_rec_t>(tree_, instances_, moved(instance.at));
+    const auto id = object.gene.object_id;
+    const auto turn = gxi_turn_of(instance);
+    object.rotate = turn.rotate;
+    object.fliph = turn.fliph;
+    object.symbol = used.object->gene.object_id;
+    object.n0_version = used.version;
+    if (used.last_instance) {
+      object.previous_inst = used.last_instance->gene.object_id;
+      used.last_instance->following_inst = id;
+    } else {
+      used.object->instance = id;
+    }
+    used.last_instance = &object;
+
+    const auto body = gxm_add_plain(tree_, gx_type::bodpropfam, id);
+    if (instance.kind != gxi_kind::port && !instance.name.empty())
+      add_property(
+          instance,
+          {instance.kind == gxi_kind::part ? "INST" : "GLOBAL", instance.name, instance.name_look},
+          body, {});
+    for (const auto& property : instance.properties) add_property(instance, property, body, {});
+    for (const auto& property : symbol.defaults) {
+      const auto own = [&](const auto& given) { return gx_iden(given.name, property.name); };
+      if (std::none_of(instance.properties.begin(), instance.properties.end(), own))
+        add_property(instance, property, body, {});
+    }
+
+    const auto family = gxm_add_plain(tree_, gx_type::pin_family, id);
+    for (std::size_t i = 0; i < symbol.pins.size(); ++i) {
+      auto& pin = gxm_add<gx_object_pinpropfam_rec_t>(tree_, family, symbol.pins[i].at);
+      pin.gene.bounds = {-1000, -1000, 1000, 1000};
+      if (i == 0 && instance.kind == gxi_kind::port)
+        add_property(instance, {"NET", instance.name, instance.name_look}, pin.gene.object_id,
+                     symbol.pins[i].at);
+      const int net = i < instance.nets.size() ? instance.nets[i] : -1;
+      if (net >= 0)
+        pins_of_net_[static_cast<std::size_t>(net)].push_back(
+            {gxi_on_sheet(instance, symbol.pins[i].at), &pin});
+    }
+  }
+
+  // `origin`: of the father, in coordinates of the symbol.
+  void add_property(const gxi_instance_t& instance, const gxi_property_t& property, int father,
+                    gx_pointreal_t origin) {
+    gxm_property_t stored{.name = property.name, .value = property.value, .at = {}};
+    int turns = 0;
+    if (property.look && !property.value.empty()) {
+      const auto line = whole_line(property.value, *property.look);
+      const auto below = gxi_below(instance, line, property.look->height);
+      stored.at = gx_pointreal_t{below.at.x - origin.x, below.at.y - origin.y};
+      stored.height = property.look->height;
+      stored.color = property.look->color;
+      turns = below.rotate;
+    }
+    gxm_add_property(tree_, stored, father, false, turns);
+  }
+
+  void add_net(std::size_t index) {
+    const auto& net = sheet_.nets[index];
+    const auto& pins = pins_of_net_[index];
+    if (pins.empty() && net.segments.empty() && net.name.empty()) return;
+    auto& object = gxm_add<gx_object_net_rec_t>(tree_, nets_, {});
+    const auto id = object.gene.object_id;
+    std::vector<gx_pointreal_t> places;
+    for (const auto& pin : pins) {
+      pin.pin->net = id;
+      places.push_back(pin.at);
+    }
+    const auto wiring = gxi_wire(net.segments, places);
+    const auto start = moved(!wiring.ends.empty() ? wiring.ends[0].at
+                             : !places.empty()    ? places[0]
+                                                  : gx_pointreal_t{});
+    add_net_properties(net, id, start);
+    std::vector<gx_object_id_t> ids;
+    for (const auto& end : wiring.ends) {
+      if (end.pin >= 0) {
+        auto& pin = *pins[static_cast<std::size_t>(end.pin)].pin;
+        pin.dotted = end.degree > 1;
+        ids.push_back(pin.gene.object_id);
+        continue;
+      }
+      auto& vertex = gxm_add<gx_object_vertex_rec_t>(tree_, vertices_, moved(end.at));
+      vertex.gene.bounds = {0, 0, 0, 0};
+      vertex.net = id;
+      vertex.dotted = end.degree > 2;
+      ids.push_back(vertex.gene.object_id);
+    }
+    for (const auto& piece : wiring.pieces) {
+      const auto a = wiring.ends[piece.end1].at, b = wiring.ends[piece.end2].at;
+      auto& segment = gxm_add<gx_object_segment_rec_t>(tree_, id, moved(a));
+      segment.line_color = piece.color;
+      segment.line_width = piece.width;
+      segment.vertex1 = ids[piece.end1];
+      segment.vertex2 = ids[piece.end2];
+      segment.gene.bounds = {std::min(0, b.x - a.x), std::min(0, b.y - a.y), std::max(0, b.x - a.x),
+                             std::max(0, b.y - a.y)};
+    }
+  }
+
+  void add_net_properties(const gxi_net_t& net, gx_object_id_t id, gx_pointreal_t start) {
+    if (net.name.empty() && net.properties.empty()) return;
+    const auto family = gxm_add_plain(tree_, gx_type::property_family, id);
+    const auto add = [&](const gxi_property_t& property) {
+      gxm_property_t stored{.name = property.name, .value = property.value, .at = {}};
+      if (property.look && !property.value.empty()) {
+        const auto look = moved(*property.look);
+        stored = property_of_line(property.name, whole_line(property.value, look), look);
+      }
+      gxm_add_property(tree_, stored, family, false, stored.vertical ? 1 : 0, start);
+    };
+    if (!net.name.empty()) add({"NET", net.name, net.name_look});
+    for (const auto& property : net.properties) add(property);
+  }
+
+  void add_frames() {
+    std::vector<gxm_shape_t> shapes;
+    for (const auto& shape : sheet_.shapes) take_shape(shapes, shape);
+    std::vector<gxm_property_t> texts;
+    text_names names;
+    for (const auto& text : sheet_.texts) {
+      const auto look = moved(text.look);
+      for (const auto& line : gxi_lines(text.value, look))
+        texts.push_back(property_of_line(names.next(), line, look));
+    }
+    std::size_t text = 0;
+    for (int frame = 1; frame == 1 ? !shapes.empty() || !texts.empty() : text < texts.size();
+         ++frame) {
+      const auto id = gxm_add_plain(tree_, gx_type::frame, frames_);
+      const auto graphics = gxm_add_plain(tree_, gx_type::graphics, id);
+      if (frame == 1)
+        for (auto shape : shapes) {
+          for (auto& point : shape.points) point = moved(point);
+          gxm_add_shape(tree_, shape, graphics);
+        }
+      const auto family = gxm_add_plain(tree_, gx_type::property_family, id);
+      gxm_add_property(tree_,
+                       {.name = "FREXP",
+                        .value = frame == 1 ? "DRAWING" : "DRAWING" + std::to_string(frame),
+                        .at = {}},
+                       family, false, 0);
+      for (std::size_t i = 0; i < texts_of_frame && text < texts.size(); ++i, ++text)
+        gxm_add_property(tree_, texts[text], family, false, texts[text].vertical ? 1 : 0);
+    }
+  }
+
+  const gxi_design_t& design_;
+  const gxi_sheet_t& sheet_;
+  const std::function<gxi_symbol_path_t(int)>& symbol_path_;
+  std::map<int, gx_boundsreal_t> symbol_boxes_;
+  gx_pointreal_t shift_{};
+  gxm_tree_t tree_;
+  std::map<int, used_symbol_t> used_;
+  std::vector<std::vector<net_pin_t>> pins_of_net_;
+  gx_object_id_t instances_ = 0, symbols_ = 0, nets_ = 0, vertices_ = 0, frames_ = 0;
+};
+
+}  // namespace
+
+gxi_tree_t gxi_build_symbol(const gxi_cell_t& cell) {
+  constexpr gx_pointreal_t page{40 * gxm_step, 40 * gxm_step};
+  gxm_tree_t tree = gxm_start_tree(no_date, page, gxm_step, true);
+  const auto family = gxm_add_plain(tree, gx_type::component_family, tree.file->primary_object);
+  gxm_add_symbol_contents(tree, plain_symbol(cell.symbol),
+                          gxm_add_plain(tree, gx_type::component, family));
+  gxm_grow_boxes(tree);
+  return tree.file;
+}
+
+gxi_tree_t gxi_build_sheet(const gxi_design_t& design, const gxi_cell_t& cell,
+                           const std::function<gxi_symbol_path_t(int)>& symbol_path) {
+  return sheet_builder(design, *cell.sheet, symbol_path).run();
+}

@@ -1,0 +1,475 @@
+// From the sheets of xschem to a drawing: cells, instances of vectors, ports, globals, pictures.
+#include <algorithm>
+#include <set>
+#include <stdexcept>
+
+#include "gx/text/strings.h"
+#include "import/netlist_text.h"
+#include "import/placement.h"
+#include "import/readers.h"
+#include "import/xschem_labels.h"
+#include "import/xschem_nets.h"
+#include "import/xschem_picture.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string upper(std::string_view text) {
+  std::string result(text);
+  std::transform(result.begin(), result.end(), result.begin(), gx_upper_case);
+  return result;
+}
+
+// Attributes that say something to xschem alone, or that become something else here.
+bool is_told_otherwise(std::string_view name) {
+  constexpr std::string_view names[] = {"name",      "embed",        "lab",
+                                        "schematic", "spice_ignore", "savecurrent"};
+  return std::find(std::begin(names), std::end(names), name) != std::end(names);
+}
+
+class xschem_reader {
+ public:
+  explicit xschem_reader(const gxi_input_t& input) : input_(input), library_(input, design_) {}
+
+  gxi_design_t run() {
+    const auto top = fs::absolute(input_.pages.front()).lexically_normal();
+    design_.cells.emplace_back().name = top.stem().string();
+    auto beside = top;
+    beside.replace_extension(".sym");
+    const gxi_xschem_symbol_t* symbol = nullptr;
+    if (fs::is_regular_file(beside)) {
+      symbol = &library_.symbol({.symbol = beside.string()}, top);
+      take_symbol(0, *symbol);
+    }
+    read_sheet(0, symbol, top);
+    declare_globals();
+    keep_most_used();
+    return std::move(design_);
+  }
+
+ private:
+  gxi_cell_t& cell(int index) { return design_.cells[static_cast<std::size_t>(index)]; }
+
+  // --- symbols
+  void take_symbol(int index, const gxi_xschem_symbol_t& from) {
+    auto& to = cell(index).symbol;
+    to.name = from.name;
+    to.source = {from.file, 0};
+    gxm_shape_t drawn;
+    for (const auto& shape : from.records.shapes)
+      if (gxi_xschem_shape(shape, drawn)) to.shapes.push_back(drawn);
+    const auto fixed = [](std::string_view) { return std::string(); };
+    for (auto& shown : gxi_xschem_shown(from.records, true, fixed))
+      to.texts.push_back({std::move(shown.value), shown.look});
+    if (from.role == gxi_role_t::device) {
+      take_nodes(to, from);
+      for (const auto& [name, value] : from.defaults.all())
+        if (!is_told_otherwise(name)) to.defaults.push_back({name, value, {}});
+      return;
+    }
+    if (from.pins.empty()) return;
+    const auto& pin = from.pins.front();
+    to.pins.push_back({.name = "P", .type = pin.type, .at = gxi_xschem_point(pin.at)});
+    if (from.role == gxi_role_t::port)
+      to.properties.push_back({"CLASS",
+                               from.type == "ipin"   ? "PORTIN"
+                               : from.type == "opin" ? "PORTOUT"
+                                                     : "PORTIO",
+                               {}});
+  }
+
+  // The pins in the order of the netlist; those without a place stand in a row below the symbol.
+  static void take_nodes(gxi_symbol_t& to, const gxi_xschem_symbol_t& from) {
+    gx_pointreal_t below{0, 0};
+    for (const auto& shape : to.shapes)
+      for (const auto& point : shape.points) below.y = std::max(below.y, point.y);
+    for (const auto& pin : from.pins) below.y = std::max(below.y, gxi_xschem_point(pin.at).y);
+    below.y = (below.y / gxm_step + 1) * gxm_step;
+    for (const auto& node : from.nodes) {
+      if (node.pin < 0) {
+        to.pins.push_back({.name = node.name, .at = below});
+        below.x += gxm_step;
+        continue;
+      }
+      const auto& pin = from.pins[static_cast<std::size_t>(node.pin)];
+      for (const auto& bit : pin.bits)
+        to.pins.push_back({.name = bit, .type = pin.type, .at = gxi_xschem_point(pin.at)});
+    }
+  }
+
+  // The sheet of a component, when it has one.
+  std::optional<fs::path> sheet_of(const gxi_placed_t& placed, const fs::path& sheet) const {
+    const auto& symbol = *placed.symbol;
+    if (symbol.type != "subcircuit") return std::nullopt;
+    const auto* named = placed.attributes.find("schematic");
+    if (named == nullptr) named = symbol.attributes.find("schematic");
+    if (named != nullptr && !named->empty()) {
+      std::string name = *named;
+      if (!fs::path(name).has_extension()) name += ".sch";
+      if (auto found = library_.find(name, symbol.path.empty() ? sheet : symbol.path)) return found;
+    }
+    auto path = symbol.path;
+    if (path.empty()) return library_.find(symbol.name + ".sch", sheet);
+    path.replace_extension(".sch");
+    return fs::is_regular_file(path) ? std::optional(path) : std::nullopt;
+  }
+
+  int cell_of(const gxi_placed_t& placed, const fs::path& sheet) {
+    const auto below = sheet_of(placed, sheet);
+    const auto key = std::pair(placed.symbol, below ? below->lexically_normal().string() : "");
+    const auto [found, is_new] = cells_.emplace(key, static_cast<int>(design_.cells.size()));
+    const int index = found->second;
+    if (below && open_.contains(key.second))
+      throw std::runtime_error(sheet.string() + ":" + std::to_string(placed.component->line) +
+                               ": " + below->string() + " contains itself");
+    if (!is_new) return index;
+    design_.cells.emplace_back().name = below ? below->stem().string() : placed.symbol->name;
+    take_symbol(index, *placed.symbol);
+    if (below)
+      read_sheet(index, placed.symbol, *below);
+    else if (placed.symbol->role == gxi_role_t::device)
+      cell(index).symbol.properties.push_back(
+          {"CLASS", placed.symbol->type.empty() ? "device" : class_of(placed.symbol->type), {}});
+    return index;
+  }
+
+  // Not what an expansion takes for a port or a global.
+  static std::string class_of(const std::string& type) {
+    const bool port = (type.size() == 6 || type.size() == 7) && gx_equal("PORT", type);
+    return port || gx_iden(type, "G") ? "device_" + type : type;
+  }
+
+  // --- sheets
+  void read_sheet(int index, const gxi_xschem_symbol_t* symbol, const fs::path& path) {
+    const std::string here = path.lexically_normal().string();
+    if (open_.size() >= 28) throw std::runtime_error(here + ":1: more than 28 levels");
+    open_.insert(here);
+    const auto [records, file] = library_.read(path);
+    std::vector<gxi_placed_t> placed;
+    for (const auto& component : records.components)
+      if (component.embedded) library_.symbol(component, path);
+    for (const auto& component : records.components) placed.push_back(place(component, path, file));
+    std::vector<const gxi_xschem_shape_t*> wires;
+    for (const auto& shape : records.shapes)
+      if (shape.kind == 'N') wires.push_back(&shape);
+    auto nets = gxi_join_xschem(placed, wires, file, design_.warnings);
+
+    gxi_sheet_t sheet;
+    sheet.source = {file, 1};
+    draw(records, sheet);
+    for (std::size_t i = 0; i < placed.size(); ++i) add(sheet, placed[i], i, nets, path, file);
+    // Nodes that a symbol's line names beside its pins are pins of the cell, too.
+    if (symbol != nullptr && symbol->role == gxi_role_t::device)
+      for (const auto& node : symbol->nodes)
+        if (node.pin < 0) {
+          const auto found = nets.by_name.find(upper(node.name));
+          if (found != nets.by_name.end())
+            nets.nets[static_cast<std::size_t>(found->second)].port = node.name;
+        }
+    for (std::size_t i = 0; i < wires.size(); ++i) draw_wire(*wires[i], nets, i);
+    std::string text = records.spice + "\n";
+    for (const auto& component : placed)
+      if (says_netlist(component, index == 0)) text += std::string(component.value("value")) + "\n";
+    if (text.find_first_not_of(" \n\t") != std::string::npos) {
+      add_text_devices(sheet, text, nets);
+      cell(index).notes = std::move(text);
+    }
+    sheet.nets = std::move(nets.nets);
+    cell(index).sheet = std::move(sheet);
+    open_.erase(here);
+  }
+
+  static bool says_netlist(const gxi_placed_t& component, bool is_top) {
+    if (component.symbol->type != "netlist_commands" || component.ignored) return false;
+    const auto simulator = component.value("simulator");
+    const auto only_top = component.value("only_toplevel");
+    return (simulator.empty() || simulator == "ngspice") && (is_top || only_top != "true");
+  }
+
+  // Devices that stand as lines of a netlist beside the drawing: below it, without a picture.
+  void add_text_devices(gxi_sheet_t& sheet, const std::string& text, gxi_xschem_nets_t& nets) {
+    auto devices = gxi_netlist_devices(text);
+    constexpr int row = 40;
+    gx_pointreal_t corner{0, 2 * gxm_step};
+    for (const auto& instance : sheet.instances) corner.y = std::max(corner.y, instance.at.y);
+    corner.y = (corner.y / gxm_step + 10) * gxm_step;
+    int place_in_row = 0;
+    for (auto& device : devices) {
+      gxi_instance_t instance;
+      instance.name = device.name;
+      instance.source = sheet.source;
+      instance.symbol = text_symbol(device);
+      instance.at = {corner.x + place_in_row * 2 * gxm_step, corner.y};
+      if (++place_in_row == row) {
+        place_in_row = 0;
+        corner.y += 6 * gxm_step;
+      }
+      for (const auto& node : device.nodes)
+        instance.nets.push_back(nets.named(node, sheet.source).front());
+      if (!device.value.empty()) instance.properties.push_back({"value", device.value, {}});
+      sheet.instances.push_back(std::move(instance));
+    }
+  }
+
+  int text_symbol(const gxi_netlist_device_t& device) {
+    const char letter = gx_upper_case(device.name.front());
+    const std::string name = std::string("text_") + letter + std::to_string(device.nodes.size());
+    const auto [found, is_new] =
+        text_symbols_.emplace(name, static_cast<int>(design_.cells.size()));
+    if (is_new) {
+      auto& made = design_.cells.emplace_back();
+      made.name = made.symbol.name = name;
+      made.symbol.properties.push_back({"CLASS", name, {}});
+      for (std::size_t i = 0; i < device.nodes.size(); ++i)
+        made.symbol.pins.push_back({.name = "N" + std::to_string(i + 1),
+                                    .at = {0, static_cast<std::int32_t>(i) * gxm_step}});
+    }
+    return found->second;
+  }
+
+  gxi_placed_t place(const gxi_xschem_component_t& component, const fs::path& path,
+                     std::string_view file) {
+    gxi_placed_t placed;
+    placed.component = &component;
+    placed.symbol = &library_.symbol(component, path);
+    placed.attributes = gxi_attributes_t(component.attributes);
+    if (placed.symbol->missing)
+      gxm_complain(design_.warnings, {file, component.line},
+                   "symbol " + component.symbol + " is not found; its pins are not joined");
+    std::string ignore(placed.value("spice_ignore"));
+    if (ignore.empty() || ignore == "0") ignore = placed.symbol->attributes.get("spice_ignore");
+    placed.shorted = ignore == "short";
+    placed.ignored = !placed.shorted && !ignore.empty() && ignore != "0" && ignore != "false";
+    placed.names = gxi_expand_label(placed.value("name"));
+    const auto instance = instance_of(placed, file);
+    for (const auto& pin : placed.symbol->pins)
+      placed.pins.push_back(gxi_on_sheet(instance, gxi_xschem_point(pin.at)));
+    return placed;
+  }
+
+  static gxi_instance_t instance_of(const gxi_placed_t& placed, std::string_view file) {
+    gxi_instance_t instance;
+    const auto& component = *placed.component;
+    instance.source = {file, component.line};
+    instance.at = gxi_xschem_point(component.at);
+    instance.rotate = static_cast<std::uint8_t>((4 - component.rotate) % 4);
+    instance.mirror = component.flip;
+    return instance;
+  }
+
+  static void draw(const gxi_xschem_file_t& records, gxi_sheet_t& sheet) {
+    gxm_shape_t drawn;
+    for (const auto& shape : records.shapes)
+      if (gxi_xschem_shape(shape, drawn)) sheet.shapes.push_back(drawn);
+    for (const auto& text : records.texts)
+      if (gxi_attributes_t(text.attributes).get("hide") != "true" &&
+          text.text.rfind("tcleval(", 0) != 0)
+        sheet.texts.push_back({text.text, gxi_xschem_look(text)});
+  }
+
+  // The wires of a bundle are drawn for its first net, thick.
+  static void draw_wire(const gxi_xschem_shape_t& wire, gxi_xschem_nets_t& nets, std::size_t i) {
+    const auto& bundle = nets.bundles[static_cast<std::size_t>(nets.bundle_of_wire[i])];
+    const bool bus = bundle.nets.size() > 1 || gxi_attributes_t(wire.attributes).is_set("bus");
+    nets.nets[static_cast<std::size_t>(bundle.nets.front())].segments.push_back(
+        {gxi_xschem_point(wire.points[0]), gxi_xschem_point(wire.points[1]), gxm_cyan,
+         static_cast<std::uint8_t>(bus ? 3 : 1)});
+  }
+
+  std::string value_of(const gxi_placed_t& placed, std::string_view name) const {
+    const auto& symbol = *placed.symbol;
+    if (name == "symname") return symbol.name;
+    if (name.substr(0, 1) == "#") {  // an attribute of a pin
+      const auto colon = name.find(':');
+      if (colon == std::string_view::npos) return {};
+      std::size_t pin = 0;
+      for (const char c : name.substr(1, colon - 1)) {
+        if (c < '0' || c > '9' || pin > 100000) return {};
+        pin = pin * 10 + static_cast<std::size_t>(c - '0');
+      }
+      return pin < symbol.pins.size()
+                 ? std::string(symbol.pins[pin].attributes.get(name.substr(colon + 1)))
+                 : std::string();
+    }
+    return std::string(placed.value(name));
+  }
+
+  void add(gxi_sheet_t& sheet, const gxi_placed_t& placed, std::size_t i, gxi_xschem_nets_t& nets,
+           const fs::path& path, std::string_view file) {
+    gxi_instance_t instance = instance_of(placed, file);
+    const auto shown = gxi_xschem_shown(placed.symbol->records, false, [&](std::string_view name) {
+      return value_of(placed, name);
+    });
+    const auto role = placed.symbol->role;
+    const bool takes_part = !placed.ignored && !placed.shorted && !placed.symbol->missing;
+    if (role == gxi_role_t::device && takes_part) {
+      add_device(sheet, placed, i, nets, path, std::move(instance), shown);
+      return;
+    }
+    if ((role == gxi_role_t::label || role == gxi_role_t::port) && takes_part &&
+        !nets.bundle_of_pin[i].empty() && nets.names_its_net[i] &&
+        add_label(sheet, placed, i, nets, path, instance, shown))
+      return;
+    draw_apart(sheet, placed, instance, shown);
+  }
+
+  void draw_apart(gxi_sheet_t& sheet, const gxi_placed_t& placed, const gxi_instance_t& instance,
+                  const std::vector<gxi_xschem_shown_t>& shown) {
+    gxi_symbol_t symbol;
+    gxm_shape_t drawn;
+    for (const auto& shape : placed.symbol->records.shapes)
+      if (gxi_xschem_shape(shape, drawn)) symbol.shapes.push_back(drawn);
+    for (auto& text : gxi_xschem_shown(placed.symbol->records, true, {}))
+      symbol.texts.push_back({std::move(text.value), text.look});
+    gxi_draw_apart(symbol, instance, sheet);
+    for (const auto& text : shown)
+      sheet.texts.push_back({text.value, gxi_on_sheet(instance, text.look)});
+  }
+
+  // Ports and symbols of globals become instances; false for a label that is only drawn.
+  bool add_label(gxi_sheet_t& sheet, const gxi_placed_t& placed, std::size_t i,
+                 gxi_xschem_nets_t& nets, const fs::path& path, gxi_instance_t instance,
+                 const std::vector<gxi_xschem_shown_t>& shown) {
+    const auto& bundle = nets.bundles[static_cast<std::size_t>(nets.bundle_of_pin[i].front())];
+    const auto names = gxi_expand_label(placed.value("lab"));
+    const bool global =
+        !placed.value("global").empty() || placed.symbol->attributes.is_set("global");
+    if (names.size() != bundle.nets.size()) return false;
+    if (placed.symbol->role == gxi_role_t::label) {
+      if (!global) return false;
+      for (const auto& name : names) globals_.insert(upper(name));
+      if (names.size() > 1) return false;
+    }
+    instance.kind = placed.symbol->role == gxi_role_t::port ? gxi_kind::port : gxi_kind::global;
+    instance.symbol = cell_of(placed, path);
+    for (const auto& text : shown) {
+      if (text.attribute != "lab") continue;
+      if (names.size() == 1)
+        instance.name_look = gxi_on_sheet(instance, text.look);
+      else
+        sheet.texts.push_back({text.value, gxi_on_sheet(instance, text.look)});
+    }
+    for (std::size_t bit = 0; bit < names.size(); ++bit) {
+      instance.name = names[bit];
+      instance.nets = {bundle.nets[bit]};
+      auto& net = nets.nets[static_cast<std::size_t>(bundle.nets[bit])];
+      if (instance.kind == gxi_kind::port) {
+        net.port = names[bit];
+        net.port_type = placed.symbol->type == "ipin"   ? "IN"
+                        : placed.symbol->type == "opin" ? "OUT"
+                                                        : "IO";
+      } else {
+        net.global = names[bit];
+      }
+      sheet.instances.push_back(instance);
+    }
+    return true;
+  }
+
+  void add_device(gxi_sheet_t& sheet, const gxi_placed_t& placed, std::size_t i,
+                  gxi_xschem_nets_t& nets, const fs::path& path, gxi_instance_t instance,
+                  const std::vector<gxi_xschem_shown_t>& shown) {
+    instance.symbol = cell_of(placed, path);
+    for (const auto& [name, value] : placed.attributes.all())
+      if (!is_told_otherwise(name)) {
+        instance.properties.push_back({name, value, {}});
+        ++uses_[name];
+      }
+    const bool vector = placed.names.size() > 1;
+    std::vector<gxi_property_t> first = instance.properties;
+    int composed = 0;
+    for (const auto& text : shown) {
+      const auto look = gxi_on_sheet(instance, text.look);
+      if (text.attribute == "name") {
+        if (vector)
+          sheet.texts.push_back({text.value, look});
+        else
+          instance.name_look = look;
+        continue;
+      }
+      // An attribute is shown once; a second time, or put together, it is a text.
+      const auto own = std::find_if(first.begin(), first.end(), [&](const auto& property) {
+        return property.name == text.attribute && !property.look;
+      });
+      if (own != first.end())
+        own->look = look;
+      else if (!text.attribute.empty() && placed.symbol->defaults.find(text.attribute) &&
+               !placed.attributes.find(text.attribute) && !is_told_otherwise(text.attribute) &&
+               std::none_of(first.begin(), first.end(),
+                            [&](const auto& p) { return p.name == text.attribute; }))
+        first.push_back({text.attribute, text.value, look});
+      else
+        first.push_back({"SHOWN" + std::to_string(++composed), text.value, look});
+    }
+    // The nets of all bits of a node, over all instances of the vector.
+    std::vector<std::vector<int>> nets_of_node;
+    for (const auto& node : placed.symbol->nodes) {
+      if (node.pin >= 0) {
+        nets_of_node.push_back(
+            nets.bundles[static_cast<std::size_t>(
+                             nets.bundle_of_pin[i][static_cast<std::size_t>(node.pin)])]
+                .nets);
+      } else {
+        const auto label = gxi_substitute(
+            node.text, [&](std::string_view name) { return value_of(placed, name); });
+        nets_of_node.push_back(label.empty() ? std::vector<int>{-1}
+                                             : nets.named(label, instance.source));
+      }
+    }
+    for (std::size_t k = 0; k < placed.names.size(); ++k) {
+      auto single = instance;
+      single.name = placed.names[k];
+      if (k == 0) single.properties = first;
+      for (std::size_t n = 0; n < nets_of_node.size(); ++n) {
+        const auto& node = placed.symbol->nodes[n];
+        const auto bits =
+            node.pin >= 0 ? placed.symbol->pins[static_cast<std::size_t>(node.pin)].bits.size() : 1;
+        for (std::size_t bit = 0; bit < bits; ++bit)
+          single.nets.push_back(nets_of_node[n][(k * bits + bit) % nets_of_node[n].size()]);
+      }
+      sheet.instances.push_back(std::move(single));
+    }
+  }
+
+  // --- the whole design
+  void declare_globals() {
+    globals_.insert("0");
+    for (auto& one : design_.cells)
+      if (one.sheet)
+        for (auto& net : one.sheet->nets)
+          if (net.port.empty() && net.global.empty() && globals_.contains(upper(net.name)))
+            net.global = net.name;
+  }
+
+  void keep_most_used() {
+    for (const auto& one : design_.cells)
+      for (const auto& property : one.symbol.defaults) ++uses_[property.name];
+    std::vector<std::pair<int, std::string>> order;
+    for (const auto& [name, count] : uses_) order.emplace_back(-count, name);
+    std::sort(order.begin(), order.end());
+    for (const auto& [count, name] : order) design_.kept_of_instances.push_back(name);
+  }
+
+  const gxi_input_t& input_;
+  gxi_design_t design_;
+  gxi_xschem_library_t library_;
+  std::map<std::pair<const gxi_xschem_symbol_t*, std::string>, int> cells_;
+  std::map<std::string, int> text_symbols_;
+  std::set<std::string> open_;  // sheets being read, for those that contain themselves
+  std::set<std::string> globals_;
+  std::map<std::string, int> uses_;
+};
+
+}  // namespace
+
+gxi_design_t gxi_read_xschem(const gxi_input_t& input) { return xschem_reader(input).run(); }
+
+bool gxi_is_xschem(std::string_view text) {
+  const auto first = text.find_first_not_of(" \t\r\n");
+  if (first == std::string_view::npos || first + 1 >= text.size()) return false;
+  const char kind = text[first];
+  const auto next = text.find_first_not_of(' ', first + 1);
+  return (kind == 'v' || kind == 'G' || kind == 'K') && next != std::string_view::npos &&
+         text[next] == '{';
+}

@@ -1,0 +1,161 @@
+// Drawings of xschem: records in odd forms, labels of several bits, and what joins what in the
+// example.
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <set>
+
+#include "import/ascii.h"
+#include "import/netlist_text.h"
+#include "import/numbers.h"
+#include "import/output.h"
+#include "import/readers.h"
+#include "import/xschem_attributes.h"
+#include "import/xschem_labels.h"
+#include "import/xschem_records.h"
+#include "tests/support/scratch_directory.h"
+
+namespace {
+
+std::string refusal(std::string_view text) {
+  gxm_messages_t messages;
+  try {
+    gxi_read_xschem_records(text, {"f", 0}, messages);
+  } catch (const std::runtime_error& error) {
+    return error.what();
+  }
+  return messages.empty() ? "" : messages.front();
+}
+
+std::string joined(const std::vector<std::string>& names) {
+  std::string all;
+  for (const auto& name : names) all += (all.empty() ? "" : " ") + name;
+  return all;
+}
+
+}  // namespace
+
+TEST(ImportXschem, RecordsInOddForms) {
+  gxm_messages_t messages;
+  const auto file = gxi_read_xschem_records(
+      "v {x}\r\nG {type=nmos}T {a \\{b\\} \\\\c} 1 2 3 1 .2 0.2 {}\nN 0 0 0 0 {lab=#net1}\n"
+      "P 4 0 {}\nC {s.sym} -1.25e1 +3 0 0 {name=x1\nembed=true}\n[\nK {type=q}\nL 4 0 0 1 1 "
+      "{}\n]\n",
+      {"f", 0}, messages);
+  EXPECT_EQ(file.global, "type=nmos");  // before there was K
+  EXPECT_EQ(file.texts.at(0).text, "a {b} \\c");
+  EXPECT_EQ(file.components.at(0).at.x, -12.5);
+  EXPECT_EQ(file.components.at(0).line, 5);
+  EXPECT_EQ(file.components.at(0).embedded->global, "type=q");
+
+  const std::map<std::string, std::string> refused{
+      {"v {\n\nx", "f:1: a \"{\" that is not closed"},
+      {"v {}\nN 1 2 x 4 {}", "f:2: a number expected"},
+      {"N 1 2 3 1e9 {}", "f:1: a coordinate beyond 200000"},
+      {"N 1 2 3 nan {}", "f:1: a number expected"},
+      {"v {}\n]", "f:2: a \"]\" without \"[\""},
+      {"[\n]", "f:1: a symbol that follows no component"},
+      {"C {a} 0 0 0 0 {}\n[\n", "f:2: a \"[\" that is not closed"},
+      {"C {a} 0 0 0 2 {}", "f:1: a flip of 0 or 1 expected"},
+      {"Z {\n} 1 2\nv {}", "f:1: a record of the unknown kind \"Z\" is left out"}};
+  for (const auto& [text, what] : refused) EXPECT_EQ(refusal(text), what);
+}
+
+TEST(ImportXschem, AttributesAndTheirTexts) {
+  const gxi_attributes_t attributes(
+      R"(name=x1 value="a \"b\" = c" w=10u alone w=2 t="name=M1 l=\\"1 2\\"" e= "" z=1)");
+  EXPECT_EQ(attributes.get("value"), "a \"b\" = c");
+  EXPECT_EQ(attributes.get("w"), "10u");
+  EXPECT_EQ(attributes.get("z"), "1");
+  EXPECT_EQ(attributes.find("alone"), nullptr);
+  const auto filled = gxi_substitute(R"(@name @@A @#0:x @prefix\and2 a@ \@b)",
+                                     [](auto name) { return "<" + std::string(name) + ">"; });
+  EXPECT_EQ(filled, "<name> <@A> <#0:x> <prefix>and2 a@ @b");
+}
+
+TEST(ImportXschem, LabelsOfSeveralBits) {
+  const std::map<std::string, std::string> bits{{"A", "A"},
+                                                {"A[2:0]", "A[2] A[1] A[0]"},
+                                                {"A[0:4:2]", "A[0] A[2] A[4]"},
+                                                {"A[3..1]", "A3 A2 A1"},
+                                                {"A[5,1:2]", "A[5] A[1] A[2]"},
+                                                {"A, B[1:0],C", "A B[1] B[0] C"},
+                                                {"2*X[1:0]", "X[1] X[0] X[1] X[0]"},
+                                                {"X[1:0]*2", "X[1] X[1] X[0] X[0]"},
+                                                {"2*(A,B)", "A B A B"},
+                                                {"A[i]", "A[i]"},
+                                                {"A[1", "A[1"},
+                                                {"A,,B", "A,,B"},
+                                                {"999999999*A", "999999999*A"},
+                                                {"A[0:2000000000]", "A[0:2000000000]"}};
+  for (const auto& [label, names] : bits) EXPECT_EQ(joined(gxi_expand_label(label)), names);
+}
+
+TEST(ImportXschem, NumbersTextsAndNetlistLines) {
+  EXPECT_EQ(gxi_plain_number("4.7k"), "4700");
+  EXPECT_EQ(gxi_plain_number("10uF"), "0.00001");
+  EXPECT_EQ(gxi_plain_number("2meg"), "2000000");
+  EXPECT_EQ(gxi_plain_number("1.50e-1"), "0.15");
+  EXPECT_EQ(gxi_plain_number("-1"), std::nullopt);
+  EXPECT_EQ(gxi_plain_expression("'@w * 4.4u'"), "(w*0.0000044)");
+  EXPECT_EQ(gxi_plain_expression("sqrt(2)"), std::nullopt);
+  EXPECT_EQ(gxi_ascii("10µ \u2126 \u00e9 \xff\x01"), "10u ohm e y ");
+  const auto devices = gxi_netlist_devices(
+      "* c\nm1 d g s b nch\n+ w=1\n.control\nrun r r\n.endc\nX1 a b sub m=2\nR1 a\n");
+  ASSERT_EQ(devices.size(), 2U);
+  EXPECT_EQ(joined(devices[0].nodes) + " | " + devices[0].value, "d g s b | nch w=1");
+  EXPECT_EQ(joined(devices[1].nodes), "a b");
+}
+
+// Every net of the top sheet of examples/import by the pins that it joins.
+TEST(ImportXschem, TheExampleJoinsWhatItDraws) {
+  const std::filesystem::path here = KIVO_SOURCE_DIR;
+  const auto design = gxi_read_xschem({{here / "examples/import/buffers.sch"}, {}});
+  EXPECT_TRUE(design.warnings.empty());
+  const auto& sheet = *design.cells[0].sheet;
+  std::vector<std::set<std::string>> pins(sheet.nets.size());
+  for (const auto& instance : sheet.instances)
+    for (std::size_t i = 0; i < instance.nets.size(); ++i)
+      if (instance.kind == gxi_kind::part && instance.nets[i] >= 0)
+        pins[static_cast<std::size_t>(instance.nets[i])].insert(
+            instance.name + "." +
+            design.cells[static_cast<std::size_t>(instance.symbol)].symbol.pins[i].name);
+  std::set<std::string> nets;
+  for (std::size_t i = 0; i < pins.size(); ++i) {
+    std::string all = sheet.nets[i].name + (sheet.nets[i].port.empty() ? "" : " port") +
+                      (sheet.nets[i].global.empty() ? "" : " global") + ":";
+    for (const auto& pin : pins[i]) all += " " + pin;
+    nets.insert(all);
+  }
+  std::set<std::string> expected{"0 global: C[0].m C[1].m C[2].m C[3].m M1.b M1.s",
+                                 "TAP: M1.d x9.A", "OUT port: x9.Y"};
+  for (const std::string bit : {"[0]", "[1]", "[2]", "[3]"}) {
+    expected.insert("IN" + bit + " port: xa" + bit + ".A");
+    expected.insert(": xa" + bit + ".Y xb" + bit + ".A");
+    expected.insert("Q" + bit + " port: C" + bit + ".p" + (bit == "[2]" ? " M1.g" : "") + " xb" +
+                    bit + ".Y");
+  }
+  EXPECT_EQ(nets, expected);
+}
+
+TEST(ImportXschem, ASecondImportWritesOnlyWhatChanged) {
+  const scratch_directory scratch;
+  const std::filesystem::path from = scratch.path() / "in", to = scratch.path() / "out";
+  std::filesystem::copy(std::filesystem::path(KIVO_SOURCE_DIR) / "examples/import", from);
+  const auto import = [&] {
+    auto design = gxi_read_xschem({{from / "buffers.sch"}, {}});
+    return gxi_write(design, {.root = to, .date = {}}).written;
+  };
+  EXPECT_GT(import(), 8);
+  EXPECT_EQ(import(), 0);
+  std::ofstream(from / "inv.sch", std::ios::app) << "T {more} 0 0 0 0 0.4 0.4 {}\n";
+  EXPECT_EQ(import(), 1);
+  EXPECT_TRUE(std::filesystem::exists(to / "inv/sheet.gx_1"));
+  EXPECT_TRUE(std::filesystem::exists(to / "inv/sheet.gx_2"));
+
+  std::ofstream(from / "inv.sch", std::ios::app) << "C {inv.sym} 0 0 0 0 {name=x1}\n";
+  EXPECT_THROW(import(), std::runtime_error);  // it contains itself
+  std::filesystem::remove_all(to);
+  EXPECT_THROW(import(), std::runtime_error);
+  EXPECT_FALSE(std::filesystem::exists(to));
+}
