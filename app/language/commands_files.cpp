@@ -1,8 +1,11 @@
 // Commands about files: command files, compiled procedures, texts shown, the dump of a sheet.
 #include <algorithm>
+#include <filesystem>
 #include <memory>
+#include <string>
+#include <system_error>
 
-#include "app/language/command_row.h"
+#include "app/language/command_table.h"
 #include "app/sheet/command_viewport.h"
 #include "gx/db/files.h"
 #include "gx/display/events.h"
@@ -77,13 +80,40 @@ void call_procedure(const procedure_command_t& kind, const kv_command_t& command
   }
 }
 
-// Shows a help file of the product directory; refuses with `error` and the path when missing.
-void show_help(const kv_command_t& command, std::string_view file, std::string_view error) {
+gx_string_record_t help_path(std::string_view file) {
   gx_string_record_t path = gx_get_velmoran();
   gx_concat_all(path, "/kivo/help/", file);
+  return path;
+}
+
+bool help_exists(std::string_view file) {
+  std::error_code error;
+  return std::filesystem::exists(gx_view(help_path(file)), error);
+}
+
+// Shows a help file of the product directory; refuses with `error` and the path when missing.
+void show_help(const kv_command_t& command, std::string_view file, std::string_view error) {
+  const gx_string_record_t path = help_path(file);
   if (gx_display_file_invplist(gx_view(path))) return kv_echo(" HELp ", command);
   kv_refuse("# HELp ", command, error);
   gx_tell("# !! : \"", gx_view(path), "\" ");
+}
+
+// The help file of the command that the word means: one that it would run, else the first whose
+// word it begins.
+std::string help_file_of(std::string_view typed) {
+  std::string file;
+  for (const bool runs : {true, false}) {
+    for (const auto& row : kv_command_table()) {
+      const auto word = row.syntax.substr(0, row.syntax.find(' '));
+      const bool fits = row.exact == 0 || row.exact == typed.size();
+      if (!(runs ? fits && gx_equal(row.keywords[0], typed) : gx_equal(typed, word))) continue;
+      file = "kv_1_";
+      for (const char c : word) file += gx_upper_case(c);
+      return file;
+    }
+  }
+  return file;
 }
 
 void kv_do_cmd(const kv_command_t& command) {
@@ -121,9 +151,12 @@ void kv_help_cmd(const kv_command_t& command) {
   if (command.count() == 1)
     return show_help(command, "list_commands",
                      "# !! Error :  List of commands for Help not found ? ");
-  gx_string_record_t file = gx_string("kv_1_");
-  gx_concat_const(command.word(2), file);
-  show_help(command, gx_view(file), "# !! Error :  Help on this command not found ? ");
+  std::string file = "kv_1_" + std::string(command.word(2));
+  if (const std::string meant = help_file_of(command.word(2));
+      !help_exists(file) && !meant.empty() && help_exists(meant)) {
+    file = meant;
+  }
+  show_help(command, file, "# !! Error :  Help on this command not found ? ");
 }
 
 void kv_showfile_cmd(const kv_command_t& command) {

@@ -125,7 +125,7 @@ void kv_read_menu_cmd(const kv_command_t& command) {
 
 constexpr kv_command_row_t rows[] = {
     // clang-format off
-    {{"DEF", "MEN"}, "DEFine MENu Item or Action 'label' ['command'] i [j [k [l]]]", kv_define_menu_cmd},
+    {{"DEF", "MEN"}, "DEFine MENu Item or Action 'label' ['command'] i [j ...]", kv_define_menu_cmd},
     {{"STA", "MEN"}, "STAtus MENu i [j [k]]", kv_status_menu_cmd, "# STAtus MENu ", 3},
     {{"$PMENU"}, "$PMENU file", kv_print_menu_cmd, "", 2, 6},
     {{"$RMENU"}, "$RMENU file", kv_read_menu_cmd, "", 2, 6},
