@@ -57,6 +57,7 @@ constexpr kv_command_row_t command_table[] = {
     {"S", {"STA", "NET"}, 0, "STAtus NET", kv_status_net_cmd},
     {"S", {"STA", "OBJ"}, 0, "STAtus OBJect", kv_status_object_cmd},
     {"S", {"STA", "PRO"}, 0, "STAtus PROperty", kv_status_prop_cmd},
+    {"S", {"STO", "SIZ"}, 0, "STOre SIZe", kv_store_size_cmd},
     {"S", {"SYST"}, 0, "SYSTem", nullptr, kv_system},
     {"TU", {"TIM", "STE"}, 0, "TIMe STEp", kv_time_step_cmd},
     {"TU", {"TRANS", "O"}, 0, "TRANScript ON, TRANScript OFF", kv_transcript_cmd},

@@ -100,6 +100,7 @@ void kv_status_net_cmd(const kv_command_t&);
 void kv_status_object_cmd(const kv_command_t&);
 void kv_status_prop_cmd(const kv_command_t&);
 void kv_time_step_cmd(const kv_command_t&);
+void kv_store_size_cmd(const kv_command_t&);
 void kv_transcript_cmd(const kv_command_t&);
 void kv_unselect_all_cmd(const kv_command_t&);
 void kv_unselect_area_cmd(const kv_command_t&);

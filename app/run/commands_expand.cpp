@@ -120,6 +120,17 @@ void kv_time_step_cmd(const kv_command_t& command) {
   kv_echo(echo, command, 3);
 }
 
+void kv_store_size_cmd(const kv_command_t& command) {
+  constexpr std::string_view echo = " STOre SIZe ";
+  if (command.count() != 3) return refuse(echo, command, kv_bad_count, 3);
+  const auto size = gx_string_to_int32(command.word(3));
+  if (size.error || size.value < 1 || size.value > kv_max_records) {
+    return refuse(echo, command, "# !! Error :  3rd parameter incorrect ? ", 3);
+  }
+  kv_sext.store_size = size.value;
+  kv_echo(echo, command, 3);
+}
+
 void kv_generate_data_cmd(const kv_command_t& command) {
   constexpr std::string_view echo = " GENerate DATa ";
   if (command.count() != 3) return refuse(echo, command, kv_bad_count, 3);

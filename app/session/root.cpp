@@ -73,6 +73,7 @@ void initparam_before() {
   kv_pext.macro_level = 0;
   kv_pext.expand_level = 0;
   kv_pext.nb_of_ext_arg = 0;
+  kv_sext.store_size = kv_start_records;
   kv_sext.primitive.count = 0;
   kv_sext.parameter.count = 0;
   kv_sext.property_instance.count = 0;
