@@ -15,8 +15,8 @@ constexpr int small = 2, kmax = 7;  // blocks: about 1,000 leaf instances, and w
 void count_leaves(benchmark::State& state) {
   using benchmark::Counter;
   state.counters["leaves"] = kv_sext.insts.count;
-  state.counters["s_per_leaf"] = Counter(
-      kv_sext.insts.count, Counter::kIsIterationInvariantRate | Counter::kInvert);
+  state.counters["s_per_leaf"] =
+      Counter(kv_sext.insts.count, Counter::kIsIterationInvariantRate | Counter::kInvert);
 }
 
 // A run with the listing off, from the command to the written image.
@@ -67,7 +67,8 @@ void listing(benchmark::State& state) {
   bench_design design(static_cast<int>(state.range(0)), 1);
   design.run();
   for (auto _ : state) {
-    if (!kv_write_design(kv_sext, kv_sext.designfile, "array/kivo_data")) state.SkipWithError("not written");
+    if (!kv_write_design(kv_sext, kv_sext.designfile, "array/kivo_data"))
+      state.SkipWithError("not written");
   }
   state.counters["bytes"] = static_cast<double>(std::filesystem::file_size("array/kivo_data"));
 }

@@ -1,12 +1,13 @@
 // Symbol files, and the walk over a whole design.
 #include "gxmake/builder.h"
 
-#include <fstream>
+#include <cerrno>
 #include <map>
 
 #include "gx/db/files.h"
 #include "gxmake/object_tree.h"
 #include "gxmake/symbol_parts.h"
+#include "platform/files.h"
 
 void gxm_complain(gxm_messages_t& messages, const gxm_source_t& source, std::string_view what) {
   std::string text(source.file);
@@ -68,21 +69,17 @@ std::vector<gxm_file_t> gxm_build(const gxm_design_t& design, const gxm_options_
   return files;
 }
 
-namespace {
-void write_whole(const std::filesystem::path& path, std::string_view bytes) {
-  std::ofstream out(path, std::ios::binary | std::ios::trunc);
-  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  if (!out.flush()) throw std::runtime_error(path.string() + ": cannot be written");
-}
-}  // namespace
-
 void gxm_write(const std::vector<gxm_file_t>& files, const std::filesystem::path& root) {
+  const auto check = [](const std::filesystem::path& path, bool written) {
+    if (!written) throw std::runtime_error(path.string() + ": cannot be written: " + x_why(errno));
+  };
   for (const auto& file : files) {
     const auto directory = root / file.directory;
     std::error_code error;
     std::filesystem::create_directories(directory, error);
     if (error) throw std::runtime_error(directory.string() + ": " + error.message());
-    write_whole(directory / (file.base + ".gx_1"), gx_encode_file(*file.file));
-    write_whole(directory / (file.base + ".gx"), "_1        \n");
+    const auto data = directory / (file.base + ".gx_1"), link = directory / (file.base + ".gx");
+    check(data, x_replace_file(data, gx_encode_file(*file.file)));
+    check(link, x_replace_file(link, "_1        \n"));
   }
 }

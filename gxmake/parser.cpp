@@ -279,15 +279,19 @@ void parser::include_file(statement_t& s) {
 }
 
 void parser::start_symbol(statement_t& s) {
-  input_.design.symbols.push_back({.name = name(s, "the symbol's name"), .source = s.source});
+  scope_ = top;  // where the statement is refused, what follows belongs to nothing
+  gxm_symbol_t symbol{.name = name(s, "the symbol's name"), .source = s.source};
   options(s, "");
+  input_.design.symbols.push_back(std::move(symbol));
   scope_ = in_symbol;
   texts_ = 0;
 }
 
 void parser::start_sheet(statement_t& s) {
-  input_.design.sheets.push_back({.name = name(s, "the sheet's name"), .source = s.source});
+  scope_ = top;
+  gxm_sheet_t sheet{.name = name(s, "the sheet's name"), .source = s.source};
   options(s, "");
+  input_.design.sheets.push_back(std::move(sheet));
   scope_ = in_sheet;
   texts_ = 0;
 }

@@ -3,6 +3,8 @@
 #include <map>
 
 #include "gx/db/geometry.h"
+#include "gx/db/object_access.h"
+#include "gx/edit/primitives.h"
 #include "gx/text/strings.h"
 #include "gxmake/symbol_parts.h"
 #include "gxmake/wire_net.h"
@@ -59,6 +61,7 @@ class sheet_builder {
     for (const auto& part : sheet_.parts) add_part(part);
     for (const auto& net : sheet_.nets) add_net(net);
     for (const auto& frame : sheet_.frames) add_frame(frame);
+    gxm_chain_instances(tree_);
     gxm_grow_boxes(tree_);
     return tree_.file;
   }
@@ -66,8 +69,7 @@ class sheet_builder {
  private:
   struct used_symbol_t {
     const gxm_symbol_t* symbol = nullptr;
-    gx_object_symbol_rec_t* object = nullptr;
-    gx_object_instance_rec_t* last_instance = nullptr;
+    gx_object_id_t id = 0;
   };
 
   void use_symbol(const gxm_part_t& part) {
@@ -79,14 +81,15 @@ class sheet_builder {
       used_[part.symbol] = {};
       return;
     }
-    auto& object = gxm_add<gx_object_symbol_rec_t>(tree_, symbol_family_, {});
-    const std::string path = options_.prefix + part.symbol + "/symbol.gx_1";
-    if (path.size() > 199)
+    std::string path = options_.prefix + part.symbol + "/symbol.gx_1";
+    if (path.size() > 199) {
       gxm_complain(messages_, part.source, "the path of the symbol is too long: " + path);
-    else
-      object.path = gx_string(path);
-    gxm_add_symbol_contents(tree_, *found->second, object.gene.object_id);
-    used_[part.symbol] = {found->second, &object, nullptr};
+      path = "symbol.gx_1";  // for what else may be wrong
+    }
+    const auto id =
+        gxm_make(tree_, gx_type::symbol, symbol_family_, {}, [&path] { gx_symbol(path); });
+    gxm_add_symbol_contents(tree_, *found->second, id);
+    used_[part.symbol] = {found->second, id};
   }
 
   void add_part(const gxm_part_t& part) {
@@ -98,19 +101,8 @@ class sheet_builder {
           gxm_complain(messages_, part.source,
                        "part " + part.name + ": " + property.name + " is fixed by the symbol " +
                            part.symbol + " (make it a default there)");
-    auto& instance = gxm_add<gx_object_instance_rec_t>(tree_, instances_, part.at);
-    const auto id = instance.gene.object_id;
-    instance.rotate = part.rotate;
-    instance.fliph = part.mirror;
-    instance.symbol = used.object->gene.object_id;
-    instance.n0_version = 1;
-    if (used.last_instance) {
-      instance.previous_inst = used.last_instance->gene.object_id;
-      used.last_instance->following_inst = id;
-    } else {
-      used.object->instance = id;
-    }
-    used.last_instance = &instance;
+    const auto id = gxm_make(tree_, gx_type::instance, instances_, part.at,
+                             [&] { gx_instance(used.id, part.rotate, part.mirror); });
     const auto body = gxm_add_plain(tree_, gx_type::bodpropfam, id);
     for (const auto& property : body_properties(part, *used.symbol)) {
       int turn = 0;
@@ -157,7 +149,6 @@ class sheet_builder {
     for (const auto& pin : symbol.pins) {
       const auto range = first && part.range ? part.range : pin.range;
       auto& object = gxm_add<gx_object_pinpropfam_rec_t>(tree_, family, pin.at);
-      object.gene.bounds = {-1000, -1000, 1000, 1000};
       if (range) {
         object.pin_start = range->start;
         object.pin_end = range->end;
@@ -215,15 +206,10 @@ class sheet_builder {
     std::vector<gx_object_id_t> ids;
     for (const auto& end : wiring.ends) ids.push_back(add_end(end, net, id));
     for (const auto& piece : wiring.segments) {
-      const auto a = wiring.ends[piece.end1].place, b = wiring.ends[piece.end2].place;
-      auto& segment = gxm_add<gx_object_segment_rec_t>(tree_, id, a);
-      segment.line_color = piece.wire->color;
-      segment.line_width = piece.wire->width;
-      segment.line_style = piece.wire->style;
-      segment.vertex1 = ids[piece.end1];
-      segment.vertex2 = ids[piece.end2];
-      segment.gene.bounds = {std::min(0, b.x - a.x), std::min(0, b.y - a.y), std::max(0, b.x - a.x),
-                             std::max(0, b.y - a.y)};
+      gxm_make(tree_, gx_type::segment, id, {}, [&] {
+        gx_segment(piece.wire->style, piece.wire->color, piece.wire->width, ids[piece.end1],
+                   ids[piece.end2]);
+      });
     }
     for (const auto& bit : net.bits) set_bit(bit, net);
   }
@@ -238,12 +224,13 @@ class sheet_builder {
       if (net.range) pin.pin_net_start = net.range->start;
       return id;
     }
-    auto& vertex = gxm_add<gx_object_vertex_rec_t>(tree_, vertices_, end.place);
-    vertex.gene.bounds = {0, 0, 0, 0};
+    const auto id = gxm_make(tree_, gx_type::vertex_2d, vertices_, {},
+                             [&] { gx_vertex_2dreal(end.place.x, end.place.y); });
+    auto& vertex = gx_vertex_info_ptr(*tree_.file, id);
     vertex.net = net_id;
     vertex.dotted = end.degree > 2;
-    places_.vertices[{net.name, {end.place.x, end.place.y}}] = vertex.gene.object_id;
-    return vertex.gene.object_id;
+    places_.vertices[{net.name, {end.place.x, end.place.y}}] = id;
+    return id;
   }
 
   void set_bit(const gxm_bit_t& bit, const gxm_net_t& net) {
@@ -263,8 +250,7 @@ class sheet_builder {
   }
 
   gx_object_pinpropfam_rec_t& pin_object(gx_object_id_t id) {
-    return reinterpret_cast<gx_object_pinpropfam_rec_t&>(
-        *tree_.file->ptr_to_ar_objindex[static_cast<std::size_t>(id - 1)]);
+    return gx_pinpropfam_info_ptr(*tree_.file, id);
   }
 
   void add_frame(const gxm_frame_t& frame) {

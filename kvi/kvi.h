@@ -1,16 +1,30 @@
 /* libkvi: reads the design file that an expansion run leaves.
  *
- * One design is loaded at a time, by kvi_init_dfi; then nets, instances and pins are read one by
- * one, by their indexes (from 1), as records with plain strings and decoded property values.
+ * One design is loaded at a time, by kvi_load or kvi_init_dfi; then nets, instances, pins and
+ * macros are read one by one, by their indexes (from 1), as records with plain strings and decoded
+ * property values.
  *
+ *   int32_t status, i;
  *   kvi_net_record_t* net = NULL;
+ *   kvi_load("register/design_kv", &status);
+ *   if (status != KVI_OK) puts(kvi_load_error());
  *   for (kvi_get_first_net(&i); i != 0; kvi_get_next_net(&i)) {
  *     kvi_get_net_record(i, &net);
  *     puts(net->name.charp);
  *   }
+ *   kvi_free_net_record(&net);
+ *   kvi_unload();
  *
  * Queries never fail: whatever is out of range, or asked before a file is loaded, gives 0 or
  * leaves the record as it is. The library is not for use from several threads at once.
+ *
+ * The file is mapped, not copied: a design of a gigabyte is checked once, in a pass over the file,
+ * and takes next to no memory. While a file is loaded the library holds a shared lock on it
+ * (flock), so that it is not read while KIVO writes it. Once loaded it may be written again: a RUN,
+ * or who else writes over the file or cuts it, ends what was loaded, and the queries answer as if
+ * nothing were loaded (kvi_load_error says so); a file put in its place by renaming does not. For a
+ * page that is cut off under the reader the library handles SIGBUS from its first loading on and
+ * passes on what concerns others; a program with a handler of its own installs it before that.
  */
 #ifndef KVI_KVI_H
 #define KVI_KVI_H
@@ -24,16 +38,20 @@ extern "C" {
 
 /* --- status ------------------------------------------------------------------------------- */
 
-/* What kvi_init_dfi answers. */
+/* What kvi_load and kvi_init_dfi answer; nothing is loaded unless it is KVI_OK. */
 enum {
   KVI_OK = 0,                   /* the design is loaded */
   KVI_REFUSED = 1,              /* a missing or empty name, or a file shorter than its header
-                                   says: nothing is loaded */
+                                   says */
+  KVI_UNREADABLE = 2,           /* kvi_load: the file cannot be opened */
+  KVI_LOCKED = 3,               /* another process writes it, and did so for a second */
+  KVI_NO_MEMORY = 4,            /* no memory, or no address space, to map it */
   KVI_DAMAGED = 0x06050000 + 19 /* the file is long enough, but is no design file, or was not
                                    written to its end, or holds an index, a length or a count
-                                   that cannot be: nothing is loaded */
+                                   that cannot be */
 };
-/* Two conditions end the process, after a message on standard output, with these exit codes:
+/* Two conditions of kvi_init_dfi end the process, after a message on standard output, with these
+ * exit codes:
  *   19  the design file cannot be opened
  *   69  directory and file name are too long (each above 200, or together above 198)
  * and a debug file that cannot be opened ends it with exit code 1. */
@@ -81,7 +99,8 @@ typedef struct {
 
 typedef struct {
   int32_t self_id;
-  kvi_string_record_t name; /* its NET name, or "N_" and its index */
+  kvi_string_record_t name; /* its NET name, or "N_" and its index; a member of a bus without name
+                               is "_" and its position in the bus */
   int16_t net_type;         /* 1 standard (members of a bus too), 2 named member of a bus, 3 bus */
   int16_t net_kind;         /* 0 local, 1 bus or member, 2 port, 3 other child, 4 global */
   int16_t net_bus_start, net_bus_end; /* of a bus: its range */
@@ -99,7 +118,7 @@ typedef struct {
   int32_t self_id;
   kvi_string_record_t name; /* its INST name, or "I_" and its index */
   kvi_string_record_t sim_path;
-  kvi_string_record_t file_path; /* of its symbol */
+  kvi_string_record_t file_path; /* of the sheet that it stands on */
   int32_t primitive;             /* always 1: the file holds leaf instances */
   int32_t owning_instance;       /* always 0 */
   int8_t nb_of_property;
@@ -120,14 +139,44 @@ typedef struct {
   kvi_coordinate_t location; /* (0, 0) */
 } kvi_pin_record_t;
 
+/* An instance that stands for a sheet: a block, whose contents were expanded. */
+typedef struct {
+  int32_t self_id;
+  kvi_string_record_t name; /* as that of an instance */
+  kvi_string_record_t sim_path;
+  kvi_string_record_t file_path; /* of the sheet that it stands on */
+  int8_t nb_of_property;         /* the properties kept of instances */
+  kvi_prop_record_t* prop[KVI_MAX_PROPERTY];
+  int16_t timing_index;
+} kvi_macro_record_t;
+
+typedef struct {
+  int32_t self_id;
+  kvi_string_record_t name; /* as that of a pin */
+  kvi_string_record_t sim_path;
+  int32_t macro, net;
+  int16_t pin_start, pin_end, pin_net_start;
+  int8_t nb_of_property;
+  kvi_prop_record_t* prop[KVI_MAX_PROPERTY];
+} kvi_macro_pin_record_t;
+
 /* --- loading ------------------------------------------------------------------------------ */
+
+/* Loads the design file `path`, or the file design_kv of the directory `path`. Never ends the
+ * process and writes no file. Loading again replaces what was loaded. */
+void kvi_load(const char* path, int32_t* status);
+/* Gives back what was loaded. */
+void kvi_unload(void);
+/* In words, with the file's name, why the last loading failed, or that the file is no longer what
+ * was loaded; "" when all is well. The library's, valid until the next call. */
+const char* kvi_load_error(void);
 
 /* Loads the design file `dirname` "/" `filetype` (usually "design_kv"); the names need no final 0
  * byte. *status tells how it went. Writes its trace to "debug_kvdfi" in the current directory.
  * Loading again replaces what was loaded. */
 void kvi_init_dfi(int32_t dirname_len, const char* dirname, int32_t filetype_len,
                   const char* filetype, int32_t* status);
-/* Closes the design file and the trace; what was loaded stays. */
+/* Closes the design file and the trace; what was loaded stays (until the file is written again). */
 void kvi_close_dfi(void);
 
 /* Of the run that wrote the file. */
@@ -135,7 +184,7 @@ int32_t kvi_get_nb_of_errors(void);
 int32_t kvi_get_nb_of_warnings(void);
 float kvi_get_time_step(void);
 
-/* --- nets, instances, pins ---------------------------------------------------------------- */
+/* --- nets, instances, pins, macros --------------------------------------------------------- */
 
 /* 1, 2, ... and 0 at the end. */
 void kvi_get_first_net(int32_t* net);
@@ -143,8 +192,14 @@ void kvi_get_next_net(int32_t* net);
 void kvi_get_first_instance(int32_t* instance);
 void kvi_get_next_instance(int32_t* instance);
 
+void kvi_get_first_macro(int32_t* macro);
+void kvi_get_next_macro(int32_t* macro);
+
 void kvi_get_first_pin_of_instance(int32_t instance, int32_t* pin);
 void kvi_get_next_pin_of_instance(int32_t* pin);
+/* Macro pins have indexes of their own. */
+void kvi_get_first_pin_of_macro(int32_t macro, int32_t* pin);
+void kvi_get_next_pin_of_macro(int32_t* pin);
 /* The input and output chains of a net; *pin_type is the pin's type, 0 at the end. A
  * bidirectional pin is in both. */
 void kvi_get_first_pin_in_of_net(int32_t net, int32_t* pin, int16_t* pin_type);
@@ -157,9 +212,13 @@ void kvi_get_next_pin_out_of_net(int32_t* pin, int16_t* pin_type);
 void kvi_get_net_record(int32_t net, kvi_net_record_t** record);
 void kvi_get_instance_record(int32_t instance, kvi_instance_record_t** record);
 void kvi_get_pin_record(int32_t pin, kvi_pin_record_t** record);
+void kvi_get_macro_record(int32_t macro, kvi_macro_record_t** record);
+void kvi_get_macro_pin_record(int32_t pin, kvi_macro_pin_record_t** record);
 void kvi_free_net_record(kvi_net_record_t** record);
 void kvi_free_instance_record(kvi_instance_record_t** record);
 void kvi_free_pin_record(kvi_pin_record_t** record);
+void kvi_free_macro_record(kvi_macro_record_t** record);
+void kvi_free_macro_pin_record(kvi_macro_pin_record_t** record);
 
 /* The first property of that name, in exactly that spelling; 0 and NULL when there is none. */
 int32_t kvi_find_net_property(const kvi_net_record_t* record, int32_t len, const char* name,

@@ -1,25 +1,34 @@
-// A design file in memory: the bytes of the file, checked once, and its records decoded one by one
-// when they are asked for. Used by the library and by the dump tool.
+// A design file, mapped and checked: its records are decoded one by one when they are asked for.
+// Used by the library and by the tools.
 #pragma once
 
 #include <array>
-#include <cstdlib>
-#include <memory>
+#include <string>
 
 #include "expand/design_records.h"
+#include "kvi/mapped_file.h"
 
 enum class kvi_load_result {
   loaded,
-  too_short,  // ends before what its header announces
-  damaged     // no design file, not written to its end, or an impossible count, length or index
+  unreadable,  // cannot be opened, or is no file
+  locked,      // another process writes it
+  too_short,   // ends before what its header announces
+  damaged,     // no design file, not written to its end, or records that cannot be
+  no_memory
 };
 
 class kvi_design_t {
  public:
-  // Reads the open file from its start. What is loaded is sound: every index is 0 or that of a
-  // record, ranges of pins and properties lie within their arrays, chains end. Otherwise the design
-  // is empty.
-  kvi_load_result load(int fd);
+  // Maps the open file and checks it. What is loaded is sound: every record is in its place, every
+  // index is 0 or that of a record, pins lie with their instances, chains end and are as long as
+  // their counters say. Otherwise the design is empty, and `damage` tells the record that is wrong
+  // ("net 17") when it is one. Never throws.
+  kvi_load_result load(int fd, std::string* damage = nullptr);
+
+  // The file still is what was loaded: nobody cut it or began to write it again. Looks at the
+  // header in the mapped file, which a run clears first. What is read while the file changes may
+  // be wrong, but is never out of bounds.
+  bool is_unchanged() const;
 
   const kv_general_info_record_t& info() const { return info_; }
   const kv_list_t<kv_prop_type_record_t>& list(std::size_t part) const { return lists_[part]; }
@@ -40,36 +49,53 @@ class kvi_design_t {
   template <typename Record>
   Record get(std::int32_t index) const {
     Record record;
-    kv_decode_record(part<Record>() + position(index) * kv_layout<Record>::size, record);
+    kv_decode_record(file_.bytes() + place_of<Record>(index), record);
     return record;
   }
   // The characters of a string; "" for 0.
   std::string_view text(std::int32_t string_index) const {
     if (!holds<kv_string_record_t>(string_index)) return {};
     const auto string = get<kv_string_record_t>(string_index);
-    if (string.len == 0) return {};
-    const auto* chars = reinterpret_cast<const char*>(part<char>());
-    return {chars + position(string.index), static_cast<std::size_t>(string.len)};
+    if (string.len <= 0 || !holds<char>(string.index) ||
+        string.len > count<char>() - string.index + 1) {
+      return {};
+    }
+    const auto* chars = reinterpret_cast<const char*>(file_.bytes());
+    return {chars + place_of<char>(string.index), static_cast<std::size_t>(string.len)};
+  }
+
+  // Where record `index` begins in the file.
+  template <typename Record>
+  std::size_t place_of(std::int32_t index) const {
+    return offset_[static_cast<std::size_t>(kv_part_of<Record>())] +
+           static_cast<std::size_t>(index - 1) * kv_layout<Record>::size;
   }
 
  private:
-  static std::size_t position(std::int32_t index) { return static_cast<std::size_t>(index - 1); }
-  template <typename Record>
-  const std::uint8_t* part() const {
-    return bytes_.get() + offset_[static_cast<std::size_t>(kv_part_of<Record>())];
-  }
-  bool read_parts(int fd, std::size_t size);
+  kvi_load_result map(int fd);
   void decode_lists();
   void clear() { *this = {}; }
 
-  struct free_bytes {
-    void operator()(std::uint8_t* bytes) const { std::free(bytes); }
-  };
+  static constexpr std::size_t header_size = kv_layout<kv_general_info_record_t>::size;
   static constexpr std::size_t parts = std::tuple_size_v<decltype(kv_array_parts)>;
 
   kv_general_info_record_t info_;
+  std::array<std::uint8_t, header_size> header_{};
   std::array<kv_list_t<kv_prop_type_record_t>, std::size(kv_list_parts)> lists_;
   std::array<std::int32_t, parts> count_{};
-  std::array<std::size_t, parts> offset_{};  // of each part, behind the header
-  std::unique_ptr<std::uint8_t[], free_bytes> bytes_;
+  std::array<std::size_t, parts> offset_{};  // of each part, from the start of the file
+  kvi_mapped_file file_;
 };
+
+// How the loading of a file went, and in words, with its name, when it failed.
+struct kvi_loaded_t {
+  kvi_load_result result = kvi_load_result::loaded;
+  std::string message;
+};
+// Loads the open file `path` while holding the shared lock of those who read design files.
+kvi_loaded_t kvi_load_design(kvi_design_t& design, int fd, const std::string& path);
+// Opens the file at `path`, or the design file of the directory at `path`, and loads it.
+kvi_loaded_t kvi_open_design(kvi_design_t& design, std::string path);
+
+// Says, with the file's name, that a loaded design is no longer what the file holds.
+std::string kvi_changed_message(const std::string& path);

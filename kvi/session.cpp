@@ -42,10 +42,25 @@ std::int32_t status_of(kvi_load_result result) {
       return KVI_OK;
     case kvi_load_result::too_short:
       return KVI_REFUSED;
+    case kvi_load_result::unreadable:
+      return KVI_UNREADABLE;
+    case kvi_load_result::locked:
+      return KVI_LOCKED;
+    case kvi_load_result::no_memory:
+      return KVI_NO_MEMORY;
     case kvi_load_result::damaged:
       break;
   }
   return KVI_DAMAGED;
+}
+
+// Notes how the loading of `path` into kvi_state went.
+std::int32_t note(const std::string& path, const kvi_loaded_t& loaded) {
+  kvi_state.path = path;
+  kvi_state.load_error = loaded.message;
+  kvi_state.kv_ner = kvi_state.design.info().num_errors;
+  kvi_state.kv_nwa = kvi_state.design.info().num_warnings;
+  return status_of(loaded.result);
 }
 
 }  // namespace
@@ -79,7 +94,7 @@ void kvi_init_dfi(std::int32_t dirname_len, const char* dirname, std::int32_t fi
   kvi_state.debug = open_debug_file();
   kvi_debug("# KVI_INIT_DFI : start ");
   *status = KVI_REFUSED;
-  kvi_state.design = {};
+  kvi_unload();
   if (!dirname || !filetype || dirname_len < 1 || filetype_len < 1) {
     std::fprintf(kvi_state.debug, "!!! ERROR : %d %d %d %d\n", dirname != nullptr, dirname_len,
                  filetype != nullptr, filetype_len);
@@ -106,11 +121,36 @@ void kvi_init_dfi(std::int32_t dirname_len, const char* dirname, std::int32_t fi
                  path.c_str());
     kvi_set_status(file_data_invalid, status);
   }
-  *status = status_of(kvi_state.design.load(kvi_state.designfile));
-  if (*status != KVI_OK) return;
-  kvi_state.kv_ner = kvi_state.design.info().num_errors;
-  kvi_state.kv_nwa = kvi_state.design.info().num_warnings;
-  kvi_debug("!!!  KVI_INIT_DFI : END ");
+  const auto loaded = kvi_load_design(kvi_state.design, kvi_state.designfile, path);
+  *status = note(path, loaded);
+  kvi_debug(*status == KVI_OK ? "!!!  KVI_INIT_DFI : END " : loaded.message.c_str());
+}
+
+void kvi_load(const char* path, std::int32_t* status) {
+  std::int32_t ignored;
+  if (!status) status = &ignored;
+  kvi_unload();
+  if (!path || !*path) {
+    kvi_state.load_error = "no file named";
+    *status = KVI_REFUSED;
+    return;
+  }
+  *status = note(path, kvi_open_design(kvi_state.design, path));
+}
+
+void kvi_unload() {
+  kvi_state.design = {};
+  note({}, {});
+}
+
+const char* kvi_load_error() {
+  if (!kvi_state.design.is_unchanged()) kvi_state.load_error = kvi_changed_message(kvi_state.path);
+  return kvi_state.load_error.c_str();
+}
+
+const kvi_design_t& kvi_loaded() {
+  static const kvi_design_t none;
+  return kvi_state.design.is_unchanged() ? kvi_state.design : none;
 }
 
 void kvi_close_dfi() {

@@ -2,12 +2,15 @@
 #pragma once
 
 #include <cstdio>
+#include <string>
 
 #include "kvi/kvi.h"
 #include "kvi/load.h"
 
 struct kvi_state_t {
   kvi_design_t design;         // empty unless a design is loaded
+  std::string path;            // of its file
+  std::string load_error;      // why the last loading failed
   int designfile = -1;         // descriptor of the design file
   std::FILE* debug = nullptr;  // "debug_kvdfi"
   std::int32_t kv_ner = 0;     // errors and warnings of the run that wrote the design file
@@ -17,6 +20,10 @@ extern kvi_state_t kvi_state;
 
 // A line on the trace.
 void kvi_debug(const char* text);
+
+// The loaded design; an empty one when there is none, or when its file is no longer what was
+// loaded.
+const kvi_design_t& kvi_loaded();
 
 // The characters of a string of the loaded design; "" for 0.
 inline std::string_view kvi_text(std::int32_t string_index) {

@@ -75,8 +75,8 @@ char* kvi_writestr(std::int32_t len, const char* chars) {
 
 void kvi_copy_string(std::int32_t len, const char* chars, kvi_string_record_t* string) {
   if (!string->charp) string->charp = static_cast<char*>(std::malloc(KVI_STRING_SIZE));
-  if (!string->charp) std::abort();
-  string->len = chars && len > 0 ? std::min(len, longest) : 0;
+  string->len = string->charp && chars && len > 0 ? std::min(len, longest) : 0;
+  if (!string->charp) return;
   if (string->len > 0) std::memmove(string->charp, chars, static_cast<std::size_t>(string->len));
   string->charp[string->len] = 0;
 }

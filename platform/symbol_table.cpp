@@ -1,7 +1,6 @@
 #include "platform/symbol_table.h"
 
 #include <elf.h>
-#include <fcntl.h>
 #include <link.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -14,7 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/raw_files.h"
+#include "platform/files.h"
 #include "platform/words.h"
 
 namespace {
@@ -23,10 +22,9 @@ constexpr char own_executable[] = "/proc/self/exe";
 // An open file whose parts are read only where it has them.
 class bounded_file {
  public:
-  explicit bounded_file(const char* path) : file_(xfopen(path, O_RDONLY | O_CLOEXEC, 0)) {
+  explicit bounded_file(const char* path) : file_(x_open_regular(path)) {
     struct stat info {};
-    if (file_ && fstat(file_.get(), &info) == 0 && S_ISREG(info.st_mode))
-      size_ = static_cast<std::uint64_t>(info.st_size);
+    if (file_ && fstat(file_.get(), &info) == 0) size_ = static_cast<std::uint64_t>(info.st_size);
   }
 
   bool read(std::uint64_t offset, void* to, std::uint64_t length) const {

@@ -1,22 +1,26 @@
-// kvdump: a design file as readable text, every field of every record in the order of the file.
-//
-//   kvdump FILE      for example my_design/design_kv
-//
-// A damaged or truncated file is named as such, and the status is 1.
-#include <fcntl.h>
-#include <unistd.h>
-
+// kvdump: a design file as readable text, every field of every record in the order of the file; and
+// the format of design files, from the same description that writes and reads them.
 #include <concepts>
 #include <cstdio>
 
 #include "expand/design_records.h"
 #include "kvi/load.h"
+#include "tools/escape.h"
+#include "tools/usage.h"
 
 namespace {
 
-void print_text(std::string_view text) {
-  std::printf("\"%.*s\"", static_cast<int>(text.size()), text.data());
-}
+constexpr tool_t tool{"kvdump",
+                      "usage: kvdump DESIGN\n"
+                      "       kvdump --format\n"
+                      "Prints the design file of the directory DESIGN, or the design file DESIGN, "
+                      "as text: every field\n"
+                      "of every record, in the order of the file.\n"
+                      "  --format   prints the format of design files, as tables in Markdown\n"
+                      "  --help     prints this\n"
+                      "  --version  prints the version\n"};
+
+void print_text(std::string_view text) { std::printf("\"%s\"", tool_escaped(text).c_str()); }
 
 void print_value(float value) { std::printf("%g", static_cast<double>(value)); }
 void print_value(const gx_string_record_t& string) { print_text(gx_view(string)); }
@@ -81,31 +85,111 @@ void print_design(const kvi_design_t& design) {
   });
 }
 
+// --- the format
+
+template <typename Value>
+std::string type_name() {
+  if constexpr (std::is_array_v<Value>) {
+    return std::to_string(std::extent_v<Value>) + " x " + type_name<std::remove_extent_t<Value>>();
+  } else if constexpr (std::is_same_v<Value, gx_string_record_t>) {
+    return "text";
+  } else if constexpr (std::is_same_v<Value, kv_signal_state_rec>) {
+    return "signal";
+  } else if constexpr (std::is_floating_point_v<Value>) {
+    return "float" + std::to_string(8 * sizeof(Value));
+  } else {
+    return (std::is_signed_v<Value> ? "int" : "uint") + std::to_string(8 * sizeof(Value));
+  }
+}
+
+std::string part_name(kv_array array) {
+  std::string name;
+  int at = 0;
+  kv_for_each_part([&](const auto& part) {
+    if (at++ == static_cast<int>(array)) name = part.name;
+  });
+  return name;
+}
+
+template <typename Record, typename Member>
+void print_row(const kv_field_t<Record, Member>& field, std::string_view when) {
+  std::printf("| %zu | `%.*s` | %s | %s | %.*s |\n", field.offset,
+              static_cast<int>(field.name.size()), field.name.data(), type_name<Member>().c_str(),
+              field.target ? part_name(*field.target).c_str() : "", static_cast<int>(when.size()),
+              when.data());
+}
+
+template <typename Record>
+void print_layout(std::string_view name) {
+  std::printf("\n### %.*s (%zu bytes)\n\n", static_cast<int>(name.size()), name.data(),
+              kv_layout<Record>::size);
+  std::printf("| offset | field | type | index of | only in |\n|---|---|---|---|---|\n");
+  const auto rows = [&](std::string_view when) {
+    return [=](const auto&... field) { (print_row(field, when), ...); };
+  };
+  std::apply(rows(""), kv_layout<Record>::fields);
+  std::apply([&](const auto&... variant) { (std::apply(rows(variant.when), variant.fields), ...); },
+             kv_layout<Record>::variants);
+}
+
+void print_part(std::string_view name, std::string_view count, std::size_t size) {
+  std::printf("| %.*s | `%.*s` | %zu |\n", static_cast<int>(name.size()), name.data(),
+              static_cast<int>(count.size()), count.data(), size);
+}
+
+// The name of a counter in the general information.
+std::string_view counter_name(std::int32_t kv_general_info_record_t::*count) {
+  std::string_view name;
+  const auto look = [&](const auto& field) {
+    if constexpr (std::is_same_v<decltype(field.member), decltype(count)>) {
+      if (field.member == count) name = field.name;
+    }
+  };
+  std::apply([&](const auto&... field) { (look(field), ...); },
+             kv_layout<kv_general_info_record_t>::fields);
+  return name;
+}
+
+void print_format() {
+  std::printf("### Parts\n\n| part | count | bytes of a record |\n|---|---|---|\n");
+  std::printf("| general information | 1 | %zu |\n", kv_layout<kv_general_info_record_t>::size);
+  for (const kv_list_part_t& part : kv_list_parts) {
+    print_part(part.name, counter_name(part.count), kv_layout<kv_prop_type_record_t>::size);
+  }
+  kv_for_each_part([](const auto& part) {
+    using record = typename std::remove_cvref_t<decltype(part)>::record;
+    print_part(part.name, counter_name(part.count), kv_layout<record>::size);
+  });
+  print_layout<kv_general_info_record_t>("general information");
+  print_layout<kv_prop_type_record_t>("property_instance, property_pin, property_net");
+  kv_for_each_part([](const auto& part) {
+    using record = typename std::remove_cvref_t<decltype(part)>::record;
+    if constexpr (!std::is_same_v<record, char>) print_layout<record>(part.name);
+  });
+  print_layout<kv_signal_state_rec>("signal");
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 2) {
-    std::fprintf(stderr, "usage: kvdump FILE\n");
-    return 2;
+  bool format = false;
+  std::vector<std::string_view> words;
+  const tool_option_t options[] = {{.name = "--format", .flag = &format}};
+  if (const auto status = tool_read(tool, argc, argv, options, words)) return *status;
+  if (words.size() != (format ? 0 : 1)) return tool_usage_error(tool, "give one DESIGN");
+  if (format) {
+    print_format();
+    return tool_end(tool, 0);
   }
-  const int fd = ::open(argv[1], O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-  if (fd < 0) {
-    std::perror(argv[1]);
+  const std::string path(words[0]);
+  kvi_design_t design;
+  const kvi_loaded_t loaded = kvi_open_design(design, path);
+  if (loaded.result != kvi_load_result::loaded) {
+    tool_complain(tool, loaded.message);
     return 1;
   }
-  kvi_design_t design;
-  const kvi_load_result result = design.load(fd);
-  ::close(fd);
-  switch (result) {
-    case kvi_load_result::loaded:
-      print_design(design);
-      return 0;
-    case kvi_load_result::too_short:
-      std::fprintf(stderr, "%s: truncated\n", argv[1]);
-      break;
-    case kvi_load_result::damaged:
-      std::fprintf(stderr, "%s: no design file, or damaged\n", argv[1]);
-      break;
-  }
-  return 1;
+  print_design(design);
+  if (design.is_unchanged()) return tool_end(tool, 0);
+  tool_complain(tool, kvi_changed_message(path));
+  return tool_end(tool, 1);
 }

@@ -6,7 +6,7 @@
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
 #include "gx/display/cmd_viewport.h"
-#include "gx/display/events.h"
+#include "gx/display/rubber_rectangle.h"
 #include "gx/text/debug.h"
 #include "gx/text/message_list.h"
 #include "gx/text/numbers.h"

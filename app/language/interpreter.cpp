@@ -69,6 +69,7 @@ bool run_piece(gx_string_record_t piece, kv_array_param_t& args, kv_array_param_
   if (words.count == 0) return false;
   if (words.first().front() == '#') return true;
 
+  gx_list_follow();
   const kv_command_t command{words.all(), args, vars};
   const kv_command_row_t* row = kv_find_command(command);
   kv_outcome_t outcome;

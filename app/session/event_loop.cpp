@@ -9,14 +9,18 @@
 #include <string>
 
 #include "app/language/commands.h"
+#include "app/session/gestures.h"
 #include "app/session/menu_actions.h"
 #include "app/sheet/views.h"
 #include "gx/display/cmd_viewport.h"
 #include "gx/display/cursor.h"
 #include "gx/display/draw.h"
 #include "gx/display/events.h"
+#include "gx/display/line_edit.h"
 #include "gx/display/list_viewport.h"
 #include "gx/display/menus.h"
+#include "gx/display/offscreen.h"
+#include "gx/display/rubber_rectangle.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"
@@ -32,6 +36,7 @@ constexpr std::uint32_t control = 4;
 constexpr std::uint32_t insert_char_key = 0xFF72, delete_char_key = 0xFF73;  // older keyboards
 constexpr int active_width = 3, active_color = 6;
 constexpr int inactive_width = 1, inactive_color = 3;
+constexpr int wheel_lines = 3;  // that the list moves
 constexpr std::int32_t max_typed_length = 193;
 
 // One running loop: the tables of its commands, and whether it is to be left now.
@@ -39,6 +44,7 @@ struct loop_t {
   kv_array_param_t& args;
   kv_array_param_t& vars;
   bool leave = false;
+  kv_gestures_t gestures = {};
 };
 
 bool is_blank(const gx_string_record_t& text) {
@@ -134,9 +140,14 @@ void run_helper(std::string_view program) {
 bool is_return(std::uint32_t keysym) { return keysym == XK_Return || keysym == XK_Linefeed; }
 bool is_printable(std::uint32_t keysym) { return keysym >= 32 && keysym <= 126; }
 
-void set_command_line(std::string_view text) {
-  gx_vext.str_cmd = gx_string(text);
-  gx_display_cmd(text);
+// With the pointer elsewhere the last character goes.
+void delete_before_caret() {
+  if (gx_vext.viewport_id == gx_vext.viewport_cmd)
+    return gx_backsp_action(gx_vext.viewport_id, gx_vext.pixel_pos);
+  std::string text(gx_view(gx_vext.str_cmd));
+  if (text.empty()) return;
+  text.pop_back();
+  gx_set_command_line(text);
 }
 
 void on_control_key(loop_t& loop, std::uint32_t keysym) {
@@ -165,7 +176,7 @@ void on_plain_key(loop_t& loop, std::uint32_t keysym) {
   }
   switch (keysym) {
     case XK_BackSpace:
-      gx_backsp_action(gx_vext.viewport_id, gx_vext.pixel_pos);
+      delete_before_caret();
       break;
     case XK_Delete:
     case delete_char_key:
@@ -176,7 +187,7 @@ void on_plain_key(loop_t& loop, std::uint32_t keysym) {
       gx_again_action(gx_vext.viewport_id, gx_vext.pixel_pos);
       break;
     case XK_Escape:
-      set_command_line("");
+      gx_set_command_line("");
       break;
     default:
       break;
@@ -213,6 +224,8 @@ void on_key_release(loop_t& loop, const gx_event_t& event) {
 void on_button(loop_t& loop, const gx_event_t& event) {
   const auto first = static_cast<std::size_t>(gx_event_kind::button1_down);
   run_binding(loop, gx_vext.action_but[static_cast<std::size_t>(event.kind) - first]);
+  if (event.kind == gx_event_kind::button1_up)
+    kv_click(event, [&](std::string_view command) { run_command(loop, gx_string(command)); });
 }
 
 // --- the pointer
@@ -236,7 +249,7 @@ void enter_viewport(gx_vpid_t vpid) {
 // Turning the wheel zooms the picture around the pointer, or scrolls the list.
 void turn_wheel(gx_vpid_t vpid, const gx_event_t& event) {
   const bool away = event.wheel > 0;
-  if (vpid == gx_vext.viewport_list) gx_upd_display_list(away);
+  if (vpid == gx_vext.viewport_list) gx_upd_display_list(away, wheel_lines);
   const bool is_edit = vpid == gx_vext.viewport_edit;
   if ((!is_edit && vpid != gx_vext.viewport_context) || !gx_vext.display_on) return;
   const gx_file_index_t file_index = gx_viewport_rec(vpid).file_index;
@@ -255,6 +268,7 @@ void turn_wheel(gx_vpid_t vpid, const gx_event_t& event) {
 void on_pointer_moved(loop_t&, const gx_event_t& event) {
   const gx_vpid_t vpid = gx_vext.viewport_id;
   if (vpid != kv_pext.prev_viewport_id) enter_viewport(vpid);
+  gx_follow_caret();
   const bool is_picture = vpid == gx_vext.viewport_edit || vpid == gx_vext.viewport_context;
   if (is_picture && gx_vext.pixel_pos != kv_pext.last_pixel_pos) {
     kv_pext.last_pixel_pos = gx_vext.pixel_pos;
@@ -263,8 +277,10 @@ void on_pointer_moved(loop_t&, const gx_event_t& event) {
   if (event.wheel != 0 && !gx_vext.menu_drawn) turn_wheel(vpid, event);
 }
 
-void on_pointer_at_rest(loop_t&, const gx_event_t&) {
+// The pointer is put onto its place, once: where it stands already it is left alone.
+void on_pointer_at_rest(loop_t&, const gx_event_t& event) {
   const gx_vpid_t vpid = gx_vext.viewport_id;
+  if (event.pixel == gx_vext.pixel_pos || event.pixel == gx_vext.pointer_put) return;
   if (vpid == gx_vext.viewport_cmd || (gx_vext.snap_state && gx_is_picture_viewport(vpid))) {
     gx_cursor_set_position(gx_vext.pixel_pos);
   }
@@ -272,13 +288,14 @@ void on_pointer_at_rest(loop_t&, const gx_event_t&) {
 
 // --- the window
 
-void on_exposed(loop_t&, const gx_event_t&) {
-  gx_vext.display_rectangle_todo = false;
-  gx_hide_menus();
+void draw_window(bool resized) {
   gx_clear_window();
-  if (kv_pext.file_id_cur > 0) {
+  if (kv_pext.file_id_cur > 0 && resized) {
     kv_expose_viewport_edit();
     kv_expose_viewport_context();
+  } else if (kv_pext.file_id_cur > 0) {
+    kv_update_viewport_edit();
+    kv_update_viewport_context();
   }
   for (const gx_vpid_t vpid :
        {gx_vext.viewport_edit, gx_vext.viewport_context, gx_vext.viewport_list}) {
@@ -288,6 +305,15 @@ void on_exposed(loop_t&, const gx_event_t&) {
   kv_pext.prev_viewport_id = gx_vext.viewport_cmd;
   gx_display_cmd(gx_view(gx_vext.str_cmd));
   gx_draw_new_viewport_border(gx_vext.viewport_cmd, active_width, active_color);
+}
+
+void on_exposed(loop_t&, const gx_event_t& event) {
+  gx_vext.display_rectangle_todo = false;
+  gx_hide_menus();
+  {
+    const gx_offscreen_t picture({0, 0, gx_vext.bitmap_size.x, gx_vext.bitmap_size.y});
+    draw_window(event.resized);
+  }
   gx_redraw_menus(gx_vext.viewport_edit);
 }
 
@@ -325,6 +351,7 @@ void kv_process_events(bool first, kv_array_param_t& args, kv_array_param_t& var
   if (!first) gx_redraw_menus(gx_vext.viewport_edit);
   while (!loop.leave) {
     const gx_event_t event = gx_input_event_wait();
+    if (kv_pan(loop.gestures, event)) continue;
     const bool is_lost = gx_vext.viewport_id < 1 || gx_vext.viewport_id > gx_max_viewports;
     if (is_lost && event.kind != gx_event_kind::close_asked) {
       if (++lost_events > max_lost_events) {
@@ -350,7 +377,7 @@ void kv_ascii_action(std::uint32_t keysym, kv_array_param_t& args, kv_array_para
     gx_vext.istart_cmd = 1;
     if (is_blank(line)) return;
     const gx_string_record_t typed = line;
-    set_command_line("");
+    gx_set_command_line("");
     kv_process_command(typed, args, vars);
     return;
   }
@@ -366,6 +393,6 @@ void kv_ascii_action(std::uint32_t keysym, kv_array_param_t& args, kv_array_para
   const int column = under_pointer ? gx_cmd_column(gx_vext.pixel_pos) : line.len + 1;
   const auto at = static_cast<std::size_t>(std::clamp(column, 1, line.len + 1) - 1);
   std::string text(gx_view(line));
-  set_command_line(text.insert(at, 1, typed));
+  gx_set_command_line(text.insert(at, 1, typed));
   if (under_pointer) gx_cursor_set_position(gx_cmd_column_pixel(static_cast<int>(at) + 2));
 }

@@ -174,7 +174,7 @@ void debug_roles() {
 void show_first_picture() {
   for (const gx_vpid_t vpid : {gx_vext.viewport_edit, gx_vext.viewport_context}) {
     kv_display_picture_all(vpid, kv_pext.file_id_cur);
-    gx_display_cross(vpid, gx_vext.obj_pos);
+    gx_keep_cross(vpid, gx_vext.obj_pos);
   }
   gx_vext.pixel_pos = gx_viewport_pt_real_to_pixel(gx_vext.viewport_edit, gx_vext.obj_pos);
   kv_pext.prev_viewport_id = 1;
@@ -225,9 +225,9 @@ void kv_finish_session() {
   if (kv_sext.designfile >= 0) close(std::exchange(kv_sext.designfile, -1));
   for (int level = 1; level <= kv_pext.file_level_max; ++level)
     if (const auto index = kv_pext.arrayof_file[static_cast<std::size_t>(level - 1)].file_index)
-      gx_file_close(index, false);
-  if (kv_pext.view_sheet_done) gx_file_close(kv_pext.file_id_views, false);
-  if (kv_pext.act_symb_done) gx_file_close(kv_pext.file_id_act, false);
+      gx_file_close(index);
+  if (kv_pext.view_sheet_done) gx_file_close(kv_pext.file_id_views);
+  if (kv_pext.act_symb_done) gx_file_close(kv_pext.file_id_act);
   gx_debug_line("@@@@@@ FINALIZE after gx_file_close  ");
   gx_terminate();
   gx_debug_line("@@@@@@ FINALIZE  after gx_terminate  ");

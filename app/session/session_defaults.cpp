@@ -8,6 +8,7 @@
 #include "gx/text/strings.h"
 #include "gx/text/text_files.h"
 #include "gx/vext.h"
+#include "platform/files.h"
 
 namespace {
 
@@ -73,10 +74,7 @@ void set_viewport_roles() {
 }
 
 bool can_be_read(std::string_view path) {
-  std::FILE* const file = gx_popen_file(path, 'R', true);
-  if (file == nullptr) return false;
-  std::fclose(file);
-  return true;
+  return x_file(gx_popen_file(path, 'R', true)) != nullptr;
 }
 
 void trace_file(const char* format, std::string_view path) {

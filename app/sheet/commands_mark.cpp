@@ -66,7 +66,9 @@ void kv_mark_rectangle_cmd(const kv_command_t& command) {
   }
   const auto mark = wanted_mark(refused, command, 3, 3);
   if (!mark) return;
+  const gx_point16_t pointer = gx_vext.pixel_pos;
   move_to(*mark);
+  gx_vext.pixel_mark = command.count() == 2 ? pointer : gx_vext.pixel_pos;
   kv_pext.mark_rect_done = true;
   kv_pext.obj_ptr1 = gx_vext.obj_pos;
   gx_vext.viewport_id_start = mark->view.vpid;

@@ -144,6 +144,7 @@ void kv_view_down_cmd(const kv_command_t& command) {
   if (!open_at(level + 1, directory, command)) return;
   show_level(level + 1);
   gx_concat_all(kv_pext.cur_sim_path, name, "/");
+  kv_show_title();
   gx_tell(" VIEw DOWn  ", name);
 }
 
@@ -170,5 +171,6 @@ void kv_view_up_cmd(const kv_command_t& command) {
   }
   show_level(level - 1);
   cut_last_name(kv_pext.cur_sim_path);
+  kv_show_title();
   gx_tell(" VIEw UP  ");
 }

@@ -205,7 +205,7 @@ bool show_links(const kv_view_t& view) {
       found = true;
       if (const auto to = place_of(file, owner)) {
         const int id = property.gene.object_id;
-        gx_display_link(view.vpid, gx_object_abs_origin(file, id, owner.inst), *to);
+        gx_keep_link(view.vpid, gx_object_abs_origin(file, id, owner.inst), *to);
       }
     });
   });

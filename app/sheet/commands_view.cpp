@@ -1,4 +1,5 @@
 // What the two viewports show: VIEw SHEet, ACTivate SYMbol, POP, VIEw ALL and VIEw AREa.
+#include <cstdlib>
 #include <string>
 
 #include "app/sheet/command_viewport.h"
@@ -37,7 +38,7 @@ void refuse_file(std::string_view keyword, const kv_command_t& command, std::str
 void mark_components(gx_vpid_t vpid, const gx_file_gene_recf_t& file) {
   for (const int comp : wn_components(file)) {
     if (!gx_inq_object_deleted(file, comp)) {
-      gx_display_cross(vpid, gx_object_abs_origin(file, comp, 0));
+      gx_keep_cross(vpid, gx_object_abs_origin(file, comp, 0));
     }
   }
 }
@@ -154,12 +155,25 @@ void kv_view_all_cmd(const kv_command_t& command) {
   } else {
     kv_display_picture_all(view->vpid, view->file_index);
   }
-  gx_display_cross(view->vpid, gx_vext.obj_pos);
+  gx_keep_cross(view->vpid, gx_vext.obj_pos);
   gx_tell(" VIEw ALL ");
 }
 
+namespace {
+// The mouse has not moved between the corners: a click that was no drag.
+bool is_no_drag() {
+  const auto is_near = [](gx_point16_t corner) {
+    constexpr int least = 4;
+    return std::abs(gx_vext.pixel_pos.x - corner.x) < least &&
+           std::abs(gx_vext.pixel_pos.y - corner.y) < least;
+  };
+  return is_near(gx_vext.pixel_mark) || is_near(gx_vext.pixel_ptr1);
+}
+}  // namespace
+
 void kv_view_area_cmd(const kv_command_t& command) {
   constexpr std::string_view refused = "# VIEw AREa ";
+  const bool was_marked = kv_pext.mark_rect_done;
   kv_pext.mark_rect_done = false;
   const bool typed = command.count() == 7;
   if (!command.has_count(2, 3) && !typed) {
@@ -172,6 +186,7 @@ void kv_view_area_cmd(const kv_command_t& command) {
   if (!view) return;
   const auto area = kv_wanted_area(refused, command, 4, view->file());
   if (!area) return;
+  if (was_marked && !typed && is_no_drag()) return gx_tell(" VIEw AREa ", view->name());
   if (view->is_symbol()) {
     gx_display_picture_area(view->vpid, view->file_index, area->p1, area->p2);
     mark_components(view->vpid, view->file());

@@ -6,11 +6,15 @@
 #include "gx/db/object_access.h"
 #include "gx/db/queries.h"
 #include "gx/display/draw.h"
+#include "gx/display/offscreen.h"
 #include "gx/display/pen.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
+#include "gx/display/window.h"
+#include "gx/text/arguments.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
+#include "gx/text/strings.h"
 #include "gx/vext.h"
 
 namespace {
@@ -30,6 +34,7 @@ void draw_sheet(gx_vpid_t vpid, gx_file_index_t file_index, int grid, bool keep_
   lb_display_all_inst(vpid, file_index, gx_draw_mode::draw);
   lb_display_all_net(vpid, file_index, gx_draw_mode::draw);
   gx_display_half_cross(vpid, gx_vext.base_point);
+  gx_display_kept_marks(vpid);
 }
 
 // What kv_display_picture_all and _area share; `name` begins their messages.
@@ -43,7 +48,9 @@ void show_part(gx_vpid_t vpid, gx_file_index_t file_index, const gx_boundsreal_t
   }
   const auto& file = gx_ptrto_gene_file_buf(file_index);
   const int grid = grid_of(file, bad_grid);
+  gx_forget_marks(vpid);
   gx_viewport_fit(vpid, box != nullptr ? *box : gx_object_abs_origin_bounds(file, grid, 0).bounds);
+  const gx_offscreen_t picture(gx_viewport_rec(vpid).pixel_bounds);
   gx_clear_viewport(vpid);
   draw_sheet(vpid, file_index, grid, true);
 }
@@ -57,6 +64,7 @@ void redraw_edit(bool keep_scale, const char* bad_grid, const char* bad_file) {
     return;
   }
   const int grid = grid_of(gx_ptrto_gene_file_buf(file_index), bad_grid);
+  const gx_offscreen_t picture(gx_viewport_rec(vpid).pixel_bounds);
   gx_clear_viewport(vpid);
   draw_sheet(vpid, file_index, grid, keep_scale);
 }
@@ -72,6 +80,7 @@ void draw_symbol(gx_vpid_t vpid, gx_file_index_t file_index, bool keep_scale) {
     if (!gx_inq_object_deleted(file, component))
       gx_display_cross(vpid, gx_object_abs_origin(file, component, 0));
   gx_display_half_cross(vpid, gx_vext.base_point);
+  gx_display_kept_marks(vpid);
 }
 
 void redraw_context(bool keep_scale, const char* bad_grid, const char* bad_file) {
@@ -84,6 +93,7 @@ void redraw_context(bool keep_scale, const char* bad_grid, const char* bad_file)
   }
   const bool is_symbol = file_index == kv_pext.file_id_act;
   const int grid = is_symbol ? 0 : grid_of(gx_ptrto_gene_file_buf(file_index), bad_grid);
+  const gx_offscreen_t picture(gx_viewport_rec(vpid).pixel_bounds);
   gx_clear_viewport(vpid);
   if (is_symbol)
     draw_symbol(vpid, file_index, keep_scale);
@@ -125,8 +135,19 @@ void kv_expose_viewport_context() {
 }
 
 void kv_update_basept_edit_cmd() {
-  gx_display_half_cross(gx_vext.viewport_edit, gx_vext.base_point);
-  gx_display_half_cross(gx_vext.viewport_context, gx_vext.base_point);
+  for (const gx_vpid_t vpid : {gx_vext.viewport_edit, gx_vext.viewport_context}) {
+    if (!gx_drawing_possible() || !gx_viewport_ok(vpid)) continue;
+    gx_viewport_select(vpid);
+    gx_display_half_cross(vpid, gx_vext.base_point);
+  }
+}
+
+void kv_show_title() {
+  gx_string_record_t design, title = gx_string("kivo  ");
+  gx_get_arg(2, design);
+  gx_concat_line(design, title);
+  if (kv_pext.cur_sim_path.len > 0) gx_concat_all(title, " ", gx_view(kv_pext.cur_sim_path));
+  gx_set_title(gx_view(title));
 }
 
 void kv_hide_invisible(gx_file_index_t file_index) {

@@ -22,5 +22,8 @@ void kv_update_viewport_context();
 void kv_expose_viewport_context();
 void kv_update_basept_edit_cmd();
 
+// The window's title tells the place: the design's path, and below the top the simulation path.
+void kv_show_title();
+
 // Hides every property of a sheet or symbol file whose visible switch is off.
 void kv_hide_invisible(gx_file_index_t file_index);

@@ -1,6 +1,5 @@
 // The file table: opening the current version of a file into a slot, pointing a slot at another
-// file, closing. A failure stops the program, except in the try_ forms, which leave slots as they
-// were and say why.
+// file, closing. What stops the program is a try that failed.
 //
 // A data file is read whole when it is opened and its stream is closed at once: nothing is read
 // from it later, and the slot's `file_io_id` is open only while a save writes its target.
@@ -12,6 +11,7 @@
 #include "gx/text/session_state.h"
 #include "gx/text/strings.h"
 #include "gx/text/text_files.h"
+#include "platform/files.h"
 
 namespace {
 
@@ -102,14 +102,18 @@ gx_load_t load_version(const gx_file_version_t& names) {
     return load;
   }
   const auto path = gx_view(names.file_pathname);
-  std::FILE* stream = gx_popen_file(path, 'R', true);
-  auto load = gx_load_stream(stream, path);
-  if (stream != nullptr) std::fclose(stream);
-  return load;
+  const x_file stream(gx_popen_file(path, 'R', true));
+  return gx_load_stream(stream.get(), path);
 }
 
-[[noreturn]] void stop_with(const gx_load_t& load, const gx_file_version_t& names,
-                            const operation_t& op) {
+// A file that was looked for, and what became of reading it.
+struct attempt_t {
+  gx_file_version_t names;
+  gx_load_t load;
+};
+
+[[noreturn]] void stop_with(const attempt_t& attempt, const operation_t& op) {
+  const auto& [names, load] = attempt;
   const auto path = gx_view(names.file_pathname);
   const int len = static_cast<int>(path.size());
   switch (load.fault) {
@@ -155,95 +159,93 @@ void check_reopen(gx_file_index_t file_index, std::string_view dirname) {
   if (file_index < 1) gx_set_status(gx_code::file_id_invalid);
 }
 
+// Opens into a new slot; 0 when the file is there and cannot be used.
+gx_file_index_t open_slot(std::string_view dirname, std::string_view filetype, attempt_t& attempt) {
+  check_initialised();
+  attempt.names = gx_file_get_file_version(dirname, filetype);
+  if (attempt.names.found) attempt.load = load_version(attempt.names);
+  if (attempt.load.code != gx_code::all_is_ok) return 0;
+  const auto file_index = reserve_slot(
+      " ## error in open file = ", " !! error in open file (too_many_files) = ", dirname);
+  put_names(slot_of(file_index), dirname, filetype, attempt.names);
+  if (attempt.names.found) {
+    put_file(file_index, std::move(attempt.load.file));
+  } else {
+    gx_file_create_new(file_index);
+  }
+  return file_index;
+}
+
+// Points the slot at the file; false when that is missing or cannot be used.
+bool reopen_slot(gx_file_index_t file_index, std::string_view dirname, std::string_view filetype,
+                 attempt_t& attempt) {
+  check_reopen(file_index, dirname);
+  attempt.names = gx_file_get_file_version(dirname, filetype);
+  if (!attempt.names.found) return false;
+  auto& slot = slot_of(file_index);
+  if (same_file(slot, attempt.names)) {
+    gx_debug_line("!!! file_reopen  file not reopen : identical \"");
+  } else {
+    attempt.load = load_version(attempt.names);
+    if (attempt.load.code != gx_code::all_is_ok) return false;
+    put_names(slot, dirname, filetype, attempt.names);
+    put_file(file_index, std::move(attempt.load.file));
+  }
+  gx_files.cur_file = file_index;
+  return true;
+}
+
 }  // namespace
 
 gx_file_index_t gx_file_open(std::string_view dirname, std::string_view filetype) {
-  const auto checked_dirname = gx_string(dirname);
-  const auto checked_filetype = gx_string(filetype);
-  check_initialised();
-  const auto file_index = reserve_slot(
-      " ## error in open file = ", " !! error in open file (too_many_files) = ", dirname);
-  const auto names = gx_file_get_file_version(gx_view(checked_dirname), gx_view(checked_filetype));
-  put_names(slot_of(file_index), dirname, filetype, names);
-  if (!names.found) {
-    gx_file_create_new(file_index);
-    return file_index;
-  }
-  auto load = load_version(names);
-  if (load.code != gx_code::all_is_ok) stop_with(load, names, op_open);
-  put_file(file_index, std::move(load.file));
+  const gx_string_record_t checked[] = {gx_string(dirname), gx_string(filetype)};
+  attempt_t attempt;
+  const auto file_index = open_slot(gx_view(checked[0]), gx_view(checked[1]), attempt);
+  if (file_index == 0) stop_with(attempt, op_open);
   return file_index;
 }
 
 gx_file_index_t gx_file_try_open(std::string_view dirname, std::string_view filetype,
                                  std::string& why) {
-  check_initialised();
-  why.clear();
-  const auto names = gx_file_get_file_version(dirname, filetype);
-  gx_load_t load;
-  if (names.found) load = load_version(names);
-  if (load.code != gx_code::all_is_ok) {
-    why = load.message;
-    return 0;
-  }
-  const auto file_index = reserve_slot(
-      " ## error in open file = ", " !! error in open file (too_many_files) = ", dirname);
-  put_names(slot_of(file_index), dirname, filetype, names);
-  if (names.found) {
-    put_file(file_index, std::move(load.file));
-  } else {
-    gx_file_create_new(file_index);
-  }
+  attempt_t attempt;
+  const auto file_index = open_slot(dirname, filetype, attempt);
+  why = attempt.load.message;
   return file_index;
 }
 
 bool gx_file_reopen(gx_file_index_t file_index, std::string_view dirname,
                     std::string_view filetype) {
-  check_reopen(file_index, dirname);
+  attempt_t attempt;
+  if (reopen_slot(file_index, dirname, filetype, attempt)) return true;
+  if (attempt.names.found) stop_with(attempt, op_reopen);
+  gx_file_close(file_index);
+  put_names(slot_of(file_index), dirname, filetype, attempt.names);
+  gx_file_create_new(file_index);
   gx_files.cur_file = file_index;
-  auto& slot = slot_of(file_index);
-  const auto names = gx_file_get_file_version(dirname, filetype);
-  if (!names.found) {
-    gx_file_close(file_index, false);
-    put_names(slot, dirname, filetype, names);
-    gx_file_create_new(file_index);
-    return false;
-  }
-  if (same_file(slot, names)) {
-    gx_debug_line("!!! file_reopen  file not reopen : identical \"");
-    return true;
-  }
-  put_names(slot, dirname, filetype, names);
-  slot.already_open_ok = false;
-  auto load = load_version(names);
-  if (load.code != gx_code::all_is_ok) stop_with(load, names, op_reopen);
-  put_file(file_index, std::move(load.file));
-  return true;
+  return false;
 }
 
 bool gx_file_try_reopen(gx_file_index_t file_index, std::string_view dirname,
                         std::string_view filetype, std::string& why) {
-  check_reopen(file_index, dirname);
-  why.clear();
-  const auto names = gx_file_get_file_version(dirname, filetype);
-  if (!names.found) {
-    why = std::string(gx_view(names.link_pathname)) + ": no such file";
-    return false;
+  attempt_t attempt;
+  const bool reopened = reopen_slot(file_index, dirname, filetype, attempt);
+  why = attempt.names.found ? attempt.load.message
+                            : std::string(gx_view(attempt.names.link_pathname)) + ": no such file";
+  if (reopened) why.clear();
+  return reopened;
+}
+
+void gx_check_file_to_close(gx_file_index_t file_index) {
+  if (file_index < 1 || file_index > gx_max_files) {
+    gx_debug(" gx_file_close : sfile_index : %d\n", file_index);
+    gx_set_status(gx_code::file_data_invalid);
   }
-  auto& slot = slot_of(file_index);
-  if (!same_file(slot, names)) {
-    auto load = load_version(names);
-    if (load.code != gx_code::all_is_ok) {
-      why = load.message;
-      return false;
-    }
-    put_names(slot, dirname, filetype, names);
-    put_file(file_index, std::move(load.file));
-  } else {
-    gx_debug_line("!!! file_reopen  file not reopen : identical \"");
-  }
-  gx_files.cur_file = file_index;
-  return true;
+  check_initialised();
+}
+
+void gx_file_close(gx_file_index_t file_index) {
+  gx_check_file_to_close(file_index);
+  close_stream(slot_of(file_index));
 }
 
 gx_file_index_t gx_file_create_bye(std::string_view data_path) {
@@ -253,8 +255,7 @@ gx_file_index_t gx_file_create_bye(std::string_view data_path) {
   slot.file_pathname = gx_string(data_path);
   slot.file_io_id = gx_popen_file(data_path, 'W', false);
   if (slot.file_io_id == nullptr) {
-    gx_debug("!!! file_create_bye  file impossible to open : \"%.*s\" \n",
-             static_cast<int>(data_path.size()), data_path.data());
+    gx_trace("!!! file_create_bye  file impossible to open : \"", data_path, "\" ");
     gx_set_status(gx_code::file_open_invalid);
   }
   gx_file_create_new(file_index);

@@ -69,7 +69,7 @@ struct gx_load_t {
 gx_load_t gx_decode_file(std::string_view bytes, std::string_view name);
 // Reads and decodes a data file; file_open_invalid when it cannot be read.
 gx_load_t gx_load_file(std::string_view data_path);
-// The same from a stream that is open for reading, by one read; the caller closes it.
+// The same from a stream that is open for reading; nullptr: errno tells why it is not.
 gx_load_t gx_load_stream(std::FILE* stream, std::string_view name);
 // The bytes of a data file that holds these objects.
 std::string gx_encode_file(const gx_file_gene_recf_t& file);
@@ -91,7 +91,10 @@ bool gx_file_reopen(gx_file_index_t file_index, std::string_view dirname,
 // The same, but leaves the slot as it was when the file is missing or cannot be used.
 bool gx_file_try_reopen(gx_file_index_t file_index, std::string_view dirname,
                         std::string_view filetype, std::string& why);
-void gx_file_close(gx_file_index_t file_index, bool save);
+// Closes the slot; nothing is saved (gx/edit/file_save.h does).
+void gx_file_close(gx_file_index_t file_index);
+// Stops the program when the slot's number is none or the package is not initialised.
+void gx_check_file_to_close(gx_file_index_t file_index);
 // A new slot for the data file of a save, opened for writing and holding an empty file.
 gx_file_index_t gx_file_create_bye(std::string_view data_path);
 // Fills the slot with an empty file.

@@ -1,7 +1,6 @@
 // Names of GX files: versions, link files and the paths of symbols.
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
+#include <algorithm>
+#include <cerrno>
 
 #include "gx/db/files.h"
 #include "gx/text/debug.h"
@@ -10,24 +9,9 @@
 #include "gx/text/strings.h"
 #include "gx/text/text_files.h"
 #include "gx/text/tokens.h"
+#include "platform/files.h"
 
 namespace {
-
-// Longest path that can be opened.
-constexpr std::size_t max_path = 192;
-
-// A link file is looked at often (once for each sheet of a run): it is opened without the wait of
-// gx_popen_file.
-std::FILE* open_link(std::string_view path) {
-  const auto resolved = gx_resolve_path(path);
-  const int descriptor = open(resolved.char_, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-  struct stat info {};
-  if (descriptor >= 0 && fstat(descriptor, &info) == 0 && S_ISREG(info.st_mode)) {
-    if (auto* stream = fdopen(descriptor, "r"); stream != nullptr) return stream;
-  }
-  if (descriptor >= 0) close(descriptor);
-  return nullptr;
-}
 
 // A number of digits only; nothing else is a version.
 gx_parsed<std::int16_t> version_of(std::string_view digits) {
@@ -99,7 +83,7 @@ gx_file_version_t gx_file_get_file_version(std::string_view dirname, std::string
   }
   // A path that was cut names another file than the one that was asked for.
   const auto length = dirname.size() + 1 + filetype.size() + 3 + gx_view(names.link_value).size();
-  if (length > max_path) names.valid = false;
+  if (length > gx_max_path) names.valid = false;
   names.file_pathname = data_path_of(names.link_pathname, names.link_value);
   return names;
 }
@@ -118,12 +102,11 @@ gx_file_version_t gx_file_new_file_version(std::string_view dirname, std::string
 
 bool gx_read_gx_link(std::string_view link_path, gx_string_record_t& link_value) {
   link_value = {};
-  std::FILE* stream = open_link(link_path);
-  if (stream == nullptr) return false;
+  // Looked at once for each sheet of a run: opened without the wait of gx_popen_file.
+  const x_file link = x_open_regular_file(std::string(gx_view(gx_resolve_path(link_path))));
+  if (!link) return false;
   gx_string_record_t line;
-  const bool has_line = gx_read_one_line(stream, line);
-  std::fclose(stream);
-  if (!has_line) {
+  if (!gx_read_one_line(link.get(), line)) {
     ++gx_session.num_errors;
     return false;
   }
@@ -133,15 +116,8 @@ bool gx_read_gx_link(std::string_view link_path, gx_string_record_t& link_value)
 }
 
 bool gx_add_gx_link(std::string_view link_path, std::string_view link_value) {
-  const auto resolved = gx_resolve_path(link_path);
-  std::FILE* stream = std::fopen(resolved.char_, "we");
-  bool written = false;
-  if (stream != nullptr) {
-    written = std::fprintf(stream, "%.*s        \n", static_cast<int>(link_value.size()),
-                           link_value.data()) > 0;
-    written = std::fclose(stream) == 0 && written;
-  }
-  if (written) return true;
+  const std::string path(gx_view(gx_resolve_path(link_path)));
+  if (x_replace_file(path, std::string(link_value) + "        \n")) return true;
   ++gx_session.num_errors;
   gx_debug("!!! ( add_gx_link ) impossible to open new link_file  : \"%.*s\" \n",
            static_cast<int>(link_path.size()), link_path.data());

@@ -9,6 +9,7 @@
 #include "gx/db/record_tables.h"
 #include "gx/text/strings.h"
 #include "gx/text/text_files.h"
+#include "platform/files.h"
 
 namespace {
 
@@ -73,7 +74,8 @@ void gx_object_list(gx_file_index_t file_index) {
   const auto& file = gx_ptrto_gene_file_buf(file_index);
   gx_string_record_t path = gx_files.filear[static_cast<std::size_t>(file_index)].dirname;
   gx_concat_const("/list_obj_file", path);
-  std::FILE* out = gx_popen_file(gx_view(path), 'W', false);
+  const x_file file_owner(gx_popen_file(gx_view(path), 'W', false));
+  std::FILE* const out = file_owner.get();
   if (out == nullptr) {
     std::printf("?? gx_object_list : impossible to open:'%s' (for W)\n", path.char_);
     gx_set_status(gx_code::init_or_open_file_not_done);
@@ -85,11 +87,7 @@ void gx_object_list(gx_file_index_t file_index) {
   std::fputs("        file     obj_id     father   previous  following     child1\n", out);
   for (const auto* object : file.ptr_to_ar_objindex) {
     const auto code = static_cast<int>(object->object_type);
-    if (code < 0 || code > gx_max_type) {
-      std::fclose(out);
-      gx_set_status(gx_code::object_type_invalid);
-    }
+    if (code < 0 || code > gx_max_type) gx_set_status(gx_code::object_type_invalid);
     list_object(out, file_index, *object);
   }
-  std::fclose(out);
 }

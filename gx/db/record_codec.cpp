@@ -2,18 +2,16 @@
 //
 // Reading never stops the program: what is wrong with a file is an outcome for the caller. A file
 // that ends early is refused like one whose next record has no valid type.
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <bit>
+#include <cerrno>
 #include <cstring>
 #include <initializer_list>
 
 #include "gx/db/files.h"
 #include "gx/db/record_tables.h"
 #include "gx/text/text_files.h"
+#include "platform/files.h"
 
 namespace {
 
@@ -206,30 +204,9 @@ std::string revision_text(float revision) {
   return text;
 }
 
-// Reads a whole stream by its descriptor; false for what is no regular file or cannot be read.
-bool read_all(int descriptor, std::string& bytes) {
-  struct stat info {};
-  if (fstat(descriptor, &info) != 0 || !S_ISREG(info.st_mode)) return false;
-  bytes.resize(std::min(static_cast<std::size_t>(info.st_size), max_file_size));
-  std::size_t got = 0;
-  while (got < bytes.size()) {
-    const ssize_t n =
-        pread(descriptor, bytes.data() + got, bytes.size() - got, static_cast<off_t>(got));
-    if (n < 0) return false;
-    if (n == 0) break;
-    got += static_cast<std::size_t>(n);
-  }
-  bytes.resize(got);
-  return true;
-}
-
-gx_load_t load_descriptor(int descriptor, std::string_view name) {
-  std::string bytes;
-  if (descriptor < 0 || !read_all(descriptor, bytes)) {
-    return refused(gx_code::file_open_invalid, gx_load_fault::unreadable,
-                   std::string(name) + ": cannot be read");
-  }
-  return gx_decode_file(bytes, name);
+gx_load_t unreadable(std::string_view name, int error) {
+  return refused(gx_code::file_open_invalid, gx_load_fault::unreadable,
+                 std::string(name) + ": cannot be read: " + x_why(error));
 }
 
 // --- writing
@@ -356,15 +333,18 @@ gx_load_t gx_load_file(std::string_view data_path) {
   const std::string path = data_path.starts_with("$VELMORAN")
                                ? std::string(gx_view(gx_resolve_path(data_path)))
                                : std::string(data_path);
-  // Without O_NONBLOCK a FIFO of that name would hold the program.
-  const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-  auto load = load_descriptor(descriptor, data_path);
-  if (descriptor >= 0) close(descriptor);
-  return load;
+  const x_descriptor file = x_open_regular(path);
+  std::string bytes;
+  if (!file || !x_read_whole(file.get(), bytes, max_file_size)) return unreadable(data_path, errno);
+  return gx_decode_file(bytes, data_path);
 }
 
 gx_load_t gx_load_stream(std::FILE* stream, std::string_view name) {
-  return load_descriptor(stream == nullptr ? -1 : fileno(stream), name);
+  std::string bytes;
+  if (stream == nullptr || !x_read_whole(fileno(stream), bytes, max_file_size)) {
+    return unreadable(name, errno);
+  }
+  return gx_decode_file(bytes, name);
 }
 
 std::string gx_encode_file(const gx_file_gene_recf_t& file) {

@@ -1,13 +1,7 @@
-// Recording changes in the undo list, and replaying its steps.
-//
-// The list is a start entry and the entries behind it; a step is a marker and the entries up to
-// the next marker. `ptrto_undo_cur` is the newest change still done: a new one drops what lies
-// behind it.
 #include "gx/db/undo.h"
 
 #include <cstdio>
 
-#include "gx/db/edit_state.h"
 #include "gx/db/file_state.h"
 #include "gx/db/object_access.h"
 #include "gx/text/debug.h"
@@ -15,100 +9,24 @@
 
 namespace {
 
+// What lies further back than so many changes is given up, so that a long session does not grow.
+constexpr std::size_t max_entries = 100000;
+
 // The entry that follows the current one, fresh.
 gx_undo_objet_rec_t& append(gx_undo_op operation) {
-  auto& list = *gx_edit.undo_list;
+  auto& list = *gx_undo.undo_list;
   if (list.used == list.entries.size()) list.entries.emplace_back();
   auto& entry = list.entries[list.used++];
   entry = {};
   entry.operation = operation;
-  entry.previous = gx_edit.ptrto_undo_cur;
+  entry.previous = gx_undo.ptrto_undo_cur;
   if (entry.previous != nullptr) entry.previous->following = &entry;
-  gx_edit.ptrto_undo_cur = &entry;
+  gx_undo.ptrto_undo_cur = &entry;
   return entry;
 }
 
 void store_base_point(gx_undo_objet_rec_t& entry) {
-  entry.UU.emplace<gx_undo_placement_t>().old_point = gx_edit.base_point;
-}
-
-[[noreturn]] void stop(std::string_view line, gx_code code) {
-  gx_debug_line(line);
-  gx_set_status(code);
-}
-
-enum class direction { undo, redo };
-
-constexpr const char* name_of(direction way) {
-  return way == direction::undo ? "gx_undo_restore_one_step" : "gx_redo_restore_one_step";
-}
-
-void check_entry(const gx_undo_objet_rec_t& entry, direction way) {
-  const bool in_file = entry.file_index >= 1 && entry.file_index <= gx_files.num_file_open &&
-                       gx_files.filear[static_cast<std::size_t>(entry.file_index)].start_buf_ptr &&
-                       gx_object_id_ok(gx_ptrto_gene_file_buf(entry.file_index), entry.object_id);
-  if (in_file && entry.parity == gx_undo_parity) return;
-  gx_debug("\n# %s : file_id or obj_id or codes invalid\n", name_of(way));
-  gx_debug(" file_index : %d\n obj_id : %d\n parity : %d\n operation : %d\n", entry.file_index,
-           entry.object_id, entry.parity, static_cast<int>(entry.operation));
-  gx_set_status(gx_code::file_data_invalid);
-}
-
-void put_flag(gx_object_gene_rec_t& object, gx_flag flag, bool on) {
-  object.status = static_cast<std::int16_t>(on ? object.status | flag : object.status & ~flag);
-}
-
-void put_switches(const gx_file_gene_recf_t& file, const gx_undo_objet_rec_t& entry,
-                  direction way) {
-  const auto& values = std::get<gx_undo_placement_t>(entry.UU);
-  auto& property = gx_property_info_ptr(file, entry.object_id);
-  const bool back = way == direction::undo;
-  property.fixed = back ? values.old_fixed : values.new_fixed;
-  property.visible = back ? values.old_visible : values.new_visible;
-  put_flag(property.gene, gx_flag_unvisible, back ? values.set_unvisible : !values.new_visible);
-}
-
-void put_bus(const gx_file_gene_recf_t& file, const gx_undo_objet_rec_t& entry, direction way) {
-  const auto& values = std::get<gx_undo_bus_t>(entry.UU);
-  auto& net = gx_net_info_ptr(file, entry.object_id);
-  const bool back = way == direction::undo;
-  net.is_bus = back ? values.old_is_bus : values.new_is_bus;
-  net.bus_start = back ? values.old_bus_start : values.new_bus_start;
-  net.bus_end = back ? values.old_bus_end : values.new_bus_end;
-}
-
-void replay(const gx_undo_objet_rec_t& entry, direction way) {
-  check_entry(entry, way);
-  const auto& file = gx_ptrto_gene_file_buf(entry.file_index);
-  auto& object = gx_object_id_ptr(file, entry.object_id);
-  const bool forward = way == direction::redo;
-  switch (entry.operation) {
-    case gx_undo_op::deleted:
-      return put_flag(object, gx_flag_deleted, forward);
-    case gx_undo_op::undeleted:
-      return put_flag(object, gx_flag_deleted, !forward);
-    case gx_undo_op::selected:
-      return put_flag(object, gx_flag_selected, forward);
-    case gx_undo_op::unselected:
-      return put_flag(object, gx_flag_selected, !forward);
-    case gx_undo_op::created:
-      return put_flag(object, gx_flag_deleted, !forward);
-    case gx_undo_op::switches:
-      return put_switches(file, entry, way);
-    case gx_undo_op::bus:
-      return put_bus(file, entry, way);
-    case gx_undo_op::start:
-    case gx_undo_op::step:
-      break;
-  }
-  gx_debug("## error in %s : operation 2 invalid\n", name_of(way));
-  gx_set_status(gx_code::object_id_invalid);
-}
-
-void check_list(direction way) {
-  if (gx_edit.ptrto_undo_start != nullptr && gx_edit.ptrto_undo_cur != nullptr) return;
-  gx_debug("# %s : start_ptr = nil \n", name_of(way));
-  gx_set_status(gx_code::file_data_invalid);
+  entry.UU.emplace<gx_undo_placement_t>().old_point = gx_undo.base_point;
 }
 
 }  // namespace
@@ -119,18 +37,23 @@ void gx_undo_init(gx_file_index_t file_index) {
     gx_files.check_data_done = file.check_data_done;
     gx_session.num_errors = file.num_errors;
   }
-  gx_edit.undo_list = std::make_shared<gx_undo_list_t>();
-  gx_edit.ptrto_undo_cur = nullptr;
+  gx_undo.undo_list = std::make_shared<gx_undo_list_t>();
+  gx_undo.ptrto_undo_cur = nullptr;
   auto& entry = append(gx_undo_op::start);
   store_base_point(entry);
-  gx_edit.ptrto_undo_start = &entry;
+  gx_undo.ptrto_undo_start = &entry;
 }
 
 void gx_undo_define_new_step() {
   gx_files.check_data_done = 1;
   if (gx_session.debugfile != nullptr) std::fflush(gx_session.debugfile);
   std::fflush(stdin);
-  if (!gx_edit.undo_list) return;
+  if (!gx_undo.undo_list) return;
+  if (gx_undo.undo_list->used > max_entries) {  // the list begins anew
+    gx_undo.undo_list->used = 1;
+    gx_undo.ptrto_undo_cur = gx_undo.ptrto_undo_start;
+    gx_undo.ptrto_undo_start->following = nullptr;
+  }
   auto& entry = append(gx_undo_op::step);
   entry.new_step = true;
   store_base_point(entry);
@@ -138,43 +61,14 @@ void gx_undo_define_new_step() {
 
 gx_undo_objet_rec_t* gx_undo_put_object(gx_file_index_t file_index, int id, gx_undo_op operation) {
   if (file_index < 1 || id < 1) {
-    stop("\n# gx_undo_put_object : invalid id ", gx_code::file_data_invalid);
+    gx_debug_line("\n# gx_undo_put_object : invalid id ");
+    gx_set_status(gx_code::file_data_invalid);
   }
   const auto& object = gx_object_id_ptr(gx_ptrto_gene_file_buf(file_index), id);
-  if (!gx_edit.undo_list) return nullptr;
+  if (!gx_undo.undo_list) return nullptr;
   auto& entry = append(operation);
   entry.file_index = file_index;
   entry.object_id = object.object_id;
   if (operation == gx_undo_op::bus) entry.UU.emplace<gx_undo_bus_t>();
   return &entry;
-}
-
-bool gx_undo_restore_one_step() {
-  check_list(direction::undo);
-  auto& cur = gx_edit.ptrto_undo_cur;
-  if (cur == gx_edit.ptrto_undo_start) return false;
-  bool at_marker = false;
-  while (!at_marker && cur != gx_edit.ptrto_undo_start) {
-    at_marker = cur->new_step;
-    if (!at_marker) replay(*cur, direction::undo);
-    if (cur->previous == nullptr) {
-      stop("## error in gx_undo_restore_one_step : ptr_cur.prev = nil ",
-           gx_code::file_data_invalid);
-    }
-    cur = cur->previous;
-    --gx_edit.undo_list->used;
-  }
-  return true;
-}
-
-bool gx_redo_restore_one_step() {
-  check_list(direction::redo);
-  auto& cur = gx_edit.ptrto_undo_cur;
-  if (cur->following == nullptr) return false;
-  do {
-    cur = cur->following;
-    ++gx_edit.undo_list->used;
-    if (!cur->new_step) replay(*cur, direction::redo);
-  } while (cur->following != nullptr && !cur->following->new_step);
-  return true;
 }

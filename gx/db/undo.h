@@ -1,7 +1,13 @@
-// The undo list: every change that an editor may want to take back, grouped into steps.
+// The undo list: every change that an editor may want to take back, grouped into steps. KIVO
+// records them; editors replay them (gx/edit/undo_replay.h).
+//
+// The list is a start entry and the entries behind it; a step is a marker and the entries up to
+// the next marker. `ptrto_undo_cur` is the newest change still done: a new one drops what lies
+// behind it.
 #pragma once
 
 #include <deque>
+#include <memory>
 #include <variant>
 
 #include "gx/db/file_records.h"
@@ -67,6 +73,16 @@ struct gx_undo_list_t {
   std::size_t used = 0;
 };
 
+struct gx_undo_state_t {
+  std::shared_ptr<gx_undo_list_t> undo_list;        // null until gx_undo_init
+  gx_undo_objet_rec_t* ptrto_undo_start = nullptr;  // its entries
+  gx_undo_objet_rec_t* ptrto_undo_cur = nullptr;
+  gx_pointreal_t base_point;
+};
+
+// The part of gx_vext that this room and those above it may touch.
+extern gx_undo_state_t& gx_undo;
+
 // Starts the list (nothing is recorded before) and takes the check state of the file.
 void gx_undo_init(gx_file_index_t file_index);
 // Opens a new step: the following entries are taken back together.
@@ -74,7 +90,3 @@ void gx_undo_define_new_step();
 // Records one change of one object; nothing while there is no list. The entry is returned so that
 // the caller can fill its values (nullptr when nothing was recorded).
 gx_undo_objet_rec_t* gx_undo_put_object(gx_file_index_t file_index, int id, gx_undo_op operation);
-// Replay one step backward or forward; false when there is none left. A property whose switches
-// come back is shown or hidden with them.
-bool gx_undo_restore_one_step();
-bool gx_redo_restore_one_step();

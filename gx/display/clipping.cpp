@@ -1,7 +1,7 @@
 #include "gx/display/clipping.h"
 
 #include <algorithm>
-#include <array>
+#include <cstdlib>
 
 #include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
@@ -25,23 +25,26 @@ std::int16_t cut(int v, int low, int high) {
   return static_cast<std::int16_t>(std::clamp(v, low, high));
 }
 
-// The two points where a slanted line crosses the edge of the window, by x; false when it does not.
-bool crossings(const window_t& w, const gx_line16_t& line, point_t& left, point_t& right) {
+// The points where a slanted line crosses the edge of the window, the first and the last on its
+// way; false when it does not.
+bool crossings(const window_t& w, const gx_line16_t& line, point_t& first, point_t& last) {
   const std::int64_t dx = line.x2 - line.x1, dy = line.y2 - line.y1;
   const auto y_at = [&](int x) { return static_cast<int>(line.y1 + (x - line.x1) * dy / dx); };
   const auto x_at = [&](int y) { return static_cast<int>(line.x1 + (y - line.y1) * dx / dy); };
-  std::array<point_t, 4> found;
-  std::size_t count = 0;
+  // Along its longer side: two crossings of a steep line may have one x.
+  const bool is_steep = std::abs(dy) > std::abs(dx);
+  const auto way = [&](point_t p) {
+    return is_steep ? (dy > 0 ? p.y : -p.y) : (dx > 0 ? p.x : -p.x);
+  };
+  bool found = false;
   for (const point_t p : {point_t{w.xmin, y_at(w.xmin)}, point_t{w.xmax, y_at(w.xmax)},
-                          point_t{x_at(w.ymin), w.ymin}, point_t{x_at(w.ymax), w.ymax}})
-    if (w.holds(p.x, p.y)) found[count++] = p;
-  if (count == 0) return false;
-  const auto [first, last] =
-      std::minmax_element(found.begin(), found.begin() + static_cast<std::ptrdiff_t>(count),
-                          [](point_t a, point_t b) { return a.x < b.x; });
-  left = *first;
-  right = *last;
-  return true;
+                          point_t{x_at(w.ymin), w.ymin}, point_t{x_at(w.ymax), w.ymax}}) {
+    if (!w.holds(p.x, p.y)) continue;
+    if (!found || way(p) < way(first)) first = p;
+    if (!found || way(p) > way(last)) last = p;
+    found = true;
+  }
+  return found;
 }
 }  // namespace
 
@@ -65,10 +68,8 @@ bool gx_line_clipping(gx_vpid_t vpid, gx_line16_t& line) {
     line.y2 = cut(line.y2, w.ymin, w.ymax);
     return line.x1 > w.xmin && line.x1 < w.xmax;
   }
-  point_t left{}, right{};
-  if (!crossings(w, line, left, right)) return false;
-  const bool first_is_left = line.x1 < line.x2;
-  const point_t near1 = first_is_left ? left : right, near2 = first_is_left ? right : left;
+  point_t near1{}, near2{};
+  if (!crossings(w, line, near1, near2)) return false;
   const gx_line16_t whole = line;
   if (!w.holds(whole.x1, whole.y1)) {
     line.x1 = static_cast<std::int16_t>(near1.x);

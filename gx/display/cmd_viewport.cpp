@@ -2,6 +2,9 @@
 
 #include <algorithm>
 
+#include "gx/display/draw_steps.h"
+#include "gx/display/line_edit.h"
+#include "gx/display/pen.h"
 #include "gx/display/stroke_text.h"
 #include "gx/display/viewports.h"
 #include "gx/text/strings.h"
@@ -9,15 +12,45 @@
 
 namespace {
 constexpr std::string_view prompt = " cmd >";
+constexpr int line_columns = 60;
 constexpr std::size_t max_typed_part = 54;  // the characters of a line behind the prompt
+
+// The character of the text before which the next one goes.
+int caret_column(std::string_view text) {
+  const auto& v = gx_vext;
+  const int end = static_cast<int>(text.size()) + 1;
+  return v.viewport_id == v.viewport_cmd ? std::clamp(gx_cmd_column(v.pixel_pos), 1, end) : end;
+}
+
+// A thin upright between two characters.
+void draw_caret(int column) {
+  const auto& v = gx_vext;
+  const int cell = static_cast<int>(prompt.size()) + column - v.istart_cmd;
+  if (cell < 0 || cell > line_columns) return;
+  const gx_point16_t corner = gx_viewport_inq_pixel_min(v.viewport_cmd);
+  const auto x =
+      static_cast<std::int16_t>(corner.x + v.cmd_x0 + cell * v.cmd_step - v.cmd_step / 4);
+  const auto top = static_cast<std::int16_t>(corner.y + v.cmd_y0 - 1);
+  const auto bottom = static_cast<std::int16_t>(top + v.cmd_height + 2);
+  gx_draw_line(v.viewport_cmd, v.cmd_color, 0, {x, top}, {x, bottom});
+}
 }  // namespace
 
 void gx_display_cmd(std::string_view text) {
-  const auto& v = gx_vext;
+  auto& v = gx_vext;
   if (!gx_drawing_possible() || !gx_viewport_ok(v.viewport_cmd)) return;
+  const gx_batch_t batch;
   gx_string_record_t line;
   gx_concat_all(line, prompt, text);
   gx_viewport_display_text(v.viewport_cmd, gx_view(line), {v.cmd_x0, v.cmd_y0}, true, v.cmd_color);
+  v.caret_column = caret_column(text);
+  draw_caret(v.caret_column);
+}
+
+void gx_follow_caret() {
+  const std::string_view text = gx_view(gx_vext.str_cmd);
+  if (!gx_drawing_possible() || !gx_viewport_ok(gx_vext.viewport_cmd)) return;
+  if (caret_column(text) != gx_vext.caret_column) gx_display_cmd(text);
 }
 
 void gx_display_cmd_part(std::string_view text) {

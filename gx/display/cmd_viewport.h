@@ -7,3 +7,5 @@
 void gx_display_cmd(std::string_view text);
 // Draws just the newly typed characters behind the present command text.
 void gx_display_cmd_part(std::string_view text);
+// The caret shows where the next character goes; it follows the pointer along the line.
+void gx_follow_caret();

@@ -72,8 +72,11 @@ void gx_cursor_set_position(gx_point16_t pixel) {
   const auto kept = [](int at, int size) {
     return std::clamp(at, pointer_margin, std::max(size - pointer_margin, pointer_margin));
   };
+  auto& v = gx_vext;
+  v.pointer_put = {static_cast<std::int16_t>(kept(pixel.x, v.bitmap_size.x)),
+                   static_cast<std::int16_t>(kept(pixel.y, v.bitmap_size.y))};
+  v.was_put = true;
   gx_pen_flush();
-  XWarpPointer(gx_vext.dpy, 0, gx_vext.win, 0, 0, 0, 0, kept(pixel.x, gx_vext.bitmap_size.x),
-               kept(pixel.y, gx_vext.bitmap_size.y));
-  XFlush(gx_vext.dpy);
+  XWarpPointer(v.dpy, 0, v.win, 0, 0, 0, 0, v.pointer_put.x, v.pointer_put.y);
+  XFlush(v.dpy);
 }

@@ -1,7 +1,12 @@
 // Whole objects and all below them, and the pictures of a viewport.
+#include "gx/display/draw_object.h"
+
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
 #include "gx/display/draw_steps.h"
+#include "gx/display/grid.h"
+#include "gx/display/markers.h"
+#include "gx/display/offscreen.h"
 #include "gx/display/picture_walk.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
@@ -91,6 +96,7 @@ void gx_display_object_part(gx_vpid_t vpid, gx_file_index_t file_index, int obje
 void gx_viewport_refresh(gx_vpid_t vpid, bool force_selected) {
   if (!gx_drawing_possible()) return;
   primary_of(vpid);
+  const gx_offscreen_t picture(gx_viewport_rec(vpid).pixel_bounds);
   gx_clear_viewport(vpid);
   gx_viewport_refresh_partial(vpid, force_selected);
 }
@@ -104,7 +110,9 @@ void gx_viewport_refresh_partial(gx_vpid_t vpid, bool force_selected) {
 
 void gx_display_picture_all(gx_vpid_t vpid, gx_file_index_t file_index) {
   if (!may_show(vpid)) return;
+  gx_forget_marks(vpid);
   const int primary = gx_ptrto_gene_file_buf(file_index).primary_object;
+  const gx_offscreen_t picture(gx_viewport_rec(vpid).pixel_bounds);
   gx_viewport_select(vpid);
   gx_clear_viewport(vpid);
   gx_display_object(vpid, file_index, primary, 0, false, gx_draw_mode::draw, false);
@@ -114,7 +122,9 @@ void gx_display_picture_all(gx_vpid_t vpid, gx_file_index_t file_index) {
 void gx_display_picture_area(gx_vpid_t vpid, gx_file_index_t file_index, gx_pointreal_t p1,
                              gx_pointreal_t p2) {
   if (!may_show(vpid)) return;
+  gx_forget_marks(vpid);
   const int primary = gx_ptrto_gene_file_buf(file_index).primary_object;
+  const gx_offscreen_t picture(gx_viewport_rec(vpid).pixel_bounds);
   gx_viewport_select(vpid);
   gx_clear_viewport(vpid);
   gx_display_object_part(vpid, file_index, primary, p1, p2, 0, gx_draw_mode::draw, false);

@@ -3,8 +3,10 @@
 
 #include <span>
 
+#include "gx/db/file_records.h"
 #include "gx/db/ids.h"
-#include "gx/display/draw.h"
+#include "gx/db/object_records.h"
+#include "gx/display/draw_mode.h"
 #include "gx/display/pen.h"
 #include "gx/display/screen_state.h"
 
@@ -22,6 +24,17 @@ struct gx_picture_t {
 // operation and the object, and stops with viewport_id_invalid.
 gx_picture_t gx_picture_of(gx_vpid_t vpid, gx_file_index_t file_index, int object_id,
                            gx_draw_mode mode, const char* operation);
+
+inline bool gx_is_deleted(const gx_object_gene_rec_t& object) {
+  return (object.status & gx_flag_deleted) != 0;
+}
+inline bool gx_is_selected(const gx_object_gene_rec_t& object) {
+  return (object.status & gx_flag_selected) != 0;
+}
+// Deleted or switched off.
+inline bool gx_is_hidden(const gx_object_gene_rec_t& object) {
+  return (object.status & (gx_flag_deleted | gx_flag_unvisible)) != 0;
+}
 
 // The style of selected lines.
 inline constexpr int gx_selected_style = 3;

@@ -4,9 +4,12 @@
 
 #include <X11/Xlib.h>
 #include <X11/keysym.h>
+#include <poll.h>
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
+#include <cstdlib>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -25,8 +28,9 @@
 
 namespace {
 
-constexpr int debounce_ms = 40;  // between two looks at a moving pointer
-constexpr int rest_ms = 500;     // a pointer that stays that long is at rest
+constexpr int rest_ms = 500;  // a pointer that stays that long is at rest
+constexpr int click_pixels = 3, click_ms = 300, double_click_ms = 500;
+constexpr int jump_pixels = 250;  // a pointer that moves farther at once means to be there
 constexpr int max_key_text = 20;
 
 constexpr std::array<std::string_view, 36> event_name = {
@@ -69,6 +73,9 @@ void follow_pointer(gx_point16_t pixel) {
   gx_vext.pixel_pos = pixel;
   gx_vext.viewport_id = gx_viewport_pixel_to_obj2d(pixel, point);
   if (shows_file(gx_vext.viewport_id)) gx_vext.obj_pos = point;
+  if (gx_vext.viewport_id == 0) return;
+  gx_vext.last_viewport_id = gx_vext.viewport_id;
+  gx_vext.last_viewport_pixel = pixel;
 }
 
 // Where the pointer is by now; the last known place when it left the screen.
@@ -85,6 +92,18 @@ void set_auto_repeat(bool on) {
   } else {
     XAutoRepeatOff(gx_vext.dpy);
   }
+}
+
+// A key with the pointer in no viewport belongs to where the pointer was last.
+void stay_in_a_viewport() {
+  auto& v = gx_vext;
+  if (v.viewport_id != 0) return;
+  v.viewport_id = v.last_viewport_id != 0 ? v.last_viewport_id : v.viewport_edit;
+  if (v.last_viewport_id != 0) v.pixel_pos = v.last_viewport_pixel;
+}
+
+bool is_near(gx_point16_t a, gx_point16_t b, int pixels) {
+  return std::abs(a.x - b.x) <= pixels && std::abs(a.y - b.y) <= pixels;
 }
 
 void discard(int type) {
@@ -148,6 +167,7 @@ void read_key(XKeyEvent& key, gx_event_t& event) {
   event.code = key_meaning(key, " !!! error event_wait buflen : ");
   event.modifiers = key.state;
   event.pixel = look_for_pointer();
+  stay_in_a_viewport();
 
   const bool caps_lock = event.code == XK_Caps_Lock;
   if (caps_lock || is_modifier(event.code)) {
@@ -165,31 +185,65 @@ void read_key(XKeyEvent& key, gx_event_t& event) {
 
 // --- buttons
 
+// What a press does may put the pointer elsewhere: that is no move of the user.
+bool is_in_place(gx_point16_t pixel, gx_point16_t from) {
+  return is_near(pixel, from, click_pixels) ||
+         (gx_vext.was_put && is_near(pixel, gx_vext.pointer_put, click_pixels));
+}
+
+void press_button1(const gx_event_t& event) {
+  auto& c = gx_vext.click;
+  const bool again = c.is_click && event.time - c.press_time <= double_click_ms &&
+                     is_in_place(event.pixel, c.released);
+  if (!again) c.first_pressed = event.pixel;
+  c.is_click = again;  // until the release: the one before
+  c.pressed = event.pixel;
+  c.press_time = event.time;
+  gx_vext.was_put = false;
+}
+
+void release_button1(gx_event_t& event) {
+  auto& c = gx_vext.click;
+  const bool again = c.is_click;
+  const bool is_click =
+      event.time - c.press_time <= click_ms && is_in_place(event.pixel, c.pressed);
+  c.released = event.pixel;
+  c.is_click = is_click && !again;  // a third click begins anew
+  if (is_click) event.clicks = again ? 2 : 1;
+  event.pressed = again ? c.first_pressed : c.pressed;
+}
+
 void read_button(const XButtonEvent& button, gx_event_t& event) {
   const bool press = button.type == ButtonPress;
   gx_vext.keyf_down = false;
   gx_vext.key_state = 0;
   event.modifiers = button.state & 15U;
-  event.pixel = look_for_pointer();
+  event.pixel = inside_window(button.x, button.y);
+  follow_pointer(event.pixel);
   switch (button.button) {
     case Button1:
-    case Button2:
-    case Button3: {
-      const int first = static_cast<int>(gx_event_kind::button1_down);
-      event.kind = static_cast<gx_event_kind>(
-          first + 2 * (static_cast<int>(button.button) - Button1) + (press ? 0 : 1));
+      event.kind = press ? gx_event_kind::button1_down : gx_event_kind::button1_up;
+      if (press)
+        press_button1(event);
+      else
+        release_button1(event);
       break;
-    }
+    case Button2:
+      event.kind = press ? gx_event_kind::button2_down : gx_event_kind::button2_up;
+      break;
+    case Button3:
+      event.kind = press ? gx_event_kind::button3_down : gx_event_kind::button3_up;
+      break;
     case Button4:
     case Button5:
       event.kind = gx_event_kind::pointer_moved;
       if (press) event.wheel = button.button == Button4 ? 1 : -1;
       break;
-    default:
+    default:  // sideways wheels and thumb buttons
       gx_debug(press ? " event_wait : button DOWN not ok = %ld \n"
                      : " event_wait : button UP not ok = %ld \n",
                static_cast<long>(button.button));
-      gx_set_status(gx_code::input_event_type_invalid);
+      break;
   }
 }
 
@@ -200,6 +254,20 @@ void clear_menu_lines_below(std::size_t level) {
     gx_vext.menuline_lev[k] = 0;
     gx_vext.prelinsel_lev[k] = 0;
   }
+}
+
+// A level that has just been opened has put the pointer into itself. Where that does not last,
+// since the positions come from elsewhere (a viewer on another screen sends its own), the level
+// waits for the pointer: it stays open while the pointer goes on from where it was, unless it turns
+// to another line of the level before.
+bool waits_for_pointer(std::size_t depth, gx_point16_t at) {
+  auto& v = gx_vext;
+  if (v.menu_entered[depth - 1] || !is_near(at, v.menu_outside, jump_pixels)) return false;
+  v.menu_outside = at;
+  if (depth == 1) return true;
+  const gx_bounds16_t& before = v.menu_lev_extbounds[depth - 2];
+  return !gx_point_inside_bounds16(before, at.x, at.y) ||
+         gx_menu_line_at(static_cast<int>(depth) - 1, at.y) == v.menuline_lev[depth - 2];
 }
 
 void read_menu_motion(gx_event_t& event) {
@@ -214,24 +282,22 @@ void read_menu_motion(gx_event_t& event) {
     gx_set_status(gx_code::input_event_type_invalid);
   }
   const auto depth = static_cast<std::size_t>(level);
-  if (gx_point_inside_bounds16(gx_vext.menu_boxbounds, at.x, at.y)) {
+  const bool opens = gx_point_inside_bounds16(gx_vext.menu_boxbounds, at.x, at.y);
+  if (!opens && !gx_point_inside_bounds16(gx_vext.menu_extbounds, at.x, at.y)) {
+    if (!waits_for_pointer(depth, at)) event.kind = gx_event_kind::menu_outside;
+    return;
+  }
+  if (at != gx_vext.pointer_put) gx_vext.menu_entered[depth - 1] = true;
+  if (opens) {
     event.kind = gx_event_kind::menu_opening;
-  } else if (gx_point_inside_bounds16(gx_vext.menu_extbounds, at.x, at.y)) {
+  } else {
     event.kind = gx_event_kind::menu_line;
     gx_vext.prelinsel_lev[depth - 1] = gx_vext.menuline_lev[depth - 1];
     gx_vext.menuline_lev[depth - 1] = gx_menu_line_at(level, at.y);
-  } else {
-    event.kind = gx_event_kind::menu_outside;
-    return;
   }
   event.code = static_cast<std::uint32_t>(level);
   clear_menu_lines_below(depth);
   discard(MotionNotify);
-}
-
-// Server times run over after 49 days.
-bool is_newer(std::uint32_t time, std::uint32_t than) {
-  return static_cast<std::int32_t>(time - than) > 0;
 }
 
 // Of all motions waiting only the newest position counts.
@@ -258,41 +324,50 @@ void snap_pointer(gx_vpid_t vpid, gx_pointreal_t point) {
   gx_vext.obj_pos = snapped;
 }
 
-// A motion is sent back to the window and looked at again until the pointer has rested.
 void read_motion(XEvent& motion, gx_event_t& event) {
   take_newest_motion(motion);
   event.modifiers = motion.xmotion.state;
+  event.time = static_cast<std::uint32_t>(motion.xmotion.time);
+  gx_vext.last_motputb = static_cast<std::int32_t>(event.time);
+  gx_vext.lasttime = xtimems();
+  gx_vext.rest_awaited = !gx_vext.menu_drawn;
   if (gx_vext.menu_drawn) {
     read_menu_motion(event);
     return;
   }
-  const auto time = static_cast<std::uint32_t>(motion.xmotion.time);
-  const auto last = static_cast<std::uint32_t>(gx_vext.last_motputb);
-  event.time = time;
-  // One that was on its way back when the pointer moved on is out of date: it would take turns with
-  // the newer one, and neither would ever be at rest.
-  if (last != 0 && is_newer(last, time)) return;
-  event.pixel = inside_window(motion.xmotion.x, motion.xmotion.y);
-  const bool fresh = last == 0 || is_newer(time, last);
-  const bool rested =
-      !fresh && xdiftimems(gx_vext.lasttime.tv_sec, gx_vext.lasttime.tv_usec) > rest_ms;
-
-  follow_pointer(event.pixel);
-  if (gx_vext.viewport_id == gx_vext.viewport_cmd && gx_vext.viewport_id > 0) {
-    gx_vext.pixel_pos = on_command_line(event.pixel);
-  } else if (rested && gx_vext.snap_state && shows_file(gx_vext.viewport_id)) {
-    snap_pointer(gx_vext.viewport_id, gx_vext.obj_pos);
-  }
-  if (fresh || rested) gx_vext.lasttime = xtimems();
-  if (rested) {
-    event.kind = gx_event_kind::pointer_at_rest;
-    discard(MotionNotify);
-    return;
-  }
   event.kind = gx_event_kind::pointer_moved;
-  gx_vext.last_motputb = static_cast<std::int32_t>(time);
-  xdelayms(debounce_ms);
-  XSendEvent(gx_vext.dpy, gx_vext.win, False, PointerMotionMask, &motion);
+  event.pixel = gx_vext.moved_to = inside_window(motion.xmotion.x, motion.xmotion.y);
+  follow_pointer(event.pixel);
+  if (gx_vext.viewport_id == gx_vext.viewport_cmd && gx_vext.viewport_id > 0)
+    gx_vext.pixel_pos = on_command_line(event.pixel);
+}
+
+// The pointer has not moved for a while.
+void read_rest(gx_event_t& event) {
+  gx_vext.rest_awaited = false;
+  gx_vext.lasttime = xtimems();
+  if (gx_vext.menu_drawn) return;
+  event.kind = gx_event_kind::pointer_at_rest;
+  event.time = static_cast<std::uint32_t>(gx_vext.last_motputb);
+  event.pixel = gx_vext.moved_to;
+  follow_pointer(event.pixel);
+  if (gx_vext.viewport_id == gx_vext.viewport_cmd && gx_vext.viewport_id > 0)
+    gx_vext.pixel_pos = on_command_line(event.pixel);
+  else if (gx_vext.snap_state && shows_file(gx_vext.viewport_id))
+    snap_pointer(gx_vext.viewport_id, gx_vext.obj_pos);
+}
+
+// Whether the pointer comes to rest before the next event.
+bool comes_to_rest() {
+  if (!gx_vext.rest_awaited) return false;
+  while (XEventsQueued(gx_vext.dpy, QueuedAfterFlush) == 0) {
+    const int left = rest_ms - xdiftimems(gx_vext.lasttime.tv_sec, gx_vext.lasttime.tv_usec);
+    // A clock that was set back must not make it wait for longer.
+    if (left <= 0 || left > rest_ms) return true;
+    pollfd connection{ConnectionNumber(gx_vext.dpy), POLLIN, 0};
+    if (poll(&connection, 1, left) < 0 && errno != EINTR) return false;
+  }
+  return false;
 }
 
 // --- the window
@@ -337,6 +412,7 @@ void read_exposure(gx_event_t& event) {
   discard(Expose);
   gx_vext.viewport_id = 1;
   event.kind = gx_event_kind::exposed;
+  const gx_point16_t before = gx_vext.bitmap_size;
   Window root = 0;
   int x = 0, y = 0;
   unsigned int width = 0, height = 0, border = 0, depth = 0;
@@ -344,6 +420,7 @@ void read_exposure(gx_event_t& event) {
       False) {
     resize_to(static_cast<int>(width), static_cast<int>(height));
   }
+  event.resized = gx_vext.bitmap_size != before;
 }
 
 // A window that only shrinks keeps its picture, so that no exposure follows.
@@ -391,6 +468,10 @@ gx_event_t gx_input_event_wait() {
   xdelayms(1);
   gx_event_t event;
   event.pixel = gx_vext.pixel_pos;
+  if (comes_to_rest()) {
+    read_rest(event);
+    return event;
+  }
   XEvent x;
   XNextEvent(gx_vext.dpy, &x);
   switch (x.type) {
@@ -417,6 +498,9 @@ gx_event_t gx_input_event_wait() {
       break;
     case ConfigureNotify:
       if (only_shrinks(x.xconfigure)) read_exposure(event);
+      break;
+    case DestroyNotify:  // by another program: there is nothing left to work in
+      if (x.xdestroywindow.window == gx_vext.win) event.kind = gx_event_kind::close_asked;
       break;
     case VisibilityNotify:
       gx_vext.lasttime = xtimems();

@@ -1,5 +1,4 @@
-// Input: the next X event as one of a small set of kinds, and what the pointer does to the command
-// line and to the rubber rectangle.
+// Input: the next X event as one of a small set of kinds.
 #pragma once
 
 #include <cstdint>
@@ -33,6 +32,11 @@ struct gx_event_t {
   gx_point16_t pixel;           // within the window
   std::uint32_t time = 0;       // server milliseconds
   int wheel = 0;                // 1 turned away from the user, -1 towards
+  // button1_up: 1 a click, a press and release within 3 pixels and 300 ms; 2 the second of a double
+  // click; 0 a drag. `pressed` is where it began, of a double click where the first one did.
+  int clicks = 0;
+  gx_point16_t pressed;
+  bool resized = false;  // exposed: the window has another size
 };
 
 // Blocks until one event has been read. Keeps the pointer state, the key state and the window size
@@ -42,18 +46,3 @@ gx_event_t gx_input_event_wait();
 // when there is none, for other kinds, and without a display.
 bool gx_find_event(int kind, std::uint32_t keysym, std::uint32_t modifiers);
 void gx_input_enable(long mask);
-
-// --- editing of the command line by the pointer (line_edit.cpp); `pixel` is a window pixel
-// The character of the command line under the pixel, from 1; below 1 and past the end too.
-int gx_cmd_column(gx_point16_t pixel);
-// The pixel in the middle of a character of the command line.
-gx_point16_t gx_cmd_column_pixel(int column);
-void gx_pixel_pos_action();
-void gx_again_action(gx_vpid_t vpid, gx_point16_t pixel);    // recalls a list line
-void gx_backsp_action(gx_vpid_t vpid, gx_point16_t pixel);   // deletes before the pointer
-void gx_chardel_action(gx_vpid_t vpid, gx_point16_t pixel);  // deletes under the pointer
-
-// --- the rubber rectangle from pixel_ptr1 to the pointer (rubber_rectangle.cpp)
-void gx_rectangle_action();  // it follows the pointer
-void gx_rectangle_erase();   // takes it off the screen; the next move shows it again
-gx_pointreal_t gx_inq_base_point();

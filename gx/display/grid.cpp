@@ -1,4 +1,6 @@
 // The page frame and the field of grid dots.
+#include "gx/display/grid.h"
+
 #include <algorithm>
 #include <array>
 

@@ -1,11 +1,10 @@
-// The command line under the pointer: which character the pointer is on, and the keys that recall
-// and delete text there. Typing itself is the application's.
+#include "gx/display/line_edit.h"
+
 #include <algorithm>
 #include <string>
 
 #include "gx/display/cmd_viewport.h"
 #include "gx/display/cursor.h"
-#include "gx/display/events.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
 #include "gx/text/message_list.h"
@@ -19,11 +18,6 @@ constexpr int line_columns = 60;  // characters shown of a line
 
 int cmd_step() { return std::max<int>(gx_vext.cmd_step, 1); }
 
-void set_command(std::string_view text) {
-  gx_vext.str_cmd = gx_string(text);
-  gx_display_cmd(text);
-}
-
 void delete_character(int column) {
   std::string text(gx_view(gx_vext.str_cmd));
   column = std::clamp(column, 1, std::max(1, static_cast<int>(text.size())));
@@ -32,11 +26,21 @@ void delete_character(int column) {
   } else {
     text.erase(static_cast<std::size_t>(column - 1), 1);
   }
-  set_command(text);
+  gx_set_command_line(text);
   gx_cursor_set_position(gx_cmd_column_pixel(column));
 }
 
 }  // namespace
+
+void gx_set_command_line(std::string_view text) {
+  auto& v = gx_vext;
+  v.str_cmd = gx_string(text);
+  if (v.viewport_id != v.viewport_cmd) {
+    const int past = prompt_length + v.str_cmd.len + 2 - line_columns;  // the caret is shown, too
+    v.istart_cmd = static_cast<std::int16_t>(std::max(past, 1));
+  }
+  gx_display_cmd(gx_view(v.str_cmd));
+}
 
 int gx_cmd_column(gx_point16_t pixel) {
   const gx_point16_t corner = gx_viewport_inq_pixel_min(gx_vext.viewport_cmd);

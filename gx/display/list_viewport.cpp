@@ -8,12 +8,12 @@
 #include "gx/text/message_list.h"
 #include "gx/vext.h"
 
-void gx_upd_display_list(bool up) {
+void gx_upd_display_list(bool up, int lines) {
   auto& v = gx_vext;
   if (v.nlinlist_end <= v.nb_line_in_listviewp) return;
   const int last_page = v.nlinlist_end - v.nb_line_in_listviewp + 1;
   v.nlinlist_disp =
-      static_cast<std::int16_t>(std::clamp(v.nlinlist_disp + (up ? -1 : 1), 1, last_page));
+      static_cast<std::int16_t>(std::clamp(v.nlinlist_disp + (up ? -lines : lines), 1, last_page));
   gx_regen_display_list();
 }
 

@@ -1,10 +1,15 @@
 // The marks that tell places of the design: base point, origins, selected vertices, loose pins.
+#include "gx/display/markers.h"
+
+#include <algorithm>
 #include <array>
 #include <span>
 
 #include "gx/display/draw_steps.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
+#include "gx/text/debug.h"
+#include "gx/text/status.h"
 #include "gx/vext.h"
 
 namespace {
@@ -37,8 +42,14 @@ struct size_t16 {
 };
 constexpr size_t16 mark_step{4, 2}, mark_margin{8, 4}, pin_step{6, 3};
 
-// Where a marker may be drawn: its pixel; false when it lies outside or too near to the edge.
+// Where a marker may be drawn: its pixel; false when it lies outside or too near to the edge. Only
+// the selected viewport is drawn in.
 bool place(gx_vpid_t vpid, gx_pointreal_t point, int margin, gx_point16_t& pixel) {
+  if (!gx_viewport_ok(vpid) || vpid != gx_vext.viewport_current) {
+    gx_debug(" marker : view port invalid : %d  file_index : %d   at : %d  %d\n", vpid,
+             gx_viewport_ok(vpid) ? gx_viewport_rec(vpid).file_index : 0, point.x, point.y);
+    gx_set_status(gx_code::viewport_id_invalid);
+  }
   if (vpid != gx_vext.viewport_edit && vpid != gx_vext.viewport_context) return false;
   const auto& vp = gx_viewport_rec(vpid);
   if (vp.vp_blocked || vp.file_index < 1) return false;
@@ -65,7 +76,6 @@ void draw_mark(gx_vpid_t vpid, gx_pointreal_t p, std::span<const step_t> steps, 
   gx_point16_t pixel;
   if (!place(vpid, p, mark_margin.of(vpid), pixel)) return;
   const gx_batch_t batch;
-  gx_viewport_select(vpid);
   draw_steps(steps, pixel, mark_step.of(vpid), color);
 }
 }  // namespace
@@ -86,7 +96,6 @@ void gx_display_pin_nocon(gx_vpid_t vpid, gx_pointreal_t p) {
   gx_point16_t pixel;
   if (!place(vpid, p, size, pixel)) return;
   const gx_batch_t batch;
-  gx_viewport_select(vpid);
   draw_steps(diamond, pixel, size, white);
   draw_steps(diamond, pixel, size + 1, white);
 }
@@ -97,4 +106,37 @@ void gx_display_link(gx_vpid_t vpid, gx_pointreal_t from, gx_pointreal_t to) {
   gx_viewport_select(vpid);
   gx_draw_line(vpid, white, 1, gx_viewport_pt_real_to_pixel(vpid, from),
                gx_viewport_pt_real_to_pixel(vpid, to));
+}
+
+namespace {
+void display_mark(const gx_kept_mark_t& mark) {
+  if (mark.is_link)
+    gx_display_link(mark.vpid, mark.from, mark.to);
+  else
+    gx_display_cross(mark.vpid, mark.from);
+}
+
+void keep(const gx_kept_mark_t& mark) {
+  if (!gx_drawing_possible() || !gx_viewport_ok(mark.vpid)) return;
+  const auto& marks = gx_vext.kept_marks;
+  if (std::find(marks.begin(), marks.end(), mark) == marks.end())
+    gx_vext.kept_marks.push_back(mark);
+  gx_viewport_select(mark.vpid);
+  display_mark(mark);
+}
+}  // namespace
+
+void gx_keep_cross(gx_vpid_t vpid, gx_pointreal_t p) { keep({vpid, false, p, p}); }
+
+void gx_keep_link(gx_vpid_t vpid, gx_pointreal_t from, gx_pointreal_t to) {
+  keep({vpid, true, from, to});
+}
+
+void gx_display_kept_marks(gx_vpid_t vpid) {
+  for (const gx_kept_mark_t& mark : gx_vext.kept_marks)
+    if (mark.vpid == vpid) display_mark(mark);
+}
+
+void gx_forget_marks(gx_vpid_t vpid) {
+  std::erase_if(gx_vext.kept_marks, [&](const gx_kept_mark_t& mark) { return mark.vpid == vpid; });
 }

@@ -168,6 +168,12 @@ void paint_level(gx_vpid_t vpid, int level, int x, int y) {
   std::fill(gx_vext.prelinsel_lev.begin() + (level - 1), gx_vext.prelinsel_lev.end(), 0);
 }
 
+// The level waits for the pointer, which is outside yet.
+void await_pointer(int level, gx_point16_t outside) {
+  gx_vext.menu_entered[entry(level)] = false;
+  gx_vext.menu_outside = outside;
+}
+
 // Into the left two thirds of a level, where moving chooses a line.
 void move_pointer_into(int level, int y) {
   const gx_bounds16_t& ext = gx_vext.menu_lev_extbounds[entry(level)];
@@ -211,6 +217,7 @@ void check_shown(const char* operation, gx_vpid_t vpid, int level) {
 void gx_draw_menu1(gx_vpid_t vpid, gx_point16_t position) {
   if (!can_draw(vpid, 1)) return;
   gx_close_menus(vpid);
+  await_pointer(1, gx_vext.pixel_pos);
   const gx_point16_t corner = gx_viewport_inq_pixel_min(vpid);
   paint_level(vpid, 1, corner.x + position.x, corner.y + position.y);
   move_pointer_into(1, middle_of_level(1));
@@ -220,6 +227,7 @@ void gx_draw_menu1(gx_vpid_t vpid, gx_point16_t position) {
 void gx_draw_menu(gx_vpid_t vpid, int level) {
   if (level < 2 || level > gx_max_menu_levels) gx_set_status(gx_code::invalid_level);
   if (!can_draw(vpid, level)) return;
+  await_pointer(level, gx_vext.pixel_pos);
   const gx_bounds16_t& ext = gx_vext.menu_lev_extbounds[entry(level)];
   paint_level(vpid, level, ext.xmin, ext.ymin);
   move_pointer_into(level, middle_of_level(level));

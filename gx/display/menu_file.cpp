@@ -2,9 +2,9 @@
 //
 // A line is "#" and a comment, or a level digit 1..4, the display string in single quotes and, for
 // a line with a command, the command in single quotes. The tree comes from the order of the lines.
+#include <algorithm>
 #include <array>
 #include <cstdio>
-#include <memory>
 #include <optional>
 #include <string>
 
@@ -15,13 +15,9 @@
 #include "gx/text/strings.h"
 #include "gx/text/text_files.h"
 #include "gx/vext.h"
+#include "platform/files.h"
 
 namespace {
-
-struct close_file {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using file_ptr = std::unique_ptr<std::FILE, close_file>;
 
 std::string quoted(std::string_view head, std::string_view text) {
   return std::string(head).append("\"").append(text).append("\"");
@@ -78,8 +74,14 @@ bool read_entry(std::string_view line, line_place_t& place) {
     return false;
   }
   const auto command = next_quoted(line, pos);
-  gx_def_menu_rec(place.next(static_cast<std::size_t>(line[0] - '0')), *display,
-                  command.has_value(), command.value_or(""));
+  const auto index = place.next(static_cast<std::size_t>(line[0] - '0'));
+  // A thirteenth line, or one below a line that is not there.
+  if (!std::ranges::all_of(index, [](int i) { return i >= 1 && i <= gx_max_menu_lines; })) {
+    refuse_line(
+        "!!!  menu_file  : no place in the menu : ", "# !!!   no place in the menu : ", line);
+    return false;
+  }
+  gx_def_menu_rec(index, *display, command.has_value(), command.value_or(""));
   return true;
 }
 
@@ -111,7 +113,7 @@ void print_below(std::FILE* file, std::array<int, gx_max_menu_levels>& index, st
 
 void gx_read_menu(std::string_view path) {
   if (path.empty()) return;
-  const file_ptr file(gx_popen_file(path, 'R', true));
+  const x_file file(gx_popen_file(path, 'R', true));
   if (!file) {
     gx_debug_line(quoted("!!!  menu_file  file not found : ", path) + " ");
     show_error("# $rmenu ", "# !!! error : file not found : ", path);
@@ -128,7 +130,7 @@ void gx_read_menu(std::string_view path) {
 }
 
 void gx_print_menu(std::string_view path) {
-  const file_ptr file(gx_popen_file(path, 'W', false));
+  const x_file file = x_create_file(std::string(gx_view(gx_resolve_path(path))), true);
   if (!file) {
     show_error("# $pmenu ", "# !!! error : impossible to open the file : ", path);
     return;

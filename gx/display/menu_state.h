@@ -27,7 +27,9 @@ struct gx_menu_state_t {
   gx_menu_level_t<12 * 12 * 12> menu3_arofptr;
   gx_menu_level_t<12 * 12 * 12 * 12> menu4_arofptr;
   bool menu_drawn = false;
-  bool menu_hidden = false;  // drawn, but off the screen while something draws under it
+  std::array<bool, 4> menu_entered{};  // the user has moved the pointer in the level
+  gx_point16_t menu_outside;           // where the pointer was last before it entered one
+  bool menu_hidden = false;            // drawn, but off the screen while something draws under it
   gx_bounds16_t menu_extbounds, menu_boxbounds;
   std::array<gx_bounds16_t, 4> menu_lev_extbounds, menu_lev_boxbounds;
   std::array<unsigned long, 4> menu_pixid{};

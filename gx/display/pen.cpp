@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <span>
 
 #include "gx/text/status.h"
 #include "gx/vext.h"
@@ -16,8 +15,7 @@ struct dash_list_t {
   int length;
   dashes_t dashes;
 };
-constexpr int nb_of_dash_lists = 2 * gx_nb_of_styles;
-constexpr std::array<dash_list_t, nb_of_dash_lists> dash_lists = {{
+constexpr std::array<dash_list_t, gx_nb_of_dash_lists> dash_lists = {{
     {0, {}},
     {2, {6, 6}},
     {2, {3, 6}},
@@ -29,14 +27,6 @@ constexpr std::array<dash_list_t, nb_of_dash_lists> dash_lists = {{
     {4, {12, 6, 2, 6}},
     {6, {12, 6, 2, 6, 2, 6}},
 }};
-constexpr int nb_of_groups = gx_nb_of_colors * nb_of_dash_lists;
-
-// Lines and arcs of one colour and one dash list.
-struct group_t {
-  std::vector<XSegment> lines;
-  std::vector<XArc> arcs;
-};
-
 int sound_color(int color) {
   return color >= 0 && color < gx_nb_of_colors ? color : gx_nb_of_colors - 1;
 }
@@ -53,10 +43,7 @@ unsigned short to_size(int v) { return static_cast<unsigned short>(std::clamp(v,
 
 struct gx_pen_t {
   int depth = 0;  // of nested batches
-  std::array<group_t, nb_of_groups> groups;
-  std::vector<int> groups_used;  // in the order of first use
-  std::array<std::vector<XRectangle>, gx_nb_of_colors> boxes;
-  std::vector<int> boxes_used;  // colours, in the order of first use
+  gx_stroke_layers_t strokes;
 
   // What the graphics context holds; -1: not known.
   int gc_color = -1;
@@ -72,12 +59,12 @@ gx_pen_t& pen() {
   return *gx_vext.pen;
 }
 
-group_t& group_of(int color, int dashes) {
-  auto& p = pen();
-  const int index = sound_color(color) * nb_of_dash_lists + dashes;
-  auto& group = p.groups[static_cast<std::size_t>(index)];
-  if (group.lines.empty() && group.arcs.empty()) p.groups_used.push_back(index);
-  return group;
+// Where the next stroke goes.
+gx_stroke_layers_t& strokes() {
+  auto& kept = pen().strokes;
+  if (kept.is_deep()) gx_pen_flush();
+  if (kept.empty()) kept.cover(gx_vext.bitmap_size.x + 1, gx_vext.bitmap_size.y + 1);
+  return kept;
 }
 
 void use_color(gx_pen_t& p, int color) {
@@ -96,34 +83,38 @@ void use_dashes(gx_pen_t& p, int dashes) {
   if (list.length > 0) XSetDashes(gx_vext.dpy, gx_vext.our_gc, 0, list.dashes.data(), list.length);
 }
 
-void forget(gx_pen_t& p) {
-  for (const int index : p.groups_used) {
-    auto& group = p.groups[static_cast<std::size_t>(index)];
-    group.lines.clear();
-    group.arcs.clear();
-  }
-  p.groups_used.clear();
-  for (const int color : p.boxes_used) p.boxes[static_cast<std::size_t>(color)].clear();
-  p.boxes_used.clear();
+// The strokes of a group as the requests want them, in a buffer that is used again.
+template <typename Request, typename Stroke, typename Convert>
+std::vector<Request>& requests_of(const std::vector<Stroke>& strokes, Convert convert) {
+  static std::vector<Request> buffer;
+  buffer.resize(strokes.size());
+  std::transform(strokes.begin(), strokes.end(), buffer.begin(), convert);
+  return buffer;
 }
 
-void send(gx_pen_t& p) {
-  for (const int color : p.boxes_used) {
-    auto& boxes = p.boxes[static_cast<std::size_t>(color)];
-    use_color(p, color);
-    XFillRectangles(gx_vext.dpy, gx_vext.win, gx_vext.our_gc, boxes.data(),
-                    static_cast<int>(boxes.size()));
+void send(gx_pen_t& p, const gx_stroke_group_t& group) {
+  auto* const dpy = gx_vext.dpy;
+  const auto target = gx_vext.drawable != 0 ? gx_vext.drawable : gx_vext.win;
+  use_color(p, group.color);
+  if (!group.lines.empty() || !group.arcs.empty()) use_dashes(p, group.dashes);
+  if (!group.lines.empty()) {
+    auto& lines = requests_of<XSegment>(group.lines, [](const gx_line16_t& line) {
+      return XSegment{line.x1, line.y1, line.x2, line.y2};
+    });
+    XDrawSegments(dpy, target, gx_vext.our_gc, lines.data(), static_cast<int>(lines.size()));
   }
-  for (const int index : p.groups_used) {
-    auto& group = p.groups[static_cast<std::size_t>(index)];
-    use_color(p, index / nb_of_dash_lists);
-    use_dashes(p, index % nb_of_dash_lists);
-    if (!group.lines.empty())
-      XDrawSegments(gx_vext.dpy, gx_vext.win, gx_vext.our_gc, group.lines.data(),
-                    static_cast<int>(group.lines.size()));
-    if (!group.arcs.empty())
-      XDrawArcs(gx_vext.dpy, gx_vext.win, gx_vext.our_gc, group.arcs.data(),
-                static_cast<int>(group.arcs.size()));
+  if (!group.arcs.empty()) {
+    auto& arcs = requests_of<XArc>(group.arcs, [](const gx_arc16_t& arc) {
+      return XArc{to_short(arc.x),   to_short(arc.y),     to_size(arc.size),
+                  to_size(arc.size), to_short(arc.angle), to_short(arc.extent)};
+    });
+    XDrawArcs(dpy, target, gx_vext.our_gc, arcs.data(), static_cast<int>(arcs.size()));
+  }
+  if (!group.boxes.empty()) {
+    auto& boxes = requests_of<XRectangle>(group.boxes, [](const gx_box16_t& box) {
+      return XRectangle{box.x, box.y, box.width, box.height};
+    });
+    XFillRectangles(dpy, target, gx_vext.our_gc, boxes.data(), static_cast<int>(boxes.size()));
   }
 }
 
@@ -146,35 +137,29 @@ gx_batch_t::~gx_batch_t() {
 }
 
 void gx_pen_line(int color, int style, gx_line16_t line, bool border) {
-  auto& lines = group_of(color, dash_index(style, border)).lines;
-  const XSegment segment{line.x1, line.y1, line.x2, line.y2};
-  // Tiny text gives many times the same point.
-  if (!lines.empty() && segment.x1 == segment.x2 && segment.y1 == segment.y2 &&
-      lines.back().x2 == segment.x2 && lines.back().y2 == segment.y2)
-    return;
-  lines.push_back(segment);
+  const int dashes = dash_index(style, border);
+  strokes().add(sound_color(color), dashes, line);
 }
 
 void gx_pen_arc(int color, int style, const gx_arc16_t& arc) {
-  group_of(color, dash_index(style, false))
-      .arcs.push_back({to_short(arc.x), to_short(arc.y), to_size(arc.size), to_size(arc.size),
-                       to_short(arc.angle), to_short(arc.extent)});
+  const int dashes = dash_index(style, false);
+  strokes().add(sound_color(color), dashes, arc);
 }
 
 void gx_pen_box(int color, int x, int y, int width, int height) {
   if (width < 1 || height < 1) return;
-  auto& p = pen();
-  color = sound_color(color);
-  auto& boxes = p.boxes[static_cast<std::size_t>(color)];
-  if (boxes.empty()) p.boxes_used.push_back(color);
-  boxes.push_back({to_short(x), to_short(y), to_size(width), to_size(height)});
+  strokes().add(sound_color(color), {to_short(x), to_short(y), to_size(width), to_size(height)});
 }
 
 void gx_pen_flush() {
   auto& p = pen();
-  if (gx_vext.dpy != nullptr) send(p);
-  forget(p);
+  if (p.strokes.empty()) return;
+  if (gx_vext.dpy != nullptr)
+    p.strokes.visit([&](const gx_stroke_group_t& group) { send(p, group); });
+  p.strokes.forget();
 }
+
+const gx_stroke_layers_t& gx_pen_kept() { return pen().strokes; }
 
 void gx_pen_clip(int x, int y, int width, int height) {
   auto& p = pen();
@@ -193,8 +178,12 @@ void gx_pen_clear(int x, int y, int width, int height) {
   gx_pen_flush();
   // A width or height of 0 would clear up to the window's edge.
   if (gx_vext.dpy == nullptr || width < 1 || height < 1) return;
-  XClearArea(gx_vext.dpy, gx_vext.win, x, y, static_cast<unsigned>(width),
-             static_cast<unsigned>(height), False);
+  if (gx_vext.drawable == 0)
+    XClearArea(gx_vext.dpy, gx_vext.win, x, y, static_cast<unsigned>(width),
+               static_cast<unsigned>(height), False);
+  else
+    XFillRectangle(gx_vext.dpy, gx_vext.drawable, gx_vext.copy_gc, x, y,
+                   static_cast<unsigned>(width), static_cast<unsigned>(height));
 }
 
 void gx_set_line_dashed(int style, int color) {
@@ -210,26 +199,3 @@ void gx_set_line_dashed(int style, int color) {
 void gx_pixel_op_replace() { set_pixel_op(false); }
 
 void gx_pixel_op_xor() { set_pixel_op(true); }
-
-std::vector<gx_line16_t> gx_pen_kept_lines(int color, int style) {
-  std::vector<gx_line16_t> kept;
-  const auto index = static_cast<std::size_t>(sound_color(color) * nb_of_dash_lists + style);
-  for (const XSegment& s : pen().groups[index].lines) kept.push_back({s.x1, s.y1, s.x2, s.y2});
-  return kept;
-}
-
-std::vector<gx_bounds16_t> gx_pen_kept_boxes(int color) {
-  std::vector<gx_bounds16_t> kept;
-  for (const XRectangle& r : pen().boxes[static_cast<std::size_t>(sound_color(color))])
-    kept.push_back({r.x, r.y, static_cast<std::int16_t>(r.x + r.width),
-                    static_cast<std::int16_t>(r.y + r.height)});
-  return kept;
-}
-
-std::vector<gx_arc16_t> gx_pen_kept_arcs(int color, int style) {
-  std::vector<gx_arc16_t> kept;
-  const auto index = static_cast<std::size_t>(sound_color(color) * nb_of_dash_lists + style);
-  for (const XArc& a : pen().groups[index].arcs)
-    kept.push_back({a.x, a.y, a.width, a.angle1, a.angle2});
-  return kept;
-}

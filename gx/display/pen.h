@@ -2,29 +2,11 @@
 // colour and line style and sends each group with one request, so that a sheet costs some dozen
 // requests instead of one an object.
 //
-// All values are window pixels. Within one batch the boxes are drawn first, then the lines and
-// arcs, each colour and style in the order of its first use. Without a display nothing is sent.
+// All values are window pixels. What is drawn later lies on top. Without a display nothing is sent.
 #pragma once
 
-#include <cstdint>
-#include <vector>
-
+#include "gx/display/stroke_layers.h"
 #include "gx/text/records.h"
-
-inline constexpr int gx_nb_of_colors = 8;
-inline constexpr int gx_nb_of_styles = 5;  // 0 solid, 1..4 dashed
-
-struct gx_line16_t {
-  std::int16_t x1 = 0, y1 = 0, x2 = 0, y2 = 0;
-  friend bool operator==(const gx_line16_t&, const gx_line16_t&) = default;
-};
-
-// What an arc covers: the box of its full circle, the start angle and the extent, in 1/64 degree
-// counterclockwise from three o'clock.
-struct gx_arc16_t {
-  int x = 0, y = 0, size = 0;
-  int angle = 0, extent = 0;
-};
 
 // While one of these lives, strokes are kept; when the outermost ends, they are sent and flushed.
 class gx_batch_t {
@@ -56,7 +38,5 @@ void gx_set_line_dashed(int style, int color);
 void gx_pixel_op_replace();
 void gx_pixel_op_xor();
 
-// What is kept at the moment.
-std::vector<gx_line16_t> gx_pen_kept_lines(int color, int style);
-std::vector<gx_bounds16_t> gx_pen_kept_boxes(int color);  // xmax, ymax are the first pixels outside
-std::vector<gx_arc16_t> gx_pen_kept_arcs(int color, int style);
+// What is kept at the moment; for those who want to see what was drawn.
+const gx_stroke_layers_t& gx_pen_kept();

@@ -8,7 +8,7 @@
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
 #include "gx/db/queries.h"
-#include "gx/display/draw.h"
+#include "gx/display/draw_steps.h"
 #include "gx/display/plot.h"
 #include "gx/display/plot_pen.h"
 #include "gx/display/viewports.h"
@@ -68,9 +68,11 @@ void plot_arc(const item_t& item, const gx_object_arc_rec_t& arc) {
   const double a = a1 * std::numbers::pi / 180;
   const gx_plot_point_t start{center.x + std::llround(std::floor(radius * std::cos(a) + 0.5)),
                               center.y + std::llround(std::floor(radius * std::sin(a) + 0.5))};
-  const std::int64_t sweep = std::int64_t{a2} - a1;
+  std::int64_t sweep = std::int64_t{a2} - a1;
+  // Whole turns beyond the first: two of them are a full circle, not nothing.
+  if (std::abs(sweep) > 360) sweep = sweep % 360 != 0 ? sweep % 360 : sweep > 0 ? 360 : -360;
   plot_path(std::array{start, start});
-  gx_plot_arc(center, static_cast<int>(std::abs(sweep) > 360 ? sweep % 360 : sweep));
+  gx_plot_arc(center, static_cast<int>(sweep));
 }
 
 template <typename Polyline>
@@ -98,10 +100,6 @@ void plot_property(const item_t& item, const gx_object_property_rec_t& property)
   gx_plot_text_size(static_cast<double>(property.height) / gx_vext.lpplot_scale);
   gx_plot_up(item.at_origin());
   gx_plot_label(gx_view(property.nvalue));
-}
-
-bool is_hidden(const gx_object_gene_rec_t& object) {
-  return (object.status & (gx_flag_deleted | gx_flag_unvisible)) != 0;
 }
 
 // One end of a segment: a vertex, or the pin of an instance.
@@ -156,7 +154,7 @@ void gx_plotfile_dot(std::int32_t page_height, std::int32_t x, std::int32_t y,
 void gx_plotfile_prim(gx_file_index_t file_index, int object_id, int inst_id) {
   const auto& file = gx_ptrto_gene_file_buf(file_index);
   const auto& object = gx_object_id_ptr(file, object_id);
-  if (object.object_type == gx_type::tag || is_hidden(object)) return;
+  if (object.object_type == gx_type::tag || gx_is_hidden(object)) return;
   if (object.object_type == gx_type::grid_2d) return;
   const item_t item = item_of(file, object_id, inst_id);
   switch (object.object_type) {
@@ -199,7 +197,7 @@ void gx_plotfile_pin(gx_file_index_t file_index, int pin_id, int inst_id) {
              pin_id, static_cast<int>(name.size()), name.data());
     gx_set_status(gx_code::object_type_invalid);
   }
-  if (is_hidden(pin)) return;
+  if (gx_is_hidden(pin)) return;
   const item_t item = item_of(file, pin_id, inst_id);
   const std::int32_t d = gx_vext.dim_pin;
   const auto left = item.at_relative({-d, 0});
@@ -220,7 +218,7 @@ void gx_plotfile_net(gx_file_index_t file_index, int net_id) {
              name.data());
     gx_set_status(gx_code::object_type_invalid);
   }
-  if (is_hidden(net)) return;
+  if (gx_is_hidden(net)) return;
   for (int id = gx_inq_first_net_property_id(file, net_id); id != 0;
        id = gx_inq_next_net_property_id(file, net_id, id))
     if (!gx_inq_object_deleted(file, id)) gx_plotfile_prim(file_index, id, 0);

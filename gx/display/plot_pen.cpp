@@ -2,16 +2,14 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <memory>
 #include <string>
+#include <utility>
 
 #include "gx/vext.h"
+#include "platform/files.h"
 
 namespace {
-struct close_file {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-std::unique_ptr<std::FILE, close_file> gx_fplo;  // the open plot file
+x_file gx_fplo;  // the open plot file
 
 // Width and height of the printable page in plotter units, and the tenths of a scale step that
 // fit the page's width and height.
@@ -35,7 +33,7 @@ std::int32_t gx_plot_scale(gx_pointreal_t page, bool landscape) {
 }
 
 bool gx_plot_open(std::string_view path, gx_pointreal_t page, bool landscape) {
-  gx_fplo.reset(std::fopen(std::string(path).c_str(), "w"));
+  gx_fplo = x_create_file(std::string(path), true);
   if (!gx_fplo) return false;
   gx_vext.lpplot_scale = gx_plot_scale(page, landscape);
   std::fprintf(gx_fplo.get(), "%2s\n%4s\nIN;\n%sSP1;\n", "\033E", "\033%0B",
@@ -49,7 +47,7 @@ bool gx_plot_is_open() { return gx_fplo != nullptr; }
 bool gx_plot_close() {
   std::fprintf(gx_fplo.get(), "%4s\n", "\033%0A");
   const bool written = std::ferror(gx_fplo.get()) == 0;
-  return std::fclose(gx_fplo.release()) == 0 && written;
+  return x_close(std::move(gx_fplo)) && written;
 }
 
 std::int64_t gx_plot_length(std::int64_t length) { return length * 100 / gx_vext.lpplot_scale; }

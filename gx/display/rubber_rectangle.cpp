@@ -1,11 +1,12 @@
 // The rectangle that follows the pointer while a corner is marked, drawn by exclusive-or so that
 // drawing it twice leaves the picture as it was.
+#include "gx/display/rubber_rectangle.h"
+
 #include <cstdlib>
 
-#include "gx/display/draw.h"
-#include "gx/display/events.h"
 #include "gx/display/pen.h"
 #include "gx/display/screen_state.h"
+#include "gx/display/shapes.h"
 #include "gx/display/viewports.h"
 #include "gx/vext.h"
 

@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 #include "gx/db/ids.h"
 #include "gx/text/records.h"
@@ -56,11 +57,31 @@ struct gx_cursor_rec_t {
   std::uint32_t color = 0;   // colour index
 };
 
+// A net, or one segment of a net, that every picture of its sheet marks (gx/display/highlight.h).
+struct gx_highlight_t {
+  gx_file_index_t file_index = 0;
+  gx_object_id_t id = 0;
+  gx_object_id_t vertex = 0;  // where its probe stands; 0: at the first end of its first segment
+  gx_string_record_t name;    // in the probe; empty: no probe
+};
+
+// A cross or a link that a command has marked (gx/display/markers.h).
+struct gx_kept_mark_t {
+  gx_vpid_t vpid = 0;
+  bool is_link = false;
+  gx_pointreal_t from, to;
+  friend bool operator==(const gx_kept_mark_t&, const gx_kept_mark_t&) = default;
+};
+
 struct gx_screen_state_t {
   _XDisplay* dpy = nullptr;  // null without a display
   int scrid = 0;
   unsigned long root = 0, win = 0;
   _XGC* our_gc = nullptr;
+  _XGC* copy_gc = nullptr;           // background colour, no clip: for copies and for clearing
+  unsigned long drawable = 0;        // where strokes go; 0: the window (gx/display/offscreen.h)
+  unsigned long hidden_picture = 0;  // pixmap for it, at least as large as
+  gx_point16_t hidden_size;          // this; 0 when there is none
   unsigned long wm_protocols = 0, wm_delete_window = 0;  // atoms: the user closes the window
   std::shared_ptr<gx_pen_t> pen;                         // strokes not yet sent
   std::shared_ptr<const gx_scaled_font_t> strpt;         // glyphs at the size of the screen texts
@@ -72,6 +93,7 @@ struct gx_screen_state_t {
   std::uint8_t color_obj_selected = 2;
   gx_pointreal_t obj_pos;  // pointer position, design units
   gx_point16_t pixel_pos, pixel_ptr1, pixel_ptr2;
+  gx_point16_t pixel_mark;  // where the pointer was when the rectangle was begun
   bool display_rectangle_todo = false;
   std::int8_t viewport_id_max = 0;
   gx_vpid_t viewport_current = 0;
@@ -90,5 +112,8 @@ struct gx_screen_state_t {
   bool display_on = false;
   bool cmd_executing = false;
   gx_string_record_t str_cmd;  // the command line being typed
+  int caret_column = 0;        // of the caret on the screen
   std::int32_t lpplot_scale = 1;
+  std::vector<gx_kept_mark_t> kept_marks;
+  std::vector<gx_highlight_t> highlights;  // ordered by file, then id
 };

@@ -1,7 +1,8 @@
 // Dots and outlines given in pixels.
+#include "gx/display/shapes.h"
+
 #include <algorithm>
 
-#include "gx/display/draw.h"
 #include "gx/display/pen.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"

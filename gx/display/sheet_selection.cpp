@@ -1,9 +1,12 @@
 // Selecting whole objects: their flags and those of all below them, shown at once where the sheet
 // is in sight.
+#include "gx/display/sheet_selection.h"
+
 #include "gx/db/object_access.h"
 #include "gx/db/queries.h"
 #include "gx/display/draw_steps.h"
 #include "gx/display/screen_state.h"
+#include "gx/display/sheet_drawing.h"
 #include "gx/display/viewports.h"
 #include "gx/vext.h"
 

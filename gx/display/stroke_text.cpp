@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 #include <vector>
 
 #include "gx/display/pen.h"
@@ -12,7 +13,7 @@
 #include "gx/vext.h"
 
 struct gx_scaled_font_t {
-  std::array<std::vector<std::vector<gx_point16_t>>, 128> glyphs;  // by character code
+  std::array<std::vector<gx_line16_t>, 128> glyphs;  // by character code
 };
 
 namespace {
@@ -26,6 +27,67 @@ std::int16_t clamped(int v, int low, int high) {
 int grid_per_pixel(int height) {
   return height <= 0 ? 1000 : std::max(gx_glyph_height / height, 1);
 }
+
+// Small texts fold many strokes onto the same pixels: a point on the end of another stroke, or a
+// stroke a second time, adds nothing.
+void add_segment(std::vector<gx_line16_t>& glyph, const gx_line16_t& line) {
+  const bool is_point = line.x1 == line.x2 && line.y1 == line.y2;
+  for (const gx_line16_t& there : glyph) {
+    if (there == line) return;
+    if (is_point && ((there.x1 == line.x1 && there.y1 == line.y1) ||
+                     (there.x2 == line.x1 && there.y2 == line.y1)))
+      return;
+  }
+  glyph.push_back(line);
+}
+
+// The glyphs, divided by so many grid units per pixel.
+gx_scaled_font_t scaled_font(int by_x, int by_y) {
+  gx_scaled_font_t font;
+  const auto pixel = [&](gx_grid_point_t p) -> gx_point16_t {
+    return {static_cast<std::int16_t>(p.x / by_x), static_cast<std::int16_t>(p.y / by_y)};
+  };
+  for (int code = 0; code < 128; ++code)
+    for (const gx_stroke_t stroke : gx_glyph(static_cast<char>(code)))
+      for (std::size_t i = 1; i < stroke.size(); ++i) {
+        const gx_point16_t a = pixel(stroke[i - 1]), b = pixel(stroke[i]);
+        add_segment(font.glyphs[static_cast<std::size_t>(code)], {a.x, a.y, b.x, b.y});
+      }
+  return font;
+}
+
+// The glyphs of a sheet text; a sheet has texts of a few sizes.
+const gx_scaled_font_t& sheet_font(int grid_units) {
+  constexpr std::size_t most_sizes = 32;
+  static std::map<int, gx_scaled_font_t> fonts;
+  const auto found = fonts.find(grid_units);
+  if (found != fonts.end()) return found->second;
+  if (fonts.size() >= most_sizes) fonts.clear();
+  return fonts.emplace(grid_units, scaled_font(grid_units, grid_units)).first->second;
+}
+
+// Keeps pixels within the clip window and the window.
+struct limits_t {
+  int xmin, ymin, xmax, ymax;
+
+  explicit limits_t(const gx_bounds16_t& clip)
+      : xmin(std::clamp<int>(clip.xmin, 1, std::max(gx_vext.bitmap_size.x - 1, 1))),
+        ymin(std::clamp<int>(clip.ymin, 1, std::max(gx_vext.bitmap_size.y - 1, 1))),
+        xmax(std::clamp<int>(clip.xmax, 1, std::max(gx_vext.bitmap_size.x - 1, 1))),
+        ymax(std::clamp<int>(clip.ymax, 1, std::max(gx_vext.bitmap_size.y - 1, 1))) {}
+  gx_point16_t operator()(int x, int y) const {
+    return {clamped(x, xmin, xmax), clamped(y, ymin, ymax)};
+  }
+};
+
+// A point of a glyph, y upwards, in a text of that rotation: its way from the text's origin.
+gx_point16_t turned(int x, int y, int rotation) {
+  const auto px = static_cast<std::int16_t>(x), py = static_cast<std::int16_t>(y);
+  const auto minus = [](std::int16_t v) { return static_cast<std::int16_t>(-v); };
+  if (rotation == 1) return {minus(py), minus(px)};
+  if (rotation == 3) return {py, px};
+  return {px, minus(py)};
+}
 }  // namespace
 
 void gx_setarray_hortext() {
@@ -33,20 +95,10 @@ void gx_setarray_hortext() {
   if (v.cmd_height == 0 || v.cmd_step == 0) return;
   v.coef_charh = std::max(gx_glyph_height / v.cmd_height, 1);
   v.coef_chars = std::max(gx_glyph_advance / v.cmd_step, 1);
-  auto font = std::make_shared<gx_scaled_font_t>();
-  for (int code = 0; code < 128; ++code) {
-    auto& strokes = font->glyphs[static_cast<std::size_t>(code)];
-    for (const gx_stroke_t stroke : gx_glyph(static_cast<char>(code))) {
-      auto& scaled = strokes.emplace_back();
-      for (const gx_grid_point_t p : stroke)
-        scaled.push_back({static_cast<std::int16_t>(p.x / v.coef_chars),
-                          static_cast<std::int16_t>(p.y / v.coef_charh)});
-    }
-  }
-  v.strpt = std::move(font);
+  v.strpt = std::make_shared<gx_scaled_font_t>(scaled_font(v.coef_chars, v.coef_charh));
 }
 
-std::span<const std::vector<gx_point16_t>> gx_scaled_glyph(char c) {
+std::span<const gx_line16_t> gx_scaled_glyph(char c) {
   const auto code = static_cast<unsigned char>(c);
   if (!gx_vext.strpt || code >= gx_vext.strpt->glyphs.size()) return {};
   return gx_vext.strpt->glyphs[code];
@@ -69,13 +121,11 @@ void gx_hortext(gx_vpid_t vpid, std::string_view text, int istart, int x, int y,
   gx_pen_clear(x - 1, y - 1, width, v.cmd_height + v.cmd_height / 2 + 2);
   const int baseline = y + v.cmd_height;
   for (const char c : rest.substr(0, static_cast<std::size_t>(n))) {
-    for (const auto& stroke : gx_scaled_glyph(c))
-      for (std::size_t i = 1; i < stroke.size(); ++i)
-        gx_pen_line(color, 0,
-                    {static_cast<std::int16_t>(x + stroke[i - 1].x),
-                     static_cast<std::int16_t>(baseline - stroke[i - 1].y),
-                     static_cast<std::int16_t>(x + stroke[i].x),
-                     static_cast<std::int16_t>(baseline - stroke[i].y)});
+    for (const gx_line16_t& line : gx_scaled_glyph(c))
+      gx_pen_line(
+          color, 0,
+          {static_cast<std::int16_t>(x + line.x1), static_cast<std::int16_t>(baseline - line.y1),
+           static_cast<std::int16_t>(x + line.x2), static_cast<std::int16_t>(baseline - line.y2)});
     x += v.cmd_step;
   }
 }
@@ -86,9 +136,9 @@ void gx_text(gx_vpid_t vpid, std::string_view text, int x, int y, int height, in
   const auto& v = gx_vext;
   const gx_batch_t batch;
   gx_viewport_select(vpid);
-  const int length = static_cast<int>(std::min(text.size(), std::size_t{gx_max_text_length}));
   height = std::max(height, 1);
-  if (height > v.bitmap_size.y || length * height > v.bitmap_size.x) return;
+  if (height > v.bitmap_size.y || std::ssize(text) * height > v.bitmap_size.x) return;
+  const int length = static_cast<int>(std::min(text.size(), std::size_t{gx_max_text_length}));
   const int advance = gx_glyph_advance / grid_per_pixel(height);
   const int dx = rotation == 1 || rotation == 3 ? 0 : advance;
   const int dy = rotation == 1 ? -advance : rotation == 3 ? advance : 0;
@@ -108,10 +158,18 @@ void gx_text(gx_vpid_t vpid, std::string_view text, int x, int y, int height, in
       place(x, y - height, x + extent, y + height / 2);
     gx_pen_clear(box.xmin, box.ymin, box.xmax - box.xmin, box.ymax - box.ymin);
   }
+  const gx_scaled_font_t& font = sheet_font(grid_per_pixel(height));
+  const limits_t kept(clip);
   for (const char c : text.substr(0, static_cast<std::size_t>(length))) {
-    if (x >= clip.xmin && x <= clip.xmax && y >= clip.ymin && y <= clip.ymax)
-      for (const gx_stroke_t stroke : gx_glyph(c))
-        gx_polyline_char_2d16(vpid, x, y, height, rotation, stroke, color);
+    const auto code = static_cast<unsigned char>(c);
+    if (code < font.glyphs.size() && x >= clip.xmin && x <= clip.xmax && y >= clip.ymin &&
+        y <= clip.ymax)
+      for (const gx_line16_t& line : font.glyphs[code]) {
+        const gx_point16_t da = turned(line.x1, line.y1, rotation);
+        const gx_point16_t db = turned(line.x2, line.y2, rotation);
+        const gx_point16_t a = kept(x + da.x, y + da.y), b = kept(x + db.x, y + db.y);
+        gx_pen_line(color, 0, {a.x, a.y, b.x, b.y});
+      }
     x += dx;
     y += dy;
   }
@@ -124,10 +182,8 @@ void gx_polyline_char_2d16(gx_vpid_t vpid, int x0, int y0, int height, int rotat
   const auto& clip = gx_vext.viewport[static_cast<std::size_t>(vpid)].clip_wind;
   std::array<gx_point16_t, max_points> points;
   for (std::size_t i = 0; i < stroke.size(); ++i) {
-    const int gx = stroke[i].x / f, gy = stroke[i].y / f;
-    const int dx = rotation == 1 ? -gy : rotation == 3 ? gy : gx;
-    const int dy = rotation == 1 ? -gx : rotation == 3 ? gx : -gy;
-    points[i] = {clamped(x0 + dx, clip.xmin, clip.xmax), clamped(y0 + dy, clip.ymin, clip.ymax)};
+    const gx_point16_t d = turned(stroke[i].x / f, stroke[i].y / f, rotation);
+    points[i] = {clamped(x0 + d.x, clip.xmin, clip.xmax), clamped(y0 + d.y, clip.ymin, clip.ymax)};
   }
   gx_polyline_2d16(std::span(points.data(), stroke.size()), color);
 }

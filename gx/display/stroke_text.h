@@ -6,10 +6,10 @@
 
 #include <span>
 #include <string_view>
-#include <vector>
 
 #include "gx/display/screen_state.h"
 #include "gx/display/stroke_font.h"
+#include "gx/display/stroke_layers.h"
 #include "gx/text/message_list.h"
 
 // Scales the glyphs for gx_hortext to cmd_height and cmd_step; nothing while either is 0.
@@ -20,9 +20,9 @@ void gx_setarray_hortext();
 void gx_hortext(gx_vpid_t vpid, std::string_view text, int istart, int x, int y, bool whole_line,
                 int color);
 
-// The strokes of one character at the scale of gx_hortext, in pixels from its baseline origin, y
+// The segments of one character at the scale of gx_hortext, in pixels from its baseline origin, y
 // upwards.
-std::span<const std::vector<gx_point16_t>> gx_scaled_glyph(char c);
+std::span<const gx_line16_t> gx_scaled_glyph(char c);
 
 // Text with its baseline at (x, y), `height` pixels high: rotation 1 reads upwards, 3 downwards,
 // any other to the right. `opaque` clears the box behind it.

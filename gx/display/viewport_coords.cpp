@@ -1,6 +1,6 @@
-// Pixels to design units and back, and the zoom and place of a viewport over its design.
+#include "gx/display/viewport_coords.h"
+
 #include <algorithm>
-#include <limits>
 
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
@@ -15,11 +15,6 @@ constexpr std::int64_t max_pixel = 20000;
 constexpr std::int64_t smallest_area = 5000;  // that is zoomed onto, design units
 // The part of the design shown stays within these, so that differences fit 32 bits.
 constexpr std::int64_t max_design = 1'000'000'000;
-
-std::int32_t saturated(std::int64_t v) {
-  return static_cast<std::int32_t>(std::clamp<std::int64_t>(
-      v, std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()));
-}
 
 std::int32_t in_design(std::int64_t v) {
   return static_cast<std::int32_t>(std::clamp(v, -max_design, max_design));
@@ -42,6 +37,17 @@ void centre(gx_viewport_rec_t& vp, std::int64_t cx, std::int64_t cy) {
   const std::int64_t hh = std::int64_t{pixel_height(vp)} * vp.object_scale / 2;
   vp.bounds_part = {in_design(cx - hw), in_design(cy - hh), in_design(cx + hw), in_design(cy + hh)};
 }
+
+// Shows another part of the same size. At the end of the design space the view stops rather than
+// shrinks.
+void move_part(gx_viewport_rec_t& vp, std::int64_t dx, std::int64_t dy) {
+  gx_boundsreal_t& b = vp.bounds_part;
+  const gx_boundsreal_t moved = {in_design(b.xmin + dx), in_design(b.ymin + dy),
+                                 in_design(b.xmax + dx), in_design(b.ymax + dy)};
+  if (std::int64_t{moved.xmax} - moved.xmin == std::int64_t{b.xmax} - b.xmin &&
+      std::int64_t{moved.ymax} - moved.ymin == std::int64_t{b.ymax} - b.ymin)
+    b = moved;
+}
 }  // namespace
 
 gx_vpid_t gx_viewport_pixel_to_vpid(gx_point16_t pixel) {
@@ -62,8 +68,8 @@ gx_vpid_t gx_viewport_pixel_to_obj2d(gx_point16_t pixel, gx_pointreal_t& point) 
   const auto& vp = gx_viewport_rec(vpid);
   if (vp.file_index < 1 || vp.file_index > gx_max_files) return vpid;
   const std::int64_t scale = vp.object_scale;
-  point.x = saturated(vp.bounds_part.xmin + (pixel.x - vp.pixel_bounds.xmin) * scale);
-  point.y = saturated(vp.bounds_part.ymin + (pixel.y - vp.pixel_bounds.ymin) * scale);
+  point.x = gx_saturated(vp.bounds_part.xmin + (pixel.x - vp.pixel_bounds.xmin) * scale);
+  point.y = gx_saturated(vp.bounds_part.ymin + (pixel.y - vp.pixel_bounds.ymin) * scale);
   return vpid;
 }
 
@@ -102,12 +108,12 @@ gx_pointreal_t gx_viewport_dpt_obj2d_inst(const gx_file_gene_recf_t& file, int i
     }
     d = gx_turn(d, instance.rotate, instance.fliph != 0);
   }
-  return {saturated(std::int64_t{p0.x} + d.x), saturated(std::int64_t{p0.y} + d.y)};
+  return {gx_saturated(std::int64_t{p0.x} + d.x), gx_saturated(std::int64_t{p0.y} + d.y)};
 }
 
 gx_boundsreal_t gx_area_of(gx_pointreal_t p1, gx_pointreal_t p2) {
-  if (p2.x == p1.x) p2.x = saturated(std::int64_t{p1.x} + smallest_area);
-  if (p2.y == p1.y) p2.y = saturated(std::int64_t{p1.y} + smallest_area);
+  if (p2.x == p1.x) p2.x = gx_saturated(std::int64_t{p1.x} + smallest_area);
+  if (p2.y == p1.y) p2.y = gx_saturated(std::int64_t{p1.y} + smallest_area);
   return {std::min(p1.x, p2.x), std::min(p1.y, p2.y), std::max(p1.x, p2.x), std::max(p1.y, p2.y)};
 }
 
@@ -125,14 +131,13 @@ void gx_viewport_fit(gx_vpid_t vpid, const gx_boundsreal_t& box) {
 
 void gx_viewport_translate(gx_vpid_t vpid, int dy_sign, int dx_sign, std::int32_t amount) {
   if (!gx_drawing_possible()) return;
-  gx_boundsreal_t& b = gx_viewport_rec(vpid).bounds_part;
-  const std::int64_t dx = std::int64_t{dx_sign} * amount, dy = std::int64_t{dy_sign} * amount;
-  const gx_boundsreal_t moved = {in_design(b.xmin + dx), in_design(b.ymin + dy),
-                                 in_design(b.xmax + dx), in_design(b.ymax + dy)};
-  // At the end of the design space the view stops rather than shrinks.
-  if (std::int64_t{moved.xmax} - moved.xmin == std::int64_t{b.xmax} - b.xmin &&
-      std::int64_t{moved.ymax} - moved.ymin == std::int64_t{b.ymax} - b.ymin)
-    b = moved;
+  move_part(gx_viewport_rec(vpid), std::int64_t{dx_sign} * amount, std::int64_t{dy_sign} * amount);
+}
+
+void gx_viewport_pan(gx_vpid_t vpid, int dx, int dy) {
+  if (!gx_drawing_possible()) return;
+  auto& vp = gx_viewport_rec(vpid);
+  move_part(vp, -std::int64_t{dx} * vp.object_scale, -std::int64_t{dy} * vp.object_scale);
 }
 
 bool gx_viewport_zoom_at(gx_vpid_t vpid, gx_point16_t pixel, int num, int den) {

@@ -1,7 +1,8 @@
-// The viewport table and the conversions between pixels and design units.
+// The viewport table: the rectangles of the window, their borders, and simple drawing in them. The
+// conversions come along.
 //
-// Pixels are window coordinates; results are clamped to -20000..20000. Every drawing operation
-// selects its viewport first. A bad id stops with viewport_id_invalid.
+// Pixels are window coordinates. Every drawing operation selects its viewport first. A bad id stops
+// with viewport_id_invalid.
 #pragma once
 
 #include <string_view>
@@ -9,6 +10,7 @@
 #include "gx/db/file_records.h"
 #include "gx/db/ids.h"
 #include "gx/display/screen_state.h"
+#include "gx/display/viewport_coords.h"
 
 // There is something to draw into: false after gx_init_nograph and before any init.
 bool gx_drawing_possible();
@@ -33,13 +35,6 @@ bool gx_inq_file_displayed(gx_file_index_t file_index);
 bool gx_viewport_ok(int vpid);          // an id in use
 bool gx_is_picture_viewport(int vpid);  // edit, context or activ
 
-gx_vpid_t gx_viewport_pixel_to_vpid(gx_point16_t pixel);  // 0 when none
-gx_vpid_t gx_viewport_pixel_to_obj2d(gx_point16_t pixel, gx_pointreal_t& point);
-gx_point16_t gx_viewport_pt_real_to_pixel(gx_vpid_t vpid, gx_pointreal_t p);
-int gx_viewport_obj2d_to_pixel(gx_vpid_t vpid, std::int32_t length);
-gx_pointreal_t gx_viewport_dpt_obj2d_inst(const gx_file_gene_recf_t& file, int inst,
-                                          gx_pointreal_t p0, gx_pointreal_t d);
-
 // --- text and simple drawing inside a viewport, relative to its top left pixel. A blocked viewport
 //     stops with viewport_blocked, a bad style with invalid_style.
 void gx_viewport_display_text(gx_vpid_t vpid, std::string_view text, gx_point16_t position,
@@ -49,21 +44,6 @@ void gx_viewport_draw_segment(gx_vpid_t vpid, gx_point16_t p1, gx_point16_t p2, 
 // nx by ny dots (2..50 each) over the rectangle.
 void gx_viewport_draw_grid(gx_vpid_t vpid, gx_point16_t p1, gx_point16_t p2, int nx, int ny,
                            int color);
-
-// The rectangle between two corners; one without width or height is widened to 5000 units.
-gx_boundsreal_t gx_area_of(gx_pointreal_t p1, gx_pointreal_t p2);
-
-// Zoom and pan. `fit` shows the box whole, centred, with a margin of 5 percent.
-void gx_viewport_fit(gx_vpid_t vpid, const gx_boundsreal_t& box);
-void gx_viewport_translate(gx_vpid_t vpid, int dy_sign, int dx_sign, std::int32_t amount);
-// Scales what is shown by num / den (both above 0; 1/2 shows half as much) around a window pixel;
-// the caller draws again. False when the zoom is at its limit.
-bool gx_viewport_zoom_at(gx_vpid_t vpid, gx_point16_t pixel, int num, int den);
-void gx_viewport_refresh(gx_vpid_t vpid, bool force_selected);
-void gx_viewport_refresh_partial(gx_vpid_t vpid, bool force_selected);
-void gx_display_picture_all(gx_vpid_t vpid, gx_file_index_t file_index);
-void gx_display_picture_area(gx_vpid_t vpid, gx_file_index_t file_index, gx_pointreal_t p1,
-                             gx_pointreal_t p2);
 
 // The object's absolute box meets the part of the design that the viewport shows.
 bool gx_part_object_inside_vp_bounds(gx_vpid_t vpid, const gx_file_gene_recf_t& file, int id,

@@ -1,6 +1,7 @@
 // The way from a display name to a mapped window with its shared resources, and back.
 #include "gx/display/window.h"
 
+#include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 
@@ -8,6 +9,7 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 
 #include "gx/display/colors.h"
@@ -44,7 +46,10 @@ void release_display() {
   gx_vext.dpy = nullptr;
 }
 
+int nb_of_x_errors = 0;
+
 int on_x_error(Display* dpy, XErrorEvent* event) {
+  ++nb_of_x_errors;
   char text[128] = {};
   XGetErrorText(dpy, event->error_code, text, sizeof text - 1);
   gx_debug(" !! xerror :  %s  request : %d  %d  resource : %lx\n", text, event->request_code,
@@ -52,11 +57,21 @@ int on_x_error(Display* dpy, XErrorEvent* event) {
   return 0;
 }
 
+// The keyboard is given back by another connection when the one that took it is cut.
+void return_keyboard() {
+  if (gx_vext.gxXautoRepeatOn != 0) return;
+  if (Display* const other = XOpenDisplay(nullptr)) {
+    XAutoRepeatOn(other);
+    XCloseDisplay(other);
+  }
+}
+
 // The server is gone: nothing can be drawn any more, what is open is closed, the program ends.
 int on_lost_connection(Display*) {
   std::printf(" !! Xerror : Connection to the X server lost \n");
   gx_debug_line(" !! xerror :  connection to the X server lost ");
   gx_vext.dpy = nullptr;
+  return_keyboard();
   gx_release_all();
   std::exit(1);
 }
@@ -131,9 +146,7 @@ void tell_window_manager(const XSizeHints& place, std::string_view window_name) 
   XSetWMHints(v.dpy, v.win, &hints);
   XSizeHints size_hints = place;
   XSetNormalHints(v.dpy, v.win, &size_hints);
-  const std::string name(window_name);
-  XStoreName(v.dpy, v.win, name.c_str());
-  XSetIconName(v.dpy, v.win, name.c_str());
+  gx_set_title(window_name);
   char instance[] = "kivo", kind[] = "Kivo";
   XClassHint class_hint{instance, kind};
   XSetClassHint(v.dpy, v.win, &class_hint);
@@ -142,15 +155,62 @@ void tell_window_manager(const XSizeHints& place, std::string_view window_name) 
   XSetWMProtocols(v.dpy, v.win, &v.wm_delete_window, 1);
 }
 
+// A window manager listens for the windows of the root.
+bool is_managed() {
+  XWindowAttributes attributes{};
+  return XGetWindowAttributes(gx_vext.dpy, gx_vext.root, &attributes) != 0 &&
+         (attributes.all_event_masks & SubstructureRedirectMask) != 0;
+}
+
+// What a window manager leaves free of the screen.
+XRectangle work_area() {
+  const int width = DisplayWidth(gx_vext.dpy, gx_vext.scrid);
+  const int height = DisplayHeight(gx_vext.dpy, gx_vext.scrid);
+  std::array<long, 4> area = {0, 0, width, height};
+  const Atom wanted = XInternAtom(gx_vext.dpy, "_NET_WORKAREA", False);
+  Atom type = None;
+  int format = 0;
+  unsigned long count = 0, rest = 0;
+  unsigned char* data = nullptr;
+  if (XGetWindowProperty(gx_vext.dpy, gx_vext.root, wanted, 0, 4, False, XA_CARDINAL, &type,
+                         &format, &count, &rest, &data) == Success &&
+      data != nullptr) {
+    if (type == XA_CARDINAL && format == 32 && count >= 4)
+      std::memcpy(area.data(), data, sizeof area);
+    XFree(data);
+  }
+  const bool is_sound = area[0] >= 0 && area[1] >= 0 && area[2] > 0 && area[3] > 0 &&
+                        area[0] + area[2] <= width && area[1] + area[3] <= height;
+  if (!is_sound) area = {0, 0, width, height};
+  return {static_cast<short>(area[0]), static_cast<short>(area[1]),
+          static_cast<unsigned short>(area[2]), static_cast<unsigned short>(area[3])};
+}
+
+// At its place on a bare screen; where windows have frames, so that the frame is on the screen,
+// too.
+void place_window(XSizeHints& place) {
+  constexpr int title_bar = 40, frame = 16;
+  place.x = window_x;
+  place.y = window_y;
+  place.width = DisplayWidth(gx_vext.dpy, gx_vext.scrid) - window_x;
+  place.height = DisplayHeight(gx_vext.dpy, gx_vext.scrid) - window_y;
+  if (is_managed()) {
+    const XRectangle area = work_area();
+    place.x = area.x;
+    place.y = area.y;
+    place.width = area.width - frame;
+    place.height = area.height - title_bar - frame / 2;
+  }
+  place.width = std::max(place.width, min_width);
+  place.height = std::max(place.height, min_height);
+}
+
 // Makes the window; gives its place and drawable size.
 XRectangle make_window(std::string_view window_name) {
   auto& v = gx_vext;
   XSizeHints place{};
   place.flags = USPosition | USSize;
-  place.x = window_x;
-  place.y = window_y;
-  place.width = std::max(DisplayWidth(v.dpy, v.scrid) - window_x, min_width);
-  place.height = std::max(DisplayHeight(v.dpy, v.scrid) - window_y, min_height);
+  place_window(place);
   place.min_width = min_width;
   place.min_height = min_height;
   v.win = XCreateSimpleWindow(v.dpy, v.root, place.x, place.y, static_cast<unsigned>(place.width),
@@ -192,6 +252,8 @@ void make_graphics_context(const XRectangle& place) {
                 GCFunction | GCPlaneMask | GCForeground | GCBackground | GCLineWidth | GCLineStyle |
                     GCCapStyle | GCJoinStyle | GCFillStyle | GCGraphicsExposures,
                 &values);
+  values.foreground = v.backgrpixel;
+  v.copy_gc = XCreateGC(v.dpy, v.win, GCForeground | GCGraphicsExposures, &values);
   gx_pen_clip(place.x + 2, place.y + 2, place.width + place.x - 3, place.height + place.y - 3);
 }
 
@@ -224,6 +286,7 @@ void make_cursors() {
 void reset_package_state() {
   gx_list = {};
   gx_files = {};
+  gx_undo = {};
   gx_edit = {};
   static_cast<gx_screen_state_t&>(gx_vext) = {};
   static_cast<gx_input_state_t&>(gx_vext) = {};
@@ -231,27 +294,16 @@ void reset_package_state() {
   static_cast<gx_key_state_t&>(gx_vext) = {};
   gx_set_list_drawer(gx_regen_display_list);
 }
-}  // namespace
 
-void gx_init(std::span<const gx_viewport_init_rec_t> viewports, std::string_view window_name) {
-  auto& v = gx_vext;
-  gx_debug_line(" gx_init :  start ");
-  gx_debug(" gx_init :  record sizes : string %zu  name %zu  value %zu  viewport %zu  menu %zu\n",
-           sizeof(gx_string_record_t), sizeof(gx_name_record_t), sizeof(gx_value_record_t),
-           sizeof(gx_viewport_rec_t), sizeof(gx_menu_rec_t));
-  if (v.init_done) gx_set_status(gx_code::already_initialized);
+void check_start(std::span<const gx_viewport_init_rec_t> viewports) {
+  if (gx_vext.init_done) gx_set_status(gx_code::already_initialized);
   if (viewports.empty() || viewports.size() > gx_max_viewports)
     gx_set_status(gx_code::nb_of_viewport_invalid);
-  reset_package_state();
-  open_display(display_name());
-  check_root();
-  gx_init_colors();
-  const XRectangle place = make_window(window_name);
-  make_graphics_context(place);
-  const int width = place.width, height = place.height;
-  make_menu_pixmaps(width, height);
-  make_cursors();
+}
 
+// The drawable's size, the texts that follow it, and the viewports over it.
+void lay_out(int width, int height, std::span<const gx_viewport_init_rec_t> viewports) {
+  auto& v = gx_vext;
   v.bitmap_size = {static_cast<std::int16_t>(width - 1), static_cast<std::int16_t>(height - 1)};
   v.pixel_pos = {static_cast<std::int16_t>(width / 2), static_cast<std::int16_t>(height / 2)};
   v.cmd_height = v.list_height = static_cast<std::int16_t>(10 * height / 768);
@@ -264,6 +316,26 @@ void gx_init(std::span<const gx_viewport_init_rec_t> viewports, std::string_view
   gx_setarray_hortext();
   v.init_done = true;
   for (const auto& viewport : viewports) gx_viewport_create(viewport.bounds, viewport.border);
+}
+}  // namespace
+
+void gx_init(std::span<const gx_viewport_init_rec_t> viewports, std::string_view window_name) {
+  auto& v = gx_vext;
+  gx_debug_line(" gx_init :  start ");
+  gx_debug(" gx_init :  record sizes : string %zu  name %zu  value %zu  viewport %zu  menu %zu\n",
+           sizeof(gx_string_record_t), sizeof(gx_name_record_t), sizeof(gx_value_record_t),
+           sizeof(gx_viewport_rec_t), sizeof(gx_menu_rec_t));
+  check_start(viewports);
+  reset_package_state();
+  open_display(display_name());
+  check_root();
+  gx_init_colors();
+  const XRectangle place = make_window(window_name);
+  make_graphics_context(place);
+  const int width = place.width, height = place.height;
+  make_menu_pixmaps(width, height);
+  make_cursors();
+  lay_out(width, height, viewports);
 
   XSelectInput(v.dpy, v.win, gx_event_mask | gx_structure_mask);
   gx_debug("  gxevmsk_gen:%x   gxevmsk_chk:%x \n", static_cast<unsigned>(gx_event_mask), 3U);
@@ -274,6 +346,13 @@ void gx_init(std::span<const gx_viewport_init_rec_t> viewports, std::string_view
   gx_debug_line(" gx_init :  end ");
 }
 
+void gx_set_title(std::string_view title) {
+  if (gx_vext.dpy == nullptr) return;
+  const std::string name(title);
+  XStoreName(gx_vext.dpy, gx_vext.win, name.c_str());
+  XSetIconName(gx_vext.dpy, gx_vext.win, name.c_str());
+}
+
 int gx_number_of_planes() {
   return gx_vext.dpy == nullptr ? 0 : DisplayPlanes(gx_vext.dpy, gx_vext.scrid);
 }
@@ -282,6 +361,20 @@ void gx_init_nograph() {
   if (gx_vext.init_done) gx_set_status(gx_code::already_initialized);
   reset_package_state();
   gx_vext.init_done = true;
+}
+
+void gx_init_noview(std::span<const gx_viewport_init_rec_t> viewports, gx_point16_t size) {
+  check_start(viewports);
+  reset_package_state();
+  lay_out(std::max<int>(size.x, 2), std::max<int>(size.y, 2), viewports);
+}
+
+bool gx_without_x_error(const std::function<void()>& requests) {
+  XSync(gx_vext.dpy, False);
+  const int before = nb_of_x_errors;
+  requests();
+  XSync(gx_vext.dpy, False);
+  return nb_of_x_errors == before;
 }
 
 void gx_terminate() {

@@ -5,6 +5,14 @@
 
 #include "gx/text/session_state.h"
 
+void gx_trace_parts(std::initializer_list<gx_trace_part> parts) {
+  if (gx_session.debugfile == nullptr) return;
+  for (const auto& part : parts) {
+    std::fwrite(part.text().data(), 1, part.text().size(), gx_session.debugfile);
+  }
+  std::fputc('\n', gx_session.debugfile);
+}
+
 void gx_debug(const char* format, ...) {
   if (gx_session.debugfile == nullptr) return;
   va_list values;

@@ -5,13 +5,13 @@
 #include <algorithm>
 #include <cstdio>
 #include <limits>
-#include <memory>
 #include <string>
 
 #include "gx/text/debug.h"
 #include "gx/text/session_state.h"
 #include "gx/text/strings.h"
 #include "gx/text/text_files.h"
+#include "platform/files.h"
 
 namespace {
 constexpr std::size_t max_line_length = 199;
@@ -40,6 +40,8 @@ void keep(std::string_view text) {
   if (end > last) {
     const auto first = v.line_list.begin();
     std::move(first + slots, first + last, first);
+    if (v.nlinlist_held > 0)
+      v.nlinlist_held = static_cast<std::int16_t>(std::max(v.nlinlist_held - (end - last), 1));
     end = last;
   }
   v.nlinlist_end = static_cast<std::int16_t>(end);
@@ -48,8 +50,9 @@ void keep(std::string_view text) {
 
 void show_end() {
   auto& v = gx_list;
-  v.nlinlist_disp =
-      static_cast<std::int16_t>(std::max(v.nlinlist_end - v.nb_line_in_listviewp + 1, 1));
+  const int last_page = std::max(v.nlinlist_end - v.nb_line_in_listviewp + 1, 1);
+  v.nlinlist_disp = static_cast<std::int16_t>(
+      v.nlinlist_held > 0 ? std::min<int>(v.nlinlist_held, last_page) : last_page);
   if (draw_list != nullptr) draw_list();
 }
 
@@ -63,8 +66,8 @@ void write_to_session(std::string_view text) {
 bool is_readable_text(std::string_view path) {
   struct stat file {};
   struct stat session {};
-  const std::string name(gx_view(gx_resolve_path(path)));
-  if (::stat(name.c_str(), &file) != 0 || !S_ISREG(file.st_mode)) return false;
+  const x_descriptor opened = x_open_regular(std::string(gx_view(gx_resolve_path(path))));
+  if (!opened || ::fstat(opened.get(), &file) != 0) return false;
   return gx_session.cursessfile == nullptr ||
          ::fstat(::fileno(gx_session.cursessfile), &session) != 0 ||
          file.st_dev != session.st_dev || file.st_ino != session.st_ino;
@@ -87,24 +90,27 @@ void gx_tell_parts(std::span<const std::string_view> parts) {
 }
 
 bool gx_display_file_invplist(std::string_view path) {
-  using file_t = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
-  const file_t file(is_readable_text(path) ? gx_popen_file(path, 'R', true) : nullptr,
-                    &std::fclose);
+  const x_file file(is_readable_text(path) ? gx_popen_file(path, 'R', true) : nullptr);
   if (!file) {
     gx_debug("!!! display_file  file not found : \"%.*s\"\n", static_cast<int>(path.size()),
              path.data());
     return false;
   }
+  gx_list.nlinlist_held = 0;
   gx_string_record_t line;
   while (gx_read_one_line(file.get(), line)) {
     gx_string_record_t shown;
     gx_concat_all(shown, "# \"", gx_view(line), "\" ");
     write_to_session(gx_view(shown));
-    if (gx_list.transcript_state) keep(gx_view(shown));
+    if (!gx_list.transcript_state) continue;
+    keep(gx_view(shown));
+    if (gx_list.nlinlist_held == 0) gx_list.nlinlist_held = gx_list.nlinlist_end;
   }
-  if (gx_list.transcript_state) show_end();  // once: only the last page stays in sight
+  if (gx_list.transcript_state) show_end();  // once: only one page stays in sight
   return true;
 }
+
+void gx_list_follow() { gx_list.nlinlist_held = 0; }
 
 void gx_count_error() {
   ++gx_session.errors_in_all;

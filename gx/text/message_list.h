@@ -15,9 +15,10 @@ inline constexpr int gx_max_text_length = 60;  // characters that a line of a vi
 struct gx_list_state_t {
   bool transcript_state = true;
   std::int16_t nb_line_in_listviewp = 0;
-  std::int16_t nb_list_line_max = 0;                            // at most gx_max_list_lines
-  std::int16_t nlinlist_end = 0;                                // last line of the list
-  std::int16_t nlinlist_disp = 0;                               // first line shown
+  std::int16_t nb_list_line_max = 0;  // at most gx_max_list_lines
+  std::int16_t nlinlist_end = 0;      // last line of the list
+  std::int16_t nlinlist_disp = 0;     // first line shown
+  std::int16_t nlinlist_held = 0;  // the line that stays the first one shown; 0: the end is shown
   std::array<gx_string_record_t, gx_max_list_lines> line_list;  // line n at entry n - 1
 };
 
@@ -41,8 +42,12 @@ inline void gx_tell_quoted(std::string_view label, std::string_view text,
   gx_tell(label, "\"", text, "\"", tail);
 }
 
-// Tells a text file line by line; false when it cannot be opened or is the session file itself.
+// Tells a text file line by line; false when it cannot be opened or is the session file itself. A
+// text longer than the viewport stays there with its first line until gx_list_follow.
 bool gx_display_file_invplist(std::string_view path);
+
+// The list shows its end again when the next line comes: a new command begins.
+void gx_list_follow();
 
 // The counters of the session stop at their largest value.
 void gx_count_error();

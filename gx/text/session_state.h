@@ -14,8 +14,8 @@ struct gx_session_state_t {
   std::int16_t num_errors = 0;       // of the whole session
   std::int16_t num_warnings = 0;
   std::int64_t errors_in_all = 0;  // goes on where num_errors stops
-  bool all_init_done = false;  // start-up is complete
-  bool end_flag = false;       // BYE or QUIT was given
+  bool all_init_done = false;      // start-up is complete
+  bool end_flag = false;           // BYE or QUIT was given
   std::int32_t nb_arg_comline = 0;
   std::array<gx_string_record_t, gx_max_arg_comline> argcomline;
   std::int16_t do_ind = 0;  // nesting of command files

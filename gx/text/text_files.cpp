@@ -1,41 +1,37 @@
 #include "gx/text/text_files.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <string>
 
 #include "gx/text/debug.h"
 #include "gx/text/record_fill.h"
 #include "gx/text/strings.h"
-#include "platform/raw_files.h"
+#include "platform/files.h"
 #include "platform/shell.h"
 #include "platform/timing.h"
 
 namespace {
 constexpr std::string_view product_word = "$VELMORAN";
 constexpr std::string_view default_product = "/users/velmoran";
-constexpr std::size_t max_path = 192;
 constexpr std::int32_t max_line = 198;
 constexpr mode_t creation_mode = 0660;
 
-// Whether the path can be opened as a file of text. A directory or a pipe never can, and only a
-// regular file is read: reading the others would give nothing, or wait or go on for ever.
-bool probe(const char* path, bool rdonly) {
-  const int flags = rdonly ? O_RDONLY : O_RDWR | O_CREAT;
-  const x_descriptor file(xfopen(path, flags | O_NONBLOCK | O_CLOEXEC, creation_mode));
-  struct stat info {};
-  if (!file || fstat(file.get(), &info) != 0) return false;
-  if (rdonly) return S_ISREG(info.st_mode);
-  return !S_ISDIR(info.st_mode) && !S_ISFIFO(info.st_mode);
+// Whether the path can be opened as a file of text; one that is to be written is made.
+bool probe(const std::string& path, bool rdonly) {
+  if (rdonly) return static_cast<bool>(x_open_regular(path));
+  const int flags = O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+  return static_cast<bool>(x_descriptor(xfopen(path.c_str(), flags, creation_mode)));
 }
 
 struct opening_t {
-  std::FILE* file = nullptr;
+  x_file file;
   bool probed = false;
   gx_string_record_t path;  // as it was opened
   bool writes = false;
+  int error = 0;
 };
 
 opening_t open_text(std::string_view path, char mode, bool rdonly) {
@@ -44,15 +40,18 @@ opening_t open_text(std::string_view path, char mode, bool rdonly) {
            rdonly ? "TRUE" : "FALSE");
   opening_t result;
   result.path = gx_resolve_path(path);
-  result.probed = probe(result.path.char_, rdonly);
+  const std::string resolved(gx_view(result.path));
+  result.probed = probe(resolved, rdonly);
+  result.error = errno;
   if (!result.probed) return result;
   xdelayms(10);
   const char upper = gx_upper_case(mode);
   if (upper != 'R' && upper != 'W')
     gx_debug("!!! ( gx_popen_file ) rorw invalid  : \"%s\" %c\n", result.path.char_, mode);
   result.writes = upper == 'W';
-  result.file = std::fopen(result.path.char_, result.writes ? "we" : "re");
-  if (result.file != nullptr) gx_debug(" GX_POPEN_FILE : \"%s\" open\n", result.path.char_);
+  result.file = result.writes ? x_create_file(resolved, false) : x_open_regular_file(resolved);
+  result.error = errno;
+  if (result.file) gx_debug(" GX_POPEN_FILE : \"%s\" open\n", result.path.char_);
   return result;
 }
 }  // namespace
@@ -75,24 +74,26 @@ gx_string_record_t gx_resolve_path(std::string_view path) {
     path.remove_prefix(product_word.size());
   }
   full += path;
-  return gx_string(std::string_view(full).substr(0, max_path));
+  return gx_string(std::string_view(full).substr(0, gx_max_path));
 }
 
 std::FILE* gx_popen_file(std::string_view path, char mode, bool rdonly) {
-  const opening_t opening = open_text(path, mode, rdonly);
-  if (opening.probed && opening.file == nullptr) {
+  opening_t opening = open_text(path, mode, rdonly);
+  if (opening.probed && !opening.file) {
     std::printf("?? gx_popen_file : impossible to open file_name :'%s' (for %c) \n",
                 opening.path.char_, opening.writes ? 'W' : 'R');
     std::exit(0);
   }
-  return opening.file;
+  errno = opening.error;
+  return opening.file.release();
 }
 
 std::FILE* gx_popen_filei(std::string_view path, char mode, bool rdonly) {
-  const opening_t opening = open_text(path, mode, rdonly);
-  if (opening.file == nullptr)
+  opening_t opening = open_text(path, mode, rdonly);
+  if (!opening.file)
     std::printf("!!! ( gx_popen_filei ) impossible to open file  : \"%s\"\n", opening.path.char_);
-  return opening.file;
+  errno = opening.error;
+  return opening.file.release();
 }
 
 bool gx_read_one_line(std::FILE* file, gx_string_record_t& string) {

@@ -1,4 +1,5 @@
 // Keys, buttons, typing and the window, as a user has them.
+#include <X11/Xatom.h>
 #include <X11/Xlib.h>
 
 #include <chrono>
@@ -27,6 +28,13 @@ TEST_F(Interactive, ALineIsTypedAndEdited) {
   s.key(XK_Return);
   s.wait_for_line(" STAtus KEY f9 ");
   s.wait_for_line("# KEY : f9 VIEW UP  ");
+  // Between the viewports keys go where the pointer was, and BackSpace takes the last character.
+  point_at(in_edit);
+  s.move(500, 693);
+  s.type("smash onn");
+  s.key(XK_BackSpace);
+  s.key(XK_Return);
+  s.wait_for_line(" SMAsh ON ");
 
   // Insert recalls the line under the pointer; Escape forgets it; Return on a blank line is
   // nothing.
@@ -40,7 +48,13 @@ TEST_F(Interactive, ALineIsTypedAndEdited) {
   s.type("  \n");
   // At most 194 characters are typed, the two blanks included.
   point_at(in_edit);
-  s.type("assign $VAR1 " + std::string(179, 'x') + "YZ\n");
+  s.type("assign $VAR1 " + std::string(178, 'x'));
+  s.settle();
+  const auto without_end = s.picture();
+  s.type("x");  // the end of the line is in sight
+  s.settle();
+  EXPECT_NE(s.picture().pixels, without_end.pixels);
+  s.type("YZ\n");
   s.wait_for_line(" ASSIgn $VAR1 " + std::string(179, 'x') + " ");
   EXPECT_EQ(count_lines(" STAtus KEY f9 "), 2);
   EXPECT_EQ(count_lines("#  !!! Unknown"), 0);
@@ -173,6 +187,89 @@ TEST_F(Interactive, ButtonsMarkZoomAndSelect) {
   bye();
 }
 
+// The middle of the block U1 on the page fitted to the window.
+constexpr int block_x = 383, block_y = 260;
+
+TEST_F(Interactive, AClickSelectsAndADoubleClickWalks) {
+  auto& s = open();
+  point_at({block_x + 30, block_y});
+  const auto whole = s.picture();
+  s.click(block_x, block_y);
+  s.wait_for_head(" MARK RECtangle Edit ");
+  s.wait_for_line(" VIEw AREa  Edit ");
+  s.wait_for_head(" SELect OBJect Edit I_");
+  s.command("unselect all");
+  s.wait_for_line(" UNSelect ALL ");
+  point_at({block_x + 30, block_y});
+  EXPECT_EQ(s.picture().count(yellow, 0, 0, 1239, 690), whole.count(yellow, 0, 0, 1239, 690))
+      << "a click keeps the view";
+  // The wire to the block; its net. Nothing on free ground.
+  s.click(618 - 14 * 29, 348 - 4 * 29 - 2);
+  s.wait_for_head(" SELect OBJect Edit N_");
+  pause(700);
+  const auto before = s.session_lines().size();
+  s.click(1000, 600);
+  s.wait_for_line(" VIEw AREa  Edit ");
+  pause(700);
+  EXPECT_EQ(s.session_lines().size(), before + 2);
+
+  s.click(block_x, block_y);
+  s.click(block_x, block_y);
+  s.wait_for_line(" VIEw DOWn  U1");
+  s.settle();
+  EXPECT_EQ(s.title(), "kivo  top U1/");
+  pause(700);
+  s.key_down(XK_Shift_L);
+  s.click(1000, 600);
+  s.click(1000, 600);
+  s.key_up(XK_Shift_L);
+  s.wait_for_line(" VIEw UP  ");
+  s.settle();
+  EXPECT_EQ(s.title(), "kivo  top");
+  // Another binding has the button to itself.
+  s.command("def key b1u 'sel area inst'");
+  s.wait_for_head(" DEFine KEY ");
+  s.click(block_x, block_y);
+  s.wait_for_head(" SELect AREa ");
+  pause(700);
+  EXPECT_EQ(count_lines(" SELect OBJect Edit "), 3);
+  bye();
+}
+
+TEST_F(Interactive, ButtonTwoWithShiftPansAndOthersDoNothing) {
+  auto& s = open();
+  point_at(in_edit);
+  const auto before = s.picture();
+  const auto drag = [&](spot from, spot to) {
+    point_at(from);
+    s.key_down(XK_Shift_L);
+    s.button_down(2);
+    for (int i = 1; i <= 4; ++i)
+      s.move(from.x + (to.x - from.x) * i / 4, from.y + (to.y - from.y) * i / 4);
+    s.button_up(2);
+    s.key_up(XK_Shift_L);
+  };
+  drag(in_edit, {in_edit.x + 100, in_edit.y - 60});
+  s.settle();
+  const auto moved = s.picture();
+  // The filled frame of the block went along: to the right and up.
+  for (const auto& [x, y] : {std::pair{block_x - 117, block_y}, {block_x, block_y - 88}}) {
+    const auto near = [&](const test_picture& p, int dx, int dy) {
+      return p.count(yellow, x + dx - 60, y + dy - 60, x + dx + 60, y + dy + 60);
+    };
+    EXPECT_GT(near(before, 0, 0), 20);
+    EXPECT_EQ(near(moved, 100, -60), near(before, 0, 0));
+  }
+  drag({in_edit.x + 100, in_edit.y - 60}, in_edit);
+  point_at(in_edit);
+  EXPECT_EQ(s.picture().pixels, before.pixels);
+  for (const int button : {6, 7, 8, 9}) s.click(in_edit.x, in_edit.y, button);
+  s.command("smash on");
+  s.wait_for_line(" SMAsh ON ");
+  EXPECT_EQ(s.session_lines().size(), 2U);
+  bye();
+}
+
 TEST_F(Interactive, TheWheelZoomsAtThePointerAndScrollsTheList) {
   auto& s = open("status key\nstatus key");
   s.wait_for_line("# End of DO ");
@@ -275,6 +372,16 @@ TEST_F(Interactive, SnappingMovesTheRestingPointerOntoTheGrid) {
   const auto is_back = [&] { return s.pointer().x == snapped.x && s.pointer().y == snapped.y; };
   for (int tries = 0; tries < 100 && !is_back(); ++tries) pause(50);
   EXPECT_TRUE(is_back());
+  // It comes to rest, and the program sleeps.
+  pause(1200);
+  const auto wakes = [&] {
+    const std::string status = read_file("/proc/" + std::to_string(s.process().pid()) + "/status");
+    const std::string_view head = "\nvoluntary_ctxt_switches:";
+    return std::stol(status.substr(status.find(head) + head.size()));
+  };
+  const auto before = wakes();
+  pause(1500);
+  EXPECT_LE(wakes() - before, 2);
   bye();
 }
 
@@ -294,6 +401,57 @@ TEST_F(Interactive, TheSessionEndsInEveryWay) {
   open().ask_to_close();
   expect_end();
   EXPECT_EQ(session().session_lines().back(), " BYE ");
+  // Another program takes the window away while a key is held.
+  Display* const display = shared_display().connection();
+  auto& s = open();
+  point_at(in_edit);
+  s.key_down(XK_F6);
+  s.settle();
+  XDestroyWindow(display, s.window());
+  XSync(display, False);
+  expect_end();
+  s.key_up(XK_F6);
+  XKeyboardState state{};
+  XGetKeyboardControl(display, &state);
+  EXPECT_EQ(state.global_auto_repeat, AutoRepeatModeOn);
+}
+
+TEST_F(Interactive, TheWindowFitsAScreenWhereWindowsHaveTitles) {
+  // A window manager, as far as the program can tell, and the place that it leaves free.
+  test_display display(24, 1024, 768);
+  Display* const manager = display.connection();
+  const Window root = DefaultRootWindow(manager);
+  const auto size = [&] {
+    const test_session s(display, start_of({"top"}, {}));
+    return std::pair{s.width(), s.height()};
+  };
+  EXPECT_EQ(size(), (std::pair{984, 668})) << "nobody frames it";
+  const auto area_atom = XInternAtom(manager, "_NET_WORKAREA", False);
+  const long area[] = {0, 24, 1024, 744};
+  XChangeProperty(manager, root, area_atom, XA_CARDINAL, 32, PropModeReplace,
+                  reinterpret_cast<const unsigned char*>(area), 4);
+  XSelectInput(manager, root, SubstructureRedirectMask);
+  XSync(manager, False);
+  const test_process program({.directory = directory_.path(),
+                              .words = {"top"},
+                              .environment = {"DISPLAY=" + display.name()},
+                              .program = {}});
+  XEvent event;
+  Window window = 0;
+  for (int tries = 0; tries < 400 && window == 0; ++tries) {
+    pause(20);
+    while (window == 0 && XPending(manager) > 0) {
+      XNextEvent(manager, &event);
+      if (event.type == MapRequest) window = event.xmaprequest.window;
+    }
+  }
+  ASSERT_NE(window, 0U);
+  XWindowAttributes attributes{};
+  XGetWindowAttributes(manager, window, &attributes);
+  EXPECT_LE(attributes.height, 744 - 30);
+  EXPECT_LE(attributes.width, 1024 - 8);
+  EXPECT_GT(attributes.height, 600);
+  EXPECT_EQ(attributes.y, 24);
 }
 
 TEST_F(Interactive, KeysPressedWhileACommandRunsFollowIt) {
@@ -337,6 +495,7 @@ TEST_F(Interactive, AQuestionOfACommandFileIsAnswered) {
 
 TEST_F(Interactive, TheWindowIsDrawnAgainWhereItWasCovered) {
   auto& s = open();
+  for (int i = 0; i < 2; ++i) s.click(300, 330, 4);  // the zoom stays
   // The active border follows the pointer once it moves again.
   const auto picture = [&] {
     point_at({in_edit.x - 20, in_edit.y});

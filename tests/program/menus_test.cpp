@@ -60,6 +60,36 @@ TEST_F(Menus, AFourthLevelLineIsReachedByTheMouse) {
   bye();
 }
 
+TEST_F(Menus, AMenuStaysWhereThePointerIsNotPut) {
+  auto& s = open_with_menu();
+  press_menu();
+  const int frame = s.picture().count(white, left1, menu_top, left1 + 112, menu_top + 300);
+  const auto is_open = [&] {
+    s.settle();
+    return s.picture().count(white, left1, menu_top, left1 + 112, menu_top + 300) >= frame;
+  };
+  // The hand goes on from where it pressed, step by step, to the menu.
+  for (const spot at : {spot{702, 501}, {560, 430}, {400, 350}, {250, 250}}) {
+    s.move(at.x, at.y);
+    EXPECT_TRUE(is_open()) << at.x;
+  }
+  point_at(menu_line(left1, 2));
+  s.move(left1 + 104, menu_line(left1, 2).y);
+  s.settle();
+  // Its menu opens, the hand stays on the line, and turns to another line instead.
+  const auto with_second = s.picture();
+  s.move(left1 + 105, menu_line(left1, 2).y);
+  s.settle();
+  EXPECT_EQ(s.picture().pixels, with_second.pixels);
+  s.move(left1 + 40, menu_line(left1, 1).y);
+  s.settle();
+  point_at(menu_line(left1, 1));
+  EXPECT_GT(red_at(left1, 1), 20);
+  s.button_up(2);
+  s.wait_for_line(" SMAsh ON ");
+  bye();
+}
+
 TEST_F(Menus, LeavingALevelClosesItAndLeavesThePictureAsItWas) {
   auto& s = open_with_menu();
   point_at(in_edit);

@@ -66,7 +66,7 @@ TEST(SimulatorSide, NgspiceReadsTheExportedExamples) {
     run_example(directory, c.name);
     const std::string include =
         std::string(KIVO_SOURCE_DIR "/examples/") + c.name + "/" + c.include;
-    const auto netlist = run_tool(directory, KIVO_SPICE_EXPORT, {c.name, include});
+    const auto netlist = run_tool(directory, KIVO_KVSPICE, {c.name, include});
     EXPECT_EQ(netlist.status, 0) << netlist.err;
     for (const char* line : c.lines) EXPECT_NE(netlist.out.find(line), std::string::npos) << line;
     directory.write("design.cir", netlist.out);
@@ -97,7 +97,7 @@ TEST(SimulatorSide, TheExportRefusesWhatIsNoDesign) {
   run_example(directory, "filter");
   const auto image = directory.read("filter/design_kv");
   directory.write("filter/design_kv", std::string(68, '\0') + image.substr(68));
-  EXPECT_EQ(run_tool(directory, KIVO_SPICE_EXPORT, {"filter"}).status, 1);
+  EXPECT_EQ(run_tool(directory, KIVO_KVSPICE, {"filter"}).status, 1);
   EXPECT_EQ(run_tool(directory, KIVO_KVDUMP, {"filter/design_kv"}).status, 1);
   directory.write("filter/design_kv", image);
   const auto dump = run_tool(directory, KIVO_KVDUMP, {"filter/design_kv"});

@@ -24,18 +24,12 @@ class drawing_board {
   static constexpr gx_file_index_t file_index = 1;
 
   drawing_board() {
-    gx_reset_state();
-    gx_init_nograph();
     auto& v = gx_vext;
     v.bitmap_size = {1000, 1000};
     v.display_on = true;
     gx_viewport_create({10000, 10000, 90000, 90000}, {1, 0, 3, 0});
     v.viewport_edit = edit;
-    tree = gxm_start_tree({}, {100000, 100000}, 5000, true);
-    v.filear[1].start_buf_ptr = tree.file;
     v.filear[1].already_open_ok = true;
-    v.num_file_open = 1;
-    tree.file->file_index = file_index;
     v.viewport[1].file_index = file_index;
     show(100);
     gx_viewport_select(edit);
@@ -60,13 +54,30 @@ class drawing_board {
   }
   void select(int id) { gx_object_id_ptr(file(), id).status |= gx_flag_selected; }
 
-  gxm_tree_t tree;
+  gxm_tree_t tree = blank_sheet();  // in slot 1 while it lives
+
+ private:
+  static gxm_tree_t blank_sheet() {
+    gx_reset_state();
+    gx_init_nograph();
+    return gxm_start_tree({}, {100000, 100000}, 5000, true);
+  }
 };
 
-// What one drawing left in the pen.
-inline std::vector<gx_line16_t> lines_of(int color, int style, const std::function<void()>& draw) {
+// Calls see(group) for what one drawing left in the pen, layer by layer.
+template <typename See>
+void see_strokes(const std::function<void()>& draw, See see) {
   const gx_batch_t batch;
   gx_pen_flush();
   draw();
-  return gx_pen_kept_lines(color, style);
+  gx_pen_kept().visit(see);
+}
+
+inline std::vector<gx_line16_t> lines_of(int color, int style, const std::function<void()>& draw) {
+  std::vector<gx_line16_t> lines;
+  see_strokes(draw, [&](const gx_stroke_group_t& group) {
+    if (group.color == color && group.dashes == style)
+      lines.insert(lines.end(), group.lines.begin(), group.lines.end());
+  });
+  return lines;
 }

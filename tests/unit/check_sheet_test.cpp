@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <chrono>
 
-#include "gx/db/construction.h"
+#include "gx/edit/bracket.h"
+#include "gx/edit/primitives.h"
 #include "tests/unit/design_session.h"
 
 namespace {

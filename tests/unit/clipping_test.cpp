@@ -33,6 +33,8 @@ TEST(LineClipping, CutsToTheInnerWindow) {
       {"backwards", {1500, 1000, 500, 500}, true, {899, 700, 500, 500}},
       {"past a corner", {0, 250, 250, 0}, true, {101, 149, 149, 101}},
       {"beside a corner", {0, 150, 150, 0}, false},
+      {"steep, out through the top", {263, 327, 264, -7058}, true, {263, 327, 263, 101}},
+      {"steep, in through the bottom", {301, 9000, 300, 500}, true, {300, 899, 300, 500}},
       {"as far as pixels go", {-20000, -20000, 20000, 20000}, true, {101, 101, 899, 899}},
   };
   for (const auto& c : cases) {

@@ -1,7 +1,11 @@
 // Link files, versions, slots and saving, with real files in a directory of the test's own.
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
+#include <csignal>
+
+#include "gx/edit/file_save.h"
 #include "gx/vext.h"
 #include "tests/support/scratch_directory.h"
 #include "tests/unit/db_builder.h"
@@ -135,7 +139,7 @@ TEST_F(db_files, opening_and_reopening_slots) {
   EXPECT_EQ(why, dir() + "/none.gx: no such file");
   scratch.write("bad.gx", "_7\n");
   EXPECT_FALSE(gx_file_try_reopen(1, dir(), "bad", why));
-  EXPECT_EQ(why, dir() + "/bad.gx_7: cannot be read");
+  EXPECT_EQ(why, dir() + "/bad.gx_7: cannot be read: No such file or directory");
   scratch.write("bad.gx_7", "short");
   EXPECT_EQ(gx_file_try_open(dir(), "bad", why), 0);
   EXPECT_TRUE(why.starts_with(dir() + "/bad.gx_7: software revision"));
@@ -152,7 +156,7 @@ TEST_F(db_files, opening_and_reopening_slots) {
   EXPECT_EQ(gx_file_try_open(dir(), "new", why), 2);
   EXPECT_EQ(gx_vext.cur_file, 2);
   EXPECT_EQ(gx_ptrto_gene_file_buf(2).object_id_max, 0);
-  gx_file_close(1, false);
+  gx_file_close(1);
   EXPECT_EQ(gx_ptrto_gene_file_buf(1).object_id_max, 1);
 }
 
@@ -270,12 +274,32 @@ TEST_F(db_files, a_save_drops_deleted_objects_and_renumbers_every_reference) {
   EXPECT_EQ(scratch.read("top.gx_3"), sheet.bytes());
 }
 
-TEST_F(db_files, a_full_disk_leaves_the_version_before_current) {
+TEST_F(db_files, a_save_that_fails_leaves_the_version_before_current) {
   put_version(small_sheet(), "top", 3);
-  std::filesystem::create_symlink("/dev/full", scratch.file("top.gx_4"));
-  expect_stop([&] { gx_file_close(gx_file_open(dir(), "top"), true); }, gx_code::file_open_invalid,
-              "top.gx_4\" ");
-  EXPECT_EQ(scratch.read("top.gx"), "_3        \n");
+  const auto save = [&] { gx_file_close(gx_file_open(dir(), "top"), true); };
+  const auto nothing_new = [&] {
+    EXPECT_EQ(scratch.read("top.gx"), "_3        \n");
+    EXPECT_FALSE(std::filesystem::exists(scratch.file("top.gx_4")));
+  };
+  expect_stop(
+      [&] {  // a full disk
+        std::signal(SIGXFSZ, SIG_IGN);
+        const rlim_t few_bytes = small_sheet().bytes().size() - 1;
+        const rlimit few{few_bytes, few_bytes};
+        setrlimit(RLIMIT_FSIZE, &few);
+        save();
+      },
+      gx_code::file_open_invalid, "top.gx_4\" ");
+  nothing_new();
+  // A link that cannot be put in place.
+  std::filesystem::create_directories(scratch.file("top.gx.new/held"));
+  expect_stop(save, gx_code::file_close_invalid, "error in close file in = ");
+  nothing_new();
+  // What an attacker's link points to is not written.
+  scratch.write("precious", "kept");
+  std::filesystem::create_symlink(scratch.file("precious"), scratch.file("top.gx_4"));
+  expect_stop(save, gx_code::file_open_invalid, "impossible to open");
+  EXPECT_EQ(scratch.read("precious"), "kept");
 }
 
 TEST_F(db_files, the_listing_shows_every_object) {

@@ -3,12 +3,13 @@
 
 #include <vector>
 
-#include "gx/db/construction.h"
 #include "gx/db/files.h"
 #include "gx/db/ids.h"
 #include "gx/db/object_access.h"
 #include "gx/db/queries.h"
 #include "gx/display/window.h"
+#include "gx/edit/hierarchy.h"
+#include "gx/edit/primitives.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
 #include "tests/support/scratch_directory.h"

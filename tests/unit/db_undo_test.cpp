@@ -1,5 +1,6 @@
 // Recording changes and replaying them, step by step.
 #include "gx/db/undo.h"
+#include "gx/edit/undo_replay.h"
 #include "gx/vext.h"
 #include "tests/unit/db_fixture.h"
 #include "tests/unit/fatal_stop.h"
@@ -45,6 +46,15 @@ TEST_F(undo_story, OneStepHoldsOneMarkerAndTheRealChanges) {
   EXPECT_EQ(std::get<gx_undo_placement_t>(marker->UU).old_point, (gx_pointreal_t{5, 6}));
   EXPECT_EQ(marker->file_index, 0);
   EXPECT_EQ(marker->following->object_id, a);
+}
+
+TEST_F(undo_story, ALongSessionDoesNotGrow) {
+  gx_undo_init(f.index);
+  for (int step = 0; step < 250000; ++step) gx_undo_define_new_step();
+  EXPECT_LT(gx_vext.undo_list->entries.size(), 150000U);
+  gx_set_object_selected(f.file(), a, true);
+  EXPECT_TRUE(gx_undo_restore_one_step());
+  EXPECT_FALSE(selected(a));
 }
 
 TEST_F(undo_story, UndoAndRedoGoStepByStep) {

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "gx/display/draw.h"
+#include "gx/display/highlight.h"
 #include "gx/vext.h"
 #include "tests/support/drawing_board.h"
 #include "tests/unit/fatal_stop.h"
@@ -215,7 +216,7 @@ class DrawnNet : public PlacedSymbol {
     auto& net = gxm_add<gx_object_net_rec_t>(board.tree, board.family(gx_type::net_family), {});
     net_ = net.gene.object_id;
     net.gene.bounds = {40000, 40000, 60000, 60000};
-    add_segment();
+    segment_ = &add_segment();
   }
 
   gx_object_segment_rec_t& add_segment() {
@@ -229,13 +230,19 @@ class DrawnNet : public PlacedSymbol {
     return lines_of(color, style, [&] { gx_display_net(1, 1, net_, draws); });
   }
   auto dots(int color) {
-    const gx_batch_t batch;
-    gx_pen_flush();
-    gx_display_net(1, 1, net_, draws);
-    return gx_pen_kept_boxes(color);
+    std::vector<gx_bounds16_t> boxes;
+    see_strokes([&] { gx_display_net(1, 1, net_, draws); },
+                [&](const gx_stroke_group_t& group) {
+                  if (group.color != color) return;
+                  for (const gx_box16_t& b : group.boxes)
+                    boxes.push_back({b.x, b.y, static_cast<std::int16_t>(b.x + b.width),
+                                     static_cast<std::int16_t>(b.y + b.height)});
+                });
+    return boxes;
   }
 
   int vertex_ = 0, net_ = 0;
+  gx_object_segment_rec_t* segment_ = nullptr;
 };
 
 TEST_F(DrawnNet, MarksTheLooseEndOfAStub) {
@@ -257,10 +264,95 @@ TEST_F(DrawnNet, MarksTheLooseEndOfAStub) {
   EXPECT_EQ(drawn(white).size(), 0U) << "a named net may end";
   text.gene.status = gx_flag_deleted;
   EXPECT_EQ(drawn(white).size(), 8U);
+  segment_->vertex2 = static_cast<gx_object_id_t>(pinpropfam_);
+  EXPECT_EQ(drawn(white).size(), 0U) << "between two pins";
+  segment_->vertex2 = static_cast<gx_object_id_t>(vertex_);
   add_segment();
   EXPECT_EQ(drawn(white).size(), 0U) << "two segments";
 }
 
+TEST_F(DrawnNet, AMarkedNetStandsOutWithItsName) {
+  gx_highlight_net(1, net_, "AB");
+  EXPECT_EQ(drawn(green), (lines_t{{560, 530, 700, 530}}));
+  EXPECT_EQ(drawn(cyan), lines_t{});
+  // A line to the box at the pin, where there is room, the box, and the name in it.
+  const auto probe = drawn(white);
+  const auto count_inside = [&](int x0, int y0, int x1, int y1) {
+    return std::count_if(probe.begin(), probe.end(), [&](const gx_line16_t& l) {
+      return std::min(l.x1, l.x2) >= x0 && std::max(l.x1, l.x2) <= x1 &&
+             std::min(l.y1, l.y2) >= y0 && std::max(l.y1, l.y2) <= y1;
+    });
+  };
+  EXPECT_EQ(std::count(probe.begin(), probe.end(), gx_line16_t{560, 530, 610, 580}), 1);
+  const auto in_name = count_inside(611, 581, 784, 679);
+  EXPECT_GT(in_name, 10);
+  EXPECT_EQ(count_inside(610, 580, 785, 680), in_name + 4);
+  gx_highlight_net(2, net_, "other sheet");
+  gx_highlight_clear(1);
+  EXPECT_EQ(drawn(cyan), (lines_t{{560, 530, 700, 530}}));
+  gx_highlight_segment(1, segment_->gene.object_id);
+  EXPECT_EQ(drawn(green), (lines_t{{560, 530, 700, 530}}));
+  gx_highlight_clear_all();
+  EXPECT_EQ(drawn(green), lines_t{});
+}
+
+// --- what lies on top
+
+TEST_F(Drawing, WhatIsDrawnLaterLiesOnTop) {
+  gx_vext.color_obj_selected = green;
+  // The colour of each stroke, in the order in which they are sent.
+  const auto order = [&](const std::function<void()>& draw) {
+    std::string colors;
+    see_strokes(draw, [&](const gx_stroke_group_t& group) {
+      for (std::size_t i = 0; i < group.lines.size() + group.boxes.size() + group.arcs.size(); ++i)
+        colors += std::to_string(group.color);
+    });
+    return colors;
+  };
+  const auto line = [](int color, int y) {
+    gx_pen_line(color, 0, {200, static_cast<std::int16_t>(y), 400, static_cast<std::int16_t>(y)});
+  };
+  EXPECT_EQ(order([&] {
+              line(1, 300);
+              gx_pen_box(2, 150, 250, 100, 100);  // hides the line
+              line(1, 310);
+              gx_pen_arc(3, 0, {300, 200, 200, 0, 23040});
+              gx_pen_line(2, 0, {390, 200, 399, 500});
+            }),
+            "12132");
+  EXPECT_EQ(order([&] {
+              for (int i = 0; i < 3; ++i) {
+                line(1, 200 + 50 * i);
+                line(4, 220 + 50 * i);
+              }
+            }),
+            "111444")
+      << "apart from each other: one request a colour";
+  std::string crowded;
+  for (int i = 0; i < 300; ++i) crowded += "14";
+  EXPECT_EQ(order([&] {
+              for (int i = 0; i < 100; ++i) line(i % 2 == 0 ? 1 : 4, 300);
+            }),
+            crowded.substr(0, 100));
+}
+
 // --- grid and markers
+
+TEST_F(Drawing, MarksKeptByACommandAreDrawnAgainUntilForgotten) {
+  const auto drawn_again = [] {
+    return lines_of(white, 0, [] { gx_display_kept_marks(1); }).size() +
+           lines_of(white, 1, [] { gx_display_kept_marks(1); }).size();
+  };
+  gx_keep_cross(1, {40000, 40000});
+  gx_keep_cross(1, {40000, 40000});
+  gx_keep_link(1, {40000, 40000}, {50000, 50000});
+  EXPECT_EQ(drawn_again(), 10U + 1U);
+  gx_forget_marks(2);
+  EXPECT_EQ(drawn_again(), 10U + 1U);
+  gx_forget_marks(1);
+  EXPECT_EQ(drawn_again(), 0U);
+  gx_vext.viewport_current = 0;
+  expect_stop([] { gx_display_cross(1, {40000, 40000}); }, gx_code::viewport_id_invalid);
+}
 
 }  // namespace

@@ -231,4 +231,14 @@ TEST(GxMake, MistakesAreToldWithTheirLine) {
   }
 }
 
+TEST(GxMake, WhatFollowsARefusedBlockBelongsToNothing) {
+  gxm_input_t input;
+  gxm_parse_text("sheet a\n net A\n  wire 1,1 2,2\nsheet b junk\n  wire 1,1 2,2\n line 0,0 1,1",
+                 "test", input);
+  ASSERT_EQ(input.messages.size(), 3U);
+  EXPECT_EQ(input.messages[1], "test:5: \"wire\" cannot stand here");
+  EXPECT_EQ(input.messages[2], "test:6: \"line\" cannot stand here");
+  EXPECT_EQ(input.design.sheets.size(), 1U);
+}
+
 }  // namespace

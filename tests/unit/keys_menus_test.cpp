@@ -197,14 +197,23 @@ TEST_F(KeysAndMenus, ABadLineEndsTheReadingWithItsMessage) {
   EXPECT_EQ(gx_vext.num_errors, errors + 3);
 }
 
-TEST_F(KeysAndMenus, APlaceOutsideTheTreeStopsTheProgram) {
-  for (const char* first : {"2 'A'\n", "3 'A'\n", "4 'A'\n"}) {
-    expect_stop([&] { read_menu(first); }, gx_code::invalid_level, "rec : level 1 : 0");
-  }
+TEST_F(KeysAndMenus, ALineWithoutAPlaceInTheTreeEndsTheReading) {
+  gx_vext.nb_list_line_max = 500;
+  int errors = 0;
+  const auto expect_refused = [&](const std::string& text, const std::string& line) {
+    read_menu(text);
+    EXPECT_EQ(shown(2), (std::vector<std::string>{
+                            "# $rmenu ", "# !!!   no place in the menu : \"" + line + "\""}));
+    EXPECT_EQ(gx_vext.num_errors, ++errors);
+  };
+  for (const std::string first : {"2 'A'", "3 'A'", "4 'A'"})
+    expect_refused(first + "\n1 'B'\n", first);
+  EXPECT_EQ(text_at({1}), "|-");
   std::string thirteen = "1 'A'\n";
-  for (int i = 1; i <= 13; ++i) thirteen += "2 'B'\n";
-  expect_stop([&] { read_menu(thirteen); }, gx_code::invalid_level,
-              " !! error in gx_def_menu2_rec : level 2 : 13");
+  for (int i = 1; i <= 13; ++i) thirteen += "2 'B" + std::to_string(i) + "'\n";
+  expect_refused(thirteen, "2 'B13'");
+  EXPECT_EQ(text_at({1, 12}), "B12|-");
+
   const int far[] = {1, 12, 0};
   expect_stop([&] { gx_ptrto_menu_rec(far); }, gx_code::invalid_level,
               "gx_ptrto_menu3_rec : level 3 : 0  12");

@@ -52,8 +52,8 @@ TEST_F(ListViewport, KeepsAndScrolls) {
   EXPECT_EQ(gx_vext.nlinlist_disp, 4) << "the last page is the end";
   for (int i = 0; i < 9; ++i) gx_upd_display_list(true);
   EXPECT_EQ(gx_vext.nlinlist_disp, 1);
-  gx_upd_display_list(false);
-  EXPECT_EQ(gx_vext.nlinlist_disp, 2);
+  gx_upd_display_list(false, 2);
+  EXPECT_EQ(gx_vext.nlinlist_disp, 3);
 }
 
 TEST_F(ListViewport, LongLinesTakeTwoSlotsAndTheOldestGo) {
@@ -94,6 +94,16 @@ TEST_F(ListViewport, ShowsTextFiles) {
   EXPECT_TRUE(gx_display_file_invplist(file.string()));
   EXPECT_EQ(session(), "# \"first\" \n# \"\" \n# \"third\" \n");
   EXPECT_EQ(line(3), "# \"third\" ");
+  // A long one stays in sight with its first line, until another command begins.
+  std::string long_text;
+  for (int i = 1; i <= 20; ++i) long_text += "line " + std::to_string(i) + "\n";
+  write_file(file, long_text);
+  EXPECT_TRUE(gx_display_file_invplist(file.string()));
+  gx_display_list(" HELp ");
+  EXPECT_EQ(line(gx_vext.nlinlist_disp), "# \"line 1\" ");
+  gx_list_follow();
+  gx_display_list("next");
+  EXPECT_EQ(gx_vext.nlinlist_disp, gx_vext.nlinlist_end - 6);
   EXPECT_FALSE(gx_display_file_invplist(path_.string())) << "it would never end";
   EXPECT_FALSE(gx_display_file_invplist(directory_.path().string()));
   EXPECT_FALSE(gx_display_file_invplist((directory_.path() / "absent").string()));

@@ -107,6 +107,25 @@ TEST(Plot, TurnsArcsWithTheirPart) {
   EXPECT_NEAR(std::sin(half) * (start_x - x), -200, 1);
 }
 
+TEST(Plot, AnArcOfSeveralTurnsIsAFullCircle) {
+  const design_session session(sheet_on_paper);
+  const auto& file = gx_ptrto_gene_file_buf(kv_pext.file_id_cur);
+  const auto arc = std::ranges::find_if(file.ptr_to_ar_objindex, [](const auto* object) {
+    return object->object_type == gx_type::arc3p_2d;
+  });
+  ASSERT_NE(arc, file.ptr_to_ar_objindex.end());
+  const int id = (*arc)->object_id;
+  for (const auto& [turns, sweep] : {std::pair{2, "360"}, {-2, "-360"}, {1, "360"}}) {
+    gx_arc_info_ptr(file, id).angle1 = 0;
+    gx_arc_info_ptr(file, id).angle2 = turns * 360 * 64;
+    gx_plot_t plot;
+    plot.path = "out.plt";
+    gx_plotfile_object(plot, kv_pext.file_id_cur, id, 0);
+    EXPECT_TRUE(gx_plotfile_end());
+    EXPECT_NE(read_file("out.plt").find(std::string(",") + sweep + ",10;"), std::string::npos);
+  }
+}
+
 TEST(Plot, SaysThatItsFileCannotBeOpened) {
   const design_session session("sheet top\n page 20,20\n line 1,1 2,2\n");
   gx_plot_t plot;

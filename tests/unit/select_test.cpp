@@ -2,6 +2,7 @@
 #include "app/sheet/select_area.h"
 #include "expand/record_status.h"
 #include "gx/db/undo.h"
+#include "gx/edit/undo_replay.h"
 #include "gx/vext.h"
 #include "tests/unit/design_session.h"
 

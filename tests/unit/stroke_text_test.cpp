@@ -1,6 +1,9 @@
 #include "gx/display/stroke_text.h"
 
+#include <cmath>
+#include <map>
 #include <set>
+#include <string>
 
 #include "gx/vext.h"
 #include "tests/support/drawing_board.h"
@@ -34,9 +37,23 @@ std::vector<points_t> strokes_of(char c) {
   return strokes;
 }
 
-TEST(StrokeFont, EveryCharacterHasALookOfItsOwnAtTheUsualSize) {
+using pixels_t = std::set<points_t::value_type>;
+
+// The pixels of thin lines.
+pixels_t pixels_of(const std::vector<gx_line16_t>& lines) {
+  pixels_t pixels;
+  for (const auto& line : lines) {
+    const int dx = line.x2 - line.x1, dy = line.y2 - line.y1;
+    const int steps = std::max({std::abs(dx), std::abs(dy), 1});
+    for (int i = 0; i <= steps; ++i)
+      pixels.emplace(line.x1 + std::lround(double(dx) * i / steps),
+                     line.y1 + std::lround(double(dy) * i / steps));
+  }
+  return pixels;
+}
+
+TEST(StrokeFont, EveryCharacterHasALookOfItsOwn) {
   drawing_board board;
-  set_size(10, 12);
   EXPECT_EQ(strokes_of('!'), (std::vector<points_t>{{{0, 1000}, {0, 300}}, {{0, 150}, {0, 0}}}));
   EXPECT_EQ(strokes_of('"'),
             (std::vector<points_t>{{{250, 1000}, {250, 800}}, {{550, 1000}, {550, 800}}}));
@@ -44,21 +61,22 @@ TEST(StrokeFont, EveryCharacterHasALookOfItsOwnAtTheUsualSize) {
                                                     {{400, 0}, {500, 1000}},
                                                     {{0, 400}, {600, 400}},
                                                     {{0, 600}, {600, 600}}}));
-  std::set<std::vector<std::vector<std::pair<int, int>>>> looks;
-  for (char c = '!'; c <= '~'; ++c) {
-    std::vector<points_t> look;
-    for (const auto& stroke : gx_scaled_glyph(c)) {
-      look.emplace_back();
-      for (const auto p : stroke) {
-        look.back().emplace_back(p.x, p.y);
-        EXPECT_TRUE(p.x >= 0 && p.x <= 10 && p.y >= 0 && p.y <= 10) << c;
-      }
-    }
-    EXPECT_TRUE(look.size() >= 1 && look.size() <= 4) << c;
-    looks.insert(look);
-  }
-  EXPECT_EQ(looks.size(), 94U);
   for (const char c : {' ', '\n', '\x7f', '\xe9'}) EXPECT_TRUE(gx_glyph(c).empty());
+  // In texts of the sheet, and of the screen in windows of several sizes.
+  const auto expect_all_different = [&](auto draw) {
+    std::map<pixels_t, std::string> looks;
+    for (char c = '!'; c <= '~'; ++c) looks[pixels_of(draw(std::string(1, c)))] += c;
+    for (const auto& [pixels, characters] : looks) EXPECT_EQ(characters.size(), 1U) << characters;
+  };
+  for (const int height : {5, 6, 7, 8, 9, 10, 12, 15, 20}) {
+    SCOPED_TRACE(height);
+    expect_all_different([&](const auto& text) { return sheet_text(text, height, 0); });
+  }
+  for (const auto& [height, step] : {std::pair{6, 8}, {8, 11}, {9, 12}, {12, 14}}) {
+    SCOPED_TRACE(height);
+    set_size(static_cast<std::int16_t>(height), static_cast<std::int16_t>(step));
+    expect_all_different([&](const auto& text) { return screen_text(text); });
+  }
 }
 
 TEST(StrokeFont, ScalesOnceForTheScreen) {
@@ -74,6 +92,8 @@ TEST(StrokeFont, ScalesOnceForTheScreen) {
 
 TEST(SheetText, ReadsInFourDirections) {
   drawing_board board;
+  EXPECT_EQ(sheet_text(std::string(99, 'L'), 5, 0).size(), 2U * 60U) << "cut to 60";
+  EXPECT_TRUE(sheet_text(std::string(201, 'L'), 5, 0).empty()) << "wider than the window";
   // At 10 pixels "L" is a stroke of 10 up and one of 6 along; the second one stands 12 further.
   EXPECT_EQ(sheet_text("L", 10, 0),
             (std::vector<gx_line16_t>{{400, 490, 400, 500}, {400, 500, 406, 500}}));

@@ -3,6 +3,7 @@
 
 #include "app/sheet/views.h"
 #include "gx/display/screen_state.h"
+#include "gx/display/window.h"
 #include "gx/vext.h"
 #include "tests/support/drawing_board.h"
 #include "tests/unit/fatal_stop.h"
@@ -13,9 +14,7 @@ constexpr gx_border_info border{1, 0, 3, 0};
 // The application's window of 1001 x 1001 pixels.
 void make_screen() {
   gx_reset_state();
-  gx_init_nograph();
-  gx_vext.bitmap_size = {1000, 1000};
-  for (const auto& viewport : set_viewports()) gx_viewport_create(viewport.bounds, viewport.border);
+  gx_init_noview(set_viewports(), {1001, 1001});
 }
 
 TEST(ViewportTable, LaysOutTheScreenWithoutOverlap) {

@@ -1,18 +1,15 @@
-// The bracket in which objects are created, opened and closed, and the constructors of the objects
-// of the hierarchy. Primitives are in construct_primitives.cpp.
+#include "gx/edit/bracket.h"
+
 #include <algorithm>
 #include <array>
 
-#include "gx/db/construct_steps.h"
-#include "gx/db/edit_state.h"
 #include "gx/db/file_state.h"
-#include "gx/db/files.h"
 #include "gx/db/object_access.h"
 #include "gx/db/record_tables.h"
 #include "gx/db/undo.h"
+#include "gx/edit/edit_state.h"
 #include "gx/text/debug.h"
 #include "gx/text/session_state.h"
-#include "gx/text/strings.h"
 
 namespace {
 
@@ -40,10 +37,17 @@ gx_object_gene_rec_t* father_at(const gx_file_gene_recf_t& file, std::int16_t le
   return &father;
 }
 
-// The last child of a father. The newest object of the level is it as a rule; else the chain tells.
+gx_object_id_t& newest_child(int father) {
+  auto& newest = gx_edit.newest_child;
+  const auto at = static_cast<std::size_t>(father);
+  if (newest.size() <= at) newest.resize(at + 1);
+  return newest[at];
+}
+
+// The last child of a father: as a rule the one created last, else the chain tells.
 gx_object_gene_rec_t* last_child(const gx_file_gene_recf_t& file,
-                                 const gx_object_gene_rec_t& father, int newest) {
-  if (gx_object_id_ok(file, newest)) {
+                                 const gx_object_gene_rec_t& father) {
+  if (const int newest = newest_child(father.object_id); gx_object_id_ok(file, newest)) {
     auto& object = gx_object_id_ptr(file, newest);
     if (object.father == father.object_id && object.following == 0) return &object;
   }
@@ -55,12 +59,13 @@ gx_object_gene_rec_t* last_child(const gx_file_gene_recf_t& file,
 }
 
 void link(const gx_file_gene_recf_t& file, gx_object_gene_rec_t& object,
-          gx_object_gene_rec_t* father, std::int16_t level) {
+          gx_object_gene_rec_t* father) {
   gx_object_gene_rec_t* before = nullptr;
   if (father != nullptr) {
     object.father = father->object_id;
-    before = last_child(file, *father, at_level(gx_edit.newest_at_level, level));
+    before = last_child(file, *father);
     if (before == nullptr) father->child1 = object.object_id;
+    newest_child(father->object_id) = object.object_id;
   } else {
     if (gx_object_id_ok(file, gx_edit.previous_obj_atlevel0)) {
       before = &gx_object_id_ptr(file, gx_edit.previous_obj_atlevel0);
@@ -71,7 +76,6 @@ void link(const gx_file_gene_recf_t& file, gx_object_gene_rec_t& object,
     before->following = object.object_id;
     object.previous = before->object_id;
   }
-  at_level(gx_edit.newest_at_level, level) = object.object_id;
 }
 
 void name_in_header(gx_file_gene_recf_t& file, const gx_object_gene_rec_t& object) {
@@ -82,20 +86,6 @@ void name_in_header(gx_file_gene_recf_t& file, const gx_object_gene_rec_t& objec
   if (object.object_type == gx_type::grid_2d && file.grid_obj_id == 0) {
     file.grid_obj_id = object.object_id;
   }
-}
-
-// An instance that is filled once more leaves the chain of the symbol it had.
-void leave_chain(const gx_file_gene_recf_t& file, gx_object_instance_rec_t& instance) {
-  if (instance.symbol == 0) return;
-  if (instance.previous_inst > 0) {
-    gx_instance_info_ptr(file, instance.previous_inst).following_inst = instance.following_inst;
-  } else {
-    gx_symbol_info_ptr(file, instance.symbol).instance = instance.following_inst;
-  }
-  if (instance.following_inst > 0) {
-    gx_instance_info_ptr(file, instance.following_inst).previous_inst = instance.previous_inst;
-  }
-  instance.previous_inst = 0;
 }
 
 }  // namespace
@@ -117,7 +107,7 @@ gx_object_id_t gx_object_create(gx_file_index_t file_index, gx_type type, std::i
   object.origin = {x, y};
   file.ptr_to_ar_objindex.push_back(&object);
   object.object_id = ++file.object_id_max;
-  link(file, object, father, level);
+  link(file, object, father);
   name_in_header(file, object);
   gx_edit.open_obj_id = object.object_id;
   at_level(gx_edit.current_family, level) = object.object_id;
@@ -179,7 +169,7 @@ void gx_object_close(gx_file_index_t file_index, int id) {
   gx_files.pick_ap_new = true;
 }
 
-// --- constructors
+// --- for the constructors
 
 gx_file_gene_recf_t& gx_construction_file() {
   if (!gx_session.init_done && gx_files.num_file_open == 0) {
@@ -199,57 +189,4 @@ gx_object_gene_rec_t& gx_object_to_fill(const gx_file_gene_recf_t& file, gx_type
   }
   gx_debug(" gx_%.*s : object_create_invalid \n", static_cast<int>(name.size()), name.data());
   gx_set_status(misfit);
-}
-
-void gx_plain(gx_type type) {
-  gx_object_to_fill(gx_construction_file(), type, gx_type_name(type),
-                    gx_code::object_create_invalid);
-}
-
-void gx_symbol(std::string_view path) {
-  auto& symbol = gx_record_to_fill<gx_object_symbol_rec_t>(gx_code::object_create_invalid);
-  symbol.instance = 0;
-  symbol.path = gx_string(path);
-}
-
-void gx_instance(int symbol_id, int rotate, bool fliph) {
-  const auto& file = gx_construction_file();
-  auto& instance = gx_record_to_fill<gx_object_instance_rec_t>(gx_code::object_create_invalid);
-  if (!gx_object_id_ok(file, symbol_id)) {
-    gx_debug_line(" gx_instance : symbol_id_invalid ");
-    gx_set_status(gx_code::object_id_invalid);
-  }
-  auto& symbol = gx_symbol_info_ptr(file, symbol_id);
-  const auto path = gx_get_path_n0version(gx_view(symbol.path));
-  if (path.error) {
-    gx_debug_line(" gx_instance : symbol n0 version invalid ");
-    gx_set_status(gx_code::object_id_invalid);
-  }
-  if (rotate < 0 || rotate > 3) gx_set_status(gx_code::coordonate_conversion_overflow);
-  leave_chain(file, instance);
-  instance.rotate = static_cast<std::uint8_t>(rotate);
-  instance.fliph = fliph;
-  instance.symbol = symbol.gene.object_id;
-  instance.n0_version = path.version;
-
-  // The instance becomes the head of the chain of its symbol.
-  const auto own = instance.gene.object_id;
-  instance.following_inst = symbol.instance;
-  if (symbol.instance > 0) gx_instance_info_ptr(file, symbol.instance).previous_inst = own;
-  symbol.instance = own;
-}
-
-void gx_pinpropfam() {
-  auto& pin = gx_record_to_fill<gx_object_pinpropfam_rec_t>(gx_code::object_create_invalid);
-  pin.dotted = 0;
-  pin.net = 0;
-  pin.pin_start = pin.pin_end = pin.pin_net_start = 0;
-}
-
-void gx_net() {
-  auto& net = gx_record_to_fill<gx_object_net_rec_t>(gx_code::object_create_invalid);
-  net.net_index = 0;
-  net.ptrto_probe = nullptr;
-  net.is_bus = 0;
-  net.bus_start = net.bus_end = 0;
 }

@@ -1,16 +1,23 @@
-// Closing a slot, and saving it as a new version: the surviving objects are copied to a target
-// file, renumbered densely in their order, and written.
+// The surviving objects are copied to a target file, renumbered densely in their order, and
+// written.
+#include "gx/edit/file_save.h"
+
+#include <unistd.h>
+
 #include <cstring>
+#include <utility>
 #include <vector>
 
 #include "gx/db/file_state.h"
 #include "gx/db/files.h"
 #include "gx/db/object_access.h"
 #include "gx/db/record_tables.h"
+#include "gx/text/at.h"
 #include "gx/text/date.h"
 #include "gx/text/debug.h"
 #include "gx/text/session_state.h"
 #include "gx/text/strings.h"
+#include "platform/files.h"
 
 namespace {
 
@@ -99,7 +106,7 @@ std::shared_ptr<gx_file_gene_recf_t> compacted(const gx_file_gene_recf_t& source
   return result;
 }
 
-// Writes the target; false when the disk refuses.
+// Writes the target to the disk; false when that refuses.
 bool write_target(gx_file_io_rec_t& slot) {
   const auto& target = *slot.start_buf_ptr;
   for (const auto* object : target.ptr_to_ar_objindex) {
@@ -109,11 +116,10 @@ bool write_target(gx_file_io_rec_t& slot) {
       gx_set_status(gx_code::file_close_invalid);
     }
   }
+  x_file file(std::exchange(slot.file_io_id, nullptr));
   const std::string bytes = gx_encode_file(target);
-  bool written = std::fwrite(bytes.data(), 1, bytes.size(), slot.file_io_id) == bytes.size();
-  written = std::fclose(slot.file_io_id) == 0 && written;
-  slot.file_io_id = nullptr;
-  return written;
+  return std::fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size() &&
+         std::fflush(file.get()) == 0 && fsync(fileno(file.get())) == 0 && x_close(std::move(file));
 }
 
 // The names of the version that a save writes.
@@ -130,26 +136,29 @@ gx_file_version_t next_version(const gx_file_io_rec_t& slot) {
   return gx_file_new_file_version(gx_view(slot.dirname), gx_view(slot.filetype), slot.version);
 }
 
+[[noreturn]] void refuse_link(const gx_file_io_rec_t& slot, std::string_view link) {
+  const std::string_view quote = slot.version_found ? "\"" : "'";
+  gx_trace(" ## error in close file in = ", quote, link, quote);
+  if (!slot.version_found) {
+    std::printf(" !! error in close file (link not ok) in = '%.*s'\n",
+                static_cast<int>(link.size()), link.data());
+  }
+  gx_set_status(gx_code::file_close_invalid);
+}
+
+// The data of the new version reach the disk before the link names them, so that whatever breaks
+// the save off leaves the version before current.
 void save(gx_file_index_t file_index) {
   const auto& source = gx_ptrto_gene_file_buf(file_index);
-  const auto& slot = gx_files.filear[static_cast<std::size_t>(file_index)];
-  // What can refuse the file comes before anything on disk is touched.
+  const auto& slot = gx_at(gx_files.filear, file_index);
   auto target = compacted(source);
   const auto names = next_version(slot);
   const auto link = gx_view(names.link_pathname);
-  if (!names.valid || !gx_add_gx_link(link, gx_view(names.link_value))) {
-    const int len = static_cast<int>(link.size());
-    const char quote = slot.version_found ? '"' : '\'';
-    gx_debug(" ## error in close file in = %c%.*s%c\n", quote, len, link.data(), quote);
-    if (!slot.version_found) {
-      std::printf(" !! error in close file (link not ok) in = '%.*s'\n", len, link.data());
-    }
-    gx_set_status(gx_code::file_close_invalid);
-  }
+  if (!names.valid) refuse_link(slot, link);
 
   const auto path = gx_view(names.file_pathname);
   const auto target_index = gx_file_create_bye(path);
-  auto& target_slot = gx_files.filear[static_cast<std::size_t>(target_index)];
+  auto& target_slot = gx_at(gx_files.filear, target_index);
   target_slot.dirname = slot.dirname;
   target_slot.filetype = slot.filetype;
   target_slot.version = names.version;
@@ -159,33 +168,22 @@ void save(gx_file_index_t file_index) {
 
   target->file_index = target_index;
   target_slot.start_buf_ptr = std::move(target);
-  if (write_target(target_slot)) return;
-  // The link must not name a file that is not whole: the version before stays current.
-  if (slot.version_found) {
-    gx_add_gx_link(link, gx_view(slot.link_value));
-  } else {
-    std::remove(std::string(link).c_str());
+  if (!write_target(target_slot)) {
+    std::remove(std::string(path).c_str());
+    ++gx_session.num_errors;
+    gx_trace("!!! file_close  file target not opened : \"", path, "\" ");
+    gx_set_status(gx_code::file_open_invalid);
   }
-  std::remove(std::string(path).c_str());
-  ++gx_session.num_errors;
-  gx_debug("!!! file_close  file target not opened : \"%.*s\" \n", static_cast<int>(path.size()),
-           path.data());
-  gx_set_status(gx_code::file_open_invalid);
+  if (!gx_add_gx_link(link, gx_view(names.link_value))) {
+    std::remove(std::string(path).c_str());
+    refuse_link(slot, link);
+  }
 }
 
 }  // namespace
 
 void gx_file_close(gx_file_index_t file_index, bool save_it) {
-  if (file_index < 1 || file_index > gx_max_files) {
-    gx_debug(" gx_file_close : sfile_index : %d\n", file_index);
-    gx_set_status(gx_code::file_data_invalid);
-  }
-  if (!gx_session.init_done) gx_set_status(gx_code::init_not_done);
-  if (save_it) {
-    save(file_index);
-    return;
-  }
-  auto& slot = gx_files.filear[static_cast<std::size_t>(file_index)];
-  if (slot.file_io_id != nullptr) std::fclose(slot.file_io_id);
-  slot.file_io_id = nullptr;
+  if (!save_it) return gx_file_close(file_index);
+  gx_check_file_to_close(file_index);
+  save(file_index);
 }

@@ -1,11 +1,13 @@
-// The constructors of the primitives: each stores its points relative to the first one, finds its
-// box, and makes the boxes of its fathers hold it.
+// Each constructor stores its points relative to the first one, finds its box, and makes the boxes
+// of its fathers hold it.
+#include "gx/edit/primitives.h"
+
 #include <algorithm>
 #include <cmath>
 
-#include "gx/db/construct_steps.h"
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
+#include "gx/edit/vertex_lists.h"
 #include "gx/text/strings.h"
 
 namespace {
@@ -53,7 +55,8 @@ gx_boundsreal_t make_polyline(gx_code misfit, int style, int color,
   line.line_style = word(style);
   line.line_color = byte(color);
   line.n_points = word(static_cast<int>(points.size()));
-  for (std::size_t i = 0; i < points.size(); ++i) line.points[i] = minus(points[i], points[0]);
+  line.points[0] = points[0];
+  for (std::size_t i = 1; i < points.size(); ++i) line.points[i] = minus(points[i], points[0]);
   return store_box(line.gene, points[0], box_of(points));
 }
 

@@ -1,11 +1,10 @@
-// The lists of the vertices and segments of file 1 by cells of its page, for editors that look for
-// what lies near a point. Kept while vertex_list_to_do is on.
+#include "gx/edit/vertex_lists.h"
+
 #include <algorithm>
 
-#include "gx/db/construction.h"
-#include "gx/db/edit_state.h"
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
+#include "gx/edit/edit_state.h"
 #include "gx/text/debug.h"
 
 namespace {

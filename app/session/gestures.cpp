@@ -1,0 +1,111 @@
+#include "app/session/gestures.h"
+
+#include <string>
+
+#include "app/sheet/command_viewport.h"
+#include "app/sheet/pick.h"
+#include "app/sheet/views.h"
+#include "gx/db/object_access.h"
+#include "gx/display/grid.h"
+#include "gx/display/rubber_rectangle.h"
+#include "gx/display/viewports.h"
+#include "gx/text/strings.h"
+#include "gx/vext.h"
+
+namespace {
+constexpr std::uint32_t shift = 1;
+constexpr int net_room = 2;  // pixels from a wire that is meant
+
+bool drag_zooms() {
+  std::string_view bound = gx_view(gx_vext.action_but[1]);
+  const auto first = bound.find_first_not_of(' ');
+  if (first == bound.npos) return false;
+  bound = bound.substr(first, bound.find_last_not_of(' ') + 1 - first);
+  return gx_iden(bound, "VIEW AREA");
+}
+
+// The sheet under the pixel, and the point there.
+std::optional<kv_view_t> view_at(gx_point16_t pixel, gx_pointreal_t& point) {
+  const gx_vpid_t vpid = gx_viewport_pixel_to_obj2d(pixel, point);
+  const auto view = vpid == gx_vext.viewport_edit      ? kv_edit_view()
+                    : vpid == gx_vext.viewport_context ? kv_context_view()
+                                                       : kv_view_t{};
+  if (!view.has_sheet() || view.is_symbol()) return std::nullopt;
+  if (gx_viewport_rec(view.vpid).file_index != view.file_index) return std::nullopt;
+  return view;
+}
+
+bool is_only_selected(const gx_file_gene_recf_t& file, int wanted) {
+  for (int id = 1; id <= file.object_id_max; ++id) {
+    const auto type = gx_object_id_ptr(file, id).object_type;
+    const bool counts = type == gx_type::instance || type == gx_type::net || type == gx_type::frame;
+    if (counts && gx_inq_object_selected(file, id) != (id == wanted)) return false;
+  }
+  return true;
+}
+
+bool has_selected(const gx_file_gene_recf_t& file) {
+  for (int id = 1; id <= file.object_id_max; ++id)
+    if (gx_inq_object_selected(file, id)) return true;
+  return false;
+}
+
+void select(const kv_view_t& view, std::string_view handle, int id, bool adds,
+            const std::function<void(std::string_view)>& run) {
+  if (is_only_selected(view.file(), id)) return;
+  const std::string name(view.vpid == gx_vext.viewport_edit ? "Edit" : "Context");
+  if (!adds && has_selected(view.file())) run("UNSELECT ALL " + name + " ");
+  run("SELECT OBJECT " + name + " " + std::string(handle) + std::to_string(id) + " ");
+}
+
+void pan_by(gx_vpid_t vpid, int dx, int dy) {
+  const auto& vp = gx_viewport_rec(vpid);
+  if (vp.file_index < 1 || !gx_vext.display_on) return;
+  gx_rectangle_erase();
+  gx_viewport_pan(vpid, dx, dy);
+  gx_set_grid_visibility(vp.file_index, vpid);
+  if (vpid == gx_vext.viewport_edit)
+    kv_update_viewport_edit();
+  else
+    kv_update_viewport_context();
+}
+}  // namespace
+
+bool kv_pan(kv_gestures_t& gestures, const gx_event_t& event) {
+  if (gestures.panned == 0) {
+    const gx_vpid_t vpid = gx_vext.viewport_id;
+    if (event.kind != gx_event_kind::button2_down || (event.modifiers & shift) == 0 ||
+        !gx_is_picture_viewport(vpid) || !gx_viewport_ok(vpid) || gx_vext.menu_drawn)
+      return false;
+    gestures = {vpid, event.pixel};
+    return true;
+  }
+  const bool ends = event.kind == gx_event_kind::button2_up;
+  if (!ends && event.kind != gx_event_kind::pointer_moved) return false;
+  if (event.pixel != gestures.from)
+    pan_by(gestures.panned, event.pixel.x - gestures.from.x, event.pixel.y - gestures.from.y);
+  gestures.from = event.pixel;
+  if (ends) gestures.panned = 0;
+  return true;
+}
+
+void kv_click(const gx_event_t& event, const std::function<void(std::string_view)>& run) {
+  if (event.clicks == 0 || !drag_zooms()) return;
+  gx_pointreal_t point;
+  const auto view = view_at(event.pressed, point);
+  if (!view) return;
+  const bool shifted = (event.modifiers & shift) != 0;
+  const bool walks = event.clicks == 2 && view->vpid == gx_vext.viewport_edit;
+  if (walks && shifted) return run("VIEW UP ");
+  if (walks) {
+    const int block = kv_pick_instance(view->file(), point);
+    if (block == 0) return;
+    select(*view, "I_", block, false, run);
+    return run("VIEW DOWN ");
+  }
+  const std::int32_t room = net_room * gx_viewport_rec(view->vpid).object_scale;
+  if (const int net = kv_pick_net(view->file(), point, room))
+    select(*view, "N_", net, shifted, run);
+  else if (const int inst = kv_pick_instance(view->file(), point))
+    select(*view, "I_", inst, shifted, run);
+}

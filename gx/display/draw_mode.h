@@ -1,0 +1,4 @@
+// Drawing and erasing are one operation with another colour.
+#pragma once
+
+enum class gx_draw_mode { draw, erase };

@@ -1,0 +1,26 @@
+// Objects with all below them, and the pictures of a viewport.
+#pragma once
+
+#include "gx/db/ids.h"
+#include "gx/display/draw_mode.h"
+#include "gx/display/screen_state.h"
+
+// Makes the object the root of the viewport's picture, fits it unless the scale is kept, and draws
+// it with all below it.
+void gx_display_object(gx_vpid_t vpid, gx_file_index_t file_index, int object_id, int inst_id,
+                       bool keep_scale, gx_draw_mode mode, bool force_selected);
+// The same at the scale that shows the rectangle.
+void gx_display_object_part(gx_vpid_t vpid, gx_file_index_t file_index, int object_id,
+                            gx_pointreal_t p1, gx_pointreal_t p2, int inst_id, gx_draw_mode mode,
+                            bool force_selected);
+
+// The primary object of the file that the viewport shows, at the present scale; `partial` does not
+// clear before.
+void gx_viewport_refresh(gx_vpid_t vpid, bool force_selected);
+void gx_viewport_refresh_partial(gx_vpid_t vpid, bool force_selected);
+
+// A file's primary object, whole or a rectangle of it, and the base point, in the edit, context or
+// activ viewport. The marks kept there are forgotten.
+void gx_display_picture_all(gx_vpid_t vpid, gx_file_index_t file_index);
+void gx_display_picture_area(gx_vpid_t vpid, gx_file_index_t file_index, gx_pointreal_t p1,
+                             gx_pointreal_t p2);

@@ -1,0 +1,9 @@
+// The page frame and the dots of the grid.
+#pragma once
+
+#include "gx/db/file_records.h"
+#include "gx/display/screen_state.h"
+
+gx_object_id_t gx_object_inq_grid_id(const gx_file_gene_recf_t& file);
+// The dots are shown while fewer than 41 steps go across the viewport's shorter side.
+void gx_set_grid_visibility(gx_file_index_t file_index, gx_vpid_t vpid);

@@ -1,0 +1,21 @@
+// The command line under the pointer: which character the pointer is on, the caret, and the keys
+// that recall and delete text there. `pixel` is a window pixel.
+#pragma once
+
+#include <string_view>
+
+#include "gx/display/screen_state.h"
+
+// Makes the text the command line and shows it. While the pointer is elsewhere the line scrolls so
+// that its end is seen.
+void gx_set_command_line(std::string_view text);
+
+// The character of the command line under the pixel, from 1; below 1 and past the end too.
+int gx_cmd_column(gx_point16_t pixel);
+// The pixel in the middle of a character of the command line.
+gx_point16_t gx_cmd_column_pixel(int column);
+
+void gx_pixel_pos_action();
+void gx_again_action(gx_vpid_t vpid, gx_point16_t pixel);    // recalls a list line
+void gx_backsp_action(gx_vpid_t vpid, gx_point16_t pixel);   // deletes before the pointer
+void gx_chardel_action(gx_vpid_t vpid, gx_point16_t pixel);  // deletes under the pointer

@@ -1,0 +1,28 @@
+// Pixels to design units and back, and the zoom and place of a viewport over its design.
+//
+// Pixels are window coordinates; results are clamped to -20000..20000. A bad id stops with
+// viewport_id_invalid.
+#pragma once
+
+#include "gx/db/file_records.h"
+#include "gx/db/ids.h"
+#include "gx/display/screen_state.h"
+
+gx_vpid_t gx_viewport_pixel_to_vpid(gx_point16_t pixel);  // 0 when none
+gx_vpid_t gx_viewport_pixel_to_obj2d(gx_point16_t pixel, gx_pointreal_t& point);
+gx_point16_t gx_viewport_pt_real_to_pixel(gx_vpid_t vpid, gx_pointreal_t p);
+int gx_viewport_obj2d_to_pixel(gx_vpid_t vpid, std::int32_t length);
+gx_pointreal_t gx_viewport_dpt_obj2d_inst(const gx_file_gene_recf_t& file, int inst,
+                                          gx_pointreal_t p0, gx_pointreal_t d);
+
+// The rectangle between two corners; one without width or height is widened to 5000 units.
+gx_boundsreal_t gx_area_of(gx_pointreal_t p1, gx_pointreal_t p2);
+
+// Zoom and pan. `fit` shows the box whole, centred, with a margin of 5 percent.
+void gx_viewport_fit(gx_vpid_t vpid, const gx_boundsreal_t& box);
+void gx_viewport_translate(gx_vpid_t vpid, int dy_sign, int dx_sign, std::int32_t amount);
+// Moves the picture by so many pixels, to the right and down.
+void gx_viewport_pan(gx_vpid_t vpid, int dx, int dy);
+// Scales what is shown by num / den (both above 0; 1/2 shows half as much) around a window pixel;
+// the caller draws again. False when the zoom is at its limit.
+bool gx_viewport_zoom_at(gx_vpid_t vpid, gx_point16_t pixel, int num, int den);

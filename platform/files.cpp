@@ -1,0 +1,117 @@
+#include "platform/files.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+namespace {
+constexpr mode_t creation_mode = 0660;
+
+x_descriptor refused(int error) {
+  errno = error;
+  return x_descriptor();
+}
+
+x_file stream_of(x_descriptor descriptor, const char* mode) {
+  if (!descriptor) return nullptr;
+  x_file file(fdopen(descriptor.get(), mode));
+  if (file) descriptor.release();
+  return file;
+}
+
+x_descriptor create(const std::string& path, bool through_link) {
+  const int flags = O_WRONLY | O_CREAT | O_NONBLOCK | O_CLOEXEC | (through_link ? 0 : O_NOFOLLOW);
+  x_descriptor file(xfopen(path.c_str(), flags, creation_mode));
+  struct stat info {};
+  if (!file || fstat(file.get(), &info) != 0) return file;
+  if (S_ISFIFO(info.st_mode)) return refused(EINVAL);
+  if (S_ISREG(info.st_mode) && ftruncate(file.get(), 0) != 0) return refused(errno);
+  return file;
+}
+
+// The directory's entry on the disk, too; one that cannot be opened for reading goes without.
+void sync_directory_of(const std::string& path) {
+  const auto slash = path.rfind('/');
+  const std::string directory = slash == std::string::npos ? "." : path.substr(0, slash + 1);
+  const x_descriptor opened(xfopen(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0));
+  if (opened) fsync(opened.get());
+}
+
+bool write_synced(const x_descriptor& file, std::string_view bytes) {
+  // A device cannot be told to keep what it has (EINVAL).
+  return x_write_at(file.get(), bytes, 0) && (fsync(file.get()) == 0 || errno == EINVAL);
+}
+}  // namespace
+
+void x_file_closer::operator()(std::FILE* file) const { std::fclose(file); }
+
+bool x_close(x_file file) { return file != nullptr && std::fclose(file.release()) == 0; }
+
+std::string x_why(int error) { return std::strerror(error); }
+
+x_descriptor x_open_regular(const std::string& path) {
+  x_descriptor file(xfopen(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC, 0));
+  struct stat info {};
+  if (!file || fstat(file.get(), &info) != 0) return file;
+  if (S_ISDIR(info.st_mode)) return refused(EISDIR);
+  if (!S_ISREG(info.st_mode)) return refused(EINVAL);
+  return file;
+}
+
+x_file x_open_regular_file(const std::string& path) { return stream_of(x_open_regular(path), "r"); }
+
+x_file x_create_file(const std::string& path, bool through_link) {
+  return stream_of(create(path, through_link), "w");
+}
+
+bool x_read_whole(int file, std::string& bytes, std::size_t limit) {
+  struct stat info {};
+  if (fstat(file, &info) != 0) return false;
+  bytes.resize(std::min(static_cast<std::size_t>(info.st_size), limit));
+  std::size_t got = 0;
+  while (got < bytes.size()) {
+    const ssize_t n = pread(file, bytes.data() + got, bytes.size() - got, static_cast<off_t>(got));
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) return false;
+    if (n == 0) break;  // cut meanwhile
+    got += static_cast<std::size_t>(n);
+  }
+  bytes.resize(got);
+  return true;
+}
+
+bool x_write_at(int file, std::string_view bytes, off_t offset) {
+  while (!bytes.empty()) {
+    const ssize_t n = pwrite(file, bytes.data(), bytes.size(), offset);
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) return false;
+    bytes.remove_prefix(static_cast<std::size_t>(n));
+    offset += n;
+  }
+  return true;
+}
+
+bool x_write_file(const std::string& path, std::string_view bytes) {
+  const x_descriptor file = create(path, false);
+  return file && write_synced(file, bytes);
+}
+
+bool x_replace_file(const std::string& path, std::string_view bytes) {
+  const std::string fresh = path + ".new";
+  // One that a kill left behind is in nobody's use.
+  unlink(fresh.c_str());
+  const int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+  const x_descriptor file(xfopen(fresh.c_str(), flags, creation_mode));
+  if (file && write_synced(file, bytes) && std::rename(fresh.c_str(), path.c_str()) == 0) {
+    sync_directory_of(path);
+    return true;
+  }
+  const int error = errno;
+  if (file) unlink(fresh.c_str());
+  errno = error;
+  return false;
+}

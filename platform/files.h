@@ -1,0 +1,45 @@
+// Files through few doors: owners that close, opening what may be waited for or written through,
+// reading and writing whole. A call that fails leaves in errno what the system said, for x_why.
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "platform/raw_files.h"
+
+// Owns a FILE.
+struct x_file_closer {
+  void operator()(std::FILE* file) const;
+};
+using x_file = std::unique_ptr<std::FILE, x_file_closer>;
+
+// Closes the file; false when not all that was written to it reached it.
+bool x_close(x_file file);
+
+// What an errno says: "No such file or directory".
+std::string x_why(int error);
+
+// Opens a regular file for reading. All others are refused at once (EISDIR, or EINVAL for a pipe or
+// a device): reading them would give nothing, or wait or go on for ever.
+x_descriptor x_open_regular(const std::string& path);
+x_file x_open_regular_file(const std::string& path);  // the same for reading lines
+
+// Opens a file for writing, made when it is missing (0660 less the umask) and cut to nothing.
+// Directories and pipes are refused; a symbolic link is when `through_link` is false (ELOOP), as
+// for the program's own files in a directory that others may write to.
+x_file x_create_file(const std::string& path, bool through_link);
+
+// The bytes of a file from its beginning, at most `limit`.
+bool x_read_whole(int file, std::string& bytes, std::size_t limit);
+// All bytes, from an offset on.
+bool x_write_at(int file, std::string_view bytes, off_t offset);
+
+// Puts a file with these bytes in the place of another, so that at any moment, also after a kill or
+// a loss of power, the path names the old file or the whole new one.
+bool x_replace_file(const std::string& path, std::string_view bytes);
+// Makes a file with these bytes, on the disk when this returns.
+bool x_write_file(const std::string& path, std::string_view bytes);
