@@ -417,6 +417,7 @@ void process_objects(const visit_t& visit) {
     kv_debug_full(full);
     gx_tell("# !! Error : Design too large : more than ", std::to_string(full.limit),
             " records of the kind : ", full.name);
+    gx_tell("# !! STOre SIZe sets how many ");
     gx_tell_quoted("# !! Sheet : ", visit.run.path.view());
     gx_count_error();
     visit.run.end = kv_run_result::design_too_large;
@@ -435,6 +436,11 @@ void kv_process_inst_of_sheet(kv_flatten_t& run, kv_sheet_t& sheet, const kv_ent
     return;
   }
   run.expand_level = level;
+  if (run.watch != nullptr && !run.watch->next_sheet(run.design.insts.count)) {
+    gx_tell("# RUN stopped");
+    run.end = kv_run_result::stopped;
+    return;
+  }
   if (level <= 2) gx_tell_quoted("# Processing : ", run.path.view());
   if (sheet.deleted_object != 0) {
     std::printf("!! Invalid  Object ( deleted )  = %d\n", sheet.deleted_object);

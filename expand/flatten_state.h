@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "expand/run.h"
+#include "expand/run_watch.h"
 #include "expand/sheet_cache.h"
 #include "gx/text/session_state.h"
 
@@ -45,6 +45,7 @@ struct kv_flatten_t {
   std::int32_t& macro_level;   // its macro, 0 at the top
   std::int64_t errors_before;  // counted before the run
   kv_sheet_cache_t cache;
+  kv_run_watch* watch = nullptr;
   std::vector<kv_flat_t> flats;      // those of a sheet follow those of the sheet above it
   kv_path_t path;                    // of the object being saved
   std::optional<kv_run_result> end;  // why the run cannot go on

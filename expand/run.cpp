@@ -6,6 +6,7 @@
 #include "expand/debug.h"
 #include "expand/design_output.h"
 #include "expand/design_records.h"
+#include "expand/estimate.h"
 #include "expand/flatten.h"
 #include "gx/db/file_state.h"
 #include "gx/db/object_access.h"
@@ -85,6 +86,14 @@ std::optional<kv_run_result> flatten(const kv_run_t& run, gx_file_index_t top) {
   kv_sheet_t sheet = kv_analyse_sheet(gx_ptrto_gene_file_buf(top), gx_view(slot.file_pathname),
                                       run.setup, walk.cache.globals);
   kv_find_tied_globals(walk.cache, sheet, 1);
+  if (sheet.bytes > kv_free_memory()) {
+    gx_tell("# !! Error : Design too large for this memory : about ",
+            std::to_string(sheet.bytes >> 20), " MB ");
+    gx_count_error();
+    return kv_run_result::design_too_large;
+  }
+  kv_run_watch watch(sheet.visits);
+  walk.watch = &watch;
   run.macro_level = 0;
   kv_process_inst_of_sheet(walk, sheet, {}, 1, 0);
   return walk.end;

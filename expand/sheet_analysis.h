@@ -119,9 +119,11 @@ struct kv_report_t {
 struct kv_sheet_t {
   std::string file_path;
   std::string text;
-  std::int32_t deleted_object = 0;   // first deleted object, 0 = none
-  bool ends_at_port = false;         // a port without a name: nothing behind the ports is done
-  bool ties_known = false;           // tied_global of its groups is final
+  std::int32_t deleted_object = 0;  // first deleted object, 0 = none
+  bool ends_at_port = false;        // a port without a name: nothing behind the ports is done
+  bool ties_known = false;          // tied_global of its groups is final
+  // What a visit comes to with all below: visits of sheets, bytes in memory. Known with the ties.
+  std::int64_t visits = 0, bytes = 0;
   std::vector<kv_sheet_net_t> nets;  // in child order
   std::vector<kv_sheet_group_t> groups;
   std::vector<kv_sheet_port_t> ports;

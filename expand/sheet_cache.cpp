@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "expand/estimate.h"
 #include "expand/sheet_slots.h"
 #include "gx/db/files.h"
 #include "gx/db/sheet_shape.h"
@@ -137,6 +138,7 @@ const std::int32_t* kv_pins_of_ports(kv_sheet_t& above, kv_sheet_inst_t& inst,
 void kv_find_tied_globals(kv_sheet_cache_t& cache, kv_sheet_t& sheet, int level) {
   if (sheet.ties_known || level > kv_max_levels) return;
   sheet.ties_known = true;  // from here on, so that a sheet inside itself ends the search
+  kv_estimate_own(cache.setup, sheet);
   for (const auto& global : sheet.globals) {
     if (!global.usable) continue;
     auto& group = sheet.groups[static_cast<std::size_t>(global.group)];
@@ -153,7 +155,9 @@ void kv_find_tied_globals(kv_sheet_cache_t& cache, kv_sheet_t& sheet, int level)
     if (component.sheet_state != kv_component_t::found || component.sheet.ends_at_port) continue;
     kv_find_tied_globals(cache, component.sheet, level + 1);
     for (auto inst = begin; inst != end; ++inst) {
-      if (!inst->is_primitive) tie_through(sheet, *inst, component.sheet);
+      if (inst->is_primitive) continue;
+      tie_through(sheet, *inst, component.sheet);
+      kv_estimate_below(sheet, component.sheet);
     }
   }
 }

@@ -113,6 +113,16 @@ void kv_time_step_cmd(const kv_command_t& command) {
   kv_echo(echo, command, 3);
 }
 
+void kv_store_size_cmd(const kv_command_t& command) {
+  constexpr std::string_view echo = " STOre SIZe ";
+  const auto size = gx_string_to_int32(command.word(3));
+  if (size.error || size.value < 1 || size.value > kv_max_records) {
+    return refuse(echo, command, "# !! Error :  3rd parameter incorrect ? ", 3);
+  }
+  kv_sext.store_size = size.value;
+  kv_echo(echo, command, 3);
+}
+
 void kv_generate_data_cmd(const kv_command_t& command) {
   constexpr std::string_view echo = " GENerate DATa ";
   if (kv_pext.file_id_cur < 1 || kv_pext.file_id_cur > gx_max_files) {
@@ -146,6 +156,7 @@ constexpr kv_command_row_t rows[] = {
     {{"PRO", "NET"}, "PROPerty NET type name ...", kv_property_net_cmd, "# PROPerty NET ", 3},
     {{"PRO", "PIN"}, "PROPerty PIN type name ...", kv_property_pin_cmd, "# PROPerty PIN  ", 3},
     {{"TIM", "STE"}, "TIMe STEp value", kv_time_step_cmd, "# TIMe STEp ", 3},
+    {{"STO", "SIZ"}, "STOre SIZe number", kv_store_size_cmd, "# STOre SIZe ", 3},
     {{"GEN", "DAT"}, "GENerate DATa ON or OFF", kv_generate_data_cmd, "# GENerate DATa ", 3},
     {{"RUN"}, "RUN", kv_run_cmd, "# RUN ", kv_no_words},
     // clang-format on

@@ -67,6 +67,7 @@ void kv_open_debug_file() {
 void initparam_before() {
   gx_vext.do_ind = 0;
   kv_pext = {};
+  kv_sext.store_size = kv_start_records;
   kv_sext.primitive.count = 0;
   kv_sext.parameter.count = 0;
   kv_sext.property_instance.count = 0;

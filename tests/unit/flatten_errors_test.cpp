@@ -1,4 +1,5 @@
 // What a run reports, and that it gets through designs that are not as they should be.
+#include "expand/run.h"
 #include "gx/vext.h"
 #include "tests/unit/flatten_fixture.h"
 
@@ -335,13 +336,49 @@ TEST_F(FlattenTest, ADesignBeyondTheStoreIsRefused) {
                 buses + "sheet top\n part X s 2,0\n part Y s 2,9\n net A\n  wire X.A Y.A\n"),
             (lines_t{"# !! Error : Pin without Net : \"/X/R/2\"",
                      "# !! Error : Design too large : more than 500000 records of the kind : char",
-                     "# !! Sheet : \"/Y\""}));
+                     "# !! STOre SIZe sets how many ", "# !! Sheet : \"/Y\""}));
   EXPECT_EQ(std::filesystem::file_size("design_kv"), 0U);
   EXPECT_EQ(kv_sext.nets.count, 0);
+  // It goes on with a larger store.
+  EXPECT_EQ(session.run("store size 2000000"), lines_t{" STOre SIZe 2000000 "});
+  EXPECT_EQ(answers().size(), 2U);  // both pins without a net
+  EXPECT_EQ(kv_sext.nets.count, 1 + 2 * 9 * 3002);
+  EXPECT_EQ(kv_string_view(kv_ptrto_net_rec(kv_sext.nets.count).sim_path), "/Y/D8_3000");
   // The session goes on, and so does a smaller design.
   gx_vext.num_file_open = 0;
   EXPECT_EQ(run(one_part), lines_t{});
   EXPECT_EQ(kv_sext.nets.count, 2);
+}
+
+TEST_F(FlattenTest, AWatcherSeesALongRunAndMayStopIt) {
+  // Each level holds two of the next: 2^18 - 1 sheets, minutes of work.
+  std::string sheets;
+  for (int level = 18; level >= 2; --level) {
+    const std::string name = "b" + std::to_string(level);
+    const std::string below = level == 18 ? "e" : "b" + std::to_string(level + 1);
+    sheets += "symbol " + name + "\n pin 1 0,0 IN\nsheet " + name + "\n port 1 p 0,0\n part X " +
+              below + " 2,0\n part Y " + below + "  12,0\n net A\n  wire 0,0 X.1 Y.1\n";
+    if (level == 18) sheets += " net B\n  wire X.2 Y.2\n";
+  }
+  static std::vector<kv_progress_t> seen;
+  seen.clear();
+  kv_set_run_watcher([](const kv_progress_t& progress) {
+    seen.push_back(progress);
+    return seen.size() < 2;
+  });
+  ASSERT_EQ(session.run("store size 2000000000").size(), 1U);
+  const lines_t lines = run(sheets +
+                            "sheet top\n part X b2 2,0\n part Y b2 12,0\n"
+                            " net A\n  wire X.1 Y.1\n");
+  kv_set_run_watcher(nullptr);
+  ASSERT_FALSE(lines.empty());
+  EXPECT_EQ(lines.back(), "# RUN stopped");
+  ASSERT_EQ(seen.size(), 3U);
+  EXPECT_EQ(seen[0].all_sheets, (1 << 18) - 1);
+  EXPECT_GE(seen[1].seconds, 0.4);
+  EXPECT_TRUE(seen[2].ended);
+  EXPECT_EQ(kv_sext.nets.count, 0);
+  EXPECT_EQ(std::filesystem::file_size("design_kv"), 0U);
 }
 
 TEST_F(FlattenTest, MoreThanThirtyErrorsEndTheSheets) {

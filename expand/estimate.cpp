@@ -1,0 +1,62 @@
+#include "expand/estimate.h"
+
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <limits>
+#include <memory>
+
+namespace {
+
+// Far beyond any memory, and far enough from the end of the type to add two.
+constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max() / 4;
+
+// A short string: its record and what its path adds to the name.
+constexpr std::int64_t string_bytes = sizeof(kv_string_record_t) + 8;
+
+}  // namespace
+
+void kv_estimate_own(const kv_setup_t& setup, kv_sheet_t& sheet) {
+  const auto kept = [](const auto& list) {
+    return std::int64_t{list.count} * static_cast<std::int64_t>(sizeof(kv_prop_record_t));
+  };
+  const std::int64_t inst = sizeof(kv_inst_record_t) + kept(setup.property_instance);
+  const std::int64_t pin = sizeof(kv_pin_record_t) + kept(setup.property_pin);
+  const std::int64_t pinm = sizeof(kv_pinm_record_t) + kept(setup.property_pin);
+  const std::int64_t net = sizeof(kv_net_record_t) + kept(setup.property_net);
+  std::int64_t bytes = 0;
+  for (const auto& each : sheet.insts) {
+    const std::int64_t pin_bytes = (each.is_primitive ? pin : pinm) + string_bytes;
+    bytes += inst + 2 * string_bytes + each.nb_of_pin * pin_bytes;
+  }
+  for (const auto& group : sheet.groups) {
+    if (group.port < 0) bytes += (1 + std::max(group.width, 0)) * (net + 2 * string_bytes);
+  }
+  sheet.visits = std::min(sheet.visits + 1, most);
+  sheet.bytes = std::min(sheet.bytes + bytes, most);
+}
+
+void kv_estimate_below(kv_sheet_t& sheet, const kv_sheet_t& below) {
+  sheet.visits = std::min(sheet.visits + below.visits, most);
+  sheet.bytes = std::min(sheet.bytes + below.bytes, most);
+}
+
+std::int64_t kv_free_memory() {
+  std::int64_t bytes = most;
+  struct close_file {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+  };
+  if (const std::unique_ptr<std::FILE, close_file> file{std::fopen("/proc/meminfo", "re")}) {
+    char line[128];
+    long long kilobytes = 0;
+    while (std::fgets(line, sizeof line, file.get()) != nullptr) {
+      if (std::sscanf(line, "MemAvailable: %lld kB", &kilobytes) == 1) bytes = kilobytes * 1024;
+    }
+  }
+  rlimit limit;
+  if (::getrlimit(RLIMIT_AS, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY) {
+    bytes = std::min(bytes, static_cast<std::int64_t>(limit.rlim_cur));
+  }
+  return bytes;
+}

@@ -1,0 +1,24 @@
+// The side of a run that is watched: when to tell how far it is (expand/run.h has the watcher).
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+
+#include "expand/run.h"
+
+class kv_run_watch {
+ public:
+  explicit kv_run_watch(std::int64_t all_sheets);
+  ~kv_run_watch();  // tells the end to a watcher that was told of the run
+  kv_run_watch(const kv_run_watch&) = delete;
+  kv_run_watch& operator=(const kv_run_watch&) = delete;
+
+  // One more sheet is visited, with `insts` leaves stored so far. False when the run shall end.
+  bool next_sheet(std::int64_t insts);
+
+ private:
+  using clock = std::chrono::steady_clock;
+  clock::time_point start_, next_;
+  kv_progress_t progress_;
+  bool told_ = false;
+};
