@@ -14,6 +14,10 @@ struct gxm_date_t {
   std::int16_t day = 1, month = 1, year = 2000, hour = 0, minute = 0;
 };
 
+// That of the environment's SOURCE_DATE_EPOCH, else the present; UTC, so that the same epoch gives
+// the same bytes everywhere.
+gxm_date_t gxm_date_of_files();
+
 struct gxm_options_t {
   gxm_date_t date;
   std::string prefix;  // put before the symbol paths that sheets hold, "" or ending in "/"

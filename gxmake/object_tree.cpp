@@ -16,19 +16,6 @@ namespace {
 constexpr std::int32_t dot_half_size = 1000;
 constexpr gx_boundsreal_t pin_box = {-1000, -1000, 1000, 1000};  // the diamond that marks a pin
 
-void include(gx_boundsreal_t& box, gx_pointreal_t p) {
-  box.xmin = std::min(box.xmin, p.x);
-  box.ymin = std::min(box.ymin, p.y);
-  box.xmax = std::max(box.xmax, p.x);
-  box.ymax = std::max(box.ymax, p.y);
-}
-
-void include(gx_boundsreal_t& box, const gx_boundsreal_t& other) {
-  if (gx_bounds_empty(other)) return;
-  include(box, gx_pointreal_t{other.xmin, other.ymin});
-  include(box, gx_pointreal_t{other.xmax, other.ymax});
-}
-
 // What is not shown takes no place, so that it cannot be hit by the pointer.
 bool is_hidden(const gx_object_gene_rec_t& object) {
   return object.object_type == gx_type::property_2d &&
@@ -163,7 +150,7 @@ void gxm_grow_boxes(gxm_tree_t& tree) {
       const auto& instance = reinterpret_cast<const gx_object_instance_rec_t&>(child);
       box = gx_turn(box, instance.rotate, instance.fliph != 0);
     }
-    include(object(child.father).bounds, gx_move(box, child.origin));
+    gx_include(object(child.father).bounds, gx_move(box, child.origin));
   };
   for (int pass = 0; pass < 2; ++pass)  // first all but the families, so that symbols are known
     for (int id = tree.file->object_id_max; id >= 1; --id) {
@@ -173,8 +160,8 @@ void gxm_grow_boxes(gxm_tree_t& tree) {
                                      child.father == 0 || child.father == tree.file->primary_object;
       if (instance_or_above != (pass == 1)) continue;
       if (child.object_type == gx_type::instance)
-        include(child.bounds,
-                object(reinterpret_cast<const gx_object_instance_rec_t&>(child).symbol).bounds);
+        gx_include(child.bounds,
+                   object(reinterpret_cast<const gx_object_instance_rec_t&>(child).symbol).bounds);
       grow(child);
     }
 }

@@ -107,28 +107,21 @@ gxm_symbol_t plain_symbol(const gxi_symbol_t& symbol) {
   return plain;
 }
 
-void include(gx_boundsreal_t& box, gx_pointreal_t p) {
-  box.xmin = std::min(box.xmin, p.x);
-  box.ymin = std::min(box.ymin, p.y);
-  box.xmax = std::max(box.xmax, p.x);
-  box.ymax = std::max(box.ymax, p.y);
-}
-
 void include(gx_boundsreal_t& box, const gxm_shape_t& shape) {
   for (const auto& p : shape.points) {
-    include(box, {p.x - shape.radius, p.y - shape.radius});
-    include(box, {p.x + shape.radius, p.y + shape.radius});
+    gx_include(box, gx_pointreal_t{p.x - shape.radius, p.y - shape.radius});
+    gx_include(box, gx_pointreal_t{p.x + shape.radius, p.y + shape.radius});
   }
 }
 
 void include(gx_boundsreal_t& box, const gxi_text_t& text) {
   for (const auto& line : gxi_lines(text.value, text.look)) {
     const auto length = static_cast<std::int32_t>(line.text.size()) * text.look.height;
-    include(box, line.at);
-    include(box,
-            line.rotate == 0
-                ? gx_pointreal_t{line.at.x + length + length / 5, line.at.y - text.look.height}
-                : gx_pointreal_t{line.at.x - text.look.height, line.at.y - length - length / 5});
+    gx_include(box, line.at);
+    gx_include(box,
+               line.rotate == 0
+                   ? gx_pointreal_t{line.at.x + length + length / 5, line.at.y - text.look.height}
+                   : gx_pointreal_t{line.at.x - text.look.height, line.at.y - length - length / 5});
   }
 }
 
@@ -181,8 +174,8 @@ class sheet_builder {
     for (const auto& text : sheet_.texts) include(box, text);
     for (const auto& net : sheet_.nets) {
       for (const auto& segment : net.segments) {
-        include(box, segment.from);
-        include(box, segment.to);
+        gx_include(box, segment.from);
+        gx_include(box, segment.to);
       }
       if (net.name_look) include(box, {net.name, *net.name_look});
     }
@@ -206,15 +199,15 @@ class sheet_builder {
     if (is_new) {
       const auto& symbol = design_.cells[static_cast<std::size_t>(instance.symbol)].symbol;
       for (const auto& shape : symbol.shapes) include(found->second, shape);
-      for (const auto& pin : symbol.pins) include(found->second, pin.at);
+      for (const auto& pin : symbol.pins) gx_include(found->second, pin.at);
       for (const auto& text : symbol.texts) include(found->second, text);
     }
     if (!gx_bounds_empty(found->second)) {
       const auto& own = found->second;
-      include(box, gxi_on_sheet(instance, gx_pointreal_t{own.xmin, own.ymin}));
-      include(box, gxi_on_sheet(instance, gx_pointreal_t{own.xmax, own.ymax}));
+      gx_include(box, gxi_on_sheet(instance, gx_pointreal_t{own.xmin, own.ymin}));
+      gx_include(box, gxi_on_sheet(instance, gx_pointreal_t{own.xmax, own.ymax}));
     }
-    include(box, instance.at);
+    gx_include(box, instance.at);
     if (instance.name_look) include(box, {instance.name, *instance.name_look});
     for (const auto& property : instance.properties)
       if (property.look) include(box, {property.value, *property.look});

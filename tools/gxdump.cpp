@@ -4,9 +4,11 @@
 //   gxdump DIRECTORY BASE  the current version of a file, e.g. adder sheet
 #include <cstdio>
 #include <string>
+#include <vector>
 
 #include "gx/db/files.h"
 #include "gx/db/record_tables.h"
+#include "tools/usage.h"
 
 namespace {
 
@@ -55,18 +57,23 @@ void print_fields(const void* record, gx_fields_t fields) {
   for (const auto& field : fields) print_field(record, field);
 }
 
-int usage() {
-  std::fputs("usage: gxdump FILE | gxdump DIRECTORY BASE\n", stderr);
-  return 2;
-}
+constexpr tool_t tool = {"gxdump",
+                         "usage: gxdump FILE\n"
+                         "       gxdump DIRECTORY BASE\n"
+                         "Prints the records of a GX file as text, field by field: FILE, or the\n"
+                         "version of DIRECTORY/BASE.gx that is current.\n"
+                         "  --help, --version\n"};
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 2 && argc != 3) return usage();
-  std::string path = argv[1];
-  if (argc == 3) {
-    const auto names = gx_file_get_file_version(argv[1], argv[2]);
+  std::vector<std::string_view> words;
+  if (const auto ended = tool_read(tool, argc, argv, {}, words)) return *ended;
+  if (words.empty() || words.size() > 2)
+    return tool_usage_error(tool, "a FILE, or a DIRECTORY and a BASE, is wanted");
+  std::string path(words[0]);
+  if (words.size() == 2) {
+    const auto names = gx_file_get_file_version(words[0], words[1]);
     if (!names.found || !names.valid) {
       std::fprintf(stderr, "gxdump: %s: names no version of a file\n", names.link_pathname.char_);
       return 1;
@@ -88,5 +95,5 @@ int main(int argc, char** argv) {
     print_fields(object, gx_general_fields());
     print_fields(object, gx_tail_fields(object->object_type));
   }
-  return std::ferror(stdout) != 0 || std::fflush(stdout) != 0 ? 1 : 0;
+  return tool_end(tool, 0);
 }

@@ -1,18 +1,18 @@
 // gximport: makes a design directory from a drawing of another editor.
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <ctime>
 #include <exception>
 #include <fstream>
-#include <sstream>
+#include <string>
+#include <vector>
 
 #include "import/output.h"
 #include "import/readers.h"
+#include "tools/usage.h"
 
 namespace {
 
-constexpr char usage[] =
+constexpr tool_t tool = {
+    "gximport",
     "usage: gximport [OPTION]... -o DIRECTORY TOP.sch [PAGE.sch...]\n"
     "Makes DIRECTORY/CELL/symbol.gx and sheet.gx of a drawing and of all cells below it, and\n"
     "DIRECTORY/expand.do, which expands the design: cd DIRECTORY && kivo TOP expand.do\n"
@@ -25,21 +25,7 @@ constexpr char usage[] =
     "  --absolute     sheets name their symbols by absolute paths\n"
     "  -q, --quiet    says nothing but mistakes\n"
     "  --help, --version\n"
-    "Exit status: 0 imported, 1 refused (nothing is written), 2 wrong options.\n";
-
-gxm_date_t date_of_files() {
-  const char* const epoch = std::getenv("SOURCE_DATE_EPOCH");
-  const std::time_t now = epoch ? std::strtoll(epoch, nullptr, 10) : std::time(nullptr);
-  std::tm t{};
-  gmtime_r(&now, &t);
-  const auto i16 = [](int v) { return static_cast<std::int16_t>(v); };
-  return {i16(t.tm_mday), i16(t.tm_mon + 1), i16(t.tm_year + 1900), i16(t.tm_hour), i16(t.tm_min)};
-}
-
-int wrong_usage() {
-  std::fputs(usage, stderr);
-  return 2;
-}
+    "Exit status: 0 imported, 1 refused (nothing is written), 2 wrong options.\n"};
 
 bool looks_like_xschem(const std::filesystem::path& path) {
   std::ifstream in(path, std::ios::binary);
@@ -53,40 +39,28 @@ bool looks_like_xschem(const std::filesystem::path& path) {
 }  // namespace
 
 int main(int argc, char** argv) try {
+  std::string_view root, format;
+  std::vector<std::string_view> libraries, numbers, words;
+  bool absolute = false, quiet = false;
+  const tool_option_t options[] = {{.name = "-o", .value = &root},
+                                   {.name = "-L", .values = &libraries},
+                                   {.name = "--format", .value = &format},
+                                   {.name = "--number", .values = &numbers},
+                                   {.name = "--absolute", .flag = &absolute},
+                                   {.name = "-q", .flag = &quiet},
+                                   {.name = "--quiet", .flag = &quiet}};
+  if (const auto ended = tool_read(tool, argc, argv, options, words)) return *ended;
+  if (root.empty()) return tool_usage_error(tool, "no -o DIRECTORY given");
+  if (words.empty()) return tool_usage_error(tool, "no TOP.sch given");
+  if (!format.empty() && format != "xschem")
+    return tool_usage_error(tool, "unknown format " + std::string(format));
+
   gxi_input_t input;
-  gxi_output_t output{.root = {}, .date = date_of_files()};
-  std::string format;
-  bool quiet = false;
-  for (int i = 1; i < argc; ++i) {
-    const std::string word = argv[i];
-    const bool more = i + 1 < argc;
-    if (word == "--help") {
-      std::fputs(usage, stdout);
-      return 0;
-    }
-    if (word == "--version") {
-      std::puts("gximport (KIVO) 2.02");
-      return 0;
-    }
-    if (word == "-o" && more)
-      output.root = argv[++i];
-    else if (word == "-L" && more)
-      input.libraries.emplace_back(argv[++i]);
-    else if (word == "--format" && more)
-      format = argv[++i];
-    else if (word == "--number" && more)
-      output.numbers.emplace_back(argv[++i]);
-    else if (word == "--absolute")
-      output.absolute = true;
-    else if (word == "-q" || word == "--quiet")
-      quiet = true;
-    else if (word.size() > 1 && word[0] == '-')
-      return wrong_usage();
-    else
-      input.pages.emplace_back(word);
-  }
-  if (output.root.empty() || input.pages.empty()) return wrong_usage();
-  if (!format.empty() && format != "xschem") return wrong_usage();
+  input.pages.assign(words.begin(), words.end());
+  input.libraries.assign(libraries.begin(), libraries.end());
+  gxi_output_t output{.root = root, .date = gxm_date_of_files()};
+  output.numbers.assign(numbers.begin(), numbers.end());
+  output.absolute = absolute;
   if (format.empty() && !looks_like_xschem(input.pages.front()))
     throw std::runtime_error(input.pages.front().string() + ":1: no drawing of a known format");
 
@@ -99,6 +73,7 @@ int main(int argc, char** argv) try {
   if (!design.warnings.empty())
     std::printf("%zu notes in %s\n", design.warnings.size(),
                 (output.root / "gximport.log").c_str());
+  return tool_end(tool, 0);
 } catch (const std::exception& error) {
   std::fprintf(stderr, "%s\n", error.what());
   return 1;

@@ -1,18 +1,20 @@
 // gxmake: makes design directories from readable descriptions of symbols and sheets.
+#include <charconv>
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <ctime>
 #include <exception>
+#include <string>
+#include <vector>
 
 #include "gx/db/file_records.h"
 #include "gxmake/builder.h"
 #include "gxmake/memory_array.h"
 #include "gxmake/parser.h"
+#include "tools/usage.h"
 
 namespace {
 
-constexpr char usage[] =
+constexpr tool_t tool = {
+    "gxmake",
     "usage: gxmake [-o DIRECTORY] [-a] [-q] DESCRIPTION...\n"
     "       gxmake [-o DIRECTORY] [-a] [-q] --array BLOCKS [--variants N]\n"
     "Makes the symbols and sheets that the descriptions hold below DIRECTORY (default: \".\").\n"
@@ -22,16 +24,16 @@ constexpr char usage[] =
     "      instances, with N different cells (1..8, default 1)\n"
     "  -q  prints messages about mistakes only\n"
     "The time in the files is that of SOURCE_DATE_EPOCH when it is set, else the present.\n"
-    "The language of the descriptions is told in examples/README.md.\n";
+    "  --help, --version\n"
+    "The language of the descriptions is told in examples/README.md.\n"};
 
-// UTC, so that the same SOURCE_DATE_EPOCH gives the same bytes everywhere.
-gxm_date_t date_of_files() {
-  const char* const epoch = std::getenv("SOURCE_DATE_EPOCH");
-  const std::time_t now = epoch ? std::strtoll(epoch, nullptr, 10) : std::time(nullptr);
-  std::tm t{};
-  gmtime_r(&now, &t);
-  const auto i16 = [](int v) { return static_cast<std::int16_t>(v); };
-  return {i16(t.tm_mday), i16(t.tm_mon + 1), i16(t.tm_year + 1900), i16(t.tm_hour), i16(t.tm_min)};
+constexpr int most_blocks = 500;
+
+// The whole text as a number of 1..most; 0 when it is none.
+int number_of(std::string_view text, int most) {
+  int number = 0;
+  const auto [end, error] = std::from_chars(text.begin(), text.end(), number);
+  return error == std::errc() && end == text.end() && number >= 1 && number <= most ? number : 0;
 }
 
 bool complain(const gxm_messages_t& messages) {
@@ -42,40 +44,29 @@ bool complain(const gxm_messages_t& messages) {
 }  // namespace
 
 int main(int argc, char** argv) try {
-  std::filesystem::path root = ".";
+  std::string_view directory = ".", blocks, variants = "1";
   bool absolute = false, quiet = false;
+  std::vector<std::string_view> words;
+  const tool_option_t read_options[] = {{.name = "-o", .value = &directory},
+                                        {.name = "-a", .flag = &absolute},
+                                        {.name = "-q", .flag = &quiet},
+                                        {.name = "--array", .value = &blocks},
+                                        {.name = "--variants", .value = &variants}};
+  if (const auto ended = tool_read(tool, argc, argv, read_options, words)) return *ended;
+  if (words.empty() && blocks.empty()) return tool_usage_error(tool, "no DESCRIPTION given");
+  const std::filesystem::path root = directory;
   gxm_input_t input;
-  int descriptions = 0, blocks = 0, variants = 1;
-  for (int i = 1; i < argc; ++i) {
-    if (!std::strcmp(argv[i], "-o") && i + 1 < argc) {
-      root = argv[++i];
-    } else if (!std::strcmp(argv[i], "-a")) {
-      absolute = true;
-    } else if (!std::strcmp(argv[i], "-q")) {
-      quiet = true;
-    } else if (!std::strcmp(argv[i], "--array") && i + 1 < argc) {
-      blocks = std::atoi(argv[++i]);
-    } else if (!std::strcmp(argv[i], "--variants") && i + 1 < argc) {
-      variants = std::atoi(argv[++i]);
-    } else if (argv[i][0] == '-') {
-      std::fputs(usage, stderr);
-      return 2;
-    } else {
-      gxm_parse_file(argv[i], input);
-      ++descriptions;
-    }
-  }
-  if (blocks >= 1 && blocks <= 500 && variants >= 1 && variants <= 8) {
-    gxm_parse_text(gxm_memory_array(blocks, variants), "array", input);
-    ++descriptions;
-  }
-  if (!descriptions) {
-    std::fputs(usage, stderr);
-    return 2;
+  for (const auto word : words) gxm_parse_file(std::string(word), input);
+  if (!blocks.empty()) {
+    const int nb_blocks = number_of(blocks, most_blocks), nb_variants = number_of(variants, 8);
+    if (nb_blocks == 0 || nb_variants == 0)
+      return tool_usage_error(
+          tool, "--array takes 1 to " + std::to_string(most_blocks) + " blocks, --variants 1 to 8");
+    gxm_parse_text(gxm_memory_array(nb_blocks, nb_variants), "array", input);
   }
   if (complain(input.messages)) return 1;
 
-  gxm_options_t options{.date = date_of_files(), .prefix = {}};
+  gxm_options_t options{.date = gxm_date_of_files(), .prefix = {}};
   if (absolute) options.prefix = (std::filesystem::weakly_canonical(root) / "").string();
   gxm_messages_t messages;
   const auto files = gxm_build(input.design, options, messages);
@@ -85,7 +76,8 @@ int main(int argc, char** argv) try {
     for (const auto& file : files)
       std::printf("%s/%s.gx_1: %d objects\n", (root / file.directory).c_str(), file.base.c_str(),
                   file.file->object_id_max);
+  return tool_end(tool, 0);
 } catch (const std::exception& error) {
-  std::fprintf(stderr, "gxmake: %s\n", error.what());
+  tool_complain(tool, error.what());
   return 1;
 }

@@ -1,37 +1,35 @@
 // kivo-plot DESIGN SHEET OUT.plt: writes one sheet of a design as a plot file, without a display.
 // SHEET is the directory of the sheet, from the current directory; "." is the design's own sheet.
 #include <cstdio>
-#include <cstring>
 #include <string>
+#include <vector>
 
 #include "app/sheet/views.h"
 #include "gx/db/files.h"
 #include "gx/db/object_access.h"
 #include "gx/display/plot.h"
 #include "gx/display/window.h"
+#include "tools/usage.h"
 
 namespace {
-int usage() {
-  std::fputs(
-      "usage: kivo-plot [-landscape] DESIGN SHEET OUT.plt\n"
-      "  DESIGN   design directory\n"
-      "  SHEET    directory of the sheet, from here; \".\" for the design's own\n"
-      "  OUT.plt  plot file to write (HP-GL/2 in PCL)\n",
-      stderr);
-  return 2;
-}
+constexpr tool_t tool = {
+    "kivo-plot",
+    "usage: kivo-plot [-landscape] DESIGN SHEET OUT.plt\n"
+    "  DESIGN   design directory\n"
+    "  SHEET    directory of the sheet, from here; \".\" for the design's own\n"
+    "  OUT.plt  plot file to write (HP-GL/2 in PCL)\n"
+    "  --help, --version\n"};
 }  // namespace
 
 int main(int argc, char** argv) {
   gx_plot_t plot;
-  int at = 1;
-  if (argc == 5 && std::strcmp(argv[1], "-landscape") == 0) {
-    plot.landscape = true;
-    at = 2;
-  }
-  if (argc - at != 3) return usage();
-  const std::string sheet = std::strcmp(argv[at + 1], ".") == 0 ? argv[at] : argv[at + 1];
-  plot.path = argv[at + 2];
+  std::vector<std::string_view> words;
+  const tool_option_t options[] = {{.name = "-landscape", .flag = &plot.landscape}};
+  if (const auto ended = tool_read(tool, argc, argv, options, words)) return *ended;
+  if (words.size() != 3) return tool_usage_error(tool, "DESIGN, SHEET and OUT.plt are wanted");
+  const std::string sheet(words[1] == "." ? words[0] : words[1]);
+  const std::string path(words[2]);
+  plot.path = path;
   if (sheet.size() >= gx_max_string_length - 16) {
     std::fprintf(stderr, "kivo-plot: path too long: %s\n", sheet.c_str());
     return 1;
@@ -49,7 +47,7 @@ int main(int argc, char** argv) {
   lb_plotfile_all_inst(plot, file_index);
   lb_plotfile_all_net(plot, file_index);
   if (!gx_plotfile_end() || !plot.plot_ok) {
-    std::fprintf(stderr, "kivo-plot: cannot write %s\n", argv[at + 2]);
+    std::fprintf(stderr, "kivo-plot: cannot write %s\n", path.c_str());
     return 1;
   }
   return 0;

@@ -10,14 +10,23 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <charconv>
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <string>
+#include <vector>
 
 #include "expand/sim_request.h"
+#include "tools/usage.h"
 
 namespace {
+
+constexpr tool_t tool = {
+    "kivo-simlink",
+    "usage: kivo-simlink DIRECTORY [COUNT]\n"
+    "Stands in for the simulator: prints each request that KIVO sends to the FIFO of the design\n"
+    "DIRECTORY, COUNT of them or until Control+C. The FIFO is made when it is not there.\n"
+    "  --help, --version\n"};
 
 volatile std::sig_atomic_t stopped = 0;
 void stop(int) { stopped = 1; }
@@ -51,11 +60,14 @@ void listen(int fd, long count) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc < 2 || argc > 3) {
-    std::fprintf(stderr, "usage: kivo-simlink DIRECTORY [COUNT]\n");
-    return 2;
-  }
-  const std::string path = std::string(argv[1]) + "/" + std::string(kv_fifo_name);
+  std::vector<std::string_view> words;
+  if (const auto ended = tool_read(tool, argc, argv, {}, words)) return *ended;
+  long count = 0;
+  const std::string_view number = words.size() == 2 ? words[1] : "0";
+  const auto [end, error] = std::from_chars(number.begin(), number.end(), count);
+  if (words.empty() || words.size() > 2 || error != std::errc() || end != number.end() || count < 0)
+    return tool_usage_error(tool, "a DIRECTORY, and perhaps a COUNT, are wanted");
+  const std::string path = std::string(words[0]) + "/" + std::string(kv_fifo_name);
   const bool made = ::mkfifo(path.c_str(), 0600) == 0;
   // Open for writing too, so that the FIFO does not end with each writer.
   const int fd = ::open(path.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
@@ -66,7 +78,7 @@ int main(int argc, char** argv) {
   }
   std::signal(SIGINT, stop);
   std::signal(SIGTERM, stop);
-  listen(fd, argc == 3 ? std::strtol(argv[2], nullptr, 10) : 0);
+  listen(fd, count);
   ::close(fd);
   if (made) ::unlink(path.c_str());
   return 0;

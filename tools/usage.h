@@ -20,11 +20,13 @@ struct tool_t {
 };
 
 // An option by its name with the dashes. One with a value takes the rest of its word ("-oFILE",
-// "--output=FILE") or the next word; one with a flag sets it.
+// "--output=FILE") or the next word, one with values may be given again; one with a flag sets it.
 struct tool_option_t {
   std::string_view name;
   std::string_view* value = nullptr;
+  std::vector<std::string_view>* values = nullptr;
   bool* flag = nullptr;
+  bool takes_value() const { return value != nullptr || values != nullptr; }
 };
 
 inline void tool_print(std::FILE* stream, std::string_view text) {
@@ -42,9 +44,9 @@ inline int tool_usage_error(const tool_t& tool, std::string_view message) {
   return 2;
 }
 
-// Flushes standard output; `status`, or 1 with a message when something could not be written.
-inline int tool_end(const tool_t& tool, int status) {
-  if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return status;
+// Flushes standard output; `exit_status`, or 1 with a message when something could not be written.
+inline int tool_end(const tool_t& tool, int exit_status) {
+  if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return exit_status;
   tool_complain(tool, std::string("standard output: ") + std::strerror(errno));
   return 1;
 }
@@ -80,19 +82,20 @@ inline std::optional<int> tool_read(const tool_t& tool, int argc, char** argv,
       if (!word.starts_with(option.name)) continue;
       rest = word.substr(option.name.size());
       const bool is_long = option.name.starts_with("--");
-      if (!rest.empty() && (!option.value || (is_long && rest[0] != '='))) continue;
+      if (!rest.empty() && (!option.takes_value() || (is_long && rest[0] != '='))) continue;
       if (is_long && !rest.empty()) rest.remove_prefix(1);
       found = &option;
       break;
     }
     if (!found) return tool_usage_error(tool, "unknown option " + std::string(word));
     if (found->flag) *found->flag = true;
-    if (!found->value) continue;
+    if (!found->takes_value()) continue;
     if (word.size() == found->name.size()) {
       if (++i == argc) return tool_usage_error(tool, std::string(word) + " needs a value");
       rest = argv[i];
     }
-    *found->value = rest;
+    if (found->value) *found->value = rest;
+    if (found->values) found->values->push_back(rest);
   }
   return std::nullopt;
 }

@@ -28,6 +28,19 @@ gx_boundsreal_t gx_move(gx_boundsreal_t box, gx_pointreal_t by) {
   return {sum(box.xmin, by.x), sum(box.ymin, by.y), sum(box.xmax, by.x), sum(box.ymax, by.y)};
 }
 
+void gx_include(gx_boundsreal_t& box, gx_pointreal_t p) {
+  box.xmin = std::min(box.xmin, p.x);
+  box.ymin = std::min(box.ymin, p.y);
+  box.xmax = std::max(box.xmax, p.x);
+  box.ymax = std::max(box.ymax, p.y);
+}
+
+void gx_include(gx_boundsreal_t& box, const gx_boundsreal_t& other) {
+  if (gx_bounds_empty(other)) return;
+  gx_include(box, gx_pointreal_t{other.xmin, other.ymin});
+  gx_include(box, gx_pointreal_t{other.xmax, other.ymax});
+}
+
 bool gx_bounds_empty(const gx_boundsreal_t& box) {
   return box.xmin > box.xmax || box.ymin > box.ymax;
 }

@@ -20,7 +20,10 @@ constexpr std::int32_t gx_saturated(std::int64_t v) {
 gx_pointreal_t gx_turn(gx_pointreal_t p, int rotate, bool fliph);
 gx_boundsreal_t gx_turn(gx_boundsreal_t box, int rotate, bool fliph);  // an empty box stays so
 gx_boundsreal_t gx_move(gx_boundsreal_t box, gx_pointreal_t by);       // saturating
-bool gx_bounds_empty(const gx_boundsreal_t& box);                      // min above max
+// The box grows to hold the point, or the other box; an empty one adds nothing.
+void gx_include(gx_boundsreal_t& box, gx_pointreal_t p);
+void gx_include(gx_boundsreal_t& box, const gx_boundsreal_t& other);
+bool gx_bounds_empty(const gx_boundsreal_t& box);  // min above max
 // They have a point in common: by their corners and by crossing, edges included.
 bool gx_bounds_meet(const gx_boundsreal_t& a, const gx_boundsreal_t& b);
 // The same with common edges left out.
