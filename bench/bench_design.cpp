@@ -43,7 +43,8 @@ bench_design::~bench_design() {
 }
 
 kv_run_result bench_design::run(bool gen_data) {
-  return kv_run_expansion({sheets_, gen_data, expand_level_, macro_level_});
+  return kv_run_expansion({kv_sext, kv_sext, sheets_, expand_level_, macro_level_},
+                          kv_sext.designfile, gen_data);
 }
 
 std::string wide_sheet_bytes(int objects) {

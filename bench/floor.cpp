@@ -22,7 +22,7 @@ std::vector<Record> copy_of(kv_blocked_t<Record>& array) {
 
 template <typename Record>
 void build(kv_blocked_t<Record>& array, const std::vector<Record>& records) {
-  for (const Record& record : records) array[array.append(1, "bench")] = record;
+  for (const Record& record : records) array.add() = record;
 }
 
 }  // namespace

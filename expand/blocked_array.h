@@ -45,14 +45,19 @@ struct kv_blocked_t {
 
   // The block that position `at` (from 0) lies in; it and those before it exist then.
   Record* block_of(std::int32_t at) {
-    const auto block = static_cast<std::size_t>(at / kv_block_size);
-    while (blocks.size() <= block) blocks.push_back(std::make_unique<Record[]>(kv_block_size));
+    const std::size_t block = static_cast<std::uint32_t>(at) / kv_block_size;
+    if (block >= blocks.size()) [[unlikely]]
+      grow(block);
     return blocks[block].get();
+  }
+  // Where position `at` (from 0) lies.
+  Record* place(std::int32_t at) {
+    return block_of(at) + static_cast<std::uint32_t>(at) % kv_block_size;
   }
   // The next record, fresh; its index is `count` then.
   Record& add() {
     if (count >= limit) throw kv_store_full_t{kv_record_name<Record>, limit + 1, limit};
-    Record& record = block_of(count)[count % kv_block_size];
+    Record& record = *place(count);
     if (++count <= touched) {
       record = Record{};
     } else {
@@ -67,5 +72,10 @@ struct kv_blocked_t {
     const std::int32_t first = count + 1;
     for (std::int32_t i = 0; i < n; ++i) add();
     return first;
+  }
+
+ private:
+  [[gnu::noinline]] void grow(std::size_t block) {
+    while (blocks.size() <= block) blocks.push_back(std::make_unique<Record[]>(kv_block_size));
   }
 };

@@ -31,11 +31,11 @@ char* reserve_chars(kv_blocked_t<char>& chars, std::int32_t len, std::int32_t& i
   const std::int32_t start = std::max(end, (end + len) / kv_block_size * kv_block_size);
   if (len > chars.limit - start) throw kv_store_full_t{"char", start + len, chars.limit};
   if (start > end && end > 0) {
-    std::fill_n(chars.block_of(end) + end % kv_block_size, start - end, '\0');
+    std::fill_n(chars.place(end), start - end, '\0');
   }
   chars.count = start + len;
   index = start + 1;
-  return chars.block_of(start) + start % kv_block_size;
+  return chars.place(start);
 }
 
 template <typename Fill>
