@@ -2,6 +2,7 @@
 #include <string>
 
 #include "app/language/command_row.h"
+#include "app/run/run_progress.h"
 #include "app/sheet/command_viewport.h"
 #include "expand/run.h"
 #include "expand/store.h"
@@ -142,6 +143,7 @@ void kv_run_cmd(const kv_command_t&) {
     gx_tell("# RUN ");
     return gx_tell(kv_no_sheet);
   }
+  kv_set_run_watcher(kv_watch_run);
   const kv_run_result result = kv_run_expansion(
       {kv_sext, kv_sext, kv_pext.arrayof_file, kv_pext.expand_level, kv_pext.macro_level},
       kv_sext.designfile, kv_pext.gen_data);
