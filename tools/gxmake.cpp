@@ -74,7 +74,7 @@ int main(int argc, char** argv) try {
   gxm_write(files, root);
   if (!quiet)
     for (const auto& file : files)
-      std::printf("%s/%s.gx_1: %d objects\n", (root / file.directory).c_str(), file.base.c_str(),
+      std::printf("%s: %d objects\n", (root / file.directory / file.data_name()).c_str(),
                   file.file->object_id_max);
   return tool_end(tool, 0);
 } catch (const std::exception& error) {
