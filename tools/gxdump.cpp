@@ -3,6 +3,7 @@
 //   gxdump FILE            a data file, e.g. adder/sheet.gx_3
 //   gxdump DIRECTORY BASE  the current version of a file, e.g. adder sheet
 //   gxdump --source ...    the same and its symbols as a description for gxmake
+//   gxdump --format        the format of GX files
 #include <unistd.h>
 
 #include <cerrno>
@@ -14,6 +15,7 @@
 #include <vector>
 
 #include "gx/db/files.h"
+#include "gx/db/format_text.h"
 #include "gx/db/objects_of.h"
 #include "gx/db/record_tables.h"
 #include "gxmake/object_file.h"
@@ -71,12 +73,14 @@ constexpr tool_t tool = {
     "usage: gxdump [-C DIRECTORY] FILE\n"
     "       gxdump [-C DIRECTORY] DIRECTORY BASE\n"
     "       gxdump [-C DIRECTORY] --source [--all] FILE | DIRECTORY BASE\n"
+    "       gxdump --format\n"
     "Prints the records of a GX file as text, field by field: FILE, or the version of\n"
     "DIRECTORY/BASE.gx that is current.\n"
     "  --source  prints a sheet and the symbols that it names as a description: gxmake makes\n"
     "      files with the same objects of it\n"
     "  --all  with the sheets below and their symbols, each once\n"
     "  -C DIRECTORY  works there: symbols are found below it\n"
+    "  --format  prints the format of GX files, as tables in Markdown\n"
     "  --help, --version\n"};
 
 // --- the records
@@ -149,12 +153,17 @@ class source_printer {
 int main(int argc, char** argv) {
   std::vector<std::string_view> words;
   std::string_view directory;
-  bool source = false, all = false;
+  bool source = false, all = false, format = false;
   const tool_option_t options[] = {{.name = "-C", .value = &directory},
                                    {.name = "--source", .flag = &source},
-                                   {.name = "--all", .flag = &all}};
+                                   {.name = "--all", .flag = &all},
+                                   {.name = "--format", .flag = &format}};
   if (const auto ended = tool_read(tool, argc, argv, options, words)) return *ended;
-  if (words.empty() || words.size() > 2)
+  if (format && words.empty()) {
+    tool_print(stdout, gx_format_text());
+    return tool_end(tool, 0);
+  }
+  if (format || words.empty() || words.size() > 2)
     return tool_usage_error(tool, "a FILE, or a DIRECTORY and a BASE, is wanted");
   if (all && !source) return tool_usage_error(tool, "--all goes with --source");
   if (!directory.empty() && chdir(std::string(directory).c_str()) != 0) {
