@@ -2,6 +2,7 @@
 #include "gxmake/wire_net.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <set>
 
 namespace {

@@ -1,5 +1,6 @@
 // From the sheets of xschem to a drawing: cells, instances of vectors, ports, globals, pictures.
 #include <algorithm>
+#include <iterator>
 #include <set>
 #include <stdexcept>
 

@@ -2,6 +2,7 @@
 // the format of design files, from the same description that writes and reads them.
 #include <concepts>
 #include <cstdio>
+#include <iterator>
 
 #include "expand/design_records.h"
 #include "kvi/load.h"

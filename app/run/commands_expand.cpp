@@ -1,4 +1,5 @@
 // The expansion run and the commands that set it up.
+#include <iterator>
 #include <string>
 
 #include "app/language/command_row.h"

@@ -3,6 +3,7 @@
 #include "app/sheet/select_area.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "app/state.h"
 #include "gx/db/geometry.h"

@@ -9,6 +9,7 @@
 #include <memory>
 #include <memory_resource>
 #include <new>
+#include <type_traits>
 #include <vector>
 
 #include "gx/db/ids.h"

@@ -1,6 +1,7 @@
 #include "gx/display/draw_steps.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "gx/db/object_access.h"
 #include "gx/display/clipping.h"

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"

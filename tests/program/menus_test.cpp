@@ -1,5 +1,7 @@
 // The menu under the mouse: its four levels, what covers and uncovers it, its file, and the choice
 // of another menu from the product directory.
+#include <utility>
+
 #include "tests/program/interactive.h"
 
 namespace {

@@ -1,5 +1,6 @@
 // Placement through instances, boxes, picking, the snap grid and the page.
 #include <climits>
+#include <utility>
 
 #include "gx/db/geometry.h"
 #include "gx/vext.h"

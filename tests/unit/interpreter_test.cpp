@@ -1,4 +1,5 @@
 // The command language: how a line becomes commands, words and values, and how each answers.
+#include <algorithm>
 #include <fstream>
 #include <string>
 #include <vector>

@@ -1,4 +1,5 @@
 // DEFine and STAtus of keys and menus: what each answers, to the letter.
+#include <algorithm>
 #include <string>
 #include <vector>
 

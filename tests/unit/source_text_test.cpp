@@ -1,4 +1,5 @@
 // A file's text reads back as the same file, whatever a sound file holds.
+#include <algorithm>
 #include <cstring>
 #include <random>
 

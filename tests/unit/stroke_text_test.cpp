@@ -1,5 +1,6 @@
 #include "gx/display/stroke_text.h"
 
+#include <algorithm>
 #include <cmath>
 #include <map>
 #include <set>

@@ -1,4 +1,5 @@
 // The text records: what they hold, what they refuse, how they compare.
+#include <algorithm>
 #include <string>
 
 #include "gx/text/strings.h"
