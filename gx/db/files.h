@@ -1,4 +1,5 @@
-// GX files on disk: versions, link files, reading, saving, and the slots.
+// GX files on disk: versions, link files, reading, encoding, and the slots. Versions are 1..32767;
+// a path that is above 199 characters is refused, not cut.
 #pragma once
 
 #include <cstdio>
@@ -23,11 +24,16 @@ gx_file_version_t gx_file_get_file_version(std::string_view dirname, std::string
 // The names of version + 1.
 gx_file_version_t gx_file_new_file_version(std::string_view dirname, std::string_view filetype,
                                            std::int16_t version);
+// Link files are text: the first word of the first line, "_" and the version, and blanks. Those
+// below
+// "$VELMORAN" are found in the product directory.
 // The first token of a link file, empty when its first line holds none; false when the file cannot
 // be opened or is empty (which is counted as an error).
 bool gx_read_gx_link(std::string_view link_path, gx_string_record_t& link_value);
+// Replaces the link file as a whole; false, counted as an error, when that fails.
 bool gx_add_gx_link(std::string_view link_path, std::string_view link_value);
 
+// Whether the data file that a symbol path names is the current version.
 struct gx_link_test_t {
   gx_string_record_t directory;
   bool link_found = false;  // the symbol reference is valid
@@ -35,6 +41,7 @@ struct gx_link_test_t {
 };
 gx_link_test_t gx_check_gx_link(std::string_view data_path);
 
+// A symbol path taken apart: "lib/nmos/symbol.gx_3" is "lib/nmos", "symbol", 3.
 struct gx_symbol_path_t {
   gx_string_record_t directory, name;
   std::int16_t version = 0;
@@ -73,11 +80,14 @@ gx_load_t gx_load_file(std::string_view data_path);
 gx_load_t gx_load_stream(std::FILE* stream, std::string_view name);
 // The bytes of a data file that holds these objects.
 std::string gx_encode_file(const gx_file_gene_recf_t& file);
+
+// --- soundness (reference_check.cpp)
 // What is unsound in the references between the objects (tree links, instance chains, ends of
 // segments): "" when every walk along them ends and meets the types it expects.
 std::string gx_reference_fault(const gx_file_gene_recf_t& file);
 
-// --- slots (file_slots.cpp)
+// --- slots (file_slots.cpp), 1..32. A slot owns its file; a record of it holds until the slot is
+// closed, reopened or saved.
 // Opens the current version of directory/base into a new slot, or an empty file when there is no
 // link file; every failure stops the program.
 gx_file_index_t gx_file_open(std::string_view dirname, std::string_view filetype);
@@ -103,5 +113,6 @@ gx_file_index_t gx_file_create_bye(std::string_view data_path);
 // Fills the slot with an empty file.
 void gx_file_create_new(gx_file_index_t file_index);
 
+// --- the listing (object_list.cpp)
 // The dump of every object into "list_obj_file" of the file's directory.
 void gx_object_list(gx_file_index_t file_index);

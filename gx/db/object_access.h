@@ -4,6 +4,7 @@
 
 #include "gx/db/file_records.h"
 #include "gx/db/ids.h"
+#include "gx/db/object_flags.h"
 
 // The general record of a file slot. Not open: init_or_open_file_not_done; without record:
 // file_index_invalid.
@@ -89,25 +90,3 @@ gx_object_id_t gx_file_inq_primary_object(const gx_file_gene_recf_t& file);
 void gx_file_set_primary_object(gx_file_gene_recf_t& file, int id);
 void gx_file_select(gx_file_index_t file_index);  // makes it the current file
 gx_boundsreal_t gx_file_inq_bounds(const gx_file_gene_recf_t& file);
-
-// --- flags: reading and setting one bit of an object's status. The selected and deleted forms
-//     record an undo entry when the bit really changes.
-bool gx_inq_object_selected(const gx_file_gene_recf_t& file, int id);
-bool gx_inq_object_temporary(const gx_file_gene_recf_t& file, int id);
-bool gx_inq_object_create(const gx_file_gene_recf_t& file, int id);
-bool gx_inq_object_open(const gx_file_gene_recf_t& file, int id);
-bool gx_inq_object_picked(const gx_file_gene_recf_t& file, int id);
-bool gx_inq_object_deleted(const gx_file_gene_recf_t& file, int id);
-bool gx_inq_object_unvisible(const gx_file_gene_recf_t& file, int id);
-bool gx_inq_object_fixed(const gx_file_gene_recf_t& file, int id);
-void gx_set_object_selected(const gx_file_gene_recf_t& file, int id, bool on);
-void gx_set_object_temporary(const gx_file_gene_recf_t& file, int id, bool on);
-void gx_set_object_create(const gx_file_gene_recf_t& file, int id, bool on);
-void gx_set_object_open(const gx_file_gene_recf_t& file, int id, bool on);
-void gx_set_object_picked(const gx_file_gene_recf_t& file, int id, bool on);
-void gx_set_object_deleted(const gx_file_gene_recf_t& file, int id, bool on);
-void gx_set_object_unvisible(const gx_file_gene_recf_t& file, int id, bool on);
-void gx_set_object_fixed(const gx_file_gene_recf_t& file, int id, bool on);
-
-// The selected flag of every property child of a holder (the child-selected marking).
-void gx_set_child_selected(const gx_file_gene_recf_t& file, int holder, bool on);

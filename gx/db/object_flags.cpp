@@ -1,4 +1,6 @@
 // Reading and setting the flag bits of an object's status.
+#include "gx/db/object_flags.h"
+
 #include "gx/db/object_access.h"
 #include "gx/db/undo.h"
 

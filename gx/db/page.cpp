@@ -1,4 +1,6 @@
 // The snap grid, angles, and the page with its grid object.
+#include "gx/db/page.h"
+
 #include <cmath>
 #include <numbers>
 

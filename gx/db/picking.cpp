@@ -1,4 +1,6 @@
 // The pick aperture, and which objects meet it, a point or the part of a design that is shown.
+#include "gx/db/picking.h"
+
 #include "gx/db/file_state.h"
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"

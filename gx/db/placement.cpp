@@ -1,5 +1,7 @@
 // From positions relative to fathers to absolute ones, and through the instance that places a
 // symbol on a sheet.
+#include "gx/db/placement.h"
+
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
 #include "gx/text/debug.h"

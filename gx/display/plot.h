@@ -2,8 +2,10 @@
 //
 // The same objects that the display draws become pen moves, circles, arcs and labels in a text
 // file, in page coordinates with y pointing up. Colours, line styles, selection and viewports play
-// no part; no display is needed. One plot is open at a time: the first object written opens the
-// file and fixes the scale, gx_plotfile_end closes it.
+// no part; no display is needed. Places are design units. One plot is open at a time: the first
+// object written opens the file and fixes the scale, gx_plotfile_end closes it. A file that cannot
+// be opened is counted as an error, once, and nothing is written. A slot without a file, and ids
+// that name nothing, stop the program as the accessors of gx/db/object_access.h say.
 #pragma once
 
 #include <cstdint>
@@ -13,11 +15,14 @@
 
 // One plot from its first object to gx_plotfile_end.
 struct gx_plot_t {
-  std::string_view path;  // of the file to write
+  std::string_view path;  // of the file to write; the caller's, until the plot ends
   bool landscape = false;
   bool scaling_done = false;  // the file is open and the scale fixed
   bool plot_ok = true;        // false: the file could not be opened
 };
+
+// --- objects (plot_objects.cpp; the first and the end in plot_sheet.cpp). `inst_id` is the
+// instance that places the object, 0 for none.
 
 // Writes one object and its subtree; the first call opens the file (truncating it) and writes the
 // header. A page above 100,000,000 units stops with object_id_invalid.
@@ -31,7 +36,7 @@ void gx_plotfile_dot(std::int32_t page_height, std::int32_t x, std::int32_t y,
 // Trailer and close. False when the file could not be written whole; nothing without a plot.
 bool gx_plotfile_end();
 
-// --- whole sheets, in the order and with the checks of the display's walks
+// --- whole sheets (plot_sheet.cpp), in the order and with the checks of the display's walks
 void lb_plotfile_all_frame(gx_plot_t& plot, gx_file_index_t file_index);
 void lb_plotfile_one_inst(gx_plot_t& plot, gx_file_index_t file_index, int inst);
 void lb_plotfile_all_inst(gx_plot_t& plot, gx_file_index_t file_index);

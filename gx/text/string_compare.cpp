@@ -1,9 +1,10 @@
 // Comparisons of the text records; none of them stops the program.
+#include "gx/text/string_compare.h"
+
 #include <algorithm>
 
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
-#include "gx/text/strings.h"
 
 namespace {
 // A side of a comparison; a length that no text has makes every comparison false.

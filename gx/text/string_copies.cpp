@@ -1,11 +1,14 @@
 // Copies and concatenations of the text records.
+#include "gx/text/string_copies.h"
+
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 
 #include "gx/text/debug.h"
 #include "gx/text/record_fill.h"
 #include "gx/text/status.h"
-#include "gx/text/strings.h"
+#include "gx/text/string_checks.h"
 
 namespace {
 constexpr std::size_t max_string = gx_max_string_length - 1;
