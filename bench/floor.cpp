@@ -63,7 +63,7 @@ void run_floor::pass() {
   for (const kv_string_record_t& record : source_->strings) {
     kv_sext.strings[kv_sext.strings.append(1)] = record;
     if (record.len > 0) {
-      std::memcpy(&kv_sext.chars[record.index], source_->chars.data() + record.index - 1,
+      std::memcpy(kv_sext.chars.place(record.index - 1), source_->chars.data() + record.index - 1,
                   static_cast<std::size_t>(record.len));
     }
   }

@@ -3,9 +3,12 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
+#include <new>
 #include <string_view>
+#include <type_traits>
 #include <vector>
+
+#include "expand/block_memory.h"
 
 inline constexpr int kv_block_size = 1000;
 inline constexpr std::int32_t kv_start_records = 500'000;      // what an array may hold at first
@@ -28,9 +31,8 @@ struct kv_store_full_t {
 template <typename Record>
 struct kv_blocked_t {
   std::int32_t count = 0;
-  std::int32_t touched = 0;  // records behind this index were never used
   std::int32_t limit = kv_start_records;
-  std::vector<std::unique_ptr<Record[]>> blocks;
+  std::vector<Record*> blocks;  // those behind `count` hold no records
 
   // Record `index` (from 1), which the caller has checked.
   Record& operator[](std::int32_t index) {
@@ -43,27 +45,19 @@ struct kv_blocked_t {
   }
   bool holds(std::int32_t index) const { return index >= 1 && index <= count; }
 
-  // The block that position `at` (from 0) lies in; it and those before it exist then.
-  Record* block_of(std::int32_t at) {
+  // Where position `at` (from 0) lies; its block and those before it exist then.
+  Record* place(std::int32_t at) {
     const std::size_t block = static_cast<std::uint32_t>(at) / kv_block_size;
     if (block >= blocks.size()) [[unlikely]]
       grow(block);
-    return blocks[block].get();
-  }
-  // Where position `at` (from 0) lies.
-  Record* place(std::int32_t at) {
-    return block_of(at) + static_cast<std::uint32_t>(at) % kv_block_size;
+    return blocks[block] + static_cast<std::uint32_t>(at) % kv_block_size;
   }
   // The next record, fresh; its index is `count` then.
   Record& add() {
     if (count >= limit) throw kv_store_full_t{kv_record_name<Record>, limit + 1, limit};
-    Record& record = *place(count);
-    if (++count <= touched) {
-      record = Record{};
-    } else {
-      touched = count;
-    }
-    return record;
+    Record* record = ::new (static_cast<void*>(place(count))) Record{};
+    ++count;
+    return *record;
   }
   // Makes room for indexes count + 1 .. count + n and returns the first; the new records are
   // fresh (all fields at their defaults).
@@ -75,7 +69,12 @@ struct kv_blocked_t {
   }
 
  private:
+  static_assert(std::is_trivially_destructible_v<Record>);
+
   [[gnu::noinline]] void grow(std::size_t block) {
-    while (blocks.size() <= block) blocks.push_back(std::make_unique<Record[]>(kv_block_size));
+    while (blocks.size() <= block) {
+      blocks.push_back(reinterpret_cast<Record*>(memory_.take(kv_block_size * sizeof(Record))));
+    }
   }
+  kv_block_memory memory_;
 };

@@ -78,7 +78,7 @@ void write_array(image_writer& out, const kv_blocked_t<Record>& array) {
   std::int32_t left = array.count;
   for (std::size_t block = 0; left > 0 && out.ok(); ++block) {
     const std::int32_t n = std::min(left, kv_block_size);
-    const std::span block_records(array.blocks[block].get(), static_cast<std::size_t>(n));
+    const std::span block_records(array.blocks[block], static_cast<std::size_t>(n));
     write_records<Record>(out, block_records);
     left -= n;
   }
