@@ -139,6 +139,7 @@ class analysis {
     }
     kv_net_groups_t joined = nets_.join(net_names_, port_names);
     for (const std::int32_t master : joined.master_of_group) take_group(master);
+    sheet.joins = std::move(joined.joins);
     for (std::size_t i = 0; i < sheet.nets.size(); ++i) {
       sheet.nets[i].group = joined.group_of_net[i];
     }
@@ -222,7 +223,8 @@ class analysis {
     for (std::size_t i = 0; i < sheet.ports.size(); ++i) {
       if (port_nets_[i] < 0) continue;
       auto& port = sheet.ports[i];
-      port.group = sheet.nets[static_cast<std::size_t>(port_nets_[i])].group;
+      port.net = port_nets_[i];
+      port.group = sheet.nets[static_cast<std::size_t>(port.net)].group;
       auto& group = sheet.groups[static_cast<std::size_t>(port.group)];
       if (group.port < 0) {
         group.port = static_cast<std::int32_t>(i);
@@ -252,7 +254,9 @@ class analysis {
     kv_sheet_global_t global;
     global.name = keep_text({name});
     global.run_global = run_global(name);
-    global.group = group_at(pin.pinpropfam);
+    global.object_id = static_cast<gx_object_id_t>(inst);
+    global.net = nets_.net_at(pin.pinpropfam);
+    global.group = global.net >= 0 ? sheet.nets[static_cast<std::size_t>(global.net)].group : -1;
     global.usable = global.group >= 0;
     global.init = init_of(gx_find_prop_of_two(file_, pin.pinpropfam, pin.pin, "INIT"));
     const auto* record = gx_object_as<gx_object_pinpropfam_rec_t>(file_, pin.pinpropfam);

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "expand/design.h"
+#include "expand/net_join.h"
 #include "gx/db/file_records.h"
 #include "gx/db/ids.h"
 
@@ -64,12 +65,15 @@ struct kv_sheet_port_t {
   kv_text_t name, bare_name;  // bare: without the bus range
   bool is_range = false;      // its pin stands for several bits
   std::int32_t group = -1;
+  std::int32_t net = -1;  // that it stands on
 };
 
 struct kv_sheet_global_t {
   kv_text_t name;
   std::int32_t run_global = -1;  // its place among the globals of the run
+  gx_object_id_t object_id = 0;  // the instance
   std::int32_t group = -1;
+  std::int32_t net = -1;      // that it stands on
   std::int32_t position = 0;  // on a bus: the member, -1: none that exists
   std::int32_t report = -1;   // what is wrong with it on this sheet
   bool usable = true;         // false: only its report counts
@@ -126,6 +130,7 @@ struct kv_sheet_t {
   std::int64_t visits = 0, bytes = 0;
   std::vector<kv_sheet_net_t> nets;  // in child order
   std::vector<kv_sheet_group_t> groups;
+  std::vector<kv_join_t> joins;  // what made the nets of a group one
   std::vector<kv_sheet_port_t> ports;
   std::vector<kv_sheet_global_t> globals;  // every instance of one
   std::vector<kv_report_t> port_reports, global_reports;
