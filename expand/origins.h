@@ -22,6 +22,7 @@ struct kv_visit_t {
 };
 
 struct kv_origins_t {
+  std::uint64_t run = 0;  // another number for every run of the process; 0: none has filled it
   std::unique_ptr<kv_sheet_t> top;
   std::vector<std::unique_ptr<kv_component_t>> components;  // symbols of sheets index them
   std::vector<kv_global_net_record_t> globals;

@@ -116,7 +116,11 @@ kv_run_result kv_expand(const kv_run_t& run) {
     return kv_run_result::no_sheet;
   }
   kv_empty_design(run.design);
-  if (run.origins != nullptr) *run.origins = {};
+  static std::uint64_t runs = 0;
+  if (run.origins != nullptr) {
+    *run.origins = {};
+    run.origins->run = ++runs;
+  }
   kv_limit_design(run.design, run.setup.store_size);
   run.design.kept = run.setup;
   gx_tell(" RUN ");

@@ -176,13 +176,13 @@ class analysis {
   }
 
   void sort_instance(int inst) {
-    const std::string_view value = gx_prop_text(gx_find_inst_prop(file_, inst, "CLASS"));
-    if ((value.size() == 6 || value.size() == 7) && gx_equal("PORT", value)) {
-      port_insts_.push_back(inst);
-    } else if (gx_iden(value, "G") && gx_find_inst_prop(file_, inst, "GLOBAL") != nullptr) {
-      global_insts_.push_back(inst);
-    } else {
-      plain_insts_.push_back(inst);
+    switch (kv_role_of(file_, inst)) {
+      case kv_inst_role::port:
+        return port_insts_.push_back(inst);
+      case kv_inst_role::global:
+        return global_insts_.push_back(inst);
+      case kv_inst_role::part:
+        return plain_insts_.push_back(inst);
     }
   }
 
@@ -467,6 +467,14 @@ class analysis {
 kv_sheet_t kv_analyse_sheet(const gx_file_gene_recf_t& file, std::string_view file_path,
                             const kv_setup_t& setup, std::vector<kv_global_net_record_t>& globals) {
   return analysis(file, setup, globals).run(file_path);
+}
+
+kv_inst_role kv_role_of(const gx_file_gene_recf_t& file, int inst) {
+  const std::string_view value = gx_prop_text(gx_find_inst_prop(file, inst, "CLASS"));
+  if ((value.size() == 6 || value.size() == 7) && gx_equal("PORT", value))
+    return kv_inst_role::port;
+  const bool is_global = gx_iden(value, "G") && gx_find_inst_prop(file, inst, "GLOBAL") != nullptr;
+  return is_global ? kv_inst_role::global : kv_inst_role::part;
 }
 
 bool kv_found_primitive(const kv_setup_t& setup, const gx_file_gene_recf_t& file, int inst) {

@@ -159,6 +159,10 @@ struct kv_global_net_record_t {
 kv_sheet_t kv_analyse_sheet(const gx_file_gene_recf_t& file, std::string_view file_path,
                             const kv_setup_t& setup, std::vector<kv_global_net_record_t>& globals);
 
+// What an instance stands for: a port or a global by its CLASS, else a part or a block.
+enum class kv_inst_role : std::uint8_t { part, port, global };
+kv_inst_role kv_role_of(const gx_file_gene_recf_t& file, int inst);
+
 // Whether an instance is a primitive: the first entry of the PRIMitive list that it meets.
 bool kv_found_primitive(const kv_setup_t& setup, const gx_file_gene_recf_t& file, int inst);
 
