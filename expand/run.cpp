@@ -92,7 +92,7 @@ std::optional<kv_run_result> flatten(const kv_run_t& run, gx_file_index_t top) {
     gx_count_error();
     return kv_run_result::design_too_large;
   }
-  kv_run_watch watch(sheet.visits);
+  kv_run_watch watch(run, sheet.visits);
   walk.watch = &watch;
   run.macro_level = 0;
   kv_process_inst_of_sheet(walk, sheet, {}, 1, 0);

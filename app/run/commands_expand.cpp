@@ -143,10 +143,10 @@ void kv_run_cmd(const kv_command_t&) {
     gx_tell("# RUN ");
     return gx_tell(kv_no_sheet);
   }
-  kv_set_run_watcher(kv_watch_run);
-  const kv_run_result result = kv_run_expansion(
-      {kv_sext, kv_sext, kv_pext.arrayof_file, kv_pext.expand_level, kv_pext.macro_level},
-      kv_sext.designfile, kv_pext.gen_data);
+  const kv_run_result result =
+      kv_run_expansion({kv_sext, kv_sext, kv_pext.arrayof_file, kv_pext.expand_level,
+                        kv_pext.macro_level, kv_watch_run},
+                       kv_sext.designfile, kv_pext.gen_data);
   if (result == kv_run_result::done || result == kv_run_result::write_failed) anchor_sim_path();
 }
 
