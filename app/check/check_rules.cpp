@@ -117,7 +117,7 @@ struct object_check_t {
     const auto twice = first_duplicate(names.names);
     if (!twice) return false;
     report(check, wording, wording.same_name, where);
-    gx_tell("#    properties with same name : \"", *twice, "\" ");
+    gx_tell_as(gx_line_kind::detail, "#    properties with same name : \"", *twice, "\" ");
     return true;
   }
 };
@@ -274,7 +274,7 @@ void check_instance(kv_check_t& check, int inst, links_t& links, kv_check_table_
   if (const auto twice = first_duplicate(pin_names.names)) {
     check.error("# !! Error : pin with same name on the Instance :");
     show_place(body.where);
-    gx_tell("#    Pin with same name : \"", *twice, "\" ");
+    gx_tell_as(gx_line_kind::detail, "#    Pin with same name : \"", *twice, "\" ");
     select_body_properties(check, inst);
   }
   body.report_same_names();
