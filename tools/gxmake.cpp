@@ -43,7 +43,7 @@ bool complain(const gxm_messages_t& messages) {
 void tell_what_was_made(const std::filesystem::path& root, const std::vector<gxm_file_t>& files,
                         int array_blocks) {
   for (const auto& file : files)
-    std::printf("%s/%s.gx_1: %d objects\n", (root / file.directory).c_str(), file.base.c_str(),
+    std::printf("%s: %d objects\n", (root / file.directory / file.data_name()).c_str(),
                 file.file->object_id_max);
   if (array_blocks == 0) return;
   const auto counts = gxm_count_memory_array(array_blocks);
