@@ -24,6 +24,7 @@ bench_design::bench_design(int blocks, int variants) {
   gx_reset_state();
   gx_init_nograph();
   kv_sext = kv_defref_exp_rec_t{};
+  kv_sext.store_size = kv_max_records;
   kv_sext.primitive.entry[0].name = gx_string("CLASS");
   kv_sext.primitive.count = 1;
   keep(kv_sext.property_instance, "CLASS");
