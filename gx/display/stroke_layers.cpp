@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "gx/text/at.h"
+
 int gx_stroke_layers_t::column(int x) const { return std::clamp(x >> tile_bits, 0, columns_ - 1); }
 
 int gx_stroke_layers_t::row(int y) const { return std::clamp(y >> tile_bits, 0, rows_ - 1); }
@@ -10,13 +12,13 @@ template <typename Visit>
 void gx_stroke_layers_t::visit_tiles(int xmin, int ymin, int xmax, int ymax, Visit visit) {
   const int left = column(xmin), right = column(xmax);
   for (int r = row(ymin), bottom = row(ymax); r <= bottom; ++r)
-    for (int c = left; c <= right; ++c) visit(tiles_[static_cast<std::size_t>(r * columns_ + c)]);
+    for (int c = left; c <= right; ++c) visit(gx_at(tiles_, r * columns_ + c));
 }
 
 template <typename Visit>
 void gx_stroke_layers_t::visit_tiles(const gx_line16_t& line, Visit visit) {
-  const auto [x1, x2] = std::minmax(line.x1, line.x2);
-  const auto [y1, y2] = std::minmax(line.y1, line.y2);
+  const int x1 = std::min(line.x1, line.x2), x2 = std::max(line.x1, line.x2);
+  const int y1 = std::min(line.y1, line.y2), y2 = std::max(line.y1, line.y2);
   const int left = column(x1), right = column(x2);
   if (left == right || row(y1) == row(y2)) {
     visit_tiles(x1, y1, x2, y2, visit);
@@ -25,7 +27,7 @@ void gx_stroke_layers_t::visit_tiles(const gx_line16_t& line, Visit visit) {
   // A slanted line: in each column of tiles the rows between where it enters and leaves.
   const std::int64_t dx = line.x2 - line.x1, dy = line.y2 - line.y1;
   const auto y_at = [&](int x) {
-    return static_cast<int>(line.y1 + (std::clamp<int>(x, x1, x2) - line.x1) * dy / dx);
+    return static_cast<int>(line.y1 + (std::clamp(x, x1, x2) - line.x1) * dy / dx);
   };
   for (int c = left; c <= right; ++c) {
     const int from = c == left ? x1 : c << tile_bits;
@@ -59,7 +61,7 @@ gx_stroke_group_t& gx_stroke_layers_t::group_at(std::uint32_t layer, int color, 
     in_layer_[at].clear();
     index_[at].fill(-1);
   }
-  int& group = index_[at][static_cast<std::size_t>(color * gx_nb_of_dash_lists + dashes)];
+  int& group = gx_at(index_[at], color * gx_nb_of_dash_lists + dashes);
   if (group < 0) {
     group = static_cast<int>(used_);
     in_layer_[at].push_back(group);
@@ -68,7 +70,7 @@ gx_stroke_group_t& gx_stroke_layers_t::group_at(std::uint32_t layer, int color, 
     groups_[used_].dashes = dashes;
     ++used_;
   }
-  return groups_[static_cast<std::size_t>(group)];
+  return gx_at(groups_, group);
 }
 
 void gx_stroke_layers_t::cover(int width, int height) {

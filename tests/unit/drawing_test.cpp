@@ -8,7 +8,7 @@
 #include "tests/unit/fatal_stop.h"
 
 namespace {
-constexpr int black = 0, red = 1, green = 2, cyan = 4, magenta = 6, white = 7;
+constexpr int black = 0, red = 1, green = 2, cyan = 4, white = 7;
 constexpr auto draws = gx_draw_mode::draw;
 constexpr auto erases = gx_draw_mode::erase;
 using lines_t = std::vector<gx_line16_t>;

@@ -71,10 +71,9 @@ TEST_F(Product, HelpIsFoundByAnyWordThatMeansTheCommand) {
   for (const auto& [typed, first_line] : cases) {
     const auto shown = session.run("HELP " + std::string(typed));
     ASSERT_FALSE(shown.empty());
-    EXPECT_TRUE(std::ranges::any_of(shown,
-                                    [&](const std::string& line) {
-                                      return line.starts_with("# \"" + std::string(first_line));
-                                    }))
+    const std::string wanted = "# \"" + std::string(first_line);
+    EXPECT_TRUE(std::ranges::any_of(
+        shown, [&](const std::string& line) { return line.starts_with(wanted); }))
         << typed << ": " << shown.front();
   }
   EXPECT_TRUE(session.run("HELP jump").front().starts_with("# HELp jump"));
