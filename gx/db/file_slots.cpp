@@ -6,6 +6,7 @@
 #include "gx/db/file_state.h"
 #include "gx/db/files.h"
 #include "gx/db/object_access.h"
+#include "gx/text/at.h"
 #include "gx/text/date.h"
 #include "gx/text/debug.h"
 #include "gx/text/session_state.h"
@@ -24,17 +25,10 @@ struct operation_t {
 constexpr operation_t op_open{"open file", "!!! file_open  file not opened : ", "O"};
 constexpr operation_t op_reopen{"reopen file", "!!! file_reopen  file not reopen : ", "R"};
 
-gx_file_io_rec_t& slot_of(gx_file_index_t file_index) {
-  return gx_files.filear[static_cast<std::size_t>(file_index)];
-}
-
-void close_stream(gx_file_io_rec_t& slot) {
-  if (slot.file_io_id != nullptr) std::fclose(slot.file_io_id);
-  slot.file_io_id = nullptr;
-}
+gx_file_io_rec_t& slot_of(gx_file_index_t file_index) { return gx_at(gx_files.filear, file_index); }
 
 void close_all_streams() {
-  for (auto& slot : gx_files.filear) close_stream(slot);
+  for (auto& slot : gx_files.filear) slot.file_io_id.reset();
 }
 
 void check_initialised() {
@@ -44,7 +38,7 @@ void check_initialised() {
 // One line to the debug file and one to the user, the same name in both.
 void report(const char* debug_text, const char* text, std::string_view name) {
   const int len = static_cast<int>(name.size());
-  gx_debug("%s'%.*s'\n", debug_text, len, name.data());
+  gx_trace(debug_text, "'", name, "'");
   std::printf("%s'%.*s'\n", text, len, name.data());
 }
 
@@ -119,15 +113,15 @@ struct attempt_t {
   switch (load.fault) {
     case gx_load_fault::unreadable:
       ++gx_session.num_errors;
-      gx_debug("%s\"%.*s\" \n", op.refused, len, path.data());
+      gx_trace(op.refused, "\"", path, "\" ");
       break;
     case gx_load_fault::revision:
-      gx_debug(" !! soft_rev error in %s in = '%.*s'\n", op.name, len, path.data());
+      gx_trace(" !! soft_rev error in ", op.name, " in = '", path, "'");
       std::printf("!! Software Revision Error:%f(instead of:%f) in %s = '%.*s'\n",
                   static_cast<double>(load.revision), 2.0, op.name, len, path.data());
       break;
     case gx_load_fault::end_marker:
-      gx_debug(" ## error in %s in = '%.*s'\n", op.name, len, path.data());
+      gx_trace(" ## error in ", op.name, " in = '", path, "'");
       break;
     case gx_load_fault::record_kind:
       std::fprintf(stderr, " Error :  readrectype : got unexpected  type=%d (%d,%d) \n", load.value,
@@ -254,7 +248,7 @@ void gx_check_file_to_close(gx_file_index_t file_index) {
 
 void gx_file_close(gx_file_index_t file_index) {
   gx_check_file_to_close(file_index);
-  close_stream(slot_of(file_index));
+  slot_of(file_index).file_io_id.reset();
 }
 
 gx_file_index_t gx_file_create_bye(std::string_view data_path) {
@@ -262,8 +256,8 @@ gx_file_index_t gx_file_create_bye(std::string_view data_path) {
       " ## error in create file = ", " !! error in create file (too_many_files)= ", data_path);
   auto& slot = slot_of(file_index);
   slot.file_pathname = gx_string(data_path);
-  slot.file_io_id = gx_popen_file(data_path, 'W', false);
-  if (slot.file_io_id == nullptr) {
+  slot.file_io_id.reset(gx_popen_file(data_path, 'W', false));
+  if (!slot.file_io_id) {
     gx_trace("!!! file_create_bye  file impossible to open : \"", data_path, "\" ");
     gx_set_status(gx_code::file_open_invalid);
   }

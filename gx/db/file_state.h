@@ -3,11 +3,11 @@
 
 #include <array>
 #include <cstdint>
-#include <cstdio>
 #include <memory>
 
 #include "gx/db/ids.h"
 #include "gx/text/records.h"
+#include "platform/files.h"
 
 struct gx_file_gene_recf_t;  // gx/db/file_records.h
 
@@ -23,7 +23,7 @@ struct gx_file_io_rec_t {
   gx_string_record_t link_value;     // "_" and the version digits
   gx_string_record_t file_pathname;  // dirname "/" filetype ".gx" link_value
   gx_string_record_t link_pathname;  // dirname "/" filetype ".gx"
-  std::FILE* file_io_id = nullptr;   // owned; closed by gx_file_close and by the fatal stops
+  x_file file_io_id;                 // closed by gx_file_close and by the fatal stops
   std::shared_ptr<gx_file_gene_recf_t> start_buf_ptr;  // null while the slot is unused
 };
 

@@ -119,8 +119,7 @@ bool gx_add_gx_link(std::string_view link_path, std::string_view link_value) {
   const std::string path(gx_view(gx_resolve_path(link_path)));
   if (x_replace_file(path, std::string(link_value) + "        \n")) return true;
   ++gx_session.num_errors;
-  gx_debug("!!! ( add_gx_link ) impossible to open new link_file  : \"%.*s\" \n",
-           static_cast<int>(link_path.size()), link_path.data());
+  gx_trace("!!! ( add_gx_link ) impossible to open new link_file  : \"", link_path, "\" ");
   return false;
 }
 

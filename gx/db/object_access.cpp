@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "gx/db/file_state.h"
+#include "gx/text/at.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
 
@@ -23,7 +24,7 @@ gx_file_gene_recf_t& gx_ptrto_gene_file_buf(gx_file_index_t file_index) {
     gx_debug_line(" ## error 1 in gx_ptrto_gene_file_buf ");
     gx_set_status(gx_code::init_or_open_file_not_done);
   }
-  const auto& slot = gx_files.filear[static_cast<std::size_t>(file_index)];
+  const auto& slot = gx_at(gx_files.filear, file_index);
   if (slot.start_buf_ptr == nullptr) {
     gx_debug_line(" ## error 2 in gx_ptrto_gene_file_buf ");
     gx_set_status(gx_code::file_index_invalid);
@@ -44,9 +45,8 @@ void gx_object_id_refused(const gx_file_gene_recf_t& file, int id) {
 void gx_object_type_refused(const gx_object_gene_rec_t& object, gx_type type) {
   const auto is = gx_type_name(object.object_type);
   const auto wanted = gx_type_name(type);
-  gx_debug(" ## error in gx_object_info_ptr : obj_id : %d  type : %.*s  instead of : %.*s\n",
-           object.object_id, static_cast<int>(is.size()), is.data(),
-           static_cast<int>(wanted.size()), wanted.data());
+  gx_trace(" ## error in gx_object_info_ptr : obj_id : ", object.object_id, "  type : ", is,
+           "  instead of : ", wanted);
   gx_set_status(gx_code::object_type_invalid);
 }
 

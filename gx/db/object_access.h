@@ -5,6 +5,7 @@
 #include "gx/db/file_records.h"
 #include "gx/db/ids.h"
 #include "gx/db/object_flags.h"
+#include "gx/text/at.h"
 
 // The general record of a file slot. Not open: init_or_open_file_not_done; without record:
 // file_index_invalid.
@@ -21,7 +22,7 @@ inline bool gx_object_id_ok(const gx_file_gene_recf_t& file, int id) {
 // The record of object id. Outside 1..object_id_max: object_id_invalid.
 inline gx_object_gene_rec_t& gx_object_id_ptr(const gx_file_gene_recf_t& file, int id) {
   if (!gx_object_id_ok(file, id)) gx_object_id_refused(file, id);
-  return *file.ptr_to_ar_objindex[static_cast<std::size_t>(id - 1)];
+  return *gx_at(file.ptr_to_ar_objindex, id - 1);
 }
 
 // Stops with object_type_invalid unless the object has the type.

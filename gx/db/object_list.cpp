@@ -7,6 +7,7 @@
 #include "gx/db/files.h"
 #include "gx/db/object_access.h"
 #include "gx/db/record_tables.h"
+#include "gx/text/at.h"
 #include "gx/text/strings.h"
 #include "gx/text/text_files.h"
 #include "platform/files.h"
@@ -72,7 +73,7 @@ void list_object(std::FILE* out, gx_file_index_t file_index, const gx_object_gen
 
 void gx_object_list(gx_file_index_t file_index) {
   const auto& file = gx_ptrto_gene_file_buf(file_index);
-  gx_string_record_t path = gx_files.filear[static_cast<std::size_t>(file_index)].dirname;
+  gx_string_record_t path = gx_at(gx_files.filear, file_index).dirname;
   gx_concat_const("/list_obj_file", path);
   const x_file file_owner(gx_popen_file(gx_view(path), 'W', false));
   std::FILE* const out = file_owner.get();

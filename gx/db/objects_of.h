@@ -12,12 +12,11 @@
 
 #include "gx/db/file_records.h"
 #include "gx/db/ids.h"
+#include "gx/text/at.h"
 
 // The object, or nullptr when the id names none.
 inline const gx_object_gene_rec_t* gx_object(const gx_file_gene_recf_t& file, int id) {
-  return id >= 1 && id <= file.object_id_max
-             ? file.ptr_to_ar_objindex[static_cast<std::size_t>(id - 1)]
-             : nullptr;
+  return id >= 1 && id <= file.object_id_max ? gx_at(file.ptr_to_ar_objindex, id - 1) : nullptr;
 }
 
 // The object as a record of its type, or nullptr when it is none.
@@ -63,7 +62,7 @@ class gx_id_range {
 struct gx_next_sibling_t {
   const gx_file_gene_recf_t* file;
   int operator()(int id) const {
-    const int next = (*this->file).ptr_to_ar_objindex[static_cast<std::size_t>(id - 1)]->following;
+    const int next = gx_at((*this->file).ptr_to_ar_objindex, id - 1)->following;
     return gx_object(*file, next) != nullptr ? next : 0;
   }
 };

@@ -10,6 +10,7 @@
 
 #include "gx/db/files.h"
 #include "gx/db/record_tables.h"
+#include "gx/text/at.h"
 #include "gx/text/text_files.h"
 #include "platform/files.h"
 
@@ -174,7 +175,7 @@ gx_load_t read_object(reader_t& in, gx_file_gene_recf_t& file, int id, std::stri
   }
   auto& object = gx_new_object(file, general.object_type);
   object = general;
-  read_tail[static_cast<std::size_t>(type)](in, &object);
+  gx_at(read_tail, type)(in, &object);
   if (in.bad_text != 0) {
     return refused_data(object_fault(
         name, id, "a text of " + std::to_string(in.bad_text) + " characters is too long"));
@@ -309,7 +310,7 @@ gx_load_t gx_decode_file(std::string_view bytes, std::string_view name) {
   }
 
   for (int id = 1; id <= file.object_id_max; ++id) {
-    auto& object = *file.ptr_to_ar_objindex[static_cast<std::size_t>(id - 1)];
+    auto& object = *gx_at(file.ptr_to_ar_objindex, id - 1);
     if ((object.status & gx_flag_deleted) != 0) {
       auto load = refused(gx_code::file_close_invalid, gx_load_fault::deleted,
                           object_fault(name, id, "stored although deleted"));

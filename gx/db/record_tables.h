@@ -17,6 +17,7 @@
 #include <utility>
 
 #include "gx/db/file_records.h"
+#include "gx/text/at.h"
 
 // How a field is coded in the file. Numbers are big-endian unless the name says otherwise.
 enum class gx_kind : std::uint8_t {
@@ -340,7 +341,7 @@ gx_object_gene_rec_t& make_record(gx_file_gene_recf_t& file) {
 
 template <typename Rec>
 constexpr void enter(std::array<record_type_t, gx_max_type + 1>& types, gx_fields_t tail) {
-  types[static_cast<std::size_t>(Rec::type)] = {tail, sizeof(Rec), make_record<Rec>};
+  gx_at(types, Rec::type) = {tail, sizeof(Rec), make_record<Rec>};
 }
 
 // By type code; the types that no line enters hold nothing of their own.
@@ -377,14 +378,14 @@ inline gx_fields_t gx_general_fields() { return gx_tables::general_fields; }
 
 // What follows the general record of an object of this type; the type must be 1..32.
 inline gx_fields_t gx_tail_fields(gx_type type) {
-  return gx_tables::record_types[static_cast<std::size_t>(type)].tail;
+  return gx_at(gx_tables::record_types, type).tail;
 }
 // Bytes in memory of the whole record of this type, and a new one in the file's storage.
 inline std::size_t gx_record_size(gx_type type) {
-  return gx_tables::record_types[static_cast<std::size_t>(type)].size;
+  return gx_at(gx_tables::record_types, type).size;
 }
 inline gx_object_gene_rec_t& gx_new_object(gx_file_gene_recf_t& file, gx_type type) {
-  return gx_tables::record_types[static_cast<std::size_t>(type)].make(file);
+  return gx_at(gx_tables::record_types, type).make(file);
 }
 
 constexpr bool gx_type_ok(std::int16_t code) { return code >= 1 && code <= gx_max_type; }

@@ -7,6 +7,7 @@
 
 #include "gx/db/files.h"
 #include "gx/db/record_tables.h"
+#include "gx/text/at.h"
 
 namespace {
 
@@ -14,7 +15,7 @@ namespace {
 constexpr int max_depth = 32;
 
 const gx_object_gene_rec_t& object_of(const gx_file_gene_recf_t& file, int id) {
-  return *file.ptr_to_ar_objindex[static_cast<std::size_t>(id - 1)];
+  return *gx_at(file.ptr_to_ar_objindex, id - 1);
 }
 
 std::string object_text(int id) { return "object " + std::to_string(id); }
@@ -43,7 +44,7 @@ constexpr holds_t holds[] = {
 // By holder's type; nil where anything goes.
 constexpr auto child_of = [] {
   std::array<gx_type, gx_max_type + 1> table{};
-  for (const auto& [holder, child] : holds) table[static_cast<std::size_t>(holder)] = child;
+  for (const auto& [holder, child] : holds) gx_at(table, holder) = child;
   return table;
 }();
 
@@ -59,7 +60,7 @@ bool hangs_well(const gx_file_gene_recf_t& file, const gx_object_gene_rec_t& obj
     const bool of_instance = type_of(file, father.father) == gx_type::instance;
     return object.object_type == (of_instance ? gx_type::pinpropfam : gx_type::pin);
   }
-  const gx_type wanted = child_of[static_cast<std::size_t>(father.object_type)];
+  const gx_type wanted = gx_at(child_of, father.object_type);
   return wanted == gx_type::nil || object.object_type == wanted;
 }
 
@@ -166,17 +167,17 @@ std::string chain_fault(const std::vector<gx_object_id_t>& next, std::string_vie
   const int last = static_cast<int>(next.size()) - 1;
   std::vector<char> has_one_before(next.size(), 0);
   for (int id = 1; id <= last; ++id) {
-    const int to = next[static_cast<std::size_t>(id)];
+    const int to = gx_at(next, id);
     if (to == 0) continue;
-    auto& before = has_one_before[static_cast<std::size_t>(to)];
+    auto& before = gx_at(has_one_before, to);
     if (before != 0) return field_text(id, field, to) + " stands in another chain too";
     before = 1;
   }
   // Objects that no walk from a beginning meets lie on a loop.
   int met = 0;
   for (int id = 1; id <= last; ++id) {
-    if (has_one_before[static_cast<std::size_t>(id)] != 0) continue;
-    for (int at = id; at != 0; at = next[static_cast<std::size_t>(at)]) ++met;
+    if (gx_at(has_one_before, id) != 0) continue;
+    for (int at = id; at != 0; at = gx_at(next, at)) ++met;
   }
   return met == last ? std::string{} : "a chain of objects by " + std::string(field) + " loops";
 }
@@ -205,7 +206,7 @@ std::string object_fault(const gx_file_gene_recf_t& file, int id) {
   if (const auto bad = bad_field<gx_tables::general_fields>(file, &object); !bad.what.empty()) {
     return field_fault(bad, object_text(id), &object, gx_general_fields());
   }
-  const auto bad = bad_tail[static_cast<std::size_t>(object.object_type)](file, &object);
+  const auto bad = gx_at(bad_tail, object.object_type)(file, &object);
   if (bad.what.empty()) return {};
   return field_fault(bad, object_text(id), &object, gx_tail_fields(object.object_type));
 }

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "gx/display/pen.h"
+#include "gx/text/at.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
 #include "gx/vext.h"
@@ -28,7 +29,7 @@ void show_cursor(const char* operation) {
   }
   if (v.dpy == nullptr) return;
   const int pattern = v.cmd_executing ? watch_pattern : v.cursor_ind_cur;
-  const auto& cursor = v.cursor_array[static_cast<std::size_t>(pattern - 1)];
+  const auto& cursor = gx_at(v.cursor_array, pattern - 1);
   if (cursor.cursid != 0) {
     const auto& shade = v.colorrec[std::min<std::size_t>(cursor.color, 7)];
     XColor foreground{}, background{};

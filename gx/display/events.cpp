@@ -438,8 +438,8 @@ bool asks_to_close(const XClientMessageEvent& message) {
 void read_other(int type) {
   const auto index = static_cast<std::size_t>(type);
   const std::string_view name = index < event_name.size() ? event_name[index] : "Unknown??";
-  gx_debug(" !!!  GX_INPUT_EVENT_WAIT   ==>   Other events  !!  kind:%d  event_name:'%.*s' \n",
-           type, static_cast<int>(name.size()), name.data());
+  gx_trace(" !!!  GX_INPUT_EVENT_WAIT   ==>   Other events  !!  kind:", type, "  event_name:'",
+           name, "' ");
 }
 
 // --- looking ahead

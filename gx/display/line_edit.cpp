@@ -7,6 +7,7 @@
 #include "gx/display/cursor.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
+#include "gx/text/at.h"
 #include "gx/text/message_list.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
@@ -72,7 +73,7 @@ void gx_again_action(gx_vpid_t vpid, gx_point16_t pixel) {
 
   const int under = (pixel.x - corner.x - gx_vext.listb_x0 + 6) / cmd_step() + gx_vext.istart_list;
   const int column = std::clamp(under, 1, gx_vext.istart_list + line_columns - 1);
-  const std::string_view text = gx_view(gx_vext.line_list[static_cast<std::size_t>(line - 1)]);
+  const std::string_view text = gx_view(gx_at(gx_vext.line_list, line - 1));
   if (static_cast<std::size_t>(column) <= text.size()) {
     gx_concat_const(text.substr(static_cast<std::size_t>(column - 1)), gx_vext.str_cmd);
   }

@@ -5,6 +5,7 @@
 #include "gx/display/pen.h"
 #include "gx/display/stroke_text.h"
 #include "gx/display/viewports.h"
+#include "gx/text/at.h"
 #include "gx/text/message_list.h"
 #include "gx/vext.h"
 
@@ -26,8 +27,7 @@ void gx_regen_display_list() {
       std::min({first + v.nb_line_in_listviewp - 1, int{v.nlinlist_end}, gx_max_list_lines});
   for (int line = first; line <= last; ++line) {
     const int y = v.listb_y0 + (line - first) * v.list_step;
-    gx_viewport_display_text(v.viewport_list,
-                             gx_view(v.line_list[static_cast<std::size_t>(line - 1)]),
+    gx_viewport_display_text(v.viewport_list, gx_view(gx_at(v.line_list, line - 1)),
                              {v.listb_x0, static_cast<std::int16_t>(y)}, true, v.list_color);
   }
 }

@@ -13,6 +13,7 @@
 #include "gx/display/stroke_text.h"
 #include "gx/display/viewports.h"
 #include "gx/display/window.h"
+#include "gx/text/at.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
 #include "gx/vext.h"
@@ -43,7 +44,7 @@ lines_t level_lines(int level) {
   lines_t lines;
   for (int line = 1; line <= gx_max_menu_lines; ++line) {
     index[depth - 1] = line;
-    lines[static_cast<std::size_t>(line - 1)] = gx_get_menu_rec(std::span(index).first(depth));
+    gx_at(lines, line - 1) = gx_get_menu_rec(std::span(index).first(depth));
   }
   return lines;
 }

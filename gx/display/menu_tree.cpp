@@ -5,6 +5,7 @@
 
 #include "gx/display/menu_state.h"
 #include "gx/display/menus.h"
+#include "gx/text/at.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
 #include "gx/text/strings.h"
@@ -52,8 +53,8 @@ int level_of(std::span<const int> index) { return static_cast<int>(index.size())
 // The text as a record; one that no record holds is reported and replaced by nothing.
 gx_string_record_t checked(std::string_view text, int level, const char* what) {
   if (text.size() < static_cast<std::size_t>(gx_max_string_length)) return gx_string(text);
-  gx_debug(" !! size error : gx_def_menu%d_rec \n", level);
-  gx_debug("!! : %s  : %.*s\n", what, static_cast<int>(text.size()), text.data());
+  gx_trace(" !! size error : gx_def_menu", level, "_rec ");
+  gx_trace("!! : ", what, "  : ", text);
   return {};
 }
 
@@ -64,8 +65,7 @@ void gx_def_menu_rec(std::span<const int> index, std::string_view str, bool cmd_
   const int level = level_of(index);
   if (level < 1 || level > gx_max_menu_levels) gx_set_status(gx_code::invalid_level);
   if (const int bad = bad_index(index); bad != 0) {
-    gx_debug(" !! error in gx_def_menu%d_rec : level %d : %d\n", level, bad,
-             index[static_cast<std::size_t>(bad - 1)]);
+    gx_debug(" !! error in gx_def_menu%d_rec : level %d : %d\n", level, bad, gx_at(index, bad - 1));
     gx_set_status(gx_code::invalid_level);
   }
   record_ptr& record = place(index);
@@ -81,7 +81,7 @@ gx_menu_rec_t gx_get_menu_rec(std::span<const int> index) {
   if (level < 1 || level > gx_max_menu_levels) return {};
   if (const int bad = bad_index(index); bad != 0) {
     gx_debug(" !! error in gx_get_menu%d_rec : level %d : %d  %d\n", level, bad,
-             index[static_cast<std::size_t>(bad - 1)], gx_max_menu_lines);
+             gx_at(index, bad - 1), gx_max_menu_lines);
     return {};
   }
   const record_ptr& record = place(index);
@@ -93,7 +93,7 @@ gx_menu_rec_t* gx_ptrto_menu_rec(std::span<const int> index) {
   if (level < 1 || level > gx_max_menu_levels) gx_set_status(gx_code::invalid_level);
   if (const int bad = bad_index(index); bad != 0) {
     gx_debug(" !! error in gx_ptrto_menu%d_rec : level %d : %d  %d\n", level, bad,
-             index[static_cast<std::size_t>(bad - 1)], gx_max_menu_lines);
+             gx_at(index, bad - 1), gx_max_menu_lines);
     gx_set_status(gx_code::invalid_level);
   }
   return place(index).get();

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 
+#include "gx/text/at.h"
 #include "gx/text/status.h"
 #include "gx/vext.h"
 
@@ -70,14 +71,13 @@ gx_stroke_layers_t& strokes() {
 void use_color(gx_pen_t& p, int color) {
   if (p.gc_color == color) return;
   p.gc_color = color;
-  XSetForeground(gx_vext.dpy, gx_vext.our_gc,
-                 gx_vext.colorrec[static_cast<std::size_t>(color)].pixel);
+  XSetForeground(gx_vext.dpy, gx_vext.our_gc, gx_at(gx_vext.colorrec, color).pixel);
 }
 
 void use_dashes(gx_pen_t& p, int dashes) {
   if (p.gc_dashes == dashes) return;
   p.gc_dashes = dashes;
-  const auto& list = dash_lists[static_cast<std::size_t>(dashes)];
+  const auto& list = gx_at(dash_lists, dashes);
   const int line_style = list.length == 0 ? LineSolid : LineOnOffDash;
   XSetLineAttributes(gx_vext.dpy, gx_vext.our_gc, 0, line_style, CapButt, JoinMiter);
   if (list.length > 0) XSetDashes(gx_vext.dpy, gx_vext.our_gc, 0, list.dashes.data(), list.length);

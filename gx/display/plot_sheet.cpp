@@ -24,8 +24,7 @@ bool start_plot(gx_plot_t& plot, const gx_file_gene_recf_t& file) {
   plot.scaling_done = plot.plot_ok;
   if (!plot.plot_ok) {
     ++gx_vext.num_errors;
-    gx_debug("!!! ( gx_plotfile_object ) impossible to open new plot_file  : \"%.*s\" \n",
-             static_cast<int>(plot.path.size()), plot.path.data());
+    gx_trace("!!! ( gx_plotfile_object ) impossible to open new plot_file  : \"", plot.path, "\" ");
   }
   return plot.plot_ok;
 }

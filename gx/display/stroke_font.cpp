@@ -10,6 +10,8 @@
 #include <cstddef>
 #include <string_view>
 
+#include "gx/text/at.h"
+
 namespace {
 constexpr char first_glyph = '!';
 constexpr char last_glyph = '~';
@@ -177,6 +179,6 @@ struct font_t {
 std::span<const gx_stroke_t> gx_glyph(char c) {
   static const font_t font;
   if (c < first_glyph || c > last_glyph) return {};
-  const auto& glyph = font.glyphs[static_cast<std::size_t>(c - first_glyph)];
+  const auto& glyph = gx_at(font.glyphs, c - first_glyph);
   return {glyph.strokes.data(), glyph.nb_of_strokes};
 }

@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "gx/text/at.h"
 #include "gx/text/records.h"
 
 inline constexpr int gx_nb_of_colors = 8;
@@ -63,8 +64,7 @@ class gx_stroke_layers_t {
   template <typename Visit>
   void visit(Visit visit) const {
     for (int layer = 0; layer < nb_of_layers_; ++layer)
-      for (const int group : in_layer_[static_cast<std::size_t>(layer)])
-        visit(groups_[static_cast<std::size_t>(group)]);
+      for (const int group : gx_at(in_layer_, layer)) visit(gx_at(groups_, group));
   }
 
  private:

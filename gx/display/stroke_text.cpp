@@ -8,6 +8,7 @@
 #include "gx/display/pen.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
+#include "gx/text/at.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
 #include "gx/vext.h"
@@ -51,7 +52,7 @@ gx_scaled_font_t scaled_font(int by_x, int by_y) {
     for (const gx_stroke_t stroke : gx_glyph(static_cast<char>(code)))
       for (std::size_t i = 1; i < stroke.size(); ++i) {
         const gx_point16_t a = pixel(stroke[i - 1]), b = pixel(stroke[i]);
-        add_segment(font.glyphs[static_cast<std::size_t>(code)], {a.x, a.y, b.x, b.y});
+        add_segment(gx_at(font.glyphs, code), {a.x, a.y, b.x, b.y});
       }
   return font;
 }
@@ -142,7 +143,7 @@ void gx_text(gx_vpid_t vpid, std::string_view text, int x, int y, int height, in
   const int advance = gx_glyph_advance / grid_per_pixel(height);
   const int dx = rotation == 1 || rotation == 3 ? 0 : advance;
   const int dy = rotation == 1 ? -advance : rotation == 3 ? advance : 0;
-  const auto& clip = v.viewport[static_cast<std::size_t>(vpid)].clip_wind;
+  const auto& clip = gx_at(v.viewport, vpid).clip_wind;
   if (opaque) {
     gx_bounds16_t box;
     const auto place = [&](int xmin, int ymin, int xmax, int ymax) {
@@ -179,7 +180,7 @@ void gx_polyline_char_2d16(gx_vpid_t vpid, int x0, int y0, int height, int rotat
                            gx_stroke_t stroke, int color) {
   if (stroke.size() > max_points) gx_set_status(gx_code::invalid_polyline_2d);
   const int f = grid_per_pixel(height);
-  const auto& clip = gx_vext.viewport[static_cast<std::size_t>(vpid)].clip_wind;
+  const auto& clip = gx_at(gx_vext.viewport, vpid).clip_wind;
   std::array<gx_point16_t, max_points> points;
   for (std::size_t i = 0; i < stroke.size(); ++i) {
     const gx_point16_t d = turned(stroke[i].x / f, stroke[i].y / f, rotation);

@@ -6,6 +6,7 @@
 #include "gx/db/object_access.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
+#include "gx/text/at.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
 #include "gx/vext.h"
@@ -52,7 +53,7 @@ void move_part(gx_viewport_rec_t& vp, std::int64_t dx, std::int64_t dy) {
 
 gx_vpid_t gx_viewport_pixel_to_vpid(gx_point16_t pixel) {
   for (int i = 1; i <= gx_vext.viewport_id_max; ++i) {
-    const auto& vp = gx_vext.viewport[static_cast<std::size_t>(i)];
+    const auto& vp = gx_at(gx_vext.viewport, i);
     const gx_bounds16_t& p = vp.pixel_bounds;
     if (!vp.vp_blocked && pixel.x > p.xmin && pixel.x < p.xmax && pixel.y > p.ymin &&
         pixel.y < p.ymax)

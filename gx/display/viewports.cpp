@@ -9,6 +9,7 @@
 #include "gx/display/screen_state.h"
 #include "gx/display/shapes.h"
 #include "gx/display/stroke_text.h"
+#include "gx/text/at.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
 #include "gx/vext.h"
@@ -66,7 +67,7 @@ bool gx_is_picture_viewport(int vpid) {
 
 gx_viewport_rec_t& gx_viewport_rec(int vpid) {
   if (!gx_viewport_ok(vpid)) gx_set_status(gx_code::viewport_id_invalid);
-  return gx_vext.viewport[static_cast<std::size_t>(vpid)];
+  return gx_at(gx_vext.viewport, vpid);
 }
 
 gx_bounds16_t gx_bounds_to_clipping_window(const gx_boundsreal_t& bounds,
@@ -90,14 +91,14 @@ void gx_viewport_create(const gx_boundsreal_t& bounds, const gx_border_info& bor
   if (!v.init_done) gx_set_status(gx_code::init_or_open_file_not_done);
   if (v.viewport_id_max >= gx_max_viewports) gx_set_status(gx_code::too_many_viewports);
   for (int i = 1; i <= v.viewport_id_max; ++i) {
-    auto& old = v.viewport[static_cast<std::size_t>(i)];
+    auto& old = gx_at(v.viewport, i);
     if (gx_check_viewport_bounds(old.bounds_vp, bounds)) continue;
     old.vp_blocked = true;
     gx_debug(" ??? viewport %d is now under the new viewport\n", i);
   }
   const auto vpid = static_cast<gx_vpid_t>(v.viewport_id_max + 1);
   v.viewport_id_max = vpid;
-  auto& vp = v.viewport[static_cast<std::size_t>(vpid)];
+  auto& vp = gx_at(v.viewport, vpid);
   vp = {};
   vp.bounds_vp = bounds;
   vp.border = border;
@@ -111,7 +112,7 @@ void gx_viewport_delete(gx_vpid_t vpid) {
   auto& v = gx_vext;
   const auto first = v.viewport.begin();
   std::move(first + vpid + 1, first + v.viewport_id_max + 1, first + vpid);
-  v.viewport[static_cast<std::size_t>(v.viewport_id_max)] = {};
+  gx_at(v.viewport, v.viewport_id_max) = {};
   --v.viewport_id_max;
 }
 
@@ -161,7 +162,7 @@ void gx_clear_window() {
 
 void gx_viewports_update() {
   for (int i = 1; i <= gx_vext.viewport_id_max; ++i) {
-    auto& vp = gx_vext.viewport[static_cast<std::size_t>(i)];
+    auto& vp = gx_at(gx_vext.viewport, i);
     vp.pixel_bounds = pixels_of(vp.bounds_vp);
     vp.clip_wind = gx_bounds_to_clipping_window(vp.bounds_vp, vp.border);
   }
@@ -228,6 +229,6 @@ bool gx_part_object_inside_vp_bounds(gx_vpid_t vpid, const gx_file_gene_recf_t& 
   if (vpid < 1 || vpid > gx_max_viewports || vpid > gx_vext.viewport_id_max) {
     gx_set_status(gx_code::viewport_id_invalid);
   }
-  const auto& shown = gx_vext.viewport[static_cast<std::size_t>(vpid)].bounds_part;
+  const auto& shown = gx_at(gx_vext.viewport, vpid).bounds_part;
   return gx_bounds_overlap(gx_object_abs_origin_bounds(file, id, inst).bounds, shown);
 }

@@ -8,6 +8,7 @@
 #include "gx/db/record_tables.h"
 #include "gx/db/undo.h"
 #include "gx/edit/edit_state.h"
+#include "gx/text/at.h"
 #include "gx/text/debug.h"
 #include "gx/text/session_state.h"
 
@@ -18,7 +19,7 @@ constexpr std::int16_t under_construction = gx_flag_create | gx_flag_open;
 
 template <typename Value>
 Value& at_level(std::array<Value, max_level + 1>& values, std::int16_t level) {
-  return values[static_cast<std::size_t>(level)];
+  return gx_at(values, level);
 }
 
 // The father of an object about to be created at `level`; nullptr at the top.
@@ -183,10 +184,10 @@ gx_object_gene_rec_t& gx_object_to_fill(const gx_file_gene_recf_t& file, gx_type
   if (gx_object_id_ok(file, gx_edit.open_obj_id)) {
     auto& object = gx_object_id_ptr(file, gx_edit.open_obj_id);
     if (object.object_type == type && (object.status & under_construction) != under_construction) {
-      gx_files.filear[static_cast<std::size_t>(gx_files.cur_file)].file_updated = true;
+      gx_at(gx_files.filear, gx_files.cur_file).file_updated = true;
       return object;
     }
   }
-  gx_debug(" gx_%.*s : object_create_invalid \n", static_cast<int>(name.size()), name.data());
+  gx_trace(" gx_", name, " : object_create_invalid ");
   gx_set_status(misfit);
 }

@@ -102,7 +102,7 @@ std::shared_ptr<gx_file_gene_recf_t> compacted(const gx_file_gene_recf_t& source
   source_to_target_t map(source.ptr_to_ar_objindex.size() + 1, 0);
   for (const auto* object : source.ptr_to_ar_objindex) {
     if (deleted(object)) continue;
-    map[static_cast<std::size_t>(object->object_id)] = gx_object_copy_bye(*object, target);
+    gx_at(map, object->object_id) = gx_object_copy_bye(*object, target);
   }
   for (const auto* object : source.ptr_to_ar_objindex) {
     if (!deleted(object)) gx_object_copy_bye_link(*object, target, map);
@@ -123,7 +123,7 @@ bool write_target(gx_file_io_rec_t& slot) {
       gx_set_status(gx_code::file_close_invalid);
     }
   }
-  x_file file(std::exchange(slot.file_io_id, nullptr));
+  x_file file = std::move(slot.file_io_id);
   const std::string bytes = gx_encode_file(target);
   return std::fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size() &&
          std::fflush(file.get()) == 0 && fsync(fileno(file.get())) == 0 && x_close(std::move(file));

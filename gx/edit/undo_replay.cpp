@@ -3,6 +3,7 @@
 #include "gx/db/file_state.h"
 #include "gx/db/object_access.h"
 #include "gx/db/undo.h"
+#include "gx/text/at.h"
 #include "gx/text/debug.h"
 
 namespace {
@@ -15,7 +16,7 @@ constexpr const char* name_of(direction way) {
 
 void check_entry(const gx_undo_objet_rec_t& entry, direction way) {
   const bool in_file = entry.file_index >= 1 && entry.file_index <= gx_files.num_file_open &&
-                       gx_files.filear[static_cast<std::size_t>(entry.file_index)].start_buf_ptr &&
+                       gx_at(gx_files.filear, entry.file_index).start_buf_ptr &&
                        gx_object_id_ok(gx_ptrto_gene_file_buf(entry.file_index), entry.object_id);
   if (in_file && entry.parity == gx_undo_parity) return;
   gx_debug("\n# %s : file_id or obj_id or codes invalid\n", name_of(way));

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "gx/text/at.h"
 #include "gx/text/record_fill.h"
 #include "gx/text/session_state.h"
 #include "gx/text/strings.h"
@@ -19,12 +20,12 @@ void gx_store_arg(int argc, const char* const* argv) {
     std::size_t len = 0;
     while (len < gx_max_string_length && gx_printable(word[len])) ++len;
     if (len >= gx_max_string_length - 1) len = 0;
-    gx_copy_string({word, len}, gx_session.argcomline[static_cast<std::size_t>(i)]);
+    gx_copy_string({word, len}, gx_at(gx_session.argcomline, i));
   }
 }
 
 bool gx_get_arg(std::int32_t n, gx_string_record_t& word) {
   const bool held = n >= 1 && n <= gx_session.nb_arg_comline && n <= gx_max_arg_comline;
-  word = held ? gx_session.argcomline[static_cast<std::size_t>(n - 1)] : gx_string_record_t{};
+  word = held ? gx_at(gx_session.argcomline, n - 1) : gx_string_record_t{};
   return held;
 }

@@ -8,6 +8,7 @@
 #include <limits>
 #include <string>
 
+#include "gx/text/at.h"
 #include "gx/text/debug.h"
 #include "gx/text/session_state.h"
 #include "gx/text/strings.h"
@@ -50,7 +51,7 @@ void keep(std::string_view text) {
     end = last;
   }
   v.nlinlist_end = static_cast<std::int16_t>(end);
-  v.line_list[static_cast<std::size_t>(end - 1)] = printable(text);
+  gx_at(v.line_list, end - 1) = printable(text);
 }
 
 void show_end() {
@@ -126,8 +127,7 @@ bool gx_is_session_file(int descriptor) {
 bool gx_display_file_invplist(std::string_view path) {
   const x_file file(gx_popen_file(path, 'R', true));
   if (!file || gx_is_session_file(::fileno(file.get()))) {
-    gx_debug("!!! display_file  file not found : \"%.*s\"\n", static_cast<int>(path.size()),
-             path.data());
+    gx_trace("!!! display_file  file not found : \"", path, "\"");
     return false;
   }
   gx_list.nlinlist_held = 0;

@@ -7,11 +7,13 @@
 #include <utility>
 #include <vector>
 
+#include "gx/text/at.h"
 #include "gx/text/debug.h"
 #include "gx/text/session_state.h"
 #include "gx/text/status_names.h"
 #include "gx/text/strings.h"
 #include "gx/text/text_files.h"
+#include "platform/files.h"
 
 STATUS_T status;
 
@@ -35,14 +37,12 @@ void save_context() {
   gx_system(command);
 }
 
-void close_file(std::FILE*& file) {
-  if (file != nullptr) std::fclose(std::exchange(file, nullptr));
-}
+void close_file(std::FILE*& file) { x_file(std::exchange(file, nullptr)).reset(); }
 }  // namespace
 
 std::string_view gx_error_name(int code) {
   if (code < 0 || code >= gx_number_of_codes) return {};
-  return gx_error_array[static_cast<std::size_t>(code)];
+  return gx_at(gx_error_array, code);
 }
 
 void gx_set_status(gx_code code) {

@@ -34,9 +34,8 @@ bool sound(const side_t& s) {
 bool both_sound(const char* operation, const side_t& a, const side_t& b) {
   if (sound(a) && sound(b)) return true;
   const std::string_view head_a = a.text.substr(0, 10), head_b = b.text.substr(0, 10);
-  gx_debug("!!! error in %s \n len : %d  \"%.*s\"  len : %d  \"%.*s\"\n", operation, a.len,
-           static_cast<int>(head_a.size()), head_a.data(), b.len, static_cast<int>(head_b.size()),
-           head_b.data());
+  gx_trace("!!! error in ", operation, " \n len : ", a.len, "  \"", head_a, "\"  len : ", b.len,
+           "  \"", head_b, "\"");
   return false;
 }
 

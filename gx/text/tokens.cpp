@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "gx/text/at.h"
 #include "gx/text/strings.h"
 
 namespace {
@@ -12,7 +13,7 @@ char gx_findchar(const gx_string_record_t& string, std::string_view set, std::in
   const std::string_view text = gx_view(string);
   const auto end = static_cast<std::int32_t>(text.size());
   for (; pos >= 1 && pos <= end; ++pos) {
-    const char c = text[static_cast<std::size_t>(pos - 1)];
+    const char c = gx_at(text, pos - 1);
     if (!is_in(set, c)) return c;
   }
   return 0;
