@@ -6,6 +6,7 @@
 
 #include "expand/design_records.h"
 #include "expand/listing_text.h"
+#include "gx/text/at.h"
 
 namespace {
 
@@ -74,7 +75,7 @@ void listing::properties(const kv_prop_list_t& list, int rule, std::string_view 
     out.text(" \n");
     out.text(label);
     out.text("\"");
-    out.text(gx_view(list.entry[static_cast<std::size_t>(k)].name));
+    out.text(gx_view(gx_at(list.entry, k).name));
     out.text("\"");
     out.integer(" prop_type  : ", prop.prop_type);
     switch (prop.prop_type) {

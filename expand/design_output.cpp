@@ -3,26 +3,21 @@
 #include <fcntl.h>
 
 #include <cstdio>
-#include <memory>
 
 #include "expand/data_listing.h"
 #include "expand/debug.h"
 #include "expand/design_file.h"
 #include "expand/output_file.h"
 #include "gx/text/message_list.h"
+#include "platform/files.h"
 
 namespace {
 
-struct close_file {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using listing_t = std::unique_ptr<std::FILE, close_file>;
-
-listing_t open_listing(const std::string& path) {
+x_file open_listing(const std::string& path) {
   kv_debug(" KV_GEN_DATA : file_path : \"%s\"\n", path.c_str());
   std::string why;
   const int fd = kv_open_output(path, O_WRONLY | O_TRUNC, why);
-  if (fd >= 0) return listing_t(::fdopen(fd, "w"));
+  if (fd >= 0) return x_file(::fdopen(fd, "w"));
   kv_debug("!! ERROR :KV_GEN_DATA  : file_path not open : \"%s\"\n", path.c_str());
   gx_tell("# RUN ");
   gx_tell("# !! Error : Impossible to Open the file : ");
@@ -43,7 +38,7 @@ bool kv_write_design(const kv_design_t& design, int designfile, const std::strin
     return false;
   }
   if (listing_path.empty()) return kv_write_image(design, designfile);
-  const listing_t listing = open_listing(listing_path);
+  const x_file listing = open_listing(listing_path);
   if (!listing) {
     kv_write_image_header(design, designfile);
     return false;

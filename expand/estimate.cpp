@@ -5,9 +5,9 @@
 #include <algorithm>
 #include <cstdio>
 #include <limits>
-#include <memory>
 
 #include "expand/origins.h"
+#include "platform/files.h"
 
 namespace {
 
@@ -17,16 +17,20 @@ constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max() / 4;
 // A short string: its record and what its path adds to the name.
 constexpr std::int64_t string_bytes = sizeof(kv_string_record_t) + 8;
 
+// A record with the properties that are kept of it.
+template <typename Record>
+std::int64_t bytes_of(const kv_list_t<kv_prop_type_record_t>& kept) {
+  constexpr std::int64_t own = sizeof(Record), property = sizeof(kv_prop_record_t);
+  return own + kept.count * property;
+}
+
 }  // namespace
 
 void kv_estimate_own(const kv_setup_t& setup, kv_sheet_t& sheet) {
-  const auto kept = [](const auto& list) {
-    return std::int64_t{list.count} * static_cast<std::int64_t>(sizeof(kv_prop_record_t));
-  };
-  const std::int64_t inst = sizeof(kv_inst_record_t) + kept(setup.property_instance);
-  const std::int64_t pin = sizeof(kv_pin_record_t) + kept(setup.property_pin);
-  const std::int64_t pinm = sizeof(kv_pinm_record_t) + kept(setup.property_pin);
-  const std::int64_t net = sizeof(kv_net_record_t) + kept(setup.property_net);
+  const std::int64_t inst = bytes_of<kv_inst_record_t>(setup.property_instance);
+  const std::int64_t pin = bytes_of<kv_pin_record_t>(setup.property_pin);
+  const std::int64_t pinm = bytes_of<kv_pinm_record_t>(setup.property_pin);
+  const std::int64_t net = bytes_of<kv_net_record_t>(setup.property_net);
   std::int64_t bytes = sizeof(kv_visit_t);
   for (const auto& each : sheet.insts) {
     const std::int64_t pin_bytes = (each.is_primitive ? pin : pinm) + string_bytes;
@@ -46,10 +50,7 @@ void kv_estimate_below(kv_sheet_t& sheet, const kv_sheet_t& below) {
 
 std::int64_t kv_free_memory() {
   std::int64_t bytes = most;
-  struct close_file {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-  };
-  if (const std::unique_ptr<std::FILE, close_file> file{std::fopen("/proc/meminfo", "re")}) {
+  if (const x_file file = x_open_regular_file("/proc/meminfo")) {
     char line[128];
     long long kilobytes = 0;
     while (std::fgets(line, sizeof line, file.get()) != nullptr) {

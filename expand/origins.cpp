@@ -2,10 +2,12 @@
 
 #include <algorithm>
 
+#include "gx/text/at.h"
+
 namespace {
 
 const kv_visit_t& at(const kv_origins_t& origins, std::int32_t visit) {
-  return origins.visits[static_cast<std::size_t>(visit)];
+  return gx_at(origins.visits, visit);
 }
 
 // The last visit before whose own records that record came; -1 for none. A visit without records

@@ -10,6 +10,7 @@
 #include "expand/flatten.h"
 #include "gx/db/file_state.h"
 #include "gx/db/object_access.h"
+#include "gx/text/at.h"
 #include "gx/text/date.h"
 #include "gx/text/message_list.h"
 #include "gx/text/session_state.h"
@@ -81,7 +82,7 @@ void store_info(kv_design_t& design, const kv_setup_t& setup) {
 
 // The whole walk; why it ended early, if it did.
 std::optional<kv_run_result> flatten(const kv_run_t& run, gx_file_index_t top) {
-  const auto& slot = gx_files.filear[static_cast<std::size_t>(top)];
+  const auto& slot = gx_at(gx_files.filear, top);
   kv_flatten_t walk(run.setup, run.design, run.expand_level, run.macro_level);
   auto sheet_read = std::make_unique<kv_sheet_t>(kv_analyse_sheet(
       gx_ptrto_gene_file_buf(top), gx_view(slot.file_pathname), run.setup, walk.cache.globals));

@@ -7,6 +7,7 @@
 #include "expand/debug.h"
 #include "expand/pin_chains.h"
 #include "expand/values.h"
+#include "gx/text/at.h"
 #include "gx/text/message_list.h"
 
 namespace {
@@ -186,7 +187,7 @@ std::int32_t kv_save_inst(kv_flatten_t& run, const kv_sheet_t& sheet, const kv_s
   if (inst.nb_of_pin == 0) return index;
   record.first_pin_ind = run.design.pins.append(inst.nb_of_pin);
   for (std::int32_t i = 0; i < inst.nb_of_pin; ++i) {
-    const auto& pin = sheet.pins[static_cast<std::size_t>(inst.first_pin + i)];
+    const auto& pin = gx_at(sheet.pins, inst.first_pin + i);
     kv_save_pin(run, sheet, pin, index, record.first_pin_ind + i, flats);
   }
   return index;
@@ -200,7 +201,7 @@ std::int32_t kv_save_macro(kv_flatten_t& run, const kv_sheet_t& sheet, const kv_
   if (inst.nb_of_pin == 0) return index;
   record.first_pin_ind = run.design.pinms.append(inst.nb_of_pin);
   for (std::int32_t i = 0; i < inst.nb_of_pin; ++i) {
-    const auto& pin = sheet.pins[static_cast<std::size_t>(inst.first_pin + i)];
+    const auto& pin = gx_at(sheet.pins, inst.first_pin + i);
     kv_save_pinm(run, sheet, pin, index, record.first_pin_ind + i, flats);
   }
   return index;

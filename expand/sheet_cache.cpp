@@ -7,6 +7,7 @@
 #include "expand/sheet_slots.h"
 #include "gx/db/files.h"
 #include "gx/db/sheet_shape.h"
+#include "gx/text/at.h"
 #include "gx/text/message_list.h"
 #include "gx/text/strings.h"
 
@@ -50,7 +51,7 @@ void tell_error(std::string_view label, std::string_view path, std::string_view 
 std::int32_t pin_of_port(const kv_sheet_t& above, const kv_sheet_inst_t& inst,
                          std::string_view name, std::string_view bare_name) {
   for (std::int32_t i = 0; i < inst.nb_of_pin; ++i) {
-    const auto& pin = above.pins[static_cast<std::size_t>(inst.first_pin + i)];
+    const auto& pin = gx_at(above.pins, inst.first_pin + i);
     const std::string_view pin_name = above.view(pin.suffix).substr(1);
     const std::string_view bare = pin.pin_start != pin.pin_end ? kv_bare_name(pin_name) : pin_name;
     if (gx_iden(pin_name, name) || gx_iden(bare, bare_name)) return i;
@@ -64,10 +65,10 @@ void tie_through(kv_sheet_t& above, kv_sheet_inst_t& inst, const kv_sheet_t& bel
   for (const auto& port : below.ports) {
     const std::int32_t pin_place = *place++;
     if (pin_place < 0 || port.group < 0) continue;
-    const auto& inner = below.groups[static_cast<std::size_t>(port.group)];
-    const auto& pin = above.pins[static_cast<std::size_t>(inst.first_pin + pin_place)];
+    const auto& inner = gx_at(below.groups, port.group);
+    const auto& pin = gx_at(above.pins, inst.first_pin + pin_place);
     if (inner.tied_global < 0 || inner.width > 0 || pin.group < 0 || pin.width != 1) continue;
-    auto& outer = above.groups[static_cast<std::size_t>(pin.group)];
+    auto& outer = gx_at(above.groups, pin.group);
     if (outer.width <= 0 && outer.tied_global < 0) outer.tied_global = inner.tied_global;
   }
 }
@@ -89,7 +90,7 @@ kv_component_t& kv_component_of(kv_sheet_cache_t& cache, const kv_sheet_t& sheet
       component.symbol_version = version.version;
     }
   }
-  return *cache.components[static_cast<std::size_t>(symbol.component)];
+  return *gx_at(cache.components, symbol.component);
 }
 
 kv_sheet_t* kv_get_sheet_for_expand(kv_sheet_cache_t& cache, const kv_sheet_t& sheet,
@@ -141,7 +142,7 @@ void kv_find_tied_globals(kv_sheet_cache_t& cache, kv_sheet_t& sheet, int level)
   kv_estimate_own(cache.setup, sheet);
   for (const auto& global : sheet.globals) {
     if (!global.usable) continue;
-    auto& group = sheet.groups[static_cast<std::size_t>(global.group)];
+    auto& group = gx_at(sheet.groups, global.group);
     if (group.width <= 0 && group.tied_global < 0) group.tied_global = global.run_global;
   }
   for (auto& symbol : sheet.symbols) {

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <limits>
 
+#include "gx/text/at.h"
 #include "gx/text/strings.h"
 
 namespace {
@@ -77,7 +78,7 @@ kv_values_t<typename Kind::type> decode_list(std::string_view text) {
   std::size_t pos = text.find_first_not_of(separators);
   while (pos != std::string_view::npos && n < 3) {
     const std::size_t end = std::min(text.find_first_of(separators, pos), text.size());
-    if (!Kind::read(text.substr(pos, end - pos), number[static_cast<std::size_t>(n++)])) {
+    if (!Kind::read(text.substr(pos, end - pos), gx_at(number, n++))) {
       return failed<Number>();
     }
     pos = text.find_first_not_of(separators, end);

@@ -8,6 +8,7 @@
 #include "gx/db/file_records.h"
 #include "gx/db/ids.h"
 #include "gx/edit/hierarchy.h"
+#include "gx/text/at.h"
 #include "gxmake/builder.h"
 #include "gxmake/derived.h"
 
@@ -54,7 +55,7 @@ Rec& gxm_add(gxm_tree_t& tree, int father, gx_pointreal_t origin) {
     if constexpr (Rec::type == gx_type::net) gx_net();
     if constexpr (Rec::type == gx_type::pinpropfam) gx_pinpropfam();
   });
-  return reinterpret_cast<Rec&>(*tree.file->ptr_to_ar_objindex[static_cast<std::size_t>(id - 1)]);
+  return reinterpret_cast<Rec&>(*gx_at(tree.file->ptr_to_ar_objindex, id - 1));
 }
 // A new object of a type without.
 gx_object_id_t gxm_add_plain(gxm_tree_t& tree, gx_type type, int father,

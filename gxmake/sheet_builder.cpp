@@ -5,6 +5,7 @@
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
 #include "gx/edit/primitives.h"
+#include "gx/text/at.h"
 #include "gx/text/strings.h"
 #include "gxmake/symbol_parts.h"
 #include "gxmake/wire_net.h"
@@ -217,7 +218,7 @@ class sheet_builder {
   gx_object_id_t add_end(const gxm_end_t& end, const gxm_net_t& net, gx_object_id_t net_id) {
     if (end.other_vertex) return end.other_vertex;
     if (end.pin >= 0) {
-      const auto id = places_.pins[static_cast<std::size_t>(end.pin)].pinpropfam;
+      const auto id = gx_at(places_.pins, end.pin).pinpropfam;
       auto& pin = pin_object(id);
       if (pin.net == 0) pin.net = net_id;
       if (end.degree > 1) pin.dotted = 1;
@@ -240,7 +241,7 @@ class sheet_builder {
       gxm_complain(messages_, bit.source, "there is no pin " + name);
       return;
     }
-    const auto& place = places_.pins[static_cast<std::size_t>(pin)];
+    const auto& place = gx_at(places_.pins, pin);
     const int more = place.range ? place.range->end - place.range->start : 0;
     if (!net.range || bit.bit < net.range->start || bit.bit + more > net.range->end)
       gxm_complain(messages_, bit.source,

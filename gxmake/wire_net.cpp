@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <set>
 
+#include "gx/text/at.h"
+
 namespace {
 
 using place_t = std::pair<std::int32_t, std::int32_t>;
@@ -44,9 +46,7 @@ class net_wirer {
 
   std::size_t end_of_pin(int pin) {
     const auto [found, is_new] = pin_ends_.emplace(pin, wiring_.ends.size());
-    if (is_new)
-      wiring_.ends.push_back(
-          {.place = places_.pins[static_cast<std::size_t>(pin)].place, .pin = pin});
+    if (is_new) wiring_.ends.push_back({.place = gx_at(places_.pins, pin).place, .pin = pin});
     return found->second;
   }
 
@@ -58,7 +58,7 @@ class net_wirer {
       // Two parts may meet pin on pin; which one is meant is known when the net named it already.
       for (auto pin = first; pin != last; ++pin)
         if (pin_ends_.contains(pin->second)) return pin_ends_[pin->second];
-      const auto& pin = places_.pins[static_cast<std::size_t>(first->second)];
+      const auto& pin = gx_at(places_.pins, first->second);
       complain(source, "several pins meet at " + pin.part + "." + pin.pin + ": name one");
       return std::nullopt;
     }

@@ -11,9 +11,11 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "kvi/load.h"
+#include "platform/files.h"
 #include "tools/escape.h"
 #include "tools/usage.h"
 
@@ -260,12 +262,13 @@ int main(int argc, char** argv) {
   netlist_t netlist(design);
   if (!netlist.names_differ()) return 1;
   const std::string out_path(file);
-  std::FILE* const out = out_path.empty() ? stdout : std::fopen(out_path.c_str(), "w");
-  if (!out) return fail(out_path + ": " + std::strerror(errno));
+  x_file own(out_path.empty() ? nullptr : std::fopen(out_path.c_str(), "w"));
+  if (!out_path.empty() && !own) return fail(out_path + ": " + std::strerror(errno));
+  std::FILE* const out = own ? own.get() : stdout;
   int status = netlist.write(out, path, words) ? 0 : 1;
   if (!design.is_unchanged()) status = fail(kvi_changed_message(path));
-  if (out == stdout) return tool_end(tool, status);
+  if (!own) return tool_end(tool, status);
   const bool written = std::ferror(out) == 0;
-  if (std::fclose(out) != 0 || !written) return fail(out_path + ": " + std::strerror(errno));
+  if (!x_close(std::move(own)) || !written) return fail(out_path + ": " + std::strerror(errno));
   return status;
 }

@@ -7,6 +7,7 @@
 #include "app/language/command_row.h"
 #include "app/sheet/command_viewport.h"
 #include "expand/store.h"
+#include "gx/text/at.h"
 #include "gx/text/message_list.h"
 #include "gx/text/numbers.h"
 #include "gx/text/strings.h"
@@ -54,7 +55,7 @@ const kv_found_t* listed(std::string_view word) {
   const bool is_there = !number.error && number.value >= 1 &&
                         static_cast<std::size_t>(number.value) <= kv_pext.found.size() &&
                         kv_pext.found_of_run == kv_sext.origins.run;
-  return is_there ? &kv_pext.found[static_cast<std::size_t>(number.value - 1)] : nullptr;
+  return is_there ? &gx_at(kv_pext.found, number.value - 1) : nullptr;
 }
 
 void kv_find_path_cmd(const kv_command_t& command) {

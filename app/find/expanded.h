@@ -7,6 +7,7 @@
 #include "app/find/drawings.h"
 #include "expand/origins.h"
 #include "expand/path_index.h"
+#include "gx/text/at.h"
 
 inline constexpr std::string_view kv_no_expansion = "# !! Error : No expanded design ? ";
 
@@ -15,9 +16,7 @@ struct kv_expanded_t {
   const kv_origins_t& origins;
   const kv_path_index_t& paths;  // made at the first question after a run
 
-  const kv_visit_t& visit(std::int32_t index) const {
-    return origins.visits[static_cast<std::size_t>(index)];
-  }
+  const kv_visit_t& visit(std::int32_t index) const { return gx_at(origins.visits, index); }
 };
 
 // Nothing before the first RUN, and after one that was not done.

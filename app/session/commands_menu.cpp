@@ -7,6 +7,7 @@
 #include "app/session/menu_actions.h"
 #include "gx/display/menu_state.h"
 #include "gx/display/menus.h"
+#include "gx/text/at.h"
 #include "gx/text/message_list.h"
 #include "gx/text/numbers.h"
 #include "gx/text/strings.h"
@@ -46,7 +47,7 @@ constexpr place_errors_t status_errors = {"# !! Error : Invalid parameter  3 ? "
                                           "# !! Error : Invalid parameter 3 or 4 or 5 ? "};
 
 std::string_view place_error(const place_errors_t& errors, const kv_command_t& command, int first) {
-  return errors[static_cast<std::size_t>(command.count() - first)];
+  return gx_at(errors, command.count() - first);
 }
 
 void define_item(const kv_command_t& command) {

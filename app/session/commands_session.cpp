@@ -3,6 +3,7 @@
 #include "app/language/substitution.h"
 #include "app/sheet/views.h"
 #include "gx/display/cmd_viewport.h"
+#include "gx/text/at.h"
 #include "gx/text/message_list.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
@@ -31,7 +32,7 @@ void store_answer(const kv_command_t& command) {
   const kv_target_t target = kv_variable_target(command.word(2));
   if (target.kind == kv_target::out_of_range) return kv_refuse("# READln ", command, bad_second);
   if (target.kind != kv_target::variable) return;
-  command.vars[static_cast<std::size_t>(target.number - 1)] = command.words[3];
+  gx_at(command.vars, target.number - 1) = command.words[3];
   kv_echo(" READln ", command);
 }
 

@@ -23,6 +23,7 @@
 #include "gx/display/rubber_rectangle.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
+#include "gx/text/at.h"
 #include "gx/text/debug.h"
 #include "gx/text/message_list.h"
 #include "gx/text/status.h"
@@ -360,7 +361,7 @@ void kv_process_events(bool first, kv_array_param_t& args, kv_array_param_t& var
       }
     } else {
       lost_events = 0;
-      actions[static_cast<std::size_t>(event.kind)](loop, event);
+      gx_at(actions, event.kind)(loop, event);
       const bool answered =
           !first && event.kind == gx_event_kind::key_press && is_return(event.code);
       if (answered) loop.leave = true;

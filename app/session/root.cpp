@@ -71,7 +71,7 @@ void kv_open_debug_file() {
                   0);
   }
   gx_debug(" kivo_root : strfile_name   : \"%s\" \n", design.char_);
-  gx_debug("# kivo_root : debugfile_name : \"%.*s\"\n", name.len, name.char_);
+  gx_trace("# kivo_root : debugfile_name : \"", gx_view(name), "\"");
   gx_debug("\n# INITIALIZE : date : %d-%d-%d**%d-%d\n\n", date.day, date.month, date.year,
            date.hour, date.minute);
   if (!gx_vext.batch) print_version(stdout);
@@ -98,7 +98,7 @@ void kivo_root(int argc, char** argv) {
 
   gx_vext.num_errors = gx_vext.num_warnings = 0;
   const gx_string_record_t design = design_path();
-  gx_debug("# INITIALIZE pathname : \"%.*s\"\n", design.len, design.char_);
+  gx_trace("# INITIALIZE pathname : \"", gx_view(design), "\"");
   initparam_before();
 
   if (kv_open_session()) kv_run_session();

@@ -27,6 +27,7 @@
 #include "gx/display/viewports.h"
 #include "gx/display/window.h"
 #include "gx/text/arguments.h"
+#include "gx/text/at.h"
 #include "gx/text/debug.h"
 #include "gx/text/message_list.h"
 #include "gx/text/status.h"
@@ -57,14 +58,14 @@ std::string quoted(const gx_string_record_t& text) {
 // A failure that leaves nothing to run.
 [[noreturn]] void refuse_start(const char* what, const gx_string_record_t& name,
                                const std::string& why) {
-  gx_debug("!!! ( INITIALIZE ) %s  : \"%.*s\" \n", what, name.len, name.char_);
+  gx_trace("!!! ( INITIALIZE ) ", what, "  : \"", gx_view(name), "\" ");
   gx_count_error();
   if (gx_vext.batch) kv_refuse_run(std::string(what) + " : " + quoted(name) + " : " + why, 0);
   gx_set_status(gx_code::file_data_invalid);
 }
 
 void debug_names(const gx_string_record_t& design) {
-  gx_debug("   pathname  : #%.*s#\n", design.len, design.char_);
+  gx_trace("   pathname  : #", gx_view(design), "#");
   gx_debug("   filetype  : #%s#\n", sheet_type.data());
 }
 
@@ -149,11 +150,11 @@ bool open_primary_sheet(const gx_string_record_t& design) {
 bool show_whether_whole(const gx_file_gene_recf_t& sheet) {
   const std::string fault = gx_sheet_fault(sheet);
   if (fault.empty()) return true;
-  const auto& path = gx_vext.filear[static_cast<std::size_t>(sheet.file_index)].file_pathname;
+  const auto& path = gx_at(gx_vext.filear, sheet.file_index).file_pathname;
   std::fprintf(gx_vext.batch ? stderr : stdout, "!! error : Sheet not whole : \"%.*s\" : %s\n",
                path.len, path.char_, fault.c_str());
   gx_count_error();
-  gx_debug("!!! error : INITIALIZE  : \"%.*s\" : %s\n", path.len, path.char_, fault.c_str());
+  gx_trace("!!! error : INITIALIZE  : \"", gx_view(path), "\" : ", fault);
   return false;
 }
 
@@ -259,8 +260,7 @@ bool kv_finish_session() {
   gx_debug("%s\n@@ start of FINALISE @@@@@\n%s\n", fence, fence);
   if (kv_sext.designfile >= 0) close(std::exchange(kv_sext.designfile, -1));
   for (int level = 1; level <= kv_pext.file_level_max; ++level)
-    if (const auto index = kv_pext.arrayof_file[static_cast<std::size_t>(level - 1)].file_index)
-      gx_file_close(index);
+    if (const auto index = gx_at(kv_pext.arrayof_file, level - 1).file_index) gx_file_close(index);
   if (kv_pext.view_sheet_done) gx_file_close(kv_pext.file_id_views);
   if (kv_pext.act_symb_done) gx_file_close(kv_pext.file_id_act);
   gx_debug_line("@@@@@@ FINALIZE after gx_file_close  ");

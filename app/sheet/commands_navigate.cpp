@@ -67,8 +67,7 @@ gx_string_record_t directory_of(const gx_file_gene_recf_t& file, int inst,
   const auto directory = kv_sheet_directory(file, inst);
   if (directory.len > 0) return directory;
   const auto& symbol = gx_symbol_info_ptr(file, gx_instance_info_ptr(file, inst).symbol);
-  gx_debug(" VIEW_DOWN_CMD  :invalid : file path  : \"%.*s\"\n", symbol.path.len,
-           symbol.path.char_);
+  gx_trace(" VIEW_DOWN_CMD  :invalid : file path  : \"", gx_view(symbol.path), "\"");
   refuse_down(command, "# !! Error : Symbol path without version ? : ");
   gx_tell("# !! \"", gx_view(symbol.path), "\" ");
   return {};

@@ -12,6 +12,7 @@
 #include "gx/display/list_viewport.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
+#include "gx/text/at.h"
 #include "gx/text/message_list.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
@@ -70,7 +71,7 @@ void recall_line() {
   if (v.nlinlist_end + kv_pext.line_position > 1) --kv_pext.line_position;
   const int line = v.nlinlist_end + kv_pext.line_position - 1;
   if (line < 1 || line > gx_max_list_lines) return;
-  v.str_cmd = v.line_list[static_cast<std::size_t>(line - 1)];
+  v.str_cmd = gx_at(v.line_list, line - 1);
   gx_display_cmd(gx_view(v.str_cmd));
 }
 

@@ -8,6 +8,7 @@
 #include "gx/db/object_access.h"
 #include "gx/db/objects_of.h"
 #include "gx/db/sheet_shape.h"
+#include "gx/text/at.h"
 #include "gx/vext.h"
 
 namespace {
@@ -16,9 +17,7 @@ kv_level_follower_t follow_level = nullptr;
 
 bool kv_is_level(int level) { return level >= 1 && level <= kv_max_levels; }
 
-kv_file_record_t& kv_at_level(int level) {
-  return kv_pext.arrayof_file[static_cast<std::size_t>(level - 1)];
-}
+kv_file_record_t& kv_at_level(int level) { return gx_at(kv_pext.arrayof_file, level - 1); }
 
 gx_string_record_t kv_sheet_directory(const gx_file_gene_recf_t& file, int inst) {
   const auto* instance = gx_object_as<gx_object_instance_rec_t>(file, inst);
