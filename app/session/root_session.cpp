@@ -54,6 +54,13 @@ std::string quoted(const gx_string_record_t& text) {
   return "\"" + std::string(gx_view(text)) + "\"";
 }
 
+// What is wrong with the design, to the one who waits for its session.
+void tell_unusable(const std::string& message) {
+  std::fprintf(gx_vext.batch ? stderr : stdout, "%s%s\n", gx_vext.batch ? "kivo: " : "",
+               message.c_str());
+  gx_count_error();
+}
+
 // A failure that leaves nothing to run.
 [[noreturn]] void refuse_start(const char* what, const gx_string_record_t& name,
                                const std::string& why) {
@@ -124,20 +131,23 @@ void take_start_up_file() {
   }
 }
 
-void open_primary_sheet(const gx_string_record_t& design) {
+// False, and an error counted, when the sheet's data are not sound.
+bool open_primary_sheet(const gx_string_record_t& design) {
   auto& level1 = kv_pext.arrayof_file[0];
   kv_pext.file_level_max = kv_pext.file_level_cur = 1;
-  if (gx_vext.batch) {
-    std::string why;
-    level1.file_index = gx_file_try_open(gx_view(design), sheet_type, why);
-    if (level1.file_index == 0) kv_refuse_run(why, 0);
-  } else {
-    level1.file_index = gx_file_open(gx_view(design), sheet_type);
+  std::string why;
+  level1.file_index = gx_vext.batch ? gx_file_try_open(gx_view(design), sheet_type, why)
+                                    : gx_file_open_sound(gx_view(design), sheet_type, why);
+  if (level1.file_index == 0) {
+    tell_unusable("!! error in open file : " + why);
+    gx_debug("!!! error : INITIALIZE  : %s\n", why.c_str());
+    return false;
   }
   level1.file_path = design;
   kv_pext.disp_pic_area = false;
   kv_pext.pt_pic_area1 = kv_pext.pt_pic_area2 = {};
   kv_pext.file_id_cur = kv_pext.file_id_context = level1.file_index;
+  return true;
 }
 
 // False, and an error counted, when a family, the grid or a part of an object is missing.
@@ -145,9 +155,7 @@ bool show_whether_whole(const gx_file_gene_recf_t& sheet) {
   const std::string fault = gx_sheet_fault(sheet);
   if (fault.empty()) return true;
   const auto& path = gx_vext.filear[static_cast<std::size_t>(sheet.file_index)].file_pathname;
-  std::fprintf(gx_vext.batch ? stderr : stdout, "!! error : Sheet not whole : \"%.*s\" : %s\n",
-               path.len, path.char_, fault.c_str());
-  gx_count_error();
+  tell_unusable("!! error : Sheet not whole : " + quoted(path) + " : " + fault);
   gx_debug("!!! error : INITIALIZE  : \"%.*s\" : %s\n", path.len, path.char_, fault.c_str());
   return false;
 }
@@ -166,9 +174,7 @@ bool show_whether_sheet(const gx_string_record_t& design) {
     gx_set_status(gx_code::invalid_string);
   }
   if (primary != 0) return show_whether_whole(sheet);
-  std::fprintf(gx_vext.batch ? stderr : stdout, "!! error : No sheet Found : \"%.*s\"\n",
-               design.len, design.char_);
-  gx_count_error();
+  tell_unusable("!! error : No sheet Found : " + quoted(design));
   gx_debug_line("!!! error : INITIALIZE  : no primary \"");
   debug_names(design);
   return false;
@@ -220,8 +226,7 @@ bool kv_open_session() {
   gx_debug("# INITIALIZE :  KV_INIT_MENU_ACTION    done \n");
   open_outputs();
   take_start_up_file();
-  open_primary_sheet(design);
-  const bool has_sheet = show_whether_sheet(design);
+  const bool has_sheet = open_primary_sheet(design) && show_whether_sheet(design);
   if (has_sheet) prepare_sheet();
   debug_roles();
   return has_sheet;
