@@ -233,7 +233,9 @@ bool kv_open_session() {
 }
 
 void kv_begin_session() {
-  gx_undo_init(kv_pext.file_id_cur);
+  const int errors = gx_vext.num_errors;
+  gx_undo_init(kv_pext.file_id_cur);  // takes over what the sheet's header says of its errors
+  for (int i = 0; i < errors; ++i) gx_count_error();
   gx_vext.str_cmd = {};
   gx_display_cmd("");
   gx_display_list("# KIVO  version 2.02");
