@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <deque>
 #include <limits>
 #include <string>
 
@@ -18,6 +19,9 @@ constexpr std::size_t max_line_length = 199;
 
 gx_list_drawer_t draw_list = nullptr;
 gx_list_reader_t read_line = nullptr;
+
+std::deque<std::string> waiting;  // the last lines of a batch
+bool is_batch = false;
 
 void count(std::int16_t& counter) {
   if (counter < std::numeric_limits<std::int16_t>::max()) ++counter;
@@ -85,8 +89,23 @@ void gx_display_list(std::string_view text, gx_line_kind at_least) {
   if (text.empty()) return;
   record(text, std::max(gx_kind_of_line(text), at_least));
   if (!gx_list.transcript_state) return;
+  if (is_batch) {
+    waiting.emplace_back(text);
+    if (waiting.size() > gx_max_list_lines) waiting.pop_front();
+    return;
+  }
   keep(text);
   show_end();
+}
+
+gx_list_batch_t::gx_list_batch_t() : is_outer_(!is_batch) { is_batch = true; }
+
+gx_list_batch_t::~gx_list_batch_t() {
+  if (!is_outer_) return;
+  is_batch = false;
+  for (const auto& line : waiting) keep(line);
+  if (!waiting.empty()) show_end();
+  waiting.clear();
 }
 
 void gx_tell_parts(std::span<const std::string_view> parts, gx_line_kind at_least) {

@@ -55,6 +55,19 @@ inline void gx_tell_quoted(std::string_view label, std::string_view text,
   gx_tell(label, "\"", text, "\"", tail);
 }
 
+// While one lives, the lines that are told go to the session file at once and into the list at its
+// end, drawn once: for answers of many lines. One within another does nothing.
+class gx_list_batch_t {
+ public:
+  gx_list_batch_t();
+  ~gx_list_batch_t();
+  gx_list_batch_t(const gx_list_batch_t&) = delete;
+  gx_list_batch_t& operator=(const gx_list_batch_t&) = delete;
+
+ private:
+  bool is_outer_;
+};
+
 // Whether an open file is the session file, which is not read while it is written.
 bool gx_is_session_file(int descriptor);
 
