@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "expand/design.h"
+#include "expand/origins.h"
 #include "expand/sheet_slots.h"
 
 // How far a run is.
@@ -29,6 +30,7 @@ struct kv_run_t {
   std::int32_t& macro_level;       // macro whose sheet is being flattened
   kv_run_watcher_t watcher = nullptr;
   std::chrono::milliseconds period{200};  // from the start to the first call, and between calls
+  kv_origins_t* origins = nullptr;        // emptied and filled, when given
 };
 
 enum class kv_run_result {
