@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <limits>
 #include <string>
+#include <utility>
 
 #include "gx/text/debug.h"
 #include "gx/text/session_state.h"
@@ -17,6 +18,7 @@ namespace {
 constexpr std::size_t max_line_length = 199;
 
 gx_list_drawer_t draw_list = nullptr;
+gx_list_catcher::take_t catcher;
 
 void count(std::int16_t& counter) {
   if (counter < std::numeric_limits<std::int16_t>::max()) ++counter;
@@ -77,6 +79,7 @@ bool is_readable_text(std::string_view path) {
 void gx_display_list(std::string_view text) {
   text = text.substr(0, max_line_length);
   if (text.empty()) return;
+  if (catcher) return catcher(text);
   write_to_session(text);
   if (!gx_list.transcript_state) return;
   keep(text);
@@ -117,5 +120,19 @@ void gx_count_error() {
   count(gx_session.num_errors);
 }
 void gx_count_warning() { count(gx_session.num_warnings); }
+
+gx_list_catcher::gx_list_catcher(take_t take)
+    : errors_(gx_session.num_errors),
+      warnings_(gx_session.num_warnings),
+      errors_in_all_(gx_session.errors_in_all) {
+  catcher = std::move(take);
+}
+
+gx_list_catcher::~gx_list_catcher() {
+  catcher = nullptr;
+  gx_session.num_errors = errors_;
+  gx_session.num_warnings = warnings_;
+  gx_session.errors_in_all = errors_in_all_;
+}
 
 void gx_set_list_drawer(gx_list_drawer_t drawer) { draw_list = drawer; }

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string_view>
 
@@ -52,6 +53,21 @@ void gx_list_follow();
 // The counters of the session stop at their largest value.
 void gx_count_error();
 void gx_count_warning();
+
+// While a catcher lives, lines go to it and nowhere else, and what is counted is not kept: for what
+// one command asks another's rooms. Catchers do not nest.
+class gx_list_catcher {
+ public:
+  using take_t = std::function<void(std::string_view line)>;
+  explicit gx_list_catcher(take_t take);
+  ~gx_list_catcher();
+  gx_list_catcher(const gx_list_catcher&) = delete;
+  gx_list_catcher& operator=(const gx_list_catcher&) = delete;
+
+ private:
+  std::int16_t errors_, warnings_;
+  std::int64_t errors_in_all_;
+};
 
 // What draws the list after it changed; none at first.
 using gx_list_drawer_t = void (*)();
