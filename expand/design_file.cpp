@@ -75,12 +75,10 @@ void write_records(image_writer& out, std::span<const Record> records) {
 
 template <typename Record>
 void write_array(image_writer& out, const kv_blocked_t<Record>& array) {
-  std::int32_t left = array.count;
-  for (std::size_t block = 0; left > 0 && out.ok(); ++block) {
-    const std::int32_t n = std::min(left, kv_block_size);
-    const std::span block_records(array.blocks[block].get(), static_cast<std::size_t>(n));
-    write_records<Record>(out, block_records);
-    left -= n;
+  for (std::int32_t block = 0; out.ok(); ++block) {
+    const auto records = array.in_block(block);
+    if (records.empty()) return;
+    write_records<Record>(out, records);
   }
 }
 

@@ -84,7 +84,9 @@ std::optional<kv_run_result> flatten(const kv_run_t& run, const gx_file_gene_rec
                                      std::string_view top_path) {
   kv_flatten_t walk(run.setup, run.design, run.expand_level, run.macro_level);
   walk.to_the_end = run.to_the_end;
-  kv_sheet_t sheet = kv_analyse_sheet(top, top_path, run.setup, walk.cache.globals);
+  auto sheet_read =
+      std::make_unique<kv_sheet_t>(kv_analyse_sheet(top, top_path, run.setup, walk.cache.globals));
+  kv_sheet_t& sheet = *sheet_read;
   kv_find_tied_globals(walk.cache, sheet, 1);
   if (sheet.bytes > kv_free_memory()) {
     gx_tell("# !! Error : Design too large for this memory : about ",
@@ -94,8 +96,14 @@ std::optional<kv_run_result> flatten(const kv_run_t& run, const gx_file_gene_rec
   }
   kv_run_watch watch(run, sheet.visits);
   walk.watch = &watch;
+  if (run.origins != nullptr) walk.visits = &run.origins->visits;
   run.macro_level = 0;
   kv_process_inst_of_sheet(walk, sheet, {}, 1, 0);
+  if (run.origins != nullptr) {
+    run.origins->top = std::move(sheet_read);
+    run.origins->components = std::move(walk.cache.components);
+    run.origins->globals = std::move(walk.cache.globals);
+  }
   return walk.end;
 }
 
@@ -116,11 +124,17 @@ kv_run_result kv_expand_sheet(const kv_run_t& run, const gx_file_gene_recf_t& to
                               std::string_view top_path) {
   if (!lists_are_set(run.setup)) return kv_run_result::no_lists;
   kv_empty_design(run.design);
+  static std::uint64_t runs = 0;
+  if (run.origins != nullptr) {
+    *run.origins = {};
+    run.origins->run = ++runs;
+  }
   kv_limit_design(run.design, run.setup.store_size);
   run.design.kept = run.setup;
   gx_tell(" RUN ");
   if (const auto end = flatten(run, top, top_path)) {
     kv_empty_design(run.design);  // a part of a design is not taken for the whole
+    if (run.origins != nullptr) *run.origins = {};
     return *end;
   }
   check_nets(run.design);

@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "expand/design.h"
+#include "expand/origins.h"
 #include "expand/sheet_slots.h"
 #include "gx/db/file_records.h"
 
@@ -31,6 +32,7 @@ struct kv_run_t {
   kv_run_watcher_t watcher = nullptr;
   std::chrono::milliseconds period{200};  // from the start to the first call, and between calls
   bool to_the_end = false;                // a sheet is not left after 30 errors
+  kv_origins_t* origins = nullptr;        // emptied and filled, when given
 };
 
 enum class kv_run_result {

@@ -7,6 +7,7 @@
 #include "app/sheet/views.h"
 #include "gx/db/files.h"
 #include "gx/db/object_access.h"
+#include "gx/db/sheet_shape.h"
 #include "gx/display/plot.h"
 #include "gx/display/window.h"
 #include "tools/usage.h"
@@ -38,8 +39,14 @@ int main(int argc, char** argv) {
   gx_init_nograph();
   std::string why;
   const auto file_index = gx_file_try_open(sheet, "sheet", why);
-  if (file_index == 0 || gx_ptrto_gene_file_buf(file_index).primary_object == 0) {
-    std::fprintf(stderr, "kivo-plot: no sheet in %s %s\n", sheet.c_str(), why.c_str());
+  if (file_index != 0) {
+    const auto& file = gx_ptrto_gene_file_buf(file_index);
+    const bool is_there = file.primary_object != 0;
+    why = is_there ? gx_sheet_fault(file) : "no sheet";
+    if (!why.empty()) why.insert(0, sheet + (is_there ? "/sheet.gx: " : ": "));
+  }
+  if (!why.empty()) {
+    tool_complain(tool, why);
     return 1;
   }
   kv_hide_invisible(file_index);

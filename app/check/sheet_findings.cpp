@@ -2,36 +2,33 @@
 
 #include <algorithm>
 
-#include "app/sheet/walk.h"
-#include "gx/text/strings.h"
+#include "gx/db/queries.h"
 
 namespace {
 
 // The piece that an object's path has behind that of its sheet, as RUN makes it.
 std::string piece_of(const gx_file_gene_recf_t& file, const gx_owner_t& owner) {
-  const auto named = [](std::string_view value, std::string_view label, int id) {
-    return value.empty() ? "/" + std::string(label) + std::to_string(id) : "/" + std::string(value);
-  };
   switch (owner.kind) {
     case gx_owner_kind::none:
       return "";
     case gx_owner_kind::net:
-      return named(gx_prop_text(gx_find_net_prop(file, owner.id, "NET")), "N_", owner.id);
+      return "/" + lb_net_name(file, owner.id);
     case gx_owner_kind::frame:
-      return named("", "F_", owner.id);
-    case gx_owner_kind::pin:
-    case gx_owner_kind::symbol_pin:
-      for (const auto [pin, pinpropfam] : lb_pins(file, owner.inst)) {
-        if (pinpropfam != owner.on_sheet) continue;
-        const auto* name = gx_find_prop_of_two(file, pin, pinpropfam, "PIN");
-        return "/" + kv_inst_name(file, owner.inst) + named(gx_prop_text(name), "P_", pinpropfam);
-      }
-      [[fallthrough]];
+      return "/F_" + std::to_string(owner.id);
     case gx_owner_kind::body:
     case gx_owner_kind::symbol:
-      return "/" + kv_inst_name(file, owner.inst);
+      return "/" + lb_inst_name(file, owner.inst);
+    case gx_owner_kind::pin:
+    case gx_owner_kind::symbol_pin:
+      break;
   }
-  return "";
+  std::string name = "P_" + std::to_string(owner.on_sheet);
+  for (const auto [pin, pinpropfam] : lb_pins(file, owner.inst)) {
+    if (pinpropfam != owner.on_sheet) continue;
+    const auto text = gx_prop_text(gx_find_prop_of_two(file, pin, pinpropfam, "PIN"));
+    if (!text.empty()) name = text;
+  }
+  return "/" + lb_inst_name(file, owner.inst) + "/" + name;
 }
 
 // The lines of CHEck SHEet as the words of a finding: without what marks them as lines.

@@ -4,6 +4,7 @@
 #include "gx/db/files.h"
 #include "gx/db/object_access.h"
 #include "gx/db/objects_of.h"
+#include "gx/db/queries.h"
 #include "gx/db/sheet_shape.h"
 #include "gx/text/strings.h"
 
@@ -34,7 +35,7 @@ bool find_way(kv_drawings_t& drawings, const gx_file_gene_recf_t* sheet, std::st
   if (rest.empty()) return true;
   for (const int inst : lb_instances(*sheet)) {
     if (gx_inq_object_deleted(*sheet, inst)) continue;
-    const std::string name = kv_inst_name(*sheet, inst);
+    const std::string name = lb_inst_name(*sheet, inst);
     if (rest.size() < name.size() || !gx_iden(rest.substr(0, name.size()), name)) continue;
     std::string_view further = rest.substr(name.size());
     if (!further.empty() && further.front() != '/') continue;

@@ -119,9 +119,15 @@ bool can_be_shown(const gx_file_gene_recf_t& file, int id) {
 
 std::string no_object(int object_id) { return "no such object : " + std::to_string(object_id); }
 
-std::string go_along(const kv_way_t& way, int object_id, const gx_file_gene_recf_t* sheet) {
-  if (sheet != nullptr && object_id != 0 && !can_be_shown(*sheet, object_id))
-    return no_object(object_id);
+}  // namespace
+
+std::string kv_go_along(kv_drawings_t& drawings, const kv_way_t& way, int object_id) {
+  const auto* sheet = drawings.top();
+  for (const auto& step : way) {
+    if (sheet != nullptr) sheet = drawings.below(*sheet, step.inst);
+  }
+  if (sheet == nullptr) return "no such sheet";
+  if (object_id != 0 && !can_be_shown(*sheet, object_id)) return no_object(object_id);
   if (std::string fault = walk(way); !fault.empty()) {
     kv_show_level();
     return fault;
@@ -138,17 +144,9 @@ std::string go_along(const kv_way_t& way, int object_id, const gx_file_gene_recf
   return "";
 }
 
-}  // namespace
-
-std::string kv_go_along(const kv_way_t& way, int object_id) {
-  return go_along(way, object_id, nullptr);
-}
-
 std::string kv_go_to(std::string_view sheet_path, int object_id) {
   kv_drawings_t drawings;
   const auto way = kv_way_to(drawings, sheet_path);
   if (!way) return "no such sheet : \"" + std::string(sheet_path) + "\"";
-  const auto* sheet = drawings.top();
-  for (const auto& step : *way) sheet = drawings.below(*sheet, step.inst);
-  return go_along(*way, object_id, sheet);
+  return kv_go_along(drawings, *way, object_id);
 }

@@ -7,6 +7,7 @@
 #include "expand/sim_request.h"
 #include "expand/store.h"
 #include "gx/db/owners.h"
+#include "gx/db/queries.h"
 #include "gx/display/window.h"
 #include "gx/text/message_list.h"
 #include "gx/text/strings.h"
@@ -17,12 +18,6 @@ constexpr int max_keywords = 16;
 // First letters of the instances that the simulator knows. X, a sub-circuit, has a template for
 // its pins.
 constexpr std::string_view element_letters = "ACEFGHILMNQRSVWX";
-
-std::string or_numbered(const std::optional<gx_string_record_t>& value, std::string_view prefix,
-                        int id) {
-  if (value && value->len > 0) return std::string(gx_view(*value));
-  return std::string(prefix) + std::to_string(id);
-}
 
 // The value without the quotes or apostrophes around it.
 std::string_view without_quotes(std::string_view value) {
@@ -64,7 +59,7 @@ void plot_request::add_item(std::string_view item) {
 }
 
 void plot_request::add_net(int net) {
-  const std::string name = or_numbered(lb_get_valueof_prop_net(file_, net, "NET"), "N_", net);
+  const std::string name = lb_net_name(file_, net);
   const std::int32_t flat_net = kv_find_net_rel(sheet_path(), name);
   if (flat_net == 0) {
     kv_refuse("# Give ", command_, "# !! Error : Net NOT FOUND ? ");
@@ -112,8 +107,7 @@ void plot_request::add_subcircuit_pin(gx_pin_pair_t pair, std::string_view inst_
 }
 
 void plot_request::add_pins(int inst) {
-  const std::string inst_name =
-      or_numbered(lb_get_valueof_prop_inst(file_, inst, "INST"), "I_", inst);
+  const std::string inst_name = lb_inst_name(file_, inst);
   const char letter = gx_upper_case(inst_name.front());
   if (element_letters.find(letter) == std::string_view::npos) return;
   bool any_selected = false, any_named = false;

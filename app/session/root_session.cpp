@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <string>
 #include <utility>
 
 #include "app/language/commands.h"
@@ -107,14 +108,23 @@ void take_start_up_file() {
   }
 }
 
-void open_primary_sheet(const gx_string_record_t& design) {
+// False, and an error counted, when the sheet's data are not sound.
+bool open_primary_sheet(const gx_string_record_t& design) {
   auto& level1 = kv_pext.arrayof_file[0];
   kv_pext.file_level_max = kv_pext.file_level_cur = 1;
-  level1.file_index = gx_file_open(gx_view(design), sheet_type);
+  std::string why;
+  level1.file_index = gx_file_open_sound(gx_view(design), sheet_type, why);
+  if (level1.file_index == 0) {
+    std::printf("!! error in open file : %s\n", why.c_str());
+    ++gx_vext.num_errors;
+    gx_debug("!!! error : INITIALIZE  : %s\n", why.c_str());
+    return false;
+  }
   level1.file_path = design;
   kv_pext.disp_pic_area = false;
   kv_pext.pt_pic_area1 = kv_pext.pt_pic_area2 = {};
   kv_pext.file_id_cur = kv_pext.file_id_context = level1.file_index;
+  return true;
 }
 
 // False, and an error counted, when a family, the grid or a part of an object is missing.
@@ -203,8 +213,7 @@ void kv_open_session() {
   gx_debug("# INITIALIZE :  KV_INIT_MENU_ACTION    done \n");
   open_outputs();
   take_start_up_file();
-  open_primary_sheet(design);
-  if (show_whether_sheet(design)) prepare_sheet();
+  if (open_primary_sheet(design) && show_whether_sheet(design)) prepare_sheet();
   debug_roles();
 }
 

@@ -1,5 +1,7 @@
 // VIEw DOWn and VIEw UP: the edit viewport moves through the hierarchy of sheets, and the
 // simulation path with it.
+#include <string>
+
 #include "app/language/command_row.h"
 #include "app/sheet/command_viewport.h"
 #include "app/sheet/walk.h"
@@ -48,25 +50,28 @@ int instance_to_enter(const kv_command_t& command, const gx_file_gene_recf_t& fi
     found = id;
     ++count;
   }
-  if (count == 1 && lb_find_prop_inst(file, found, "INST") != nullptr) return found;
+  if (count == 1) return found;
   if (count > 1) {
     refuse_down(command, by_name ? "# !! Error : More Than 1 Instance Found selected with \"INST\" "
                                  : "# !! Error : More Than 1 Instance Found selected ");
   } else {
-    refuse_down(command, by_name || count == 1 ? "# !! Error : No Instance  with \"INST\" "
-                                               : "# !! Error : No Instance Found selected ");
+    refuse_down(command, by_name ? "# !! Error : No Instance  with \"INST\" "
+                                 : "# !! Error : No Instance Found selected ");
   }
   return 0;
 }
 
-// The directory of the sheet that an instance stands for.
-gx_string_record_t directory_of(const gx_file_gene_recf_t& file, int inst) {
+// The directory of the sheet that an instance stands for; empty after the refusal.
+gx_string_record_t directory_of(const gx_file_gene_recf_t& file, int inst,
+                                const kv_command_t& command) {
   const auto directory = kv_sheet_directory(file, inst);
   if (directory.len > 0) return directory;
   const auto& symbol = gx_symbol_info_ptr(file, gx_instance_info_ptr(file, inst).symbol);
   gx_debug(" VIEW_DOWN_CMD  :invalid : file path  : \"%.*s\"\n", symbol.path.len,
            symbol.path.char_);
-  gx_set_status(gx_code::file_data_invalid);
+  refuse_down(command, "# !! Error : Symbol path without version ? : ");
+  gx_tell("# !! \"", gx_view(symbol.path), "\" ");
+  return {};
 }
 
 // Opens the sheet into the slot of the level; false after the refusal.
@@ -109,8 +114,9 @@ void kv_view_down_cmd(const kv_command_t& command) {
   const auto& file = gx_ptrto_gene_file_buf(kv_pext.file_id_cur);
   const int inst = instance_to_enter(command, file);
   if (inst == 0) return;
-  const auto name = gx_view(lb_find_prop_inst(file, inst, "INST")->nvalue);
-  const auto directory = directory_of(file, inst);
+  const std::string name = lb_inst_name(file, inst);
+  const auto directory = directory_of(file, inst, command);
+  if (directory.len == 0) return;
   if (level == kv_max_levels) {
     return refuse_down(command, "# !! Error : Too many sheet levels ? : ");
   }

@@ -20,11 +20,6 @@ kv_file_record_t& kv_at_level(int level) {
   return kv_pext.arrayof_file[static_cast<std::size_t>(level - 1)];
 }
 
-std::string kv_inst_name(const gx_file_gene_recf_t& file, int inst) {
-  const std::string_view name = gx_prop_text(gx_find_inst_prop(file, inst, "INST"));
-  return name.empty() ? "I_" + std::to_string(inst) : std::string(name);
-}
-
 gx_string_record_t kv_sheet_directory(const gx_file_gene_recf_t& file, int inst) {
   const auto* instance = gx_object_as<gx_object_instance_rec_t>(file, inst);
   if (instance == nullptr) return {};

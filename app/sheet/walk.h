@@ -13,8 +13,6 @@ bool kv_is_level(int level);
 // The place of a level, 1..28.
 kv_file_record_t& kv_at_level(int level);
 
-// The name of an instance in paths: its INST property, or "I_" and its id.
-std::string kv_inst_name(const gx_file_gene_recf_t& file, int inst);
 // The directory of the sheet that an instance stands for; empty when its symbol's path bears no
 // version.
 gx_string_record_t kv_sheet_directory(const gx_file_gene_recf_t& file, int inst);

@@ -267,11 +267,15 @@ void check_owner(const gx_file_gene_recf_t& file, int id, gx_type type) {
   gx_check_object_type(object, type);
 }
 
+std::string or_numbered(const gx_object_property_rec_t* property, std::string_view prefix, int id) {
+  if (property != nullptr && property->nvalue.len > 0)
+    return std::string(gx_view(property->nvalue));
+  return std::string(prefix) + std::to_string(id);
+}
+
 std::optional<gx_string_record_t> value_of(const gx_object_property_rec_t* property) {
   if (property == nullptr) return std::nullopt;
-  gx_string_record_t value;
-  gx_value_string(property->nvalue, value);
-  return value;
+  return gx_string(gx_view(property->nvalue));
 }
 
 }  // namespace
@@ -309,6 +313,13 @@ std::optional<gx_string_record_t> lb_get_valueof_prop_inst(const gx_file_gene_re
 std::optional<gx_string_record_t> lb_get_valueof_prop_net(const gx_file_gene_recf_t& file, int net,
                                                           std::string_view name) {
   return value_of(lb_find_prop_net(file, net, name));
+}
+
+std::string lb_inst_name(const gx_file_gene_recf_t& file, int inst) {
+  return or_numbered(lb_find_prop_inst(file, inst, "INST"), "I_", inst);
+}
+std::string lb_net_name(const gx_file_gene_recf_t& file, int net) {
+  return or_numbered(lb_find_prop_net(file, net, "NET"), "N_", net);
 }
 
 // --- parts of a net

@@ -8,6 +8,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "gx/db/file_records.h"
@@ -83,6 +84,10 @@ std::optional<gx_string_record_t> lb_get_valueof_prop_inst(const gx_file_gene_re
                                                            int inst, std::string_view name);
 std::optional<gx_string_record_t> lb_get_valueof_prop_net(const gx_file_gene_recf_t& file, int net,
                                                           std::string_view name);
+
+// What an instance or a net goes by: its INST or NET value; without one "I_" or "N_" and its id.
+std::string lb_inst_name(const gx_file_gene_recf_t& file, int inst);
+std::string lb_net_name(const gx_file_gene_recf_t& file, int net);
 
 // --- segments and properties of a net
 gx_object_id_t gx_inq_first_net_segment_id(const gx_file_gene_recf_t& file, int net);

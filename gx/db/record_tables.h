@@ -39,12 +39,15 @@ enum class gx_kind : std::uint8_t {
 // What an id may name.
 enum class gx_refers : std::uint8_t { any, instance, symbol, net, net_end, page, grid };
 
+inline constexpr std::int16_t gx_max_line_style = 4;
+
 struct gx_field_t {
   std::string_view name;
   gx_kind kind;
   std::uint16_t offset;  // in the record in memory
   gx_refers refers = gx_refers::any;
   std::int16_t limit = 0;  // a number outside 0..limit is refused; 0: any goes
+  bool never_0 = false;    // 0 is refused
 };
 
 using gx_fields_t = std::span<const gx_field_t>;
@@ -181,10 +184,11 @@ using segment_t = gx_object_segment_rec_t;
 inline constexpr gx_field_t segment_fields[] = {
     {"reserved", gx_kind::i16, offsetof(segment_t, reserved)},
     {"line_color", gx_kind::u8, offsetof(segment_t, line_color)},
-    {"line_width", gx_kind::u8, offsetof(segment_t, line_width)},
-    {"vertex1", gx_kind::id, offsetof(segment_t, vertex1), gx_refers::net_end},
-    {"vertex2", gx_kind::id, offsetof(segment_t, vertex2), gx_refers::net_end},
-    {"line_style", gx_kind::i16, offsetof(segment_t, line_style)},
+    {"line_width", gx_kind::u8, offsetof(segment_t, line_width), gx_refers::any, 0, true},
+    {"vertex1", gx_kind::id, offsetof(segment_t, vertex1), gx_refers::net_end, 0, true},
+    {"vertex2", gx_kind::id, offsetof(segment_t, vertex2), gx_refers::net_end, 0, true},
+    {"line_style", gx_kind::i16, offsetof(segment_t, line_style), gx_refers::any,
+     gx_max_line_style},
     {"fin", gx_kind::i16, offsetof(segment_t, fin)},
 };
 
@@ -214,7 +218,8 @@ inline constexpr gx_field_t arc_fields[] = {
     {"angle1", gx_kind::i32, offsetof(arc_t, angle1)},
     {"angle2", gx_kind::i32, offsetof(arc_t, angle2)},
     {"border_color", gx_kind::u8, offsetof(arc_t, border_color)},
-    {"border_style", gx_kind::i16_le, offsetof(arc_t, border_style)},
+    {"border_style", gx_kind::i16_le, offsetof(arc_t, border_style), gx_refers::any,
+     gx_max_line_style},
     {"c_reserved", gx_kind::u8, offsetof(arc_t, c_reserved)},
     {"i_reserved", gx_kind::i16, offsetof(arc_t, i_reserved)},
     {"fin", gx_kind::i16, offsetof(arc_t, fin)},
@@ -227,14 +232,15 @@ inline constexpr gx_field_t circle_fields[] = {
     {"filled", gx_kind::flag, offsetof(circle_t, filled)},
     {"fill_color", gx_kind::u8, offsetof(circle_t, fill_color)},
     {"rad", gx_kind::i32, offsetof(circle_t, rad)},
-    {"border_style", gx_kind::i16, offsetof(circle_t, border_style)},
+    {"border_style", gx_kind::i16, offsetof(circle_t, border_style), gx_refers::any,
+     gx_max_line_style},
     {"fin", gx_kind::i16, offsetof(circle_t, fin)},
 };
 
 using grid_t = gx_object_grid_rec_t;
 inline constexpr gx_field_t grid_fields[] = {
     {"opposite_pt", gx_kind::point, offsetof(grid_t, opposite_pt)},
-    {"step_point", gx_kind::i32, offsetof(grid_t, step_point)},
+    {"step_point", gx_kind::i32, offsetof(grid_t, step_point), gx_refers::any, 0, true},
     {"step_pin", gx_kind::i32, offsetof(grid_t, step_pin)},
     {"grid_on", gx_kind::flag, offsetof(grid_t, grid_on)},
     {"snap_on", gx_kind::flag, offsetof(grid_t, snap_on)},
@@ -245,9 +251,9 @@ using line_t = gx_object_line_rec_t;
 inline constexpr gx_field_t line_fields[] = {
     {"reserved", gx_kind::i16, offsetof(line_t, reserved)},
     {"line_color", gx_kind::u8, offsetof(line_t, line_color)},
-    {"line_width", gx_kind::u8, offsetof(line_t, line_width)},
+    {"line_width", gx_kind::u8, offsetof(line_t, line_width), gx_refers::any, 0, true},
     {"pt2", gx_kind::point, offsetof(line_t, pt2)},
-    {"line_style", gx_kind::i16, offsetof(line_t, line_style)},
+    {"line_style", gx_kind::i16, offsetof(line_t, line_style), gx_refers::any, gx_max_line_style},
     {"fin", gx_kind::i16, offsetof(line_t, fin)},
 };
 
@@ -256,7 +262,7 @@ template <typename Rec>
 constexpr std::array<gx_field_t, 6> polyline_fields_of(gx_kind points) {
   constexpr std::int16_t most = Rec::max_points;
   return {{
-      {"line_style", gx_kind::i16, offsetof(Rec, line_style)},
+      {"line_style", gx_kind::i16, offsetof(Rec, line_style), gx_refers::any, gx_max_line_style},
       {"n_points", gx_kind::i16, offsetof(Rec, n_points), gx_refers::any, most},
       {"points", points, offsetof(Rec, points)},
       {"line_color", gx_kind::u8, offsetof(Rec, line_color)},
@@ -276,7 +282,8 @@ inline constexpr gx_field_t rectangle_fields[] = {
     {"filled", gx_kind::flag, offsetof(rectangle_t, filled)},
     {"fill_color", gx_kind::u8, offsetof(rectangle_t, fill_color)},
     {"pt2", gx_kind::point, offsetof(rectangle_t, pt2)},
-    {"line_style", gx_kind::i16, offsetof(rectangle_t, line_style)},
+    {"line_style", gx_kind::i16, offsetof(rectangle_t, line_style), gx_refers::any,
+     gx_max_line_style},
     {"fin", gx_kind::i16, offsetof(rectangle_t, fin)},
 };
 

@@ -106,14 +106,16 @@ bad_field_t bad_field(const gx_file_gene_recf_t& file, const void* record) {
     if constexpr (field.kind == gx_kind::id) {
       const int value = gx_number<gx_object_id_t>(record, field);
       if (!bad.what.empty()) return;
-      if (value < 0 || value > file.object_id_max) {
+      if (value < 0 || value > file.object_id_max || (field.never_0 && value == 0)) {
         bad = {index, " does not exist"};
       } else if (!refers_well<field.refers>(file, value)) {
         bad = {index, " has the wrong type"};
       }
-    } else if constexpr (field.limit > 0) {
+    } else if constexpr (field.limit > 0 || field.never_0) {
       const auto value = gx_field_number(record, field);
-      if (bad.what.empty() && (value < 0 || value > field.limit)) bad = {index, " is out of range"};
+      const bool outside = field.limit > 0 && (value < 0 || value > field.limit);
+      if (bad.what.empty() && (outside || (field.never_0 && value == 0)))
+        bad = {index, " is out of range"};
     }
   });
   return bad;

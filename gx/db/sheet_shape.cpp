@@ -42,9 +42,7 @@ std::string gx_sheet_fault(const gx_file_gene_recf_t& file) {
       return "no " + std::string(gx_type_name(family));
     }
   }
-  const auto* grid = gx_object_as<gx_object_grid_rec_t>(file, file.grid_obj_id);
-  if (grid == nullptr) return "no grid";
-  if (grid->step_point == 0) return "object " + std::to_string(file.grid_obj_id) + ": no grid step";
+  if (gx_object_as<gx_object_grid_rec_t>(file, file.grid_obj_id) == nullptr) return "no grid";
   for (const auto* object : file.ptr_to_ar_objindex) {
     if (auto fault = object_fault(file, *object); !fault.empty()) return fault;
   }

@@ -63,6 +63,13 @@ void check_kept_references(const gx_object_gene_rec_t& source, const source_to_t
       gx_debug(" vertex with  net link invalid : net : %12d\n", net);
       gx_set_status(gx_code::object_id_invalid);
     }
+  } else if (source.object_type == gx_type::segment) {
+    const auto& segment = reinterpret_cast<const gx_object_segment_rec_t&>(source);
+    for (const auto end : {segment.vertex1, segment.vertex2}) {
+      if (mapped(map, end) != 0) continue;
+      gx_debug(" segment with  vertex link invalid : vertex : %12d\n", end);
+      gx_set_status(gx_code::object_id_invalid);
+    }
   }
 }
 

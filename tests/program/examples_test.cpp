@@ -166,11 +166,11 @@ TEST(Examples, MemoryArraysExpandToWhatTheirSizeSays) {
                                    {.directory = directory.path(), .words = {"array", "run.do"}});
     EXPECT_TRUE(ended.out.ends_with(no_faults)) << ended.out;
     const auto listing = read_listing(directory.read("array/kivo_data"));
-    // Nets: of a block its word lines; of each cell Q and QB; BL, BLB, CK, VDD, GND of the top.
-    expect_counts(listing, {{"nbof_instance", gxm_memory_array_leaves(c.blocks)},
-                            {"nbof_pin", gxm_memory_array_pins(c.blocks)},
-                            {"nbof_macro", gxm_memory_array_macros(c.blocks)},
-                            {"nbof_net", c.blocks * (9 + 64 * 2) + 9 + 9 + 3}});
+    const auto counts = gxm_count_memory_array(c.blocks);
+    expect_counts(listing, {{"nbof_instance", counts.leaves},
+                            {"nbof_pin", counts.pins},
+                            {"nbof_macro", counts.macros},
+                            {"nbof_net", counts.nets}});
     // Every cell has the clock on one pin; the transistors beside the rows and the top's too.
     EXPECT_EQ(listing.nets.at("/CK").pins.size(),
               static_cast<std::size_t>(c.blocks) * (64 + 12) + 8 + 10);

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "gx/db/object_access.h"
 #include "gx/vext.h"
 #include "tests/program/program_fixture.h"
 #include "tests/support/make_design.h"
@@ -103,6 +104,25 @@ TEST_F(Program, ASheetThatLacksAFamilyEndsWithItsName) {
       ended.out.ends_with("!! error : Sheet not whole : \"top/sheet.gx_1\" : no frame_family\n" +
                           summary("1 error, 0 warning")))
       << ended.out;
+}
+
+TEST_F(Program, ASheetThatIsNotSoundEndsInOrderWithFileObjectAndField) {
+  auto files = build_design(one_sheet);
+  auto& file = *files.back().file;
+  gx_grid_info_ptr(file, file.grid_obj_id).step_point = 0;
+  gxm_write(files, directory_.path());
+  const std::string fault = "top/sheet.gx_1: object " + std::to_string(file.grid_obj_id) +
+                            ": step_point 0 is out of range\n";
+  const auto ended = run({"top"});
+  EXPECT_EQ(ended.status, 0);
+  EXPECT_TRUE(
+      ended.out.ends_with("!! error in open file : " + fault + summary("1 error, 0 warning")))
+      << ended.out;
+  auto plot = start({"top", ".", "out.plt"});
+  plot.program = KIVO_PLOT;
+  const auto plotted = run_program(shared_display(), plot);
+  EXPECT_EQ(plotted.status, 1);
+  EXPECT_EQ(plotted.err, "kivo-plot: " + fault);
 }
 
 TEST_F(Program, AnUnusableDirectoryStopsTheStart) {

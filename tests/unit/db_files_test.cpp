@@ -5,6 +5,7 @@
 
 #include <csignal>
 
+#include "gx/db/objects_of.h"
 #include "gx/edit/file_save.h"
 #include "gx/vext.h"
 #include "tests/support/scratch_directory.h"
@@ -238,7 +239,7 @@ TEST_F(db_files, a_new_file_is_saved_as_version_1_and_then_as_2) {
 }
 
 TEST_F(db_files, a_save_drops_deleted_objects_and_renumbers_every_reference) {
-  // The second instance with its properties and pins goes, and the vertex of the segment's end.
+  // The second instance with its properties and pins goes, and the segment with its other end.
   auto sheet = small_sheet();
   auto& f = sheet.file;
   const int first = gx_symbol_info_ptr(f, 7).instance;
@@ -252,7 +253,7 @@ TEST_F(db_files, a_save_drops_deleted_objects_and_renumbers_every_reference) {
   put_version(sheet, "top", 3);
   const auto index = gx_file_open(dir(), "top");
   auto& open = gx_ptrto_gene_file_buf(index);
-  for (const int id : {second, second + 1, second + 2, second + 3, pin, vertex}) {
+  for (const int id : {second, second + 1, second + 2, second + 3, pin, vertex, segment}) {
     gx_set_object_deleted(open, id, true);
   }
   gx_file_close(index, true);
@@ -260,17 +261,16 @@ TEST_F(db_files, a_save_drops_deleted_objects_and_renumbers_every_reference) {
   const auto load = gx_load_file(dir() + "/top.gx_4");
   ASSERT_EQ(load.message, "");
   const auto& saved = *load.file;
-  EXPECT_EQ(saved.object_id_max, f.object_id_max - 6);
+  EXPECT_EQ(saved.object_id_max, f.object_id_max - 7);
   EXPECT_EQ(saved.primary_object, 1);
   EXPECT_EQ(gx_symbol_info_ptr(saved, 7).instance, first);
   EXPECT_EQ(gx_instance_info_ptr(saved, first).following_inst, 0);
   EXPECT_EQ(gx_instance_info_ptr(saved, first).symbol, 7);
-  const int last = segment - 6;
-  EXPECT_EQ(gx_segment_info_ptr(saved, last).vertex1, 0);
-  EXPECT_EQ(gx_segment_info_ptr(saved, last).vertex2, 0);
-  const int net = gx_object_id_ptr(saved, last).father;
-  EXPECT_EQ(gx_object_id_ptr(saved, net).object_type, gx_type::net);
-  EXPECT_EQ(gx_object_id_ptr(saved, gx_object_id_ptr(saved, last).previous).following, last);
+  const int net = *lb_nets(saved).begin();
+  const int last = gx_object_id_ptr(saved, net).child1;
+  EXPECT_EQ(gx_object_id_ptr(saved, last).object_type, gx_type::property_family);
+  EXPECT_EQ(gx_object_id_ptr(saved, last).following, 0);
+  EXPECT_EQ(saved.grid_obj_id, f.grid_obj_id - 7);
   EXPECT_EQ(scratch.read("top.gx_3"), sheet.bytes());
 }
 
@@ -281,6 +281,17 @@ TEST_F(db_files, a_save_that_fails_leaves_the_version_before_current) {
     EXPECT_EQ(scratch.read("top.gx"), "_3        \n");
     EXPECT_FALSE(std::filesystem::exists(scratch.file("top.gx_4")));
   };
+  expect_stop(
+      [&] {  // a segment that lost its end
+        const auto index = gx_file_open(dir(), "top");
+        auto& open = gx_ptrto_gene_file_buf(index);
+        for (const auto* o : open.ptr_to_ar_objindex) {
+          if (o->object_type == gx_type::vertex_2d) gx_set_object_deleted(open, o->object_id, true);
+        }
+        gx_file_close(index, true);
+      },
+      gx_code::object_id_invalid);
+  nothing_new();
   expect_stop(
       [&] {  // a full disk
         std::signal(SIGXFSZ, SIG_IGN);

@@ -31,10 +31,10 @@ std::string to_hex(std::string_view bytes) {
   return hex;
 }
 
-// What a file of one object holds behind the object's general record.
+// What a file holds behind the general record of its first object, up to the second, a vertex.
 std::string tail_bytes(const gx_builder& built) {
   const auto bytes = built.bytes();
-  return bytes.substr(38 + 40, bytes.size() - 38 - 40 - 2);
+  return bytes.substr(38 + 40, bytes.size() - 38 - 40 - 46 - 2);
 }
 
 gx_load_t decode(std::string_view bytes) { return gx_decode_file(bytes, "d/sheet.gx_3"); }
@@ -131,8 +131,9 @@ const tail_case tails[] = {
         [](auto& r) { r.net_index = -2; r.is_bus = 1; r.bus_start = 1; r.bus_end = 16; },
         "FFFFFFFE 01 00 0001 0010"),
     tail_of<gx_object_segment_rec_t>(
-        [](auto& r) { r.reserved = 1; r.line_color = 2; r.line_width = 3; r.line_style = 4; },
-        "0001 02 03 0000 0000 0004 FFF6"),
+        [](auto& r) { r.reserved = 1; r.line_color = 2; r.line_width = 3; r.line_style = 4;
+                       r.vertex1 = r.vertex2 = 2; },
+        "0001 02 03 0002 0002 0004 FFF6"),
     tail_of<gx_object_tag_rec_t>(
         [](auto& r) { r.name = gx_name("AB"); r.nvalue = gx_value("C"); r.reserved = 1; },
         "00000002 4142 00000001 43 0001 FFF6"),
@@ -146,14 +147,14 @@ const tail_case tails[] = {
         "0A 0100 0B 000C FFF6"),
     tail_of<gx_object_circle_rec_t>(
         [](auto& r) { r.reserved = 1; r.border_color = 2; r.filled = 1; r.fill_color = 4;
-                       r.rad = 5; r.border_style = 6; },
-        "01 02 01 04 00000005 0006 FFF6"),
+                       r.rad = 5; r.border_style = 4; },
+        "01 02 01 04 00000005 0004 FFF6"),
     tail_of<gx_object_grid_rec_t>(
         [](auto& r) { r.opposite_pt = {1, 2}; r.step_point = 3; r.step_pin = 4; r.snap_on = 1; },
         "00000001 00000002 00000003 00000004 00 01 FFF6"),
     tail_of<gx_object_line_rec_t>(
-        [](auto& r) { r.line_color = 1; r.line_width = 2; r.pt2 = {3, -4}; r.line_style = 5; },
-        "0000 01 02 00000003 FFFFFFFC 0005 FFF6"),
+        [](auto& r) { r.line_color = 1; r.line_width = 2; r.pt2 = {3, -4}; r.line_style = 3; },
+        "0000 01 02 00000003 FFFFFFFC 0003 FFF6"),
     tail_of<gx_object_polyline5_rec_t>(
         [](auto& r) { r.line_style = 1; r.n_points = 2; r.points[4] = {3, 4};
                        r.line_color = 5; r.reserved = 6; },
@@ -162,8 +163,8 @@ const tail_case tails[] = {
         "05 06 FFF6"),
     tail_of<gx_object_rectangle_rec_t>(
         [](auto& r) { r.line_color = 1; r.filled = 1; r.fill_color = 2;
-                       r.pt2 = {3, 4}; r.line_style = 5; },
-        "00 01 01 02 00000003 00000004 0005 FFF6"),
+                       r.pt2 = {3, 4}; r.line_style = 4; },
+        "00 01 01 02 00000003 00000004 0004 FFF6"),
     tail_of<gx_object_property_rec_t>(
         [](auto& r) { r.fixed = 1; r.line_color = 2; r.rotate = 3;
                        r.name = gx_name("CLASS"); r.height = 4; },
@@ -175,7 +176,9 @@ TEST(db_records, tails_byte_for_byte_and_back) {
   for (const auto& c : tails) {
     SCOPED_TRACE(gx_type_name(c.type));
     gx_builder built;
-    c.fill(gx_object_id_ptr(built.file, built.add(c.type)));
+    const int id = built.add(c.type);
+    built.add(gx_type::vertex_2d);
+    c.fill(gx_object_id_ptr(built.file, id));
     EXPECT_EQ(to_hex(tail_bytes(built)), to_hex(from_hex(c.hex)));
     const auto load = decode(built.bytes());
     ASSERT_EQ(load.message, "");
@@ -315,6 +318,20 @@ TEST(db_records, trees_that_no_walk_could_leave_are_refused) {
           [](auto& s) { s.add(gx_type::pinpropfam, 10); });
   refused("n_points 6 is out of range",
           [](auto& s) { s.template add_record<gx_object_polyline5_rec_t>(1).n_points = 6; });
+  // What no drawing could be made of.
+  const auto segment = [](gx_builder & s) -> auto& {
+    return gx_segment_info_ptr(s.file, s.file.object_id_max - 2);
+  };
+  refused("line_width 0 is out of range", [&](auto& s) { segment(s).line_width = 0; });
+  refused("line_style 5 is out of range", [&](auto& s) { segment(s).line_style = 5; });
+  refused("vertex1 0 does not exist", [&](auto& s) { segment(s).vertex1 = 0; });
+  refused("vertex2 6 has the wrong type", [&](auto& s) { segment(s).vertex2 = 6; });
+  refused("border_style -1 is out of range",
+          [](auto& s) { s.template add_record<gx_object_arc_rec_t>(1).border_style = -1; });
+  refused("line_width 0 is out of range",
+          [](auto& s) { s.template add_record<gx_object_line_rec_t>(1).line_width = 0; });
+  refused("step_point 0 is out of range",
+          [](auto& s) { gx_grid_info_ptr(s.file, s.file.grid_obj_id).step_point = 0; });
   refused("its fathers loop or lie too deep", [](auto& s) {
     for (int depth = 0, at = 1; depth < 32; ++depth) at = s.add(gx_type::graphics, at);
   });

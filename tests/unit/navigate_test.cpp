@@ -99,6 +99,24 @@ TEST(Navigate, RefusalsLeaveAllAsItWas) {
   EXPECT_EQ(s.run("view down Y1"), lines_t{" VIEw DOWn  Y1"});
 }
 
+TEST(Navigate, DownThroughAnInstanceWithoutInstAndASymbolWithoutVersion) {
+  design_session s("symbol leaf\n pin A 0,0 IN\nsheet leaf\nsheet top\n part X1 leaf 5,5\n");
+  const int inst = s.inst("X1");
+  const std::string name = "I_" + std::to_string(inst);
+  auto& symbol = gx_symbol_info_ptr(s.file(), gx_instance_info_ptr(s.file(), inst).symbol);
+  const auto path = symbol.path;
+  symbol.path = gx_string("leaf/symbol.gx");
+  EXPECT_EQ(s.run("view down x1"),
+            (lines_t{"# VIEw DOWn \"x1\"   ",
+                     "# !! Error : Symbol path without version ? : ", "# !! \"leaf/symbol.gx\" "}));
+  symbol.path = path;
+  const auto* property = lb_find_prop_inst(s.file(), inst, "INST");
+  gx_set_object_deleted(s.file(), property->gene.object_id, true);
+  gx_set_object_selected(s.file(), inst, true);
+  EXPECT_EQ(s.run("view down"), lines_t{" VIEw DOWn  " + name});
+  EXPECT_EQ(place(), "2/2 " + name + "/");
+}
+
 TEST(Navigate, TwentyEightLevels) {
   design_session s("symbol top\n pin A 0,0 IN\nsheet top\n part X top 5,5\n");
   for (int level = 2; level <= 28; ++level) {

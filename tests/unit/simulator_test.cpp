@@ -196,6 +196,22 @@ TEST_F(SimulatorTest, GiveTellsWhatItCannotFind) {
                      " GIVE "}));
 }
 
+TEST_F(SimulatorTest, NamesMayFillTheirRecords) {
+  const std::string longest(96, 'N');
+  const auto fill = [&](int property) {
+    auto& value = gx_property_info_ptr(session.file(), property).nvalue;
+    longest.copy(value.char_, longest.size());
+    value.len = static_cast<std::int32_t>(longest.size());
+  };
+  fill(lb_find_prop_net(session.file(), session.net("IN"), "NET")->gene.object_id);
+  fill(gx_find_property_name(session.file(), session.pin(session.inst("R1"), 2).pin, "PIN"));
+  select(session.net(longest));
+  select_pin("R1", 2);
+  EXPECT_EQ(session.run("GIVE V")[2], "# Net : \"" + longest + "\"");
+  EXPECT_EQ(session.run("SELECT PIN Edit R1 " + longest),
+            lines_t{" SELect PIN Edit R1 " + longest + " "});
+}
+
 TEST(SimulatorName, FollowsThePath) {
   const struct {
     std::string_view path, name;
