@@ -3,18 +3,17 @@
 #include <algorithm>
 
 #include "expand/sheet_slots.h"
-#include "gx/db/sheet_shape.h"
 
 kv_cells_t::kv_cells_t(const kv_setup_t& setup, const gx_file_gene_recf_t& top,
                        std::string_view top_path)
     : cache_{setup, {}, {}, {}}, top_(kv_analyse_sheet(top, top_path, setup, cache_.globals)) {
-  walk(top_, "", gx_sheet_fault(top), 1);
+  walk(top_, "", 1);
 }
 
-void kv_cells_t::walk(kv_sheet_t& sheet, const std::string& path, std::string fault, int level) {
+void kv_cells_t::walk(kv_sheet_t& sheet, const std::string& path, int level) {
   if (std::ranges::find(cells_, &sheet, &kv_cell_t::sheet) != cells_.end()) return;
   const std::size_t cell = cells_.size();
-  cells_.push_back({&sheet, path, std::move(fault)});
+  cells_.push_back({&sheet, path});
   for (auto& symbol : sheet.symbols) {
     const auto first = sheet.insts.begin() + symbol.first_inst;
     const auto end = first + symbol.nb_of_inst;
@@ -27,7 +26,7 @@ void kv_cells_t::walk(kv_sheet_t& sheet, const std::string& path, std::string fa
       const bool is_damaged = component.sheet_state == kv_component_t::damaged;
       missing_.push_back({cell, &*block, is_damaged ? component.why_damaged : "not found"});
     } else if (level < kv_max_levels) {
-      walk(*below, path + std::string(sheet.view(block->suffix)), component.fault, level + 1);
+      walk(*below, path + std::string(sheet.view(block->suffix)), level + 1);
     }
   }
 }

@@ -10,8 +10,7 @@
 
 struct kv_cell_t {
   kv_sheet_t* sheet;
-  std::string path;   // of its first visit: "" for the primary sheet
-  std::string fault;  // what the file lacks as a sheet; then only a run can use it
+  std::string path;  // of its first visit: "" for the primary sheet
 };
 
 // A block without a sheet that can be read.
@@ -53,7 +52,7 @@ class kv_cells_t {
     std::unordered_map<std::string_view, const kv_sheet_inst_t*> insts;
   };
 
-  void walk(kv_sheet_t& sheet, const std::string& path, std::string fault, int level);
+  void walk(kv_sheet_t& sheet, const std::string& path, int level);
   const names_t& names_of(const kv_sheet_t& sheet);
   bool find(kv_place_kind kind, const kv_sheet_t& sheet, std::string_view rest, kv_place_t& place);
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "gx/db/queries.h"
+#include "gx/db/sheet_shape.h"
 
 namespace {
 
@@ -52,10 +53,8 @@ std::string words_of(const std::vector<std::string>& lines) {
 
 void check_sheet(kv_links_t& links, kv_cell_findings_t& found) {
   const auto load = gx_load_file(found.cell.sheet->file_path);
-  if (!load.file) {
-    found.add(kv_rule::sheet_missing, "", 0, load.message);
-    return;
-  }
+  const std::string fault = load.file ? gx_sheet_fault(*load.file) : load.message;
+  if (!fault.empty()) return found.add(kv_rule::sheet_missing, "", 0, "not whole : " + fault);
   for (const auto& finding : kv_check_sheet(*load.file, links).findings) {
     std::string words = words_of(finding.lines);
     if (finding.more > 0) words += " and " + std::to_string(finding.more) + " more";
@@ -93,11 +92,7 @@ void kv_find_on_sheets(kv_cells_t& cells, const kv_severities_t& severities,
     const kv_cell_t& cell = cells.cells()[i];
     const auto first = static_cast<std::ptrdiff_t>(findings.size());
     kv_cell_findings_t found{cell, severities, findings};
-    if (cell.fault.empty()) {
-      check_sheet(links, found);
-    } else {
-      found.add(kv_rule::sheet_missing, "", 0, "not whole : " + cell.fault);
-    }
+    check_sheet(links, found);
     check_missing(cells, i, found);
     kv_check_blocks(cells, found);
     globals.check(found);
