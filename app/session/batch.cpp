@@ -69,7 +69,8 @@ void store_words(const kv_batch_t& batch) {
 // Standard input for this program alone: what the commands start does not read from it.
 x_file take_standard_input() {
   x_descriptor own(::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3));
-  if (!own || ::read(own.get(), nullptr, 0) < 0) kv_refuse_run("standard input: " + x_why(errno), 0);
+  if (!own || ::read(own.get(), nullptr, 0) < 0)
+    kv_refuse_run("standard input: " + x_why(errno), 0);
   x_file stream(::fdopen(own.get(), "r"));
   if (stream) own.release();
   const x_descriptor nothing(xfopen("/dev/null", O_RDONLY | O_CLOEXEC, 0));
