@@ -51,7 +51,8 @@ std::int32_t kv_net_table::root(std::int32_t net) {
 }
 
 void kv_net_table::unite(std::int32_t a, std::int32_t b, kv_join_why why, int object) {
-  const kv_join_t join{a, b, static_cast<gx_object_id_t>(object), why};
+  const kv_join_t join{a, b, static_cast<gx_object_id_t>(object), why,
+                       gx_object_as<gx_object_pinpropfam_rec_t>(file_, object) != nullptr};
   a = root(a);
   b = root(b);
   if (a == b) return;

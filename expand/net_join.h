@@ -24,8 +24,9 @@ struct kv_port_name_t {
 enum class kv_join_why : std::uint8_t { vertex, name, port_name };
 struct kv_join_t {
   std::int32_t a = 0, b = 0;  // positions in the list of nets
-  gx_object_id_t object = 0;  // the vertex or pin that both are on; 0: none
+  gx_object_id_t object = 0;  // that both are on; 0: none
   kv_join_why why = kv_join_why::vertex;
+  bool is_pin = false;  // the object is the pin of an instance
 };
 
 struct kv_net_groups_t {

@@ -105,7 +105,7 @@ kv_path_index_t::kv_path_index_t(const kv_design_t& design) : design_(design) {
   }
 }
 
-std::vector<kv_hit_t> kv_path_index_t::find(std::string_view key, std::size_t most) const {
+std::vector<kv_hit_t> kv_path_index_t::find_key(std::string_view key, std::size_t most) const {
   std::vector<kv_hit_t> hits;
   const std::size_t at = hash_of(key) & (last_with_.size() - 1);
   for (std::uint32_t number = last_with_[at]; number != 0; number = before_[number]) {
@@ -118,17 +118,28 @@ std::vector<kv_hit_t> kv_path_index_t::find(std::string_view key, std::size_t mo
   return hits;
 }
 
-std::vector<kv_hit_t> kv_path_index_t::find_beginning(std::string_view beginning,
-                                                      std::size_t most) const {
-  std::vector<kv_hit_t> hits;
-  for (std::size_t kind = 0; kind < kinds; ++kind) {
-    const auto what = static_cast<kv_named>(kind);
-    for (std::int32_t index = 1; index <= count_of(what); ++index) {
-      if (hits.size() >= most) return hits;
-      if (begins_with(path({what, index}), beginning)) hits.push_back({what, index});
-    }
+std::vector<kv_hit_t> kv_path_index_t::find(std::span<const std::string> keys,
+                                            std::size_t most) const {
+  for (const auto& key : keys) {
+    auto hits = find_key(key, most);
+    if (!hits.empty()) return hits;
   }
-  return hits;
+  return {};
+}
+
+std::vector<kv_hit_t> kv_path_index_t::find_beginning(std::span<const std::string> keys,
+                                                      std::size_t most) const {
+  std::vector<std::vector<kv_hit_t>> hits(keys.size());
+  for (std::uint32_t number = 1; number < first_[kinds]; ++number) {
+    const kv_hit_t hit = hit_of(number);
+    const std::string_view found = path(hit);
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+      if (hits[i].size() < most && begins_with(found, keys[i])) hits[i].push_back(hit);
+    }
+    if (!hits.empty() && hits.front().size() >= most) break;
+  }
+  const auto first = std::ranges::find_if(hits, [](const auto& of_key) { return !of_key.empty(); });
+  return first == hits.end() ? std::vector<kv_hit_t>{} : std::move(*first);
 }
 
 std::int32_t kv_path_index_t::net_of_child(std::int32_t child) const {

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,10 +27,11 @@ class kv_path_index_t {
  public:
   explicit kv_path_index_t(const kv_design_t& design);
 
-  // What bears the path with this key; with `beginning` what bears one that begins with it. At most
-  // `most`, in the order of kv_named and of the index.
-  std::vector<kv_hit_t> find(std::string_view key, std::size_t most) const;
-  std::vector<kv_hit_t> find_beginning(std::string_view beginning, std::size_t most) const;
+  // What bears the path with the first of the keys that any has; at most `most`, in the order of
+  // kv_named and of the index.
+  std::vector<kv_hit_t> find(std::span<const std::string> keys, std::size_t most) const;
+  // The same for paths that begin with a key: looks at all of them, once.
+  std::vector<kv_hit_t> find_beginning(std::span<const std::string> keys, std::size_t most) const;
 
   std::string_view path(kv_hit_t hit) const;
   // The flat net that a child belongs to.
@@ -40,6 +42,7 @@ class kv_path_index_t {
   kv_hit_t hit_of(std::uint32_t number) const;
   std::int32_t count_of(kv_named what) const;
   std::int32_t path_of(kv_hit_t hit) const;
+  std::vector<kv_hit_t> find_key(std::string_view key, std::size_t most) const;
 
   const kv_design_t& design_;
   // Objects are numbered from 1 over all kinds: of each kind the number of its first.

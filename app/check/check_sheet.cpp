@@ -68,7 +68,7 @@ void kv_check_sheet_cmd(const kv_command_t& command) {
   for (const auto& finding : report.findings) {
     if (finding.is_further) continue;
     ++(kv_row_of(finding.rule).severity == kv_severity::error ? errors : warnings);
-    for (const auto& line : finding.lines) gx_tell(line);
+    for (const auto& line : finding.lines) gx_tell_as(gx_line_kind::detail, line);
     for (const auto& mark : finding.marks) select(view, mark);
   }
   for (const auto& [symbol, path] : report.references) reference.add_symbol(symbol, path);

@@ -23,8 +23,7 @@ std::int32_t kv_visit_at(const kv_expanded_t& expanded, std::string_view sheet_p
   if (sheet_path.empty()) return 0;
   std::string key = kv_path_key(sheet_path);
   if (!key.starts_with('/')) key.insert(0, 1, '/');
-  constexpr std::size_t all = SIZE_MAX;
-  for (const auto hit : expanded.paths.find(key, all))
+  for (const auto hit : expanded.paths.find({&key, 1}, SIZE_MAX))
     if (hit.what == kv_named::macro) return kv_visit_inside(expanded.origins, hit.index);
   return -1;
 }

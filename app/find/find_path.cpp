@@ -13,9 +13,9 @@
 
 namespace {
 
-// What is asked for, in one reading of the text.
+// What is asked for: the keys of its readings, the plainest first.
 struct wanted_t {
-  std::string key;
+  std::vector<std::string> keys;
   bool is_beginning = false;  // of a path
 };
 
@@ -31,20 +31,19 @@ std::string first_letters(kv_drawings_t& drawings) {
   return letters;
 }
 
-// The readings of a text, the plainest first.
-std::vector<wanted_t> readings(kv_drawings_t& drawings, std::string_view text) {
+wanted_t readings(kv_drawings_t& drawings, std::string_view text) {
   const bool is_beginning = text.ends_with('*');
   if (is_beginning) text.remove_suffix(1);
   const std::string key = kv_path_key(text);
-  if (key.starts_with('/')) return {{key, is_beginning}};
-  std::vector<wanted_t> result{{"/" + key, is_beginning}};
-  if (key == "0") result.push_back({"/GROUND", is_beginning});
+  if (key.starts_with('/')) return {{key}, is_beginning};
+  wanted_t wanted{{"/" + key}, is_beginning};
+  if (key == "0") wanted.keys.emplace_back("/GROUND");
   const auto separator = key.find('/');
-  if (separator == key.npos) return result;
+  if (separator == key.npos) return wanted;
   for (const char letter : first_letters(drawings))
-    result.push_back({std::string("/") + letter + key, is_beginning});
-  if (separator == 1) result.push_back({key.substr(1), is_beginning});
-  return result;
+    wanted.keys.push_back(std::string("/") + letter + key);
+  if (separator == 1) wanted.keys.push_back(key.substr(1));
+  return wanted;
 }
 
 // --- in the expansion
@@ -89,31 +88,34 @@ kv_found_t found_at(const kv_expanded_t& expanded, kv_hit_t hit) {
 
 std::vector<kv_hit_t> hits_of(const kv_expanded_t& expanded, const wanted_t& wanted,
                               std::size_t most) {
-  return wanted.is_beginning ? expanded.paths.find_beginning(wanted.key, most)
-                             : expanded.paths.find(wanted.key, most);
+  return wanted.is_beginning ? expanded.paths.find_beginning(wanted.keys, most)
+                             : expanded.paths.find(wanted.keys, most);
 }
 
 std::vector<kv_found_t> find(const std::optional<kv_expanded_t>& expanded, kv_drawings_t& drawings,
                              const wanted_t& wanted, std::size_t most) {
-  if (!expanded) return kv_search_drawings(drawings, wanted.key, wanted.is_beginning, most);
   std::vector<kv_found_t> found;
-  for (const auto hit : hits_of(*expanded, wanted, most)) found.push_back(found_at(*expanded, hit));
+  if (expanded) {
+    for (const auto hit : hits_of(*expanded, wanted, most))
+      found.push_back(found_at(*expanded, hit));
+    return found;
+  }
+  for (const auto& key : wanted.keys) {
+    found = kv_search_drawings(drawings, key, wanted.is_beginning, most);
+    if (!found.empty()) break;
+  }
   return found;
 }
 
-// The longest part of a reading that exists, its names left out from the end; "/" at least.
+// The longest part that exists, names left out from the end; "/" at least.
 std::string longest_part(const std::optional<kv_expanded_t>& expanded, kv_drawings_t& drawings,
-                         std::vector<wanted_t> wanted) {
-  for (bool any_left = true; any_left;) {
-    any_left = false;
-    for (auto& each : wanted) {
-      each.is_beginning = false;
-      each.key.resize(std::min(each.key.rfind('/'), each.key.size()));
-      if (each.key.empty()) continue;
-      any_left = true;
-      const auto found = find(expanded, drawings, each, 1);
-      if (!found.empty()) return found.front().path;
-    }
+                         wanted_t wanted) {
+  wanted.is_beginning = false;
+  while (!wanted.keys.empty()) {
+    for (auto& key : wanted.keys) key.resize(std::min(key.rfind('/'), key.size()));
+    std::erase(wanted.keys, "");
+    const auto found = find(expanded, drawings, wanted, 1);
+    if (!found.empty()) return found.front().path;
   }
   return "/";
 }
@@ -124,11 +126,8 @@ kv_search_t kv_search_path(kv_drawings_t& drawings, std::string_view text, std::
   const auto expanded = kv_expanded();
   const auto wanted = readings(drawings, text);
   kv_search_t result;
-  for (const auto& each : wanted) {
-    result.found = find(expanded, drawings, each, most);
-    if (!result.found.empty()) return result;
-  }
-  result.longest = longest_part(expanded, drawings, wanted);
+  result.found = find(expanded, drawings, wanted, most);
+  if (result.found.empty()) result.longest = longest_part(expanded, drawings, wanted);
   return result;
 }
 
@@ -150,11 +149,8 @@ std::vector<std::int32_t> kv_search_nets(kv_drawings_t& drawings, std::string_vi
         return 0;
     }
   };
-  for (const auto& each : readings(drawings, text)) {
-    for (const auto hit : hits_of(*expanded, each, SIZE_MAX)) {
-      if (const std::int32_t net = net_of(hit); net != 0) nets.push_back(net);
-    }
-    if (!nets.empty()) break;
+  for (const auto hit : hits_of(*expanded, readings(drawings, text), SIZE_MAX)) {
+    if (const std::int32_t net = net_of(hit); net != 0) nets.push_back(net);
   }
   std::ranges::sort(nets);
   const auto repeated = std::ranges::unique(nets);

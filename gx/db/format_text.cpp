@@ -66,9 +66,11 @@ std::string_view named(gx_refers refers) {
 
 // What the reader asks of the value; "" where anything goes.
 std::string holds(const gx_field_t& field) {
-  if (field.kind == gx_kind::id) return "id of " + std::string(named(field.refers)) + ", 0: none";
+  if (field.kind == gx_kind::id)
+    return "id of " + std::string(named(field.refers)) + (field.never_0 ? "" : ", 0: none");
   if (field.kind == gx_kind::flag) return "0 or 1";
-  return field.limit > 0 ? "0.." + std::to_string(field.limit) : "";
+  if (field.limit > 0) return "0.." + std::to_string(field.limit);
+  return field.never_0 ? "not 0" : "";
 }
 
 // Offsets behind a text count from its end.

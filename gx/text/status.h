@@ -111,7 +111,8 @@ std::string_view gx_error_name(int code);
 
 // Reports the code on standard output, runs the context-save command once the program is fully
 // initialised, closes the debug file, gives back what gx_at_fatal_stop registered (last
-// registered first), and aborts.
+// registered first), and aborts. In a batch it reports on standard error and ends with
+// gx_batch_stop_status.
 [[noreturn]] void gx_set_status(gx_code code);
 
 // Stops with current_file_invalid when the word holds an error.
