@@ -59,7 +59,7 @@ bool must_stop(const kv_flatten_t& run) {
 }
 
 void tell_report(const kv_report_t& report) {
-  for (const auto& line : report.lines) gx_tell(line);
+  for (const auto& line : report.lines) gx_tell_as(gx_line_kind::detail, line);
   gx_count_error();
 }
 

@@ -19,8 +19,8 @@ namespace {
 constexpr std::size_t max_line_length = 199;
 
 gx_list_drawer_t draw_list = nullptr;
-gx_list_catcher::take_t catcher;
 gx_list_reader_t read_line = nullptr;
+gx_list_catcher::take_t catcher;
 
 std::deque<std::string> waiting;  // the last lines of a batch
 bool is_batch = false;

@@ -83,6 +83,10 @@ void gx_list_follow();
 void gx_count_error();
 void gx_count_warning();
 
+// Who else gets each line as it is told; none at first.
+using gx_list_reader_t = void (*)(std::string_view line, gx_line_kind kind);
+void gx_set_list_reader(gx_list_reader_t reader);
+
 // While a catcher lives, lines go to it and nowhere else, and what is counted is not kept: for what
 // one command asks another's rooms. Catchers do not nest.
 class gx_list_catcher {
@@ -97,10 +101,6 @@ class gx_list_catcher {
   std::int16_t errors_, warnings_;
   std::int64_t errors_in_all_;
 };
-
-// Who else gets each line as it is told; none at first.
-using gx_list_reader_t = void (*)(std::string_view line, gx_line_kind kind);
-void gx_set_list_reader(gx_list_reader_t reader);
 
 // What draws the list after it changed; none at first.
 using gx_list_drawer_t = void (*)();
