@@ -4,11 +4,14 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <new>
 
 #include "app/session/installation.h"
 #include "app/session/root.h"
+#include "gx/text/status.h"
 #include "gx/vext.h"
 #include "platform/raw_files.h"
+#include "platform/stop_signals.h"
 #include "platform/timing.h"
 
 namespace {
@@ -41,6 +44,12 @@ void survive_broken_pipes() {
   action.sa_flags = SA_RESTART;
   sigaction(SIGPIPE, &action, nullptr);
 }
+
+// What is open is closed with what it holds.
+void end_without_memory() {
+  std::set_new_handler(nullptr);
+  gx_end_process("\n !! Unrecoverable Error : no memory left ", 1);
+}
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -59,6 +68,8 @@ int main(int argc, char** argv) {
   check_opening(design, O_RDONLY | O_DIRECTORY, not_readable);
   survive_broken_pipes();
   kv_find_installation("/proc/self/exe");
+  std::set_new_handler(end_without_memory);
   kivo_root(argc, argv);
-  return 0;
+  constexpr int ended_by_signal = 128;
+  return x_stop_signal() == 0 ? 0 : ended_by_signal + x_stop_signal();
 }

@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 #include "app/state.h"
 #include "expand/store.h"
@@ -14,6 +15,7 @@
 #include "gx/text/strings.h"
 #include "gx/vext.h"
 #include "platform/raw_files.h"
+#include "platform/stop_signals.h"
 
 namespace {
 constexpr mode_t debug_file_mode = 0660;
@@ -29,6 +31,8 @@ gx_string_record_t design_path() {
 void print_version(std::FILE* to) { std::fprintf(to, "\n%12s%50s\n\n", "", version_text); }
 
 void print_summary() {
+  if (const int signal = x_stop_signal(); signal != 0)
+    std::printf("\n !! Ended by signal %d : %s\n", signal, strsignal(signal));
   const int errors = gx_vext.num_errors, warnings = gx_vext.num_warnings;
   std::printf("\n -- KIVO  Execution complete...%d %s, %d %s --\n", errors,
               errors < 2 ? "error" : "errors", warnings, warnings < 2 ? "warning" : "warnings");

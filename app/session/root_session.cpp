@@ -31,6 +31,7 @@
 #include "gx/text/strings.h"
 #include "gx/text/text_files.h"
 #include "gx/vext.h"
+#include "platform/stop_signals.h"
 
 namespace {
 constexpr std::int16_t lines_in_view = 7;
@@ -72,7 +73,7 @@ void open_window(const gx_string_record_t& design) {
 
 void open_transcript() {
   constexpr char failure[] = "impossible to open current_session_file";
-  const gx_string_record_t name = design_file("/current_session");
+  const gx_string_record_t name = gx_vext.cursessname = design_file("/current_session");
   gx_vext.cursessfile = gx_popen_file(gx_view(name), 'W', false);
   if (gx_vext.cursessfile == nullptr) {
     std::printf("!!! ( INITIALIZE ) %s  : \"%.*s\" \n", failure, name.len, name.char_);
@@ -208,6 +209,7 @@ void close_file(std::FILE*& file) {
 void kv_open_session() {
   const gx_string_record_t design = design_file("");
   open_window(design);
+  x_watch_stop_signals();  // up to here there is nothing to end in order
   open_transcript();
   kv_init_menu_action();
   gx_debug("# INITIALIZE :  KV_INIT_MENU_ACTION    done \n");

@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <limits>
 #include <string>
@@ -15,6 +16,7 @@
 
 namespace {
 constexpr std::size_t max_line_length = 199;
+constexpr int lines_between_looks = 100;
 
 gx_list_drawer_t draw_list = nullptr;
 
@@ -56,10 +58,23 @@ void show_end() {
   if (draw_list != nullptr) draw_list();
 }
 
+// A session file that takes no more, of a full disk say, is told once until it takes a line again.
 void write_to_session(std::string_view text) {
-  if (gx_session.cursessfile == nullptr) return;
-  std::fwrite(text.data(), 1, text.size(), gx_session.cursessfile);
-  std::fputc('\n', gx_session.cursessfile);
+  auto& session = gx_session;
+  if (session.cursessfile == nullptr) return;
+  std::fwrite(text.data(), 1, text.size(), session.cursessfile);
+  std::fputc('\n', session.cursessfile);
+  const bool was_lost = session.cursess_lost;
+  session.cursess_lost = std::ferror(session.cursessfile) != 0;
+  if (!session.cursess_lost) return;
+  const int error = errno;
+  std::clearerr(session.cursessfile);
+  if (was_lost) return;
+  gx_count_error();
+  keep(std::string("# !! Error : impossible to write the session file : \"")
+           .append(gx_view(session.cursessname))
+           .append("\" : ")
+           .append(x_why(error)));
 }
 
 // A stream that can be read to its end: a regular file that the listing does not itself make grow.
@@ -89,7 +104,7 @@ void gx_tell_parts(std::span<const std::string_view> parts) {
   gx_display_list(line);
 }
 
-bool gx_display_file_invplist(std::string_view path) {
+bool gx_display_file_invplist(std::string_view path, bool (*stop_asked)()) {
   const x_file file(is_readable_text(path) ? gx_popen_file(path, 'R', true) : nullptr);
   if (!file) {
     gx_debug("!!! display_file  file not found : \"%.*s\"\n", static_cast<int>(path.size()),
@@ -98,7 +113,8 @@ bool gx_display_file_invplist(std::string_view path) {
   }
   gx_list.nlinlist_held = 0;
   gx_string_record_t line;
-  while (gx_read_one_line(file.get(), line)) {
+  for (int n = 0; gx_read_one_line(file.get(), line); ++n) {
+    if (n % lines_between_looks == 0 && stop_asked != nullptr && stop_asked()) break;
     gx_string_record_t shown;
     gx_concat_all(shown, "# \"", gx_view(line), "\" ");
     write_to_session(gx_view(shown));
