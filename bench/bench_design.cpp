@@ -24,6 +24,7 @@ bench_design::bench_design(int blocks, int variants) {
   gx_reset_state();
   gx_init_nograph();
   kv_sext = kv_defref_exp_rec_t{};
+  kv_sext.store_size = kv_max_records;
   kv_sext.primitive.entry[0].name = gx_string("CLASS");
   kv_sext.primitive.count = 1;
   keep(kv_sext.property_instance, "CLASS");
@@ -43,7 +44,12 @@ bench_design::~bench_design() {
 }
 
 kv_run_result bench_design::run(bool gen_data) {
-  return kv_run_expansion({kv_sext, kv_sext, sheets_, expand_level_, macro_level_},
+  return kv_run_expansion({.setup = kv_sext,
+                           .design = kv_sext,
+                           .sheets = sheets_,
+                           .expand_level = expand_level_,
+                           .macro_level = macro_level_,
+                           .origins = &kv_sext.origins},
                           kv_sext.designfile, gen_data);
 }
 

@@ -10,7 +10,9 @@
 
 namespace {
 
-constexpr int small = 2, kmax = 7;  // blocks: about 1,000 leaf instances, and what a store holds
+// Blocks: about 1,000 leaf instances, what the store of a fresh session holds, and about 10,000,
+// 100,000 and 1,000,000 leaves.
+constexpr int small = 2, kmax = 7, large = 19, larger = 187, largest = 1866;
 
 void count_leaves(benchmark::State& state) {
   using benchmark::Counter;
@@ -62,6 +64,20 @@ void floor_of_run(benchmark::State& state) {
   count_leaves(state);
 }
 
+// The same for a store without blocks.
+void floor_of_first_run(benchmark::State& state) {
+  bench_design design(static_cast<int>(state.range(0)), 1);
+  design.run();
+  run_floor bare;
+  for (auto _ : state) {
+    state.PauseTiming();
+    drop_blocks();
+    state.ResumeTiming();
+    bare.pass();
+  }
+  count_leaves(state);
+}
+
 // The image and the listing of a store that is there.
 void listing(benchmark::State& state) {
   bench_design design(static_cast<int>(state.range(0)), 1);
@@ -93,7 +109,18 @@ BENCHMARK(run)
     ->Args({small, 8})
     ->Args({kmax, 8})
     ->Unit(benchmark::kMicrosecond);
-BENCHMARK(first_run)->Args({kmax, 1})->Unit(benchmark::kMicrosecond);
+BENCHMARK(first_run)
+    ->Args({kmax, 1})
+    ->Args({large, 1})
+    ->Args({larger, 1})
+    ->Args({largest, 1})
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(floor_of_first_run)
+    ->Arg(kmax)
+    ->Arg(large)
+    ->Arg(larger)
+    ->Arg(largest)
+    ->Unit(benchmark::kMicrosecond);
 BENCHMARK(listing)->Arg(kmax)->Unit(benchmark::kMillisecond);
 BENCHMARK(open_sheet)->Arg(30000)->Unit(benchmark::kMillisecond);
 

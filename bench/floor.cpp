@@ -61,13 +61,17 @@ run_floor::~run_floor() = default;
 void run_floor::pass() {
   kv_empty_store();
   for (const kv_string_record_t& record : source_->strings) {
-    kv_sext.strings[kv_sext.strings.append(1)] = record;
-    if (record.len > 0) {
-      std::memcpy(&kv_sext.chars[record.index], source_->chars.data() + record.index - 1,
-                  static_cast<std::size_t>(record.len));
+    kv_sext.strings.add() = record;
+    if (record.len == 0) continue;
+    char* place = kv_sext.chars.add_in_block(record.len);
+    if (place == nullptr) {
+      while (kv_sext.chars.count < record.index - 1) kv_sext.chars.add();
+      kv_sext.chars.reach();
+      place = kv_sext.chars.add_in_block(record.len);
     }
+    std::memcpy(place, source_->chars.data() + record.index - 1,
+                static_cast<std::size_t>(record.len));
   }
-  kv_sext.chars.count = static_cast<std::int32_t>(source_->chars.size());
   build(kv_sext.props, source_->props);
   build(kv_sext.insts, source_->insts);
   build(kv_sext.pins, source_->pins);

@@ -2,10 +2,16 @@
 // Records never move; an array that is emptied uses its blocks again.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
-#include <memory>
+#include <new>
+#include <span>
 #include <string_view>
+#include <type_traits>
+#include <utility>
 #include <vector>
+
+#include "expand/block_memory.h"
 
 inline constexpr int kv_block_size = 1000;
 inline constexpr std::int32_t kv_start_records = 500'000;      // what an array may hold at first
@@ -24,58 +30,80 @@ struct kv_store_full_t {
   std::int32_t limit;     // records that it may hold
 };
 
-// `count` is the number of records in use.
 template <typename Record>
-struct kv_blocked_t {
-  std::int32_t count = 0;
-  std::int32_t touched = 0;  // records behind this index were never used
-  std::int32_t limit = kv_start_records;
-  std::vector<std::unique_ptr<Record[]>> blocks;
+class kv_blocked_t {
+ public:
+  std::int32_t count = 0;  // records in use; set_count() changes it
 
   // Record `index` (from 1), which the caller has checked.
   Record& operator[](std::int32_t index) {
     const auto i = static_cast<std::uint32_t>(index - 1);
-    return blocks[i / kv_block_size][i % kv_block_size];
+    return blocks_[i / kv_block_size][i % kv_block_size];
   }
   const Record& operator[](std::int32_t index) const {
     const auto i = static_cast<std::uint32_t>(index - 1);
-    return blocks[i / kv_block_size][i % kv_block_size];
+    return blocks_[i / kv_block_size][i % kv_block_size];
   }
   bool holds(std::int32_t index) const { return index >= 1 && index <= count; }
+  // The records in use of a block (from 0), none behind the last.
+  std::span<const Record> in_block(std::int32_t block) const {
+    const std::int32_t n = std::min(kv_block_size, count - block * kv_block_size);
+    if (n <= 0) return {};
+    return {blocks_[static_cast<std::size_t>(block)], static_cast<std::size_t>(n)};
+  }
+  std::int32_t limit() const { return limit_; }
 
-  // The block that position `at` (from 0) lies in; it and those before it exist then.
-  Record* block_of(std::int32_t at) {
-    const std::size_t block = static_cast<std::uint32_t>(at) / kv_block_size;
-    if (block >= blocks.size()) [[unlikely]]
-      grow(block);
-    return blocks[block].get();
-  }
-  // Where position `at` (from 0) lies.
-  Record* place(std::int32_t at) {
-    return block_of(at) + static_cast<std::uint32_t>(at) % kv_block_size;
-  }
   // The next record, fresh; its index is `count` then.
   Record& add() {
-    if (count >= limit) throw kv_store_full_t{kv_record_name<Record>, limit + 1, limit};
-    Record& record = *place(count);
-    if (++count <= touched) {
-      record = Record{};
-    } else {
-      touched = count;
-    }
-    return record;
+    if (count == fence_) [[unlikely]]
+      reach();
+    ++count;
+    return *::new (static_cast<void*>(next_++)) Record{};
   }
   // Makes room for indexes count + 1 .. count + n and returns the first; the new records are
   // fresh (all fields at their defaults).
   std::int32_t append(std::int32_t n) {
-    if (n > limit - count) throw kv_store_full_t{kv_record_name<Record>, limit + 1, limit};
+    if (n > limit_ - count) throw full(limit_ + 1);
     const std::int32_t first = count + 1;
     for (std::int32_t i = 0; i < n; ++i) add();
     return first;
   }
+  // The places of the next n records, not yet written; null unless they lie in the block under way
+  // and leave its last place free.
+  Record* add_in_block(std::int32_t n) {
+    if (n >= fence_ - count) [[unlikely]]
+      return nullptr;
+    count += n;
+    return std::exchange(next_, next_ + n);
+  }
+  // Records behind `count` are none; places before it that were not in use are not written.
+  void set_count(std::int32_t the_count) {
+    count = the_count;
+    fence_ = the_count;
+  }
+  void set_limit(std::int32_t limit) {
+    limit_ = limit;
+    fence_ = count;
+  }
+  // Makes the place of the next record ready.
+  void reach() {
+    if (count >= limit_) throw full(limit_ + 1);
+    const auto block = static_cast<std::uint32_t>(count) / kv_block_size;
+    while (blocks_.size() <= block) {
+      blocks_.push_back(reinterpret_cast<Record*>(memory_.take(kv_block_size * sizeof(Record))));
+    }
+    const auto block_end = static_cast<std::int32_t>((block + 1) * kv_block_size);
+    next_ = blocks_[block] + static_cast<std::uint32_t>(count) % kv_block_size;
+    fence_ = std::min(limit_, block_end);
+  }
+  kv_store_full_t full(std::int32_t index) const { return {kv_record_name<Record>, index, limit_}; }
 
  private:
-  [[gnu::noinline]] void grow(std::size_t block) {
-    while (blocks.size() <= block) blocks.push_back(std::make_unique<Record[]>(kv_block_size));
-  }
+  static_assert(std::is_trivially_destructible_v<Record>);
+
+  Record* next_ = nullptr;  // the place behind `count`,
+  std::int32_t fence_ = 0;  // while `count` is below this: the end of its block, or the limit
+  std::int32_t limit_ = kv_start_records;
+  std::vector<Record*> blocks_;
+  kv_block_memory memory_;
 };

@@ -27,15 +27,17 @@ std::string upper_case(std::string_view name) {
 // that would reach the last position of its block starts the next one; the rest of the block it
 // leaves is zero, so that the same strings always give the same characters.
 char* reserve_chars(kv_blocked_t<char>& chars, std::int32_t len, std::int32_t& index) {
-  const std::int32_t end = chars.count;  // from 0
-  const std::int32_t start = std::max(end, (end + len) / kv_block_size * kv_block_size);
-  if (len > chars.limit - start) throw kv_store_full_t{"char", start + len, chars.limit};
-  if (start > end && end > 0) {
-    std::fill_n(chars.place(end), start - end, '\0');
+  char* place = chars.add_in_block(len);
+  if (place == nullptr) {
+    const std::int32_t end = chars.count;  // from 0
+    const std::int32_t start = std::max(end, (end + len) / kv_block_size * kv_block_size);
+    if (len >= chars.limit() - start) throw chars.full(start + len);
+    while (chars.count < start) chars.add();
+    chars.reach();
+    place = chars.add_in_block(len);
   }
-  chars.count = start + len;
-  index = start + 1;
-  return chars.place(start);
+  index = chars.count - len + 1;
+  return place;
 }
 
 template <typename Fill>
@@ -49,11 +51,11 @@ std::int32_t save_prop(kv_design_t& design, kv_prop_type type, Fill fill) {
 }  // namespace
 
 void kv_empty_design(kv_design_t& design) {
-  each_array(design, [](auto& array) { array.count = 0; });
+  each_array(design, [](auto& array) { array.set_count(0); });
 }
 
 void kv_limit_design(kv_design_t& design, std::int32_t limit) {
-  each_array(design, [limit](auto& array) { array.limit = limit; });
+  each_array(design, [limit](auto& array) { array.set_limit(limit); });
 }
 
 void kv_debug_full(const kv_store_full_t& full) {

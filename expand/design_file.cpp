@@ -48,6 +48,10 @@ class image_writer {
     ok_ = ok_ && write_at(fd_, {buffer_.get(), used_}, offset_);
     offset_ += static_cast<off_t>(used_);
     used_ = 0;
+    if (offset_ - sent_ >= stretch) {  // the disk begins while the next records are encoded
+      ::sync_file_range(fd_, sent_, offset_ - sent_, SYNC_FILE_RANGE_WRITE);
+      sent_ = offset_;
+    }
     return ok_;
   }
   bool ok() const { return ok_; }
@@ -55,10 +59,12 @@ class image_writer {
 
  private:
   static constexpr std::size_t capacity = 1 << 18;
+  static constexpr off_t stretch = 1 << 23;
   int fd_;
   std::unique_ptr<std::uint8_t[]> buffer_;
   std::size_t used_ = 0;
   off_t offset_ = header_size;
+  off_t sent_ = 0;  // what stands before is on its way to the disk
   bool ok_ = true;
 };
 
@@ -75,12 +81,10 @@ void write_records(image_writer& out, std::span<const Record> records) {
 
 template <typename Record>
 void write_array(image_writer& out, const kv_blocked_t<Record>& array) {
-  std::int32_t left = array.count;
-  for (std::size_t block = 0; left > 0 && out.ok(); ++block) {
-    const std::int32_t n = std::min(left, kv_block_size);
-    const std::span block_records(array.blocks[block].get(), static_cast<std::size_t>(n));
-    write_records<Record>(out, block_records);
-    left -= n;
+  for (std::int32_t block = 0; out.ok(); ++block) {
+    const auto records = array.in_block(block);
+    if (records.empty()) return;
+    write_records<Record>(out, records);
   }
 }
 

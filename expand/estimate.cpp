@@ -7,6 +7,8 @@
 #include <limits>
 #include <memory>
 
+#include "expand/origins.h"
+
 namespace {
 
 // Far beyond any memory, and far enough from the end of the type to add two.
@@ -25,7 +27,7 @@ void kv_estimate_own(const kv_setup_t& setup, kv_sheet_t& sheet) {
   const std::int64_t pin = sizeof(kv_pin_record_t) + kept(setup.property_pin);
   const std::int64_t pinm = sizeof(kv_pinm_record_t) + kept(setup.property_pin);
   const std::int64_t net = sizeof(kv_net_record_t) + kept(setup.property_net);
-  std::int64_t bytes = 0;
+  std::int64_t bytes = sizeof(kv_visit_t);
   for (const auto& each : sheet.insts) {
     const std::int64_t pin_bytes = (each.is_primitive ? pin : pinm) + string_bytes;
     bytes += inst + 2 * string_bytes + each.nb_of_pin * pin_bytes;

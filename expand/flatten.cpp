@@ -424,6 +424,35 @@ void process_objects(const visit_t& visit) {
   }
 }
 
+// Keeps where the records of a visit begin and end, for its life.
+class kept_visit_t {
+ public:
+  kept_visit_t(kv_flatten_t& run, const kv_sheet_t& sheet) : run_(run), above_(run.visit) {
+    if (run.visits == nullptr) return;
+    const kv_design_t& d = run.design;
+    run.visit = static_cast<std::int32_t>(run.visits->size());
+    run.visits->push_back({.sheet = &sheet,
+                           .above = above_,
+                           .macro = run.macro_level,
+                           .nets_before = d.nets.count,
+                           .children_before = d.net_childs.count,
+                           .insts_before = d.insts.count});
+  }
+  ~kept_visit_t() {
+    if (run_.visits == nullptr) return;
+    auto& visit = (*run_.visits)[static_cast<std::size_t>(run_.visit)];
+    visit.insts_after = run_.design.insts.count;
+    visit.macros_after = run_.design.macros.count;
+    run_.visit = above_;
+  }
+  kept_visit_t(const kept_visit_t&) = delete;
+  kept_visit_t& operator=(const kept_visit_t&) = delete;
+
+ private:
+  kv_flatten_t& run_;
+  std::int32_t above_;
+};
+
 }  // namespace
 
 void kv_process_inst_of_sheet(kv_flatten_t& run, kv_sheet_t& sheet, const kv_entry_t& entry,
@@ -455,6 +484,7 @@ void kv_process_inst_of_sheet(kv_flatten_t& run, kv_sheet_t& sheet, const kv_ent
   const std::size_t flats = run.flats.size();
   run.flats.resize(flats + sheet.groups.size());
   const visit_t visit{run, sheet, entry, flats, level, timing_index};
+  const kept_visit_t kept(run, sheet);
   for (const auto& report : sheet.port_reports) tell_report(report);
   if (!sheet.ends_at_port) process_objects(visit);
   run.flats.resize(flats);

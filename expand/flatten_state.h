@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "expand/origins.h"
 #include "expand/run_watch.h"
 #include "expand/sheet_cache.h"
 #include "gx/text/session_state.h"
@@ -46,9 +47,11 @@ struct kv_flatten_t {
   std::int64_t errors_before;  // counted before the run
   kv_sheet_cache_t cache;
   kv_run_watch* watch = nullptr;
-  std::vector<kv_flat_t> flats;      // those of a sheet follow those of the sheet above it
-  kv_path_t path;                    // of the object being saved
-  std::optional<kv_run_result> end;  // why the run cannot go on
+  std::vector<kv_visit_t>* visits = nullptr;  // to be kept; null: they are not
+  std::int32_t visit = -1;                    // under way
+  std::vector<kv_flat_t> flats;               // those of a sheet follow those of the sheet above it
+  kv_path_t path;                             // of the object being saved
+  std::optional<kv_run_result> end;           // why the run cannot go on
 };
 
 // Appends a piece to the path for the life of the object. Where the path would be too long the run

@@ -50,9 +50,13 @@ std::int32_t kv_net_table::root(std::int32_t net) {
   return net;
 }
 
-void kv_net_table::unite(std::int32_t a, std::int32_t b) {
+void kv_net_table::unite(std::int32_t a, std::int32_t b, kv_join_why why, int object) {
+  const kv_join_t join{a, b, static_cast<gx_object_id_t>(object), why,
+                       gx_object_as<gx_object_pinpropfam_rec_t>(file_, object) != nullptr};
   a = root(a);
   b = root(b);
+  if (a == b) return;
+  joins_.push_back(join);
   parent_[static_cast<std::size_t>(std::max(a, b))] = std::min(a, b);
 }
 
@@ -64,12 +68,14 @@ void kv_net_table::take_segment(std::int32_t net, int segment) {
         (object->object_type != gx_type::vertex_2d && object->object_type != gx_type::pinpropfam)) {
       continue;
     }
-    if (const std::int32_t named = named_by(end); named >= 0) unite(net, named);
+    if (const std::int32_t named = named_by(end); named >= 0) {
+      unite(net, named, kv_join_why::vertex, end);
+    }
     auto& first = end_of_[static_cast<std::size_t>(end)];
     if (first < 0) {
       first = net;
     } else {
-      unite(net, first);
+      unite(net, first, kv_join_why::vertex, end);
     }
   }
 }
@@ -78,19 +84,22 @@ kv_net_groups_t kv_net_table::join(std::span<const std::string_view> names,
                                    std::span<const kv_port_name_t> port_names) {
   using bearers_t = std::unordered_map<std::string, std::int32_t>;
   std::string key;
-  const auto bear = [&](bearers_t& bearers, std::string_view name, std::int32_t net) {
+  const auto bear = [&](bearers_t& bearers, std::string_view name, std::int32_t net,
+                        kv_join_why why) {
     if (name.empty()) return;
     key.assign(name);
     std::transform(key.begin(), key.end(), key.begin(), gx_upper_case);
     const auto [at, is_new] = bearers.try_emplace(key, net);
-    if (!is_new) unite(at->second, net);
+    if (!is_new) unite(at->second, net, why);
   };
   bearers_t nets, ports;
-  for (std::size_t i = 0; i < nb_of_net_; ++i) bear(nets, names[i], static_cast<std::int32_t>(i));
-  for (const auto& port : port_names) bear(ports, port.name, port.net);
+  for (std::size_t i = 0; i < nb_of_net_; ++i)
+    bear(nets, names[i], static_cast<std::int32_t>(i), kv_join_why::name);
+  for (const auto& port : port_names) bear(ports, port.name, port.net, kv_join_why::port_name);
 
   // The root is the smallest position of its group, so it is met first.
   kv_net_groups_t groups;
+  groups.joins = std::move(joins_);
   groups.group_of_net.resize(nb_of_net_);
   for (std::size_t i = 0; i < nb_of_net_; ++i) {
     const auto net = static_cast<std::int32_t>(i);

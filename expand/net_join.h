@@ -20,9 +20,19 @@ struct kv_port_name_t {
   std::string_view name;
 };
 
+// What made two nets one.
+enum class kv_join_why : std::uint8_t { vertex, name, port_name };
+struct kv_join_t {
+  std::int32_t a = 0, b = 0;  // positions in the list of nets
+  gx_object_id_t object = 0;  // that both are on; 0: none
+  kv_join_why why = kv_join_why::vertex;
+  bool is_pin = false;  // the object is the pin of an instance
+};
+
 struct kv_net_groups_t {
   std::vector<std::int32_t> group_of_net;     // per net; groups are numbered by their first net
   std::vector<std::int32_t> master_of_group;  // the first net with a name, else the first net
+  std::vector<kv_join_t> joins;  // that lead from any net of a group to any other in one way
 };
 
 // The nets of a sheet and, for every object, the net that it stands for.
@@ -40,7 +50,7 @@ class kv_net_table {
  private:
   std::int32_t named_by(int vertex_or_pin) const;
   std::int32_t root(std::int32_t net);
-  void unite(std::int32_t a, std::int32_t b);
+  void unite(std::int32_t a, std::int32_t b, kv_join_why why, int object = 0);
   void take_segment(std::int32_t net, int segment);
 
   const gx_file_gene_recf_t& file_;
@@ -48,4 +58,5 @@ class kv_net_table {
   std::vector<std::int32_t> position_;  // by object id: of a net; -1 for other objects
   std::vector<std::int32_t> end_of_;    // by object id: the net whose segment ends there first
   std::vector<std::int32_t> parent_;    // union-find, the smallest position is the root
+  std::vector<kv_join_t> joins_;
 };

@@ -83,8 +83,9 @@ void store_info(kv_design_t& design, const kv_setup_t& setup) {
 std::optional<kv_run_result> flatten(const kv_run_t& run, gx_file_index_t top) {
   const auto& slot = gx_files.filear[static_cast<std::size_t>(top)];
   kv_flatten_t walk(run.setup, run.design, run.expand_level, run.macro_level);
-  kv_sheet_t sheet = kv_analyse_sheet(gx_ptrto_gene_file_buf(top), gx_view(slot.file_pathname),
-                                      run.setup, walk.cache.globals);
+  auto sheet_read = std::make_unique<kv_sheet_t>(kv_analyse_sheet(
+      gx_ptrto_gene_file_buf(top), gx_view(slot.file_pathname), run.setup, walk.cache.globals));
+  kv_sheet_t& sheet = *sheet_read;
   kv_find_tied_globals(walk.cache, sheet, 1);
   if (sheet.bytes > kv_free_memory()) {
     gx_tell("# !! Error : Design too large for this memory : about ",
@@ -92,10 +93,16 @@ std::optional<kv_run_result> flatten(const kv_run_t& run, gx_file_index_t top) {
     gx_count_error();
     return kv_run_result::design_too_large;
   }
-  kv_run_watch watch(sheet.visits);
+  kv_run_watch watch(run, sheet.visits);
   walk.watch = &watch;
+  if (run.origins != nullptr) walk.visits = &run.origins->visits;
   run.macro_level = 0;
   kv_process_inst_of_sheet(walk, sheet, {}, 1, 0);
+  if (run.origins != nullptr) {
+    run.origins->top = std::move(sheet_read);
+    run.origins->components = std::move(walk.cache.components);
+    run.origins->globals = std::move(walk.cache.globals);
+  }
   return walk.end;
 }
 
@@ -109,11 +116,17 @@ kv_run_result kv_expand(const kv_run_t& run) {
     return kv_run_result::no_sheet;
   }
   kv_empty_design(run.design);
+  static std::uint64_t runs = 0;
+  if (run.origins != nullptr) {
+    *run.origins = {};
+    run.origins->run = ++runs;
+  }
   kv_limit_design(run.design, run.setup.store_size);
   run.design.kept = run.setup;
   gx_tell(" RUN ");
   if (const auto end = flatten(run, top)) {
     kv_empty_design(run.design);  // a part of a design is not taken for the whole
+    if (run.origins != nullptr) *run.origins = {};
     return *end;
   }
   check_nets(run.design);

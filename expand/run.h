@@ -2,10 +2,25 @@
 // file and the listing.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 
 #include "expand/design.h"
+#include "expand/origins.h"
 #include "expand/sheet_slots.h"
+
+// How far a run is.
+struct kv_progress_t {
+  double seconds = 0;                  // since its start
+  std::int64_t sheets = 0, insts = 0;  // visited, stored (leaf instances)
+  std::int64_t all_sheets = 0;         // that it will visit, known before the first visit
+  bool ended = false;                  // the last call of a run that was told of
+};
+
+// Who watches a run: called while it walks the hierarchy, and once more with `ended` when the walk
+// is over, if it was called before. False ends the run in order ("# RUN stopped"), with an empty
+// design.
+using kv_run_watcher_t = bool (*)(const kv_progress_t& progress);
 
 struct kv_run_t {
   const kv_setup_t& setup;
@@ -13,6 +28,9 @@ struct kv_run_t {
   const kv_sheet_stack_t& sheets;  // level 1 is expanded; slots stay as they are
   std::int16_t& expand_level;      // level being flattened
   std::int32_t& macro_level;       // macro whose sheet is being flattened
+  kv_run_watcher_t watcher = nullptr;
+  std::chrono::milliseconds period{200};  // from the start to the first call, and between calls
+  kv_origins_t* origins = nullptr;        // emptied and filled, when given
 };
 
 enum class kv_run_result {
@@ -32,17 +50,3 @@ kv_run_result kv_expand(const kv_run_t& run);
 // The same, and writes the image to an open file and, when asked for, the listing "kivo_data" into
 // the directory of the sheet.
 kv_run_result kv_run_expansion(const kv_run_t& run, int designfile, bool gen_data);
-
-// How far a run is.
-struct kv_progress_t {
-  double seconds = 0;                  // since its start
-  std::int64_t sheets = 0, insts = 0;  // visited, stored (leaf instances)
-  std::int64_t all_sheets = 0;         // that it will visit, known before the first visit
-  bool ended = false;                  // the last call of a run that was told of
-};
-
-// Who watches runs: called at most five times a second while a run walks the hierarchy, and once
-// more with `ended` when it is over. A run that does not last 0.2 s is never told of. False ends
-// the run in order ("# RUN stopped"), with an empty design. None at first; nullptr takes it back.
-using kv_run_watcher_t = bool (*)(const kv_progress_t& progress);
-void kv_set_run_watcher(kv_run_watcher_t watcher);

@@ -8,7 +8,7 @@
 
 class kv_run_watch {
  public:
-  explicit kv_run_watch(std::int64_t all_sheets);
+  kv_run_watch(const kv_run_t& run, std::int64_t all_sheets);
   ~kv_run_watch();  // tells the end to a watcher that was told of the run
   kv_run_watch(const kv_run_watch&) = delete;
   kv_run_watch& operator=(const kv_run_watch&) = delete;
@@ -18,6 +18,8 @@ class kv_run_watch {
 
  private:
   using clock = std::chrono::steady_clock;
+  kv_run_watcher_t watcher_;  // may be null: nobody watches
+  clock::duration period_;
   clock::time_point start_, next_;
   kv_progress_t progress_;
   bool told_ = false;

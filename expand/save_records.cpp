@@ -21,9 +21,9 @@ constexpr std::string_view net_path_label = "#    Net Path : ";
 void tell_bad_value(const kv_prop_type_record_t& entry, std::string_view value,
                     std::string_view path_label, std::string_view path) {
   gx_tell("# !! Error found on property value ");
-  gx_tell_quoted(path_label, path);
-  gx_tell_quoted("#    Property Name :  ", gx_view(entry.name));
-  gx_tell_quoted("#    Property Value :  ", value);
+  gx_tell_as(gx_line_kind::detail, path_label, "\"", path, "\"");
+  gx_tell_as(gx_line_kind::detail, "#    Property Name :  \"", gx_view(entry.name), "\"");
+  gx_tell_as(gx_line_kind::detail, "#    Property Value :  \"", value, "\"");
   gx_count_error();
 }
 
@@ -85,7 +85,7 @@ void check_pin_type(const kv_sheet_pin_t& pin, std::string_view path) {
     gx_count_warning();
   } else if (pin.type_state == kv_sheet_pin_t::type_invalid) {
     gx_tell("# ? Error : Invalid Pintype on Pin : ");
-    gx_tell_quoted("#  Pin Path : ", path);
+    gx_tell_as(gx_line_kind::detail, "#  Pin Path : \"", path, "\"");
     gx_count_error();
   }
 }

@@ -139,6 +139,7 @@ class analysis {
     }
     kv_net_groups_t joined = nets_.join(net_names_, port_names);
     for (const std::int32_t master : joined.master_of_group) take_group(master);
+    sheet.joins = std::move(joined.joins);
     for (std::size_t i = 0; i < sheet.nets.size(); ++i) {
       sheet.nets[i].group = joined.group_of_net[i];
     }
@@ -175,13 +176,13 @@ class analysis {
   }
 
   void sort_instance(int inst) {
-    const std::string_view value = gx_prop_text(gx_find_inst_prop(file_, inst, "CLASS"));
-    if ((value.size() == 6 || value.size() == 7) && gx_equal("PORT", value)) {
-      port_insts_.push_back(inst);
-    } else if (gx_iden(value, "G") && gx_find_inst_prop(file_, inst, "GLOBAL") != nullptr) {
-      global_insts_.push_back(inst);
-    } else {
-      plain_insts_.push_back(inst);
+    switch (kv_role_of(file_, inst)) {
+      case kv_inst_role::port:
+        return port_insts_.push_back(inst);
+      case kv_inst_role::global:
+        return global_insts_.push_back(inst);
+      case kv_inst_role::part:
+        return plain_insts_.push_back(inst);
     }
   }
 
@@ -222,7 +223,8 @@ class analysis {
     for (std::size_t i = 0; i < sheet.ports.size(); ++i) {
       if (port_nets_[i] < 0) continue;
       auto& port = sheet.ports[i];
-      port.group = sheet.nets[static_cast<std::size_t>(port_nets_[i])].group;
+      port.net = port_nets_[i];
+      port.group = sheet.nets[static_cast<std::size_t>(port.net)].group;
       auto& group = sheet.groups[static_cast<std::size_t>(port.group)];
       if (group.port < 0) {
         group.port = static_cast<std::int32_t>(i);
@@ -252,7 +254,9 @@ class analysis {
     kv_sheet_global_t global;
     global.name = keep_text({name});
     global.run_global = run_global(name);
-    global.group = group_at(pin.pinpropfam);
+    global.object_id = static_cast<gx_object_id_t>(inst);
+    global.net = nets_.net_at(pin.pinpropfam);
+    global.group = global.net >= 0 ? sheet.nets[static_cast<std::size_t>(global.net)].group : -1;
     global.usable = global.group >= 0;
     global.init = init_of(gx_find_prop_of_two(file_, pin.pinpropfam, pin.pin, "INIT"));
     const auto* record = gx_object_as<gx_object_pinpropfam_rec_t>(file_, pin.pinpropfam);
@@ -463,6 +467,14 @@ class analysis {
 kv_sheet_t kv_analyse_sheet(const gx_file_gene_recf_t& file, std::string_view file_path,
                             const kv_setup_t& setup, std::vector<kv_global_net_record_t>& globals) {
   return analysis(file, setup, globals).run(file_path);
+}
+
+kv_inst_role kv_role_of(const gx_file_gene_recf_t& file, int inst) {
+  const std::string_view value = gx_prop_text(gx_find_inst_prop(file, inst, "CLASS"));
+  if ((value.size() == 6 || value.size() == 7) && gx_equal("PORT", value))
+    return kv_inst_role::port;
+  const bool is_global = gx_iden(value, "G") && gx_find_inst_prop(file, inst, "GLOBAL") != nullptr;
+  return is_global ? kv_inst_role::global : kv_inst_role::part;
 }
 
 bool kv_found_primitive(const kv_setup_t& setup, const gx_file_gene_recf_t& file, int inst) {

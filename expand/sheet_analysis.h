@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "expand/design.h"
+#include "expand/net_join.h"
 #include "gx/db/file_records.h"
 #include "gx/db/ids.h"
 
@@ -64,12 +65,15 @@ struct kv_sheet_port_t {
   kv_text_t name, bare_name;  // bare: without the bus range
   bool is_range = false;      // its pin stands for several bits
   std::int32_t group = -1;
+  std::int32_t net = -1;  // that it stands on
 };
 
 struct kv_sheet_global_t {
   kv_text_t name;
   std::int32_t run_global = -1;  // its place among the globals of the run
+  gx_object_id_t object_id = 0;  // the instance
   std::int32_t group = -1;
+  std::int32_t net = -1;      // that it stands on
   std::int32_t position = 0;  // on a bus: the member, -1: none that exists
   std::int32_t report = -1;   // what is wrong with it on this sheet
   bool usable = true;         // false: only its report counts
@@ -126,6 +130,7 @@ struct kv_sheet_t {
   std::int64_t visits = 0, bytes = 0;
   std::vector<kv_sheet_net_t> nets;  // in child order
   std::vector<kv_sheet_group_t> groups;
+  std::vector<kv_join_t> joins;  // what made the nets of a group one
   std::vector<kv_sheet_port_t> ports;
   std::vector<kv_sheet_global_t> globals;  // every instance of one
   std::vector<kv_report_t> port_reports, global_reports;
@@ -153,6 +158,10 @@ struct kv_global_net_record_t {
 // `globals`. A sheet of any contents is taken: what is missing or of a wrong type is left out.
 kv_sheet_t kv_analyse_sheet(const gx_file_gene_recf_t& file, std::string_view file_path,
                             const kv_setup_t& setup, std::vector<kv_global_net_record_t>& globals);
+
+// What an instance stands for: a port or a global by its CLASS, else a part or a block.
+enum class kv_inst_role : std::uint8_t { part, port, global };
+kv_inst_role kv_role_of(const gx_file_gene_recf_t& file, int inst);
 
 // Whether an instance is a primitive: the first entry of the PRIMitive list that it meets.
 bool kv_found_primitive(const kv_setup_t& setup, const gx_file_gene_recf_t& file, int inst);

@@ -44,7 +44,7 @@ class no_sigpipe {
 
 void tell_not_ready(const std::string& path) {
   gx_display_list("# Send Data to SPICE : ");
-  gx_display_list("# !! Sorry Spice is not ready ... ");
+  gx_display_list("# !! Sorry Spice is not ready ... ", gx_line_kind::error);
   gx_display_list("# !! Exec again the WaitFor (WF) spice command ...");
   kv_debug("  DEbug : kv_send_request :1: Can't create the FIFO (spice Off ?) .  \n%s\n",
            path.c_str());

@@ -1,6 +1,6 @@
 // The state of the expander, one record kv_sext: the user's wishes for the next run, the design
-// that the last one made, and what the program holds open. The functions here are those of
-// expand/design.h over the design of kv_sext.
+// that the last one made and where it comes from, and what the program holds open. The functions
+// here are those of expand/design.h over the design of kv_sext.
 #pragma once
 
 #include <cstdint>
@@ -8,11 +8,13 @@
 
 #include "expand/debug.h"
 #include "expand/design.h"
+#include "expand/origins.h"
 #include "expand/setup.h"
 #include "gx/text/records.h"
 
 struct kv_defref_exp_rec_t : kv_setup_t, kv_design_t {
-  int designfile = -1;  // descriptor of the design file
+  kv_origins_t origins;  // of the design
+  int designfile = -1;   // descriptor of the design file
   bool open_file_ok = false;
   bool gx_graphics_used = false;
 };

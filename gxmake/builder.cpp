@@ -7,6 +7,7 @@
 #include <map>
 
 #include "gx/db/files.h"
+#include "gxmake/object_file.h"
 #include "gxmake/object_tree.h"
 #include "gxmake/symbol_parts.h"
 #include "platform/files.h"
@@ -18,6 +19,14 @@ gxm_date_t gxm_date_of_files() {
   gmtime_r(&now, &t);
   const auto i16 = [](int v) { return static_cast<std::int16_t>(v); };
   return {i16(t.tm_mday), i16(t.tm_mon + 1), i16(t.tm_year + 1900), i16(t.tm_hour), i16(t.tm_min)};
+}
+
+void gxm_set_date(gx_file_gene_recf_t& file, const gxm_date_t& date) {
+  file.day = date.day;
+  file.month = date.month;
+  file.year = date.year;
+  file.hour = date.hour;
+  file.minute = date.minute;
 }
 
 void gxm_complain(gxm_messages_t& messages, const gxm_source_t& source, std::string_view what) {
@@ -63,20 +72,25 @@ std::vector<gxm_file_t> gxm_build(const gxm_design_t& design, const gxm_options_
                                   gxm_messages_t& messages) {
   std::vector<gxm_file_t> files;
   std::map<std::string, gxm_source_t> seen;  // "directory/base" as it is first described
-  const auto add = [&](const auto& described, const char* base, auto build) {
+  const auto add = [&](const auto& described, const std::string& base, auto build,
+                       std::int16_t version = 1) {
     const auto [first, is_new] = seen.emplace(described.name + "/" + base, described.source);
     if (!is_new) {
       gxm_complain(messages, described.source,
-                   std::string("a second ") + base + " " + described.name +
-                       " (the first is in line " + std::to_string(first->second.line) + ")");
+                   "a second " + base + " " + described.name + " (the first is in line " +
+                       std::to_string(first->second.line) + ")");
     } else if (auto file = build()) {
-      files.push_back({described.name, base, std::move(file)});
+      files.push_back({described.name, base, std::move(file), version});
     }
   };
   for (const auto& symbol : design.symbols)
     add(symbol, "symbol", [&] { return gxm_build_symbol(symbol, options, messages); });
   for (const auto& sheet : design.sheets)
     add(sheet, "sheet", [&] { return gxm_build_sheet(sheet, design, options, messages); });
+  for (const auto& file : design.files) {
+    const auto build = [&] { return gxm_build_object_file(file, options, messages); };
+    add(file, file.base, build, file.version);
+  }
   return files;
 }
 
@@ -89,8 +103,8 @@ void gxm_write(const std::vector<gxm_file_t>& files, const std::filesystem::path
     std::error_code error;
     std::filesystem::create_directories(directory, error);
     if (error) throw std::runtime_error(directory.string() + ": " + error.message());
-    const auto data = directory / (file.base + ".gx_1"), link = directory / (file.base + ".gx");
+    const auto data = directory / file.data_name(), link = directory / (file.base + ".gx");
     check(data, x_replace_file(data, gx_encode_file(*file.file)));
-    check(link, x_replace_file(link, "_1        \n"));
+    check(link, x_replace_file(link, "_" + std::to_string(file.version) + "        \n"));
   }
 }

@@ -18,6 +18,9 @@ struct gxm_date_t {
 // the same bytes everywhere.
 gxm_date_t gxm_date_of_files();
 
+// Puts it into the header of a file.
+void gxm_set_date(gx_file_gene_recf_t& file, const gxm_date_t& date);
+
 struct gxm_options_t {
   gxm_date_t date;
   std::string prefix;  // put before the symbol paths that sheets hold, "" or ending in "/"
@@ -27,13 +30,15 @@ struct gxm_options_t {
 struct gxm_file_t {
   std::string directory, base;
   std::shared_ptr<gx_file_gene_recf_t> file;
+  std::int16_t version = 1;
+  std::string data_name() const { return base + ".gx_" + std::to_string(version); }
 };
 
-// Builds every symbol and sheet; what cannot be built is left out and told in `messages`.
+// Builds every symbol, sheet and file; what cannot be built is left out and told in `messages`.
 std::vector<gxm_file_t> gxm_build(const gxm_design_t& design, const gxm_options_t& options,
                                   gxm_messages_t& messages);
 
-// Writes "base.gx_1" and its link file into the directory of each file below `root`.
+// Writes "base.gx_VERSION" and its link file into the directory of each file below `root`.
 // Throws std::runtime_error, with the path, when one cannot be written.
 void gxm_write(const std::vector<gxm_file_t>& files, const std::filesystem::path& root);
 

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -159,9 +160,31 @@ struct gxm_sheet_t {
   std::vector<gxm_frame_t> frames{};
 };
 
+// A file told object by object, so that every object is the one that was meant: what `gxdump
+// --source` prints. Values are words as they are written, in the units of the file.
+struct gxm_field_word_t {
+  std::string field{}, value{};
+};
+struct gxm_object_t {
+  gx_type type = gx_type::nil;
+  int father = 0;  // the object that it stands under; 1 is the first of the file, 0: none
+  std::vector<gxm_field_word_t> fields{};
+  gxm_source_t source{};
+};
+struct gxm_object_file_t {
+  std::string name{};  // of its directory
+  std::string base{};  // "sheet", "symbol"
+  std::int16_t version = 1;
+  gxm_source_t source{};
+  std::vector<gxm_field_word_t> fields{};            // of the header
+  std::vector<gxm_object_t> objects{};               // in the order of their ids
+  std::map<std::string, int, std::less<>> labels{};  // by which fields name objects
+};
+
 struct gxm_design_t {
   std::vector<gxm_symbol_t> symbols{};
   std::vector<gxm_sheet_t> sheets{};
+  std::vector<gxm_object_file_t> files{};
 };
 
 // The problems found, each "file:line: what is wrong".

@@ -2,9 +2,12 @@
 #include "gxmake/memory_array.h"
 
 #include <algorithm>
+#include <vector>
 
 // Parts stand a little scattered, so that no straight wire runs over a pin that it does not join.
 namespace {
+
+constexpr int blocks_of_bank = 64;
 
 std::string n(int number) { return std::to_string(number); }
 
@@ -177,36 +180,87 @@ sheet block
   return text;
 }
 
-std::string top(int blocks) {
-  std::string text = "sheet array\n  page " + n(20 + 14 * std::max(blocks, 10)) + ",80\n";
-  text += "  global VDD vdd 3,1\n  global GND gnd 5,77\n";
-  for (int i = 0; i < blocks; ++i) text += "  part B" + n(i) + " block " + n(8 + 14 * i) + ",10\n";
+// Banks and blocks beside each other, joined by what goes through all of them.
+class columns_t {
+ public:
+  columns_t(int banks, int blocks) {
+    for (int i = 0; i < banks; ++i) add("K" + n(i), "bank");
+    for (int i = 0; i < blocks; ++i) {
+      word_lines_ += "  bus WL" + n(i) + " 0:7\n    wire B" + n(i) + ".WL " + n(x() + 2) + ",4\n";
+      add("B" + n(i), "block");
+    }
+  }
+  std::string page(int least, int height) const {
+    const int columns = std::max(static_cast<int>(names_.size()), least);
+    return "  page " + n(20 + 14 * columns) + "," + n(height) + "\n";
+  }
+  std::string wires(const std::string& pin) const {
+    std::string text;
+    for (std::size_t i = 0; i + 1 < names_.size(); ++i)
+      text += "    wire " + names_[i] + "." + pin + " " + names_[i + 1] + "." + pin + "\n";
+    return text;
+  }
+  const std::string& first() const { return names_.front(); }
+  const std::string& parts() const { return parts_; }
+  const std::string& word_lines() const { return word_lines_; }  // a block's end on its sheet
+
+ private:
+  int x() const { return 8 + 14 * static_cast<int>(names_.size()); }
+  void add(const std::string& name, const std::string& symbol) {
+    parts_ += "  part " + name + " " + symbol + " " + n(x()) + ",10\n";
+    names_.push_back(name);
+  }
+
+  std::vector<std::string> names_;
+  std::string parts_, word_lines_;
+};
+
+std::string bank() {
+  const columns_t columns(0, blocks_of_bank);
+  std::string text = R"(
+symbol bank
+  rect 1,0 9,8
+  pin BL 0,3 IXO bits 0:7
+  pin BLB 0,5 IXO bits 0:7
+  pin CK 0,7 IN
+sheet bank
+)";
+  text += columns.page(0, 40);
+  text +=
+      "  port BL portio 3,22 bits 0:7\n  port BLB portio 3,26 bits 0:7\n  port CK portio 3,30\n";
+  text += columns.parts() + columns.word_lines();
+  for (const std::string pin : {"BL", "BLB", "CK"}) {
+    text += pin == "CK" ? "  net CK\n" : "  bus " + pin + " 0:7\n";
+    text += "    wire " + pin + " " + columns.first() + "." + pin + "\n" + columns.wires(pin);
+  }
+  return text;
+}
+
+std::string top(int banks, int blocks) {
+  const columns_t columns(banks, blocks);
+  const std::string first = "    wire " + columns.first();
+  std::string text = "sheet array\n" + columns.page(10, 80);
+  text += "  global VDD vdd 3,1\n  global GND gnd 5,77\n" + columns.parts();
   for (int i = 0; i < 8; ++i)
     text += "  part MD" + n(i) + " mos " + n(8 + 14 * i) + "," + n(29 + i * i * 3 % 11) + "\n";
   for (int i = 0; i < 10; ++i) text += "  part CD" + n(i) + " cap " + n(8 + 14 * i) + ",50\n";
-  const auto all_blocks = [&](const std::string& pin) {
-    std::string wires;
-    for (int i = 0; i + 1 < blocks; ++i)
-      wires += "    wire B" + n(i) + "." + pin + " B" + n(i + 1) + "." + pin + "\n";
-    return wires;
-  };
-  for (int i = 0; i < blocks; ++i) {
-    const std::string word_lines = "WL" + n(i), pin = "B" + n(i) + ".WL";
-    text += "  bus " + word_lines + " 0:7\n    wire " + pin + " " + n(10 + 14 * i) + ",4\n";
-  }
-  text += "  bus BL 0:7\n" + all_blocks("BL");
+  text += columns.word_lines();
+  text += "  bus BL 0:7\n" + columns.wires("BL");
   for (int i = 0; i < 8; ++i)
-    text += "    wire B0.BL MD" + n(i) + ".D width 1\n    bit " + n(i) + " MD" + n(i) + ".D\n";
-  text += "  bus BLB 0:7\n    wire B0.BLB 6,15\n" + all_blocks("BLB");
-  text += "  net CK\n" + all_blocks("CK");
-  for (int i = 0; i < 8; ++i) text += "    wire B0.CK MD" + n(i) + ".G\n";
-  for (int i = 0; i < 10; ++i) text += "    wire B0.CK CD" + n(i) + ".1\n";
+    text += first + ".BL MD" + n(i) + ".D width 1\n    bit " + n(i) + " MD" + n(i) + ".D\n";
+  text += "  bus BLB 0:7\n" + first + ".BLB 6,15\n" + columns.wires("BLB");
+  text += "  net CK\n" + columns.wires("CK");
+  for (int i = 0; i < 8; ++i) text += first + ".CK MD" + n(i) + ".G\n";
+  for (int i = 0; i < 10; ++i) text += first + ".CK CD" + n(i) + ".1\n";
   text += "  net VDD\n    wire VDD 5,3\n  net GND\n";
   for (int i = 0; i < 8; ++i)
     text += "    wire GND MD" + n(i) + ".S\n    wire MD" + n(i) + ".S MD" + n(i) + ".B\n";
   for (int i = 0; i < 10; ++i) text += "    wire GND CD" + n(i) + ".2\n";
   return text;
 }
+
+// How many whole banks a memory has; what is left of its blocks stands on the top sheet.
+int banks_of(int blocks) { return blocks > blocks_of_bank ? blocks / blocks_of_bank : 0; }
 
 }  // namespace
 
@@ -215,5 +269,22 @@ std::string gxm_memory_array(int blocks, int variants) {
   for (int i = 0; i < variants; ++i) text += cell("bitcell" + n(i));
   const int rows = variants == 1 ? 1 : 8;
   for (int i = 0; i < rows; ++i) text += row(i, variants);
-  return text + block(rows) + top(blocks);
+  text += block(rows);
+  const int banks = banks_of(blocks);
+  if (banks > 0) text += bank();
+  return text + top(banks, blocks - banks * blocks_of_bank);
+}
+
+gxm_array_counts_t gxm_count_memory_array(int blocks) {
+  // of one cell, of a row's own, of a block's own, of a bank's own, of the top's own
+  const int banks = banks_of(blocks), rows = blocks * 8, cells = rows * 8;
+  const auto sum = [&](int cell, int row, int block, int bank, int top) {
+    return cells * cell + rows * row + blocks * block + banks * bank + top;
+  };
+  return {.leaves = sum(8, 0, 24, 0, 18),
+          .pins = sum(28, 0, 72, 0, 52),
+          .nets = sum(2, 0, 9, 0, 21),
+          .net_childs = sum(6, 4, 6, 3, 2),
+          .macros = sum(1, 1, 1, 1, 0),
+          .macro_pins = sum(4, 4, 4, 3, 0)};
 }

@@ -14,13 +14,6 @@
 namespace {
 
 constexpr std::int32_t dot_half_size = 1000;
-constexpr gx_boundsreal_t pin_box = {-1000, -1000, 1000, 1000};  // the diamond that marks a pin
-
-// What is not shown takes no place, so that it cannot be hit by the pointer.
-bool is_hidden(const gx_object_gene_rec_t& object) {
-  return object.object_type == gx_type::property_2d &&
-         reinterpret_cast<const gx_object_property_rec_t&>(object).visible == 0;
-}
 
 }  // namespace
 
@@ -64,11 +57,7 @@ gxm_tree_t gxm_start_tree(const gxm_date_t& date, gx_pointreal_t page, std::int3
                           bool grid_on) {
   gxm_tree_t tree;
   auto& file = *tree.file;
-  file.day = date.day;
-  file.month = date.month;
-  file.year = date.year;
-  file.hour = date.hour;
-  file.minute = date.minute;
+  gxm_set_date(file, date);
   file.dot_width = dot_half_size;
   const auto main = gxm_add_plain(tree, gx_type::main, 0);
   const auto page_id = gxm_add_plain(tree, gx_type::page, main);
@@ -110,58 +99,4 @@ void gxm_add_property(gxm_tree_t& tree, const gxm_property_t& property, int fath
   gxm_make(tree, gx_type::property_2d, father, {}, [&] {
     gx_property_2dreal(property.name, property.value, property.at.value_or(when_hidden), look);
   });
-}
-
-void gxm_chain_instances(gxm_tree_t& tree) {
-  const auto& file = *tree.file;
-  std::vector<gx_object_instance_rec_t*> last(file.ptr_to_ar_objindex.size() + 1);  // by symbol
-  for (auto* object : file.ptr_to_ar_objindex) {
-    if (object->object_type != gx_type::instance) continue;
-    auto& instance = reinterpret_cast<gx_object_instance_rec_t&>(*object);
-    auto*& before = last[static_cast<std::size_t>(instance.symbol)];
-    instance.previous_inst = before != nullptr ? before->gene.object_id : gx_object_id_t{0};
-    instance.following_inst = 0;
-    auto& link = before != nullptr ? before->following_inst
-                                   : gx_symbol_info_ptr(file, instance.symbol).instance;
-    link = instance.gene.object_id;
-    before = &instance;
-  }
-}
-
-void gxm_grow_boxes(gxm_tree_t& tree) {
-  auto& objects = tree.file->ptr_to_ar_objindex;
-  const auto object = [&](int id) -> gx_object_gene_rec_t& {
-    return *objects[static_cast<std::size_t>(id - 1)];
-  };
-  for (auto* at : objects) {
-    const gx_type type = at->object_type;
-    if (gx_is_primitive(type) || type == gx_type::segment) continue;
-    const bool is_pin = type == gx_type::pin || type == gx_type::pinpropfam;
-    at->bounds = is_pin ? pin_box : gx_empty_bounds;
-  }
-  // Children have higher ids than their fathers; a symbol stands before its instances.
-  const auto grow = [&](const gx_object_gene_rec_t& child) {
-    if (!child.father || child.object_type == gx_type::bodpropfam ||
-        child.object_type == gx_type::symbol_family || is_hidden(child))
-      return;  // symbols lie in coordinates of their own
-    gx_boundsreal_t box = child.bounds;
-    if (gx_bounds_empty(box)) return;
-    if (child.object_type == gx_type::instance) {
-      const auto& instance = reinterpret_cast<const gx_object_instance_rec_t&>(child);
-      box = gx_turn(box, instance.rotate, instance.fliph != 0);
-    }
-    gx_include(object(child.father).bounds, gx_move(box, child.origin));
-  };
-  for (int pass = 0; pass < 2; ++pass)  // first all but the families, so that symbols are known
-    for (int id = tree.file->object_id_max; id >= 1; --id) {
-      auto& child = object(id);
-      const bool instance_or_above = child.object_type == gx_type::instance ||
-                                     child.object_type == gx_type::instance_family ||
-                                     child.father == 0 || child.father == tree.file->primary_object;
-      if (instance_or_above != (pass == 1)) continue;
-      if (child.object_type == gx_type::instance)
-        gx_include(child.bounds,
-                   object(reinterpret_cast<const gx_object_instance_rec_t&>(child).symbol).bounds);
-      grow(child);
-    }
 }

@@ -9,6 +9,7 @@
 #include "gx/db/ids.h"
 #include "gx/edit/hierarchy.h"
 #include "gxmake/builder.h"
+#include "gxmake/derived.h"
 
 // Thrown when a file would hold more than gx_max_object_id objects.
 struct gxm_too_many_objects : std::length_error {
@@ -64,8 +65,6 @@ void gxm_add_shape(gxm_tree_t& tree, const gxm_shape_t& shape, int father);
 void gxm_add_property(gxm_tree_t& tree, const gxm_property_t& property, int father, bool fixed,
                       int rotate, gx_pointreal_t when_hidden = {});
 
-// Chains the instances of each symbol in the order of their ids.
-void gxm_chain_instances(gxm_tree_t& tree);
-// Gives every container the box that holds its children. What an instance covers is its symbol
-// and its pins, not the texts beside it.
-void gxm_grow_boxes(gxm_tree_t& tree);
+// The last steps, when all objects are there.
+inline void gxm_chain_instances(gxm_tree_t& tree) { gxm_chain_instances(*tree.file); }
+inline void gxm_grow_boxes(gxm_tree_t& tree) { gxm_grow_boxes(*tree.file); }

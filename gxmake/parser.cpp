@@ -7,6 +7,7 @@
 #include <set>
 
 #include "gx/text/strings.h"
+#include "gxmake/object_file.h"
 #include "gxmake/words.h"
 
 namespace {
@@ -19,6 +20,8 @@ enum scope_t : unsigned {
   in_part = 8,
   in_net = 16,
   in_frame = 32,
+  in_file = 64,
+  nowhere_drawn = top | in_file,
   anywhere_in_sheet = in_sheet | in_part | in_net | in_frame,
 };
 
@@ -38,7 +41,8 @@ struct options_t {
 struct statement_t {
   std::vector<std::string> words;
   gxm_source_t source;
-  std::size_t next = 1;  // first word not yet read
+  std::size_t next = 1;    // first word not yet read
+  std::size_t indent = 0;  // blanks before it
 };
 
 class parser;
@@ -160,6 +164,10 @@ class parser {
   void label(statement_t& s);
   void frame(statement_t& s);
 
+  // --- files told object by object
+  void start_file(statement_t& s);
+  void object(statement_t& s);
+
   void read(statement_t& s);
 
   static const keyword_t keywords[];
@@ -167,22 +175,27 @@ class parser {
   std::string_view file_;
   unsigned scope_ = top;
   int texts_ = 0;  // texts of the symbol or sheet so far
+  gxm_open_objects_t open_objects_;
 };
 
 const keyword_t parser::keywords[] = {
     {"include", ~0U, &parser::include_file, "include FILE"},
     {"symbol", ~0U, &parser::start_symbol, "symbol NAME"},
     {"sheet", ~0U, &parser::start_sheet, "sheet NAME"},
-    {"line", ~unsigned{top}, &parser::line, "line x,y x,y [color C] [width N] [style N]"},
-    {"rect", ~unsigned{top}, &parser::rect, "rect x,y x,y [filled] [color C] [style N]"},
-    {"circle", ~unsigned{top}, &parser::circle, "circle x,y RADIUS [filled] [color C] [style N]"},
-    {"arc", ~unsigned{top}, &parser::arc, "arc x,y x,y x,y [color C]"},
-    {"polyline", ~unsigned{top}, &parser::polyline, "polyline x,y x,y ... [color C] [style N]"},
-    {"text", ~unsigned{top}, &parser::text, "text TEXT at x,y [height H] [color C] [vertical]"},
+    {"file", ~0U, &parser::start_file, "file DIRECTORY/BASE.gx_VERSION [FIELD=VALUE ...]"},
+    {"line", ~unsigned{nowhere_drawn}, &parser::line, "line x,y x,y [color C] [width N] [style N]"},
+    {"rect", ~unsigned{nowhere_drawn}, &parser::rect, "rect x,y x,y [filled] [color C] [style N]"},
+    {"circle", ~unsigned{nowhere_drawn}, &parser::circle,
+     "circle x,y RADIUS [filled] [color C] [style N]"},
+    {"arc", ~unsigned{nowhere_drawn}, &parser::arc, "arc x,y x,y x,y [color C]"},
+    {"polyline", ~unsigned{nowhere_drawn}, &parser::polyline,
+     "polyline x,y x,y ... [color C] [style N]"},
+    {"text", ~unsigned{nowhere_drawn}, &parser::text,
+     "text TEXT at x,y [height H] [color C] [vertical]"},
     {"pin", in_symbol, &parser::pin, "pin NAME x,y [TYPE] [bits A:B] [at x,y] [NAME=VALUE ...]"},
     {"default", in_symbol, &parser::default_value, "default NAME=VALUE ..."},
     {"show", in_symbol, &parser::show, "show NAME x,y [height H] [color C]"},
-    {"prop", ~unsigned{top | in_sheet}, &parser::prop,
+    {"prop", ~unsigned{nowhere_drawn | in_sheet}, &parser::prop,
      "prop NAME=VALUE ... [at x,y] [height H] [color C] [vertical]"},
     {"pinprop", in_part, &parser::pin_prop, "pinprop NAME=VALUE ... [at x,y] [height H] [color C]"},
     {"page", anywhere_in_sheet, &parser::page,
@@ -212,6 +225,7 @@ void parser::run(std::string_view text) {
       const auto words = gxm_split_words(text.substr(0, end));
       if (!words) throw complaint_t{"a quote is not closed"};
       s.words = *words;
+      s.indent = std::min(text.find_first_not_of(" \t"), text.size());
       if (!s.words.empty()) read(s);
     } catch (const complaint_t& complaint) {
       gxm_complain(input_.messages, s.source, complaint.what);
@@ -221,6 +235,7 @@ void parser::run(std::string_view text) {
 }
 
 void parser::read(statement_t& s) {
+  if (scope_ == in_file && s.indent > 0) return object(s);
   const auto keyword =
       std::find_if(std::begin(keywords), std::end(keywords),
                    [&](const keyword_t& k) { return gx_iden(k.word, s.words[0]); });
@@ -505,6 +520,25 @@ void parser::frame(statement_t& s) {
   sheet().frames.push_back({.expression = name(s, "the frame expression", 95), .source = s.source});
   options(s, "");
   scope_ = in_frame;
+}
+
+// ------------------------------------------------------------------------ files
+
+void parser::start_file(statement_t& s) {
+  scope_ = top;
+  gxm_object_file_t file{.source = s.source};
+  if (auto wrong = gxm_read_file_line(std::span(s.words).subspan(1), file); !wrong.empty())
+    throw complaint_t{std::move(wrong)};
+  input_.design.files.push_back(std::move(file));
+  open_objects_.clear();
+  scope_ = in_file;
+}
+
+void parser::object(statement_t& s) {
+  auto& file = input_.design.files.back();
+  if (auto wrong = gxm_read_object_line(s.words, s.indent, s.source, file, open_objects_);
+      !wrong.empty())
+    throw complaint_t{std::move(wrong)};
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include "platform/shell.h"
 
 #include <fcntl.h>
-#include <poll.h>
 #include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -11,6 +10,7 @@
 #include <cerrno>
 #include <initializer_list>
 #include <string>
+#include <utility>
 
 #include "platform/timing.h"
 
@@ -73,46 +73,33 @@ void end(pid_t process) {
 
 void xshell_disable() { enabled = false; }
 
-x_shell::x_shell(const char* command, x_stop_asked_t stop_asked) : stop_asked_(stop_asked) {
+x_shell::x_shell(const char* command, x_stop_asked_t stop_asked)
+    : stop_asked_(std::move(stop_asked)) {
   int ends[2];
   if (pipe2(ends, O_CLOEXEC) != 0) return;
-  pipe_.reset(ends[0]);
+  x_descriptor own(ends[0]);
   const x_descriptor other(ends[1]);
   process_ = start_shell(command, other.get());
   if (process_ < 0) return;
-  cookie_io_functions_t calls{};
-  calls.read = [](void* shell, char* buffer, std::size_t size) {
-    return static_cast<x_shell*>(shell)->read(buffer, size);
-  };
-  output_.reset(fopencookie(this, "r", calls));
+  output_ = x_stoppable_input(
+      std::move(own), [this] { return is_stopped(); }, look_ms);
 }
 
 x_shell::~x_shell() {
   output_.reset();
-  pipe_.reset();
   if (process_ < 0) return;
   if (!wait_for(process_, [this] { return is_stopped(); })) end(process_);
 }
 
 bool x_shell::is_stopped() {
-  if (!stopped_ && stop_asked_ != nullptr) stopped_ = stop_asked_();
+  stopped_ = stopped_ || stop_asked_();
   return stopped_;
 }
 
-ssize_t x_shell::read(char* buffer, std::size_t size) {
-  pollfd place{pipe_.get(), POLLIN, 0};
-  while (!is_stopped()) {
-    const int ready = poll(&place, 1, look_ms);
-    if (ready > 0) return xfread(pipe_.get(), buffer, size);
-    if (ready < 0 && errno != EINTR) return -1;
-  }
-  return 0;
-}
-
-void xshell_run(const char* command, x_stop_asked_t stop_asked) {
+void xshell_run(const char* command, const x_stop_asked_t& stop_asked) {
   const pid_t process = start_shell(command);
   if (process < 0) return;
-  if (!wait_for(process, [&] { return stop_asked != nullptr && stop_asked(); })) end(process);
+  if (!wait_for(process, stop_asked)) end(process);
 }
 
 void x_run_program(const char* program, const char* argument) {

@@ -7,16 +7,12 @@
 #include <string>
 #include <string_view>
 
-#include "platform/files.h"
-
-// Asked again and again while a command runs; true ends it.
-using x_stop_asked_t = bool (*)();
+#include "platform/stoppable_input.h"
 
 // A shell command with its standard output, from its start on. The command that was stopped is
 // ended; what it left running in the background is not.
 class x_shell {
  public:
-  // `stop_asked` may be nullptr.
   x_shell(const char* command, x_stop_asked_t stop_asked);
   ~x_shell();  // waits for the end of the command
   x_shell(const x_shell&) = delete;
@@ -27,17 +23,14 @@ class x_shell {
   bool is_stopped();  // asks
 
  private:
-  ssize_t read(char* buffer, std::size_t size);
-
   x_stop_asked_t stop_asked_;
   bool stopped_ = false;
   pid_t process_ = -1;
-  x_descriptor pipe_;
   x_file output_;
 };
 
 // Runs the command and waits for it; its result is ignored.
-void xshell_run(const char* command, x_stop_asked_t stop_asked);
+void xshell_run(const char* command, const x_stop_asked_t& stop_asked);
 
 // Runs a program with one argument, without a shell, and waits for it; its result is ignored.
 void x_run_program(const char* program, const char* argument);

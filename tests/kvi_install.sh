@@ -1,6 +1,6 @@
 #!/bin/bash
 # Installs libkvi from a build folder and builds a client against it in the three ways a user may:
-# with the CMake package, and with pkg-config, shared and static.
+# with the CMake package, and with pkg-config, shared and static. Then loads its Python module.
 #   kvi_install.sh BUILD SOURCE
 set -e
 build=$1 source=$2
@@ -33,3 +33,11 @@ for way in cmake shared static; do
   [[ $answer == "list_nets: status "*"design/design_kv"* ]] || {
     echo "$way: $answer"; exit 1; }
 done
+
+# The module finds the library beside it.
+unset LD_LIBRARY_PATH
+PYTHONPATH=$(dirname "$(find "$work/prefix" -name kivo.py)") python3 -c '
+import kivo
+try: kivo.load("design")
+except kivo.Error as error: assert "design/design_kv" in str(error), error
+else: raise SystemExit("a damaged design was loaded")'

@@ -21,13 +21,12 @@ constexpr tool_t tool = {
     "  -a  sheets name their symbols by absolute paths, so that the design can be opened from\n"
     "      anywhere (default: paths relative to DIRECTORY)\n"
     "  --array  makes the design \"array\" instead, a memory of BLOCKS blocks of about 540 leaf\n"
-    "      instances, with N different cells (1..8, default 1)\n"
+    "      instances (up to 2000: a million), with N different cells (1..8, default 1), and tells\n"
+    "      how many records of each kind its netlist has\n"
     "  -q  prints messages about mistakes only\n"
     "The time in the files is that of SOURCE_DATE_EPOCH when it is set, else the present.\n"
     "  --help, --version\n"
     "The language of the descriptions is told in examples/README.md.\n"};
-
-constexpr int most_blocks = 500;
 
 // The whole text as a number of 1..most; 0 when it is none.
 int number_of(std::string_view text, int most) {
@@ -39,6 +38,18 @@ int number_of(std::string_view text, int most) {
 bool complain(const gxm_messages_t& messages) {
   for (const auto& message : messages) std::fprintf(stderr, "%s\n", message.c_str());
   return !messages.empty();
+}
+
+void tell_what_was_made(const std::filesystem::path& root, const std::vector<gxm_file_t>& files,
+                        int array_blocks) {
+  for (const auto& file : files)
+    std::printf("%s: %d objects\n", (root / file.directory / file.data_name()).c_str(),
+                file.file->object_id_max);
+  if (array_blocks == 0) return;
+  const auto counts = gxm_count_memory_array(array_blocks);
+  std::printf(
+      "its netlist: %d instances, %d pins, %d nets, %d net children, %d macros, %d macro pins\n",
+      counts.leaves, counts.pins, counts.nets, counts.net_childs, counts.macros, counts.macro_pins);
 }
 
 }  // namespace
@@ -57,11 +68,13 @@ int main(int argc, char** argv) try {
   const std::filesystem::path root = directory;
   gxm_input_t input;
   for (const auto word : words) gxm_parse_file(std::string(word), input);
+  int nb_blocks = 0;
   if (!blocks.empty()) {
-    const int nb_blocks = number_of(blocks, most_blocks), nb_variants = number_of(variants, 8);
+    nb_blocks = number_of(blocks, gxm_most_array_blocks);
+    const int nb_variants = number_of(variants, 8);
     if (nb_blocks == 0 || nb_variants == 0)
-      return tool_usage_error(
-          tool, "--array takes 1 to " + std::to_string(most_blocks) + " blocks, --variants 1 to 8");
+      return tool_usage_error(tool, "--array takes 1 to " + std::to_string(gxm_most_array_blocks) +
+                                        " blocks, --variants 1 to 8");
     gxm_parse_text(gxm_memory_array(nb_blocks, nb_variants), "array", input);
   }
   if (complain(input.messages)) return 1;
@@ -72,10 +85,7 @@ int main(int argc, char** argv) try {
   const auto files = gxm_build(input.design, options, messages);
   if (complain(messages)) return 1;
   gxm_write(files, root);
-  if (!quiet)
-    for (const auto& file : files)
-      std::printf("%s/%s.gx_1: %d objects\n", (root / file.directory).c_str(), file.base.c_str(),
-                  file.file->object_id_max);
+  if (!quiet) tell_what_was_made(root, files, nb_blocks);
   return tool_end(tool, 0);
 } catch (const std::exception& error) {
   tool_complain(tool, error.what());

@@ -137,28 +137,15 @@ void print_part(std::string_view name, std::string_view count, std::size_t size)
               static_cast<int>(count.size()), count.data(), size);
 }
 
-// The name of a counter in the general information.
-std::string_view counter_name(std::int32_t kv_general_info_record_t::*count) {
-  std::string_view name;
-  const auto look = [&](const auto& field) {
-    if constexpr (std::is_same_v<decltype(field.member), decltype(count)>) {
-      if (field.member == count) name = field.name;
-    }
-  };
-  std::apply([&](const auto&... field) { (look(field), ...); },
-             kv_layout<kv_general_info_record_t>::fields);
-  return name;
-}
-
 void print_format() {
   std::printf("### Parts\n\n| part | count | bytes of a record |\n|---|---|---|\n");
   std::printf("| general information | 1 | %zu |\n", kv_layout<kv_general_info_record_t>::size);
   for (const kv_list_part_t& part : kv_list_parts) {
-    print_part(part.name, counter_name(part.count), kv_layout<kv_prop_type_record_t>::size);
+    print_part(part.name, kv_count_name(part.count), kv_layout<kv_prop_type_record_t>::size);
   }
   kv_for_each_part([](const auto& part) {
     using record = typename std::remove_cvref_t<decltype(part)>::record;
-    print_part(part.name, counter_name(part.count), kv_layout<record>::size);
+    print_part(part.name, kv_count_name(part.count), kv_layout<record>::size);
   });
   print_layout<kv_general_info_record_t>("general information");
   print_layout<kv_prop_type_record_t>("property_instance, property_pin, property_net");

@@ -51,16 +51,19 @@ inline int tool_end(const tool_t& tool, int exit_status) {
   return 1;
 }
 
-// Reads the command line: options into their places, all else into `words`; what follows "--" is no
-// option. A status when the program is to end with it: it was asked about itself, or asked wrongly.
+// Reads the command line: options into their places, all else into `words`; what follows "--", or
+// the word that is number `last` (a script, whose words are its own), is no option. A status when
+// the program is to end with it: it was asked about itself, or asked wrongly.
 inline std::optional<int> tool_read(const tool_t& tool, int argc, char** argv,
                                     std::span<const tool_option_t> options,
-                                    std::vector<std::string_view>& words) {
+                                    std::vector<std::string_view>& words,
+                                    std::size_t last = std::string_view::npos) {
   bool options_end = false;
   for (int i = 1; i < argc; ++i) {
     const std::string_view word = argv[i];
     if (options_end || word.size() < 2 || word[0] != '-') {
       words.push_back(word);
+      options_end = options_end || words.size() == last;
       continue;
     }
     if (word == "--") {

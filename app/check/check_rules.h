@@ -1,64 +1,48 @@
 // The rules of CHEck SHEet: what the property vocabulary asks of instances, pins, nets and frames.
+// They look and tell; what becomes of a finding is the command's.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
-#include "app/check/check_reference.h"
-#include "app/language/commands.h"
+#include "app/check/rules.h"
 #include "gx/db/file_records.h"
-#include "gx/db/ids.h"
-#include "gx/text/message_list.h"
+#include "gx/db/files.h"
+#include "gx/db/owners.h"
 
-// The names of one kind in the order they were met.
-inline constexpr std::size_t kv_check_table_size = 999;
-
-// The views are those of the sheet's own records.
-struct kv_check_table_t {
-  std::vector<std::string_view> names;
-  bool overflowed = false;
-
-  // False when this is the first name that finds the table full.
-  bool add(std::string_view name) {
-    if (names.size() < kv_check_table_size) {
-      names.push_back(name);
-      return true;
-    }
-    const bool first = !overflowed;
-    overflowed = true;
-    return !first;
-  }
-  void clear() {
-    names.clear();
-    overflowed = false;
-  }
+// What CHEck SHEet selects of a finding: the object, the properties under it, or the whole net.
+struct kv_mark_t {
+  enum kind_t : std::uint8_t { object, properties, net } kind;
+  int id;
 };
 
-// One run of the check.
-struct kv_check_t {
-  gx_file_index_t file_index;
-  const gx_file_gene_recf_t& file;
-  kv_reference_file& reference;
-  int errors = 0, warnings = 0;
-  kv_check_table_t port_names, instance_names, net_names, frame_names;
-
-  // One line and one more error or warning; the lines with the details do not count.
-  template <typename... Part>
-  void error(const Part&... part) {
-    ++errors;
-    gx_tell(part...);
-  }
-  template <typename... Part>
-  void warning(const Part&... part) {
-    ++warnings;
-    gx_tell(part...);
-  }
+struct kv_sheet_finding_t {
+  kv_rule rule;
+  gx_owner_t where;                // an instance, one of its pins, a net, a frame; none: the sheet
+  std::vector<std::string> lines;  // as CHEck SHEet tells it
+  std::vector<kv_mark_t> marks = {};
+  bool is_further = false;  // of a name of the sheet that stands twice, but not the first
 };
 
-void kv_check_instances(kv_check_t& check);
-void kv_check_nets(kv_check_t& check);
-void kv_check_frames(kv_check_t& check);
-// Names met more than once over the sheet.
-void kv_check_instance_names(kv_check_t& check);
-void kv_check_net_names(kv_check_t& check);
+struct kv_symbol_reference_t {
+  int symbol;
+  std::string_view path;  // the sheet's own
+};
+
+struct kv_sheet_report_t {
+  std::vector<kv_sheet_finding_t> findings;
+  std::vector<kv_symbol_reference_t>
+      references;  // of each instance whose symbol is as it should be
+};
+
+// The references from symbols to their files, looked up once each.
+using kv_links_t = std::unordered_map<std::string, gx_link_test_t>;
+
+// All rules over a sheet that is whole (gx_sheet_fault). Changes nothing.
+kv_sheet_report_t kv_check_sheet(const gx_file_gene_recf_t& file, kv_links_t& links);
+
+// "I_12 ".
+std::string kv_label(std::string_view kind, int id);

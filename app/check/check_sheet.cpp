@@ -1,11 +1,11 @@
-// CHEck SHEet: the run over the sheet in the edit viewport, its reference file and its summary.
+// CHEck SHEet: the rules over the sheet in the edit viewport, its reference file and its summary.
 #include <string>
 #include <vector>
 
+#include "app/check/check_reference.h"
 #include "app/check/check_rules.h"
 #include "app/language/command_row.h"
 #include "app/sheet/command_viewport.h"
-#include "gx/db/owners.h"
 #include "gx/db/undo.h"
 #include "gx/display/draw.h"
 #include "gx/text/debug.h"
@@ -22,15 +22,27 @@ void show_unwritable(const std::string& path) {
   gx_tell(" !! \"", path, "\" ");
 }
 
-// Symbols that no instance names leave the sheet.
-void delete_unused_symbols(const kv_check_t& check) {
-  std::vector<bool> used(static_cast<std::size_t>(check.file.object_id_max) + 1);
-  for (const int inst : lb_instances(check.file)) {
-    used[static_cast<std::size_t>(gx_instance_info_ptr(check.file, inst).symbol)] = true;
+void select(const kv_view_t& view, const kv_mark_t& mark) {
+  switch (mark.kind) {
+    case kv_mark_t::object:
+      return gx_set_object_selected(view.file(), mark.id, true);
+    case kv_mark_t::properties:
+      return gx_set_child_selected(view.file(), mark.id, true);
+    case kv_mark_t::net:
+      return lb_select_net(view.file_index, mark.id);
   }
-  for (const int symbol : lb_symbols(check.file)) {
-    if (!used[static_cast<std::size_t>(symbol)] && !gx_inq_object_deleted(check.file, symbol)) {
-      lb_delete_symbol_prim(check.file_index, symbol);
+}
+
+// Symbols that no instance names leave the sheet.
+void delete_unused_symbols(const kv_view_t& view) {
+  const auto& file = view.file();
+  std::vector<bool> used(static_cast<std::size_t>(file.object_id_max) + 1);
+  for (const int inst : lb_instances(file)) {
+    used[static_cast<std::size_t>(gx_instance_info_ptr(file, inst).symbol)] = true;
+  }
+  for (const int symbol : lb_symbols(file)) {
+    if (!used[static_cast<std::size_t>(symbol)] && !gx_inq_object_deleted(file, symbol)) {
+      lb_delete_symbol_prim(view.file_index, symbol);
     }
   }
 }
@@ -50,16 +62,20 @@ void kv_check_sheet_cmd(const kv_command_t& command) {
   if (!reference.is_open()) return show_unwritable(reference.path());
 
   gx_undo_define_new_step();
-  kv_check_t check = {view.file_index, view.file(), reference, 0, 0, {}, {}, {}, {}};
-  kv_check_instances(check);
-  kv_check_instance_names(check);
-  kv_check_nets(check);
-  kv_check_frames(check);
-  kv_check_net_names(check);
-  delete_unused_symbols(check);
+  kv_links_t links;
+  const auto report = kv_check_sheet(view.file(), links);
+  int errors = 0, warnings = 0;
+  for (const auto& finding : report.findings) {
+    if (finding.is_further) continue;
+    ++(kv_row_of(finding.rule).severity == kv_severity::error ? errors : warnings);
+    for (const auto& line : finding.lines) gx_tell_as(gx_line_kind::detail, line);
+    for (const auto& mark : finding.marks) select(view, mark);
+  }
+  for (const auto& [symbol, path] : report.references) reference.add_symbol(symbol, path);
+  delete_unused_symbols(view);
 
-  show_count("nb_error    = ", "nb_errors   = ", check.errors);
-  show_count("nb_warning  = ", "nb_warnings = ", check.warnings);
+  show_count("nb_error    = ", "nb_errors   = ", errors);
+  show_count("nb_warning  = ", "nb_warnings = ", warnings);
   kv_echo(" CHEck  SHEet ", command, 3);
   if (!reference.finish()) show_unwritable(reference.path());
   kv_redraw_views();

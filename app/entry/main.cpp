@@ -1,20 +1,39 @@
-// The program entry: checks the design directory before anything is opened in it.
+// The program entry: options and what they lead to; the window's session, whose design directory is
+// checked before anything is opened in it.
 #include <fcntl.h>
 #include <signal.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <new>
+#include <span>
+#include <string_view>
+#include <vector>
 
+#include "app/session/batch.h"
 #include "app/session/installation.h"
 #include "app/session/root.h"
 #include "gx/text/status.h"
 #include "gx/vext.h"
 #include "platform/raw_files.h"
-#include "platform/stop_signals.h"
 #include "platform/timing.h"
+#include "tools/usage.h"
 
 namespace {
+constexpr tool_t program = {
+    "kivo",
+    "usage: kivo DESIGN [DO-FILE [ARGUMENT]...]\n"
+    "       kivo --batch [-q] [--strict] DESIGN DO-FILE [ARGUMENT]...\n"
+    "Opens the design directory DESIGN in a window on the X display and runs the commands of\n"
+    "DO-FILE, in which $ARG1 to $ARG28 stand for the ARGUMENTs.\n"
+    "  --batch      without a window: runs the commands, prints what they answer and ends; a\n"
+    "               DO-FILE \"-\" is standard input, each line answered at once\n"
+    "  -q, --quiet  prints only errors and warnings\n"
+    "  --strict     takes warnings as errors\n"
+    "  --help, --version\n"
+    "Exit status of a batch: 0 no error, 1 errors, 2 nothing to begin with, 3 a fatal stop.\n"};
+
 constexpr int max_echo = 128;
 constexpr char no_directory[] = " !! Unrecoverable Error : the file :'%s' is not a  directory ? \n";
 constexpr char not_readable[] =
@@ -48,11 +67,44 @@ void survive_broken_pipes() {
 // What is open is closed with what it holds.
 void end_without_memory() {
   std::set_new_handler(nullptr);
-  gx_end_process("\n !! Unrecoverable Error : no memory left ", 1);
+  gx_end_process("\n !! Unrecoverable Error : no memory left ",
+                 gx_vext.batch ? gx_batch_stop_status : 1);
+}
+
+// No file of a session takes the place of a standard stream that the caller has closed: one that
+// can neither be read nor written does, so that using it is an error.
+void hold_standard_streams() {
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(stream, F_GETFD) >= 0) continue;
+    [[maybe_unused]] const int held = open("/dev/null", O_PATH);
+  }
+}
+
+// With options: a batch, or an answer about the program itself.
+int run_with_options(int argc, char** argv) {
+  bool is_batch = false;
+  kv_batch_t batch{.program = argv[0]};
+  std::vector<std::string_view> words;
+  const tool_option_t options[] = {{.name = "--batch", .flag = &is_batch},
+                                   {.name = "--quiet", .flag = &batch.quiet},
+                                   {.name = "-q", .flag = &batch.quiet},
+                                   {.name = "--strict", .flag = &batch.strict}};
+  if (const auto ended = tool_read(program, argc, argv, options, words, 2)) return *ended;
+  if (!is_batch) return tool_usage_error(program, "options are for --batch");
+  if (words.size() < 2) return tool_usage_error(program, "--batch wants a DESIGN and a DO-FILE");
+  batch.design = words[0];
+  batch.do_file = words[1];
+  batch.arguments = std::span(words).subspan(2);
+  survive_broken_pipes();
+  kv_find_installation("/proc/self/exe");
+  return kv_run_batch(batch);
 }
 }  // namespace
 
 int main(int argc, char** argv) {
+  hold_standard_streams();
+  std::set_new_handler(end_without_memory);
+  if (argc > 1 && argv[1][0] == '-' && argv[1][1] != 0) return run_with_options(argc, argv);
   gx_vext.debugfile = nullptr;
   gx_vext.cursessfile = nullptr;
   if (argc < 1) {
@@ -68,8 +120,6 @@ int main(int argc, char** argv) {
   check_opening(design, O_RDONLY | O_DIRECTORY, not_readable);
   survive_broken_pipes();
   kv_find_installation("/proc/self/exe");
-  std::set_new_handler(end_without_memory);
   kivo_root(argc, argv);
-  constexpr int ended_by_signal = 128;
-  return x_stop_signal() == 0 ? 0 : ended_by_signal + x_stop_signal();
+  return kv_exit_status(0);
 }

@@ -16,8 +16,9 @@ void kv_echo(std::string_view keyword, const kv_command_t& command, int first) {
 
 void kv_refuse(std::string_view keyword, const kv_command_t& command, std::string_view error,
                int first) {
+  const bool warns = gx_kind_of_line(error) == gx_line_kind::warning;
   kv_echo(keyword, command, first);
-  gx_display_list(error);
+  gx_display_list(error, warns ? gx_line_kind::warning : gx_line_kind::error);
 }
 
 gx_string_record_t kv_unquote(std::string_view text) {

@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "app/language/command_table.h"
+#include "app/language/do_file.h"
 #include "app/sheet/command_viewport.h"
 #include "gx/db/files.h"
 #include "gx/display/events.h"
@@ -21,22 +22,9 @@
 #include "platform/words.h"
 
 namespace {
-constexpr std::int16_t max_do_depth = 10;
 constexpr int key_press = 0;
 constexpr std::uint32_t keysym_a = 97;
 constexpr std::uint32_t control = 4;
-
-// The tables of one command file; too large to lie on the stack at every level.
-struct tables_t {
-  kv_array_param_t args, vars;
-};
-
-std::unique_ptr<tables_t> tables_of(const kv_command_t& command) {
-  auto tables = std::make_unique<tables_t>();
-  const auto values = command.words.subspan(std::min<std::size_t>(2, command.words.size()));
-  std::copy(values.begin(), values.end(), tables->args.begin());
-  return tables;
-}
 
 // How the two procedure commands differ.
 struct procedure_command_t {
@@ -59,21 +47,21 @@ void call_procedure(const procedure_command_t& kind, const kv_command_t& command
   gx_concat_all(symbol, kind.prefix, command.word(2));
   const auto address = xm_get_extid_offset(executable.char_, symbol.char_, entry_section);
   if (address == 0) {
-    ++gx_vext.num_errors;
+    gx_count_error();
     gx_debug(kind.not_found, static_cast<int>(command.word(2).size()), command.word(2).data());
     kv_echo(kind.keyword, command);
     return gx_tell("# !!! Error : Procedure Entry not found : \"", command.word(2), "\" ");
   }
   kv_echo(kind.keyword, command);
   // Entry 0 holds a blank and word 3, entry k word k + 3.
-  const auto tables = tables_of(command);
+  const auto args = kv_arguments(command);
   auto count = static_cast<std::int16_t>(command.count() - 2);
   if (count > 0) {
     gx_string_record_t first = gx_string(" ");
-    gx_concat_line(tables->args[0], first);
-    tables->args[0] = first;
+    gx_concat_line(args->front(), first);
+    args->front() = first;
   }
-  xprocargexe(address, &count, tables->args.data());
+  xprocargexe(address, &count, args->data());
   if (kind.end.empty()) {
     kv_echo(kind.keyword, command);
   } else {
@@ -115,34 +103,6 @@ std::string help_file_of(std::string_view typed) {
     }
   }
   return file;
-}
-
-void kv_do_cmd(const kv_command_t& command) {
-  constexpr std::string_view keyword = "# DO ";
-  const std::string_view name = kv_file_name(command.word(2));
-  const auto depth = static_cast<std::int16_t>(std::max<int>(gx_vext.do_ind, 0) + 1);
-  if (depth > max_do_depth) {
-    ++gx_vext.num_errors;
-    kv_echo(keyword, command);
-    return gx_tell("# !!! Error : too many level of DO FILE : \"", name, "\" ");
-  }
-  gx_vext.do_ind = depth;
-  std::FILE* file = gx_popen_file(name, 'R', true);
-  if (file == nullptr) {
-    ++gx_vext.num_errors;
-    kv_echo(keyword, command);
-    return gx_tell("# !!! Error : file not found : \"", name, "\" ");
-  }
-  auto& slot = gx_vext.commandfile[static_cast<std::size_t>(depth - 1)];
-  slot = file;
-  const auto tables = tables_of(command);
-  kv_echo(keyword, command);
-  for (gx_string_record_t line; !kv_stop_asked() && gx_read_one_line(file, line);)
-    kv_process_command(line, tables->args, tables->vars);
-  std::fclose(file);
-  slot = nullptr;
-  --gx_vext.do_ind;
-  gx_tell("# End of DO ");
 }
 
 void kv_dobin_cmd(const kv_command_t& command) { call_procedure(dobin, command); }

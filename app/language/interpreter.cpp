@@ -45,12 +45,12 @@ void substitute(gx_string_record_t& piece, std::string_view letters,
   piece = result.text;
   if (result.valid) return;
   gx_tell("# Error on : \"", gx_view(piece), "\" ");
-  gx_tell("# Found invalid ", letters, "(n) in command line ");
+  gx_tell_as(gx_line_kind::detail, "# Found invalid ", letters, "(n) in command line ");
 }
 
 void show_unknown(const gx_string_record_t& piece) {
   gx_tell("#  !!! Unknown Command  ?? ");
-  gx_tell("# \"", gx_view(piece), "\" ");
+  gx_tell_as(gx_line_kind::detail, "# \"", gx_view(piece), "\" ");
 }
 
 bool is_quote(char c) { return c == '\'' || c == '"'; }
@@ -163,7 +163,7 @@ void kv_process_command(const gx_string_record_t& line, kv_array_param_t& args,
   gx_debug(" KV_PROCESS_COMMAND :  cmd :\"%.*s\"\n", text.len, text.char_);
   const depth_guard guard;
   if (guard.depth > max_depth) {
-    ++gx_vext.num_errors;
+    gx_count_error();
     gx_tell("# !!! Error : too many nested commands : \"", gx_view(text), "\" ");
     return;
   }

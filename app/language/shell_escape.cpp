@@ -45,7 +45,7 @@ std::string shell_command(std::string_view text) {
 }
 
 void wait_and_sync(std::int32_t ms) {
-  xdelayms(ms);
+  if (!gx_vext.batch) xdelayms(ms);
   gx_sync();
 }
 
@@ -62,7 +62,7 @@ void kv_exec_cmd(std::string_view text) {
   wait_and_sync(before_start_ms);
   auto shell = std::make_unique<x_shell>(command.c_str(), kv_stop_asked);
   if (shell->output() == nullptr) {
-    ++gx_vext.num_errors;
+    gx_count_error();
     gx_tell("# !!! Error :  Command not found or not executable ?? ");
     gx_tell("# !!!  \"", command, "\" ");
     return refuse(command);

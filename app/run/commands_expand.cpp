@@ -143,10 +143,14 @@ void kv_run_cmd(const kv_command_t&) {
     gx_tell("# RUN ");
     return gx_tell(kv_no_sheet);
   }
-  kv_set_run_watcher(kv_watch_run);
-  const kv_run_result result = kv_run_expansion(
-      {kv_sext, kv_sext, kv_pext.arrayof_file, kv_pext.expand_level, kv_pext.macro_level},
-      kv_sext.designfile, kv_pext.gen_data);
+  const kv_run_result result = kv_run_expansion({.setup = kv_sext,
+                                                 .design = kv_sext,
+                                                 .sheets = kv_pext.arrayof_file,
+                                                 .expand_level = kv_pext.expand_level,
+                                                 .macro_level = kv_pext.macro_level,
+                                                 .watcher = kv_watch_run,
+                                                 .origins = &kv_sext.origins},
+                                                kv_sext.designfile, kv_pext.gen_data);
   if (result == kv_run_result::done || result == kv_run_result::write_failed) anchor_sim_path();
 }
 

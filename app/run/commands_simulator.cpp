@@ -63,14 +63,14 @@ void plot_request::add_net(int net) {
   const std::int32_t flat_net = kv_find_net_rel(sheet_path(), name);
   if (flat_net == 0) {
     kv_refuse("# Give ", command_, "# !! Error : Net NOT FOUND ? ");
-    return gx_tell("# Net : \"", name, "\"");
+    return gx_tell_as(gx_line_kind::detail, "# Net : \"", name, "\"");
   }
   add_item(kv_simulator_name(kv_string_view(kv_ptrto_net_rec(flat_net).sim_path)));
 }
 
 void tell_pin_not_found(std::string_view inst_name, std::string_view pin_name) {
   gx_tell("# !! Error :  Pin NOT FOUND in Data Base? ");
-  gx_tell("# INST : \"", inst_name, "\" PIN : \"", pin_name, "\"");
+  gx_tell_as(gx_line_kind::detail, "# INST : \"", inst_name, "\" PIN : \"", pin_name, "\"");
 }
 
 void plot_request::add_pin(std::string_view inst_name, std::string_view pin_name) {
@@ -120,8 +120,8 @@ void plot_request::add_pins(int inst) {
     if (!name) name = lb_get_valueof_prop_pinpropfam(file_, pair.pinpropfam, "PIN");
     if (!name || name->len == 0) {
       gx_tell("# !! Error : Property 'PIN' NOT FOUND on pin selected ? ");
-      gx_tell("# INST : \"", inst_name, "\" Pin selected : \"P_", std::to_string(pair.pinpropfam),
-              "\"");
+      gx_tell_as(gx_line_kind::detail, "# INST : \"", inst_name, "\" Pin selected : \"P_",
+                 std::to_string(pair.pinpropfam), "\"");
       continue;
     }
     any_named = true;

@@ -1,6 +1,9 @@
 #include "app/run/run_progress.h"
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <cstdio>
 #include <string>
 
 #include "app/language/commands.h"
@@ -14,8 +17,16 @@ namespace {
 
 constexpr double patience = 2;  // seconds
 
+// Where nobody looks at a window somebody may look at a terminal: there the line is written over
+// the one before it.
+void show_on_terminal(std::string_view line) {
+  if (isatty(STDERR_FILENO) == 0) return;
+  std::fprintf(stderr, "\r%.*s\033[K", static_cast<int>(line.size()), line.data());
+}
+
 void show(std::string_view line) {
   const auto& v = gx_vext;
+  if (v.batch) return show_on_terminal(line);
   if (!gx_drawing_possible() || !gx_viewport_ok(v.viewport_cmd)) return;
   {
     const gx_batch_t batch;
@@ -27,7 +38,9 @@ void show(std::string_view line) {
 }  // namespace
 
 bool kv_watch_run(const kv_progress_t& progress) {
+  if (gx_vext.batch) std::fflush(stdout);  // the lines told so far
   if (progress.ended) {
+    if (gx_vext.batch && progress.seconds >= patience) show_on_terminal("");
     gx_display_cmd(gx_view(gx_vext.str_cmd));
     return true;
   }

@@ -4,5 +4,5 @@
 
 #include "expand/run.h"
 
-// The watcher of runs (kv_set_run_watcher). It shows nothing of a run that does not last 2 seconds.
+// The watcher of runs (kv_run_t). It shows nothing of a run that does not last 2 seconds.
 bool kv_watch_run(const kv_progress_t& progress);

@@ -9,6 +9,7 @@
 
 namespace {
 constexpr std::string_view bad_second = "# !! Error :  2nd parameter incorrect ? ";
+constexpr std::string_view nobody = "# !! Error : There is no user to answer ? ";
 
 void set_command_line(const gx_string_record_t& line) {
   gx_vext.str_cmd = line;
@@ -18,10 +19,10 @@ void set_command_line(const gx_string_record_t& line) {
 // Puts the question on the command line; the line that the user completes is the command of the
 // answer. Returns when that line was entered.
 void ask(const kv_command_t& command) {
+  if (gx_vext.dpy == nullptr) return kv_refuse("# READln ", command, nobody);
   gx_string_record_t line;
   gx_concat_all(line, " READln ", command.word(2), " ", command.word(3), " ");
   set_command_line(line);
-  if (gx_vext.dpy == nullptr) return;  // nobody can answer
   kv_array_param_t args;
   kv_process_events(false, args, command.vars);
 }

@@ -8,7 +8,7 @@
 #include <optional>
 #include <string>
 
-#include "app/language/commands.h"
+#include "app/language/do_file.h"
 #include "app/session/gestures.h"
 #include "app/session/menu_actions.h"
 #include "app/sheet/views.h"
@@ -65,7 +65,7 @@ struct cleared_screen_t {
 // The text is a copy: the command may replace the binding it came from.
 void run_command(loop_t& loop, gx_string_record_t line) {
   const cleared_screen_t cleared;
-  kv_process_command(line, loop.args, loop.vars);
+  kv_process_line(line, loop.args, loop.vars);
 }
 
 void run_binding(loop_t& loop, const gx_string_record_t& action) {
@@ -378,7 +378,7 @@ void kv_ascii_action(std::uint32_t keysym, kv_array_param_t& args, kv_array_para
     if (is_blank(line)) return;
     const gx_string_record_t typed = line;
     gx_set_command_line("");
-    kv_process_command(typed, args, vars);
+    kv_process_line(typed, args, vars);
     return;
   }
   if (!is_printable(keysym)) {

@@ -12,6 +12,7 @@
 #include "gx/text/arguments.h"
 #include "gx/text/date.h"
 #include "gx/text/debug.h"
+#include "gx/text/message_list.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
 #include "platform/raw_files.h"
@@ -30,41 +31,59 @@ gx_string_record_t design_path() {
 
 void print_version(std::FILE* to) { std::fprintf(to, "\n%12s%50s\n\n", "", version_text); }
 
-void print_summary() {
+void print_banner(const gx_date_t& date) {
+  std::printf("%28s date : %d-%d-%d\n\n", "", date.day, date.month, date.year);
+  std::printf("%23sexpand editor  from VELMORAN \n", "");
+}
+}  // namespace
+
+int kv_exit_status(int without_signal) {
+  constexpr int ended_by_signal = 128;
+  return x_stop_signal() == 0 ? without_signal : ended_by_signal + x_stop_signal();
+}
+
+void kv_print_summary() {
   if (const int signal = x_stop_signal(); signal != 0)
     std::printf("\n !! Ended by signal %d : %s\n", signal, strsignal(signal));
   const int errors = gx_vext.num_errors, warnings = gx_vext.num_warnings;
   std::printf("\n -- KIVO  Execution complete...%d %s, %d %s --\n", errors,
               errors < 2 ? "error" : "errors", warnings, warnings < 2 ? "warning" : "warnings");
 }
-}  // namespace
+
+void kv_refuse_run(const std::string& message, int window_status) {
+  if (!gx_vext.batch) {
+    std::printf("%s\n", message.c_str());
+    std::exit(window_status);
+  }
+  std::fflush(stdout);
+  std::fprintf(stderr, "kivo: %s\n", message.c_str());
+  std::exit(kv_unusable_status);
+}
 
 void kv_open_debug_file() {
   const gx_string_record_t design = design_path();
   if (design.len == 0) {
-    ++gx_vext.num_errors;
-    std::printf("\n        !!! error no SHEET dir_name  \n");
-    std::exit(0);
+    gx_count_error();
+    kv_refuse_run("\n        !!! error no SHEET dir_name  ", 0);
   }
   const gx_date_t date = gx_get_date();
-  std::printf("%28s date : %d-%d-%d\n\n", "", date.day, date.month, date.year);
-  std::printf("%23sexpand editor  from VELMORAN \n", "");
+  if (!gx_vext.batch) print_banner(date);
 
   gx_string_record_t name = design;
   gx_concat_const("/debug_kivo", name);
   const x_descriptor created(xfopen(name.char_, O_RDWR | O_CREAT | O_CLOEXEC, debug_file_mode));
   gx_vext.debugfile = created ? std::fopen(name.char_, "we") : nullptr;
   if (gx_vext.debugfile == nullptr) {
-    ++gx_vext.num_errors;
-    std::printf("!!! ( kivo_root ) impossible to open debugfile_name  : \"%.*s\" \n", name.len,
-                name.char_);
-    std::exit(0);
+    gx_count_error();
+    kv_refuse_run("!!! ( kivo_root ) impossible to open debugfile_name  : \"" +
+                      std::string(gx_view(name)) + "\" ",
+                  0);
   }
   gx_debug(" kivo_root : strfile_name   : \"%s\" \n", design.char_);
   gx_debug("# kivo_root : debugfile_name : \"%.*s\"\n", name.len, name.char_);
   gx_debug("\n# INITIALIZE : date : %d-%d-%d**%d-%d\n\n", date.day, date.month, date.year,
            date.hour, date.minute);
-  print_version(stdout);
+  if (!gx_vext.batch) print_version(stdout);
   print_version(gx_vext.debugfile);
 }
 
@@ -91,8 +110,7 @@ void kivo_root(int argc, char** argv) {
   gx_debug("# INITIALIZE pathname : \"%.*s\"\n", design.len, design.char_);
   initparam_before();
 
-  kv_open_session();
-  if (gx_vext.num_errors == 0) kv_run_session();
+  if (kv_open_session()) kv_run_session();
   kv_finish_session();
-  print_summary();
+  kv_print_summary();
 }

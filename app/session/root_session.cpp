@@ -2,11 +2,13 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <string>
 #include <utility>
+#include <vector>
 
-#include "app/language/commands.h"
+#include "app/language/do_file.h"
 #include "app/session/event_loop.h"
 #include "app/session/root.h"
 #include "app/sheet/views.h"
@@ -31,6 +33,7 @@
 #include "gx/text/strings.h"
 #include "gx/text/text_files.h"
 #include "gx/vext.h"
+#include "platform/files.h"
 #include "platform/stop_signals.h"
 
 namespace {
@@ -48,11 +51,17 @@ gx_string_record_t design_file(std::string_view name) {
   return path;
 }
 
+std::string quoted(const gx_string_record_t& text) {
+  return "\"" + std::string(gx_view(text)) + "\"";
+}
+
 // A failure that leaves nothing to run.
-[[noreturn]] void refuse_start(const char* what, const gx_string_record_t& name, gx_code code) {
+[[noreturn]] void refuse_start(const char* what, const gx_string_record_t& name,
+                               const std::string& why) {
   gx_debug("!!! ( INITIALIZE ) %s  : \"%.*s\" \n", what, name.len, name.char_);
-  ++gx_vext.num_errors;
-  gx_set_status(code);
+  gx_count_error();
+  if (gx_vext.batch) kv_refuse_run(std::string(what) + " : " + quoted(name) + " : " + why, 0);
+  gx_set_status(gx_code::file_data_invalid);
 }
 
 void debug_names(const gx_string_record_t& design) {
@@ -64,7 +73,11 @@ void open_window(const gx_string_record_t& design) {
   gx_string_record_t title = gx_string("kivo  ");
   gx_concat_line(design, title);
   const auto viewports = set_viewports();
-  gx_init(viewports, gx_view(title));
+  if (gx_vext.batch) {
+    gx_init_noview(viewports);
+  } else {
+    gx_init(viewports, gx_view(title));
+  }
   gx_debug(" Init of GX package : bitmap_size : %d  %d   nplane : %d\n", gx_vext.bitmap_size.x,
            gx_vext.bitmap_size.y, gx_number_of_planes());
   gx_vext.nb_line_in_listviewp = lines_in_view;
@@ -76,11 +89,13 @@ void open_transcript() {
   const gx_string_record_t name = gx_vext.cursessname = design_file("/current_session");
   gx_vext.cursessfile = gx_popen_file(gx_view(name), 'W', false);
   if (gx_vext.cursessfile == nullptr) {
-    std::printf("!!! ( INITIALIZE ) %s  : \"%.*s\" \n", failure, name.len, name.char_);
-    refuse_start(failure, name, gx_code::file_data_invalid);
+    const std::string why = x_why(errno);
+    if (!gx_vext.batch)
+      std::printf("!!! ( INITIALIZE ) %s  : \"%.*s\" \n", failure, name.len, name.char_);
+    refuse_start(failure, name, why);
   }
   // A transcript is read while the session goes on, and after one that ended badly.
-  std::setvbuf(gx_vext.cursessfile, nullptr, _IOLBF, BUFSIZ);
+  if (!gx_vext.batch) std::setvbuf(gx_vext.cursessfile, nullptr, _IOLBF, BUFSIZ);
 }
 
 void open_outputs() {
@@ -88,14 +103,14 @@ void open_outputs() {
   std::string why;
   kv_sext.designfile = kv_open_design_file(std::string(gx_view(design)), why);
   if (kv_sext.designfile < 0) {
-    std::printf("!! Error : \"%.*s\" : %s\n", design.len, design.char_, why.c_str());
-    refuse_start("impossible to open  designfile_name", design, gx_code::file_data_invalid);
+    if (!gx_vext.batch)
+      std::printf("!! Error : \"%.*s\" : %s\n", design.len, design.char_, why.c_str());
+    refuse_start("impossible to open  designfile_name", design, why);
   }
 
   const gx_string_record_t trace = gx_string("debug_kivo2");
   kv_debf = gx_popen_file(gx_view(trace), 'W', false);
-  if (kv_debf == nullptr)
-    refuse_start("impossible to open  DEBUG file  2 ", trace, gx_code::file_data_invalid);
+  if (kv_debf == nullptr) refuse_start("impossible to open  DEBUG file  2 ", trace, x_why(errno));
 }
 
 void take_start_up_file() {
@@ -104,7 +119,8 @@ void take_start_up_file() {
   auto& count = kv_pext.nb_of_ext_arg;
   for (auto& argument : kv_pext.ext_arg) {
     gx_get_arg(4 + count, argument);
-    if (argument.len == 0) break;
+    if (argument.len == 0 && !gx_vext.batch) break;
+    if (4 + count > gx_vext.nb_arg_comline) break;
     ++count;
   }
 }
@@ -114,10 +130,12 @@ bool open_primary_sheet(const gx_string_record_t& design) {
   auto& level1 = kv_pext.arrayof_file[0];
   kv_pext.file_level_max = kv_pext.file_level_cur = 1;
   std::string why;
-  level1.file_index = gx_file_open_sound(gx_view(design), sheet_type, why);
+  level1.file_index = gx_vext.batch ? gx_file_try_open(gx_view(design), sheet_type, why)
+                                    : gx_file_open_sound(gx_view(design), sheet_type, why);
   if (level1.file_index == 0) {
+    if (gx_vext.batch) kv_refuse_run(why, 0);
     std::printf("!! error in open file : %s\n", why.c_str());
-    ++gx_vext.num_errors;
+    gx_count_error();
     gx_debug("!!! error : INITIALIZE  : %s\n", why.c_str());
     return false;
   }
@@ -133,8 +151,9 @@ bool show_whether_whole(const gx_file_gene_recf_t& sheet) {
   const std::string fault = gx_sheet_fault(sheet);
   if (fault.empty()) return true;
   const auto& path = gx_vext.filear[static_cast<std::size_t>(sheet.file_index)].file_pathname;
-  std::printf("!! error : Sheet not whole : \"%.*s\" : %s\n", path.len, path.char_, fault.c_str());
-  ++gx_vext.num_errors;
+  std::fprintf(gx_vext.batch ? stderr : stdout, "!! error : Sheet not whole : \"%.*s\" : %s\n",
+               path.len, path.char_, fault.c_str());
+  gx_count_error();
   gx_debug("!!! error : INITIALIZE  : \"%.*s\" : %s\n", path.len, path.char_, fault.c_str());
   return false;
 }
@@ -149,12 +168,13 @@ bool show_whether_sheet(const gx_string_record_t& design) {
   if (primary < 0 || primary > sheet.object_id_max) {
     gx_debug_line("!!! ( INITIALIZE ) INVALID FILE : primary \"");
     debug_names(design);
-    ++gx_vext.num_errors;
+    gx_count_error();
     gx_set_status(gx_code::invalid_string);
   }
   if (primary != 0) return show_whether_whole(sheet);
-  std::printf("!! error : No sheet Found : \"%.*s\"\n", design.len, design.char_);
-  ++gx_vext.num_errors;
+  std::fprintf(gx_vext.batch ? stderr : stdout, "!! error : No sheet Found : \"%.*s\"\n",
+               design.len, design.char_);
+  gx_count_error();
   gx_debug_line("!!! error : INITIALIZE  : no primary \"");
   debug_names(design);
   return false;
@@ -192,21 +212,13 @@ void show_first_picture() {
   gx_draw_new_viewport_border(gx_vext.viewport_edit, active_border_width, active_border_color);
 }
 
-void run_start_up_file() {
-  if (kv_pext.init_do_file.len == 0) return;
-  gx_string_record_t command;
-  gx_concat_all(command, " DO ", gx_view(kv_pext.init_do_file), " ");
-  for (int i = 0; i < kv_pext.nb_of_ext_arg; ++i)
-    gx_concat_all(command, gx_view(kv_pext.ext_arg[static_cast<std::size_t>(i)]), " ");
-  kv_process_command(command, kv_pext.ext_arg, kv_pext.top_var);
-}
-
-void close_file(std::FILE*& file) {
-  if (file != nullptr) std::fclose(std::exchange(file, nullptr));
+// False when not all that was written reached the file.
+bool close_file(std::FILE*& file) {
+  return file == nullptr || x_close(x_file(std::exchange(file, nullptr)));
 }
 }  // namespace
 
-void kv_open_session() {
+bool kv_open_session() {
   const gx_string_record_t design = design_file("");
   open_window(design);
   x_watch_stop_signals();  // up to here there is nothing to end in order
@@ -215,23 +227,37 @@ void kv_open_session() {
   gx_debug("# INITIALIZE :  KV_INIT_MENU_ACTION    done \n");
   open_outputs();
   take_start_up_file();
-  if (open_primary_sheet(design) && show_whether_sheet(design)) prepare_sheet();
+  const bool has_sheet = open_primary_sheet(design) && show_whether_sheet(design);
+  if (has_sheet) prepare_sheet();
   debug_roles();
+  return has_sheet;
 }
 
-void kv_run_session() {
+void kv_begin_session() {
   gx_undo_init(kv_pext.file_id_cur);
   gx_vext.str_cmd = {};
   gx_display_cmd("");
   gx_display_list("# KIVO  version 2.02");
   gx_vext.base_point = gx_vext.obj_pos;
   show_first_picture();
-  run_start_up_file();
+}
+
+void kv_run_start_up_file() {
+  if (kv_pext.init_do_file.len == 0) return;
+  std::vector<gx_string_record_t> words = {kv_pext.init_do_file};
+  const auto first = kv_pext.ext_arg.begin();
+  words.insert(words.end(), first, first + kv_pext.nb_of_ext_arg);
+  kv_do_words(words, kv_pext.ext_arg, kv_pext.top_var);
+}
+
+void kv_run_session() {
+  kv_begin_session();
+  kv_run_start_up_file();
   gx_vext.all_init_done = true;
   if (!gx_vext.end_flag) kv_process_events(true, kv_pext.ext_arg, kv_pext.top_var);
 }
 
-void kv_finish_session() {
+bool kv_finish_session() {
   gx_debug("%s\n@@ start of FINALISE @@@@@\n%s\n", fence, fence);
   if (kv_sext.designfile >= 0) close(std::exchange(kv_sext.designfile, -1));
   for (int level = 1; level <= kv_pext.file_level_max; ++level)
@@ -243,6 +269,6 @@ void kv_finish_session() {
   gx_terminate();
   gx_debug_line("@@@@@@ FINALIZE  after gx_terminate  ");
   close_file(kv_debf);
-  close_file(gx_vext.cursessfile);
   close_file(gx_vext.debugfile);
+  return close_file(gx_vext.cursessfile);
 }

@@ -1,7 +1,8 @@
 // The state of a fresh session, and the user's files that change its menus and keys.
 #include <cstdio>
+#include <string>
 
-#include "app/language/commands.h"
+#include "app/language/do_file.h"
 #include "app/session/event_loop.h"
 #include "gx/display/menus.h"
 #include "gx/text/debug.h"
@@ -72,10 +73,8 @@ void run_user_files() {
 
   trace_file("!!! init_key  file  \"%.*s\" \n", key_file);
   if (!can_be_read(key_file)) return;
-  gx_string_record_t command = gx_string(" DO ");
-  gx_concat_all(command, key_file, " ");
   kv_array_param_t args, vars;
-  kv_process_command(command, args, vars);
+  kv_process_line(gx_string(" DO " + std::string(key_file) + " "), args, vars);
 }
 
 }  // namespace

@@ -1,17 +1,12 @@
 // VIEw DOWn and VIEw UP: the edit viewport moves through the hierarchy of sheets, and the
 // simulation path with it.
-#include <algorithm>
-#include <optional>
 #include <string>
 
 #include "app/language/command_row.h"
 #include "app/sheet/command_viewport.h"
-#include "app/sheet/sheet_files.h"
-#include "app/sheet/views.h"
-#include "gx/db/files.h"
+#include "app/sheet/walk.h"
 #include "gx/db/object_access.h"
 #include "gx/db/queries.h"
-#include "gx/db/sheet_shape.h"
 #include "gx/text/debug.h"
 #include "gx/text/message_list.h"
 #include "gx/text/strings.h"
@@ -19,18 +14,13 @@
 
 namespace {
 
-bool is_level(int level) { return level >= 1 && level <= kv_max_levels; }
 bool is_file(int file_index) { return file_index >= 1 && file_index <= gx_max_files; }
-
-kv_file_record_t& at_level(int level) {
-  return kv_pext.arrayof_file[static_cast<std::size_t>(level - 1)];
-}
 
 // The file in the edit viewport must be that of the level.
 void check_current(const char* operation, int level) {
-  if (kv_pext.file_id_cur == at_level(level).file_index) return;
+  if (kv_pext.file_id_cur == kv_at_level(level).file_index) return;
   gx_debug(" %s  : file_id_cur INVALID : %d  %d\n", operation, kv_pext.file_id_cur,
-           at_level(level).file_index);
+           kv_at_level(level).file_index);
   gx_set_status(gx_code::file_data_invalid);
 }
 
@@ -71,12 +61,12 @@ int instance_to_enter(const kv_command_t& command, const gx_file_gene_recf_t& fi
   return 0;
 }
 
-// The directory of the sheet that an instance stands for; nothing after the refusal.
-std::optional<gx_string_record_t> directory_of(const gx_file_gene_recf_t& file, int inst,
-                                               const kv_command_t& command) {
+// The directory of the sheet that an instance stands for; empty after the refusal.
+gx_string_record_t directory_of(const gx_file_gene_recf_t& file, int inst,
+                                const kv_command_t& command) {
+  const auto directory = kv_sheet_directory(file, inst);
+  if (directory.len > 0) return directory;
   const auto& symbol = gx_symbol_info_ptr(file, gx_instance_info_ptr(file, inst).symbol);
-  const auto path = gx_get_path_n0version(gx_view(symbol.path));
-  if (!path.error) return path.directory;
   gx_debug(" VIEW_DOWN_CMD  :invalid : file path  : \"%.*s\"\n", symbol.path.len,
            symbol.path.char_);
   refuse_down(command, "# !! Error : Symbol path without version ? : ");
@@ -86,49 +76,35 @@ std::optional<gx_string_record_t> directory_of(const gx_file_gene_recf_t& file, 
 
 // Opens the sheet into the slot of the level; false after the refusal.
 bool open_at(int level, const gx_string_record_t& directory, const kv_command_t& command) {
-  auto& place = at_level(level);
-  const bool reopened = place.file_index != 0;
-  std::string why;
-  const auto opened = kv_open_in_slot(place.file_index, gx_view(directory), "sheet", why);
-  if (opened != kv_opened::yes) {
-    refuse_down(command, reopened ? "# !! Error : Sheet not found ? : "
-                                  : "# !! Error : Sheet not found or Invalid ? : ");
-    gx_tell(reopened ? "# !! \"" : "# !! : \"", gx_view(directory), "\" ");
-    if (!why.empty()) gx_tell("# !! ", why);
+  const bool reopened = kv_at_level(level).file_index != 0;
+  const auto [opened, fault, why] = kv_open_level(level, directory);
+  if (opened == kv_opened::yes) return true;
+  if (fault) {
+    kv_refuse("# VIEw DOWn  ", command, "# !! Error : No Sheet Available ? : ", 3);
+    if (!why.empty()) gx_tell("# !! ", gx_view(directory), "/sheet.gx : ", why);
     return false;
   }
-  place.file_path = directory;
-  kv_pext.file_level_max = std::max<std::int16_t>(kv_pext.file_level_max, std::int16_t(level));
-  const auto& file = gx_ptrto_gene_file_buf(place.file_index);
-  why = gx_sheet_fault(file);
-  if (why.empty()) return true;
-  kv_leave_slot(place.file_index);
-  kv_refuse("# VIEw DOWn  ", command, "# !! Error : No Sheet Available ? : ", 3);
-  if (file.primary_object != 0) gx_tell("# !! ", gx_view(directory), "/sheet.gx : ", why);
+  refuse_down(command, reopened ? "# !! Error : Sheet not found ? : "
+                                : "# !! Error : Sheet not found or Invalid ? : ");
+  gx_tell(reopened ? "# !! \"" : "# !! : \"", gx_view(directory), "\" ");
+  if (!why.empty()) gx_tell("# !! ", why);
   return false;
 }
 
 // --- both
 
-void show_level(int level) {
-  kv_pext.file_level_cur = static_cast<std::int16_t>(level);
-  kv_pext.file_id_cur = at_level(level).file_index;
-  kv_hide_invisible(kv_pext.file_id_cur);
-  kv_display_picture_all(gx_vext.viewport_edit, kv_pext.file_id_cur);
-}
-
-// Cuts the last name: "a/b/" becomes "a/".
-void cut_last_name(gx_string_record_t& path) {
+// Without the last name: of "a/b/", "a/".
+gx_string_record_t without_last_name(const gx_string_record_t& path) {
   auto names = gx_view(path);
   if (names.ends_with('/')) names.remove_suffix(1);
   const auto slash = names.rfind('/');
-  path = gx_string(names.substr(0, slash == names.npos ? 0 : slash + 1));
+  return gx_string(names.substr(0, slash == names.npos ? 0 : slash + 1));
 }
 
 void kv_view_down_cmd(const kv_command_t& command) {
   if (command.count() > 3) return refuse_down(command, kv_bad_count);
   const int level = kv_pext.file_level_cur;
-  if (!is_level(level) || !is_file(at_level(level).file_index)) {
+  if (!kv_is_level(level) || !is_file(kv_at_level(level).file_index)) {
     return refuse_down(command, "# !! Error : No valid design Sheet available ");
   }
   check_current("VIEW_DOWN_CMD", level);
@@ -140,22 +116,23 @@ void kv_view_down_cmd(const kv_command_t& command) {
   if (inst == 0) return;
   const std::string name = lb_inst_name(file, inst);
   const auto directory = directory_of(file, inst, command);
-  if (!directory) return;
+  if (directory.len == 0) return;
   if (level == kv_max_levels) {
     return refuse_down(command, "# !! Error : Too many sheet levels ? : ");
   }
-  if (!open_at(level + 1, *directory, command)) return;
-  show_level(level + 1);
-  gx_concat_all(kv_pext.cur_sim_path, name, "/");
-  kv_show_title();
+  if (!open_at(level + 1, directory, command)) return;
+  gx_string_record_t path = kv_pext.cur_sim_path;
+  gx_concat_all(path, name, "/");
+  kv_stand_at(level + 1, path);
+  kv_show_level();
   gx_tell(" VIEw DOWn  ", name);
 }
 
 void kv_view_up_cmd(const kv_command_t& command) {
   const auto refuse = [&](std::string_view error) { kv_refuse("# VIEw UP ", command, error, 3); };
   const int level = kv_pext.file_level_cur;
-  if (!is_level(level)) return refuse("# !! Error : No design Sheet available ");
-  if (!is_file(at_level(level).file_index)) {
+  if (!kv_is_level(level)) return refuse("# !! Error : No design Sheet available ");
+  if (!is_file(kv_at_level(level).file_index)) {
     return refuse("# !! Error : No valid design Sheet available ");
   }
   check_current("VIEW_UP_CMD", level);
@@ -164,16 +141,15 @@ void kv_view_up_cmd(const kv_command_t& command) {
                       ? "# !! Error : impossible to VIEw UP ( already at TOP ) "
                       : "# !! Error : No valid design Sheet to view up in Context ");
   }
-  if (!is_file(at_level(level - 1).file_index)) {
+  if (!is_file(kv_at_level(level - 1).file_index)) {
     return refuse("# !! Error : No VIEw UP valid design Sheet available ");
   }
   if (level - 1 > kv_pext.file_level_max) {
     gx_debug(" VIEW_UP_CMD  : level max INVALID : %d  %d\n", level - 1, kv_pext.file_level_max);
     gx_set_status(gx_code::file_data_invalid);
   }
-  show_level(level - 1);
-  cut_last_name(kv_pext.cur_sim_path);
-  kv_show_title();
+  kv_stand_at(level - 1, without_last_name(kv_pext.cur_sim_path));
+  kv_show_level();
   gx_tell(" VIEw UP  ");
 }
 

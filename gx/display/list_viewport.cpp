@@ -19,7 +19,7 @@ void gx_upd_display_list(bool up, int lines) {
 
 void gx_regen_display_list() {
   const auto& v = gx_vext;
-  if (!gx_drawing_possible() || !gx_viewport_ok(v.viewport_list)) return;
+  if (!gx_drawing_possible() || !gx_is_seen() || !gx_viewport_ok(v.viewport_list)) return;
   const gx_batch_t batch;
   const int first = std::max<int>(v.nlinlist_disp, 1);
   const int last =

@@ -24,9 +24,9 @@ std::string quoted(std::string_view head, std::string_view text) {
 }
 
 void show_error(std::string_view echo, std::string_view message, std::string_view text) {
-  ++gx_vext.num_errors;
+  gx_count_error();
   gx_display_list(echo);
-  gx_display_list(quoted(message, text));
+  gx_display_list(quoted(message, text), gx_line_kind::error);
 }
 
 void refuse_line(std::string_view trace, std::string_view message, std::string_view line) {

@@ -137,17 +137,19 @@ gx_batch_t::~gx_batch_t() {
 }
 
 void gx_pen_line(int color, int style, gx_line16_t line, bool border) {
+  if (gx_vext.batch) return;
   const int dashes = dash_index(style, border);
   strokes().add(sound_color(color), dashes, line);
 }
 
 void gx_pen_arc(int color, int style, const gx_arc16_t& arc) {
+  if (gx_vext.batch) return;
   const int dashes = dash_index(style, false);
   strokes().add(sound_color(color), dashes, arc);
 }
 
 void gx_pen_box(int color, int x, int y, int width, int height) {
-  if (width < 1 || height < 1) return;
+  if (gx_vext.batch || width < 1 || height < 1) return;
   strokes().add(sound_color(color), {to_short(x), to_short(y), to_size(width), to_size(height)});
 }
 

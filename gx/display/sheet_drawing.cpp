@@ -27,7 +27,7 @@ void draw_members(gx_vpid_t vpid, gx_file_index_t file_index, gx_draw_mode mode,
 }
 
 bool may_draw(gx_vpid_t vpid) {
-  if (!gx_drawing_possible() || !gx_vext.display_on) return false;
+  if (!gx_drawing_possible() || !gx_is_seen() || !gx_vext.display_on) return false;
   if (!gx_viewport_rec(vpid).vp_blocked) return true;
   gx_debug(" gx_display_object  : view port blocked : %d\n", vpid);
   gx_set_status(gx_code::viewport_blocked);

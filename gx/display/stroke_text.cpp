@@ -106,7 +106,7 @@ std::span<const gx_line16_t> gx_scaled_glyph(char c) {
 
 void gx_hortext(gx_vpid_t vpid, std::string_view text, int istart, int x, int y, bool whole_line,
                 int color) {
-  if (!gx_drawing_possible()) return;
+  if (!gx_drawing_possible() || !gx_is_seen()) return;
   const auto& v = gx_vext;
   const gx_batch_t batch;
   gx_viewport_select(vpid);
@@ -132,7 +132,7 @@ void gx_hortext(gx_vpid_t vpid, std::string_view text, int istart, int x, int y,
 
 void gx_text(gx_vpid_t vpid, std::string_view text, int x, int y, int height, int rotation,
              int color, bool opaque) {
-  if (!gx_drawing_possible()) return;
+  if (!gx_drawing_possible() || !gx_is_seen()) return;
   const auto& v = gx_vext;
   const gx_batch_t batch;
   gx_viewport_select(vpid);

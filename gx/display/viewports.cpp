@@ -53,6 +53,8 @@ void draw_border(const gx_viewport_rec_t& vp, int color) {
 
 bool gx_drawing_possible() { return gx_vext.dpy != nullptr || gx_vext.viewport_id_max > 0; }
 
+bool gx_is_seen() { return !gx_vext.batch; }
+
 bool gx_viewport_ok(int vpid) {
   return vpid >= 1 && vpid <= std::min<int>(gx_max_viewports, gx_vext.viewport_id_max);
 }

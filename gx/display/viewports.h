@@ -14,6 +14,8 @@
 
 // There is something to draw into: false after gx_init_nograph and before any init.
 bool gx_drawing_possible();
+// Somebody may look at what is drawn: not in a batch. Viewports are placed and zoomed as always.
+bool gx_is_seen();
 
 // Stops with viewport_id_invalid unless the id is in use; gives its record.
 gx_viewport_rec_t& gx_viewport_rec(int vpid);

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <deque>
 #include <limits>
 #include <string>
 
@@ -19,6 +20,10 @@ constexpr std::size_t max_line_length = 199;
 constexpr int lines_between_looks = 100;
 
 gx_list_drawer_t draw_list = nullptr;
+gx_list_reader_t read_line = nullptr;
+
+std::deque<std::string> waiting;  // the last lines of a batch
+bool is_batch = false;
 
 void count(std::int16_t& counter) {
   if (counter < std::numeric_limits<std::int16_t>::max()) ++counter;
@@ -77,36 +82,68 @@ void write_to_session(std::string_view text) {
            .append(x_why(error)));
 }
 
-// A stream that can be read to its end: a regular file that the listing does not itself make grow.
-bool is_readable_text(std::string_view path) {
-  struct stat file {};
-  struct stat session {};
-  const x_descriptor opened = x_open_regular(std::string(gx_view(gx_resolve_path(path))));
-  if (!opened || ::fstat(opened.get(), &file) != 0) return false;
-  return gx_session.cursessfile == nullptr ||
-         ::fstat(::fileno(gx_session.cursessfile), &session) != 0 ||
-         file.st_dev != session.st_dev || file.st_ino != session.st_ino;
+void record(std::string_view text, gx_line_kind kind) {
+  gx_list.worst = std::max(gx_list.worst, kind);
+  write_to_session(text);
+  if (read_line != nullptr) read_line(text, kind);
 }
+
 }  // namespace
 
-void gx_display_list(std::string_view text) {
+gx_line_kind gx_kind_of_line(std::string_view text) {
+  const std::size_t mark = text.find_first_not_of("# ");
+  const std::size_t word = text.find_first_not_of("# !?");
+  const bool is_marked = mark != std::string_view::npos && (text[mark] == '!' || text[mark] == '?');
+  if (word == std::string_view::npos) return gx_line_kind::plain;
+  const std::string_view words = text.substr(word);
+  if (text[0] == '#' && words.starts_with("Error on")) return gx_line_kind::error;
+  if (!is_marked) return gx_line_kind::plain;
+  if (gx_equal("ERROR", words) || gx_equal("UNKNOWN COMMAND", words)) return gx_line_kind::error;
+  return gx_equal("WARNING", words) ? gx_line_kind::warning : gx_line_kind::detail;
+}
+
+void gx_display_list(std::string_view text, gx_line_kind at_least) {
   text = text.substr(0, max_line_length);
   if (text.empty()) return;
-  write_to_session(text);
+  record(text, std::max(gx_kind_of_line(text), at_least));
   if (!gx_list.transcript_state) return;
+  if (is_batch) {
+    waiting.emplace_back(text);
+    if (waiting.size() > gx_max_list_lines) waiting.pop_front();
+    return;
+  }
   keep(text);
   show_end();
 }
 
-void gx_tell_parts(std::span<const std::string_view> parts) {
+gx_list_batch_t::gx_list_batch_t() : is_outer_(!is_batch) { is_batch = true; }
+
+gx_list_batch_t::~gx_list_batch_t() {
+  if (!is_outer_) return;
+  is_batch = false;
+  for (const auto& line : waiting) keep(line);
+  if (!waiting.empty()) show_end();
+  waiting.clear();
+}
+
+void gx_tell_parts(std::span<const std::string_view> parts, gx_line_kind at_least) {
   std::string line;
   for (const std::string_view part : parts) line += part;
-  gx_display_list(line);
+  gx_display_list(line, at_least);
+}
+
+// The listing of a session file would itself make it grow.
+bool gx_is_session_file(int descriptor) {
+  struct stat file {};
+  struct stat session {};
+  return gx_session.cursessfile != nullptr && ::fstat(descriptor, &file) == 0 &&
+         ::fstat(::fileno(gx_session.cursessfile), &session) == 0 &&
+         file.st_dev == session.st_dev && file.st_ino == session.st_ino;
 }
 
 bool gx_display_file_invplist(std::string_view path, bool (*stop_asked)()) {
-  const x_file file(is_readable_text(path) ? gx_popen_file(path, 'R', true) : nullptr);
-  if (!file) {
+  const x_file file(gx_popen_file(path, 'R', true));
+  if (!file || gx_is_session_file(::fileno(file.get()))) {
     gx_debug("!!! display_file  file not found : \"%.*s\"\n", static_cast<int>(path.size()),
              path.data());
     return false;
@@ -117,7 +154,7 @@ bool gx_display_file_invplist(std::string_view path, bool (*stop_asked)()) {
     if (n % lines_between_looks == 0 && stop_asked != nullptr && stop_asked()) break;
     gx_string_record_t shown;
     gx_concat_all(shown, "# \"", gx_view(line), "\" ");
-    write_to_session(gx_view(shown));
+    record(gx_view(shown), gx_line_kind::plain);
     if (!gx_list.transcript_state) continue;
     keep(gx_view(shown));
     if (gx_list.nlinlist_held == 0) gx_list.nlinlist_held = gx_list.nlinlist_end;
@@ -135,3 +172,5 @@ void gx_count_error() {
 void gx_count_warning() { count(gx_session.num_warnings); }
 
 void gx_set_list_drawer(gx_list_drawer_t drawer) { draw_list = drawer; }
+
+void gx_set_list_reader(gx_list_reader_t reader) { read_line = reader; }

@@ -12,6 +12,9 @@
 inline constexpr int gx_max_list_lines = 500;
 inline constexpr int gx_max_text_length = 60;  // characters that a line of a viewport shows
 
+// What a line means to the one who reads it; the worse the larger.
+enum class gx_line_kind : std::uint8_t { plain, detail, warning, error };
+
 struct gx_list_state_t {
   bool transcript_state = true;
   std::int16_t nb_line_in_listviewp = 0;
@@ -20,27 +23,53 @@ struct gx_list_state_t {
   std::int16_t nlinlist_disp = 0;     // first line shown
   std::int16_t nlinlist_held = 0;  // the line that stays the first one shown; 0: the end is shown
   std::array<gx_string_record_t, gx_max_list_lines> line_list;  // line n at entry n - 1
+  gx_line_kind worst = gx_line_kind::plain;                     // of all lines told
 };
 
 // The part of gx_vext that this room and those above it may touch.
 extern gx_list_state_t& gx_list;
 
+// The kind of a line by the words that all messages begin with: "# !! Error : ...", "# !! Warning :
+// ...", "#  !!! Unknown Command ..."; a detail is another line behind such marks.
+gx_line_kind gx_kind_of_line(std::string_view text);
+
 // Tells one line (at most 199 characters are kept): always written to the session file; kept in
-// the scroll-back and drawn while the transcript is on. An empty text does nothing.
-void gx_display_list(std::string_view text);
+// the scroll-back and drawn while the transcript is on. An empty text does nothing. The line is of
+// the kind that its words say, or of the kind `at_least`.
+void gx_display_list(std::string_view text, gx_line_kind at_least = gx_line_kind::plain);
 
 // The parts joined, as one line.
-void gx_tell_parts(std::span<const std::string_view> parts);
+void gx_tell_parts(std::span<const std::string_view> parts, gx_line_kind at_least);
+template <typename... Part>
+void gx_tell_as(gx_line_kind at_least, const Part&... part) {
+  const std::string_view parts[] = {std::string_view(part)...};
+  gx_tell_parts(parts, at_least);
+}
 template <typename... Part>
 void gx_tell(const Part&... part) {
-  const std::string_view parts[] = {std::string_view(part)...};
-  gx_tell_parts(parts);
+  gx_tell_as(gx_line_kind::plain, part...);
 }
 // `label`, then `text` in double quotes, then `tail`.
 inline void gx_tell_quoted(std::string_view label, std::string_view text,
                            std::string_view tail = {}) {
   gx_tell(label, "\"", text, "\"", tail);
 }
+
+// While one lives, the lines that are told go to the session file at once and into the list at its
+// end, drawn once: for answers of many lines. One within another does nothing.
+class gx_list_batch_t {
+ public:
+  gx_list_batch_t();
+  ~gx_list_batch_t();
+  gx_list_batch_t(const gx_list_batch_t&) = delete;
+  gx_list_batch_t& operator=(const gx_list_batch_t&) = delete;
+
+ private:
+  bool is_outer_;
+};
+
+// Whether an open file is the session file, which is not read while it is written.
+bool gx_is_session_file(int descriptor);
 
 // Tells a text file line by line; false when it cannot be opened or is the session file itself. A
 // text longer than the viewport stays there with its first line until gx_list_follow. `stop_asked`
@@ -53,6 +82,10 @@ void gx_list_follow();
 // The counters of the session stop at their largest value.
 void gx_count_error();
 void gx_count_warning();
+
+// Who else gets each line as it is told; none at first.
+using gx_list_reader_t = void (*)(std::string_view line, gx_line_kind kind);
+void gx_set_list_reader(gx_list_reader_t reader);
 
 // What draws the list after it changed; none at first.
 using gx_list_drawer_t = void (*)();

@@ -111,7 +111,8 @@ std::string_view gx_error_name(int code);
 
 // Reports the code on standard output, runs the context-save command once the program is fully
 // initialised, closes the debug file, gives back what gx_at_fatal_stop registered (last
-// registered first), and aborts.
+// registered first), and aborts. In a batch it reports on standard error and ends with
+// gx_batch_stop_status.
 [[noreturn]] void gx_set_status(gx_code code);
 
 // Stops with current_file_invalid when the word holds an error.
@@ -125,6 +126,6 @@ void gx_at_fatal_stop(void (*release)());
 void gx_release_all();
 
 // The orderly end without a session, for conditions outside the program (a lost display): prints
-// the message on standard output, closes the debug and session files, gives back what
-// gx_at_fatal_stop registered, and exits.
+// the message on standard output (without a window standard error), closes the debug and session
+// files, gives back what gx_at_fatal_stop registered, and exits.
 [[noreturn]] void gx_end_process(std::string_view message, int exit_status);

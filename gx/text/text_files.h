@@ -12,7 +12,7 @@
 // with "$VELMORAN" lies under the product directory. Only a regular file is read, and none is
 // written through a symbolic link. nullptr when it cannot be opened (no message: the caller
 // decides; errno tells why); the caller owns the stream. Waits 10 ms between its probe and the
-// opening.
+// opening, but not in a batch.
 std::FILE* gx_popen_file(std::string_view path, char mode, bool rdonly);
 
 // The same for the start-up files; says on standard output what cannot be opened.
@@ -32,4 +32,4 @@ gx_string_record_t gx_resolve_path(std::string_view path);
 
 // Runs the string as a shell command (outer quotes removed); the result is ignored. `stop_asked`
 // is asked meanwhile, true ends it.
-void gx_system(const gx_string_record_t& command, bool (*stop_asked)() = nullptr);
+void gx_system(const gx_string_record_t& command, bool (*stop_asked)());

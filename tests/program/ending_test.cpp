@@ -66,7 +66,7 @@ TEST_F(Interactive, NoMemoryLeftIsAnOrderlyEnd) {
   directory_.write("do",
                    "PRIMI CLASS;PROP INS S CLASS;PROP PIN S PIN;PROP NET S NET\n"
                    "STORE SIZE 2000000000;RUN;BYE\n");
-  auto start = start_of({"-c", "ulimit -v 80000; exec " KIVO_PROGRAM " top do"}, {});
+  auto start = start_of({"-c", "ulimit -v 130000; exec " KIVO_PROGRAM " top do"}, {});
   start.program = "/bin/sh";
   const auto ended = run_program(shared_display(), start);
   EXPECT_EQ(ended.status, 1) << ended.signal;

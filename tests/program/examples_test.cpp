@@ -154,6 +154,61 @@ TEST(Examples, EverySheetPassesTheCheck) {
   }
 }
 
+#ifdef KIVO_KVI_LIBRARY
+// What the Python module tells of a design, a line for each object, against the listing of the run.
+TEST(Examples, PythonReadsWhatTheListingHolds) {
+  scratch_directory directory;
+  run_example(directory, "register");
+  directory.write("read.py", R"(
+import kivo
+def line(kind, thing, more=()):
+    values = [f"{k}={v if isinstance(v, str) else ' '.join(f'{n:.3f}' for n in v)}"
+              for k, v in sorted(thing.properties.items())]
+    print(kind, thing.path, *values, *more)
+with kivo.load("register") as design:
+    for net in design.nets(): line("net", net, sorted(pin.path for pin in net.pins()))
+    for inst in design.instances(): line("inst", inst)
+    for macro in design.macros(): line("macro", macro)
+    assert all(pin.path in [p.path for p in pin.net().pins()]
+               for pin in design.pins() if pin.net().type != 3)
+    assert all(pin.instance().index == macro.index for macro in design.macros()
+               for pin in macro.pins())
+    members = {net.index for bus in design.nets() for net in bus.members()}
+    assert members == {net.index for net in design.nets() if net.bus}, members
+    for index in (0, -1, 1 << 40):
+        try: design.net(index)
+        except IndexError: continue
+        assert False, index
+    unread = design.nets()
+    next(unread)
+    open("register/design_kv", "r+b").write(bytes(68))
+    for use in (lambda: next(unread), lambda: kivo.load("register"), lambda: design.net(1)):
+        try: use()
+        except kivo.Error as error: assert str(error), error
+        else: assert False
+)");
+  const auto read =
+      run_program(shared_display(), {.directory = directory.path(),
+                                     .words = {"read.py"},
+                                     .environment = {"KIVO_LIBKVI=" KIVO_KVI_LIBRARY,
+                                                     "PYTHONPATH=" KIVO_SOURCE_DIR "/kvi/python"},
+                                     .program = "/usr/bin/python3"});
+  EXPECT_EQ(read.status, 0) << read.err;
+  const auto listing = read_listing(directory.read("register/kivo_data"));
+  std::set<std::string> expected;
+  const auto expect = [&](std::string line, const auto& object, const paths_t& pins = {}) {
+    for (const auto& [name, value] : object.properties) line += " " + name + "=" + value;
+    for (const auto& pin : pins) line += " " + pin;
+    expected.insert(line);
+  };
+  for (const auto& [path, net] : listing.nets) expect("net " + path, net, net.pins);
+  for (const auto& [path, instance] : listing.instances) expect("inst " + path, instance);
+  for (const auto& [path, macro] : listing.macros) expect("macro " + path, macro);
+  const auto lines = split_lines(read.out);
+  EXPECT_EQ(std::set<std::string>(lines.begin(), lines.end()), expected);
+}
+#endif
+
 TEST(Examples, MemoryArraysExpandToWhatTheirSizeSays) {
   const struct { int blocks, variants; } cases[] = {{1, 1}, {2, 8}, {7, 8}};
   for (const auto& c : cases) {
@@ -166,11 +221,11 @@ TEST(Examples, MemoryArraysExpandToWhatTheirSizeSays) {
                                    {.directory = directory.path(), .words = {"array", "run.do"}});
     EXPECT_TRUE(ended.out.ends_with(no_faults)) << ended.out;
     const auto listing = read_listing(directory.read("array/kivo_data"));
-    // Nets: of a block its word lines; of each cell Q and QB; BL, BLB, CK, VDD, GND of the top.
-    expect_counts(listing, {{"nbof_instance", gxm_memory_array_leaves(c.blocks)},
-                            {"nbof_pin", gxm_memory_array_pins(c.blocks)},
-                            {"nbof_macro", gxm_memory_array_macros(c.blocks)},
-                            {"nbof_net", c.blocks * (9 + 64 * 2) + 9 + 9 + 3}});
+    const auto counts = gxm_count_memory_array(c.blocks);
+    expect_counts(listing, {{"nbof_instance", counts.leaves},
+                            {"nbof_pin", counts.pins},
+                            {"nbof_macro", counts.macros},
+                            {"nbof_net", counts.nets}});
     // Every cell has the clock on one pin; the transistors beside the rows and the top's too.
     EXPECT_EQ(listing.nets.at("/CK").pins.size(),
               static_cast<std::size_t>(c.blocks) * (64 + 12) + 8 + 10);

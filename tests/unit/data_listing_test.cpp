@@ -15,7 +15,7 @@ class DataListingTest : public StoreFixture {
  protected:
   std::string listing() {
     EXPECT_TRUE(write_design(true));
-    return contents(dir + "/kivo_data");
+    return read_file(dir + "/kivo_data");
   }
   std::string head(std::string_view counts) const {
     return "#    \"" + dir + "/kivo_data\"\n#\n#  KIVO  data  \"\n#\n" +
@@ -124,7 +124,7 @@ TEST_F(DataListingTest, RealsArePrintedAsPrintfDoes) {
   for (int i = 0; i < 3000; ++i) add(static_cast<float>(i) / 2048);  // ties among them
   EXPECT_TRUE(text.finish());
   std::fclose(file);
-  EXPECT_EQ(contents(path), expected);
+  EXPECT_EQ(read_file(path), expected);
 }
 
 TEST_F(DataListingTest, AListingThatCannotBeWrittenIsTold) {
@@ -138,7 +138,7 @@ TEST_F(DataListingTest, AListingThatCannotBeWrittenIsTold) {
   ::setrlimit(RLIMIT_FSIZE, &limit);
   EXPECT_FALSE(write_design(true));
   ::setrlimit(RLIMIT_FSIZE, &old_limit);
-  EXPECT_EQ(contents(design_path).size(), image);
+  EXPECT_EQ(read_file(design_path).size(), image);
   // a link to something else is left alone
   const std::string path = dir + "/kivo_data", precious = dir + "/precious";
   std::ofstream(precious) << "old";
@@ -146,7 +146,7 @@ TEST_F(DataListingTest, AListingThatCannotBeWrittenIsTold) {
   std::filesystem::create_symlink(precious, path);
   session_capture session;
   EXPECT_FALSE(write_design(true));
-  EXPECT_EQ(contents(precious), "old");
+  EXPECT_EQ(read_file(precious), "old");
   EXPECT_EQ(session.take(),
             (std::vector<std::string>{"# RUN ", "# !! Error : Impossible to Open the file : ",
                                       "# \"" + path + "\"", "# !! : is a symbolic link"}));

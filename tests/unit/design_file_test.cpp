@@ -88,7 +88,7 @@ TEST_F(DesignFileTest, TheImageByteByByte) {
       {"macro pin", bytes("01...... 32.. .... 01...... 01...... ........ 02...... ........"
                           "01.. 02.. 03.. 01.. 03......")},
   };
-  const std::string image = contents(design_path);
+  const std::string image = read_file(design_path);
   std::size_t at = 0;
   for (const auto& part : parts) {
     EXPECT_EQ(image.substr(at, part.bytes.size()), part.bytes) << part.part << " at " << at;
@@ -102,14 +102,14 @@ TEST_F(DesignFileTest, AShorterImageCutsALongerOne) {
   kv_sext.general_info.nbof_string = 1000;
   kv_sext.general_info.nbof_char = kv_sext.chars.count;
   ASSERT_TRUE(write_design());
-  EXPECT_EQ(contents(design_path).size(), 68U + 3003U + 12000U);
+  EXPECT_EQ(read_file(design_path).size(), 68U + 3003U + 12000U);
   kv_empty_store();
   fill_store();
   ASSERT_TRUE(write_design());
-  const std::string image = contents(design_path);
+  const std::string image = read_file(design_path);
   EXPECT_EQ(image.size(), 68U + 4 * 416 + 14 + 4 * 12 + 4 * 16 + 44 + 240 + 320 + 28 + 40 + 40);
   ASSERT_TRUE(write_design());
-  EXPECT_EQ(contents(design_path), image);
+  EXPECT_EQ(read_file(design_path), image);
 }
 
 TEST_F(DesignFileTest, AFailedWriteLeavesNoValidHeader) {
@@ -124,7 +124,7 @@ TEST_F(DesignFileTest, AFailedWriteLeavesNoValidHeader) {
   ::setrlimit(RLIMIT_FSIZE, &limit);
   EXPECT_FALSE(write_design());
   ::setrlimit(RLIMIT_FSIZE, &old_limit);
-  EXPECT_EQ(contents(design_path).substr(0, 68), std::string(68, '\0'));
+  EXPECT_EQ(read_file(design_path).substr(0, 68), std::string(68, '\0'));
 
   ::close(kv_sext.designfile);
   kv_sext.designfile = ::open("/dev/full", O_WRONLY);
@@ -137,7 +137,7 @@ TEST_F(DesignFileTest, AFailedWriteLeavesNoValidHeader) {
 TEST_F(DesignFileTest, ASessionKeepsTheImageUntilItsRunAndSeesOthers) {
   fill_store();
   ASSERT_TRUE(write_design());
-  const std::string image = contents(design_path);
+  const std::string image = read_file(design_path);
   // Another process opens the file only to look, then holds it for reading.
   int ready[2], done[2];
   ASSERT_EQ(::pipe(ready) + ::pipe(done), 0);
@@ -153,10 +153,10 @@ TEST_F(DesignFileTest, ASessionKeepsTheImageUntilItsRunAndSeesOthers) {
   }
   char c;
   ASSERT_EQ(::read(ready[0], &c, 1), 1);
-  EXPECT_EQ(contents(design_path), image);
+  EXPECT_EQ(read_file(design_path), image);
   EXPECT_EQ(kv_other_session(kv_sext.designfile), other);
   EXPECT_FALSE(write_design());  // the reader does not let go
-  EXPECT_EQ(contents(design_path), image);
+  EXPECT_EQ(read_file(design_path), image);
   ASSERT_EQ(::write(done[1], &c, 1), 1);
   int status;
   ::waitpid(other, &status, 0);
@@ -168,10 +168,10 @@ TEST_F(DesignFileTest, ASessionKeepsTheImageUntilItsRunAndSeesOthers) {
 TEST_F(DesignFileTest, WithoutItsListingTheImageEndsBehindTheHeader) {
   fill_store();
   ASSERT_TRUE(write_design());
-  const std::string first = contents(design_path).substr(0, 68);
+  const std::string first = read_file(design_path).substr(0, 68);
   std::filesystem::create_directory(dir + "/kivo_data");
   EXPECT_FALSE(write_design(true));
-  EXPECT_EQ(contents(design_path), first);
+  EXPECT_EQ(read_file(design_path), first);
 }
 
 }  // namespace

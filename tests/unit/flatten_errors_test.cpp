@@ -351,7 +351,7 @@ TEST_F(FlattenTest, ADesignBeyondTheStoreIsRefused) {
 }
 
 TEST_F(FlattenTest, AWatcherSeesALongRunAndMayStopIt) {
-  // Each level holds two of the next: 2^18 - 1 sheets, minutes of work.
+  // Each level holds two of the next: 2^18 - 1 sheets.
   std::string sheets;
   for (int level = 18; level >= 2; --level) {
     const std::string name = "b" + std::to_string(level);
@@ -360,22 +360,29 @@ TEST_F(FlattenTest, AWatcherSeesALongRunAndMayStopIt) {
               below + " 2,0\n part Y " + below + "  12,0\n net A\n  wire 0,0 X.1 Y.1\n";
     if (level == 18) sheets += " net B\n  wire X.2 Y.2\n";
   }
+  write(build(sheets + "sheet top\n part X b2 2,0\n part Y b2 12,0\n"
+                       " net A\n  wire X.1 Y.1\n"));
+  declare();
+  open_top();
+  ASSERT_EQ(session.run("store size 2000000000").size(), 1U);
   static std::vector<kv_progress_t> seen;
   seen.clear();
-  kv_set_run_watcher([](const kv_progress_t& progress) {
+  const auto watcher = [](const kv_progress_t& progress) {
     seen.push_back(progress);
     return seen.size() < 2;
-  });
-  ASSERT_EQ(session.run("store size 2000000000").size(), 1U);
-  const lines_t lines = run(sheets +
-                            "sheet top\n part X b2 2,0\n part Y b2 12,0\n"
-                            " net A\n  wire X.1 Y.1\n");
-  kv_set_run_watcher(nullptr);
-  ASSERT_FALSE(lines.empty());
-  EXPECT_EQ(lines.back(), "# RUN stopped");
+  };
+  const kv_run_t watched{kv_sext,
+                         kv_sext,
+                         kv_pext.arrayof_file,
+                         kv_pext.expand_level,
+                         kv_pext.macro_level,
+                         watcher,
+                         std::chrono::milliseconds(20)};
+  EXPECT_EQ(kv_run_expansion(watched, kv_sext.designfile, false), kv_run_result::stopped);
+  EXPECT_EQ(session.take().back(), "# RUN stopped");
   ASSERT_EQ(seen.size(), 3U);
   EXPECT_EQ(seen[0].all_sheets, (1 << 18) - 1);
-  EXPECT_GE(seen[1].seconds, 0.4);
+  EXPECT_GE(seen[1].seconds, 0.04);
   EXPECT_TRUE(seen[2].ended);
   EXPECT_EQ(kv_sext.nets.count, 0);
   EXPECT_EQ(std::filesystem::file_size("design_kv"), 0U);

@@ -4,7 +4,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -15,6 +14,7 @@
 #include "gx/display/menus.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
+#include "tests/support/scratch_directory.h"
 #include "tests/unit/fatal_stop.h"
 
 namespace {
@@ -28,25 +28,20 @@ class KeysAndMenus : public testing::Test {
  protected:
   KeysAndMenus() {
     gx_reset_state();
-    char name[] = "/tmp/kivo_menu_XXXXXX";
-    dir_ = mkdtemp(name);
-    setenv("VELMORAN", dir_.c_str(), 1);
+    setenv("VELMORAN", directory_.path().c_str(), 1);
   }
   ~KeysAndMenus() override {
-    std::filesystem::remove_all(dir_);
     unsetenv("VELMORAN");
     gx_reset_state();
   }
-  std::string path(const std::string& name) const { return dir_ + "/" + name; }
+  std::string path(const std::string& name) const { return directory_.file(name).string(); }
   void read_menu(const std::string& text) const {
-    std::ofstream(path("menu")) << text;
+    directory_.write("menu", text);
     gx_read_menu(path("menu"));
   }
   std::string printed() const {
     gx_print_menu(path("printed"));
-    std::ostringstream all;
-    all << std::ifstream(path("printed")).rdbuf();
-    return all.str();
+    return directory_.read("printed");
   }
   // The last lines of the message list.
   static std::vector<std::string> shown(int count) {
@@ -56,7 +51,7 @@ class KeysAndMenus : public testing::Test {
     }
     return lines;
   }
-  std::string dir_;
+  scratch_directory directory_;
 };
 
 std::string text_at(std::vector<int> index) {

@@ -182,7 +182,7 @@ TEST_F(KviTest, NamesOfNetsWithoutName) {
 TEST_F(KviTest, RefusesWhatIsNoWholeDesign) {
   ASSERT_EQ(load_store(), KVI_OK);
   EXPECT_EQ(ask_everything(), 6U);
-  const std::string image = contents(design_path);
+  const std::string image = read_file(design_path);
   for (std::size_t size = 0; size < image.size(); ++size) {
     ASSERT_EQ(load_image(image.substr(0, size)), kvi_load_result::too_short) << size;
     ASSERT_EQ(ask_everything(), 0U);

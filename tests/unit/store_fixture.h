@@ -5,33 +5,22 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include "expand/design_output.h"
 #include "expand/store.h"
 #include "gx/text/strings.h"
+#include "tests/support/scratch_directory.h"
 
 class StoreFixture : public ::testing::Test {
  protected:
   void SetUp() override {
-    char pattern[] = "/tmp/kivo_store_XXXXXX";
-    dir = ::mkdtemp(pattern);
     kv_sext = kv_defref_exp_rec_t{};
-    design_path = dir + "/design_kv";
     kv_sext.designfile = ::open(design_path.c_str(), O_RDWR | O_CREAT, 0660);
   }
   void TearDown() override {
     ::close(kv_sext.designfile);
     kv_sext = kv_defref_exp_rec_t{};
-    std::filesystem::remove_all(dir);
-  }
-
-  static std::string contents(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
   }
 
   // Writes the design as a run does: with the lists that it was made for.
@@ -44,7 +33,8 @@ class StoreFixture : public ::testing::Test {
   // kind of property. Every field that the file holds has a value of its own.
   static void fill_store();
 
-  std::string dir, design_path;
+  scratch_directory directory;
+  const std::string dir = directory.path().string(), design_path = dir + "/design_kv";
 };
 
 inline void StoreFixture::fill_store() {

@@ -5,26 +5,18 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
 #include "gx/text/arguments.h"
 #include "gx/text/strings.h"
+#include "tests/support/scratch_directory.h"
 #include "tests/unit/fatal_stop.h"
 
 namespace {
 class TextFiles : public testing::Test {
  protected:
-  TextFiles() {
-    char name[] = "/tmp/kivo_text_XXXXXX";
-    dir_ = mkdtemp(name);
-  }
-  ~TextFiles() override { std::filesystem::remove_all(dir_); }
-  std::string path(const std::string& name) const { return dir_ + "/" + name; }
-  void write(const std::string& name, const std::string& text) const {
-    std::ofstream(path(name)) << text;
-  }
+  std::string path(const std::string& name) const { return directory_.file(name).string(); }
   std::vector<std::string> lines(const std::string& name) const {
     std::vector<std::string> read;
     std::FILE* file = gx_popen_file(name, 'r', true);
@@ -33,19 +25,19 @@ class TextFiles : public testing::Test {
     std::fclose(file);
     return read;
   }
-  std::string dir_;
+  scratch_directory directory_;
 };
 
 TEST_F(TextFiles, LinesAreReadWhole) {
   const std::string x198(198, 'x');
-  write("f", "one\n\ntab\there\n" + x198 + "\n" + x198 + "rest\nlast");
+  directory_.write("f", "one\n\ntab\there\n" + x198 + "\n" + x198 + "rest\nlast");
   EXPECT_EQ(lines(path("f")),
             (std::vector<std::string>{"one", "", "tab here", x198, x198, "rest", "last"}));
 }
 
 TEST_F(TextFiles, TheProductDirectoryStandsInPaths) {
-  write("help", "hello\n");
-  setenv("VELMORAN", dir_.c_str(), 1);
+  directory_.write("help", "hello\n");
+  setenv("VELMORAN", directory_.path().c_str(), 1);
   EXPECT_EQ(lines("$VELMORAN/help"), std::vector<std::string>{"hello"});
   for (const char* unset : {"", static_cast<const char*>(nullptr)}) {
     if (unset == nullptr) {
@@ -65,7 +57,7 @@ TEST_F(TextFiles, TheProductDirectoryStandsInPaths) {
 TEST_F(TextFiles, WhatIsNoTextFileIsRefused) {
   EXPECT_EQ(gx_popen_file(path("none"), 'R', true), nullptr);
   EXPECT_EQ(gx_popen_file(path("none/none"), 'W', false), nullptr);
-  EXPECT_EQ(gx_popen_file(dir_, 'R', true), nullptr);
+  EXPECT_EQ(gx_popen_file(directory_.path().string(), 'R', true), nullptr);
   ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
   EXPECT_EQ(gx_popen_file(path("pipe"), 'R', true), nullptr);
   EXPECT_EQ(gx_popen_file("/dev/zero", 'R', true), nullptr);

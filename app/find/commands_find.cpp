@@ -1,0 +1,80 @@
+// FINd PATh: from a path to the drawing.
+#include <string>
+
+#include "app/find/expanded.h"
+#include "app/find/find_path.h"
+#include "app/find/go_to.h"
+#include "app/language/command_row.h"
+#include "app/sheet/command_viewport.h"
+#include "expand/store.h"
+#include "gx/text/message_list.h"
+#include "gx/text/numbers.h"
+#include "gx/text/strings.h"
+
+namespace {
+
+constexpr std::size_t most_listed = 20;
+constexpr std::string_view refused = "# FINd PATh ";
+
+std::string handle_of(const kv_found_t& found) {
+  const bool is_inst = found.what == "instance" || found.what == "block";
+  return (is_inst ? "I_" : found.what == "pin" ? "P_" : "N_") + std::to_string(found.object_id);
+}
+
+void go_to(kv_drawings_t& drawings, const kv_found_t& found, const kv_command_t& command) {
+  const auto expanded = kv_expanded();
+  const auto way = found.visit >= 0 && expanded ? kv_way_of_visit(*expanded, drawings, found.visit)
+                                                : kv_way_to(drawings, found.sheet_path);
+  const std::string fault = way ? kv_go_along(drawings, *way, found.object_id)
+                                : "no such sheet : \"" + found.sheet_path + "\"";
+  if (!fault.empty()) {
+    kv_refuse(refused, command, "# !! Error : Drawing not as it was expanded ? ", 3);
+    return gx_tell("# !! ", fault);
+  }
+  gx_tell(" FINd PATh ", found.path, "  ", found.what, " ", handle_of(found), " ");
+}
+
+void list_found(const std::vector<kv_found_t>& found, const kv_command_t& command) {
+  kv_pext.found_of_run = kv_sext.origins.run;
+  kv_pext.found = found;
+  if (kv_pext.found.size() > most_listed) kv_pext.found.resize(most_listed);
+  int number = 0;
+  for (const auto& each : kv_pext.found) {
+    const std::string count = std::to_string(++number);
+    gx_tell("# ", std::string(count.size() < 2 ? 1 : 0, ' '), count, "  ", each.path, "  ",
+            each.what, " ", handle_of(each));
+  }
+  if (found.size() > most_listed) gx_tell("# ... and more ");
+  kv_echo(" FINd PATh ", command, 3);
+}
+
+// The place of that number in the last list; null when the word is no such number.
+const kv_found_t* listed(std::string_view word) {
+  const auto number = gx_string_to_int32(word);
+  const bool is_there = !number.error && number.value >= 1 &&
+                        static_cast<std::size_t>(number.value) <= kv_pext.found.size() &&
+                        kv_pext.found_of_run == kv_sext.origins.run;
+  return is_there ? &kv_pext.found[static_cast<std::size_t>(number.value - 1)] : nullptr;
+}
+
+void kv_find_path_cmd(const kv_command_t& command) {
+  kv_drawings_t drawings;
+  if (drawings.top() == nullptr) return kv_refuse(refused, command, kv_no_sheet, 3);
+  const std::string_view word = command.word(3);
+  if (const auto* found = listed(word)) return go_to(drawings, *found, command);
+  const kv_search_t search = kv_search_path(drawings, word, most_listed + 1);
+  if (search.found.empty()) {
+    kv_refuse(refused, command, "# !! Error : Path not found ? ", 3);
+    return gx_tell_quoted("# !! The longest part that exists : ", search.longest);
+  }
+  if (search.found.size() == 1) return go_to(drawings, search.found.front(), command);
+  list_found(search.found, command);
+}
+
+constexpr kv_command_row_t rows[] = {
+    {{"FIN", "PAT"}, "FINd PATh path or number", kv_find_path_cmd, refused, 3},
+};
+
+}  // namespace
+
+kv_command_rows_t kv_find_commands() { return rows; }

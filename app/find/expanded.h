@@ -1,0 +1,34 @@
+// The expansion that the session holds, for the commands that ask it.
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+#include "app/find/drawings.h"
+#include "expand/origins.h"
+#include "expand/path_index.h"
+
+inline constexpr std::string_view kv_no_expansion = "# !! Error : No expanded design ? ";
+
+struct kv_expanded_t {
+  const kv_design_t& design;
+  const kv_origins_t& origins;
+  const kv_path_index_t& paths;  // made at the first question after a run
+
+  const kv_visit_t& visit(std::int32_t index) const {
+    return origins.visits[static_cast<std::size_t>(index)];
+  }
+};
+
+// Nothing before the first RUN, and after one that was not done.
+std::optional<kv_expanded_t> kv_expanded();
+
+// The visit of the sheet of a simulation path ("", "/", "/XR/X2/"); -1 when there is none.
+std::int32_t kv_visit_at(const kv_expanded_t& expanded, std::string_view sheet_path);
+
+// The flat net of a net that is drawn on the sheet of a visit; 0 when there is none.
+std::int32_t kv_flat_net_of(const kv_expanded_t& expanded, std::int32_t visit, int net_id);
+
+// The way to the sheet of a visit; nothing when the drawings are no longer those of the run.
+std::optional<kv_way_t> kv_way_of_visit(const kv_expanded_t& expanded, kv_drawings_t& drawings,
+                                        std::int32_t visit);

@@ -1,0 +1,160 @@
+#include "app/find/find_path.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "app/find/expanded.h"
+#include "app/find/search_drawings.h"
+#include "app/sheet/walk.h"
+#include "gx/db/object_access.h"
+#include "gx/db/objects_of.h"
+#include "gx/db/queries.h"
+#include "gx/text/strings.h"
+
+namespace {
+
+// What is asked for: the keys of its readings, the plainest first.
+struct wanted_t {
+  std::vector<std::string> keys;
+  bool is_beginning = false;  // of a path
+};
+
+// The first letters of all names at the top.
+std::string first_letters(kv_drawings_t& drawings) {
+  std::string letters;
+  const auto* top = drawings.top();
+  if (top == nullptr) return letters;
+  for (const int inst : lb_instances(*top)) {
+    const char letter = gx_upper_case(lb_inst_name(*top, inst).front());
+    if (letters.find(letter) == letters.npos) letters += letter;
+  }
+  return letters;
+}
+
+wanted_t readings(kv_drawings_t& drawings, std::string_view text) {
+  const bool is_beginning = text.ends_with('*');
+  if (is_beginning) text.remove_suffix(1);
+  const std::string key = kv_path_key(text);
+  if (key.starts_with('/')) return {{key}, is_beginning};
+  wanted_t wanted{{"/" + key}, is_beginning};
+  if (key == "0") wanted.keys.emplace_back("/GROUND");
+  const auto separator = key.find('/');
+  if (separator == key.npos) return wanted;
+  for (const char letter : first_letters(drawings))
+    wanted.keys.push_back(std::string("/") + letter + key);
+  if (separator == 1) wanted.keys.push_back(key.substr(1));
+  return wanted;
+}
+
+// --- in the expansion
+
+kv_found_t found_at(const kv_expanded_t& expanded, kv_hit_t hit) {
+  const auto& [design, origins, paths] = expanded;
+  kv_found_t found;
+  found.path = paths.path(hit);
+  const auto take = [&](std::string_view what, int object_id, std::int32_t visit) {
+    found.what = what;
+    found.object_id = object_id;
+    found.visit = visit;
+  };
+  switch (hit.what) {
+    case kv_named::inst:
+      take("instance", design.insts[hit.index].object_id, kv_visit_of_inst(origins, hit.index));
+      break;
+    case kv_named::macro:
+      take("block", design.macros[hit.index].object_id, kv_visit_of_macro(origins, hit.index));
+      break;
+    case kv_named::net: {
+      const auto& net = design.nets[hit.index];
+      take(net.bus != 0 ? "bit of a bus" : "net", net.object_id,
+           kv_visit_of_net(origins, hit.index));
+      break;
+    }
+    case kv_named::net_child:
+      take("net", design.net_childs[hit.index].object_id, kv_visit_of_child(origins, hit.index));
+      break;
+    case kv_named::pin:
+      take("pin", design.pins[hit.index].object_id,
+           kv_visit_of_inst(origins, design.pins[hit.index].instance_ind));
+      break;
+    case kv_named::pinm:
+      take("pin", design.pinms[hit.index].object_id,
+           kv_visit_of_macro(origins, design.pinms[hit.index].macro_ind));
+      break;
+  }
+  found.sheet_path = kv_visit_path(design, origins, found.visit);
+  return found;
+}
+
+std::vector<kv_hit_t> hits_of(const kv_expanded_t& expanded, const wanted_t& wanted,
+                              std::size_t most) {
+  return wanted.is_beginning ? expanded.paths.find_beginning(wanted.keys, most)
+                             : expanded.paths.find(wanted.keys, most);
+}
+
+std::vector<kv_found_t> find(const std::optional<kv_expanded_t>& expanded, kv_drawings_t& drawings,
+                             const wanted_t& wanted, std::size_t most) {
+  std::vector<kv_found_t> found;
+  if (expanded) {
+    for (const auto hit : hits_of(*expanded, wanted, most))
+      found.push_back(found_at(*expanded, hit));
+    return found;
+  }
+  for (const auto& key : wanted.keys) {
+    found = kv_search_drawings(drawings, key, wanted.is_beginning, most);
+    if (!found.empty()) break;
+  }
+  return found;
+}
+
+// The longest part that exists, names left out from the end; "/" at least.
+std::string longest_part(const std::optional<kv_expanded_t>& expanded, kv_drawings_t& drawings,
+                         wanted_t wanted) {
+  wanted.is_beginning = false;
+  while (!wanted.keys.empty()) {
+    for (auto& key : wanted.keys) key.resize(std::min(key.rfind('/'), key.size()));
+    std::erase(wanted.keys, "");
+    const auto found = find(expanded, drawings, wanted, 1);
+    if (!found.empty()) return found.front().path;
+  }
+  return "/";
+}
+
+}  // namespace
+
+kv_search_t kv_search_path(kv_drawings_t& drawings, std::string_view text, std::size_t most) {
+  const auto expanded = kv_expanded();
+  const auto wanted = readings(drawings, text);
+  kv_search_t result;
+  result.found = find(expanded, drawings, wanted, most);
+  if (result.found.empty()) result.longest = longest_part(expanded, drawings, wanted);
+  return result;
+}
+
+std::vector<std::int32_t> kv_search_nets(kv_drawings_t& drawings, std::string_view text,
+                                         std::size_t most) {
+  const auto expanded = kv_expanded();
+  std::vector<std::int32_t> nets;
+  const auto net_of = [&](kv_hit_t hit) {
+    switch (hit.what) {
+      case kv_named::net:
+        return hit.index;
+      case kv_named::net_child:
+        return expanded->paths.net_of_child(hit.index);
+      case kv_named::pin:
+        return expanded->design.pins[hit.index].net_ind;
+      case kv_named::pinm:
+        return expanded->design.pinms[hit.index].net_ind;
+      default:
+        return 0;
+    }
+  };
+  for (const auto hit : hits_of(*expanded, readings(drawings, text), SIZE_MAX)) {
+    if (const std::int32_t net = net_of(hit); net != 0) nets.push_back(net);
+  }
+  std::ranges::sort(nets);
+  const auto repeated = std::ranges::unique(nets);
+  nets.erase(repeated.begin(), repeated.end());
+  if (nets.size() > most) nets.resize(most);
+  return nets;
+}

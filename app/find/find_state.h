@@ -1,0 +1,27 @@
+// The part of kv_pext about finding one's way.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "expand/path_index.h"
+#include "gx/db/ids.h"
+
+// A place that FINd PATh found.
+struct kv_found_t {
+  std::string path;       // as RUN stores it
+  std::string_view what;  // "instance", "block", "net", "bit of a bus", "pin"
+  int object_id = 0;
+  std::string sheet_path;   // of the sheet that it stands on
+  std::int32_t visit = -1;  // of that sheet in the expansion; -1: found in the drawings
+};
+
+struct kv_find_state_t {
+  std::shared_ptr<const kv_path_index_t> paths;  // of the expansion `paths_of_run`
+  std::uint64_t paths_of_run = 0;
+  std::vector<kv_found_t> found;  // of the last FINd PATh that found several
+  std::uint64_t found_of_run = 0;
+};

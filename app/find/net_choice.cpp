@@ -1,0 +1,53 @@
+#include "app/find/net_choice.h"
+
+#include "app/find/find_path.h"
+#include "app/sheet/command_viewport.h"
+#include "gx/db/object_access.h"
+#include "gx/db/objects_of.h"
+#include "gx/text/message_list.h"
+
+namespace {
+
+constexpr std::size_t most_nets = 20;
+
+bool is_chosen(const gx_file_gene_recf_t& file, int net) {
+  if (gx_inq_object_deleted(file, net)) return false;
+  if (gx_inq_object_selected(file, net)) return true;
+  for (const int id : lb_segments(file, net))
+    if (!gx_inq_object_deleted(file, id) && gx_inq_object_selected(file, id)) return true;
+  return false;
+}
+
+}  // namespace
+
+std::optional<std::vector<std::int32_t>> kv_wanted_nets(std::string_view keyword,
+                                                        const kv_command_t& command,
+                                                        const kv_expanded_t& expanded) {
+  const auto refuse = [&](std::string_view error) {
+    kv_refuse(keyword, command, error, 3);
+    return std::nullopt;
+  };
+  if (command.count() >= 3) {
+    kv_drawings_t drawings;
+    auto nets = kv_search_nets(drawings, command.word(3), most_nets);
+    if (!nets.empty()) return nets;
+    refuse("# !! Error : Net NOT FOUND ? ");
+    const auto search = kv_search_path(drawings, command.word(3), 1);
+    gx_tell_quoted(search.found.empty() ? "# !! The longest part that exists : " : "# !! No net : ",
+                   search.found.empty() ? search.longest : search.found.front().path);
+    return std::nullopt;
+  }
+  const auto view = kv_edit_view();
+  if (!view.has_sheet()) return refuse(kv_no_sheet);
+  int chosen = 0;
+  for (const int net : lb_nets(view.file())) {
+    if (!is_chosen(view.file(), net)) continue;
+    if (chosen != 0) return refuse("# !! Error : More Than 1 Net selected ");
+    chosen = net;
+  }
+  if (chosen == 0) return refuse("# !! Error : No NET selected ? ");
+  const std::int32_t visit = kv_visit_at(expanded, gx_view(kv_pext.cur_sim_path));
+  const std::int32_t net = visit < 0 ? 0 : kv_flat_net_of(expanded, visit, chosen);
+  if (net == 0) return refuse("# !! Error : Net NOT FOUND ? ");
+  return std::vector{net};
+}

@@ -1,0 +1,130 @@
+#include "app/session/batch.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "app/language/do_file.h"
+#include "app/session/batch_output.h"
+#include "app/session/root.h"
+#include "app/state.h"
+#include "gx/text/arguments.h"
+#include "gx/text/message_list.h"
+#include "gx/text/strings.h"
+#include "gx/text/text_files.h"
+#include "gx/vext.h"
+#include "platform/files.h"
+#include "platform/stop_signals.h"
+#include "platform/stoppable_input.h"
+
+namespace {
+constexpr std::string_view standard_input = "-";
+constexpr std::size_t longest_word = gx_max_string_length - 2;
+
+void check_word(std::string_view word, std::size_t longest) {
+  const bool is_text = std::ranges::all_of(word, [](char c) { return c >= 32 && c <= 126; });
+  if (!is_text)
+    kv_refuse_run("only printable characters of ASCII are read: " + std::string(word), 0);
+  if (word.size() > longest)
+    kv_refuse_run("longer than " + std::to_string(longest) + " characters: " + std::string(word),
+                  0);
+}
+
+void check_design(std::string_view design) {
+  check_word(design, longest_word);
+  const x_descriptor directory(
+      xfopen(std::string(design).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0));
+  if (!directory) kv_refuse_run(std::string(design) + ": " + x_why(errno), 0);
+}
+
+void check_do_file(std::string_view path) {
+  if (path == standard_input) return;
+  check_word(path, gx_max_path);
+  const std::string resolved(gx_view(gx_resolve_path(path)));
+  if (x_open_regular(resolved)) return;
+  kv_refuse_run(resolved + ": " + (errno == EINVAL ? "is no file" : x_why(errno)), 0);
+}
+
+void check_arguments(std::span<const std::string_view> arguments) {
+  if (arguments.size() > kv_most_arguments)
+    kv_refuse_run(
+        "a command file takes at most " + std::to_string(kv_most_arguments) + " arguments", 0);
+  for (const std::string_view argument : arguments) check_word(argument, longest_word);
+}
+
+void store_words(const kv_batch_t& batch) {
+  std::vector<std::string> words = {batch.program, std::string(batch.design),
+                                    std::string(batch.do_file)};
+  words.insert(words.end(), batch.arguments.begin(), batch.arguments.end());
+  std::vector<const char*> pointers;
+  for (const std::string& word : words) pointers.push_back(word.c_str());
+  gx_store_arg(static_cast<int>(pointers.size()), pointers.data());
+}
+
+// Standard input for this program alone: what the commands start does not read from it.
+x_file take_standard_input() {
+  x_descriptor own(::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3));
+  if (!own) kv_refuse_run("standard input: " + x_why(errno), 0);
+  x_file stream = x_stoppable_input(
+      std::move(own), [] { return x_stop_signal() != 0; }, -1);
+  const x_descriptor nothing(xfopen("/dev/null", O_RDONLY | O_CLOEXEC, 0));
+  if (nothing) ::dup2(nothing.get(), STDIN_FILENO);
+  return stream;
+}
+
+// False when it could not be read to its end.
+bool answer_standard_input(std::FILE* commands) {
+  gx_string_record_t line;
+  while (!gx_vext.end_flag && x_stop_signal() == 0 && gx_read_one_line(commands, line)) {
+    kv_process_line(line, kv_pext.ext_arg, kv_pext.top_var);
+    kv_flush_batch_output();
+    std::fflush(gx_vext.cursessfile);
+  }
+  if (std::ferror(commands) == 0) return true;
+  std::fprintf(stderr, "kivo: standard input: %s\n", x_why(errno).c_str());
+  return false;
+}
+
+bool has_faults(const kv_batch_t& batch) {
+  if (gx_vext.num_errors > 0 || gx_vext.worst == gx_line_kind::error) return true;
+  return batch.strict && (gx_vext.num_warnings > 0 || gx_vext.worst == gx_line_kind::warning);
+}
+}  // namespace
+
+int kv_run_batch(const kv_batch_t& batch) {
+  gx_vext.batch = true;
+  check_design(batch.design);
+  check_do_file(batch.do_file);
+  check_arguments(batch.arguments);
+  x_file commands;
+  if (batch.do_file == standard_input) commands = take_standard_input();
+  store_words(batch);
+  kv_open_debug_file();
+  initparam_before();
+  kv_open_batch_output(batch.quiet);
+  if (!kv_open_session()) {
+    kv_finish_session();
+    return kv_unusable_status;
+  }
+  kv_begin_session();
+  bool all_done = true;
+  if (commands) {
+    all_done = answer_standard_input(commands.get());
+  } else {
+    kv_run_start_up_file();
+  }
+  if (!kv_finish_session()) {
+    std::fprintf(stderr, "kivo: %.*s/current_session: %s\n", static_cast<int>(batch.design.size()),
+                 batch.design.data(), x_why(errno).c_str());
+    all_done = false;
+  }
+  if (!batch.quiet) kv_print_summary();
+  if (!kv_flush_batch_output()) all_done = false;
+  return kv_exit_status(all_done && !has_faults(batch) ? 0 : 1);
+}

@@ -1,0 +1,63 @@
+#include "app/sheet/walk.h"
+
+#include <algorithm>
+
+#include "app/sheet/views.h"
+#include "app/state.h"
+#include "gx/db/files.h"
+#include "gx/db/object_access.h"
+#include "gx/db/objects_of.h"
+#include "gx/db/sheet_shape.h"
+#include "gx/vext.h"
+
+namespace {
+kv_level_follower_t follow_level = nullptr;
+}  // namespace
+
+bool kv_is_level(int level) { return level >= 1 && level <= kv_max_levels; }
+
+kv_file_record_t& kv_at_level(int level) {
+  return kv_pext.arrayof_file[static_cast<std::size_t>(level - 1)];
+}
+
+gx_string_record_t kv_sheet_directory(const gx_file_gene_recf_t& file, int inst) {
+  const auto* instance = gx_object_as<gx_object_instance_rec_t>(file, inst);
+  if (instance == nullptr) return {};
+  const auto* symbol = gx_object_as<gx_object_symbol_rec_t>(file, instance->symbol);
+  if (symbol == nullptr) return {};
+  const auto path = gx_get_path_n0version(gx_view(symbol->path));
+  return path.error ? gx_string_record_t{} : path.directory;
+}
+
+kv_level_open_t kv_open_level(int level, const gx_string_record_t& directory) {
+  auto& place = kv_at_level(level);
+  kv_level_open_t result;
+  result.opened = kv_open_in_slot(place.file_index, gx_view(directory), "sheet", result.why);
+  if (result.opened != kv_opened::yes) return result;
+  place.file_path = directory;
+  kv_pext.file_level_max =
+      std::max<std::int16_t>(kv_pext.file_level_max, static_cast<std::int16_t>(level));
+  const auto& file = gx_ptrto_gene_file_buf(place.file_index);
+  result.why = gx_sheet_fault(file);
+  if (result.why.empty()) return result;
+  if (file.primary_object == 0) result.why.clear();
+  kv_leave_slot(place.file_index);
+  result.opened = kv_opened::damaged;
+  result.fault = true;
+  return result;
+}
+
+void kv_stand_at(int level, const gx_string_record_t& path) {
+  kv_pext.file_level_cur = static_cast<std::int16_t>(level);
+  kv_pext.file_id_cur = kv_at_level(level).file_index;
+  kv_pext.cur_sim_path = path;
+  kv_hide_invisible(kv_pext.file_id_cur);
+  if (follow_level != nullptr) follow_level();
+}
+
+void kv_show_level() {
+  kv_display_picture_all(gx_vext.viewport_edit, kv_pext.file_id_cur);
+  kv_show_title();
+}
+
+void kv_set_level_follower(kv_level_follower_t follower) { follow_level = follower; }

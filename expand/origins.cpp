@@ -1,0 +1,56 @@
+#include "expand/origins.h"
+
+#include <algorithm>
+
+namespace {
+
+const kv_visit_t& at(const kv_origins_t& origins, std::int32_t visit) {
+  return origins.visits[static_cast<std::size_t>(visit)];
+}
+
+// The last visit before whose own records that record came; -1 for none. A visit without records
+// of its own begins where the next one does, which comes behind it.
+std::int32_t last_before(const kv_origins_t& origins, std::int32_t kv_visit_t::*count,
+                         std::int32_t record) {
+  const auto end = std::ranges::partition_point(
+      origins.visits, [&](const kv_visit_t& visit) { return visit.*count < record; });
+  return static_cast<std::int32_t>(end - origins.visits.begin()) - 1;
+}
+
+// From a visit up to the one that had not ended when the record was saved.
+std::int32_t up_to(const kv_origins_t& origins, std::int32_t visit,
+                   std::int32_t kv_visit_t::*count_after, std::int32_t record) {
+  while (visit >= 0 && at(origins, visit).*count_after < record) visit = at(origins, visit).above;
+  return visit;
+}
+
+}  // namespace
+
+std::int32_t kv_visit_of_net(const kv_origins_t& origins, std::int32_t net) {
+  return last_before(origins, &kv_visit_t::nets_before, net);
+}
+
+std::int32_t kv_visit_of_child(const kv_origins_t& origins, std::int32_t child) {
+  return last_before(origins, &kv_visit_t::children_before, child);
+}
+
+std::int32_t kv_visit_of_inst(const kv_origins_t& origins, std::int32_t inst) {
+  return up_to(origins, last_before(origins, &kv_visit_t::insts_before, inst),
+               &kv_visit_t::insts_after, inst);
+}
+
+std::int32_t kv_visit_of_macro(const kv_origins_t& origins, std::int32_t macro) {
+  return up_to(origins, last_before(origins, &kv_visit_t::macro, macro), &kv_visit_t::macros_after,
+               macro);
+}
+
+std::int32_t kv_visit_inside(const kv_origins_t& origins, std::int32_t macro) {
+  const std::int32_t visit = last_before(origins, &kv_visit_t::macro, macro + 1);
+  return visit >= 0 && at(origins, visit).macro == macro ? visit : -1;
+}
+
+std::string_view kv_visit_path(const kv_design_t& design, const kv_origins_t& origins,
+                               std::int32_t visit) {
+  const std::int32_t macro = visit >= 0 ? at(origins, visit).macro : 0;
+  return macro > 0 ? kv_text(design, kv_record(design.macros, macro).sim_path) : std::string_view{};
+}

@@ -1,0 +1,345 @@
+"""Reads the flat netlist that a RUN of KIVO leaves in a design directory.
+
+    import kivo
+
+    with kivo.load("register") as design:
+        for net in design.nets():
+            print(net.path, net.properties, [pin.path for pin in net.pins()])
+
+What the iterators give are plain records: their fields stay when the design is closed. Asking a
+record for others (net.pins(), pin.instance()) asks the design again.
+
+libkvi, which does the reading, holds one design at a time and is not for several threads: loading a
+second design closes the first. It is looked for at the path in the variable KIVO_LIBKVI, then beside
+this module's installation, then where the system's loader looks.
+"""
+
+import ctypes
+import os
+import pathlib
+from ctypes import POINTER, byref, c_char_p, c_float, c_int8, c_int16, c_int32
+
+__all__ = ["Design", "Error", "Instance", "Macro", "MacroPin", "Net", "Pin", "load"]
+
+
+class Error(Exception):
+    """A design that cannot be loaded, or is no longer loaded. `status` is that of kvi_load, or 0."""
+
+    def __init__(self, message, status=0):
+        super().__init__(message)
+        self.status = status
+
+
+# --- the records of libkvi
+
+class _String(ctypes.Structure):
+    _fields_ = [("len", c_int32), ("charp", POINTER(ctypes.c_char))]
+
+    def text(self):
+        return ctypes.string_at(self.charp, self.len).decode("latin-1") if self.charp else ""
+
+
+class _Value(ctypes.Union):
+    _fields_ = [("text", _String), ("integers", c_int32 * 3), ("reals", c_float * 3)]
+
+
+class _Property(ctypes.Structure):
+    _fields_ = [("name", _String), ("vtype", c_int16), ("value", _Value), ("buffer", c_char_p)]
+
+    def decoded(self):
+        if self.vtype == 0:
+            return self.value.text.text()
+        return tuple(self.value.reals if self.vtype == 3 else self.value.integers)
+
+
+_PROPERTIES = [("nb_of_property", c_int8), ("prop", POINTER(_Property) * 20)]
+_LOCATION = [("x", c_float), ("y", c_float)]
+_RANGE = [("pin_start", c_int16), ("pin_end", c_int16), ("pin_net_start", c_int16)]
+
+
+class _NetRecord(ctypes.Structure):
+    _fields_ = [("self_id", c_int32), ("name", _String), ("net_type", c_int16),
+                ("net_kind", c_int16), ("net_bus_start", c_int16), ("net_bus_end", c_int16),
+                ("sim_path", _String), ("bus", c_int32), ("father_net", c_int32),
+                ("first_sub_net", c_int32), ("next_sub_net", c_int32),
+                ("netind_start", c_int32)] + _PROPERTIES
+
+
+class _InstanceRecord(ctypes.Structure):
+    _fields_ = [("self_id", c_int32), ("name", _String), ("sim_path", _String),
+                ("file_path", _String), ("primitive", c_int32),
+                ("owning_instance", c_int32)] + _PROPERTIES + _LOCATION + [("timing_index", c_int16)]
+
+
+class _PinRecord(ctypes.Structure):
+    _fields_ = [("self_id", c_int32), ("name", _String), ("pin_type", c_int16),
+                ("sim_path", _String), ("instance", c_int32),
+                ("net", c_int32)] + _RANGE + _PROPERTIES + _LOCATION
+
+
+class _MacroRecord(ctypes.Structure):
+    _fields_ = [("self_id", c_int32), ("name", _String), ("sim_path", _String),
+                ("file_path", _String)] + _PROPERTIES + [("timing_index", c_int16)]
+
+
+class _MacroPinRecord(ctypes.Structure):
+    _fields_ = [("self_id", c_int32), ("name", _String), ("sim_path", _String),
+                ("macro", c_int32), ("net", c_int32)] + _RANGE + _PROPERTIES
+
+
+# --- what users get
+
+class _Object:
+    """`index` (from 1), `name`, `path` and `properties`: by name a text, or three numbers (integers;
+    whole time steps; reals)."""
+
+    def __init__(self, design, record):
+        self._design = design
+        self.index = record.self_id
+        self.name = record.name.text()
+        self.path = record.sim_path.text()
+        self.properties = {}
+        for entry in record.prop[:record.nb_of_property]:
+            self.properties.setdefault(entry.contents.name.text(), entry.contents.decoded())
+
+    def __repr__(self):
+        return f"<kivo.{type(self).__name__} {self.index} {self.path!r}>"
+
+
+class Net(_Object):
+    """A flat net. `type`: 1 a net (members of a bus too), 2 a named member of a bus, 3 a bus, which
+    has the range `first_bit`..`last_bit`. `kind`: 0 local, 1 bus or member, 2 port, 3 other child,
+    4 global. `bus` is the index of the bus of a member, else 0."""
+
+    _record, _get = _NetRecord, "net"
+
+    def __init__(self, design, record):
+        super().__init__(design, record)
+        self.type, self.kind, self.bus = record.net_type, record.net_kind, record.bus
+        self.first_bit, self.last_bit = record.net_bus_start, record.net_bus_end
+        self._first_member = record.netind_start
+
+    def inputs(self):
+        """Its input pins; a bidirectional pin is among inputs and outputs."""
+        return self._design._chain(self.index, "in")
+
+    def outputs(self):
+        """Its output pins."""
+        return self._design._chain(self.index, "out")
+
+    def pins(self):
+        """All its pins, each once."""
+        yield from self.inputs()
+        yield from (pin for pin in self.outputs() if pin.type == 2)
+
+    def members(self):
+        """Of a bus: its nets, from the first bit on."""
+        for i in range(self.last_bit - self.first_bit + 1 if self.type == 3 else 0):
+            yield self._design.net(self._first_member + i)
+
+
+class Pin(_Object):
+    """A pin of an instance. `type`: 1 input, 2 output, 3 and 4 bidirectional. Its bits
+    `first_bit`..`last_bit` meet those of its net from `net_first_bit` on."""
+
+    _record, _get = _PinRecord, "pin"
+
+    def __init__(self, design, record):
+        super().__init__(design, record)
+        self.type = getattr(record, "pin_type", 0)
+        self.first_bit, self.last_bit = record.pin_start, record.pin_end
+        self.net_first_bit = record.pin_net_start
+        self.net_index = record.net
+        self.owner_index = record.macro if isinstance(record, _MacroPinRecord) else record.instance
+
+    def net(self):
+        """Its net; None when it is on none. Of a bus, its bits are the members."""
+        return self._design.net(self.net_index) if self.net_index else None
+
+    def instance(self):
+        """The instance that it belongs to."""
+        return self._design.instance(self.owner_index)
+
+
+class MacroPin(Pin):
+    """A pin of a macro; its `type` is 0: the file does not hold it."""
+
+    _record, _get = _MacroPinRecord, "macro_pin"
+
+    def instance(self):
+        """The macro that it belongs to."""
+        return self._design.macro(self.owner_index)
+
+
+class Instance(_Object):
+    """A leaf of the design. `file` is the sheet that it stands on."""
+
+    _record, _get = _InstanceRecord, "instance"
+    _pin = Pin
+
+    def __init__(self, design, record):
+        super().__init__(design, record)
+        self.file, self.timing_index = record.file_path.text(), record.timing_index
+
+    def pins(self):
+        """Its pins."""
+        return self._design._walk(self._pin, f"pin_of_{self._get}", self.index)
+
+
+class Macro(Instance):
+    """An instance that stands for a sheet. Its pins are macro pins, with indexes of their own."""
+
+    _record, _get = _MacroRecord, "macro"
+    _pin = MacroPin
+
+
+class Design:
+    """A loaded design, from load(). `errors`, `warnings` and `time_step` are those of its run."""
+
+    _loaded = None  # the one that libkvi holds
+
+    def __init__(self, path):
+        self._kvi = _library()
+        self._records = {kind: POINTER(kind._record)()
+                         for kind in (Net, Instance, Pin, Macro, MacroPin)}
+        Design._loaded = None
+        status = c_int32()
+        self._kvi.kvi_load(os.fsencode(path), byref(status))
+        if status.value != 0:
+            raise Error(self._message(), status.value)
+        Design._loaded = self
+        self.errors = self._kvi.kvi_get_nb_of_errors()
+        self.warnings = self._kvi.kvi_get_nb_of_warnings()
+        self.time_step = self._kvi.kvi_get_time_step()
+
+    def close(self):
+        """Gives the design back. What was read of it stays."""
+        if Design._loaded is self:
+            self._kvi.kvi_unload()
+            Design._loaded = None
+        for kind, record in self._records.items():
+            getattr(self._kvi, f"kvi_free_{kind._get}_record")(byref(record))
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *exception):
+        self.close()
+
+    def __del__(self):
+        if hasattr(self, "_records"):
+            self.close()
+
+    def nets(self):
+        """All flat nets: a bus, then its members."""
+        return self._walk(Net, "net")
+
+    def instances(self):
+        """All leaves."""
+        return self._walk(Instance, "instance")
+
+    def macros(self):
+        """All instances that stand for sheets."""
+        return self._walk(Macro, "macro")
+
+    def pins(self):
+        """All pins of the leaves."""
+        for instance in self.instances():
+            yield from instance.pins()
+
+    def net(self, index):
+        """The net of that index; IndexError when there is none. Likewise the next four."""
+        return self._read(Net, index)
+
+    def instance(self, index):
+        return self._read(Instance, index)
+
+    def macro(self, index):
+        return self._read(Macro, index)
+
+    def pin(self, index):
+        return self._read(Pin, index)
+
+    def macro_pin(self, index):
+        return self._read(MacroPin, index)
+
+    def _message(self):
+        return os.fsdecode(self._kvi.kvi_load_error())
+
+    def _check(self):
+        if Design._loaded is not self:
+            raise Error("the design is closed")
+        message = self._message()
+        if message:
+            raise Error(message)
+
+    def _read(self, kind, index):
+        self._check()
+        record = self._records[kind]
+        if record:
+            record.contents.self_id = 0
+        if 1 <= index < 1 << 31:
+            getattr(self._kvi, f"kvi_get_{kind._get}_record")(index, byref(record))
+        if not record or index < 1 or record.contents.self_id != index:
+            self._check()  # the file may have been written again
+            raise IndexError(f"no {kind._get.replace('_', ' ')} {index}")
+        return kind(self, record.contents)
+
+    def _walk(self, kind, what, *owner):
+        self._check()
+        index = c_int32()
+        getattr(self._kvi, f"kvi_get_first_{what}")(*owner, byref(index))
+        step = getattr(self._kvi, f"kvi_get_next_{what}")
+        while index.value:
+            yield self._read(kind, index.value)
+            step(byref(index))
+        self._check()
+
+    def _chain(self, net, direction):
+        self._check()
+        index, pin_type = c_int32(), c_int16()
+        first = getattr(self._kvi, f"kvi_get_first_pin_{direction}_of_net")
+        step = getattr(self._kvi, f"kvi_get_next_pin_{direction}_of_net")
+        first(net, byref(index), byref(pin_type))
+        while index.value:
+            yield self._read(Pin, index.value)
+            step(byref(index), byref(pin_type))
+        self._check()
+
+
+def load(path):
+    """The design of the directory `path`, or of the design file `path`. Raises Error, with what is
+    wrong, when there is none or it is damaged."""
+    return Design(path)
+
+
+def _candidates():
+    named = os.environ.get("KIVO_LIBKVI")
+    if named:
+        yield named
+        return
+    parents = pathlib.Path(__file__).resolve().parents
+    if len(parents) > 3:  # PREFIX/lib/python3/dist-packages/kivo.py
+        for pattern in ("lib*/libkvi.so.1", "lib/*/libkvi.so.1"):
+            yield from map(str, sorted(parents[3].glob(pattern)))
+    yield "libkvi.so.1"
+
+
+def _library():
+    """libkvi, loaded at the first use."""
+    if _library.loaded is None:
+        reasons = []
+        for candidate in _candidates():
+            try:
+                _library.loaded = ctypes.CDLL(candidate)
+                break
+            except OSError as error:
+                reasons.append(str(error))
+        else:
+            raise Error("libkvi is not found: " + "; ".join(reasons))
+        _library.loaded.kvi_load_error.restype = c_char_p
+        _library.loaded.kvi_get_time_step.restype = c_float
+    return _library.loaded
+
+
+_library.loaded = None

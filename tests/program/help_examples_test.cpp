@@ -1,0 +1,94 @@
+// What the texts of the product directory tell users to type: it runs without an error.
+#include <thread>
+
+#include "tests/program/program_fixture.h"
+#include "tests/support/make_design.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+void make_example(const scratch_directory& directory, const std::string& name) {
+  make_design_of_file(directory, KIVO_SOURCE_DIR "/examples/" + name + "/" + name + ".gxt");
+}
+
+void expect_no_complaint(const scratch_directory& directory, const std::string& name) {
+  for (const auto& line : directory.lines(name + "/current_session"))
+    EXPECT_FALSE(line.starts_with("# !") && !line.starts_with("# !! warning")) << line;
+}
+
+// Of each "Example:" line the commands, by the help file.
+std::map<std::string, std::string> help_examples() {
+  std::map<std::string, std::string> examples;
+  constexpr std::string_view mark = "\nExample:";
+  for (const auto& file : fs::directory_iterator(KIVO_PRODUCT_DIR "/kivo/help")) {
+    const auto text = read_file(file.path());
+    for (auto at = text.find(mark); at != text.npos; at = text.find(mark, at + 1)) {
+      const auto from = text.find_first_not_of(' ', at + mark.size());
+      examples[file.path().filename()] += text.substr(from, text.find('\n', from) - from) + "\n";
+    }
+  }
+  return examples;
+}
+
+TEST(HelpExamples, EachRunsOnTheRegister) {
+  scratch_directory directory;
+  make_example(directory, "register");
+  fs::create_directory(directory.path() / "lib");
+  directory.write(
+      "expand.do",
+      "PRIMitive CLASS\nPROPerty INStance S CLASS\nPROPerty PIN S PIN\nPROPerty NET S NET\n");
+  auto examples = help_examples();
+  ASSERT_GT(examples.size(), 20U);
+  const auto question = examples.extract("kv_1_READLN");
+  ASSERT_FALSE(question.empty());
+  const auto after_run = examples.extract("kv_1_GIVE");
+  std::string commands = examples.extract("kv_1_RUN").mapped() + after_run.mapped();
+  for (const auto& [file, example] : examples) {
+    commands += example;
+    if (file == "kv_1_SEARCH") commands += "search /\n";
+    if (file == "kv_1_ACTIVATE" || file == "kv_1_ASSIGN") commands += "pop\n";
+    if (file == "kv_1_VIEW") commands += "view up\n";
+  }
+  directory.write("examples.do", commands);
+
+  test_process simulator(
+      {.directory = directory.path(), .words = {"register", "2"}, .program = KIVO_SIMLINK});
+  for (int i = 0; i < 200 && !fs::is_fifo(directory.path() / "register/Lorb_To_Spice_Fifo"); ++i)
+    std::this_thread::sleep_for(test_time(50));
+  test_session session(shared_display(), {.directory = directory.path(),
+                                          .words = {"register", "examples.do"},
+                                          .environment = {"VELMORAN=" KIVO_PRODUCT_DIR}});
+  session.settle();
+  session.command(question.mapped().substr(0, question.mapped().find('\n')));
+  session.command("XR");
+  session.wait_for_line(" READln $VAR1 instance_? XR ");
+  session.wait_for_line(" VIEw DOWn  XR");
+  session.command("bye");
+  EXPECT_NE(session.process().wait().out.find("...0 error, "), std::string::npos);
+  expect_no_complaint(directory, "register");
+  EXPECT_EQ(simulator.wait().out, "plot v(CLK) \nrun 10n\n");
+  EXPECT_TRUE(fs::exists(directory.path() / "started"));
+}
+
+TEST(HelpExamples, TheFirstRunOfTheIntroductionWorksOnBothExamples) {
+  const auto text = read_file(KIVO_PRODUCT_DIR "/kivo/introduction");
+  const auto at = text.find("\nA first run\n");
+  const auto from = text.find('\n', at + 1) + 1;
+  const auto commands = text.substr(from, text.find("  writes the netlist", from) - from);
+  ASSERT_NE(commands.find("run\n"), commands.npos);
+  for (const std::string name : {"register", "filter"}) {
+    scratch_directory directory;
+    make_example(directory, name);
+    directory.write("first.do", commands + "bye\n");
+    const auto ended =
+        run_program(shared_display(), {.directory = directory.path(), .words = {name, "first.do"}});
+    EXPECT_TRUE(ended.out.ends_with("...0 error, 0 warning --\n")) << ended.out;
+    expect_no_complaint(directory, name);
+    const auto netlist = run_program(
+        shared_display(), {.directory = directory.path(), .words = {name}, .program = KIVO_KVDUMP});
+    EXPECT_NE(netlist.out.find("\ninstance 14\n"), netlist.out.npos);
+  }
+}
+
+}  // namespace

@@ -1,0 +1,176 @@
+// Finding a place of the design and going there.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "app/find/go_to.h"
+#include "expand/store.h"
+#include "gx/db/geometry.h"
+#include "tests/unit/design_session.h"
+
+namespace {
+
+constexpr char hierarchy[] = R"(
+symbol leaf
+  pin A 0,0 IN
+  prop CLASS=R
+symbol block
+  pin A 0,0 IN
+symbol nosheet
+  pin A 0,0 IN
+sheet top
+  part X1 block 5,5
+  part X2 block 9,5
+  part R1 leaf 15,5
+  part N1 nosheet 19,5
+  net A
+    wire X1.A 5,8 9,8 X2.A
+sheet block
+  part Y1 deep 5,5
+  part Y2 leaf 9,5
+symbol deep
+  pin A 0,0 IN
+sheet deep
+  part Z1 leaf 5,5
+)";
+
+std::string place() {
+  return std::to_string(kv_pext.file_level_cur) + " " + std::string(gx_view(kv_pext.cur_sim_path));
+}
+
+TEST(GoTo, WalksUpAndDownSelectsAndSaysWhatIsMissing) {
+  design_session s(hierarchy);
+  const int net = s.net("A"), block = s.inst("X2");
+  EXPECT_EQ(kv_go_to("/x1/Y1", 0), "");
+  EXPECT_EQ(place(), "3 X1/Y1/");
+  const int leaf = s.inst("Z1");
+  ASSERT_NE(leaf, 0);
+  EXPECT_EQ(kv_go_to("/", block), "");
+  EXPECT_EQ(place(), "1 ");
+  EXPECT_TRUE(gx_inq_object_selected(s.file(), block));
+  EXPECT_EQ(kv_go_to("", net), "");
+  EXPECT_TRUE(gx_inq_object_selected(s.file(), net));
+  EXPECT_FALSE(gx_inq_object_selected(s.file(), block));
+
+  EXPECT_EQ(kv_go_to("X2/Y1/", leaf), "");
+  EXPECT_EQ(place(), "3 X2/Y1/");
+  const int pin = s.pin(leaf, 1).pinpropfam;
+  EXPECT_EQ(kv_go_to("/X2/Y1", pin), "");
+  EXPECT_TRUE(gx_inq_object_selected(s.file(), pin));
+  EXPECT_FALSE(gx_inq_object_selected(s.file(), leaf));
+  EXPECT_EQ(gx_vext.num_file_open, 3);
+
+  // What cannot be reached leaves all as it was.
+  EXPECT_EQ(kv_go_to("/X2/Y9", 0), "no such sheet : \"/X2/Y9\"");
+  EXPECT_EQ(kv_go_to("/N1", 0), "no such sheet : \"/N1\"");
+  for (const int id : {-1, 1, 30000}) {
+    EXPECT_EQ(kv_go_to("/X1", id), "no such object : " + std::to_string(id));
+  }
+  EXPECT_EQ(place(), "3 X2/Y1/");
+  EXPECT_TRUE(gx_inq_object_selected(s.file(), pin));
+}
+
+// A sheet with a bus, used twice, and the run of it.
+constexpr char registers[] = R"(
+symbol leaf
+  pin D 0,0 IN
+  pin Q 2,0 OUT
+  prop CLASS=R
+symbol bit
+  pin D 0,0 IN
+  pin Q 4,0 OUT
+symbol in
+  pin P 0,0 IXO NET=D
+  prop CLASS=PORTIN
+symbol out
+  pin P 0,0 IXO NET=Q
+  prop CLASS=PORTOUT
+sheet bit
+  part P1 in 2,2
+  part P2 out 20,2
+  part MP1 leaf 8,2
+  part MP2 leaf 14,2
+  net
+    wire P1.P MP1.D
+  net MID
+    wire MP1.Q MP2.D
+  net
+    wire MP2.Q P2.P
+sheet top
+  part XR bit 5,5
+  part XS bit 15,5
+  net D
+    wire XR.D 2,5
+  net LINK
+    wire XR.Q XS.D
+  net GROUND
+    wire XS.Q 22,5
+)";
+
+class Find : public testing::TestWithParam<bool> {
+ protected:
+  // `GetParam`: whether the design is expanded.
+  Find() {
+    kv_sext = kv_defref_exp_rec_t{};
+    kv_sext.designfile = ::open("/dev/null", O_RDWR);
+    if (!GetParam()) return;
+    for (const char* line :
+         {"primitive class", "prop inst s class", "prop pin s pin", "prop net s net", "run"})
+      s.run(line);
+  }
+  ~Find() override {
+    ::close(kv_sext.designfile);
+    kv_sext = kv_defref_exp_rec_t{};
+  }
+  design_session s{registers};
+};
+
+TEST_P(Find, AnyFormOfAPathLeadsToItsPlace) {
+  struct {
+    const char* typed;
+    const char* found;  // path and what it is
+    const char* place;
+  } constexpr cases[] = {
+      {"/XR/MP1", "/XR/MP1  instance", "2 XR/"},
+      {"xs.mp2.d", "/XS/MP2/D  pin", "2 XS/"},
+      {"R:MID", "/XR/MID  net", "2 XR/"},
+      {"m.xs.mp1", "/XS/MP1  instance", "2 XS/"},
+      {"link", "/LINK  net", "1 "},
+      {"/xr", "/XR  block", "1 "},
+      {"/XR/d", "/XR/D  pin", "1 "},
+      {"0", "/GROUND  net", "1 "},
+      {"/XS/MID*", "/XS/MID  net", "2 XS/"},
+  };
+  for (const auto& [typed, found, at] : cases) {
+    const auto lines = s.run("find path " + std::string(typed));
+    EXPECT_TRUE(lines.size() == 1 && lines[0].starts_with(" FINd PATh " + std::string(found)))
+        << typed << ": " << lines[0];
+    std::string here = place();
+    std::erase(here, GetParam() ? '/' : '\0');
+    std::string wanted = at;
+    std::erase(wanted, GetParam() ? '/' : '\0');
+    EXPECT_EQ(here, wanted) << typed;
+    EXPECT_FALSE(s.selected().empty());
+  }
+}
+
+TEST_P(Find, SeveralPlacesAreListedAndTakenByNumber) {
+  const auto lines = s.run("find path /x*");
+  ASSERT_EQ(lines.size(), 22U);
+  EXPECT_EQ(lines[20], "# ... and more ");
+  EXPECT_EQ(lines[21], " FINd PATh /x* ");
+  const auto both = s.run("find path /x*q");
+  EXPECT_EQ(both, (lines_t{"# FINd PATh /x*q ", "# !! Error : Path not found ? ",
+                           "# !! The longest part that exists : \"/\""}));
+  s.run("find path /xs/mp*");
+  const auto taken = s.run("find path 2");
+  ASSERT_EQ(taken.size(), 1U);
+  EXPECT_TRUE(taken[0].starts_with(" FINd PATh /XS/MP2  instance")) << taken[0];
+  EXPECT_EQ(s.run("find path xr.x9.m"),
+            (lines_t{"# FINd PATh xr.x9.m ", "# !! Error : Path not found ? ",
+                     "# !! The longest part that exists : \"/XR\""}));
+  EXPECT_EQ(s.run("find path 99").back(), "# !! The longest part that exists : \"/\"");
+}
+
+INSTANTIATE_TEST_SUITE_P(ExpandedOrNot, Find, testing::Bool());
+
+}  // namespace
