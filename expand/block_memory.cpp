@@ -11,7 +11,7 @@ namespace {
 
 // A large array lies in pages of this size where the system has them: one fault instead of 512.
 constexpr std::size_t huge_page = std::size_t{1} << 21;
-constexpr std::size_t largest_piece = std::size_t{1} << 25;
+constexpr std::size_t smallest_piece = std::size_t{1} << 16, largest_piece = std::size_t{1} << 25;
 constexpr std::size_t granule = 64;  // no two blocks share a line of the cache
 
 constexpr std::size_t round_up(std::size_t size, std::size_t to) {
@@ -64,7 +64,8 @@ std::byte* kv_block_memory::take(std::size_t size) {
   size = round_up(size, granule);
   if (size > static_cast<std::size_t>(end_ - next_)) {
     // A quarter more each time, so that little is taken in vain.
-    const std::size_t wanted = std::max(size, std::min(in_pieces_ / 4, largest_piece));
+    const std::size_t wanted =
+        std::max(size, std::clamp(in_pieces_ / 4, smallest_piece, largest_piece));
     const std::size_t piece = round_up(wanted, wanted < huge_page ? 4096 : huge_page);
     pieces_.push_back(map(piece));
     in_pieces_ += piece;

@@ -7,6 +7,7 @@
 #include <deque>
 #include <limits>
 #include <string>
+#include <utility>
 
 #include "gx/text/debug.h"
 #include "gx/text/session_state.h"
@@ -19,6 +20,7 @@ constexpr std::size_t max_line_length = 199;
 
 gx_list_drawer_t draw_list = nullptr;
 gx_list_reader_t read_line = nullptr;
+gx_list_catcher::take_t catcher;
 
 std::deque<std::string> waiting;  // the last lines of a batch
 bool is_batch = false;
@@ -87,6 +89,7 @@ gx_line_kind gx_kind_of_line(std::string_view text) {
 void gx_display_list(std::string_view text, gx_line_kind at_least) {
   text = text.substr(0, max_line_length);
   if (text.empty()) return;
+  if (catcher) return catcher(text);
   record(text, std::max(gx_kind_of_line(text), at_least));
   if (!gx_list.transcript_state) return;
   if (is_batch) {
@@ -151,6 +154,20 @@ void gx_count_error() {
   count(gx_session.num_errors);
 }
 void gx_count_warning() { count(gx_session.num_warnings); }
+
+gx_list_catcher::gx_list_catcher(take_t take)
+    : errors_(gx_session.num_errors),
+      warnings_(gx_session.num_warnings),
+      errors_in_all_(gx_session.errors_in_all) {
+  catcher = std::move(take);
+}
+
+gx_list_catcher::~gx_list_catcher() {
+  catcher = nullptr;
+  gx_session.num_errors = errors_;
+  gx_session.num_warnings = warnings_;
+  gx_session.errors_in_all = errors_in_all_;
+}
 
 void gx_set_list_drawer(gx_list_drawer_t drawer) { draw_list = drawer; }
 

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "expand/debug.h"
 #include "gx/text/arguments.h"
 #include "gx/text/strings.h"
 #include "tests/support/scratch_directory.h"
@@ -91,5 +92,11 @@ TEST(FatalStop, NamesTheCodeAndGivesBackInReverseOrder) {
   word.all = gx_status_base + 44;
   expect_stop([&] { gx_check(word); }, gx_code::current_file_invalid,
               " gx_check :  status.all <> gx_operation_ok : 100991020");
+  // Without a window there is no core to leave: a status, and the code on standard error.
+  gx_vext.batch = true;
+  const auto ends = testing::ExitedWithCode(gx_batch_stop_status);
+  EXPECT_EXIT(gx_set_status(gx_code::invalid_level), ends, "code : 42\n");
+  EXPECT_EXIT(kv_error_stop(), ends, "KV_ERROR_STOP");
+  gx_vext.batch = false;
 }
 }  // namespace
