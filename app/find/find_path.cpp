@@ -158,9 +158,8 @@ std::vector<std::int32_t> kv_search_nets(kv_drawings_t& drawings, std::string_vi
   }
   if (nets.empty()) nets = std::move(nets_of_pins);
   std::erase(nets, 0);
-  std::ranges::sort(nets);
-  const auto repeated = std::ranges::unique(nets);
-  nets.erase(repeated.begin(), repeated.end());
+  std::sort(nets.begin(), nets.end());
+  nets.erase(std::unique(nets.begin(), nets.end()), nets.end());
   if (nets.size() > most) nets.resize(most);
   return nets;
 }

@@ -50,7 +50,6 @@ TEST(HelpExamples, EachRunsOnTheRegister) {
     if (file == "kv_1_ACTIVATE" || file == "kv_1_ASSIGN") commands += "pop\n";
     if (file == "kv_1_FIND") commands += "view up\nview up\n";
     if (file == "kv_1_VIEW") commands += "view up\n";
-    if (file == "kv_1_FIND") commands += "view up\nview up\n";
   }
   directory.write("examples.do", commands);
 
