@@ -125,7 +125,7 @@ TEST_F(Interactive, KeysRunTheirCommands) {
   s.key(XK_Escape);
   // Unbound keys stay silent: the next line is the one typed.
   const std::size_t before = s.session_lines().size();
-  for (const KeySym key : {XK_F5, XK_F6, XK_F10}) s.key(key);
+  for (const KeySym key : {KeySym{XK_F5}, KeySym{XK_F6}, KeySym{XK_F10}}) s.key(key);
   s.key('o', s.control);
   s.command("smash off");
   s.wait_for_line(" SMAsh OFF ");
@@ -236,7 +236,7 @@ TEST_F(Interactive, ButtonTwoWithShiftPansAndOthersDoNothing) {
   const auto moved = s.picture();
   // The filled frame of the block went along: to the right and up.
   for (const auto& [x, y] : {std::pair{block_x - 117, block_y}, {block_x, block_y - 88}}) {
-    const auto near = [&](const test_picture& p, int dx, int dy) {
+    const auto near = [&, x = x, y = y](const test_picture& p, int dx, int dy) {
       return p.count(yellow, x + dx - 60, y + dy - 60, x + dx + 60, y + dy + 60);
     };
     EXPECT_GT(near(before, 0, 0), 20);
@@ -503,7 +503,7 @@ TEST_F(Interactive, TheWindowMayChangeItsSize) {
     // The command viewport has its border at its share of the new size, active or not; the sheet
     // is in the edit viewport.
     const int x0 = width * 4 / 1000, x1 = width * 733 / 1000;
-    const auto border = [&](std::uint32_t color) {
+    const auto border = [&, height = height](std::uint32_t color) {
       return picture.count(color, x0, height * 95 / 100, x1, height - 1);
     };
     EXPECT_GT(border(magenta) + border(blue), (x1 - x0) * 2);
