@@ -108,7 +108,10 @@ int kv_run_batch(const kv_batch_t& batch) {
   x_file commands;
   if (batch.do_file == standard_input) commands = take_standard_input();
   store_words(batch);
-  kv_open_debug_file();
+  if (batch.trace) {
+    kv_open_debug_file();
+    kv_open_engine_trace();
+  }
   initparam_before();
   kv_open_batch_output(batch.quiet);
   if (!kv_open_session()) {

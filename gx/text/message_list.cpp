@@ -63,6 +63,9 @@ void show_end() {
   if (draw_list != nullptr) draw_list();
 }
 
+// In the scroll-back; without a user nobody scrolls.
+bool is_kept() { return gx_list.transcript_state && !gx_session.batch; }
+
 void record(std::string_view text, gx_line_kind kind) {
   gx_list.worst = std::max(gx_list.worst, kind);
   if (gx_session.cursessfile != nullptr) {
@@ -91,7 +94,7 @@ void gx_display_list(std::string_view text, gx_line_kind at_least) {
   if (text.empty()) return;
   if (catcher) return catcher(text);
   record(text, std::max(gx_kind_of_line(text), at_least));
-  if (!gx_list.transcript_state) return;
+  if (!is_kept()) return;
   if (is_batch) {
     waiting.emplace_back(text);
     if (waiting.size() > gx_max_list_lines) waiting.pop_front();
@@ -139,11 +142,11 @@ bool gx_display_file_invplist(std::string_view path) {
     gx_string_record_t shown;
     gx_concat_all(shown, "# \"", gx_view(line), "\" ");
     record(gx_view(shown), gx_line_kind::plain);
-    if (!gx_list.transcript_state) continue;
+    if (!is_kept()) continue;
     keep(gx_view(shown));
     if (gx_list.nlinlist_held == 0) gx_list.nlinlist_held = gx_list.nlinlist_end;
   }
-  if (gx_list.transcript_state) show_end();  // once: only one page stays in sight
+  if (is_kept()) show_end();  // once: only one page stays in sight
   return true;
 }
 
