@@ -36,6 +36,7 @@
 #include "gx/text/text_files.h"
 #include "gx/vext.h"
 #include "platform/files.h"
+#include "platform/stop_signals.h"
 
 namespace {
 constexpr std::int16_t lines_in_view = 7;
@@ -94,7 +95,7 @@ void open_window(const gx_string_record_t& design) {
 
 void open_transcript() {
   constexpr char failure[] = "impossible to open current_session_file";
-  const gx_string_record_t name = design_file("/current_session");
+  const gx_string_record_t name = gx_vext.cursessname = design_file("/current_session");
   gx_vext.cursessfile = gx_popen_file(gx_view(name), 'W', false);
   if (gx_vext.cursessfile == nullptr) {
     const std::string why = x_why(errno);
@@ -228,6 +229,7 @@ bool close_file(std::FILE*& file) {
 bool kv_open_session() {
   const gx_string_record_t design = design_file("");
   open_window(design);
+  x_watch_stop_signals();  // up to here there is nothing to end in order
   open_transcript();
   kv_init_menu_action();
   gx_debug("# INITIALIZE :  KV_INIT_MENU_ACTION    done \n");
