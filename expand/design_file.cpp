@@ -59,7 +59,7 @@ class image_writer {
 
  private:
   static constexpr std::size_t capacity = 1 << 18;
-  static constexpr off_t stretch = 1 << 23;
+  static constexpr off_t stretch = 1 << 20;
   int fd_;
   std::unique_ptr<std::uint8_t[]> buffer_;
   std::size_t used_ = 0;

@@ -24,13 +24,14 @@ namespace {
 constexpr tool_t program = {
     "kivo",
     "usage: kivo DESIGN [DO-FILE [ARGUMENT]...]\n"
-    "       kivo --batch [-q] [--strict] DESIGN DO-FILE [ARGUMENT]...\n"
+    "       kivo --batch [-q] [--strict] [--trace] DESIGN DO-FILE [ARGUMENT]...\n"
     "Opens the design directory DESIGN in a window on the X display and runs the commands of\n"
     "DO-FILE, in which $ARG1 to $ARG28 stand for the ARGUMENTs.\n"
     "  --batch      without a window: runs the commands, prints what they answer and ends; a\n"
     "               DO-FILE \"-\" is standard input, each line answered at once\n"
     "  -q, --quiet  prints only errors and warnings\n"
     "  --strict     takes warnings as errors\n"
+    "  --trace      writes the traces debug_kivo and debug_kivo2, as the window does\n"
     "  --help, --version\n"
     "Exit status of a batch: 0 no error, 1 errors, 2 nothing to begin with, 3 a fatal stop.\n"};
 
@@ -88,7 +89,8 @@ int run_with_options(int argc, char** argv) {
   const tool_option_t options[] = {{.name = "--batch", .flag = &is_batch},
                                    {.name = "--quiet", .flag = &batch.quiet},
                                    {.name = "-q", .flag = &batch.quiet},
-                                   {.name = "--strict", .flag = &batch.strict}};
+                                   {.name = "--strict", .flag = &batch.strict},
+                                   {.name = "--trace", .flag = &batch.trace}};
   if (const auto ended = tool_read(program, argc, argv, options, words, 2)) return *ended;
   if (!is_batch) return tool_usage_error(program, "options are for --batch");
   if (words.size() < 2) return tool_usage_error(program, "--batch wants a DESIGN and a DO-FILE");
@@ -99,7 +101,7 @@ int run_with_options(int argc, char** argv) {
   kv_find_installation("/proc/self/exe");
   const int status = kv_run_batch(batch);
   std::fflush(nullptr);
-  std::_Exit(status);
+  std::_Exit(status);  // the memory of the netlist is not given back piece by piece
 }
 }  // namespace
 

@@ -18,10 +18,10 @@ namespace {
 constexpr double patience = 2;  // seconds
 
 // Where nobody looks at a window somebody may look at a terminal: there the line is written over
-// the one before it.
+// the one before it, and a line of the list over it.
 void show_on_terminal(std::string_view line) {
   if (isatty(STDERR_FILENO) == 0) return;
-  std::fprintf(stderr, "\r%.*s\033[K", static_cast<int>(line.size()), line.data());
+  std::fprintf(stderr, "%.*s\033[K\r", static_cast<int>(line.size()), line.data());
 }
 
 void show(std::string_view line) {

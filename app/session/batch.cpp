@@ -110,7 +110,10 @@ int kv_run_batch(const kv_batch_t& batch) {
   x_file commands;
   if (batch.do_file == standard_input) commands = take_standard_input();
   store_words(batch);
-  kv_open_debug_file();
+  if (batch.trace) {
+    kv_open_debug_file();
+    kv_open_engine_trace();
+  }
   initparam_before();
   kv_open_batch_output(batch.quiet);
   if (!kv_open_session()) {
@@ -125,7 +128,7 @@ int kv_run_batch(const kv_batch_t& batch) {
   } else {
     kv_run_start_up_file();
   }
-  if (!kv_finish_session()) {
+  if (!kv_finish_session() && !gx_vext.cursess_lost) {
     std::fprintf(stderr, "kivo: %.*s/current_session: %s\n", static_cast<int>(batch.design.size()),
                  batch.design.data(), x_why(errno).c_str());
     all_done = false;

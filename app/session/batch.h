@@ -8,6 +8,7 @@
 struct kv_batch_t {
   bool quiet = false;             // of the lines only errors and warnings are printed
   bool strict = false;            // a warning makes the status that of an error
+  bool trace = false;             // the debug files are written
   const char* program = "";       // word 0 of the command line
   std::string_view design = {};   // its directory
   std::string_view do_file = {};  // "-": standard input

@@ -10,6 +10,7 @@ void kivo_root(int argc, char** argv);
 // The parts of a run, in this order. Without a window (gx_vext.batch) they make none and print no
 // banner.
 void kv_open_debug_file();    // the arguments are stored and the design directory is named
+void kv_open_engine_trace();  // the engine's, in the current directory; in a batch when asked for
 void initparam_before();      // resets the application state
 bool kv_open_session();       // the window, the files of the run; false: no sheet to work on
 void kv_begin_session();      // the first picture

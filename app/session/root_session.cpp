@@ -117,11 +117,16 @@ void open_outputs() {
       std::printf("!! Error : \"%.*s\" : %s\n", design.len, design.char_, why.c_str());
     refuse_start("impossible to open  designfile_name", design, why);
   }
+}
+}  // namespace
 
+void kv_open_engine_trace() {
   const gx_string_record_t trace = gx_string("debug_kivo2");
   kv_debf = gx_popen_file(gx_view(trace), 'W', false);
   if (kv_debf == nullptr) refuse_start("impossible to open  DEBUG file  2 ", trace, x_why(errno));
 }
+
+namespace {
 
 void take_start_up_file() {
   gx_get_arg(3, kv_pext.init_do_file);
@@ -230,6 +235,7 @@ bool kv_open_session() {
   kv_init_menu_action();
   gx_debug("# INITIALIZE :  KV_INIT_MENU_ACTION    done \n");
   open_outputs();
+  if (!gx_vext.batch) kv_open_engine_trace();
   take_start_up_file();
   const bool has_sheet = open_primary_sheet(design) && show_whether_sheet(design);
   if (has_sheet) prepare_sheet();

@@ -3,7 +3,7 @@ _kivo_programs() {
   local current=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]} options=
   COMPREPLY=()
   case ${1##*/} in
-    kivo) options='--batch --quiet -q --strict' ;;
+    kivo) options='--batch --quiet -q --strict --trace' ;;
     gxmake) options='-o -a -q --array --variants' ;;
     gxdump) options='-C --source --all --format' ;;
     gximport) options='-o -L --format --number --absolute -q --quiet' ;;

@@ -66,6 +66,9 @@ void show_end() {
   if (draw_list != nullptr) draw_list();
 }
 
+// In the scroll-back; without a user nobody scrolls.
+bool is_kept() { return gx_list.transcript_state && !gx_session.batch; }
+
 // A session file that takes no more, of a full disk say, is told once until it takes a line again.
 void write_to_session(std::string_view text) {
   auto& session = gx_session;
@@ -76,9 +79,13 @@ void write_to_session(std::string_view text) {
   session.cursess_lost = std::ferror(session.cursessfile) != 0;
   if (!session.cursess_lost) return;
   const int error = errno;
-  std::clearerr(session.cursessfile);
+  if (!session.batch) std::clearerr(session.cursessfile);
   if (was_lost) return;
   gx_count_error();
+  if (session.batch) {
+    std::fprintf(stderr, "kivo: %s: %s\n", session.cursessname.char_, x_why(error).c_str());
+    return;
+  }
   keep(std::string("# !! Error : impossible to write the session file : \"")
            .append(gx_view(session.cursessname))
            .append("\" : ")
@@ -110,7 +117,7 @@ void gx_display_list(std::string_view text, gx_line_kind at_least) {
   if (text.empty()) return;
   if (catcher) return catcher(text);
   record(text, std::max(gx_kind_of_line(text), at_least));
-  if (!gx_list.transcript_state) return;
+  if (!is_kept()) return;
   if (is_batch) {
     waiting.emplace_back(text);
     if (waiting.size() > gx_max_list_lines) waiting.pop_front();
@@ -158,11 +165,11 @@ bool gx_display_file_invplist(std::string_view path, bool (*stop_asked)()) {
     gx_string_record_t shown;
     gx_concat_all(shown, "# \"", gx_view(line), "\" ");
     record(gx_view(shown), gx_line_kind::plain);
-    if (!gx_list.transcript_state) continue;
+    if (!is_kept()) continue;
     keep(gx_view(shown));
     if (gx_list.nlinlist_held == 0) gx_list.nlinlist_held = gx_list.nlinlist_end;
   }
-  if (gx_list.transcript_state) show_end();  // once: only one page stays in sight
+  if (is_kept()) show_end();  // once: only one page stays in sight
   return true;
 }
 
