@@ -42,6 +42,7 @@ void drop_blocks() {
   kv_sext.net_childs = {};
   kv_sext.macros = {};
   kv_sext.pinms = {};
+  kv_limit_design(kv_sext, kv_sext.store_size);
 }
 
 // The first run of a session: its store has no blocks yet.

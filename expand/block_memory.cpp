@@ -11,17 +11,22 @@ namespace {
 
 // A large array lies in pages of this size where the system has them: one fault instead of 512.
 constexpr std::size_t huge_page = std::size_t{1} << 21;
-constexpr std::size_t largest_piece = std::size_t{1} << 25;
+constexpr std::size_t smallest_piece = std::size_t{1} << 16, largest_piece = std::size_t{1} << 25;
 constexpr std::size_t granule = 64;  // no two blocks share a line of the cache
 
 constexpr std::size_t round_up(std::size_t size, std::size_t to) {
   return (size + to - 1) / to * to;
 }
 
+// Without room the program's new-handler has its say, as for `new`.
 std::byte* map_pages(std::size_t size) {
-  void* pages = ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-  if (pages == MAP_FAILED) throw std::bad_alloc();
-  return static_cast<std::byte*>(pages);
+  for (;;) {
+    void* pages = ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (pages != MAP_FAILED) return static_cast<std::byte*>(pages);
+    const auto without_memory = std::get_new_handler();
+    if (without_memory == nullptr) throw std::bad_alloc();
+    without_memory();
+  }
 }
 
 // `size` bytes at a multiple of huge pages: what was mapped around them is given back.
@@ -64,7 +69,8 @@ std::byte* kv_block_memory::take(std::size_t size) {
   size = round_up(size, granule);
   if (size > static_cast<std::size_t>(end_ - next_)) {
     // A quarter more each time, so that little is taken in vain.
-    const std::size_t wanted = std::max(size, std::min(in_pieces_ / 4, largest_piece));
+    const std::size_t wanted =
+        std::max(size, std::clamp(in_pieces_ / 4, smallest_piece, largest_piece));
     const std::size_t piece = round_up(wanted, wanted < huge_page ? 4096 : huge_page);
     pieces_.push_back(map(piece));
     in_pieces_ += piece;

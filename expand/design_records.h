@@ -39,18 +39,16 @@ constexpr kv_field_t<Record, std::int32_t> kv_index(std::size_t offset, std::str
   return {offset, name, member, target};
 }
 
-// Fields that are in the record only when `holds` says so; `when` says it in words.
-template <typename Record, typename Fields>
+// Fields that are in the record only when `Holds` says so; `when` says it in words.
+template <auto Holds, typename Fields>
 struct kv_variant_t {
   std::string_view when;
-  bool (*holds)(const Record& record);
   Fields fields;
+  static constexpr bool holds(const auto& record) { return Holds(record); }
 };
-template <typename Record, typename... Member>
-constexpr auto kv_variant(std::string_view when, bool (*holds)(const Record&),
-                          kv_field_t<Record, Member>... fields) {
-  return kv_variant_t<Record, std::tuple<kv_field_t<Record, Member>...>>{when, holds,
-                                                                         std::tuple{fields...}};
+template <auto Holds, typename... Field>
+constexpr auto kv_variant(std::string_view when, Field... fields) {
+  return kv_variant_t<Holds, std::tuple<Field...>>{when, std::tuple{fields...}};
 }
 
 // The layout of `Record`: its size in bytes, its fields, and the variants behind them.
@@ -132,11 +130,11 @@ struct kv_layout<kv_prop_record_t> {
   }
   static constexpr std::tuple fields{kv_field(0, "prop_type", &record::prop_type)};
   static constexpr std::tuple variants{
-      kv_variant("prop_type 0", is<kv_prop_string>,
-                 kv_index(4, "valuec", &record::valuec, kv_array::strings)),
-      kv_variant("prop_type 1", is<kv_prop_int>, kv_field(4, "valuei", &record::valuei)),
-      kv_variant("prop_type 2", is<kv_prop_time>, kv_field(4, "valuet", &record::valuet)),
-      kv_variant("prop_type 3", is<kv_prop_real>, kv_field(4, "valuer", &record::valuer))};
+      kv_variant<is<kv_prop_string>>("prop_type 0",
+                                     kv_index(4, "valuec", &record::valuec, kv_array::strings)),
+      kv_variant<is<kv_prop_int>>("prop_type 1", kv_field(4, "valuei", &record::valuei)),
+      kv_variant<is<kv_prop_time>>("prop_type 2", kv_field(4, "valuet", &record::valuet)),
+      kv_variant<is<kv_prop_real>>("prop_type 3", kv_field(4, "valuer", &record::valuer))};
 };
 
 template <>
@@ -214,13 +212,14 @@ struct kv_layout<kv_net_record_t> {
       kv_index(144, "father_net", &record::father_net, kv_array::nets),
       kv_index(152, "next_sub_net", &record::next_sub_net, kv_array::nets)};
   static constexpr std::tuple variants{
-      kv_variant("net_type 1, 2", is_no_bus, kv_field(64, "state_init", &record::state_init),
-                 kv_field(68, "cur_state", &record::cur_state),
-                 kv_field(80, "old_state", &record::old_state), kv_field(92, "rise", &record::rise),
-                 kv_field(104, "fall", &record::fall)),
-      kv_variant("net_type 3", is_bus, kv_field(64, "net_bus_start", &record::net_bus_start),
-                 kv_field(66, "net_bus_end", &record::net_bus_end),
-                 kv_index(68, "netind_start", &record::netind_start, kv_array::nets))};
+      kv_variant<is_no_bus>("net_type 1, 2", kv_field(64, "state_init", &record::state_init),
+                            kv_field(68, "cur_state", &record::cur_state),
+                            kv_field(80, "old_state", &record::old_state),
+                            kv_field(92, "rise", &record::rise),
+                            kv_field(104, "fall", &record::fall)),
+      kv_variant<is_bus>("net_type 3", kv_field(64, "net_bus_start", &record::net_bus_start),
+                         kv_field(66, "net_bus_end", &record::net_bus_end),
+                         kv_index(68, "netind_start", &record::netind_start, kv_array::nets))};
 };
 
 template <>

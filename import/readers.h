@@ -14,6 +14,8 @@ struct gxi_input_t {
 };
 
 gxi_design_t gxi_read_xschem(const gxi_input_t& input);
+gxi_design_t gxi_read_lepton(const gxi_input_t& input);
 
 // Whether the head of a file looks like the format.
 bool gxi_is_xschem(std::string_view text);
+bool gxi_is_lepton(std::string_view text);

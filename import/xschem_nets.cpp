@@ -2,37 +2,13 @@
 #include "import/xschem_nets.h"
 
 #include <algorithm>
-#include <numeric>
 
 #include "gx/text/strings.h"
-#include "import/runs.h"
+#include "import/joining.h"
 #include "import/xschem_labels.h"
 #include "import/xschem_picture.h"
 
 namespace {
-
-// Groups of things that are joined; the smallest member stands for its group.
-class groups_t {
- public:
-  explicit groups_t(std::size_t size) : parent_(size) {
-    std::iota(parent_.begin(), parent_.end(), 0);
-  }
-  int root(int i) {
-    while (parent_[static_cast<std::size_t>(i)] != i) {
-      auto& up = parent_[static_cast<std::size_t>(i)];
-      i = up = parent_[static_cast<std::size_t>(up)];
-    }
-    return i;
-  }
-  void join(int a, int b) {
-    a = root(a);
-    b = root(b);
-    parent_[static_cast<std::size_t>(std::max(a, b))] = std::min(a, b);
-  }
-
- private:
-  std::vector<int> parent_;
-};
 
 class joiner {
  public:
@@ -72,36 +48,18 @@ class joiner {
 
   void join_by_place() {
     std::vector<gxi_span_t> spans;
-    std::vector<gx_pointreal_t> points;
-    std::vector<int> owners;
-    for (std::size_t i = 0; i < wires_.size(); ++i) {
-      const auto from = gxi_xschem_point(wires_[i]->points[0]);
-      const auto to = gxi_xschem_point(wires_[i]->points[1]);
-      spans.push_back({from, to});
-      for (const auto& end : {from, to}) {
-        points.push_back(end);
-        owners.push_back(static_cast<int>(i));
-      }
-    }
+    std::vector<gxi_met_pin_t> pins;
+    for (const auto* wire : wires_)
+      spans.push_back({gxi_xschem_point(wire->points[0]), gxi_xschem_point(wire->points[1])});
     for (std::size_t i = 0; i < components_.size(); ++i) {
       const auto& placed = components_[i];
       if (placed.ignored) continue;
       for (std::size_t pin = 0; pin < placed.pins.size(); ++pin) {
-        points.push_back(placed.pins[pin]);
-        owners.push_back(member(i, pin));
+        pins.push_back({placed.pins[pin], member(i, pin)});
         if (placed.shorted) groups_.join(member(i, 0), member(i, pin));
       }
     }
-    std::map<std::pair<std::int32_t, std::int32_t>, int> at;
-    for (std::size_t i = 0; i < points.size(); ++i) {
-      const auto [found, is_new] = at.emplace(std::pair(points[i].x, points[i].y), owners[i]);
-      if (!is_new) groups_.join(found->second, owners[i]);
-    }
-    for (const auto& run : gxi_runs(spans, points)) {
-      for (const int span : run.spans) groups_.join(run.spans.front(), span);
-      for (const int point : run.points)
-        groups_.join(run.spans.front(), owners[static_cast<std::size_t>(point)]);
-    }
+    gxi_join_places(groups_, spans, pins, true);
   }
 
   // --- names: by the member that stands for a group
@@ -212,7 +170,7 @@ class joiner {
   gxm_messages_t& messages_;
   int nb_of_pins_ = 0;
   std::vector<int> first_pin_;
-  groups_t groups_;
+  gxi_groups_t groups_;
   std::map<int, std::string> names_;
   std::map<int, std::size_t> unnamed_;
   gxi_xschem_nets_t result_;

@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "gx/text/strings.h"
+#include "import/kept_properties.h"
 #include "import/netlist_text.h"
 #include "import/placement.h"
 #include "import/readers.h"
@@ -44,7 +45,7 @@ class xschem_reader {
     }
     read_sheet(0, symbol, top);
     declare_globals();
-    keep_most_used();
+    gxi_keep_most_used(design_, std::move(uses_));
     return std::move(design_);
   }
 
@@ -440,15 +441,6 @@ class xschem_reader {
         for (auto& net : one.sheet->nets)
           if (net.port.empty() && net.global.empty() && globals_.contains(upper(net.name)))
             net.global = net.name;
-  }
-
-  void keep_most_used() {
-    for (const auto& one : design_.cells)
-      for (const auto& property : one.symbol.defaults) ++uses_[property.name];
-    std::vector<std::pair<int, std::string>> order;
-    for (const auto& [name, count] : uses_) order.emplace_back(-count, name);
-    std::sort(order.begin(), order.end());
-    for (const auto& [count, name] : order) design_.kept_of_instances.push_back(name);
   }
 
   const gxi_input_t& input_;

@@ -3,12 +3,12 @@
 
 #include <algorithm>
 #include <array>
-#include <fstream>
 #include <sstream>
 #include <stdexcept>
 
 #include "gx/text/strings.h"
 #include "import/netlist_text.h"
+#include "import/source_file.h"
 #include "import/xschem_labels.h"
 
 namespace {
@@ -144,12 +144,9 @@ std::optional<fs::path> gxi_xschem_library_t::find(const std::string& name,
 }
 
 std::pair<gxi_xschem_file_t, std::string_view> gxi_xschem_library_t::read(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) throw std::runtime_error(path.string() + ":1: cannot be read");
-  std::ostringstream bytes;
-  bytes << in.rdbuf();
+  const auto bytes = gxi_read_source(path);
   const std::string_view name = design_.files.emplace_back(path.lexically_normal().string());
-  return {gxi_read_xschem_records(std::move(bytes).str(), {name, 0}, design_.warnings), name};
+  return {gxi_read_xschem_records(bytes, {name, 0}, design_.warnings), name};
 }
 
 std::unique_ptr<gxi_xschem_symbol_t> gxi_xschem_library_t::make(const std::string& name,

@@ -1,7 +1,9 @@
 // gximport: makes a design directory from a drawing of another editor.
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -19,7 +21,7 @@ constexpr tool_t tool = {
     "  -o DIRECTORY   where the design goes; a file there is replaced by a new version only where\n"
     "                 its contents changed\n"
     "  -L LIBRARY     where symbols are looked for first; may be given again\n"
-    "  --format NAME  xschem (default: told from the file)\n"
+    "  --format NAME  xschem or lepton (default: told from the file)\n"
     "  --number NAME  keeps the property NAME of instances as a number: its values are written\n"
     "                 plain (10u as 0.00001); may be given again\n"
     "  --absolute     sheets name their symbols by absolute paths\n"
@@ -27,13 +29,21 @@ constexpr tool_t tool = {
     "  --help, --version\n"
     "Exit status: 0 imported, 1 refused (nothing is written), 2 wrong options.\n"};
 
-bool looks_like_xschem(const std::filesystem::path& path) {
+struct format_t {
+  std::string_view name;
+  bool (*is)(std::string_view head);
+  gxi_design_t (*read)(const gxi_input_t& input);
+};
+constexpr format_t formats[] = {{"xschem", gxi_is_xschem, gxi_read_xschem},
+                                {"lepton", gxi_is_lepton, gxi_read_lepton}};
+
+std::string head_of(const std::filesystem::path& path) {
   std::ifstream in(path, std::ios::binary);
   if (!in) throw std::runtime_error(path.string() + ":1: cannot be read");
   std::string head(256, '\0');
   in.read(head.data(), static_cast<std::streamsize>(head.size()));
   head.resize(static_cast<std::size_t>(in.gcount()));
-  return gxi_is_xschem(head);
+  return head;
 }
 
 }  // namespace
@@ -52,7 +62,9 @@ int main(int argc, char** argv) try {
   if (const auto ended = tool_read(tool, argc, argv, options, words)) return *ended;
   if (root.empty()) return tool_usage_error(tool, "no -o DIRECTORY given");
   if (words.empty()) return tool_usage_error(tool, "no TOP.sch given");
-  if (!format.empty() && format != "xschem")
+  const auto named = [&](const format_t& known) { return known.name == format; };
+  auto known = std::find_if(std::begin(formats), std::end(formats), named);
+  if (!format.empty() && known == std::end(formats))
     return tool_usage_error(tool, "unknown format " + std::string(format));
 
   gxi_input_t input;
@@ -61,10 +73,15 @@ int main(int argc, char** argv) try {
   gxi_output_t output{.root = root, .date = gxm_date_of_files()};
   output.numbers.assign(numbers.begin(), numbers.end());
   output.absolute = absolute;
-  if (format.empty() && !looks_like_xschem(input.pages.front()))
+  if (format.empty()) {
+    const auto head = head_of(input.pages.front());
+    known = std::find_if(std::begin(formats), std::end(formats),
+                         [&](const format_t& one) { return one.is(head); });
+  }
+  if (known == std::end(formats))
     throw std::runtime_error(input.pages.front().string() + ":1: no drawing of a known format");
 
-  auto design = gxi_read_xschem(input);
+  auto design = known->read(input);
   const auto sum = gxi_write(design, output);
   if (quiet) return 0;
   std::printf("%s: %d cells, %d sheets, %d instances, %d nets; %d of %d files written\n",

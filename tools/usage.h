@@ -102,3 +102,12 @@ inline std::optional<int> tool_read(const tool_t& tool, int argc, char** argv,
   }
   return std::nullopt;
 }
+
+// A program that reads nothing from its command line.
+template <typename Run>
+int tool_without_words(const tool_t& tool, int argc, char** argv, Run run) {
+  std::vector<std::string_view> words;
+  if (const auto ended = tool_read(tool, argc, argv, {}, words)) return *ended;
+  if (!words.empty()) return tool_usage_error(tool, "no argument is wanted");
+  return tool_end(tool, run());
+}

@@ -72,6 +72,7 @@ using kv_command_rows_t = std::span<const kv_command_row_t>;
 // The rows of each commands file.
 kv_command_rows_t kv_session_commands();    // session/commands_session
 kv_command_rows_t kv_check_commands();      // check/check_sheet
+kv_command_rows_t kv_finding_commands();    // check/commands_findings
 kv_command_rows_t kv_expand_commands();     // run/commands_expand
 kv_command_rows_t kv_explain_commands();    // find/commands_explain
 kv_command_rows_t kv_file_commands();       // language/commands_files

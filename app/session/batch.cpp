@@ -14,12 +14,15 @@
 #include "app/session/batch_output.h"
 #include "app/session/root.h"
 #include "app/state.h"
+#include "gx/db/object_access.h"
 #include "gx/text/arguments.h"
 #include "gx/text/message_list.h"
 #include "gx/text/strings.h"
 #include "gx/text/text_files.h"
 #include "gx/vext.h"
 #include "platform/files.h"
+#include "platform/stop_signals.h"
+#include "platform/stoppable_input.h"
 
 namespace {
 constexpr std::string_view standard_input = "-";
@@ -68,9 +71,10 @@ void store_words(const kv_batch_t& batch) {
 // Standard input for this program alone: what the commands start does not read from it.
 x_file take_standard_input() {
   x_descriptor own(::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3));
-  if (!own) kv_refuse_run("standard input: " + x_why(errno), 0);
-  x_file stream(::fdopen(own.get(), "r"));
-  if (stream) own.release();
+  if (!own || ::read(own.get(), nullptr, 0) < 0)
+    kv_refuse_run("standard input: " + x_why(errno), 0);
+  x_file stream = x_stoppable_input(
+      std::move(own), [] { return x_stop_signal() != 0; }, -1);
   const x_descriptor nothing(xfopen("/dev/null", O_RDONLY | O_CLOEXEC, 0));
   if (nothing) ::dup2(nothing.get(), STDIN_FILENO);
   return stream;
@@ -78,19 +82,22 @@ x_file take_standard_input() {
 
 // False when it could not be read to its end.
 bool answer_standard_input(std::FILE* commands) {
-  gx_string_record_t line;
-  while (!gx_vext.end_flag && gx_read_one_line(commands, line)) {
-    kv_process_line(line, kv_pext.ext_arg, kv_pext.top_var);
+  const auto next_line = [&](gx_string_record_t& line) {
+    if (gx_vext.end_flag || x_stop_signal() != 0) return false;
     kv_flush_batch_output();
     std::fflush(gx_vext.cursessfile);
-  }
+    return gx_read_one_line(commands, line);
+  };
+  for (gx_string_record_t line; next_line(line);)
+    kv_process_line(line, kv_pext.ext_arg, kv_pext.top_var);
   if (std::ferror(commands) == 0) return true;
   std::fprintf(stderr, "kivo: standard input: %s\n", x_why(errno).c_str());
   return false;
 }
 
-bool has_faults(const kv_batch_t& batch) {
-  if (gx_vext.num_errors > 0 || gx_vext.worst == gx_line_kind::error) return true;
+// `inherited` errors are those that the sheet's own header tells of.
+bool has_faults(const kv_batch_t& batch, int inherited) {
+  if (gx_vext.num_errors > inherited || gx_vext.worst == gx_line_kind::error) return true;
   return batch.strict && (gx_vext.num_warnings > 0 || gx_vext.worst == gx_line_kind::warning);
 }
 }  // namespace
@@ -111,6 +118,7 @@ int kv_run_batch(const kv_batch_t& batch) {
     return kv_unusable_status;
   }
   kv_begin_session();
+  const int inherited = gx_ptrto_gene_file_buf(kv_pext.file_id_cur).num_errors;
   bool all_done = true;
   if (commands) {
     all_done = answer_standard_input(commands.get());
@@ -124,5 +132,5 @@ int kv_run_batch(const kv_batch_t& batch) {
   }
   if (!batch.quiet) kv_print_summary();
   if (!kv_flush_batch_output()) all_done = false;
-  return all_done && !has_faults(batch) ? 0 : 1;
+  return kv_exit_status(all_done && !has_faults(batch, inherited) ? 0 : 1);
 }

@@ -2,7 +2,9 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <string>
 #include <utility>
@@ -34,6 +36,7 @@
 #include "gx/text/text_files.h"
 #include "gx/vext.h"
 #include "platform/files.h"
+#include "platform/stop_signals.h"
 
 namespace {
 constexpr std::int16_t lines_in_view = 7;
@@ -52,6 +55,13 @@ gx_string_record_t design_file(std::string_view name) {
 
 std::string quoted(const gx_string_record_t& text) {
   return "\"" + std::string(gx_view(text)) + "\"";
+}
+
+// What is wrong with the design, to the one who waits for its session.
+void tell_unusable(const std::string& message) {
+  std::fprintf(gx_vext.batch ? stderr : stdout, "%s%s\n", gx_vext.batch ? "kivo: " : "",
+               message.c_str());
+  gx_count_error();
 }
 
 // A failure that leaves nothing to run.
@@ -85,7 +95,7 @@ void open_window(const gx_string_record_t& design) {
 
 void open_transcript() {
   constexpr char failure[] = "impossible to open current_session_file";
-  const gx_string_record_t name = design_file("/current_session");
+  const gx_string_record_t name = gx_vext.cursessname = design_file("/current_session");
   gx_vext.cursessfile = gx_popen_file(gx_view(name), 'W', false);
   if (gx_vext.cursessfile == nullptr) {
     const std::string why = x_why(errno);
@@ -132,9 +142,7 @@ bool open_primary_sheet(const gx_string_record_t& design) {
   level1.file_index = gx_vext.batch ? gx_file_try_open(gx_view(design), sheet_type, why)
                                     : gx_file_open_sound(gx_view(design), sheet_type, why);
   if (level1.file_index == 0) {
-    if (gx_vext.batch) kv_refuse_run(why, 0);
-    std::printf("!! error in open file : %s\n", why.c_str());
-    gx_count_error();
+    tell_unusable("!! error in open file : " + why);
     gx_debug("!!! error : INITIALIZE  : %s\n", why.c_str());
     return false;
   }
@@ -150,9 +158,7 @@ bool show_whether_whole(const gx_file_gene_recf_t& sheet) {
   const std::string fault = gx_sheet_fault(sheet);
   if (fault.empty()) return true;
   const auto& path = gx_vext.filear[static_cast<std::size_t>(sheet.file_index)].file_pathname;
-  std::fprintf(gx_vext.batch ? stderr : stdout, "!! error : Sheet not whole : \"%.*s\" : %s\n",
-               path.len, path.char_, fault.c_str());
-  gx_count_error();
+  tell_unusable("!! error : Sheet not whole : " + quoted(path) + " : " + fault);
   gx_debug("!!! error : INITIALIZE  : \"%.*s\" : %s\n", path.len, path.char_, fault.c_str());
   return false;
 }
@@ -171,9 +177,7 @@ bool show_whether_sheet(const gx_string_record_t& design) {
     gx_set_status(gx_code::invalid_string);
   }
   if (primary != 0) return show_whether_whole(sheet);
-  std::fprintf(gx_vext.batch ? stderr : stdout, "!! error : No sheet Found : \"%.*s\"\n",
-               design.len, design.char_);
-  gx_count_error();
+  tell_unusable("!! error : No sheet Found : " + quoted(design));
   gx_debug_line("!!! error : INITIALIZE  : no primary \"");
   debug_names(design);
   return false;
@@ -220,6 +224,7 @@ bool close_file(std::FILE*& file) {
 bool kv_open_session() {
   const gx_string_record_t design = design_file("");
   open_window(design);
+  x_watch_stop_signals();  // up to here there is nothing to end in order
   open_transcript();
   kv_init_menu_action();
   gx_debug("# INITIALIZE :  KV_INIT_MENU_ACTION    done \n");
@@ -232,7 +237,9 @@ bool kv_open_session() {
 }
 
 void kv_begin_session() {
-  gx_undo_init(kv_pext.file_id_cur);
+  const int errors = gx_vext.num_errors;
+  gx_undo_init(kv_pext.file_id_cur);  // takes over what the sheet's header says of its errors
+  gx_vext.num_errors = static_cast<std::int16_t>(std::min(errors + gx_vext.num_errors, INT16_MAX));
   gx_vext.str_cmd = {};
   gx_display_cmd("");
   gx_display_list("# KIVO  version 2.02");

@@ -24,7 +24,7 @@ namespace {
 gx_string_record_t searched_path(const kv_command_t& command) {
   gx_string_record_t path;
   if (kv_pext.search_done) gx_concat_all(path, gx_view(kv_pext.search_path), "/");
-  gx_concat_const(command.word(3), path);
+  gx_concat_const(kv_file_name(command.word(3)), path);
   return path;
 }
 

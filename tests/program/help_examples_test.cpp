@@ -48,6 +48,7 @@ TEST(HelpExamples, EachRunsOnTheRegister) {
     commands += example;
     if (file == "kv_1_SEARCH") commands += "search /\n";
     if (file == "kv_1_ACTIVATE" || file == "kv_1_ASSIGN") commands += "pop\n";
+    if (file == "kv_1_FIND") commands += "view up\nview up\n";
     if (file == "kv_1_VIEW") commands += "view up\n";
   }
   directory.write("examples.do", commands);

@@ -172,6 +172,25 @@ TEST_F(Program, ARunFromStartToEnd) {
   EXPECT_TRUE(std::filesystem::exists(directory_.file("top/design_kv")));
 }
 
+TEST_F(Program, ASlipInTheUsersFilesIsShownAndTheSessionStarts) {
+  make_sheet();
+  directory_.write("home/kivo/init_menu", "1 'first' 'har x'\n9 'no level'\n");
+  directory_.write("home/kivo/init_key", "do none\n");
+  directory_.write("do;x", "har '$ARG1'\nbye\n");
+  auto words = start({"top", "do;x", "a; !touch owned"});
+  words.environment = {"VELMORAN=" + directory_.file("home").string()};
+  const auto ended = run_program(shared_display(), words);
+  EXPECT_EQ(ended.status, 0);
+  EXPECT_TRUE(ended.out.ends_with(summary("2 errors, 0 warning"))) << ended.out;
+  EXPECT_FALSE(std::filesystem::exists(directory_.file("owned")));
+  EXPECT_EQ(directory_.lines("top/current_session"),
+            (lines{"# $rmenu ", "# !!!   invalid menu level : \"9 'no level'\"",
+                   "# DO $VELMORAN/kivo/init_key ", "# DO none ",
+                   "# !!! Error : file not found : \"none\" ", "# End of DO ",
+                   "# KIVO  version 2.02", "# DO do;x a; !touch owned ",
+                   " HARDcopy 'a; !touch owned' ", " BYE ", "# End of DO "}));
+}
+
 TEST_F(Program, CompiledProceduresAreCalled) {
   make_sheet();
   EXPECT_EQ(run_commands("DOBIN SHOW_WORDS one \"two x\"\nDODIR kvp_SHOW_WORDS"),

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "expand/debug.h"
 #include "gx/text/arguments.h"
 #include "gx/text/strings.h"
 #include "tests/support/scratch_directory.h"
@@ -91,5 +92,21 @@ TEST(FatalStop, NamesTheCodeAndGivesBackInReverseOrder) {
   word.all = gx_status_base + 44;
   expect_stop([&] { gx_check(word); }, gx_code::current_file_invalid,
               " gx_check :  status.all <> gx_operation_ok : 100991020");
+  // Without a window there is no core to leave: a status, and the code on standard error.
+  gx_vext.batch = true;
+  const auto ends = testing::ExitedWithCode(gx_batch_stop_status);
+  EXPECT_EXIT(gx_set_status(gx_code::invalid_level), ends, "code : 42\n");
+  EXPECT_EXIT(kv_error_stop(), ends, "KV_ERROR_STOP");
+  gx_vext.batch = false;
 }
+// At a fatal stop the design's name is handed on, as a word of a program's.
+TEST_F(TextFiles, TheDesignsNameReachesNoShell) {
+  gx_vext.all_init_done = true;
+  gx_vext.nb_arg_comline = 2;
+  gx_vext.argcomline[1] = gx_string("top;touch " + path("OWNED") + ";#");
+  expect_stop([] { gx_set_status(gx_code::invalid_string); }, gx_code::invalid_string);
+  EXPECT_FALSE(std::filesystem::exists(path("OWNED")));
+  gx_reset_state();
+}
+
 }  // namespace

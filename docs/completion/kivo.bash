@@ -1,0 +1,34 @@
+# Bash completion of KIVO and its programs; one file, installed under the name of each of them.
+_kivo_programs() {
+  local current=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]} options=
+  COMPREPLY=()
+  case ${1##*/} in
+    kivo) options='--batch --quiet -q --strict' ;;
+    gxmake) options='-o -a -q --array --variants' ;;
+    gxdump) options='-C --source --all --format' ;;
+    gximport) options='-o -L --format --number --absolute -q --quiet' ;;
+    kvdump) options='--format' ;;
+    kvspice) options='-o' ;;
+    kivo-plot) options='-landscape' ;;
+  esac
+  if [[ $current == -* ]]; then
+    mapfile -t COMPREPLY < <(compgen -W "$options --help --version" -- "$current")
+    return
+  fi
+  case $before in
+    --array | --variants | --number) return ;;
+    --format) [[ $1 == *gximport ]] && mapfile -t COMPREPLY < <(compgen -W xschem -- "$current")
+              return ;;
+  esac
+  # A design is a directory; so is the first word of most of these programs.
+  local word position=0
+  for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do [[ $word == -?* ]] || position=$((position + 1)); done
+  case ${1##*/}:$position in
+    kivo:0 | kivo-plot:[01] | kivo-simlink:0)
+      mapfile -t COMPREPLY < <(compgen -d -- "$current") ;;
+    *) mapfile -t COMPREPLY < <(compgen -f -- "$current") ;;
+  esac
+  compopt -o filenames 2>/dev/null
+}
+complete -F _kivo_programs kivo gxmake gxdump gximport kvdump kvspice kivo-plot kivo-simlink \
+  kivoMenuDB kivoKeysDB
