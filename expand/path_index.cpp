@@ -36,44 +36,12 @@ std::string kv_path_key(std::string_view path) {
   return key;
 }
 
-std::int32_t kv_path_index_t::count_of(kv_named what) const {
-  switch (what) {
-    case kv_named::inst:
-      return design_.insts.count;
-    case kv_named::macro:
-      return design_.macros.count;
-    case kv_named::net:
-      return design_.nets.count;
-    case kv_named::net_child:
-      return design_.net_childs.count;
-    case kv_named::pin:
-      return design_.pins.count;
-    case kv_named::pinm:
-      return design_.pinms.count;
-  }
-  return 0;
-}
-
-std::int32_t kv_path_index_t::path_of(kv_hit_t hit) const {
-  switch (hit.what) {
-    case kv_named::inst:
-      return design_.insts[hit.index].sim_path;
-    case kv_named::macro:
-      return design_.macros[hit.index].sim_path;
-    case kv_named::net:
-      return design_.nets[hit.index].sim_path;
-    case kv_named::net_child:
-      return design_.net_childs[hit.index].sim_path;
-    case kv_named::pin:
-      return design_.pins[hit.index].sim_path;
-    case kv_named::pinm:
-      return design_.pinms[hit.index].sim_path;
-  }
-  return 0;
+std::uint32_t kv_path_index_t::number_of(kv_hit_t hit) const {
+  return first_[static_cast<std::size_t>(hit.what)] + static_cast<std::uint32_t>(hit.index) - 1;
 }
 
 std::string_view kv_path_index_t::path(kv_hit_t hit) const {
-  return kv_text(design_, path_of(hit));
+  return kv_text(design_, strings_[number_of(hit)]);
 }
 
 kv_hit_t kv_path_index_t::hit_of(std::uint32_t number) const {
@@ -83,16 +51,25 @@ kv_hit_t kv_path_index_t::hit_of(std::uint32_t number) const {
 }
 
 kv_path_index_t::kv_path_index_t(const kv_design_t& design) : design_(design) {
-  first_[0] = 1;
-  for (std::size_t kind = 0; kind < kinds; ++kind) {
-    first_[kind + 1] =
-        first_[kind] + static_cast<std::uint32_t>(count_of(static_cast<kv_named>(kind)));
-  }
-  last_with_.resize(std::bit_ceil(std::size_t{first_[kinds]}));
-  before_.resize(first_[kinds]);
+  std::size_t kind = 0;
+  strings_.push_back(0);
+  const auto take = [&](const auto& records) {
+    first_[kind++] = static_cast<std::uint32_t>(strings_.size());
+    for (std::int32_t index = 1; index <= records.count; ++index)
+      strings_.push_back(records[index].sim_path);
+  };
+  take(design.insts);  // in the order of kv_named
+  take(design.macros);
+  take(design.nets);
+  take(design.net_childs);
+  take(design.pins);
+  take(design.pinms);
+  first_[kind] = static_cast<std::uint32_t>(strings_.size());
+  last_with_.resize(std::bit_ceil(strings_.size()));
+  before_.resize(strings_.size());
   const std::size_t mask = last_with_.size() - 1;
-  for (std::uint32_t number = 1; number < first_[kinds]; ++number) {
-    auto& last = last_with_[hash_of(path(hit_of(number))) & mask];
+  for (std::uint32_t number = 1; number < strings_.size(); ++number) {
+    auto& last = last_with_[hash_of(kv_text(design, strings_[number])) & mask];
     before_[number] = last;
     last = number;
   }
@@ -109,9 +86,8 @@ std::vector<kv_hit_t> kv_path_index_t::find_key(std::string_view key, std::size_
   std::vector<kv_hit_t> hits;
   const std::size_t at = hash_of(key) & (last_with_.size() - 1);
   for (std::uint32_t number = last_with_[at]; number != 0; number = before_[number]) {
-    const kv_hit_t hit = hit_of(number);
-    const std::string_view found = path(hit);
-    if (found.size() == key.size() && begins_with(found, key)) hits.push_back(hit);
+    const std::string_view found = kv_text(design_, strings_[number]);
+    if (found.size() == key.size() && begins_with(found, key)) hits.push_back(hit_of(number));
   }
   std::ranges::reverse(hits);
   if (hits.size() > most) hits.resize(most);
@@ -130,11 +106,10 @@ std::vector<kv_hit_t> kv_path_index_t::find(std::span<const std::string> keys,
 std::vector<kv_hit_t> kv_path_index_t::find_beginning(std::span<const std::string> keys,
                                                       std::size_t most) const {
   std::vector<std::vector<kv_hit_t>> hits(keys.size());
-  for (std::uint32_t number = 1; number < first_[kinds]; ++number) {
-    const kv_hit_t hit = hit_of(number);
-    const std::string_view found = path(hit);
+  for (std::uint32_t number = 1; number < strings_.size(); ++number) {
+    const std::string_view found = kv_text(design_, strings_[number]);
     for (std::size_t i = 0; i < keys.size(); ++i) {
-      if (hits[i].size() < most && begins_with(found, keys[i])) hits[i].push_back(hit);
+      if (hits[i].size() < most && begins_with(found, keys[i])) hits[i].push_back(hit_of(number));
     }
     if (!hits.empty() && hits.front().size() >= most) break;
   }

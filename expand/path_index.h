@@ -22,7 +22,7 @@ struct kv_hit_t {
 
 std::string kv_path_key(std::string_view path);
 
-// Made once for an expansion, which must stay as it is; 8 to 12 bytes an object.
+// Made once for an expansion, which must stay as it is; 12 to 16 bytes an object.
 class kv_path_index_t {
  public:
   explicit kv_path_index_t(const kv_design_t& design);
@@ -40,13 +40,13 @@ class kv_path_index_t {
  private:
   static constexpr std::size_t kinds = 6;
   kv_hit_t hit_of(std::uint32_t number) const;
-  std::int32_t count_of(kv_named what) const;
-  std::int32_t path_of(kv_hit_t hit) const;
+  std::uint32_t number_of(kv_hit_t hit) const;
   std::vector<kv_hit_t> find_key(std::string_view key, std::size_t most) const;
 
   const kv_design_t& design_;
   // Objects are numbered from 1 over all kinds: of each kind the number of its first.
   std::array<std::uint32_t, kinds + 1> first_{};
+  std::vector<std::int32_t> strings_;  // the path of each object
   // The last object with a hash, and behind each object the one before it; 0: none. The hashes are
   // taken modulo the length, a power of two.
   std::vector<std::uint32_t> last_with_, before_;

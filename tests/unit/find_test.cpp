@@ -211,6 +211,24 @@ TEST_P(Find, AHighlightFollowsTheViewAndTheRuns) {
   EXPECT_EQ(s.run("explain net"), (lines_t{"# EXPlain NET ", "# !! Error : No NET selected ? "}));
 }
 
+TEST_P(Find, TheTreeOfBlocksIsListedAndWritten) {
+  const lines_t tree = {"# /  top  instances 2  nets 3", "#   /XR  bit  instances 2  nets 3",
+                        "#   /XS  bit  instances 2  nets 3", " LIST HIErarchy "};
+  EXPECT_EQ(s.run("list hierarchy"), tree);
+  lines_t written = s.directory().lines("top/hierarchy");
+  for (auto& line : written) line.insert(0, "# ");
+  written.emplace_back(" LIST HIErarchy ");
+  EXPECT_EQ(written, tree);
+  EXPECT_EQ(s.run("list hie xs"),
+            (lines_t{"# /XS  bit  instances 2  nets 3", " LIST HIErarchy xs "}));
+  EXPECT_EQ(s.run("list hie xs.mp1").back(), "# !! No block : \"/XS/MP1\"");
+  // Nothing is written through a link.
+  std::filesystem::remove("top/hierarchy");
+  std::filesystem::create_symlink("elsewhere", "top/hierarchy");
+  EXPECT_EQ(s.run("list hierarchy")[1], "# !! Error : File not written ? ");
+  EXPECT_FALSE(std::filesystem::exists("top/elsewhere"));
+}
+
 INSTANTIATE_TEST_SUITE_P(ExpandedOrNot, Find, testing::Bool());
 
 }  // namespace

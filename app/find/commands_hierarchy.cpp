@@ -1,0 +1,124 @@
+// LIST HIErarchy: the tree of blocks, in the list and in the file "hierarchy".
+#include <cerrno>
+#include <map>
+#include <string>
+
+#include "app/find/drawings.h"
+#include "app/find/find_path.h"
+#include "app/language/command_row.h"
+#include "app/sheet/command_viewport.h"
+#include "app/sheet/walk.h"
+#include "expand/sheet_analysis.h"
+#include "expand/store.h"
+#include "gx/db/file_state.h"
+#include "gx/text/message_list.h"
+#include "platform/files.h"
+
+namespace {
+
+constexpr std::string_view refused = "# LIST HIErarchy ";
+constexpr std::size_t most_lines = 500000;  // a design may hold more blocks than fit anywhere
+
+// Writes the tree line by line, each sheet analysed once.
+class hierarchy_lister {
+ public:
+  hierarchy_lister(kv_drawings_t& drawings, std::FILE* file) : drawings_(drawings), file_(file) {}
+
+  // A block and all below it; "" and the sheet's directory at the top.
+  void list(const gx_file_gene_recf_t& sheet, const std::string& path, std::string_view cell,
+            int level) {
+    const kv_sheet_t& analysed = analyse(sheet);
+    tell(std::string(2 * static_cast<std::size_t>(level - 1), ' ') + (path.empty() ? "/" : path) +
+         "  " + std::string(cell) + "  instances " + std::to_string(analysed.insts.size()) +
+         "  nets " + std::to_string(analysed.groups.size()));
+    if (level >= kv_max_levels) return;
+    for (const auto& inst : analysed.insts) {
+      if (is_full()) return;
+      if (inst.is_primitive) continue;
+      const auto* below = drawings_.below(sheet, inst.object_id);
+      const auto& symbol = analysed.symbols[static_cast<std::size_t>(inst.symbol)];
+      if (below != nullptr)
+        list(*below, path + std::string(analysed.view(inst.suffix)),
+             analysed.view(symbol.directory), level + 1);
+    }
+  }
+
+  bool is_full() const { return lines_ >= most_lines || is_stopped_; }
+  bool is_written() const { return is_written_; }
+
+ private:
+  const kv_sheet_t& analyse(const gx_file_gene_recf_t& sheet) {
+    const auto [at, is_new] = analysed_.try_emplace(&sheet);
+    if (is_new) at->second = kv_analyse_sheet(sheet, {}, kv_sext, globals_);
+    return at->second;
+  }
+
+  void tell(const std::string& line) {
+    constexpr std::size_t lines_between_looks = 1024;
+    gx_tell("# ", line);
+    is_written_ = is_written_ && std::fprintf(file_, "%s\n", line.c_str()) > 0;
+    if (++lines_ % lines_between_looks == 0) is_stopped_ = kv_stop_asked();
+  }
+
+  kv_drawings_t& drawings_;
+  std::FILE* file_;
+  std::map<const gx_file_gene_recf_t*, kv_sheet_t> analysed_;
+  std::vector<kv_global_net_record_t> globals_;
+  std::size_t lines_ = 0;
+  bool is_stopped_ = false, is_written_ = true;
+};
+
+// The block to begin with: the way to its sheet, its path, and its cell. The top without a word;
+// nothing after the refusal.
+struct root_t {
+  kv_way_t way;
+  std::string path, cell;
+};
+std::optional<root_t> wanted_root(kv_drawings_t& drawings, const kv_command_t& command) {
+  if (command.count() < 3) return root_t{{}, "", std::string(gx_view(kv_at_level(1).file_path))};
+  const auto search = kv_search_path(drawings, command.word(3), SIZE_MAX);
+  for (const auto& found : search.found) {
+    if (found.what != "block") continue;
+    if (auto way = kv_way_to(drawings, found.path)) {
+      const std::string cell(gx_view(way->back().directory));
+      return root_t{std::move(*way), found.path, cell};
+    }
+  }
+  kv_refuse(refused, command, "# !! Error : Path not found ? ", 3);
+  gx_tell_quoted(search.found.empty() ? "# !! The longest part that exists : " : "# !! No block : ",
+                 search.found.empty() ? search.longest : search.found.front().path);
+  return std::nullopt;
+}
+
+void kv_list_hierarchy_cmd(const kv_command_t& command) {
+  kv_drawings_t drawings;
+  const auto* sheet = drawings.top();
+  if (sheet == nullptr) return kv_refuse(refused, command, kv_no_sheet, 3);
+  const auto root = wanted_root(drawings, command);
+  if (!root) return;
+  for (const auto& step : root->way) sheet = drawings.below(*sheet, step.inst);
+
+  const auto top = static_cast<std::size_t>(kv_at_level(1).file_index);
+  const std::string path = std::string(gx_view(gx_files.filear[top].dirname)) + "/hierarchy";
+  const auto not_written = [&] {
+    kv_refuse(refused, command, "# !! Error : File not written ? ", 3);
+    gx_tell("# !! ", path, " : ", x_why(errno));
+  };
+  x_file file = x_create_file(path, false);
+  if (!file) return not_written();
+  const gx_list_batch_t batch;
+  hierarchy_lister lister(drawings, file.get());
+  lister.list(*sheet, root->path, root->cell, 1);
+  if (lister.is_full()) gx_tell("# ... and more ");
+  if (const bool is_closed = x_close(std::move(file)); !lister.is_written() || !is_closed)
+    return not_written();
+  kv_echo(" LIST HIErarchy ", command, 3);
+}
+
+constexpr kv_command_row_t rows[] = {
+    {{"LIST", "HIE"}, "LIST HIErarchy [path]", kv_list_hierarchy_cmd, refused, 3},
+};
+
+}  // namespace
+
+kv_command_rows_t kv_hierarchy_commands() { return rows; }
