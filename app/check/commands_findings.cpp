@@ -1,4 +1,5 @@
 // CHEck DESign and what is done with its findings: RULe, SHOw FINding, NEXt FINding, WAIve FINding.
+#include <algorithm>
 #include <string>
 
 #include "app/check/design_check.h"
@@ -25,12 +26,33 @@ gx_line_kind kind_of(const kv_finding_t& finding) {
   return finding.severity == kv_severity::error ? gx_line_kind::error : gx_line_kind::warning;
 }
 
-// "# 12 Error no-driver /XR/N_5 : nothing drives it ..".
+// "# 12 Error no-driver /XR/N_5".
+std::string head_of(std::size_t number) {
+  const auto& finding = kv_pext.findings[number - 1];
+  std::string head = "# " + std::to_string(number) + " ";
+  head += finding.waived ? "Waived" : kv_severity_name(finding.severity);
+  head.append(" ").append(kv_row_of(finding.rule).name).append(" ").append(finding.path);
+  return head;
+}
+
+// In one line.
 void tell_finding(std::size_t number) {
   const auto& finding = kv_pext.findings[number - 1];
-  gx_tell_as(kind_of(finding), "# ", std::to_string(number), " ",
-             finding.waived ? "Waived" : kv_severity_name(finding.severity), " ",
-             kv_row_of(finding.rule).name, " ", finding.path, " : ", finding.words);
+  gx_tell_as(kind_of(finding), head_of(number), " : ", finding.words);
+}
+
+// In lines that the list shows whole.
+void show_finding(std::size_t number) {
+  constexpr std::size_t room = gx_max_text_length - 5;
+  const auto& finding = kv_pext.findings[number - 1];
+  gx_tell_as(kind_of(finding), head_of(number));
+  for (std::string_view words = finding.words; !words.empty();) {
+    std::size_t length = words.size() <= room ? words.size() : words.rfind(' ', room);
+    if (length == words.npos || length == 0) length = std::min(room, words.size());
+    gx_tell_as(gx_line_kind::detail, "#    ", words.substr(0, length));
+    words.remove_prefix(length);
+    words.remove_prefix(std::min(words.find_first_not_of(' '), words.size()));
+  }
 }
 
 // --- CHEck DESign
@@ -153,7 +175,7 @@ bool lacks_findings(std::string_view refused, const kv_command_t& command) {
 void go_to(std::size_t number, std::string_view keyword, const kv_command_t& command) {
   kv_pext.finding_shown = number;
   const auto& finding = kv_pext.findings[number - 1];
-  tell_finding(number);
+  show_finding(number);
   const std::string fault = kv_go_to(finding.at, finding.object_id);
   if (!fault.empty()) {
     return kv_refuse("#" + std::string(keyword), command, "# !! Error : " + fault, 3);

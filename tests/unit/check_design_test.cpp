@@ -74,6 +74,12 @@ TEST(CheckDesign, FindsTheFaultsOfTheExampleAndLeavesItAsItIs) {
   s.run("check design");
   EXPECT_EQ(read_file("faults/findings.json"), read_file(faults + "findings.json"));
 
+  // What is longer than the list is wide takes several lines there.
+  EXPECT_EQ(s.run("show finding 33"),
+            (lines_t{"# 33 Error many-drivers /BOTH",
+                     "#    several pins drive it : \"/B1/O\" and \"/B2/O\"", " SHOw FINding 33 "}));
+  EXPECT_EQ(s.run("show finding 10").size(), 4U);
+  kv_pext.finding_shown = 0;
   // Every finding can be gone to.
   for (std::size_t n = 1; n <= kv_pext.findings.size(); ++n) {
     EXPECT_EQ(s.run("next finding").back(), " NEXt FINding " + std::to_string(n) + " ");
