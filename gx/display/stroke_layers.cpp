@@ -24,8 +24,8 @@ void gx_stroke_layers_t::visit_tiles(const gx_line16_t& line, Visit visit) {
   }
   // A slanted line: in each column of tiles the rows between where it enters and leaves.
   const std::int64_t dx = line.x2 - line.x1, dy = line.y2 - line.y1;
-  const auto y_at = [&](int x) {
-    return static_cast<int>(line.y1 + (std::clamp<int>(x, x1, x2) - line.x1) * dy / dx);
+  const auto y_at = [&, first = x1, last = x2](int x) {
+    return static_cast<int>(line.y1 + (std::clamp<int>(x, first, last) - line.x1) * dy / dx);
   };
   for (int c = left; c <= right; ++c) {
     const int from = c == left ? x1 : c << tile_bits;
