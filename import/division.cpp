@@ -4,13 +4,17 @@
 #include <algorithm>
 #include <iterator>
 #include <map>
+#include <utility>
+#include <vector>
 
 #include "import/builder.h"
+#include "import/placement.h"
 
 namespace {
 
-constexpr std::size_t most_objects = 29000;  // of the 30,000 that a file holds
-constexpr std::size_t part_objects = 24000;  // of a part, before its ports
+constexpr std::size_t most_objects = 29000;   // of the 30,000 that a file holds
+constexpr std::size_t part_objects = 24000;   // of a part, before its ports
+constexpr std::size_t drawn_objects = 10000;  // of the pictures that stay in their place
 constexpr std::int32_t pin_step = gxm_step;
 
 std::size_t objects_of(const gxi_design_t& design, const gxi_instance_t& instance) {
@@ -30,36 +34,41 @@ class divider {
 
   void run() {
     auto sheet = std::move(*design_.cells[static_cast<std::size_t>(cell_)].sheet);
+    const auto wires = wires_of_instances(sheet);
+    const auto nb_of_parts = static_cast<std::size_t>(
+        std::count_if(sheet.instances.begin(), sheet.instances.end(),
+                      [](const auto& instance) { return instance.kind == gxi_kind::part; }));
+    const std::size_t drawn = sheet.shapes.size() + 2 * sheet.texts.size();
+    const bool divides_picture = drawn > drawn_objects && nb_of_parts > 0;
+    const std::size_t share = divides_picture ? drawn / nb_of_parts + 1 : 0;
     std::size_t parts = 0;
     std::vector<gxi_instance_t> stay;
     std::size_t size = 0;
     // Ports and globals stay; the others leave in their order.
-    std::vector<std::vector<gxi_instance_t>> chunks;
-    std::vector<bool> counted(sheet.nets.size());
-    for (auto& instance : sheet.instances) {
+    std::vector<chunk_t> chunks;
+    for (std::size_t i = 0; i < sheet.instances.size(); ++i) {
+      auto& instance = sheet.instances[i];
       if (instance.kind != gxi_kind::part) {
         stay.push_back(std::move(instance));
         continue;
       }
-      const auto here = objects_of(design_, instance);
+      // A wire, its vertex, and about a port for every net.
+      const auto here = objects_of(design_, instance) + 4 + 3 * wires[i].size() + share;
       if (chunks.empty() || size + here > part_objects) {
         chunks.emplace_back();
         size = 0;
       }
-      size += here + 4;  // and a port for about every net
-      for (const int net : instance.nets) {
-        if (net < 0 || counted[static_cast<std::size_t>(net)]) continue;
-        counted[static_cast<std::size_t>(net)] = true;
-        size += 3 * sheet.nets[static_cast<std::size_t>(net)].segments.size();
-      }
-      chunks.back().push_back(std::move(instance));
+      size += here;
+      auto& chunk = chunks.back();
+      chunk.wires.insert(chunk.wires.end(), wires[i].begin(), wires[i].end());
+      chunk.instances.push_back(std::move(instance));
     }
     std::vector<int> last_chunk(sheet.nets.size(), -1);
     std::vector<bool> shared(sheet.nets.size());
     for (std::size_t i = 0; i < sheet.nets.size(); ++i)
       shared[i] = !sheet.nets[i].port.empty() || !sheet.nets[i].global.empty();
     for (std::size_t c = 0; c < chunks.size(); ++c)
-      for (const auto& instance : chunks[c])
+      for (const auto& instance : chunks[c].instances)
         for (const int net : instance.nets) {
           if (net < 0) continue;
           auto& last = last_chunk[static_cast<std::size_t>(net)];
@@ -71,16 +80,38 @@ class divider {
     for (const auto& instance : stay) at.y = std::max(at.y, instance.at.y);
     at.y += 20 * gxm_step;
     const std::string name = design_.cells[static_cast<std::size_t>(cell_)].name;
+    // What is drawn follows the instances in its order.
+    std::size_t done = 0;
     for (auto& chunk : chunks) {
+      if (divides_picture) {
+        const auto before = std::exchange(done, done + chunk.instances.size());
+        const auto take = [&](const auto& from, auto& to) {
+          const auto begins = [&](std::size_t part) {
+            return from.begin() + static_cast<std::ptrdiff_t>(from.size() * part / nb_of_parts);
+          };
+          to.assign(begins(before), begins(done));
+        };
+        take(sheet.shapes, chunk.shapes);
+        take(sheet.texts, chunk.texts);
+      }
       auto instance = make_part(name, ++parts, std::move(chunk), sheet, shared);
       instance.at = at;
       at.x += 30 * gxm_step;
       stay.push_back(std::move(instance));
     }
-    // Nets that went into a part as a whole have nothing left here.
+    if (divides_picture) {
+      sheet.shapes.clear();
+      sheet.texts.clear();
+    }
+    // Nets that went into a part as a whole have nothing left here, others only their names.
     sheet.instances = std::move(stay);
-    for (std::size_t i = 0; i < sheet.nets.size(); ++i)
-      if (!shared[i] && last_chunk[i] >= 0) sheet.nets[i] = {.source = sheet.nets[i].source};
+    for (std::size_t i = 0; i < sheet.nets.size(); ++i) {
+      if (last_chunk[i] < 0) continue;
+      if (shared[i])
+        sheet.nets[i].segments.clear();
+      else
+        sheet.nets[i] = {.source = sheet.nets[i].source};
+    }
     gxm_complain(design_.warnings, sheet.source,
                  "the sheet of " + name + " would hold more objects than a file can: its " +
                      "instances are in " + std::to_string(parts) + " parts of one more level");
@@ -88,15 +119,58 @@ class divider {
   }
 
  private:
-  gxi_instance_t make_part(const std::string& of, std::size_t number,
-                           std::vector<gxi_instance_t> instances, const gxi_sheet_t& whole,
-                           const std::vector<bool>& shared) {
+  // A wire by its net and its place there.
+  using wire_t = std::pair<int, std::size_t>;
+  struct chunk_t {
+    std::vector<gxi_instance_t> instances{};
+    std::vector<wire_t> wires{};
+    std::vector<gxm_shape_t> shapes{};
+    std::vector<gxi_text_t> texts{};
+  };
+
+  // The wires that leave with each instance: those at its pins, and its share of the others.
+  std::vector<std::vector<wire_t>> wires_of_instances(const gxi_sheet_t& sheet) const {
+    std::vector<std::vector<wire_t>> wires(sheet.instances.size());
+    std::vector<std::map<std::pair<std::int32_t, std::int32_t>, std::size_t>> pins(
+        sheet.nets.size());
+    std::vector<std::vector<std::size_t>> parts(sheet.nets.size());
+    for (std::size_t i = 0; i < sheet.instances.size(); ++i) {
+      const auto& instance = sheet.instances[i];
+      if (instance.kind != gxi_kind::part) continue;
+      const auto& symbol = design_.cells[static_cast<std::size_t>(instance.symbol)].symbol;
+      for (std::size_t pin = 0; pin < instance.nets.size(); ++pin) {
+        if (instance.nets[pin] < 0) continue;
+        const auto net = static_cast<std::size_t>(instance.nets[pin]);
+        const auto at = gxi_on_sheet(instance, symbol.pins[pin].at);
+        pins[net].emplace(std::pair(at.x, at.y), i);
+        parts[net].push_back(i);
+      }
+    }
+    for (std::size_t net = 0; net < sheet.nets.size(); ++net) {
+      const auto& segments = sheet.nets[net].segments;
+      for (std::size_t k = 0; k < segments.size() && !parts[net].empty(); ++k) {
+        auto at = pins[net].find({segments[k].from.x, segments[k].from.y});
+        if (at == pins[net].end()) at = pins[net].find({segments[k].to.x, segments[k].to.y});
+        const auto with = at != pins[net].end()
+                              ? at->second
+                              : parts[net][k * parts[net].size() / segments.size()];
+        wires[with].emplace_back(static_cast<int>(net), k);
+      }
+    }
+    return wires;
+  }
+
+  gxi_instance_t make_part(const std::string& of, std::size_t number, chunk_t chunk,
+                           gxi_sheet_t& whole, const std::vector<bool>& shared) {
+    auto& instances = chunk.instances;
     gxi_cell_t part;
     part.name = of + "_part" + std::to_string(number);
     part.symbol.name = part.name;
     part.symbol.source = whole.source;
     gxi_sheet_t sheet;
     sheet.source = whole.source;
+    sheet.shapes = std::move(chunk.shapes);
+    sheet.texts = std::move(chunk.texts);
     gxi_instance_t instance;
     instance.name = "part" + std::to_string(number);
     instance.symbol = static_cast<int>(design_.cells.size());
@@ -107,19 +181,23 @@ class divider {
         if (net < 0) continue;
         const auto [found, is_new] = net_here.emplace(net, static_cast<int>(sheet.nets.size()));
         if (is_new) {
-          const auto& outer = whole.nets[static_cast<std::size_t>(net)];
-          gxi_net_t inner{.name = outer.name, .source = outer.source};
+          auto& outer = whole.nets[static_cast<std::size_t>(net)];
+          gxi_net_t inner{.name = outer.name, .name_look = outer.name_look, .source = outer.source};
+          outer.name_look.reset();  // it is shown once
           if (shared[static_cast<std::size_t>(net)]) {
             inner.port = outer.name.empty() ? "NET" + std::to_string(net) : outer.name;
             add_pin(part.symbol, inner.port);
             instance.nets.push_back(net);
           } else {
-            inner = outer;  // with its wires
+            inner.properties = outer.properties;
           }
           sheet.nets.push_back(std::move(inner));
         }
         net = found->second;
       }
+    for (const auto& [net, segment] : chunk.wires)
+      sheet.nets[static_cast<std::size_t>(net_here.at(net))].segments.push_back(
+          whole.nets[static_cast<std::size_t>(net)].segments[segment]);
     add_ports(sheet);
     std::move(instances.begin(), instances.end(), std::back_inserter(sheet.instances));
     part.sheet = std::move(sheet);

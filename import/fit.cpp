@@ -8,6 +8,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "gx/db/geometry.h"
 #include "gx/text/strings.h"
 #include "import/ascii.h"
 #include "import/placement.h"
@@ -263,17 +264,14 @@ class fitter {
   }
 
   void place_undrawn_below(const gxi_sheet_t& sheet) {
-    gx_boundsreal_t box{0, 0, 0, 0};
-    const auto include = [&](gx_pointreal_t p) {
-      box.xmin = std::min(box.xmin, p.x);
-      box.ymax = std::max(box.ymax, p.y);
-    };
-    for (const auto& instance : sheet.instances) include(instance.at);
+    gx_boundsreal_t box = gx_empty_bounds;
+    for (const auto& instance : sheet.instances) gx_include(box, instance.at);
     for (const auto& net : sheet.nets)
       for (const auto& segment : net.segments) {
-        include(segment.from);
-        include(segment.to);
+        gx_include(box, segment.from);
+        gx_include(box, segment.to);
       }
+    if (gx_bounds_empty(box)) box = {0, 0, 0, 0};
     const auto on_grid = [](std::int32_t v) { return v / gxm_step * gxm_step; };
     next_undrawn_ = {on_grid(box.xmin), on_grid(box.ymax) + 4 * gxm_step};
   }

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::int32_t gap = 1000;          // between pages
 constexpr std::int32_t furthest = 1900000;  // of a page on the sheet
-constexpr std::int32_t letter = 6;          // about the width of one, for each point of its size
+constexpr std::int32_t letter = 10;         // about the width of one, for each point of its size
 
 struct box_t {
   std::int32_t left = INT32_MAX, low = INT32_MAX, right = INT32_MIN, high = INT32_MIN;

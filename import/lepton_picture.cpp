@@ -14,11 +14,12 @@ namespace {
 constexpr std::int32_t scale = gxm_step / 100;
 constexpr double pi = 3.14159265358979323846;
 
-// Of a text of one point, in thousandths of an inch. Its capitals are 6.6 high and 5.6 wide on the
-// average; letters here are wider, and are kept at about its width.
-constexpr double letter_height = 5.0;
-constexpr double line_step = 10.5;
-constexpr double top_margin = 2.4;  // from the upper end of a text to its capitals
+// Of a text of one point, in thousandths of an inch. Its capitals are 13.3 high, its letters 9.6
+// wide on the average; letters here are wider, and are kept at that width.
+constexpr double letter_height = 8.0;
+constexpr double line_step = 21.0;
+constexpr double top_margin = 5.9;        // from the upper end of a text to its capitals
+constexpr std::size_t longest_text = 60;  // more is not drawn of a text
 constexpr int largest_text = 1000;
 
 // By index, as the program draws them on black.
@@ -186,16 +187,24 @@ void gxi_lepton_draw(const gxi_lepton_text_t& text, std::string_view seen,
     const auto up = look.up == gxi_align::start    ? look.height
                     : look.up == gxi_align::middle ? look.height / 2
                                                    : 0;
-    for (const auto& [from, to] : line.bars) {
-      const auto height = -up - look.height / 3;
-      shapes.push_back(
-          {.type = gx_type::line_2d,
-           .points = {plus(look.at, gx_turn(gx_pointreal_t{left + letter(from), height},
-                                            text.rotate, false)),
-                      plus(look.at,
-                           gx_turn(gx_pointreal_t{left + letter(to), height}, text.rotate, false))},
-           .color = look.color});
+    const auto at = [&](std::size_t count, std::int32_t height) {
+      return plus(look.at,
+                  gx_turn(gx_pointreal_t{left + letter(count), height}, text.rotate, false));
+    };
+    for (const auto& [from, to] : line.bars)
+      shapes.push_back({.type = gx_type::line_2d,
+                        .points = {at(from, -up - look.height / 3), at(to, -up - look.height / 3)},
+                        .color = look.color});
+    if (line.text.size() <= longest_text) {
+      texts.push_back({line.text, look});
+      continue;
     }
-    texts.push_back({line.text, look});
+    // Longer ones go on behind.
+    for (std::size_t from = 0; from < line.text.size(); from += longest_text) {
+      gxi_look_t behind = look;
+      behind.at = at(from, 0);
+      behind.across = gxi_align::start;
+      texts.push_back({line.text.substr(from, longest_text), behind});
+    }
   }
 }

@@ -79,13 +79,6 @@ void add_hidden_pins(const gxi_lepton_placed_t& placed, gxi_symbol_t& sign) {
   }
 }
 
-void draw_missing(const gxi_lepton_placed_t& placed, gxi_symbol_t& sign) {
-  sign.shapes.push_back({.type = gx_type::rectangle_2d,
-                         .points = {{0, -4 * gxm_step}, {8 * gxm_step, 0}},
-                         .color = gxm_red});
-  sign.texts.push_back({placed.component->symbol, {.at = {1000, -gxm_step}, .color = gxm_red}});
-}
-
 gxi_lepton_text_t shifted(gxi_lepton_text_t text, gxi_lepton_point_t by) {
   text.at = {text.at.x + by.x, text.at.y + by.y};
   return text;
@@ -107,7 +100,7 @@ gxi_symbol_t gxi_lepton_sign(const gxi_lepton_placed_t& placed) {
     if (text.name().empty()) gxi_lepton_draw(text, gxi_lepton_seen(text), sign.texts, sign.shapes);
   for (const auto& text : records.attached)
     gxi_lepton_draw(text, gxi_lepton_seen(text), sign.texts, sign.shapes);
-  if (placed.symbol->missing) draw_missing(placed, sign);
+  if (placed.symbol->missing) gxi_draw_missing(placed.component->symbol, sign);
   draw_pins(placed, sign);
   if (placed.role != role_t::part && placed.role != role_t::block) {
     if (placed.pins.empty()) return sign;

@@ -13,6 +13,7 @@
 #include "import/builder.h"
 #include "import/division.h"
 #include "import/fit.h"
+#include "import/flat_size.h"
 #include "import/numbers.h"
 
 namespace {
@@ -21,6 +22,8 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t most_kept = 16;      // of each PROPerty list
 constexpr std::size_t longest_path = 199;  // of a symbol
+// Records of a kind, and characters, that an expansion may store: untold, and by STOre SIZe.
+constexpr std::int64_t store_at_start = 500'000, store_at_most = 2'000'000'000;
 
 std::runtime_error trouble(const fs::path& path, const std::string& what) {
   return std::runtime_error(path.string() + ": " + what);
@@ -234,7 +237,15 @@ class writer {
     return "PRIMitive " + design_.primitive + "\n" +
            kept("INStance", design_.kept_of_instances, design_.primitive) +
            kept("PIN", design_.kept_of_pins, "PINTYPE") + kept("NET", design_.kept_of_nets, "NET") +
-           "GENerate DATa ON\nRUN\nBYE\n";
+           store_size() + "GENerate DATa ON\nRUN\nBYE\n";
+  }
+
+  // Where the design needs more room than there is at the start.
+  std::string store_size() const {
+    const auto needed = gxi_flat_size(design_);
+    if (needed <= store_at_start) return {};
+    const auto rounded = (needed / 100'000 + 1) * 100'000;
+    return "STOre SIZe " + std::to_string(std::min(rounded, store_at_most)) + "\n";
   }
 
   std::string log() const {

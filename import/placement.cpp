@@ -132,3 +132,10 @@ void gxi_draw_apart(const gxi_symbol_t& symbol, const gxi_instance_t& instance,
   for (const auto& property : instance.properties)
     if (property.look) sheet.texts.push_back({property.value, *property.look});
 }
+
+void gxi_draw_missing(const std::string& name, gxi_symbol_t& symbol) {
+  symbol.shapes.push_back({.type = gx_type::rectangle_2d,
+                           .points = {{0, -4 * gxm_step}, {8 * gxm_step, 0}},
+                           .color = gxm_red});
+  symbol.texts.push_back({name, {.at = {1000, -gxm_step}, .color = gxm_red}});
+}

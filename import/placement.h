@@ -36,3 +36,5 @@ gxi_stored_t gxi_below(const gxi_instance_t& instance, const gxi_line_t& line, s
 
 // A symbol drawn by itself, without being joined: its shapes and texts become those of the sheet.
 void gxi_draw_apart(const gxi_symbol_t& symbol, const gxi_instance_t& instance, gxi_sheet_t& sheet);
+// What stands for a symbol that is not found: a box with its name.
+void gxi_draw_missing(const std::string& name, gxi_symbol_t& symbol);

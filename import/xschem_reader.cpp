@@ -324,6 +324,7 @@ class xschem_reader {
       if (gxi_xschem_shape(shape, drawn)) symbol.shapes.push_back(drawn);
     for (auto& text : gxi_xschem_shown(placed.symbol->records, true, {}))
       symbol.texts.push_back({std::move(text.value), text.look});
+    if (placed.symbol->missing) gxi_draw_missing(placed.component->symbol, symbol);
     gxi_draw_apart(symbol, instance, sheet);
     for (const auto& text : shown)
       sheet.texts.push_back({text.value, gxi_on_sheet(instance, text.look)});

@@ -1,0 +1,262 @@
+// Drawings of Lepton EDA: records in odd forms, projects, and what joins what in the example and in
+// drawings of several pages and levels.
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <set>
+
+#include "import/builder.h"
+#include "import/division.h"
+#include "import/fit.h"
+#include "import/lepton_file.h"
+#include "import/lepton_path.h"
+#include "import/lepton_picture.h"
+#include "import/lepton_project.h"
+#include "import/output.h"
+#include "import/readers.h"
+#include "tests/support/scratch_directory.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string refusal(const std::string& text) {
+  try {
+    gxi_read_lepton_file(text, "f");
+  } catch (const std::runtime_error& error) {
+    return error.what();
+  }
+  return "";
+}
+
+// Every net of a sheet by its names and the pins of parts that it joins.
+std::set<std::string> nets_of(const gxi_design_t& design, const std::string& cell_name) {
+  std::set<std::string> nets;
+  for (const auto& cell : design.cells) {
+    if (cell.name != cell_name || !cell.sheet) continue;
+    std::vector<std::set<std::string>> pins(cell.sheet->nets.size());
+    for (const auto& instance : cell.sheet->instances)
+      for (std::size_t i = 0; i < instance.nets.size(); ++i)
+        if (instance.kind == gxi_kind::part && instance.nets[i] >= 0)
+          pins[static_cast<std::size_t>(instance.nets[i])].insert(
+              instance.name + "." +
+              design.cells[static_cast<std::size_t>(instance.symbol)].symbol.pins[i].name);
+    for (std::size_t i = 0; i < pins.size(); ++i) {
+      const auto& net = cell.sheet->nets[i];
+      std::string all = net.name + (net.port.empty() ? "" : " port " + net.port) +
+                        (net.global.empty() ? "" : " global " + net.global) + ":";
+      for (const auto& pin : pins[i]) all += " " + pin;
+      if (pins[i].size() > 1 || !net.port.empty() || !net.global.empty()) nets.insert(all);
+    }
+  }
+  return nets;
+}
+
+void write(const fs::path& path, const std::string& text) { std::ofstream(path) << text; }
+
+// A part with two pins, its refdes R and what is to follow that.
+std::string part(int x, int y, const std::string& name, const std::string& more = "") {
+  return "C " + std::to_string(x) + " " + std::to_string(y) +
+         " 1 0 0 two.sym\n{\nT 0 0 5 10 1 1 0 0 1\n" + "refdes=" + name + "\n" + more + "}\n";
+}
+const std::string two =
+    "v 20220529 2\nP 0 0 200 0 1 0 0\n{\nT 0 0 5 8 1 1 0 0 1\npinnumber=1\nT 0 0 5 8 0 0 0 0 1\n"
+    "pinlabel=A\n}\nP 600 0 400 0 1 0 0\n{\nT 0 0 5 8 1 1 0 0 1\npinnumber=2\nT 0 0 5 8 0 0 0 0 1\n"
+    "pinlabel=B\n}\n";
+std::string named(int x, int y, const std::string& name) {
+  return "N " + std::to_string(x) + " " + std::to_string(y) + " " + std::to_string(x + 100) + " " +
+         std::to_string(y) + " 4\n{\nT 0 0 5 8 1 1 0 0 1\nnetname=" + name + "\n}\n";
+}
+
+}  // namespace
+
+TEST(ImportLepton, RecordsInOddForms) {
+  const auto file = gxi_read_lepton_file(
+      "v 20220529 2\r\nL 0 0 10 20 3\nB -5 -5 10 20 3 30 0 2 75 50 1 -1 -1 -1 -1 -1\nV 1 2 3 4\n"
+      "A 0 0 5 0 -90 3 0 0 0 -1 -1\nT 1 2 9 10 1 0 270 8 2\nfirst\n}\n{\nT 0 0 5 8 0 2 0\nx=y\n}\n"
+      "G 0 0 9 9 0 0 1\nname\nAAA\n.\nU 0 0 0 9 10 -1\nN 1 1 1 1 4\nP 0 50 100 50 1\nP 0 0 9 9 1 1 "
+      "1\n"
+      "H 3 0 0 0 -1 -1 0 -1 -1 -1 -1 -1 2\nm 1,1 4 4\nC 0,0 8,0 9,9z\n"
+      "C 100 200 1 90 1 EMBEDDEDa b.sym\n[\nP 150 200 300 200 1 0 0\n{\nT 150 200 5 8 0 0 0 0 1\n"
+      "pinnumber=1\n}\n]\n{\nT 0 0 5 8 0 0 0 0 1\nrefdes=U1\n}\n\n",
+      "f");
+  ASSERT_EQ(file.shapes.size(), 7U);
+  EXPECT_TRUE(file.shapes[1].filled && file.shapes[1].dashed);
+  EXPECT_EQ(file.shapes[1].points[1], (gxi_lepton_point_t{5, 15}));
+  EXPECT_EQ(file.texts.at(0).text, "first\n}");
+  EXPECT_EQ(file.texts[0].rotate, 3);
+  EXPECT_EQ(file.attached.at(0).name(), "x");
+  EXPECT_EQ(file.pins.at(0).tip,
+            (gxi_lepton_point_t{100, 50}));  // the outer end, where none is told
+  EXPECT_TRUE(file.pins.at(1).bus);
+  EXPECT_EQ(file.pins.at(1).tip, (gxi_lepton_point_t{9, 9}));
+  const auto lines = gxi_lepton_lines(file.shapes[6].path);
+  ASSERT_EQ(lines.size(), 1U);
+  EXPECT_EQ(lines[0].size(), 11U);
+  EXPECT_EQ(lines[0][1], (gxi_lepton_point_t{5, 5}));
+  EXPECT_EQ(lines[0].back(), lines[0].front());
+  // What is embedded stands on the page as it is seen.
+  const auto& component = file.components.at(0);
+  EXPECT_EQ(component.symbol, "a b.sym");
+  EXPECT_EQ(component.rotate, 0);
+  EXPECT_EQ(component.embedded->pins.at(0).tip, (gxi_lepton_point_t{50, 0}));
+  EXPECT_EQ(gxi_lepton_value(component.attributes, "refdes"), "U1");
+
+  const std::map<std::string, std::string> refused{
+      {"", "f:1: a version line expected"},
+      {"L 0 0 1 1 3\n", "f:1: a version line expected"},
+      {"v 1 2\nL 0 0 1 x\n", "f:2: 4 numbers expected"},
+      {"v 1 2\nL 0 0 1 1 3 0 0 0 -1 -1 7\n", "f:2: not more than 10 numbers"},
+      {"v 1 2\nN 0 0 0 400001 4\n", "f:2: a coordinate beyond 400000"},
+      {"v 1 2\nN 0 0 0 99999999999 4\n", "f:2: 4 numbers expected"},
+      {"v 1 2\nT 0 0 9 10 1 0 0 0 3\na\nb\n", "f:2: lines of the text are missing"},
+      {"v 1 2\nT 0 0 9 10 1 0 45 0 1\na\n", "f:2: an angle of 0, 90, 180 or 270 expected"},
+      {"v 1 2\nT 0 0 9 10 1 0 0 9 1\na\n", "f:2: an alignment of 0 to 8 expected"},
+      {"v 1 2\n{\n}\n", "f:2: a \"{\" that follows no object"},
+      {"v 1 2\nN 0 0 1 1 4\n{\n", "f:3: a \"{\" that is not closed"},
+      {"v 1 2\nN 0 0 1 1 4\n{\nL 0 0 1 1 3\n}\n", "f:4: a text or \"}\" expected"},
+      {"v 1 2\nN 0 0 1 1 4\n[\n]\n", "f:3: a \"[\" that follows no component"},
+      {"v 1 2\nC 0 0 1 0 0 EMBEDDEDa.sym\n[\n", "f:3: a \"[\" that is not closed"},
+      {"v 1 2\nC 0 0 1 0 0 a\n[\nC 0 0 1 0 0 b\n]\n", "f:4: a component within a symbol"},
+      {"v 1 2\nC 0 0 1 0 0\n", "f:2: the name of a symbol expected"},
+      {"v 1 2\nG 0 0 1 1 0 0 1\nx\nAA\n", "f:2: lines of the picture are missing"},
+      {"v 1 2\nH 3 0 0 0 -1 -1 0 -1 -1 -1 -1 -1 1\nL 1,1\n", "f:2: a path with no beginning"},
+      {"v 1 2\nZ 1\n", "f:2: a record of the unknown kind \"Z\""}};
+  for (const auto& [text, what] : refused) EXPECT_EQ(refusal(text), what);
+}
+
+TEST(ImportLepton, TextsAreSeenAsTheirMarksSay) {
+  gxi_lepton_text_t text{.text = "value=10k"};
+  EXPECT_EQ(gxi_lepton_seen(text), "value=10k");
+  text.show = gxi_lepton_text_t::show_t::value;
+  EXPECT_EQ(gxi_lepton_seen(text), "10k");
+  text.show = gxi_lepton_text_t::show_t::name;
+  EXPECT_EQ(gxi_lepton_seen(text), "value");
+  text.text = "not = one";
+  EXPECT_EQ(gxi_lepton_seen(text), "not = one");
+  text.visible = false;
+  EXPECT_EQ(gxi_lepton_seen(text), "");
+  EXPECT_EQ(gxi_lepton_plain(R"(R/\_W\_ \\ \_X)"), "R/~W \\ ~X");
+}
+
+TEST(ImportLepton, TheProjectNamesLibrariesAndMangling) {
+  gxi_lepton_project_t project;
+  gxm_messages_t messages;
+  gxi_lepton_take_scheme(
+      "; (component-library \"no\")\n#| (source-library \"no\")\n |#(component-library \"a\")\n"
+      "(component-library\n \"/b\" \"name\")(component-library-search \"${NO_SUCH_NAME}c\")\n"
+      "(source-library \"s\\\"t\")(load \"x\")(component-library (build-path \"q\"))(",
+      "gafrc", "/top", project, messages);
+  gxi_lepton_take_config(
+      "# c\n[netlist.hierarchy]\nmangle-net-attribute = false\nmangle-netname-attribute=true\n"
+      "[other]\nmangle-netname-attribute=false\n[netlist]\nnet-naming-priority=netname-attribute\n",
+      project);
+  ASSERT_EQ(project.symbols.size(), 3U);
+  EXPECT_EQ(project.symbols[0].directory, "/top/c");  // the last one first
+  EXPECT_TRUE(project.symbols[0].deep);
+  EXPECT_EQ(project.symbols[2].directory, "/top/a");
+  EXPECT_EQ(project.sheets.at(0).directory, "/top/s\"t");
+  EXPECT_FALSE(project.net_is_local);
+  EXPECT_TRUE(project.netname_is_local && project.netname_wins && project.walks_down);
+  EXPECT_EQ(messages, gxm_messages_t{"gafrc:6: \"(component-library ...)\" is not followed"});
+}
+
+TEST(ImportLepton, TheExampleJoinsWhatItDraws) {
+  const fs::path here = KIVO_SOURCE_DIR;
+  const auto design = gxi_read_lepton({{here / "examples/import/lepton/preamp.sch"}, {}});
+  EXPECT_TRUE(design.warnings.empty());
+  EXPECT_EQ(nets_of(design, "preamp"),
+            (std::set<std::string>{"left: J1.1 S1.IN", "left_out: J2.1 R9.1 S1.OUT",
+                                   "~right: J1.2 S2.IN", ": J2.2 S2.OUT", "GND global GND: J3.2",
+                                   "V+ global V+: J3.1", "V- global V-: J3.3"}));
+  EXPECT_EQ(nets_of(design, "stage"),
+            (std::set<std::string>{" port IN: C1.1", "mid: C1.2 R1.2 U1.3", ": R2.2 R3.2 U1.2",
+                                   " port OUT: R2.1 U1.1", ": U1.6 U1.7",
+                                   "GND global GND: R1.1 R3.1 U1.5", "V+ global V+: U1.8",
+                                   "V- global V-: U1.4"}));
+}
+
+// Pages are one sheet by their names; the sheets below join pins; a name of a net above counts
+// before that of a port.
+TEST(ImportLepton, PagesLevelsAndNames) {
+  const scratch_directory scratch;
+  const auto at = scratch.path();
+  write(at / "two.sym", two);
+  write(at / "gnd.sym", two + "T 0 0 5 8 0 0 0 0 1\nnet=GND:1,2\n");
+  write(at / "lepton.conf", "[netlist.hierarchy]\nmangle-net-attribute=false\n");
+  const std::string source = "T 0 0 5 8 0 0 0 0 1\nsource=low.sch\n";
+  write(at / "low.sch", "v 1 2\n" + part(0, 0, "A") + part(600, 0, "R1") + part(1200, 0, "B") +
+                            part(0, 500, "R2", "T 0 0 5 8 0 0 0 0 1\nnet=GND:2,9\n"));
+  write(at / "loop.sch", "v 1 2\n" + part(0, 0, "A") + part(0, 0, "B"));
+  write(at / "one.sch", "v 1 2\n" + part(0, 0, "X1", source) + named(0, 0, "P") +
+                            part(0, 900, "X2", "T 0 0 5 8 0 0 0 0 1\nsource=loop.sch\n") +
+                            named(0, 900, "P") + named(600, 900, "Q") +
+                            // A slanted wire is joined at its ends alone.
+                            "N 2000 0 2400 400 4\nN 2200 200 2200 0 4\n" + part(2200, 0, "R3") +
+                            part(2400, 400, "R4") + part(2000, 0, "R5"));
+  write(at / "more.sch", "v 1 2\n" + part(0, 0, "R6") + named(0, 0, "Q") + named(600, 0, "P") +
+                             part(0, 600, "R7") + named(0, 600, "GND") + part(0, 900, "gone"));
+  const auto design = gxi_read_lepton({{at / "one.sch", at / "more.sch"}, {}});
+  EXPECT_EQ(nets_of(design, "one"), (std::set<std::string>{"P: R6.1 R6.2 X1.A X2.A X2.B",
+                                                           "GND global GND: R7.1", ": R4.1 R5.1"}));
+  EXPECT_EQ(nets_of(design, "low"),
+            (std::set<std::string>{" port A:", " port B: R1.2", "GND global GND: R2.2 R2.9"}));
+}
+
+TEST(ImportLepton, ASecondImportWritesOnlyWhatChanged) {
+  const scratch_directory scratch;
+  const fs::path from = scratch.path() / "in", to = scratch.path() / "out";
+  fs::copy(fs::path(KIVO_SOURCE_DIR) / "examples/import/lepton", from);
+  const auto import = [&] {
+    auto design = gxi_read_lepton({{from / "preamp.sch"}, {}});
+    return gxi_write(design, {.root = to, .date = {}}).written;
+  };
+  EXPECT_GT(import(), 8);
+  EXPECT_EQ(import(), 0);
+  std::ofstream(from / "stage.sch", std::ios::app) << "T 0 0 9 10 1 0 0 0 1\nmore\n";
+  EXPECT_EQ(import(), 1);
+  std::ofstream(from / "stage.sch", std::ios::app)
+      << "C 9000 0 1 0 0 stage.sym\n{\nT 0 0 5 8 0 0 0 0 1\nrefdes=S1\n}\n";
+  EXPECT_THROW(import(), std::runtime_error);  // it contains itself
+  fs::remove(from / "cap.sym");
+  fs::remove_all(to);
+  EXPECT_THROW(import(), std::runtime_error);
+  EXPECT_FALSE(fs::exists(to));
+}
+
+// A sheet too large for one file, whose parts hang on two rails: every wire leaves with a part.
+TEST(ImportLepton, ALargeSheetIsDividedWithItsWires) {
+  gxi_design_t design;
+  design.cells.resize(2);
+  design.cells[0] = {.name = "rails", .sheet = gxi_sheet_t{}};
+  design.cells[1].name = "two";
+  design.cells[1].symbol.pins = {{.name = "A", .at = {}}, {.name = "B", .at = {0, gxm_step}}};
+  auto& sheet = *design.cells[0].sheet;
+  sheet.nets = {{.name = "A"}, {.name = "B"}};
+  constexpr std::int32_t count = 12000;
+  for (std::int32_t i = 0; i < count; ++i) {
+    const gx_pointreal_t at{i * gxm_step, 0};
+    sheet.instances.push_back(
+        {.name = "R" + std::to_string(i), .symbol = 1, .at = at, .nets = {0, 1}});
+    // One at the pin, one that meets none.
+    sheet.nets[0].segments.push_back({at, {at.x + gxm_step, 0}});
+    sheet.nets[1].segments.push_back({{at.x, 7 * gxm_step}, {at.x + gxm_step, 7 * gxm_step}});
+    sheet.texts.push_back({"T", {.at = at}});
+  }
+  gxi_fit(design);
+  gxi_divide(design);
+  std::size_t wires = 0, parts = 0, texts = 0;
+  for (const auto& cell : design.cells) {
+    if (!cell.sheet) continue;
+    EXPECT_LE(gxi_count_objects(design, cell), 30000U) << cell.name;
+    texts += cell.sheet->texts.size();
+    for (const auto& net : cell.sheet->nets) wires += net.segments.size();
+    for (const auto& instance : cell.sheet->instances) {
+      parts += instance.symbol == 1;
+      EXPECT_TRUE(instance.symbol != 1 || instance.nets[0] != instance.nets[1]);
+    }
+  }
+  EXPECT_EQ(wires, 2U * count);
+  EXPECT_EQ(parts, 1U * count);
+  EXPECT_EQ(texts, 1U * count);
+}
