@@ -7,6 +7,7 @@ time(1) in a run of its own, which also fills the caches.
 import json
 import os
 import pathlib
+import re
 import shutil
 import statistics
 import subprocess
@@ -100,7 +101,7 @@ def check_leaves(leaves, runs):
         header = image.read(40)[36:]
     found = [int.from_bytes(header, "little")]
     with open(ngspice.outputs[0], encoding="latin-1") as text:
-        found.append(sum(line[:9].count(" : ") and line.split(" : ")[1][:1] in "mc" for line in text))
+        found.append(sum(bool(re.match(r" *\d+ : [mc]", line)) for line in text))
     with open(xschem.outputs[1], encoding="latin-1") as text:
         found.append(sum(line[:1] in ("M", "C") for line in text))
     if found != [leaves] * 3:
@@ -108,13 +109,14 @@ def check_leaves(leaves, runs):
 
 
 def floor_times(build, blocks):
-    """Wall and CPU time of the bare loop and of RUN in a fresh store, in seconds."""
+    """Wall and CPU time of the bare loop and of RUN in a fresh store, in seconds; none for a size
+    that kivo_bench does not know."""
     run = subprocess.run(
         [build / "bench/kivo_bench", f"--benchmark_filter=first_run/{blocks}(/1)?$",
          "--benchmark_repetitions=3", "--benchmark_format=json"],
         check=True, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
     return {entry["run_name"].split("/")[0]: (entry["real_time"] / 1e6, entry["cpu_time"] / 1e6)
-            for entry in json.loads(run.stdout)["benchmarks"]
+            for entry in json.loads(run.stdout or '{"benchmarks": []}')["benchmarks"]
             if entry.get("aggregate_name") == "median"}
 
 
@@ -145,7 +147,8 @@ def main():
     build = pathlib.Path(sys.argv[1]).resolve()
     rounds = int(sys.argv[2]) if len(sys.argv) > 2 else 21
     sizes = [int(word) for word in sys.argv[3:]] or BLOCKS
-    print(f"{os.cpu_count()} cores, load {os.getloadavg()[0]:.1f} at the start; ratios are to kivo\n\n"
+    print(f"{os.cpu_count()} cores, load {os.getloadavg()[0]:.1f} at the start;"
+          " ratios are to kivo\n\n"
           "| leaves | program | wall, ms | CPU, ms | peak memory, MB | output, MB | wall, ratio |"
           " CPU, ratio |\n|---|---|---|---|---|---|---|---|")
     for blocks in sizes:
