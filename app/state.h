@@ -4,6 +4,7 @@
 // assignment: static_cast<kv_selection_state_t&>(kv_pext) = {}.
 #pragma once
 
+#include "app/check/check_state.h"
 #include "app/find/find_state.h"
 #include "app/run/run_state.h"
 #include "app/session/session_state.h"
@@ -13,6 +14,7 @@
 struct kv_defref_var_rec_t : kv_sheets_state_t,
                              kv_selection_state_t,
                              kv_run_state_t,
+                             kv_check_state_t,
                              kv_session_state_t,
                              kv_find_state_t {};
 

@@ -18,10 +18,15 @@ constexpr std::size_t round_up(std::size_t size, std::size_t to) {
   return (size + to - 1) / to * to;
 }
 
+// Without room the program's new-handler has its say, as for `new`.
 std::byte* map_pages(std::size_t size) {
-  void* pages = ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-  if (pages == MAP_FAILED) throw std::bad_alloc();
-  return static_cast<std::byte*>(pages);
+  for (;;) {
+    void* pages = ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (pages != MAP_FAILED) return static_cast<std::byte*>(pages);
+    const auto without_memory = std::get_new_handler();
+    if (without_memory == nullptr) throw std::bad_alloc();
+    without_memory();
+  }
 }
 
 // `size` bytes at a multiple of huge pages: what was mapped around them is given back.

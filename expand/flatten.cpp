@@ -55,7 +55,7 @@ struct visit_t {
 };
 
 bool must_stop(const kv_flatten_t& run) {
-  return run.end || gx_session.errors_in_all - run.errors_before > most_errors;
+  return run.end || (!run.to_the_end && gx_session.errors_in_all - run.errors_before > most_errors);
 }
 
 void tell_report(const kv_report_t& report) {

@@ -45,6 +45,7 @@ struct kv_flatten_t {
   std::int16_t& expand_level;  // of the sheet being visited
   std::int32_t& macro_level;   // its macro, 0 at the top
   std::int64_t errors_before;  // counted before the run
+  bool to_the_end = false;     // however many errors there are
   kv_sheet_cache_t cache;
   kv_run_watch* watch = nullptr;
   std::vector<kv_visit_t>* visits = nullptr;  // to be kept; null: they are not

@@ -80,11 +80,12 @@ void store_info(kv_design_t& design, const kv_setup_t& setup) {
 }
 
 // The whole walk; why it ended early, if it did.
-std::optional<kv_run_result> flatten(const kv_run_t& run, gx_file_index_t top) {
-  const auto& slot = gx_files.filear[static_cast<std::size_t>(top)];
+std::optional<kv_run_result> flatten(const kv_run_t& run, const gx_file_gene_recf_t& top,
+                                     std::string_view top_path) {
   kv_flatten_t walk(run.setup, run.design, run.expand_level, run.macro_level);
-  auto sheet_read = std::make_unique<kv_sheet_t>(kv_analyse_sheet(
-      gx_ptrto_gene_file_buf(top), gx_view(slot.file_pathname), run.setup, walk.cache.globals));
+  walk.to_the_end = run.to_the_end;
+  auto sheet_read =
+      std::make_unique<kv_sheet_t>(kv_analyse_sheet(top, top_path, run.setup, walk.cache.globals));
   kv_sheet_t& sheet = *sheet_read;
   kv_find_tied_globals(walk.cache, sheet, 1);
   if (sheet.bytes > kv_free_memory()) {
@@ -115,6 +116,13 @@ kv_run_result kv_expand(const kv_run_t& run) {
     refuse("# !! Error : No Sheet available to expand ? ");
     return kv_run_result::no_sheet;
   }
+  const auto& slot = gx_files.filear[static_cast<std::size_t>(top)];
+  return kv_expand_sheet(run, gx_ptrto_gene_file_buf(top), gx_view(slot.file_pathname));
+}
+
+kv_run_result kv_expand_sheet(const kv_run_t& run, const gx_file_gene_recf_t& top,
+                              std::string_view top_path) {
+  if (!lists_are_set(run.setup)) return kv_run_result::no_lists;
   kv_empty_design(run.design);
   static std::uint64_t runs = 0;
   if (run.origins != nullptr) {
@@ -124,7 +132,7 @@ kv_run_result kv_expand(const kv_run_t& run) {
   kv_limit_design(run.design, run.setup.store_size);
   run.design.kept = run.setup;
   gx_tell(" RUN ");
-  if (const auto end = flatten(run, top)) {
+  if (const auto end = flatten(run, top, top_path)) {
     kv_empty_design(run.design);  // a part of a design is not taken for the whole
     if (run.origins != nullptr) *run.origins = {};
     return *end;

@@ -8,6 +8,7 @@
 #include "expand/design.h"
 #include "expand/origins.h"
 #include "expand/sheet_slots.h"
+#include "gx/db/file_records.h"
 
 // How far a run is.
 struct kv_progress_t {
@@ -30,6 +31,7 @@ struct kv_run_t {
   std::int32_t& macro_level;       // macro whose sheet is being flattened
   kv_run_watcher_t watcher = nullptr;
   std::chrono::milliseconds period{200};  // from the start to the first call, and between calls
+  bool to_the_end = false;                // a sheet is not left after 30 errors
   kv_origins_t* origins = nullptr;        // emptied and filled, when given
 };
 
@@ -46,6 +48,9 @@ enum class kv_run_result {
 
 // Flattens, checks the nets and fills general_info. What is wrong is told to the list.
 kv_run_result kv_expand(const kv_run_t& run);
+// The same for a sheet in no slot, read from that path; `sheets` is not looked at.
+kv_run_result kv_expand_sheet(const kv_run_t& run, const gx_file_gene_recf_t& top,
+                              std::string_view top_path);
 
 // The same, and writes the image to an open file and, when asked for, the listing "kivo_data" into
 // the directory of the sheet.

@@ -204,9 +204,15 @@ class analysis {
           is_bus_pin(pin.pinpropfam, net) ? keep_text({kv_bare_name(name)}) : port.name;
       const auto* pin_record = gx_object_as<gx_object_pinpropfam_rec_t>(file_, pin.pinpropfam);
       port.is_range = pin_record != nullptr && pin_record->pin_start != pin_record->pin_end;
+      port.io_type = port_type(gx_prop_text(gx_find_inst_prop(file_, inst, "CLASS")));
       sheet.ports.push_back(port);
       port_nets_.push_back(net);
     }
+  }
+
+  static kv_io_type port_type(std::string_view value) {
+    if (gx_iden(value, "PORTIN")) return kv_io_in;
+    return gx_iden(value, "PORTOUT") ? kv_io_out : kv_io_io;
   }
 
   bool is_bus_pin(int pinpropfam, std::int32_t net) const {
@@ -294,6 +300,7 @@ class analysis {
       report_global(global,
                     two_on_one("globals", group, sheet.view(other.name), sheet.view(global.name)));
       global.usable = false;
+      global.is_second = true;
     }
   }
 

@@ -62,8 +62,9 @@ struct kv_sheet_group_t {
 };
 
 struct kv_sheet_port_t {
-  kv_text_t name, bare_name;  // bare: without the bus range
-  bool is_range = false;      // its pin stands for several bits
+  kv_text_t name, bare_name;      // bare: without the bus range
+  bool is_range = false;          // its pin stands for several bits
+  kv_io_type io_type = kv_io_io;  // seen from the sheet: PORTIN brings in, PORTOUT takes out
   std::int32_t group = -1;
   std::int32_t net = -1;  // that it stands on
 };
@@ -77,6 +78,7 @@ struct kv_sheet_global_t {
   std::int32_t position = 0;  // on a bus: the member, -1: none that exists
   std::int32_t report = -1;   // what is wrong with it on this sheet
   bool usable = true;         // false: only its report counts
+  bool is_second = false;     // not usable because another global has its net
   kv_init_t init;
 };
 

@@ -51,16 +51,31 @@ void check_frame(kv_sheet_check_t& check, int frame) {
   object.report_same_names();
 }
 
-// The names of one kind that stand twice; the later one is the one to look at.
+kv_sheet_finding_t& add_name(kv_sheet_check_t& check, const kv_check_table_t& table,
+                             const kv_same_name_t& same, kv_rule rule, std::string_view line) {
+  std::string text(line);
+  text.append("\"").append(table.names[same.first]).append("\" ");
+  // The later one is the one to look at.
+  return check.add(rule, table.owners[same.second], {std::move(text)});
+}
+
+// The names of one kind that may stand once.
 void check_names(kv_sheet_check_t& check, const kv_check_table_t& table, kv_rule rule,
                  std::string_view line) {
   bool is_further = false;
   for (const auto& same : kv_same_names(table)) {
-    std::string text(line);
-    text.append("\"").append(table.names[same.first]).append("\" ");
-    check.add(rule, table.owners[same.second], {std::move(text)}).is_further = is_further;
+    add_name(check, table, same, rule, line).is_further = is_further;
     is_further = true;
   }
+}
+
+// Nets may be joined by their names: one finding says that there are some.
+void check_joined_nets(kv_sheet_check_t& check) {
+  const auto same = kv_same_names(check.net_names);
+  if (same.empty()) return;
+  add_name(check, check.net_names, same.front(), kv_rule::net_same_name,
+           "# !! warning : NETS connected by their name  : ")
+      .more = static_cast<int>(same.size()) - 1;
 }
 
 }  // namespace
@@ -90,8 +105,7 @@ kv_sheet_report_t kv_check_sheet(const gx_file_gene_recf_t& file, kv_links_t& li
               "# !! Error : PORT with same name  : ");
   kv_check_nets(check);
   kv_check_frames(check);
-  check_names(check, check.net_names, kv_rule::net_same_name,
-              "# !! warning : NETS connected by their name  : ");
+  check_joined_nets(check);
   check_names(check, check.frame_names, kv_rule::frame_same_name,
               "# !! Error : Frame with same name  : ");
   return std::move(check.report);

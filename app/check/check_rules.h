@@ -24,7 +24,8 @@ struct kv_sheet_finding_t {
   gx_owner_t where;                // an instance, one of its pins, a net, a frame; none: the sheet
   std::vector<std::string> lines;  // as CHEck SHEet tells it
   std::vector<kv_mark_t> marks = {};
-  bool is_further = false;  // of a name of the sheet that stands twice, but not the first
+  bool is_further = false;  // of a name that stands twice on the sheet, but not the first
+  int more = 0;             // further names that are told with this one
 };
 
 struct kv_symbol_reference_t {

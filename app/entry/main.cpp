@@ -6,6 +6,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <new>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -13,6 +14,7 @@
 #include "app/session/batch.h"
 #include "app/session/installation.h"
 #include "app/session/root.h"
+#include "gx/text/status.h"
 #include "gx/vext.h"
 #include "platform/raw_files.h"
 #include "platform/timing.h"
@@ -62,6 +64,13 @@ void survive_broken_pipes() {
   sigaction(SIGPIPE, &action, nullptr);
 }
 
+// What is open is closed with what it holds.
+void end_without_memory() {
+  std::set_new_handler(nullptr);
+  gx_end_process("\n !! Unrecoverable Error : no memory left ",
+                 gx_vext.batch ? gx_batch_stop_status : 1);
+}
+
 // No file of a session takes the place of a standard stream that the caller has closed: one that
 // can neither be read nor written does, so that using it is an error.
 void hold_standard_streams() {
@@ -88,12 +97,15 @@ int run_with_options(int argc, char** argv) {
   batch.arguments = std::span(words).subspan(2);
   survive_broken_pipes();
   kv_find_installation("/proc/self/exe");
-  return kv_run_batch(batch);
+  const int status = kv_run_batch(batch);
+  std::fflush(nullptr);
+  std::_Exit(status);
 }
 }  // namespace
 
 int main(int argc, char** argv) {
   hold_standard_streams();
+  std::set_new_handler(end_without_memory);
   if (argc > 1 && argv[1][0] == '-' && argv[1][1] != 0) return run_with_options(argc, argv);
   gx_vext.debugfile = nullptr;
   gx_vext.cursessfile = nullptr;
@@ -111,5 +123,5 @@ int main(int argc, char** argv) {
   survive_broken_pipes();
   kv_find_installation("/proc/self/exe");
   kivo_root(argc, argv);
-  return 0;
+  return kv_exit_status(0);
 }

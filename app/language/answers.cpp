@@ -30,3 +30,9 @@ gx_string_record_t kv_unquote(std::string_view text) {
   gx_concat_sp(inner);
   return inner;
 }
+
+std::string_view kv_file_name(std::string_view word) {
+  const bool is_quoted =
+      word.size() >= 2 && (word[0] == '\'' || word[0] == '"') && word.back() == word[0];
+  return is_quoted ? word.substr(1, word.size() - 2) : word;
+}

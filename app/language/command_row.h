@@ -72,11 +72,13 @@ using kv_command_rows_t = std::span<const kv_command_row_t>;
 // The rows of each commands file.
 kv_command_rows_t kv_session_commands();    // session/commands_session
 kv_command_rows_t kv_check_commands();      // check/check_sheet
+kv_command_rows_t kv_finding_commands();    // check/commands_findings
 kv_command_rows_t kv_expand_commands();     // run/commands_expand
 kv_command_rows_t kv_explain_commands();    // find/commands_explain
 kv_command_rows_t kv_file_commands();       // language/commands_files
 kv_command_rows_t kv_find_commands();       // find/commands_find
 kv_command_rows_t kv_grid_commands();       // sheet/commands_grid
+kv_command_rows_t kv_highlight_commands();  // find/commands_highlight
 kv_command_rows_t kv_key_commands();        // session/commands_keys
 kv_command_rows_t kv_mark_commands();       // sheet/commands_mark
 kv_command_rows_t kv_menu_commands();       // session/commands_menu

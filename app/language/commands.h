@@ -33,6 +33,8 @@ void kv_refuse(std::string_view keyword, const kv_command_t& command, std::strin
 // A typed text without its quotes: what lies between the first quote and the next equal one,
 // followed by a blank; a text without such a pair as it is.
 gx_string_record_t kv_unquote(std::string_view text);
+// A file name as it was typed, without one pair of quotes around it.
+std::string_view kv_file_name(std::string_view word);
 
 // --- the interpreter
 inline constexpr std::size_t kv_max_words = 30;
@@ -58,6 +60,6 @@ void kv_process_command(const gx_string_record_t& line, kv_array_param_t& args,
 void kv_exec_cmd(std::string_view text);
 // Replaces the command line by the command that it begins, with the present settings.
 void kv_expand_cmd(const gx_string_record_t& line);
-// Whether the user asks by Control+A to stop a running command file or the output of a program.
+// Whether what is running is to stop: the user asks by Control+A, or a signal ends the program.
 bool kv_stop_asked();
 void kv_process_events(bool first, kv_array_param_t& args, kv_array_param_t& vars);

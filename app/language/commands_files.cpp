@@ -17,6 +17,7 @@
 #include "gx/text/text_files.h"
 #include "gx/vext.h"
 #include "platform/procedures.h"
+#include "platform/stop_signals.h"
 #include "platform/symbol_table.h"
 #include "platform/words.h"
 
@@ -122,14 +123,18 @@ void kv_help_cmd(const kv_command_t& command) {
 
 void kv_showfile_cmd(const kv_command_t& command) {
   constexpr std::string_view refused = "# SHOw FILe ";
-  if (!gx_display_file_invplist(command.word(3)))
+  if (!gx_display_file_invplist(kv_file_name(command.word(3)), kv_stop_asked))
     return kv_refuse(refused, command, "# !! Error : File not found  or Invalid ? ", 3);
   kv_echo(" SHOw FILe ", command, 3);
 }
 
 void kv_list_object_cmd(const kv_command_t& command) {
-  if (kv_pext.file_id_cur < 1) return kv_refuse("# LIST OBJect ", command, kv_no_sheet, 3);
-  gx_object_list(kv_pext.file_id_cur);
+  constexpr std::string_view refused = "# LIST OBJect ";
+  if (kv_pext.file_id_cur < 1) return kv_refuse(refused, command, kv_no_sheet, 3);
+  if (const auto why = gx_object_list(kv_pext.file_id_cur); !why.empty()) {
+    kv_refuse(refused, command, "# !! Error : impossible to write the file : ", 3);
+    return gx_tell("# !! ", why);
+  }
   kv_echo(" LIST OBJect ", command, 3);
 }
 
@@ -148,4 +153,4 @@ constexpr kv_command_row_t rows[] = {
 
 kv_command_rows_t kv_file_commands() { return rows; }
 
-bool kv_stop_asked() { return gx_find_event(key_press, keysym_a, control); }
+bool kv_stop_asked() { return x_stop_signal() != 0 || gx_find_event(key_press, keysym_a, control); }

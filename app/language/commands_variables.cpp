@@ -2,6 +2,7 @@
 #include "app/language/command_row.h"
 #include "app/language/substitution.h"
 #include "gx/text/text_files.h"
+#include "platform/stop_signals.h"
 
 namespace {
 
@@ -25,7 +26,7 @@ kv_outcome_t kv_assign(const kv_command_t& command) {
 
 kv_outcome_t kv_system(const kv_command_t& command) {
   kv_echo(" SYSTem ", command);
-  gx_system(command.words[1]);
+  gx_system(command.words[1], [] { return x_stop_signal() != 0; });
   return {};
 }
 

@@ -20,7 +20,8 @@ void refuse(const kv_command_t& command, std::string_view error) {
 }
 
 void refuse_name(const kv_command_t& command, std::string_view error) {
-  refuse(command, std::string(error).append("\"").append(command.word(2)).append("\" "));
+  refuse(command,
+         std::string(error).append("\"").append(kv_file_name(command.word(2))).append("\" "));
 }
 }  // namespace
 
@@ -35,7 +36,7 @@ void kv_do_cmd(const kv_command_t& command) {
   const auto depth = static_cast<std::int16_t>(std::max<int>(gx_vext.do_ind, 0) + 1);
   if (depth > max_do_depth)
     return refuse_name(command, "# !!! Error : too many level of DO FILE : ");
-  const x_file file(gx_popen_file(command.word(2), 'R', true));
+  const x_file file(gx_popen_file(kv_file_name(command.word(2)), 'R', true));
   if (!file) {
     gx_vext.do_ind = depth;  // until the line or the file that says so has ended
     return refuse_name(command, "# !!! Error : file not found : ");

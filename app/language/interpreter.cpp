@@ -1,4 +1,6 @@
 // The command interpreter: a command line becomes commands, a command words, and the words a call.
+#include <algorithm>
+
 #include "app/language/command_table.h"
 #include "app/language/commands.h"
 #include "app/language/substitution.h"
@@ -12,7 +14,7 @@
 namespace {
 constexpr int max_pieces = 30;
 constexpr std::int32_t least_reference = 5;  // "$ARG1"
-constexpr std::string_view piece_separators = ";";
+constexpr std::string_view piece_separators = ";", word_separators = " ,";
 // Words that begin otherwise are told in the trace.
 constexpr std::string_view command_letters = "$ABCDEFGHIKLMNOPQRSTUVWXYZ";
 
@@ -49,6 +51,53 @@ void substitute(gx_string_record_t& piece, std::string_view letters,
 void show_unknown(const gx_string_record_t& piece) {
   gx_tell("#  !!! Unknown Command  ?? ");
   gx_tell_as(gx_line_kind::detail, "# \"", gx_view(piece), "\" ");
+}
+
+bool is_quote(char c) { return c == '\'' || c == '"'; }
+
+// Where the shell escape that begins at `start` ends: at a ";" that the shell would not take for a
+// letter.
+std::size_t shell_piece_end(std::string_view text, std::size_t start) {
+  char quote = 0;
+  for (std::size_t i = start; i < text.size(); ++i) {
+    const char c = text[i];
+    if (c == '\\' && quote != '\'') {
+      ++i;
+    } else if (quote != 0) {
+      if (c == quote) quote = 0;
+    } else if (is_quote(c)) {
+      quote = c;
+    } else if (c == ';') {
+      return i;
+    }
+  }
+  return quote != 0 ? std::min(text.find(';', start), text.size()) : text.size();
+}
+
+// Where the command that begins at `start` ends: at a ";" that stands in no quoted word.
+std::size_t command_piece_end(std::string_view text, std::size_t start) {
+  std::size_t i = start;
+  for (; i < text.size() && text[i] != ';'; ++i) {
+    const bool begins_word = i == start || word_separators.find(text[i - 1]) != text.npos;
+    if (!is_quote(text[i]) || !begins_word) continue;
+    if (const auto closing = text.find(text[i], i + 1); closing != text.npos) i = closing;
+  }
+  return i;
+}
+
+// The next piece of a line, as the token reader gives it, but with what stands in quotes.
+bool next_piece(const gx_string_record_t& line, gx_string_record_t& piece, std::int32_t& pos) {
+  const std::string_view text = gx_view(line);
+  const auto start =
+      std::min(text.find_first_not_of(';', static_cast<std::size_t>(pos - 1)), text.size());
+  const auto first = std::min(text.find_first_not_of(' ', start), text.size());
+  const bool is_shell = first < text.size() && text[first] == '!';
+  const auto end = is_shell ? shell_piece_end(text, start) : command_piece_end(text, start);
+  if (end == std::min(text.find(';', start), text.size()))
+    return gx_rd_string_t(line, piece_separators, piece, pos);
+  piece = gx_string(text.substr(start, end - start));
+  pos = static_cast<std::int32_t>(end) + 2;
+  return true;
 }
 
 bool begins_command(char c) {
@@ -125,7 +174,7 @@ void kv_process_command(const gx_string_record_t& line, kv_array_param_t& args,
     if (pos > text.len || gx_view(text).substr(static_cast<std::size_t>(pos - 1)).starts_with(";;"))
       break;
     gx_string_record_t piece;
-    if (!gx_rd_string_t(text, piece_separators, piece, pos) || piece.len == 0) break;
+    if (!next_piece(text, piece, pos) || piece.len == 0) break;
     const bool ends_line = run_piece(piece, args, vars);
     set_executing(false);
     if (ends_line) break;
@@ -137,7 +186,7 @@ void kv_split_words(const gx_string_record_t& text, kv_words_t& words, std::size
   words.count = 0;
   for (std::int32_t pos = 1; words.count < most && pos <= kv_last_position;) {
     gx_string_record_t& word = words.word[words.count];
-    if (!gx_rd_string_t(text, " ,", word, pos)) return;
+    if (!gx_rd_string_t(text, word_separators, word, pos)) return;
     if (word.len > 0) ++words.count;
   }
 }

@@ -1,6 +1,7 @@
 // The shell escape: an external program whose output is a stream of commands.
 #include <algorithm>
 #include <cstdio>
+#include <memory>
 #include <string>
 
 #include "app/language/commands.h"
@@ -36,7 +37,7 @@ std::string shell_command(std::string_view text) {
   text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
   std::string command;
   if (text.substr(0, product_word.size()) == product_word) {
-    command = gx_view(gx_get_velmoran());
+    command = x_shell_word(gx_view(gx_get_velmoran()));
     text.remove_prefix(product_word.size());
   }
   command += text;
@@ -48,10 +49,9 @@ void wait_and_sync(std::int32_t ms) {
   gx_sync();
 }
 
-// The user asks to stop by Control+A.
-bool next_line(std::FILE* output, gx_string_record_t& line) {
+bool next_line(x_shell& shell, gx_string_record_t& line) {
   gx_sync();
-  return !kv_stop_asked() && gx_read_one_line(output, line) && line.len > 0;
+  return !shell.is_stopped() && gx_read_one_line(shell.output(), line) && line.len > 0;
 }
 }  // namespace
 
@@ -60,8 +60,8 @@ void kv_exec_cmd(std::string_view text) {
   gx_debug("#  kv_exec_cmd : START : \"%.*s\" \n", static_cast<int>(text.size()), text.data());
   const std::string command = shell_command(text);
   wait_and_sync(before_start_ms);
-  std::FILE* output = xshell_open(command.c_str());
-  if (output == nullptr) {
+  auto shell = std::make_unique<x_shell>(command.c_str(), kv_stop_asked);
+  if (shell->output() == nullptr) {
     gx_count_error();
     gx_tell("# !!! Error :  Command not found or not executable ?? ");
     gx_tell("# !!!  \"", command, "\" ");
@@ -70,7 +70,7 @@ void kv_exec_cmd(std::string_view text) {
   wait_and_sync(after_start_ms);
   gx_tell("# ", std::string_view(command).substr(0, max_shown), " ");
   kv_array_param_t args, vars;
-  for (gx_string_record_t line; next_line(output, line);) kv_process_command(line, args, vars);
-  xshell_close(output);
+  for (gx_string_record_t line; next_line(*shell, line);) kv_process_command(line, args, vars);
+  shell.reset();
   gx_tell("# End of Exec ");
 }

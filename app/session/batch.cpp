@@ -21,6 +21,8 @@
 #include "gx/text/text_files.h"
 #include "gx/vext.h"
 #include "platform/files.h"
+#include "platform/stop_signals.h"
+#include "platform/stoppable_input.h"
 
 namespace {
 constexpr std::string_view standard_input = "-";
@@ -69,9 +71,10 @@ void store_words(const kv_batch_t& batch) {
 // Standard input for this program alone: what the commands start does not read from it.
 x_file take_standard_input() {
   x_descriptor own(::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3));
-  if (!own || ::read(own.get(), nullptr, 0) < 0) kv_refuse_run("standard input: " + x_why(errno), 0);
-  x_file stream(::fdopen(own.get(), "r"));
-  if (stream) own.release();
+  if (!own || ::read(own.get(), nullptr, 0) < 0)
+    kv_refuse_run("standard input: " + x_why(errno), 0);
+  x_file stream = x_stoppable_input(
+      std::move(own), [] { return x_stop_signal() != 0; }, -1);
   const x_descriptor nothing(xfopen("/dev/null", O_RDONLY | O_CLOEXEC, 0));
   if (nothing) ::dup2(nothing.get(), STDIN_FILENO);
   return stream;
@@ -80,7 +83,7 @@ x_file take_standard_input() {
 // False when it could not be read to its end.
 bool answer_standard_input(std::FILE* commands) {
   const auto next_line = [&](gx_string_record_t& line) {
-    if (gx_vext.end_flag) return false;
+    if (gx_vext.end_flag || x_stop_signal() != 0) return false;
     kv_flush_batch_output();
     std::fflush(gx_vext.cursessfile);
     return gx_read_one_line(commands, line);
@@ -129,5 +132,5 @@ int kv_run_batch(const kv_batch_t& batch) {
   }
   if (!batch.quiet) kv_print_summary();
   if (!kv_flush_batch_output()) all_done = false;
-  return all_done && !has_faults(batch, inherited) ? 0 : 1;
+  return kv_exit_status(all_done && !has_faults(batch, inherited) ? 0 : 1);
 }

@@ -115,12 +115,14 @@ void kv_draw_menu_cmd(const kv_command_t&) {
 
 void kv_run_menu_cmd(const kv_command_t&) { kv_execute_item_menu(); }
 
-void kv_print_menu_cmd(const kv_command_t& command) { gx_print_menu(command.word(2)); }
+void kv_print_menu_cmd(const kv_command_t& command) {
+  gx_print_menu(kv_file_name(command.word(2)));
+}
 
 // The lines of the menu shown may be gone in the new tree.
 void kv_read_menu_cmd(const kv_command_t& command) {
   gx_close_menus(gx_vext.viewport_edit);
-  gx_read_menu(command.word(2));
+  gx_read_menu(kv_file_name(command.word(2)));
 }
 
 constexpr kv_command_row_t rows[] = {

@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 #include "app/state.h"
 #include "expand/store.h"
@@ -15,6 +16,7 @@
 #include "gx/text/strings.h"
 #include "gx/vext.h"
 #include "platform/raw_files.h"
+#include "platform/stop_signals.h"
 
 namespace {
 constexpr mode_t debug_file_mode = 0660;
@@ -35,7 +37,14 @@ void print_banner(const gx_date_t& date) {
 }
 }  // namespace
 
+int kv_exit_status(int without_signal) {
+  constexpr int ended_by_signal = 128;
+  return x_stop_signal() == 0 ? without_signal : ended_by_signal + x_stop_signal();
+}
+
 void kv_print_summary() {
+  if (const int signal = x_stop_signal(); signal != 0)
+    std::printf("\n !! Ended by signal %d : %s\n", signal, strsignal(signal));
   const int errors = gx_vext.num_errors, warnings = gx_vext.num_warnings;
   std::printf("\n -- KIVO  Execution complete...%d %s, %d %s --\n", errors,
               errors < 2 ? "error" : "errors", warnings, warnings < 2 ? "warning" : "warnings");

@@ -17,6 +17,7 @@ void kv_run_start_up_file();  // its words reach DO as they are
 void kv_run_session();        // these two, then the event loop
 bool kv_finish_session();     // closes the files and the window; false: the session file lost lines
 void kv_print_summary();      // the counts of errors and warnings, on standard output
+int kv_exit_status(int without_signal);  // 128 and the signal that has ended the session
 
 // The end of a run that cannot begin: the message on standard output and the given status; without
 // a window on standard error and 2.

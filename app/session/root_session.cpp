@@ -2,7 +2,9 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <string>
 #include <utility>
@@ -34,6 +36,7 @@
 #include "gx/text/text_files.h"
 #include "gx/vext.h"
 #include "platform/files.h"
+#include "platform/stop_signals.h"
 
 namespace {
 constexpr std::int16_t lines_in_view = 7;
@@ -92,7 +95,7 @@ void open_window(const gx_string_record_t& design) {
 
 void open_transcript() {
   constexpr char failure[] = "impossible to open current_session_file";
-  const gx_string_record_t name = design_file("/current_session");
+  const gx_string_record_t name = gx_vext.cursessname = design_file("/current_session");
   gx_vext.cursessfile = gx_popen_file(gx_view(name), 'W', false);
   if (gx_vext.cursessfile == nullptr) {
     const std::string why = x_why(errno);
@@ -221,6 +224,7 @@ bool close_file(std::FILE*& file) {
 bool kv_open_session() {
   const gx_string_record_t design = design_file("");
   open_window(design);
+  x_watch_stop_signals();  // up to here there is nothing to end in order
   open_transcript();
   kv_init_menu_action();
   gx_debug("# INITIALIZE :  KV_INIT_MENU_ACTION    done \n");
@@ -235,7 +239,7 @@ bool kv_open_session() {
 void kv_begin_session() {
   const int errors = gx_vext.num_errors;
   gx_undo_init(kv_pext.file_id_cur);  // takes over what the sheet's header says of its errors
-  for (int i = 0; i < errors; ++i) gx_count_error();
+  gx_vext.num_errors = static_cast<std::int16_t>(std::min(errors + gx_vext.num_errors, INT16_MAX));
   gx_vext.str_cmd = {};
   gx_display_cmd("");
   gx_display_list("# KIVO  version 2.02");

@@ -79,7 +79,8 @@ void kv_smash_cmd(const kv_command_t& command) {
 
 void kv_search_cmd(const kv_command_t& command) {
   kv_pext.search_done = command.word(2) != "/";
-  kv_pext.search_path = gx_string(kv_pext.search_done ? command.word(2) : std::string_view{});
+  kv_pext.search_path =
+      gx_string(kv_pext.search_done ? kv_file_name(command.word(2)) : std::string_view{});
   kv_echo(" SEArch ", command);
 }
 

@@ -103,5 +103,6 @@ gx_file_index_t gx_file_create_bye(std::string_view data_path);
 // Fills the slot with an empty file.
 void gx_file_create_new(gx_file_index_t file_index);
 
-// The dump of every object into "list_obj_file" of the file's directory.
-void gx_object_list(gx_file_index_t file_index);
+// The dump of every object into "list_obj_file" of the file's directory; "", or the file's path and
+// why it cannot be written.
+std::string gx_object_list(gx_file_index_t file_index);

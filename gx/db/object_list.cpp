@@ -1,14 +1,16 @@
 // The listing of all objects of a file, written beside it for people who look for a fault in a
 // design: links and place of every object, then the fields of its type.
+#include <cerrno>
 #include <cstdio>
 #include <initializer_list>
+#include <string>
+#include <utility>
 
 #include "gx/db/file_state.h"
 #include "gx/db/files.h"
 #include "gx/db/object_access.h"
 #include "gx/db/record_tables.h"
 #include "gx/text/strings.h"
-#include "gx/text/text_files.h"
 #include "platform/files.h"
 
 namespace {
@@ -70,15 +72,18 @@ void list_object(std::FILE* out, gx_file_index_t file_index, const gx_object_gen
 
 }  // namespace
 
-void gx_object_list(gx_file_index_t file_index) {
+std::string gx_object_list(gx_file_index_t file_index) {
   const auto& file = gx_ptrto_gene_file_buf(file_index);
   gx_string_record_t path = gx_files.filear[static_cast<std::size_t>(file_index)].dirname;
   gx_concat_const("/list_obj_file", path);
-  const x_file file_owner(gx_popen_file(gx_view(path), 'W', false));
+  const auto refused = [&path] {
+    return std::string("\"").append(gx_view(path)).append("\" : ").append(x_why(errno));
+  };
+  x_file file_owner = x_create_file(std::string(gx_view(path)), false);
   std::FILE* const out = file_owner.get();
   if (out == nullptr) {
     std::printf("?? gx_object_list : impossible to open:'%s' (for W)\n", path.char_);
-    gx_set_status(gx_code::init_or_open_file_not_done);
+    return refused();
   }
 
   std::fputs("!!!! @@@@@@@@@@@@@@@@@@@@@@@@@@@@@\n", out);
@@ -90,4 +95,6 @@ void gx_object_list(gx_file_index_t file_index) {
     if (code < 0 || code > gx_max_type) gx_set_status(gx_code::object_type_invalid);
     list_object(out, file_index, *object);
   }
+  if (std::fflush(out) != 0) return refused();
+  return x_close(std::move(file_owner)) ? std::string() : refused();
 }

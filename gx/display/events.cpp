@@ -25,6 +25,7 @@
 #include "gx/text/message_list.h"
 #include "gx/text/status.h"
 #include "gx/vext.h"
+#include "platform/stop_signals.h"
 
 namespace {
 
@@ -357,17 +358,25 @@ void read_rest(gx_event_t& event) {
     snap_pointer(gx_vext.viewport_id, gx_vext.obj_pos);
 }
 
-// Whether the pointer comes to rest before the next event.
-bool comes_to_rest() {
-  if (!gx_vext.rest_awaited) return false;
-  while (XEventsQueued(gx_vext.dpy, QueuedAfterFlush) == 0) {
-    const int left = rest_ms - xdiftimems(gx_vext.lasttime.tv_sec, gx_vext.lasttime.tv_usec);
-    // A clock that was set back must not make it wait for longer.
-    if (left <= 0 || left > rest_ms) return true;
-    pollfd connection{ConnectionNumber(gx_vext.dpy), POLLIN, 0};
-    if (poll(&connection, 1, left) < 0 && errno != EINTR) return false;
+// What ends the waiting.
+enum class waking { event, rest, signal };
+
+// Waits for the next event, for the pointer to come to rest before it, or for a signal that ends
+// the program.
+waking wait_for_waking() {
+  while (x_stop_signal() == 0) {
+    if (XEventsQueued(gx_vext.dpy, QueuedAfterFlush) > 0) return waking::event;
+    int left = -1;
+    if (gx_vext.rest_awaited) {
+      left = rest_ms - xdiftimems(gx_vext.lasttime.tv_sec, gx_vext.lasttime.tv_usec);
+      // A clock that was set back must not make it wait for longer.
+      if (left <= 0 || left > rest_ms) return waking::rest;
+    }
+    pollfd places[] = {{ConnectionNumber(gx_vext.dpy), POLLIN, 0},
+                       {x_stop_descriptor(), POLLIN, 0}};
+    if (poll(places, std::size(places), left) < 0 && errno != EINTR) return waking::event;
   }
-  return false;
+  return waking::signal;
 }
 
 // --- the window
@@ -468,9 +477,15 @@ gx_event_t gx_input_event_wait() {
   xdelayms(1);
   gx_event_t event;
   event.pixel = gx_vext.pixel_pos;
-  if (comes_to_rest()) {
-    read_rest(event);
-    return event;
+  switch (wait_for_waking()) {
+    case waking::rest:
+      read_rest(event);
+      return event;
+    case waking::signal:
+      event.kind = gx_event_kind::close_asked;
+      return event;
+    case waking::event:
+      break;
   }
   XEvent x;
   XNextEvent(gx_vext.dpy, &x);

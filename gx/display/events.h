@@ -22,7 +22,7 @@ enum class gx_event_kind {
   exposed = 13,       // everything must be drawn again, perhaps in a new size
   modifier_key = 14,
   nothing = 15,
-  close_asked = 16,  // the desktop asks to close the window
+  close_asked = 16,  // the desktop asks to close the window, or a signal to end
 };
 
 struct gx_event_t {

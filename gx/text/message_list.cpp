@@ -3,10 +3,12 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <deque>
 #include <limits>
 #include <string>
+#include <utility>
 
 #include "gx/text/debug.h"
 #include "gx/text/session_state.h"
@@ -16,9 +18,11 @@
 
 namespace {
 constexpr std::size_t max_line_length = 199;
+constexpr int lines_between_looks = 100;
 
 gx_list_drawer_t draw_list = nullptr;
 gx_list_reader_t read_line = nullptr;
+gx_list_catcher::take_t catcher;
 
 std::deque<std::string> waiting;  // the last lines of a batch
 bool is_batch = false;
@@ -61,12 +65,28 @@ void show_end() {
   if (draw_list != nullptr) draw_list();
 }
 
+// A session file that takes no more, of a full disk say, is told once until it takes a line again.
+void write_to_session(std::string_view text) {
+  auto& session = gx_session;
+  if (session.cursessfile == nullptr) return;
+  std::fwrite(text.data(), 1, text.size(), session.cursessfile);
+  std::fputc('\n', session.cursessfile);
+  const bool was_lost = session.cursess_lost;
+  session.cursess_lost = std::ferror(session.cursessfile) != 0;
+  if (!session.cursess_lost) return;
+  const int error = errno;
+  std::clearerr(session.cursessfile);
+  if (was_lost) return;
+  gx_count_error();
+  keep(std::string("# !! Error : impossible to write the session file : \"")
+           .append(gx_view(session.cursessname))
+           .append("\" : ")
+           .append(x_why(error)));
+}
+
 void record(std::string_view text, gx_line_kind kind) {
   gx_list.worst = std::max(gx_list.worst, kind);
-  if (gx_session.cursessfile != nullptr) {
-    std::fwrite(text.data(), 1, text.size(), gx_session.cursessfile);
-    std::fputc('\n', gx_session.cursessfile);
-  }
+  write_to_session(text);
   if (read_line != nullptr) read_line(text, kind);
 }
 
@@ -87,6 +107,7 @@ gx_line_kind gx_kind_of_line(std::string_view text) {
 void gx_display_list(std::string_view text, gx_line_kind at_least) {
   text = text.substr(0, max_line_length);
   if (text.empty()) return;
+  if (catcher) return catcher(text);
   record(text, std::max(gx_kind_of_line(text), at_least));
   if (!gx_list.transcript_state) return;
   if (is_batch) {
@@ -123,7 +144,7 @@ bool gx_is_session_file(int descriptor) {
          file.st_dev == session.st_dev && file.st_ino == session.st_ino;
 }
 
-bool gx_display_file_invplist(std::string_view path) {
+bool gx_display_file_invplist(std::string_view path, bool (*stop_asked)()) {
   const x_file file(gx_popen_file(path, 'R', true));
   if (!file || gx_is_session_file(::fileno(file.get()))) {
     gx_debug("!!! display_file  file not found : \"%.*s\"\n", static_cast<int>(path.size()),
@@ -132,7 +153,8 @@ bool gx_display_file_invplist(std::string_view path) {
   }
   gx_list.nlinlist_held = 0;
   gx_string_record_t line;
-  while (gx_read_one_line(file.get(), line)) {
+  for (int n = 0; gx_read_one_line(file.get(), line); ++n) {
+    if (n % lines_between_looks == 0 && stop_asked != nullptr && stop_asked()) break;
     gx_string_record_t shown;
     gx_concat_all(shown, "# \"", gx_view(line), "\" ");
     record(gx_view(shown), gx_line_kind::plain);
@@ -151,6 +173,20 @@ void gx_count_error() {
   count(gx_session.num_errors);
 }
 void gx_count_warning() { count(gx_session.num_warnings); }
+
+gx_list_catcher::gx_list_catcher(take_t take)
+    : errors_(gx_session.num_errors),
+      warnings_(gx_session.num_warnings),
+      errors_in_all_(gx_session.errors_in_all) {
+  catcher = std::move(take);
+}
+
+gx_list_catcher::~gx_list_catcher() {
+  catcher = nullptr;
+  gx_session.num_errors = errors_;
+  gx_session.num_warnings = warnings_;
+  gx_session.errors_in_all = errors_in_all_;
+}
 
 void gx_set_list_drawer(gx_list_drawer_t drawer) { draw_list = drawer; }
 

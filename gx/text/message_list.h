@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string_view>
 
@@ -72,8 +73,9 @@ class gx_list_batch_t {
 bool gx_is_session_file(int descriptor);
 
 // Tells a text file line by line; false when it cannot be opened or is the session file itself. A
-// text longer than the viewport stays there with its first line until gx_list_follow.
-bool gx_display_file_invplist(std::string_view path);
+// text longer than the viewport stays there with its first line until gx_list_follow. `stop_asked`
+// is asked now and then, true ends it there.
+bool gx_display_file_invplist(std::string_view path, bool (*stop_asked)() = nullptr);
 
 // The list shows its end again when the next line comes: a new command begins.
 void gx_list_follow();
@@ -85,6 +87,21 @@ void gx_count_warning();
 // Who else gets each line as it is told; none at first.
 using gx_list_reader_t = void (*)(std::string_view line, gx_line_kind kind);
 void gx_set_list_reader(gx_list_reader_t reader);
+
+// While a catcher lives, lines go to it and nowhere else, and what is counted is not kept: for what
+// one command asks another's rooms. Catchers do not nest.
+class gx_list_catcher {
+ public:
+  using take_t = std::function<void(std::string_view line)>;
+  explicit gx_list_catcher(take_t take);
+  ~gx_list_catcher();
+  gx_list_catcher(const gx_list_catcher&) = delete;
+  gx_list_catcher& operator=(const gx_list_catcher&) = delete;
+
+ private:
+  std::int16_t errors_, warnings_;
+  std::int64_t errors_in_all_;
+};
 
 // What draws the list after it changed; none at first.
 using gx_list_drawer_t = void (*)();

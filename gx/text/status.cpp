@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -11,13 +12,13 @@
 #include "gx/text/session_state.h"
 #include "gx/text/status_names.h"
 #include "gx/text/strings.h"
-#include "gx/text/text_files.h"
+#include "platform/shell.h"
 
 STATUS_T status;
 
 namespace {
 
-constexpr std::string_view context_saver = "/users/velmoran/bin/save_context ";
+constexpr char context_saver[] = "/users/velmoran/bin/save_context";
 
 std::vector<void (*)()>& releases() {
   static std::vector<void (*)()> list;
@@ -29,10 +30,9 @@ void save_context() {
   if (!gx_session.all_init_done || gx_session.nb_arg_comline < 2) return;
   const std::string_view design = gx_view(gx_session.argcomline[1]);
   if (design.empty() || design.size() > 163) return;
-  gx_string_record_t command;
-  gx_concat_all(command, context_saver, design);
-  gx_debug(" !! cmd_system : \"%s\" \n", command.char_);
-  gx_system(command);
+  const std::string argument(design);
+  gx_debug(" !! cmd_system : \"%s %s\" \n", context_saver, argument.c_str());
+  x_run_program(context_saver, argument.c_str());  // no shell reads the name
 }
 
 void close_file(std::FILE*& file) {
@@ -85,7 +85,8 @@ void gx_release_all() {
 }
 
 void gx_end_process(std::string_view message, int exit_status) {
-  std::printf("%.*s\n", static_cast<int>(message.size()), message.data());
+  std::fprintf(gx_session.batch ? stderr : stdout, "%.*s\n", static_cast<int>(message.size()),
+               message.data());
   close_file(gx_session.debugfile);
   close_file(gx_session.cursessfile);
   gx_release_all();

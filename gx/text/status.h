@@ -126,6 +126,6 @@ void gx_at_fatal_stop(void (*release)());
 void gx_release_all();
 
 // The orderly end without a session, for conditions outside the program (a lost display): prints
-// the message on standard output, closes the debug and session files, gives back what
-// gx_at_fatal_stop registered, and exits.
+// the message on standard output (without a window standard error), closes the debug and session
+// files, gives back what gx_at_fatal_stop registered, and exits.
 [[noreturn]] void gx_end_process(std::string_view message, int exit_status);

@@ -114,7 +114,7 @@ bool gx_read_one_line(std::FILE* file, gx_string_record_t& string) {
   return !at_end;
 }
 
-void gx_system(const gx_string_record_t& command) {
+void gx_system(const gx_string_record_t& command, bool (*stop_asked)()) {
   gx_check_string(command);
   std::string_view text = gx_view(command);
   if (text.size() >= gx_max_string_length - 1) return;
@@ -122,5 +122,5 @@ void gx_system(const gx_string_record_t& command) {
     text.remove_prefix(1);
     if (!text.empty()) text.remove_suffix(1);
   }
-  xshell_run(std::string(text).c_str());
+  xshell_run(std::string(text).c_str(), stop_asked);
 }

@@ -30,5 +30,6 @@ inline constexpr std::size_t gx_max_path = 192;
 // The path with a leading "$VELMORAN" replaced by the product directory, cut to gx_max_path.
 gx_string_record_t gx_resolve_path(std::string_view path);
 
-// Runs the string as a shell command (outer quotes removed); the result is ignored.
-void gx_system(const gx_string_record_t& command);
+// Runs the string as a shell command (outer quotes removed); the result is ignored. `stop_asked`
+// is asked meanwhile, true ends it.
+void gx_system(const gx_string_record_t& command, bool (*stop_asked)());

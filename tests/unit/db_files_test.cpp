@@ -325,7 +325,10 @@ TEST_F(db_files, the_listing_shows_every_object) {
   put_version(sheet, "top", 1);
   const auto index = gx_file_open(dir(), "top");
   gx_set_object_deleted(gx_ptrto_gene_file_buf(index), 2, true);
-  gx_object_list(index);
+  std::filesystem::create_directory(scratch.file("list_obj_file"));
+  EXPECT_EQ(gx_object_list(index), "\"" + dir() + "/list_obj_file\" : Is a directory");
+  std::filesystem::remove(scratch.file("list_obj_file"));
+  EXPECT_EQ(gx_object_list(index), "");
   EXPECT_EQ(scratch.read("list_obj_file"),
             "!!!! @@@@@@@@@@@@@@@@@@@@@@@@@@@@@\n"
             "     ###########  list obj    #### \n"

@@ -140,6 +140,8 @@ TEST_F(Interpreter, LinesAreSplitIntoCommands) {
       {"HAR 'a b'", {" HARDcopy 'a b' "}},
       {"HAR \"a 'b\"", {" HARDcopy \"a 'b\" "}},
       {"HAR \"a b", {" HARDcopy \"a b "}},
+      {"HAR 'a;b';HAR \"c,;d\"", {" HARDcopy 'a;b' ", " HARDcopy \"c,;d\" "}},
+      {"HAR it's;HAR 'x", {" HARDcopy it's ", " HARDcopy 'x "}},
       {"", {}},
       {"   ", {}},
       {" nonsense x;HAR 1", {"#  !!! Unknown Command  ?? ", "# \" nonsense x\" ", " HARDcopy 1 "}},
@@ -193,6 +195,16 @@ TEST_F(Interpreter, ShellCommands) {
   EXPECT_EQ(session_.run(" !cat " + output + ";HAR $VAR1"),
             (lines{"# cat " + output + " ", " HARDcopy ", " ASSIgn $VAR1 in ", " HARDcopy in ",
                    "# End of Exec ", " HARDcopy outer "}));
+  // A ";" of the shell is none of the line, and quotes are the shell's.
+  EXPECT_EQ(session_.run("!echo \"HAR '1;2'\" \\; '#';HAR 3"),
+            (lines{"# echo \"HAR '1;2'\" \\; '#' ", " HARDcopy '1;2' ", "# End of Exec ",
+                   " HARDcopy 3 "}));
+  setenv("VELMORAN", (directory_.path() / "it's $(here)").c_str(), 1);
+  const auto program = directory_.path() / "it's $(here)/program";
+  write_file(program, "echo HAR quoted\n");
+  std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+  EXPECT_EQ(session_.run("!$VELMORAN/program")[1], " HARDcopy quoted ");
+  unsetenv("VELMORAN");
   EXPECT_EQ(session_.run("!"), lines{"!! Warning : Invalid command to exec ...."});
 }
 

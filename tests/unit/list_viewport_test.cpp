@@ -56,6 +56,23 @@ TEST_F(ListViewport, KeepsAndScrolls) {
   EXPECT_EQ(gx_vext.nlinlist_disp, 3);
 }
 
+TEST_F(ListViewport, ASessionFileOnAFullDiskIsToldOnce) {
+  std::fclose(gx_vext.cursessfile);
+  gx_vext.cursessfile = std::fopen("/dev/full", "w");
+  std::setvbuf(gx_vext.cursessfile, nullptr, _IOLBF, BUFSIZ);
+  gx_vext.cursessname = gx_string("top/current_session");
+  gx_display_list("one");
+  gx_display_list("two");
+  EXPECT_EQ(gx_vext.num_errors, 1);
+  // The long line takes two slots.
+  EXPECT_EQ(
+      line(2),
+      "# !! Error : impossible to write the session file : \"top/current_session\" : No space "
+      "left on device");
+  EXPECT_EQ(line(3), "one");
+  EXPECT_EQ(line(4), "two");
+}
+
 TEST_F(ListViewport, LongLinesTakeTwoSlotsAndTheOldestGo) {
   gx_display_list(std::string(60, 'a'));
   EXPECT_EQ(gx_vext.nlinlist_end, 1);

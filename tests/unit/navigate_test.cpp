@@ -164,6 +164,24 @@ TEST(Navigate, ContextShowsSheetsSymbolsAndTheCurrentSheetInTurn) {
   EXPECT_EQ(s.run("pop"), (lines_t{"# POP ", "# !! Error : NO window to pop ? "}));
 }
 
+TEST(Navigate, QuotedFileNamesHoldBlanksCommasAndSemicolons) {
+  design_session s(hierarchy);
+  std::filesystem::rename(s.directory().file("leaf"), s.directory().file("a b,c;d"));
+  s.directory().write("a b,c;d/do", "HARDCOPY\n");
+  EXPECT_EQ(s.run("view sheet 'a b,c;d'"), lines_t{" VIEw SHEet 'a b,c;d' "});
+  EXPECT_EQ(s.run("act symbol \"a b,c;d\""), lines_t{" ACTivate SYMbol \"a b,c;d\" "});
+  EXPECT_EQ(s.run("do 'a b,c;d/do'"),
+            (lines_t{"# DO 'a b,c;d/do' ", " HARDcopy ", "# End of DO "}));
+  EXPECT_EQ(s.run("show file 'a b,c;d/do'").front(), "# \"HARDCOPY\" ");
+  EXPECT_EQ(s.run("$pmenu 'a b,c;d/menu';$rmenu 'a b,c;d/menu'"), lines_t{});
+  EXPECT_TRUE(std::filesystem::exists("a b,c;d/menu"));
+  std::filesystem::create_directory("x");
+  std::filesystem::rename("a b,c;d", "x/a b,c;d");
+  EXPECT_EQ(s.run("search 'x/a b,c;d'"), lines_t{" SEArch 'x/a b,c;d' "});
+  EXPECT_EQ(s.run("view sheet '.'"), lines_t{" VIEw SHEet '.' "});
+  EXPECT_EQ(s.run("do 'no;ne'").back(), "# !!! Error : file not found : \"no;ne\" ");
+}
+
 TEST(Navigate, SearchPathStandsBeforeTheNames) {
   design_session s(hierarchy);
   const auto here = s.directory().path().string();

@@ -99,4 +99,14 @@ TEST(FatalStop, NamesTheCodeAndGivesBackInReverseOrder) {
   EXPECT_EXIT(kv_error_stop(), ends, "KV_ERROR_STOP");
   gx_vext.batch = false;
 }
+// At a fatal stop the design's name is handed on, as a word of a program's.
+TEST_F(TextFiles, TheDesignsNameReachesNoShell) {
+  gx_vext.all_init_done = true;
+  gx_vext.nb_arg_comline = 2;
+  gx_vext.argcomline[1] = gx_string("top;touch " + path("OWNED") + ";#");
+  expect_stop([] { gx_set_status(gx_code::invalid_string); }, gx_code::invalid_string);
+  EXPECT_FALSE(std::filesystem::exists(path("OWNED")));
+  gx_reset_state();
+}
+
 }  // namespace

@@ -1,0 +1,62 @@
+#include "app/check/design_check.h"
+
+#include "app/check/cells.h"
+#include "app/check/netlist_findings.h"
+#include "app/check/run_messages.h"
+#include "app/check/sheet_findings.h"
+#include "gx/db/files.h"
+#include "gx/text/message_list.h"
+#include "gx/text/strings.h"
+
+namespace {
+
+// A run wants something to keep; a check does not.
+void fill_list(kv_list_t<kv_prop_type_record_t>& list, std::string_view name) {
+  if (list.count > 0) return;
+  list.entry[0] = {gx_string(name), gx_string("S")};
+  list.count = 1;
+}
+
+}  // namespace
+
+kv_design_check_t kv_check_design(const kv_setup_t& wishes, std::string_view top_path,
+                                  const kv_severities_t& severities, kv_run_watcher_t watcher) {
+  if (wishes.primitive.count == 0) return {{}, "No property to define the PRIMITIVE ? "};
+  const auto setup = std::make_unique<kv_setup_t>(wishes);
+  fill_list(setup->property_instance, "INST");
+  fill_list(setup->property_pin, "PIN");
+  fill_list(setup->property_net, "NET");
+
+  // From the file: what a command has marked on the sheet in memory is no part of the design.
+  const auto load = gx_load_file(top_path);
+  if (!load.file) return {{}, load.message};
+
+  kv_run_messages* messages = nullptr;
+  const gx_list_catcher catcher([&](std::string_view line) {
+    if (messages != nullptr) messages->take(line);
+  });
+  kv_design_check_t check;
+  kv_cells_t cells(*setup, *load.file, top_path);
+  kv_find_on_sheets(cells, severities, check.findings);
+
+  kv_design_t design;
+  const kv_sheet_stack_t no_sheets;
+  std::int16_t level = 0;
+  std::int32_t macro = 0;
+  kv_run_messages told;
+  messages = &told;
+  const kv_run_t run{.setup = *setup,
+                     .design = design,
+                     .sheets = no_sheets,
+                     .expand_level = level,
+                     .macro_level = macro,
+                     .watcher = watcher,
+                     .to_the_end = true};
+  const kv_run_result result = kv_expand_sheet(run, *load.file, top_path);
+  told.finish();
+  messages = nullptr;
+  if (result == kv_run_result::stopped) return {{}, "stopped "};
+  kv_find_on_netlist(design, cells, severities, check.findings);
+  told.find(cells, severities, check.findings);
+  return check;
+}

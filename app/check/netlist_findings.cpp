@@ -1,0 +1,238 @@
+#include "app/check/netlist_findings.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <unordered_map>
+
+namespace {
+
+// The pins of leaf instances on a flat net.
+struct net_pins_t {
+  std::int32_t pins = 0, in = 0, out = 0;  // all, of type IN, of type OUT
+  std::int32_t first = 0;                  // pin
+  std::int32_t first_out = 0, second_out = 0;
+};
+
+struct members_t {
+  std::int32_t first, count;
+};
+
+// The nets that a pin is on: one, or members of a bus.
+template <typename Pin>
+members_t nets_of(const kv_design_t& design, const Pin& pin) {
+  const auto& net = design.nets[pin.net_ind];
+  if (net.net_type != kv_net_bus) return {pin.net_ind, 1};
+  const std::int32_t width = net.net_bus_end - net.net_bus_start + 1;
+  const std::int32_t from = pin.pin_net_start - net.net_bus_start;
+  const std::int32_t to = std::min(from + std::abs(pin.pin_end - pin.pin_start) + 1, width);
+  const std::int32_t first = std::clamp(from, 0, width);
+  return {net.netind_start + first, std::max(to - first, 0)};
+}
+
+class netlist_check {
+ public:
+  netlist_check(const kv_design_t& design, kv_cells_t& cells, const kv_severities_t& severities,
+                kv_findings_t& findings)
+      : design_(design), cells_(cells), severities_(severities), findings_(findings) {}
+
+  void run() {
+    take_pins();
+    take_ports();
+    const auto each_net = [this](void (netlist_check::*check)(std::int32_t)) {
+      for (std::int32_t net = 1; net <= design_.nets.count; ++net) (this->*check)(net);
+    };
+    if (is_on(kv_rule::no_driver)) each_net(&netlist_check::check_driver);
+    if (is_on(kv_rule::many_drivers)) each_net(&netlist_check::check_drivers);
+    check_open(kv_rule::pin_open);
+    check_open(kv_rule::pin_unused);
+    if (is_on(kv_rule::single_pin)) each_net(&netlist_check::check_single);
+    if (is_on(kv_rule::bus_widths)) check_widths();
+  }
+
+ private:
+  bool is_on(kv_rule rule) const { return kv_severity_of(severities_, rule) != kv_severity::off; }
+  std::string_view text(std::int32_t string) const { return kv_text(design_, string); }
+  std::string quoted(std::int32_t pin) const {
+    return "\"" + std::string(text(design_.pins[pin].sim_path)) + "\"";
+  }
+
+  void take_pins() {
+    nets_.resize(static_cast<std::size_t>(design_.nets.count) + 1);
+    for (std::int32_t ind = 1; ind <= design_.pins.count; ++ind) {
+      const auto& pin = design_.pins[ind];
+      if (pin.net_ind == 0) continue;
+      const auto [first, count] = nets_of(design_, pin);
+      for (std::int32_t i = 0; i < count; ++i) {
+        auto& net = nets_[static_cast<std::size_t>(first + i)];
+        if (net.pins++ == 0) net.first = ind;
+        if (pin.io_type == kv_io_in) ++net.in;
+        if (pin.io_type != kv_io_out) continue;
+        if (++net.out == 1) net.first_out = ind;
+        if (net.out == 2) net.second_out = ind;
+      }
+    }
+  }
+
+  // What the ports of the primary sheet bring to its nets comes from outside.
+  void take_ports() {
+    const kv_sheet_t& top = *cells_.cells().front().sheet;
+    for (const auto& port : top.ports) {
+      if (port.group < 0) continue;
+      const auto& group = top.groups[static_cast<std::size_t>(port.group)];
+      const auto& master = top.nets[static_cast<std::size_t>(group.master)];
+      auto& type = outside_[top.view(master.suffix)];
+      type = type == 0 || type == port.io_type ? port.io_type : kv_io_io;
+    }
+  }
+
+  // How the outside meets a net: 0 when it does not.
+  std::int16_t outside(const kv_net_record_t& net) const {
+    const auto& whole = net.bus != 0 ? design_.nets[net.bus] : net;
+    const auto port = outside_.find(text(whole.sim_path));
+    return port == outside_.end() ? std::int16_t{0} : port->second;
+  }
+
+  void add(kv_rule rule, std::int32_t path, const kv_place_t& place, int object_id,
+           std::string words) {
+    findings_.push_back({rule, kv_severity_of(severities_, rule), std::string(text(path)), place.at,
+                         place.sheet != nullptr ? place.sheet->file_path : "",
+                         place.sheet != nullptr ? object_id : 0, std::move(words)});
+  }
+
+  void add_net(kv_rule rule, std::int32_t ind, std::string words) {
+    const auto& net = design_.nets[ind];
+    const auto& whole = net.bus != 0 ? design_.nets[net.bus] : net;
+    auto place = cells_.place_of(kv_place_kind::net, text(whole.sim_path));
+    if (place.sheet == nullptr) place = place_of_global(net);
+    add(rule, net.sim_path, place, net.object_id, std::move(words));
+  }
+
+  // The net of a global has a path of its own; its object is on the first sheet that has both.
+  kv_place_t place_of_global(const kv_net_record_t& net) const {
+    for (const auto& cell : cells_.cells()) {
+      for (const auto& global : cell.sheet->globals) {
+        if (global.group < 0 || cell.sheet->view(global.name) != text(net.name)) continue;
+        const auto& group = cell.sheet->groups[static_cast<std::size_t>(global.group)];
+        const auto& master = cell.sheet->nets[static_cast<std::size_t>(group.master)];
+        if (master.object_id == net.object_id) return {cell.path, cell.sheet, net.object_id};
+      }
+    }
+    return {};
+  }
+
+  // A global stands for a supply, whose source need not be drawn.
+  void check_driver(std::int32_t ind) {
+    const auto& net = design_.nets[ind];
+    const auto& pins = nets_[static_cast<std::size_t>(ind)];
+    if (pins.in == 0 || pins.in < pins.pins || net.net_kind == kv_kind_global) return;
+    const std::int16_t port = outside(net);
+    if (port == kv_io_in || port == kv_io_io) return;
+    add_net(kv_rule::no_driver, ind,
+            "nothing drives it : " + std::to_string(pins.in) +
+                (pins.in == 1 ? " input, " : " inputs, the first ") + quoted(pins.first));
+  }
+
+  // Whether the PINTYPE of a pin says OUT; a pin without one only counts as such.
+  bool is_declared(std::int32_t pin) {
+    const auto place = cells_.place_of(kv_place_kind::pin, text(design_.pins[pin].sim_path));
+    return place.pin == nullptr || place.pin->type_state == kv_sheet_pin_t::type_ok;
+  }
+
+  void check_drivers(std::int32_t ind) {
+    const auto& pins = nets_[static_cast<std::size_t>(ind)];
+    if (pins.out < 2) return;
+    std::int32_t first = pins.first_out, second = pins.second_out, more = pins.out - 2;
+    if (!is_declared(first) || !is_declared(second)) {
+      std::vector<std::int32_t> declared;
+      for (auto pin = design_.nets[ind].first_pin_out_ind; pin != 0;
+           pin = design_.pins[pin].next_pin_out_ind) {
+        if (design_.pins[pin].io_type == kv_io_out && is_declared(pin)) declared.push_back(pin);
+      }
+      std::ranges::sort(declared);
+      if (declared.size() < 2) return;
+      first = declared[0];
+      second = declared[1];
+      more = static_cast<std::int32_t>(declared.size()) - 2;
+    }
+    std::string words = "several pins drive it : " + quoted(first) + " and " + quoted(second);
+    if (more > 0) words += " and " + std::to_string(more) + " more";
+    add_net(kv_rule::many_drivers, ind, std::move(words));
+  }
+
+  void check_open(kv_rule rule) {
+    if (!is_on(rule)) return;
+    const auto check = [&](std::int32_t path, bool is_input, std::string_view words) {
+      if (is_input != (rule == kv_rule::pin_open)) return;
+      const auto place = cells_.place_of(kv_place_kind::pin, text(path));
+      add(rule, path, place, place.object_id, std::string(words));
+    };
+    for (std::int32_t ind = 1; ind <= design_.pins.count; ++ind) {
+      const auto& pin = design_.pins[ind];
+      if (pin.net_ind == 0) check(pin.sim_path, pin.io_type == kv_io_in, "the pin is on no net");
+    }
+    for (std::int32_t ind = 1; ind <= design_.pinms.count; ++ind) {
+      const auto& pin = design_.pinms[ind];
+      if (pin.net_ind != 0) continue;
+      const auto place = cells_.place_of(kv_place_kind::pin, text(pin.sim_path));
+      const bool is_input = place.pin != nullptr && place.pin->io_type == kv_io_in;
+      check(pin.sim_path, is_input, "the pin of the block is on no net");
+    }
+  }
+
+  void check_single(std::int32_t ind) {
+    const auto& pins = nets_[static_cast<std::size_t>(ind)];
+    if (pins.pins != 1 || outside(design_.nets[ind]) != 0) return;
+    add_net(kv_rule::single_pin, ind, "its only pin is " + quoted(pins.first));
+  }
+
+  // Pins of single bits are taps of a bus, not pins of its width.
+  void check_widths() {
+    struct seen_t {
+      std::int32_t width = 0, path = 0, other_width = 0, other_path = 0;
+    };
+    std::unordered_map<std::int32_t, seen_t> buses;
+    const auto take = [&](const auto& pins) {
+      for (std::int32_t ind = 1; ind <= pins.count; ++ind) {
+        const auto& pin = pins[ind];
+        if (pin.net_ind == 0 || pin.pin_start == pin.pin_end) continue;
+        if (design_.nets[pin.net_ind].net_type != kv_net_bus) continue;
+        const std::int32_t width = std::abs(pin.pin_end - pin.pin_start) + 1;
+        auto& seen = buses[pin.net_ind];
+        if (seen.width == 0) {
+          seen = {width, pin.sim_path};
+        } else if (width != seen.width && seen.other_width == 0) {
+          seen.other_width = width;
+          seen.other_path = pin.sim_path;
+        }
+      }
+    };
+    take(design_.pinms);
+    take(design_.pins);
+    for (std::int32_t ind = 1; ind <= design_.nets.count; ++ind) {
+      if (design_.nets[ind].net_type != kv_net_bus) continue;
+      const auto at = buses.find(ind);
+      if (at == buses.end() || at->second.other_width == 0) continue;
+      const auto& seen = at->second;
+      const auto pin = [&](std::int32_t width, std::int32_t path) {
+        return std::to_string(width) + " bits at \"" + std::string(text(path)) + "\"";
+      };
+      add_net(kv_rule::bus_widths, ind,
+              "pins of different widths : " + pin(seen.width, seen.path) + ", " +
+                  pin(seen.other_width, seen.other_path));
+    }
+  }
+
+  const kv_design_t& design_;
+  kv_cells_t& cells_;
+  const kv_severities_t& severities_;
+  kv_findings_t& findings_;
+  std::vector<net_pins_t> nets_;                                // by flat net
+  std::unordered_map<std::string_view, std::int16_t> outside_;  // by path: kv_io_type of the port
+};
+
+}  // namespace
+
+void kv_find_on_netlist(const kv_design_t& design, kv_cells_t& cells,
+                        const kv_severities_t& severities, kv_findings_t& findings) {
+  netlist_check(design, cells, severities, findings).run();
+}

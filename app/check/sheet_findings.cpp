@@ -1,0 +1,102 @@
+#include "app/check/sheet_findings.h"
+
+#include <algorithm>
+
+#include "gx/db/queries.h"
+#include "gx/db/sheet_shape.h"
+
+namespace {
+
+// The piece that an object's path has behind that of its sheet, as RUN makes it.
+std::string piece_of(const gx_file_gene_recf_t& file, const gx_owner_t& owner) {
+  switch (owner.kind) {
+    case gx_owner_kind::none:
+      return "";
+    case gx_owner_kind::net:
+      return "/" + lb_net_name(file, owner.id);
+    case gx_owner_kind::frame:
+      return "/F_" + std::to_string(owner.id);
+    case gx_owner_kind::body:
+    case gx_owner_kind::symbol:
+      return "/" + lb_inst_name(file, owner.inst);
+    case gx_owner_kind::pin:
+    case gx_owner_kind::symbol_pin:
+      break;
+  }
+  std::string name = "P_" + std::to_string(owner.on_sheet);
+  for (const auto [pin, pinpropfam] : lb_pins(file, owner.inst)) {
+    if (pinpropfam != owner.on_sheet) continue;
+    const auto text = gx_prop_text(gx_find_prop_of_two(file, pin, pinpropfam, "PIN"));
+    if (!text.empty()) name = text;
+  }
+  return "/" + lb_inst_name(file, owner.inst) + "/" + name;
+}
+
+// The lines of CHEck SHEet as the words of a finding: without what marks them as lines.
+std::string words_of(const std::vector<std::string>& lines) {
+  constexpr std::string_view heads[] = {
+      "# !! Error : ", "# !! Warning : ", "# !! warning : ", "## !! : ", "# !! ", "#    "};
+  std::string words;
+  for (std::string_view line : lines) {
+    for (const auto head : heads) {
+      if (!line.starts_with(head)) continue;
+      line.remove_prefix(head.size());
+      break;
+    }
+    while (line.starts_with(' ')) line.remove_prefix(1);
+    while (line.ends_with(' ')) line.remove_suffix(1);
+    if (!words.empty()) words += ' ';
+    words += line;
+  }
+  return words;
+}
+
+void check_sheet(kv_links_t& links, kv_cell_findings_t& found) {
+  const auto load = gx_load_file(found.cell.sheet->file_path);
+  const std::string fault = load.file ? gx_sheet_fault(*load.file) : load.message;
+  if (!fault.empty()) return found.add(kv_rule::sheet_missing, "", 0, "not whole : " + fault);
+  for (const auto& finding : kv_check_sheet(*load.file, links).findings) {
+    std::string words = words_of(finding.lines);
+    if (finding.more > 0) words += " and " + std::to_string(finding.more) + " more";
+    found.add(finding.rule, piece_of(*load.file, finding.where), finding.where.on_sheet,
+              std::move(words));
+  }
+}
+
+void check_missing(const kv_cells_t& cells, std::size_t cell, kv_cell_findings_t& found) {
+  const kv_sheet_t& sheet = *found.cell.sheet;
+  for (const auto& missing : cells.missing()) {
+    if (missing.cell != cell) continue;
+    found.add(kv_rule::sheet_missing, sheet.view(missing.inst->suffix), missing.inst->object_id,
+              "no sheet behind the block : " + missing.why);
+  }
+}
+
+}  // namespace
+
+void kv_cell_findings_t::add(kv_rule rule, std::string_view piece, int object_id,
+                             std::string words) {
+  const kv_severity severity = kv_severity_of(severities, rule);
+  if (severity == kv_severity::off) return;
+  std::string path = cell.path + std::string(piece);
+  if (path.empty()) path = "/";
+  findings.push_back({rule, severity, std::move(path), cell.path, cell.sheet->file_path, object_id,
+                      std::move(words)});
+}
+
+void kv_find_on_sheets(kv_cells_t& cells, const kv_severities_t& severities,
+                       kv_findings_t& findings) {
+  kv_links_t links;
+  kv_global_rules globals(cells);
+  for (std::size_t i = 0; i < cells.cells().size(); ++i) {
+    const kv_cell_t& cell = cells.cells()[i];
+    const auto first = static_cast<std::ptrdiff_t>(findings.size());
+    kv_cell_findings_t found{cell, severities, findings};
+    check_sheet(links, found);
+    check_missing(cells, i, found);
+    kv_check_blocks(cells, found);
+    globals.check(found);
+    std::stable_sort(findings.begin() + first, findings.end(),
+                     [](const auto& a, const auto& b) { return a.rule < b.rule; });
+  }
+}

@@ -1,0 +1,302 @@
+// CHEck DESign: the example with one fault of each rule, what is no fault, rules, waivers, and the
+// walk through the findings.
+#include <algorithm>
+#include <filesystem>
+
+#include "app/check/findings_file.h"
+#include "app/check/waivers.h"
+#include "expand/store.h"
+#include "tests/unit/design_session.h"
+
+namespace {
+
+const std::string faults = KIVO_SOURCE_DIR "/examples/faults/";
+
+// A design of a few symbols, checked by CHEck DESign.
+struct checked {
+  explicit checked(std::string_view sheets) : s(symbols() + std::string(sheets)) {
+    kv_sext = kv_defref_exp_rec_t{};
+    s.run("primitive CLASS");
+  }
+  ~checked() { kv_sext = kv_defref_exp_rec_t{}; }
+
+  static std::string symbols() {
+    return "symbol buf\n pin I 0,0 IN\n pin O 4,0 OUT\n prop CLASS=U\n"
+           "symbol untyped\n pin A 0,0\n pin B 4,0\n prop CLASS=U\n"
+           "symbol res\n pin 1 0,0 IXO\n pin 2 4,0 IXO\n prop CLASS=R\n"
+           "symbol vdd\n pin P 0,0 IXO\n prop CLASS=G GLOBAL=VDD\n"
+           "symbol gnd\n pin P 0,0 IXO\n prop CLASS=G GLOBAL=GND\n"
+           "symbol in\n pin P 0,0 IXO\n prop CLASS=PORTIN\n"
+           "symbol out\n pin P 0,0 IXO\n prop CLASS=PORTOUT\n";
+  }
+  // "rule path", without those that no test here is about.
+  lines_t findings() {
+    s.run("check design");
+    lines_t lines;
+    for (const auto& finding : kv_pext.findings) {
+      const auto name = std::string(kv_row_of(finding.rule).name);
+      if (name != "pintype-missing") lines.push_back(name + " " + finding.path);
+    }
+    return lines;
+  }
+
+  design_session s;
+};
+
+TEST(CheckDesign, FindsTheFaultsOfTheExampleAndLeavesItAsItIs) {
+  design_session s(read_file(faults + "faults.gxt"), "faults");
+  kv_sext = kv_defref_exp_rec_t{};
+  const auto lines = s.run("DO " + faults + "check.do");
+  EXPECT_EQ(read_file("faults/findings.json"), read_file(faults + "findings.json"));
+  EXPECT_EQ(gx_vext.num_errors, 31);
+  EXPECT_EQ(gx_vext.num_warnings, 8);
+  const auto at = std::ranges::find(lines, "# CHEck  DESign  ");
+  ASSERT_GT(lines.end() - at, 43);
+  EXPECT_EQ(at[1], "# 1 Error sheet-missing /XH : no sheet behind the block : not found");
+  EXPECT_EQ(lines_t(at + 40, at + 44),
+            (lines_t{"# CHEck  DESign > nb_errors   = 31 ", "# CHEck  DESign > nb_warnings = 8 ",
+                     "# CHEck  DESign > nb_waived   = 0 ", " CHEck  DESign "}));
+  // Every rule but the one of tables that run over has its fault.
+  for (const auto& row : kv_rules()) {
+    EXPECT_EQ(std::ranges::count(kv_pext.findings, row.rule, &kv_finding_t::rule) > 0,
+              row.rule != kv_rule::too_many)
+        << row.name;
+  }
+  // No sheet is changed or walked to, nothing of an expansion stays.
+  EXPECT_TRUE(s.selected().empty());
+  EXPECT_EQ(kv_pext.file_level_cur, 1);
+  EXPECT_EQ(gx_vext.num_file_open, 1);
+  EXPECT_EQ(kv_sext.nets.count, 0);
+  EXPECT_FALSE(std::filesystem::exists("faults/sheet.gx_1.ref"));
+
+  // Errors that RUN leaves a sheet at, and a check of the sheet in view, change nothing of it.
+  s.run("check sheet");
+  s.run("check design");
+  EXPECT_EQ(read_file("faults/findings.json"), read_file(faults + "findings.json"));
+
+  // Every finding can be gone to.
+  for (std::size_t n = 1; n <= kv_pext.findings.size(); ++n) {
+    EXPECT_EQ(s.run("next finding").back(), " NEXt FINding " + std::to_string(n) + " ");
+    const auto& finding = kv_pext.findings[n - 1];
+    EXPECT_EQ(gx_view(gx_vext.filear[std::size_t(kv_pext.file_id_cur)].file_pathname),
+              finding.sheet);
+    EXPECT_TRUE(gx_inq_object_selected(s.file(), finding.object_id)) << finding.path;
+  }
+  EXPECT_EQ(s.run("next finding"),
+            (lines_t{"# NEXt FINding ", "# !! Warning : No more findings "}));
+}
+
+TEST(CheckDesign, WhatComesFromOutsideDrives) {
+  // A port of the top brings a signal in, one that takes it out does not; a global is a supply.
+  checked c(R"(
+sheet top
+  part B1 buf 4,4
+  part B2 buf 4,8
+  part B3 buf 4,12
+  port A in 2,4
+  port B out 2,8
+  port C in 12,4
+  global VDD vdd 2,12
+  net A
+    wire A B1.I
+  net B
+    wire B B2.I
+  net C
+    wire B1.O 10,4 10,8 B2.O
+  net
+    wire VDD B3.I
+  net
+    wire B3.O 10,12 C
+)");
+  EXPECT_EQ(c.findings(), (lines_t{"no-driver /B", "many-drivers /C", "single-pin /VDD"}));
+}
+
+TEST(CheckDesign, PinsWithoutTypeAreTakenForNoDrivers) {
+  checked c(R"(
+sheet top
+  part U1 untyped 4,4
+  part U2 untyped 4,8
+  part B1 buf 14,4
+  part B2 buf 14,8
+  net A
+    wire U1.B 10,4 10,8 U2.B
+    wire 10,4 B1.I
+  net B
+    wire U1.A 2,4 2,8 U2.A
+    wire 2,8 2,12 24,12 24,4 B1.O
+  net C
+    wire B2.O 20,8 20,10 12,10 12,8 B2.I
+)");
+  EXPECT_EQ(c.findings(), lines_t{});
+}
+
+TEST(CheckDesign, TwoPinsThatSayOutAreTwoDrivers) {
+  checked c(R"(
+sheet top
+  part U1 untyped 4,4
+  part B1 buf 14,4
+  part B2 buf 14,8
+  net A
+    wire U1.A 2,4 2,12 24,12 24,8 24,4 B1.O
+    wire 24,8 B2.O
+  net B
+    wire U1.B 12,4 B1.I
+    wire 12,4 12,8 B2.I
+)");
+  EXPECT_EQ(c.findings(), lines_t{"many-drivers /A"});
+  EXPECT_TRUE(kv_pext.findings.back().words.ends_with("\"/B1/O\" and \"/B2/O\""));
+}
+
+TEST(CheckDesign, GlobalsMeetOnceWhereTheyComeTogether) {
+  // Two blocks bring VDD and GND to one net; each alone is sound. A third level says nothing more.
+  checked c(R"(
+symbol high
+  pin A 0,0 IXO
+sheet high
+  port A in 2,2
+  global VDD vdd 6,2
+  part R1 res 8,6
+  net A
+    wire A VDD
+    wire 4,2 4,6 R1.1
+    wire 4,6 4,8 12,8 R1.2
+symbol low
+  pin A 0,0 IXO
+sheet low
+  port A in 2,2
+  global GND gnd 6,2
+  net A
+    wire A GND
+symbol both
+  pin A 0,0 IXO
+sheet both
+  port A in 2,2
+  part H high 8,2
+  part L low 8,6
+  net A
+    wire A H.A
+    wire 4,2 4,6 L.A
+sheet top
+  part X both 4,4
+  part Y both 4,8
+  net N
+    wire X.A 2,4 2,8 Y.A
+)");
+  EXPECT_EQ(c.findings(), lines_t{"globals-joined /X/A"});
+  EXPECT_EQ(kv_pext.findings[0].words, "globals on one net : \"VDD\" \"GND\"");
+}
+
+TEST(CheckDesign, ErrorsOfARunThatNoRuleTellsAreFindings) {
+  // Two ports on one net, at each of 40 visits: told once. A sheet that cannot be read is one.
+  std::string top = "sheet top\n page 400,400\n part Z bad 300,300\n";
+  for (int i = 0; i < 40; ++i) {
+    const auto n = std::to_string(i), y = std::to_string(4 + 4 * i);
+    top += " part X" + n + " pair 4," + y + "\n part R" + n + " res 12," + y + "\n net\n  wire X" +
+           n + ".A R" + n + ".1\n net\n  wire X" + n + ".B R" + n + ".2\n";
+  }
+  checked c(
+      "symbol pair\n pin A 0,0 IXO\n pin B 0,2 IXO\n"
+      "sheet pair\n port A in 2,2\n port B in 2,6\n part R res 8,2\n"
+      " net N\n  wire A R.1\n  wire 4,2 4,6 B\n  wire 4,6 12,6 R.2\n"
+      "symbol bad\nsheet bad\n" +
+      top);
+  c.s.directory().write("bad/sheet.gx_1", "no sheet");
+  const auto found = c.findings();
+  EXPECT_EQ(std::ranges::count(found, "run /"), 1);
+  EXPECT_EQ(std::ranges::count(found, "single-pin /N_1000"), 0);
+  EXPECT_EQ(found.front(), "sheet-missing /Z");
+  EXPECT_TRUE(std::ranges::any_of(kv_pext.findings, [](const auto& finding) {
+    return finding.words.starts_with("2 differents ports connected on same equipot");
+  }));
+  EXPECT_EQ(gx_vext.errors_in_all, gx_vext.num_errors);
+}
+
+TEST(CheckDesign, RefusesWhatItCannotDo) {
+  design_session s("sheet top\n");
+  kv_sext = kv_defref_exp_rec_t{};
+  EXPECT_EQ(s.run("check design"),
+            (lines_t{"# CHEck  DESign  ", "# !! Error : No property to define the PRIMITIVE ? "}));
+  EXPECT_EQ(s.run("check design now"),
+            (lines_t{"# CHEck  DESign  now ", "# !! Error : parameter number invalid ? "}));
+  for (const auto& [line, keyword] :
+       {std::pair{"show finding", "# SHOw FINding "}, {"nex fin", "# NEXt FINding "}}) {
+    EXPECT_EQ(s.run(line), (lines_t{keyword, "# !! Error : No findings of CHEck DESign ? "}));
+  }
+  s.run("primitive CLASS;check design");
+  EXPECT_EQ(read_file("top/findings.json"), "[\n]\n");
+  EXPECT_EQ(s.run("waive finding 1 so"),
+            (lines_t{"# WAIve FINding 1 so ", "# !! Warning : CHEck DESign found nothing "}));
+  EXPECT_EQ(s.run("rule nosuch error")[1], "# !! Error :  2nd parameter incorrect ? ");
+  EXPECT_EQ(s.run("rule no-driver maybe")[1], "# !! Error :  3rd parameter incorrect ? ");
+  EXPECT_EQ(s.run("rule").size(), kv_rule_count + 1);
+  kv_pext.arrayof_file[0].file_index = 0;
+  EXPECT_EQ(s.run("check design")[1], "# !! Error : No Valid current sheet ? : ");
+}
+
+TEST(CheckDesign, WaivedFindingsAreCountedApart) {
+  checked c("sheet top\n part B1 buf 4,4\n part B2 buf 4,8\n");
+  const lines_t all = {"pin-open /B1/I", "pin-open /B2/I", "pin-unused /B1/O", "pin-unused /B2/O"};
+  EXPECT_EQ(c.findings(), all);
+  c.s.run("show finding 1");
+  EXPECT_EQ(c.s.run("waive finding 2 'say \"so\"' yet"),
+            lines_t{" WAIve FINding 2 'say \"so\"' yet "});
+  EXPECT_EQ(c.s.run("next finding").back(), " NEXt FINding 3 ");
+  EXPECT_EQ(c.s.run("waive finding 5 x")[1], "# !! Error :  3rd parameter incorrect ? ");
+  EXPECT_EQ(c.s.run("waive finding 2 x")[1], "# !! Warning : This finding is waived ");
+  const auto waivers = kv_read_waivers("top");
+  ASSERT_EQ(waivers.waivers.size(), 1U);
+  EXPECT_EQ(waivers.waivers[0].reason, "say \"so\" yet");
+
+  c.s.directory().write("top/waivers", read_file("top/waivers") +
+                                           "pin-unused \"/B*\" \"\" 2026-01-02\n" +
+                                           "single-pin /N \"gone\" 2026-01-02\n");
+  c.s.run("rule pin-open warning");
+  const auto lines = c.s.run("check design");
+  EXPECT_EQ(lines[1], "# !! Warning : waivers:3 : meets nothing : single-pin /N");
+  EXPECT_EQ(lines[2], "# 1 Warning pin-open /B1/I : the pin is on no net");
+  EXPECT_TRUE(lines[3].starts_with("# 2 Waived pin-open /B2/I"));
+  EXPECT_EQ(lines_t(lines.end() - 4, lines.end() - 1),
+            (lines_t{"# CHEck  DESign > nb_error    = 0 ", "# CHEck  DESign > nb_warning  = 1 ",
+                     "# CHEck  DESign > nb_waived   = 3 "}));
+  // A rule that is off finds nothing, and its waivers are not told.
+  EXPECT_EQ(
+      c.s.run("rule pin-open off;rule single-pin off;rule pin-unused off;check design").size(), 8U);
+
+  // The file is replaced, not written through; one that cannot be read is told.
+  std::filesystem::rename("top/waivers", "elsewhere");
+  std::filesystem::create_symlink("../elsewhere", "top/waivers");
+  const auto before = read_file("elsewhere");
+  c.s.run("rule pin-open error;check design;waive finding 1 later");
+  EXPECT_EQ(read_file("elsewhere"), before);
+  EXPECT_EQ(kv_read_waivers("top").waivers.size(), 4U);
+  std::filesystem::remove("top/waivers");
+  std::filesystem::create_directory("top/waivers");
+  EXPECT_EQ(c.s.run("check design")[1], "# !! Warning : waivers : Is a directory");
+}
+
+TEST(Waivers, LinesThatAreNoneAreTold) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"nosuch \"/A\" \"r\" 2026-01-01", "unknown rule : nosuch"},
+      {"single-pin", "not : rule \"path\" \"reason\" date"},
+      {"single-pin \"/A \"r\" 2026-01-01", "not : rule \"path\" \"reason\" date"},
+      {"single-pin \"/A", "not : rule \"path\" \"reason\" date"},
+      {"single-pin A \"r\" 2026-01-01", "no path : A"},
+      {"single-pin /A \"r\" 26-1-1", "no date : 26-1-1"},
+      {"single-pin /A \"r\" 2026-01-01 x", "more behind the date"},
+      {std::string("single-pin /A\0 r 2026-01-01", 27), "a character that is none"},
+  };
+  for (const auto& [line, fault] : cases) {
+    const auto read = kv_parse_waivers("\n  # one\n" + line);
+    EXPECT_TRUE(read.waivers.empty()) << line;
+    ASSERT_EQ(read.faults.size(), 1U) << line;
+    EXPECT_EQ(read.faults[0], "waivers:3 : " + fault);
+  }
+  // What is written is read back.
+  const kv_waiver_t waiver{kv_rule::single_pin, "/A \"b\"\\", "why \\ \"not\"", "2026-11-25"};
+  const auto read = kv_parse_waivers(kv_waiver_line(waiver) + "\r\n");
+  ASSERT_EQ(read.waivers.size(), 1U);
+  EXPECT_EQ(read.waivers[0].path, waiver.path);
+  EXPECT_EQ(read.waivers[0].reason, waiver.reason);
+}
+
+}  // namespace
