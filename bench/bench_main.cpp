@@ -33,15 +33,7 @@ void run(benchmark::State& state) {
 }
 
 void drop_blocks() {
-  kv_sext.chars = {};
-  kv_sext.strings = {};
-  kv_sext.props = {};
-  kv_sext.pins = {};
-  kv_sext.insts = {};
-  kv_sext.nets = {};
-  kv_sext.net_childs = {};
-  kv_sext.macros = {};
-  kv_sext.pinms = {};
+  static_cast<kv_design_t&>(kv_sext) = {};
   kv_limit_design(kv_sext, kv_sext.store_size);
 }
 

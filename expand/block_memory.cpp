@@ -9,10 +9,10 @@
 
 namespace {
 
-// A large array lies in pages of this size where the system has them: one fault instead of 512.
-constexpr std::size_t huge_page = std::size_t{1} << 21;
-constexpr std::size_t smallest_piece = std::size_t{1} << 16, largest_piece = std::size_t{1} << 25;
 constexpr std::size_t granule = 64;  // no two blocks share a line of the cache
+constexpr std::size_t huge_page = std::size_t{1} << 21;
+constexpr std::size_t first_piece = std::size_t{1} << 19;  // enough for a small design
+constexpr std::size_t largest_piece = std::size_t{1} << 25;
 
 constexpr std::size_t round_up(std::size_t size, std::size_t to) {
   return (size + to - 1) / to * to;
@@ -40,42 +40,23 @@ std::byte* map_huge_pages(std::size_t size) {
   return pages + before;
 }
 
-// Pages that will be written soon, taken at once; a system that cannot does it one by one.
-std::byte* map_small_pages(std::size_t size) {
-  std::byte* pages = map_pages(size);
-#ifdef MADV_POPULATE_WRITE
-  ::madvise(pages, size, MADV_POPULATE_WRITE);
-#endif
-  return pages;
-}
-
 }  // namespace
 
 void kv_block_memory::unmap::operator()(std::byte* piece) const { ::munmap(piece, size); }
 
-kv_block_memory::piece_t kv_block_memory::map(std::size_t size) {
-  return {size < huge_page ? map_small_pages(size) : map_huge_pages(size), unmap{size}};
-}
-
-kv_block_memory& kv_block_memory::operator=(kv_block_memory&& other) noexcept {
-  pieces_ = std::exchange(other.pieces_, {});
-  in_pieces_ = std::exchange(other.in_pieces_, 0);
-  next_ = std::exchange(other.next_, nullptr);
-  end_ = std::exchange(other.end_, nullptr);
-  return *this;
-}
-
 std::byte* kv_block_memory::take(std::size_t size) {
   size = round_up(size, granule);
   if (size > static_cast<std::size_t>(end_ - next_)) {
-    // A quarter more each time, so that little is taken in vain.
-    const std::size_t wanted =
-        std::max(size, std::clamp(in_pieces_ / 4, smallest_piece, largest_piece));
-    const std::size_t piece = round_up(wanted, wanted < huge_page ? 4096 : huge_page);
-    pieces_.push_back(map(piece));
+    const bool is_first = in_pieces_ == 0 && size <= first_piece;
+    // Later ones are a quarter of what there is, so that little is taken in vain.
+    const std::size_t piece =
+        is_first ? first_piece
+                 : round_up(std::max(size, std::min(in_pieces_ / 4, largest_piece)), huge_page);
+    std::byte* pages = is_first ? map_pages(piece) : map_huge_pages(piece);
+    pieces_.push_back(piece_t(pages, unmap{piece}));
     in_pieces_ += piece;
-    next_ = pieces_.back().get();
-    end_ = next_ + piece;
+    next_ = pages;
+    end_ = pages + piece;
   }
   return std::exchange(next_, next_ + size);
 }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <memory>
 #include <new>
 #include <span>
 #include <string_view>
@@ -34,6 +35,11 @@ template <typename Record>
 class kv_blocked_t {
  public:
   std::int32_t count = 0;  // records in use; set_count() changes it
+
+  // Its blocks lie in memory that others may share.
+  explicit kv_blocked_t(std::shared_ptr<kv_block_memory> memory) : memory_(std::move(memory)) {}
+  kv_blocked_t(kv_blocked_t&&) = default;
+  kv_blocked_t& operator=(kv_blocked_t&&) = default;
 
   // Record `index` (from 1), which the caller has checked.
   Record& operator[](std::int32_t index) {
@@ -90,7 +96,7 @@ class kv_blocked_t {
     if (count >= limit_) throw full(limit_ + 1);
     const auto block = static_cast<std::uint32_t>(count) / kv_block_size;
     while (blocks_.size() <= block) {
-      blocks_.push_back(reinterpret_cast<Record*>(memory_.take(kv_block_size * sizeof(Record))));
+      blocks_.push_back(reinterpret_cast<Record*>(memory_->take(kv_block_size * sizeof(Record))));
     }
     const auto block_end = static_cast<std::int32_t>((block + 1) * kv_block_size);
     next_ = blocks_[block] + static_cast<std::uint32_t>(count) % kv_block_size;
@@ -105,5 +111,5 @@ class kv_blocked_t {
   std::int32_t fence_ = 0;  // while `count` is below this: the end of its block, or the limit
   std::int32_t limit_ = kv_start_records;
   std::vector<Record*> blocks_;
-  kv_block_memory memory_;
+  std::shared_ptr<kv_block_memory> memory_;
 };

@@ -9,9 +9,9 @@
 What the iterators give are plain records: their fields stay when the design is closed. Asking a
 record for others (net.pins(), pin.instance()) asks the design again.
 
-libkvi, which does the reading, holds one design at a time and is not for several threads: loading a
-second design closes the first. It is looked for at the path in the variable KIVO_LIBKVI, then beside
-this module's installation, then where the system's loader looks.
+libkvi, which does the reading, holds one design at a time and is not for several threads: loading
+a second design closes the first. It is looked for at the path in the variable KIVO_LIBKVI, then
+beside this module's installation, then where the system's loader looks.
 """
 
 import ctypes
@@ -23,7 +23,7 @@ __all__ = ["Design", "Error", "Instance", "Macro", "MacroPin", "Net", "Pin", "lo
 
 
 class Error(Exception):
-    """A design that cannot be loaded, or is no longer loaded. `status` is that of kvi_load, or 0."""
+    """A design that cannot be loaded, or no longer is. `status` is that of kvi_load, or 0."""
 
     def __init__(self, message, status=0):
         super().__init__(message)
@@ -67,8 +67,8 @@ class _NetRecord(ctypes.Structure):
 
 class _InstanceRecord(ctypes.Structure):
     _fields_ = [("self_id", c_int32), ("name", _String), ("sim_path", _String),
-                ("file_path", _String), ("primitive", c_int32),
-                ("owning_instance", c_int32)] + _PROPERTIES + _LOCATION + [("timing_index", c_int16)]
+                ("file_path", _String), ("primitive", c_int32), ("owning_instance", c_int32),
+                *_PROPERTIES, *_LOCATION, ("timing_index", c_int16)]
 
 
 class _PinRecord(ctypes.Structure):
@@ -90,8 +90,8 @@ class _MacroPinRecord(ctypes.Structure):
 # --- what users get
 
 class _Object:
-    """`index` (from 1), `name`, `path` and `properties`: by name a text, or three numbers (integers;
-    whole time steps; reals)."""
+    """`index` (from 1), `name`, `path` and `properties`: by name a text, or three numbers
+    (integers; whole time steps; reals)."""
 
     def __init__(self, design, record):
         self._design = design
