@@ -37,7 +37,7 @@ int close_input(void* cookie) {
 }  // namespace
 
 x_file x_stoppable_input(x_descriptor input, x_stop_asked_t stop_asked, int look_ms) {
-  auto owned = std::make_unique<input_t>(std::move(input), std::move(stop_asked), look_ms);
+  auto owned = std::make_unique<input_t>(input_t{std::move(input), std::move(stop_asked), look_ms});
   cookie_io_functions_t calls{};
   calls.read = read_input;
   calls.close = close_input;
