@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <iterator>
 
 namespace {
 constexpr mode_t creation_mode = 0660;
@@ -52,6 +53,11 @@ void x_file_closer::operator()(std::FILE* file) const { std::fclose(file); }
 bool x_close(x_file file) { return file != nullptr && std::fclose(file.release()) == 0; }
 
 std::string x_why(int error) { return std::strerror(error); }
+
+bool x_is_missing(int error) {
+  constexpr int missing[] = {ENOENT, ENOTDIR, ENAMETOOLONG, EISDIR, EINVAL};
+  return std::ranges::find(missing, error) != std::end(missing);
+}
 
 x_descriptor x_open_regular(const std::string& path) {
   x_descriptor file(xfopen(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC, 0));

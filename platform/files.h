@@ -22,6 +22,8 @@ bool x_close(x_file file);
 
 // What an errno says: "No such file or directory".
 std::string x_why(int error);
+// Whether it says that there is no such file to read. All else stands in the way of one.
+bool x_is_missing(int error);
 
 // Opens a regular file for reading. All others are refused at once (EISDIR, or EINVAL for a pipe or
 // a device): reading them would give nothing, or wait or go on for ever.
