@@ -21,8 +21,7 @@ constexpr std::size_t round_up(std::size_t size, std::size_t to) {
 // Without room the program's new-handler has its say, as for `new`.
 std::byte* map_pages(std::size_t size) {
   for (;;) {
-    void* pages =
-        ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    void* pages = ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (pages != MAP_FAILED) return static_cast<std::byte*>(pages);
     const auto without_memory = std::get_new_handler();
     if (without_memory == nullptr) throw std::bad_alloc();

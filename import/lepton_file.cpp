@@ -134,7 +134,7 @@ class reader {
         return;
       case 'T':
         file.texts.push_back(a_text());
-        owner_ = {};
+        owner_ = {.texts = &file.attached};
         return;
       case 'N':
         take_numbers(4, 5);

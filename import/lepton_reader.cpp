@@ -106,10 +106,20 @@ class lepton_reader {
       joined.push_back(one.role == role_t::block ? blocks_[cells.back()].joined : block_t{}.joined);
     }
     auto nets = gxi_join_lepton(placed, wires, joined, library_.project().netname_wins);
-    for (std::size_t i = 0; i < placed.size(); ++i) add(sheet, placed[i], i, cells[i], nets);
+    std::vector<gxi_common_name_t> common;
+    for (const auto& names : nets.names) common.push_back(common_name(index, names));
+    const auto second = bring_in(placed, nets);
+    for (std::size_t i = 0; i < placed.size(); ++i) {
+      const bool as_instance = cells[i] >= 0 && !second[i] &&
+                               (placed[i].role != role_t::power ||
+                                is_shown_global(nets, common, nets.of_pin[i].front()));
+      add(sheet, placed[i], i, as_instance ? cells[i] : -1, nets);
+    }
     if (block != nullptr) summarize(index, *block, placed, nets);
     for (std::size_t i = 0; i < wires.size(); ++i) draw_wire(wires[i], i, nets, sheet);
-    note_names(index, nets);
+    commons_.names.resize(std::max(commons_.names.size(), static_cast<std::size_t>(index) + 1));
+    commons_.names[static_cast<std::size_t>(index)] = std::move(common);
+    commons_.order.push_back(index);
     sheet.nets = std::move(nets.nets);
     for (auto& net : sheet.nets) net.name = gxi_lepton_plain(net.name);
     cell(index).sheet = std::move(sheet);
@@ -144,6 +154,27 @@ class lepton_reader {
       else
         port->role = role_t::port;
     }
+  }
+
+  // Ports give their nets their names; whether a component is a second one on its net.
+  static std::vector<bool> bring_in(const std::vector<gxi_lepton_placed_t>& placed,
+                                    gxi_lepton_nets_t& nets) {
+    std::vector<bool> second(placed.size());
+    for (std::size_t i = 0; i < placed.size(); ++i) {
+      if (placed[i].role != role_t::port) continue;
+      auto& net = nets.nets[static_cast<std::size_t>(nets.of_pin[i].front())];
+      second[i] = !net.port.empty();
+      if (second[i]) continue;
+      net.port = gxi_lepton_plain(placed[i].name);
+      net.port_type = gxi_lepton_port_class(placed[i]).substr(4);
+    }
+    return second;
+  }
+
+  static bool is_shown_global(const gxi_lepton_nets_t& nets,
+                              const std::vector<gxi_common_name_t>& common, int net) {
+    const auto index = static_cast<std::size_t>(net);
+    return common[index].always && nets.nets[index].port.empty();
   }
 
   void draw(const gxi_lepton_page_t& page, gxi_sheet_t& sheet) {
@@ -191,20 +222,9 @@ class lepton_reader {
     instance.at = moved(gxi_lepton_point(placed.component->at), placed.shift);
     instance.rotate = static_cast<std::uint8_t>(placed.component->rotate);
     instance.mirror = placed.component->mirror;
-    const bool is_port = placed.role == role_t::port;
     const std::string name = gxi_lepton_plain(placed.name);
-    bool is_second = false;
-    if (is_port) {
-      auto& net = nets.nets[static_cast<std::size_t>(nets.of_pin[i].front())];
-      is_second = !net.port.empty();
-      if (!is_second) {
-        net.port = name;
-        const auto class_name = gxi_lepton_port_class(placed);
-        net.port_type = class_name.substr(4);
-      }
-    }
     gxi_lepton_dress(placed, instance, sheet);
-    if (cell_index < 0 || is_second) {
+    if (cell_index < 0) {
       if (instance.name_look) sheet.texts.push_back({name, *instance.name_look});
       gxi_draw_apart(gxi_lepton_sign(placed), instance, sheet);
       return;
@@ -212,7 +232,7 @@ class lepton_reader {
     instance.symbol = cell_index;
     instance.name = name;
     instance.nets = nets.of_pin[i];
-    if (is_port) instance.kind = gxi_kind::port;
+    if (placed.role == role_t::port) instance.kind = gxi_kind::port;
     if (placed.role == role_t::power) instance.kind = gxi_kind::global;
     if (placed.role == role_t::part) {
       instance.nets.insert(instance.nets.end(), nets.of_hidden[i].begin(), nets.of_hidden[i].end());
@@ -238,21 +258,17 @@ class lepton_reader {
       }
   }
 
-  // The names that nets have in the whole design.
-  void note_names(int index, const gxi_lepton_nets_t& nets) {
+  // The name that a net has in the whole design: only its first one counts.
+  gxi_common_name_t common_name(int index, const std::vector<gxi_lepton_name_t>& names) const {
+    if (names.empty()) return {};
     const auto& project = library_.project();
-    commons_.names.resize(std::max(commons_.names.size(), static_cast<std::size_t>(index) + 1));
-    commons_.order.push_back(index);
-    auto& common = commons_.names[static_cast<std::size_t>(index)];
-    for (const auto& names : nets.names) {
-      auto& of_net = common.emplace_back();
-      for (const auto& name : names) {
-        const bool wide = name.of_link && !project.net_is_local;
-        const bool below = name.of_wire && !project.netname_is_local && index != 0;
-        if (wide || below || index == 0)
-          of_net.push_back({gxi_lepton_plain(name.name), wide || below});
-      }
-    }
+    const auto& first = names.front();
+    const bool as_link = first.of_link && !(project.netname_wins && first.of_wire);
+    const bool is_local = as_link ? project.net_is_local : project.netname_is_local;
+    gxi_common_name_t common{.is_named = true};
+    if (index == 0 || !is_local) common.name = gxi_lepton_plain(first.name);
+    common.always = !is_local && (index != 0 || as_link);
+    return common;
   }
 
   // A symbol does not tell what one of its instances tells otherwise.

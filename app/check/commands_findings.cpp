@@ -20,13 +20,15 @@ constexpr std::string_view check_echo = "# CHEck  DESign  ";
 constexpr std::string_view no_findings = "# !! Error : No findings of CHEck DESign ? ";
 constexpr std::string_view bad_third = "# !! Error :  3rd parameter incorrect ? ";
 
+gx_line_kind kind_of(const kv_finding_t& finding) {
+  if (finding.waived) return gx_line_kind::plain;
+  return finding.severity == kv_severity::error ? gx_line_kind::error : gx_line_kind::warning;
+}
+
 // "# 12 Error no-driver /XR/N_5 : nothing drives it ..".
 void tell_finding(std::size_t number) {
   const auto& finding = kv_pext.findings[number - 1];
-  const auto kind = finding.waived                           ? gx_line_kind::plain
-                    : finding.severity == kv_severity::error ? gx_line_kind::error
-                                                             : gx_line_kind::warning;
-  gx_tell_as(kind, "# ", std::to_string(number), " ",
+  gx_tell_as(kind_of(finding), "# ", std::to_string(number), " ",
              finding.waived ? "Waived" : kv_severity_name(finding.severity), " ",
              kv_row_of(finding.rule).name, " ", finding.path, " : ", finding.words);
 }
@@ -44,6 +46,7 @@ void tell_count(std::string_view one, std::string_view many, int count) {
 
 // Tells every finding and how many there are; those that nobody waived count for the session.
 void tell_findings() {
+  const gx_list_batch_t batch;
   int errors = 0, warnings = 0, waived = 0;
   for (std::size_t number = 1; number <= kv_pext.findings.size(); ++number) {
     const auto& finding = kv_pext.findings[number - 1];

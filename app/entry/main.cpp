@@ -97,7 +97,9 @@ int run_with_options(int argc, char** argv) {
   batch.arguments = std::span(words).subspan(2);
   survive_broken_pipes();
   kv_find_installation("/proc/self/exe");
-  return kv_run_batch(batch);
+  const int status = kv_run_batch(batch);
+  std::fflush(nullptr);
+  std::_Exit(status);
 }
 }  // namespace
 

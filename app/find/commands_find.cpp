@@ -1,4 +1,4 @@
-// FINd PATh: from a path to the drawing.
+// FINd PATh: from a path to the drawing. VIEw LASt: back to where the view was.
 #include <string>
 
 #include "app/find/expanded.h"
@@ -6,6 +6,7 @@
 #include "app/find/go_to.h"
 #include "app/language/command_row.h"
 #include "app/sheet/command_viewport.h"
+#include "app/sheet/last_views.h"
 #include "expand/store.h"
 #include "gx/text/message_list.h"
 #include "gx/text/numbers.h"
@@ -71,8 +72,20 @@ void kv_find_path_cmd(const kv_command_t& command) {
   list_found(search.found, command);
 }
 
+void kv_view_last_cmd(const kv_command_t& command) {
+  constexpr std::string_view refused_last = "# VIEw LASt ";
+  const auto view = kv_take_last_view();
+  if (!view) return kv_refuse(refused_last, command, "# !! Error : NO view to go back to ? ", 3);
+  if (const std::string fault = kv_go_back(*view); !fault.empty()) {
+    kv_refuse(refused_last, command, "# !! Error : No Sheet Available ? : ", 3);
+    return gx_tell("# !! ", fault);
+  }
+  gx_tell(" VIEw LASt ");
+}
+
 constexpr kv_command_row_t rows[] = {
     {{"FIN", "PAT"}, "FINd PATh path or number", kv_find_path_cmd, refused, 3},
+    {{"VIE", "LAS"}, "VIEw LASt", kv_view_last_cmd, "# VIEw LASt ", 3},
 };
 
 }  // namespace

@@ -120,6 +120,17 @@ std::string longest_part(const std::optional<kv_expanded_t>& expanded, kv_drawin
   return "/";
 }
 
+// The flat net of a pin; a pin of one bit on a bus is on that bit of it.
+template <typename Record>
+std::int32_t net_of_pin(const kv_design_t& design, const Record& pin) {
+  if (pin.net_ind == 0) return 0;
+  const auto& net = kv_record(design.nets, pin.net_ind);
+  const bool is_bit = net.net_type == kv_net_bus && pin.pin_start == pin.pin_end &&
+                      pin.pin_net_start >= net.net_bus_start &&
+                      pin.pin_net_start <= net.net_bus_end;
+  return is_bit ? net.netind_start + pin.pin_net_start - net.net_bus_start : pin.net_ind;
+}
+
 }  // namespace
 
 kv_search_t kv_search_path(kv_drawings_t& drawings, std::string_view text, std::size_t most) {
@@ -135,23 +146,18 @@ std::vector<std::int32_t> kv_search_nets(kv_drawings_t& drawings, std::string_vi
                                          std::size_t most) {
   const auto expanded = kv_expanded();
   std::vector<std::int32_t> nets;
-  const auto net_of = [&](kv_hit_t hit) {
-    switch (hit.what) {
-      case kv_named::net:
-        return hit.index;
-      case kv_named::net_child:
-        return expanded->paths.net_of_child(hit.index);
-      case kv_named::pin:
-        return expanded->design.pins[hit.index].net_ind;
-      case kv_named::pinm:
-        return expanded->design.pinms[hit.index].net_ind;
-      default:
-        return 0;
-    }
-  };
+  const auto& design = expanded->design;
+  std::vector<std::int32_t> nets_of_pins;
   for (const auto hit : hits_of(*expanded, readings(drawings, text), SIZE_MAX)) {
-    if (const std::int32_t net = net_of(hit); net != 0) nets.push_back(net);
+    if (hit.what == kv_named::net) nets.push_back(hit.index);
+    if (hit.what == kv_named::net_child) nets.push_back(expanded->paths.net_of_child(hit.index));
+    if (hit.what == kv_named::pin)
+      nets_of_pins.push_back(net_of_pin(design, design.pins[hit.index]));
+    if (hit.what == kv_named::pinm)
+      nets_of_pins.push_back(net_of_pin(design, design.pinms[hit.index]));
   }
+  if (nets.empty()) nets = std::move(nets_of_pins);
+  std::erase(nets, 0);
   std::ranges::sort(nets);
   const auto repeated = std::ranges::unique(nets);
   nets.erase(repeated.begin(), repeated.end());

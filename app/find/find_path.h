@@ -19,7 +19,7 @@ struct kv_search_t {
 };
 kv_search_t kv_search_path(kv_drawings_t& drawings, std::string_view text, std::size_t most);
 
-// The flat nets that bear a path in one of those forms, or that a pin of that path is on, each
-// once, in the order of the index. Asks the expansion, which must be there.
+// The flat nets that bear a path in one of those forms; when none does, those that a pin of that
+// path is on. Each once, in the order of the index. Asks the expansion, which must be there.
 std::vector<std::int32_t> kv_search_nets(kv_drawings_t& drawings, std::string_view text,
                                          std::size_t most);

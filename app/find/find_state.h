@@ -24,4 +24,5 @@ struct kv_find_state_t {
   std::uint64_t paths_of_run = 0;
   std::vector<kv_found_t> found;  // of the last FINd PATh that found several
   std::uint64_t found_of_run = 0;
+  std::vector<std::string> highlighted;  // paths of flat nets
 };

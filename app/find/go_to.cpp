@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "app/sheet/last_views.h"
 #include "app/sheet/views.h"
 #include "app/sheet/walk.h"
 #include "app/state.h"
@@ -9,6 +10,8 @@
 #include "gx/db/object_access.h"
 #include "gx/db/objects_of.h"
 #include "gx/db/undo.h"
+#include "gx/display/grid.h"
+#include "gx/display/viewports.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
 
@@ -117,6 +120,9 @@ bool can_be_shown(const gx_file_gene_recf_t& file, int id) {
          std::ranges::find(shown, object->object_type) != std::end(shown);
 }
 
+std::string no_sheet(std::string_view path) {
+  return "no such sheet : \"" + std::string(path) + "\"";
+}
 std::string no_object(int object_id) { return "no such object : " + std::to_string(object_id); }
 
 }  // namespace
@@ -128,6 +134,7 @@ std::string kv_go_along(kv_drawings_t& drawings, const kv_way_t& way, int object
   }
   if (sheet == nullptr) return "no such sheet";
   if (object_id != 0 && !can_be_shown(*sheet, object_id)) return no_object(object_id);
+  kv_remember_view();
   if (std::string fault = walk(way); !fault.empty()) {
     kv_show_level();
     return fault;
@@ -144,9 +151,24 @@ std::string kv_go_along(kv_drawings_t& drawings, const kv_way_t& way, int object
   return "";
 }
 
+std::string kv_go_back(const kv_last_view_t& view) {
+  kv_drawings_t drawings;
+  const std::string_view path = gx_view(view.path);
+  const auto way = kv_way_to(drawings, path);
+  if (!way) return no_sheet(path);
+  const std::string fault = walk(*way);
+  kv_show_level();
+  const auto vpid = gx_vext.viewport_edit;
+  if (!fault.empty() || !gx_vext.display_on || !gx_viewport_ok(vpid)) return fault;
+  gx_viewport_show(vpid, view.shown);
+  gx_set_grid_visibility(kv_pext.file_id_cur, vpid);
+  kv_update_viewport_edit();
+  return "";
+}
+
 std::string kv_go_to(std::string_view sheet_path, int object_id) {
   kv_drawings_t drawings;
   const auto way = kv_way_to(drawings, sheet_path);
-  if (!way) return "no such sheet : \"" + std::string(sheet_path) + "\"";
+  if (!way) return no_sheet(sheet_path);
   return kv_go_along(drawings, *way, object_id);
 }

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "app/find/drawings.h"
+#include "app/sheet/sheets_state.h"
 
 // Goes to an object of the sheet at the end of a way that the drawings have; object 0: shows the
 // sheet whole and selects nothing. Instances, nets, frames, pins (by their pin property family),
@@ -14,5 +15,8 @@
 // was read just before.
 std::string kv_go_along(kv_drawings_t& drawings, const kv_way_t& way, int object_id);
 
-// The same for the simulation path of the sheet: "", "/", "/XR/X2" or "/XR/X2/".
+// Shows a view again; the level it was on is opened again.
+std::string kv_go_back(const kv_last_view_t& view);
+
+// The same as kv_go_along for the simulation path of the sheet: "", "/", "/XR/X2" or "/XR/X2/".
 std::string kv_go_to(std::string_view sheet_path, int object_id);

@@ -78,6 +78,7 @@ kv_command_rows_t kv_explain_commands();    // find/commands_explain
 kv_command_rows_t kv_file_commands();       // language/commands_files
 kv_command_rows_t kv_find_commands();       // find/commands_find
 kv_command_rows_t kv_grid_commands();       // sheet/commands_grid
+kv_command_rows_t kv_highlight_commands();  // find/commands_highlight
 kv_command_rows_t kv_key_commands();        // session/commands_keys
 kv_command_rows_t kv_mark_commands();       // sheet/commands_mark
 kv_command_rows_t kv_menu_commands();       // session/commands_menu

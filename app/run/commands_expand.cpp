@@ -4,6 +4,7 @@
 #include "app/language/command_row.h"
 #include "app/run/run_progress.h"
 #include "app/sheet/command_viewport.h"
+#include "app/sheet/walk.h"
 #include "expand/run.h"
 #include "expand/store.h"
 #include "gx/text/message_list.h"
@@ -152,6 +153,7 @@ void kv_run_cmd(const kv_command_t&) {
                                                  .origins = &kv_sext.origins},
                                                 kv_sext.designfile, kv_pext.gen_data);
   if (result == kv_run_result::done || result == kv_run_result::write_failed) anchor_sim_path();
+  kv_follow_run();
 }
 
 constexpr kv_command_row_t rows[] = {

@@ -11,6 +11,7 @@
 #include "app/language/do_file.h"
 #include "app/session/gestures.h"
 #include "app/session/menu_actions.h"
+#include "app/sheet/last_views.h"
 #include "app/sheet/views.h"
 #include "gx/display/cmd_viewport.h"
 #include "gx/display/cursor.h"
@@ -253,6 +254,7 @@ void turn_wheel(gx_vpid_t vpid, const gx_event_t& event) {
   const bool is_edit = vpid == gx_vext.viewport_edit;
   if ((!is_edit && vpid != gx_vext.viewport_context) || !gx_vext.display_on) return;
   const gx_file_index_t file_index = gx_viewport_rec(vpid).file_index;
+  if (is_edit) kv_remember_view();
   if (file_index < 1 || !gx_viewport_zoom_at(vpid, event.pixel, away ? 4 : 5, away ? 5 : 4)) {
     return;
   }

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "app/sheet/command_viewport.h"
+#include "app/sheet/last_views.h"
 #include "app/sheet/pick.h"
 #include "app/sheet/views.h"
 #include "gx/db/object_access.h"
@@ -77,6 +78,7 @@ bool kv_pan(kv_gestures_t& gestures, const gx_event_t& event) {
     if (event.kind != gx_event_kind::button2_down || (event.modifiers & shift) == 0 ||
         !gx_is_picture_viewport(vpid) || !gx_viewport_ok(vpid) || gx_vext.menu_drawn)
       return false;
+    if (vpid == gx_vext.viewport_edit) kv_remember_view();
     gestures = {vpid, event.pixel};
     return true;
   }

@@ -2,7 +2,9 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <string>
 #include <utility>
@@ -237,7 +239,7 @@ bool kv_open_session() {
 void kv_begin_session() {
   const int errors = gx_vext.num_errors;
   gx_undo_init(kv_pext.file_id_cur);  // takes over what the sheet's header says of its errors
-  for (int i = 0; i < errors; ++i) gx_count_error();
+  gx_vext.num_errors = static_cast<std::int16_t>(std::min(errors + gx_vext.num_errors, INT16_MAX));
   gx_vext.str_cmd = {};
   gx_display_cmd("");
   gx_display_list("# KIVO  version 2.02");

@@ -4,6 +4,7 @@
 
 #include "app/language/command_row.h"
 #include "app/sheet/command_viewport.h"
+#include "app/sheet/last_views.h"
 #include "app/sheet/walk.h"
 #include "gx/db/object_access.h"
 #include "gx/db/queries.h"
@@ -123,6 +124,7 @@ void kv_view_down_cmd(const kv_command_t& command) {
   if (!open_at(level + 1, directory, command)) return;
   gx_string_record_t path = kv_pext.cur_sim_path;
   gx_concat_all(path, name, "/");
+  kv_remember_view();
   kv_stand_at(level + 1, path);
   kv_show_level();
   gx_tell(" VIEw DOWn  ", name);
@@ -148,6 +150,7 @@ void kv_view_up_cmd(const kv_command_t& command) {
     gx_debug(" VIEW_UP_CMD  : level max INVALID : %d  %d\n", level - 1, kv_pext.file_level_max);
     gx_set_status(gx_code::file_data_invalid);
   }
+  kv_remember_view();
   kv_stand_at(level - 1, without_last_name(kv_pext.cur_sim_path));
   kv_show_level();
   gx_tell(" VIEw UP  ");

@@ -4,6 +4,7 @@
 
 #include "app/language/command_row.h"
 #include "app/sheet/command_viewport.h"
+#include "app/sheet/last_views.h"
 #include "app/sheet/sheet_files.h"
 #include "app/sheet/views.h"
 #include "gx/db/geometry.h"
@@ -144,6 +145,7 @@ void kv_view_all_cmd(const kv_command_t& command) {
   if (!view->has_sheet()) return kv_refuse(refused, command, kv_no_sheet, 3);
   if (!gx_viewport_ok(view->vpid)) return kv_refuse(refused, command, kv_invalid_viewport, 3);
   kv_pext.disp_pic_area = false;
+  if (view->is_edit()) kv_remember_view();
   if (view->is_symbol()) {
     gx_display_picture_all(view->vpid, view->file_index);
     mark_components(view->vpid, view->file());
@@ -177,6 +179,7 @@ void kv_view_area_cmd(const kv_command_t& command) {
   const auto area = kv_wanted_area(refused, command, 4, view->file());
   if (!area) return;
   if (was_marked && !typed && is_no_drag()) return gx_tell(" VIEw AREa ", view->name());
+  if (view->is_edit()) kv_remember_view();
   if (view->is_symbol()) {
     gx_display_picture_area(view->vpid, view->file_index, area->p1, area->p2);
     mark_components(view->vpid, view->file());

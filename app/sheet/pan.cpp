@@ -4,6 +4,7 @@
 #include <array>
 
 #include "app/language/command_row.h"
+#include "app/sheet/last_views.h"
 #include "app/sheet/views.h"
 #include "app/state.h"
 #include "gx/db/geometry.h"
@@ -49,6 +50,7 @@ std::int32_t moved(std::int32_t from, int sign, std::int32_t amount) {
 void pan(const kv_move_t& move) {
   auto& v = gx_vext;
   if (!is_picture(v.viewport_id) || !gx_viewport_ok(v.viewport_id)) return;
+  if (v.viewport_id == edit) kv_remember_view();
   v.obj_pos = {moved(v.obj_pos.x, move.dx, move.amount), moved(v.obj_pos.y, move.dy, move.amount)};
   gx_viewport_translate(v.viewport_id, move.dy, move.dx, move.amount);
   if (v.viewport_id == edit)

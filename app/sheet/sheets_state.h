@@ -2,10 +2,18 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 
 #include "expand/sheet_slots.h"
 #include "gx/db/ids.h"
+#include "gx/display/viewport_coords.h"
 #include "gx/text/records.h"
+
+// What the edit viewport showed once.
+struct kv_last_view_t {
+  gx_string_record_t path;  // of the sheet, as cur_sim_path
+  gx_shown_t shown;
+};
 
 struct kv_sheets_state_t {
   gx_file_index_t file_id_cur = 0;      // sheet in the edit viewport
@@ -21,6 +29,8 @@ struct kv_sheets_state_t {
   bool act_symb_done = false;         // it is open
   gx_object_id_t act_symb_id = 0;     // its component
   gx_string_record_t act_file_path;
+
+  std::deque<kv_last_view_t> last_views;  // the last one at the end
 
   bool disp_pic_area = false;  // VIEw AREa: an area is in force, between the two corners
   gx_pointreal_t pt_pic_area1, pt_pic_area2;

@@ -60,4 +60,11 @@ void kv_show_level() {
   kv_show_title();
 }
 
+void kv_follow_run() {
+  if (follow_level == nullptr) return;
+  follow_level();
+  kv_update_viewport_edit();
+  kv_update_viewport_context();
+}
+
 void kv_set_level_follower(kv_level_follower_t follower) { follow_level = follower; }

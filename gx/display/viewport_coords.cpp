@@ -129,6 +129,22 @@ void gx_viewport_fit(gx_vpid_t vpid, const gx_boundsreal_t& box) {
   centre(vp, box.xmin / 2 + box.xmax / 2, box.ymin / 2 + box.ymax / 2);
 }
 
+gx_shown_t gx_viewport_shown(gx_vpid_t vpid) {
+  const auto& vp = gx_viewport_rec(vpid);
+  return {vp.bounds_part, vp.object_scale};
+}
+
+void gx_viewport_show(gx_vpid_t vpid, const gx_shown_t& shown) {
+  if (!gx_drawing_possible()) return;
+  auto& vp = gx_viewport_rec(vpid);
+  const auto& part = shown.part;
+  const bool fits = (std::int64_t{part.xmax} - part.xmin) / shown.scale == pixel_width(vp) &&
+                    (std::int64_t{part.ymax} - part.ymin) / shown.scale == pixel_height(vp);
+  vp.object_scale = shown.scale;
+  vp.bounds_part = part;
+  if (!fits) centre(vp, part.xmin / 2 + part.xmax / 2, part.ymin / 2 + part.ymax / 2);
+}
+
 void gx_viewport_translate(gx_vpid_t vpid, int dy_sign, int dx_sign, std::int32_t amount) {
   if (!gx_drawing_possible()) return;
   move_part(gx_viewport_rec(vpid), std::int64_t{dx_sign} * amount, std::int64_t{dy_sign} * amount);

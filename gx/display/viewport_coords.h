@@ -20,6 +20,15 @@ gx_boundsreal_t gx_area_of(gx_pointreal_t p1, gx_pointreal_t p2);
 
 // Zoom and pan. `fit` shows the box whole, centred, with a margin of 5 percent.
 void gx_viewport_fit(gx_vpid_t vpid, const gx_boundsreal_t& box);
+// What is shown, to be shown again: the same part at the same scale, or in a viewport that has
+// another size since then as much as it holds around the same middle.
+struct gx_shown_t {
+  gx_boundsreal_t part;
+  std::int32_t scale = 1;  // design units per pixel
+  friend bool operator==(const gx_shown_t&, const gx_shown_t&) = default;
+};
+gx_shown_t gx_viewport_shown(gx_vpid_t vpid);
+void gx_viewport_show(gx_vpid_t vpid, const gx_shown_t& shown);
 void gx_viewport_translate(gx_vpid_t vpid, int dy_sign, int dx_sign, std::int32_t amount);
 // Moves the picture by so many pixels, to the right and down.
 void gx_viewport_pan(gx_vpid_t vpid, int dx, int dy);

@@ -1,5 +1,6 @@
 // The main job on the designs that users start from: open, expand, write the netlist.
 #include <algorithm>
+#include <sstream>
 
 #include "gxmake/memory_array.h"
 #include "tests/program/listing.h"
@@ -136,20 +137,23 @@ TEST(Examples, EverySheetPassesTheCheck) {
     int sheets;
   } cases[] = {{"register",
                 "CHECK SHEET\nVIEW DOWN XR\nCHECK SHEET\nVIEW DOWN X3\nCHECK SHEET\nVIEW UP\n"
-                "VIEW DOWN XCK\nCHECK SHEET\nBYE\n",
+                "VIEW DOWN XCK\nCHECK SHEET\nPRIMITIVE CLASS\nCHECK DESIGN\nBYE\n",
                 4},
-               {"filter", "CHECK SHEET\nVIEW DOWN X1\nCHECK SHEET\nBYE\n", 2}};
+               {"filter",
+                "CHECK SHEET\nVIEW DOWN X1\nCHECK SHEET\nPRIMITIVE CLASS\nCHECK DESIGN\nBYE\n", 2}};
   for (const auto& c : cases) {
     scratch_directory directory;
     make_design_of_file(directory,
                         std::string(KIVO_SOURCE_DIR "/examples/") + c.name + "/" + c.name + ".gxt");
     directory.write("check.do", c.commands);
     run_program(shared_display(), {.directory = directory.path(), .words = {c.name, "check.do"}});
-    int clean = 0;
+    int clean = 0, clean_designs = 0;
     for (const auto& line : directory.lines(std::string(c.name) + "/current_session")) {
       EXPECT_FALSE(line.starts_with("# !! Error")) << line;
       clean += line == "# CHEck  SHEet > nb_error    = 0 ";
+      clean_designs += line == "# CHEck  DESign > nb_error    = 0 ";
     }
+    EXPECT_EQ(clean_designs, 1) << c.name;
     EXPECT_EQ(clean, c.sheets) << c.name;
   }
 }
@@ -208,6 +212,28 @@ with kivo.load("register") as design:
   EXPECT_EQ(std::set<std::string>(lines.begin(), lines.end()), expected);
 }
 #endif
+
+TEST(Examples, ACheckInABatchFailsUntilEveryErrorIsWaived) {
+  scratch_directory directory;
+  make_design_of_file(directory, KIVO_SOURCE_DIR "/examples/faults/faults.gxt");
+  directory.write("check.do", read_file(KIVO_SOURCE_DIR "/examples/faults/check.do"));
+  const program_start start{.directory = directory.path(),
+                            .words = {"--batch", "faults", "check.do"}};
+  EXPECT_EQ(run_program(shared_display(), start).status, 1);
+  EXPECT_EQ(directory.read("faults/design_kv"), "");
+
+  std::string waivers;
+  for (const auto& line : directory.lines("faults/current_session")) {
+    std::istringstream words(line);
+    std::string mark, number, severity, rule, path;
+    words >> mark >> number >> severity >> rule >> path;
+    if (severity == "Error") waivers += rule + " " + path + " \"known\" 2026-01-31\n";
+  }
+  directory.write("faults/waivers", waivers);
+  const auto ended = run_program(shared_display(), start);
+  EXPECT_EQ(ended.status, 0) << ended.out;
+  EXPECT_NE(ended.out.find("# CHEck  DESign > nb_waived   = 31 \n"), std::string::npos);
+}
 
 TEST(Examples, MemoryArraysExpandToWhatTheirSizeSays) {
   const struct { int blocks, variants; } cases[] = {{1, 1}, {2, 8}, {7, 8}};

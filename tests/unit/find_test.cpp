@@ -171,6 +171,46 @@ TEST_P(Find, SeveralPlacesAreListedAndTakenByNumber) {
   EXPECT_EQ(s.run("find path 99").back(), "# !! The longest part that exists : \"/\"");
 }
 
+// The marks of the sheets, from the top down: "N_id" of the level, with the name of its probe.
+lines_t marks(const design_session& s) {
+  lines_t lines;
+  for (const auto& mark : gx_vext.highlights) {
+    const bool is_in_view = mark.file_index == kv_pext.file_id_cur;
+    const auto* name = is_in_view ? lb_find_prop_net(s.file(), mark.id, "NET") : nullptr;
+    lines.push_back(std::to_string(mark.file_index) + " " +
+                    (name != nullptr ? std::string(gx_view(name->nvalue)) : "-") + " " +
+                    std::string(gx_view(mark.name)));
+  }
+  return lines;
+}
+
+TEST_P(Find, AHighlightFollowsTheViewAndTheRuns) {
+  if (!GetParam()) {
+    EXPECT_EQ(s.run("highlight net /LINK"),
+              (lines_t{"# HIGhlight NET /LINK ", "# !! Error : No expanded design ? "}));
+    return;
+  }
+  EXPECT_EQ(s.run("highlight net /xr/q"), lines_t{" HIGhlight NET /LINK "});
+  EXPECT_EQ(marks(s), lines_t{"1 LINK /LINK"});
+  s.run("view down XR");
+  EXPECT_EQ(marks(s), (lines_t{"1 - /LINK", "2 - /LINK"}));
+  gx_set_object_selected(s.file(), s.net("MID"), true);
+  EXPECT_EQ(s.run("hig net"), lines_t{" HIGhlight NET /XR/MID "});
+  EXPECT_EQ(marks(s).size(), 3U);
+  s.run("find path /XS/MP1");  // the same sheet elsewhere: only what comes there is marked
+  EXPECT_EQ(marks(s), (lines_t{"1 - /LINK", "2 - /LINK"}));
+  s.run("run");
+  EXPECT_EQ(marks(s).size(), 2U);
+  s.run("view up");
+  EXPECT_EQ(s.run("highlight off"), lines_t{" HIGhlight OFF "});
+  s.run("view down XR");
+  EXPECT_EQ(marks(s), lines_t{});
+  EXPECT_EQ(s.run("highlight net /LINQ"),
+            (lines_t{"# HIGhlight NET /LINQ ", "# !! Error : Net NOT FOUND ? ",
+                     "# !! The longest part that exists : \"/\""}));
+  EXPECT_EQ(s.run("explain net"), (lines_t{"# EXPlain NET ", "# !! Error : No NET selected ? "}));
+}
+
 INSTANTIATE_TEST_SUITE_P(ExpandedOrNot, Find, testing::Bool());
 
 }  // namespace

@@ -1,0 +1,77 @@
+#include "app/find/highlights.h"
+
+#include <algorithm>
+
+#include "app/sheet/walk.h"
+#include "app/state.h"
+#include "expand/explain.h"
+#include "gx/db/file_state.h"
+#include "gx/display/highlight.h"
+#include "gx/text/strings.h"
+
+namespace {
+
+// The visits of the sheets from the top to the one in view, by level; empty when the view is not
+// where the expansion has been.
+std::vector<std::int32_t> visits_in_view(const kv_expanded_t& expanded) {
+  std::vector<std::int32_t> visits;
+  for (auto visit = kv_visit_at(expanded, gx_view(kv_pext.cur_sim_path)); visit >= 0;
+       visit = expanded.visit(visit).above)
+    visits.push_back(visit);
+  std::ranges::reverse(visits);
+  if (visits.size() != static_cast<std::size_t>(kv_pext.file_level_cur)) visits.clear();
+  return visits;
+}
+
+// The slot of a level, when it holds the sheet that the visit saw; else 0.
+gx_file_index_t slot_of(const kv_expanded_t& expanded, std::int32_t visit, int level) {
+  const auto slot = kv_at_level(level).file_index;
+  if (slot < 1) return 0;
+  const auto path = gx_view(gx_files.filear[static_cast<std::size_t>(slot)].file_pathname);
+  return path == expanded.visit(visit).sheet->file_path ? slot : gx_file_index_t{0};
+}
+
+// Marks the net on the sheets in view; its name stands once on each.
+void mark(const kv_expanded_t& expanded, const std::vector<std::int32_t>& visits,
+          std::int32_t net) {
+  const auto name = kv_text(expanded.design, kv_record(expanded.design.nets, net).sim_path);
+  const kv_explainer_t explainer(expanded.design, expanded.origins);
+  std::vector<bool> is_named(visits.size());
+  for (const auto& drawn : explainer.drawn(net)) {
+    const auto at = std::ranges::lower_bound(visits, drawn.visit);
+    if (at == visits.end() || *at != drawn.visit) continue;
+    const auto place = static_cast<std::size_t>(at - visits.begin());
+    const auto slot = slot_of(expanded, drawn.visit, static_cast<int>(place) + 1);
+    if (slot == 0) continue;
+    gx_highlight_net(slot, drawn.object_id, is_named[place] ? std::string_view{} : name);
+    is_named[place] = true;
+  }
+}
+
+void mark_all() {
+  gx_highlight_clear_all();
+  const auto expanded = kv_expanded();
+  if (!expanded) return;
+  const auto visits = visits_in_view(*expanded);
+  for (const auto& path : kv_pext.highlighted) {
+    const std::string key = kv_path_key(path);
+    for (const auto hit : expanded->paths.find({&key, 1}, SIZE_MAX))
+      if (hit.what == kv_named::net) mark(*expanded, visits, hit.index);
+  }
+}
+
+}  // namespace
+
+void kv_highlight(const kv_expanded_t& expanded, std::int32_t net) {
+  const auto path = kv_text(expanded.design, kv_record(expanded.design.nets, net).sim_path);
+  auto& marked = kv_pext.highlighted;
+  if (std::ranges::find(marked, path) == marked.end()) marked.emplace_back(path);
+  kv_set_level_follower(mark_all);
+  mark_all();
+}
+
+void kv_highlight_off() {
+  kv_pext.highlighted.clear();
+  kv_set_level_follower(nullptr);
+  gx_highlight_clear_all();
+}

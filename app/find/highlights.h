@@ -1,0 +1,10 @@
+// The flat nets that HIGhlight marks: on each sheet from the top down to the one in view.
+#pragma once
+
+#include <cstdint>
+
+#include "app/find/expanded.h"
+
+// Marks a flat net from now on, also after it was expanded anew; pictures are not drawn again.
+void kv_highlight(const kv_expanded_t& expanded, std::int32_t net);
+void kv_highlight_off();

@@ -1,0 +1,70 @@
+// EXPlain NET: the reasons for which nets of sheets are one flat net.
+#include <regex>
+
+#include "tests/unit/flatten_fixture.h"
+
+namespace {
+
+class ExplainTest : public FlattenTest {
+ protected:
+  // The answer with the ids of objects as "#".
+  lines_t explain(const std::string& words) {
+    lines_t lines;
+    for (const auto& line : session.run("EXPLAIN NET " + words))
+      lines.push_back(std::regex_replace(line, std::regex("([NIP]_|vertex )[0-9]+"), "$1#"));
+    return lines;
+  }
+};
+
+TEST_F(ExplainTest, EveryWayOfJoiningHasItsWords) {
+  EXPECT_EQ(explain("/A"), (lines_t{"# EXPlain NET /A ", "# !! Error : No expanded design ? "}));
+  // On the top: a shared pin and vertex, an equal name, a global met only inside X, one beside.
+  run("symbol tie\n pin A 0,0 IN\n pin B 0,4 IN\n"
+      "sheet tie\n port A p 0,0\n port B p 0,9\n part R1 r 2,0\n global VDD g 20,20\n"
+      " net IN\n  wire A R1.1\n"
+      " net OUT\n  wire B R1.2\n net OUT\n  wire 20,20 30,20\n"
+      "sheet top\n part X tie 2,0\n part R r 10,0\n part S r 20,0\n global VDD g 40,0\n"
+      " net M\n  wire R.2 S.1\n net\n  wire S.1 20,9\n net m\n  wire X.A 0,0\n"
+      " net P\n  wire X.B 0,20\n net\n  wire 40,0 44,0\n");
+  EXPECT_EQ(
+      explain("/m"),
+      (lines_t{"# NET 2 : \"/M\" name \"M\"", "#   kind local ; pins in 2 out 1",
+               "#   /M : top/sheet.gx_1 N_# : the net itself",
+               "#   /N_# : top/sheet.gx_1 N_# : shared pin P_#",
+               "#   /m : top/sheet.gx_1 N_# : same NET name as N_#",
+               "#   /X/IN : tie/sheet.gx_1 N_# : port A of /X, pin /X/A", "#   pin in /X/R1/1",
+               "#   pin in /S/1", "#   pin out /R/2", " EXPlain NET /m "}));
+  EXPECT_EQ(explain("/vdd"),
+            (lines_t{"# NET 1 : \"/VDD\" name \"VDD\"", "#   kind global ; pins in 0 out 1",
+                     "#   /P : top/sheet.gx_1 N_# : global VDD inside /X, pin /X/B",
+                     "#   /N_# : top/sheet.gx_1 N_# : global VDD, instance I_#",
+                     "#   /X/OUT : tie/sheet.gx_1 N_# : port B of /X, pin /X/B",
+                     "#   /X/OUT : tie/sheet.gx_1 N_# : same NET name as N_#",
+                     "#   pin out /X/R1/2", " EXPlain NET /vdd "}));
+  // A pin stands for its net; what is no net is told.
+  EXPECT_EQ(explain("R.2").front(), "# NET 2 : \"/M\" name \"M\"");
+  EXPECT_EQ(explain("/R"), (lines_t{"# EXPlain NET /R ", "# !! Error : Net NOT FOUND ? ",
+                                    "# !! No net : \"/R\""}));
+}
+
+TEST_F(ExplainTest, ABitIsExplainedByTheNetsOfItsBusThatHoldIt) {
+  run("symbol one\n pin A 0,0 IN\n symbol two\n pin D 0,0 IN bits 0:1\n"
+      "sheet one\n port A p 0,0\n part R r 2,0\n net A\n  wire A R.1\n"
+      "sheet two\n port D p 0,0 bits 0:1\n part X one 4,0\n bus D 0:1\n  wire D X.A\n  bit 1 X.A\n"
+      "sheet top\n part T two 2,0\n bus D 0:3\n  wire T.D 0,0\n  bit 2 T.D\n");
+  const lines_t bit_3 = {
+      "# NET 5 : \"/D_3\" name \"D_3\"",
+      "#   kind bit, bit 3 of bus \"/D\" (1) ; pins in 1 out 0",
+      "#   /D : top/sheet.gx_1 N_# : bit 3 of bus D",
+      "#   /T/D : two/sheet.gx_1 N_# : bit 3 of bus D",
+      "#   /T/X/A : one/sheet.gx_1 N_# : port A of /T/X, pin /T/X/A, bit 3 of bus D",
+      "#   pin in /T/X/R/1",
+      " EXPlain NET /D_3 "};
+  EXPECT_EQ(explain("/D_3"), bit_3);
+  EXPECT_EQ(explain("/T/X/A").front(), bit_3.front());
+  EXPECT_EQ(explain("/D_1").size(), 4U);  // it does not go down
+  EXPECT_EQ(explain("/D")[3],
+            "#   /T/D : two/sheet.gx_1 N_# : port D[0:1] of /T, pin /T/D, bits 2 to 3 of bus D");
+}
+
+}  // namespace
