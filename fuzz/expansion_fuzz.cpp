@@ -121,8 +121,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       const auto* d = data + at;
       const bool is_first = (d[0] & 0x80U) != 0;
       if (is_first != changed.empty()) continue;
-      const int object = ((d[0] & 0x7FU) << 8U | d[1]) % file->object_id_max;
-      change(*file, object, d[2], static_cast<std::int16_t>(d[3] << 8U | d[4]));
+      const int object = static_cast<int>((d[0] & 0x7FU) << 8U | d[1]) % file->object_id_max;
+      change(*file, object, d[2], static_cast<std::int16_t>(unsigned{d[3]} << 8U | d[4]));
     }
     changed.push_back(gx_encode_file(*file));
     if (gx_decode_file(changed.back(), "changed").file == nullptr) return 0;
