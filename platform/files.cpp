@@ -34,6 +34,13 @@ x_descriptor create(const std::string& path, bool through_link) {
   return file;
 }
 
+// One that a kill left behind is in nobody's use.
+x_descriptor create_new(const std::string& path) {
+  unlink(path.c_str());
+  const int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+  return x_descriptor(xfopen(path.c_str(), flags, creation_mode));
+}
+
 // The directory's entry on the disk, too; one that cannot be opened for reading goes without.
 void sync_directory_of(const std::string& path) {
   const auto slash = path.rfind('/');
@@ -74,6 +81,8 @@ x_file x_create_file(const std::string& path, bool through_link) {
   return stream_of(create(path, through_link), "w");
 }
 
+x_file x_create_new_file(const std::string& path) { return stream_of(create_new(path), "w"); }
+
 bool x_read_whole(int file, std::string& bytes, std::size_t limit) {
   struct stat info {};
   if (fstat(file, &info) != 0) return false;
@@ -108,10 +117,7 @@ bool x_write_file(const std::string& path, std::string_view bytes) {
 
 bool x_replace_file(const std::string& path, std::string_view bytes) {
   const std::string fresh = path + ".new";
-  // One that a kill left behind is in nobody's use.
-  unlink(fresh.c_str());
-  const int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
-  const x_descriptor file(xfopen(fresh.c_str(), flags, creation_mode));
+  const x_descriptor file = create_new(fresh);
   if (file && write_synced(file, bytes) && std::rename(fresh.c_str(), path.c_str()) == 0) {
     sync_directory_of(path);
     return true;

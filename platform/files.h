@@ -35,6 +35,10 @@ x_file x_open_regular_file(const std::string& path);  // the same for reading li
 // for the program's own files in a directory that others may write to.
 x_file x_create_file(const std::string& path, bool through_link);
 
+// Makes a new file for writing (0660 less the umask), which nothing that stands at the path is
+// opened for: it is taken away first, and a directory refuses.
+x_file x_create_new_file(const std::string& path);
+
 // The bytes of a file from its beginning, at most `limit`.
 bool x_read_whole(int file, std::string& bytes, std::size_t limit);
 // All bytes, from an offset on.
