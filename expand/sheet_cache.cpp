@@ -18,6 +18,7 @@ constexpr std::string_view sheet_of_inst = "!! Error : Sheet of INStance ";
 gx_file_version_t current_version(std::string_view directory, std::string_view filetype) {
   gx_file_version_t version = gx_file_get_file_version(directory, filetype);
   // A link file without a number is as good as none.
+  if (version.link_value.len > 0) version.why.clear();
   version.found = version.found && version.valid;
   return version;
 }
@@ -27,7 +28,10 @@ void read_sheet(kv_component_t& component, kv_sheet_cache_t& cache) {
   if (component.sheet_state != kv_component_t::unknown) return;
   const gx_file_version_t version = current_version(component.directory, "sheet");
   component.sheet_state = kv_component_t::missing;
-  if (!version.found) return;
+  if (!version.found) {
+    component.why_damaged = version.why;
+    return;
+  }
   const gx_load_t load = gx_load_file(gx_view(version.file_pathname));
   if (load.code != gx_code::all_is_ok) {
     component.sheet_state = kv_component_t::damaged;
@@ -87,6 +91,7 @@ kv_component_t& kv_component_of(kv_sheet_cache_t& cache, const kv_sheet_t& sheet
       const gx_file_version_t version = current_version(directory, "symbol");
       component.directory = directory;
       component.symbol_found = version.found;
+      component.why_no_symbol = version.why;
       component.symbol_version = version.version;
     }
   }
@@ -99,6 +104,7 @@ kv_sheet_t* kv_get_sheet_for_expand(kv_sheet_cache_t& cache, const kv_sheet_t& s
   const std::string_view path = sheet.view(symbol.path);
   if (!component.symbol_found) {
     tell_error("!! Error : Symbol of Symbol  ", path, "   not found ?");
+    if (!component.why_no_symbol.empty()) gx_tell("# !! ", component.why_no_symbol);
   } else if (!symbol.version_valid) {
     tell_error("!! Error : Symbol File Version of ", path, "  Invalid ? ");
   } else if (symbol.version != component.symbol_version) {
@@ -109,6 +115,7 @@ kv_sheet_t* kv_get_sheet_for_expand(kv_sheet_cache_t& cache, const kv_sheet_t& s
   read_sheet(component, cache);
   if (component.sheet_state == kv_component_t::missing) {
     tell_error("!! Error : Sheet of INStance  ", path, "  not found ? ");
+    if (!component.why_damaged.empty()) gx_tell("# !! ", component.why_damaged);
     return nullptr;
   }
   if (component.sheet_state == kv_component_t::damaged) {

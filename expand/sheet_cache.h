@@ -18,7 +18,8 @@ struct kv_component_t {
 
   // of its sheet, looked up when the first macro is met
   enum { unknown, missing, damaged, found } sheet_state = unknown;
-  std::string why_damaged;
+  std::string why_damaged;    // or why its link file cannot be read
+  std::string why_no_symbol;  // likewise
   bool has_primary = false;
   std::string fault;          // what it lacks as a sheet
   bool is_checked = false;    // not changed since its last check

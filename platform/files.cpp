@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <iterator>
 
 namespace {
 constexpr mode_t creation_mode = 0660;
@@ -33,6 +34,13 @@ x_descriptor create(const std::string& path, bool through_link) {
   return file;
 }
 
+// One that a kill left behind is in nobody's use.
+x_descriptor create_new(const std::string& path) {
+  unlink(path.c_str());
+  const int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+  return x_descriptor(xfopen(path.c_str(), flags, creation_mode));
+}
+
 // The directory's entry on the disk, too; one that cannot be opened for reading goes without.
 void sync_directory_of(const std::string& path) {
   const auto slash = path.rfind('/');
@@ -53,6 +61,11 @@ bool x_close(x_file file) { return file != nullptr && std::fclose(file.release()
 
 std::string x_why(int error) { return std::strerror(error); }
 
+bool x_is_missing(int error) {
+  constexpr int missing[] = {ENOENT, ENOTDIR, ENAMETOOLONG, EISDIR, EINVAL};
+  return std::ranges::find(missing, error) != std::end(missing);
+}
+
 x_descriptor x_open_regular(const std::string& path) {
   x_descriptor file(xfopen(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC, 0));
   struct stat info {};
@@ -67,6 +80,8 @@ x_file x_open_regular_file(const std::string& path) { return stream_of(x_open_re
 x_file x_create_file(const std::string& path, bool through_link) {
   return stream_of(create(path, through_link), "w");
 }
+
+x_file x_create_new_file(const std::string& path) { return stream_of(create_new(path), "w"); }
 
 bool x_read_whole(int file, std::string& bytes, std::size_t limit) {
   struct stat info {};
@@ -102,10 +117,7 @@ bool x_write_file(const std::string& path, std::string_view bytes) {
 
 bool x_replace_file(const std::string& path, std::string_view bytes) {
   const std::string fresh = path + ".new";
-  // One that a kill left behind is in nobody's use.
-  unlink(fresh.c_str());
-  const int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
-  const x_descriptor file(xfopen(fresh.c_str(), flags, creation_mode));
+  const x_descriptor file = create_new(fresh);
   if (file && write_synced(file, bytes) && std::rename(fresh.c_str(), path.c_str()) == 0) {
     sync_directory_of(path);
     return true;

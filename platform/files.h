@@ -22,6 +22,8 @@ bool x_close(x_file file);
 
 // What an errno says: "No such file or directory".
 std::string x_why(int error);
+// Whether it says that there is no such file to read. All else stands in the way of one.
+bool x_is_missing(int error);
 
 // Opens a regular file for reading. All others are refused at once (EISDIR, or EINVAL for a pipe or
 // a device): reading them would give nothing, or wait or go on for ever.
@@ -32,6 +34,10 @@ x_file x_open_regular_file(const std::string& path);  // the same for reading li
 // Directories and pipes are refused; a symbolic link is when `through_link` is false (ELOOP), as
 // for the program's own files in a directory that others may write to.
 x_file x_create_file(const std::string& path, bool through_link);
+
+// Makes a new file for writing (0660 less the umask), which nothing that stands at the path is
+// opened for: it is taken away first, and a directory refuses.
+x_file x_create_new_file(const std::string& path);
 
 // The bytes of a file from its beginning, at most `limit`.
 bool x_read_whole(int file, std::string& bytes, std::size_t limit);

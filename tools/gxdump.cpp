@@ -175,8 +175,9 @@ int main(int argc, char** argv) {
     const auto names = gx_file_get_file_version(words[0], words[1]);
     path = gx_view(names.file_pathname);
     if (!names.found || !names.valid) {
-      tool_complain(tool,
-                    std::string(gx_view(names.link_pathname)) + ": names no version of a file");
+      tool_complain(tool, names.found ? names.why
+                                      : std::string(gx_view(names.link_pathname)) +
+                                            ": names no version of a file");
       return 1;
     }
   }

@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/files.h"
+
 class kv_reference_file {
  public:
   // Opens the file of the sheet at that path and writes its first line.
@@ -14,7 +16,7 @@ class kv_reference_file {
   kv_reference_file(const kv_reference_file&) = delete;
   kv_reference_file& operator=(const kv_reference_file&) = delete;
 
-  bool is_open() const { return file_ != nullptr; }
+  bool is_open() const { return static_cast<bool>(file_); }
   const std::string& path() const { return path_; }
   void add_symbol(int symbol, std::string_view symbol_path);
   // Puts the new file in place; false when any of it could not be written (the old one stays).
@@ -22,5 +24,5 @@ class kv_reference_file {
 
  private:
   std::string path_, new_path_;
-  std::FILE* file_ = nullptr;
+  x_file file_;
 };

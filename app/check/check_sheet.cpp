@@ -76,8 +76,11 @@ void kv_check_sheet_cmd(const kv_command_t& command) {
 
   show_count("nb_error    = ", "nb_errors   = ", errors);
   show_count("nb_warning  = ", "nb_warnings = ", warnings);
-  kv_echo(" CHEck  SHEet ", command, 3);
-  if (!reference.finish()) show_unwritable(reference.path());
+  if (reference.finish()) {
+    kv_echo(" CHEck  SHEet ", command, 3);
+  } else {
+    show_unwritable(reference.path());
+  }
   kv_redraw_views();
 }
 

@@ -1,5 +1,6 @@
 // Commands about files: command files, compiled procedures, texts shown, the dump of a sheet.
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -16,6 +17,7 @@
 #include "gx/text/strings.h"
 #include "gx/text/text_files.h"
 #include "gx/vext.h"
+#include "platform/files.h"
 #include "platform/procedures.h"
 #include "platform/stop_signals.h"
 #include "platform/symbol_table.h"
@@ -123,8 +125,12 @@ void kv_help_cmd(const kv_command_t& command) {
 
 void kv_showfile_cmd(const kv_command_t& command) {
   constexpr std::string_view refused = "# SHOw FILe ";
-  if (!gx_display_file_invplist(kv_file_name(command.word(3)), kv_stop_asked))
-    return kv_refuse(refused, command, "# !! Error : File not found  or Invalid ? ", 3);
+  if (!gx_display_file_invplist(kv_file_name(command.word(3)), kv_stop_asked)) {
+    const int error = errno;
+    kv_refuse(refused, command, "# !! Error : File not found  or Invalid ? ", 3);
+    if (error != 0 && !x_is_missing(error)) gx_tell("# !! ", x_why(error));
+    return;
+  }
   kv_echo(" SHOw FILe ", command, 3);
 }
 

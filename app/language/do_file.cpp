@@ -1,6 +1,7 @@
 #include "app/language/do_file.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <vector>
 
 #include "gx/text/message_list.h"
@@ -37,9 +38,12 @@ void kv_do_cmd(const kv_command_t& command) {
   if (depth > max_do_depth)
     return refuse_name(command, "# !!! Error : too many level of DO FILE : ");
   const x_file file(gx_popen_file(kv_file_name(command.word(2)), 'R', true));
+  const int error = errno;
   if (!file) {
     gx_vext.do_ind = depth;  // until the line or the file that says so has ended
-    return refuse_name(command, "# !!! Error : file not found : ");
+    if (x_is_missing(error)) return refuse_name(command, "# !!! Error : file not found : ");
+    refuse_name(command, "# !!! Error : impossible to open the file : ");
+    return gx_tell("# !! ", x_why(error));
   }
   if (gx_is_session_file(fileno(file.get())))
     return refuse(command, "# !! Error : File not found  or Invalid ? ");

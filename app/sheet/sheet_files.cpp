@@ -11,7 +11,7 @@ kv_opened kv_open_in_slot(gx_file_index_t& slot, std::string_view directory,
   const auto version = gx_file_get_file_version(directory, filetype);
   if (!version.found) return kv_opened::missing;
   if (!version.valid) {
-    why = std::string(gx_view(version.link_pathname)) + " : no valid version number";
+    why = version.why;
     return kv_opened::damaged;
   }
   if (slot == 0) {

@@ -91,8 +91,7 @@ gx_load_t load_version(const gx_file_version_t& names) {
     gx_load_t load;
     load.code = gx_code::file_data_invalid;
     load.fault = gx_load_fault::other;
-    load.message = std::string(gx_view(names.link_pathname)) +
-                   ": the link file names no valid version of a file";
+    load.message = names.why;
     return load;
   }
   const auto path = gx_view(names.file_pathname);

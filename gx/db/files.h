@@ -13,8 +13,9 @@
 // --- names and link files (link_file.cpp)
 // The current version of directory/base, as its link file says.
 struct gx_file_version_t {
-  bool found = false;        // a link file with a token exists
+  bool found = false;        // a link file with a token exists, or one that cannot be read
   bool valid = false;        // its token carries a valid number and no name is too long
+  std::string why;           // of one that is found and not valid: its path and what is wrong
   std::int16_t version = 1;  // 1 when not found
   gx_string_record_t file_pathname;
   gx_string_record_t link_pathname;

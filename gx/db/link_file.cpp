@@ -65,13 +65,36 @@ gx_string_record_t data_path_of(const gx_string_record_t& link_path,
   return path;
 }
 
+struct link_read_t {
+  int error = 0;  // errno of one that could not be opened or read
+  bool has_line = false;
+};
+
+// An empty link file is counted as an error.
+link_read_t read_link(std::string_view link_path, gx_string_record_t& link_value) {
+  link_value = {};
+  // Looked at once for each sheet of a run: opened without the wait of gx_popen_file.
+  const x_file link = x_open_regular_file(std::string(gx_view(gx_resolve_path(link_path))));
+  if (!link) return {errno};
+  gx_string_record_t line;
+  if (!gx_read_one_line(link.get(), line)) {
+    if (std::ferror(link.get()) != 0) return {errno};
+    ++gx_session.num_errors;
+    return {};
+  }
+  std::int32_t pos = 1;
+  if (!gx_rd_string_t(line, " ,", link_value, pos)) link_value = {};
+  return {0, true};
+}
+
 }  // namespace
 
 gx_file_version_t gx_file_get_file_version(std::string_view dirname, std::string_view filetype) {
   gx_file_version_t names;
   names.link_pathname = link_path_of(dirname, filetype);
-  names.found =
-      gx_read_gx_link(gx_view(names.link_pathname), names.link_value) && names.link_value.len > 0;
+  const link_read_t read = read_link(gx_view(names.link_pathname), names.link_value);
+  const bool is_hidden = read.error != 0 && !x_is_missing(read.error);
+  names.found = is_hidden || names.link_value.len > 0;
   if (names.found) {
     const auto number = version_of(after_first(gx_view(names.link_value)));
     names.valid = !number.error;
@@ -84,6 +107,11 @@ gx_file_version_t gx_file_get_file_version(std::string_view dirname, std::string
   // A path that was cut names another file than the one that was asked for.
   const auto length = dirname.size() + 1 + filetype.size() + 3 + gx_view(names.link_value).size();
   if (length > gx_max_path) names.valid = false;
+  if (names.found && !names.valid) {
+    names.why = std::string(gx_view(names.link_pathname)) +
+                (is_hidden ? ": cannot be read: " + x_why(read.error)
+                           : std::string(": the link file names no valid version of a file"));
+  }
   names.file_pathname = data_path_of(names.link_pathname, names.link_value);
   return names;
 }
@@ -101,18 +129,8 @@ gx_file_version_t gx_file_new_file_version(std::string_view dirname, std::string
 }
 
 bool gx_read_gx_link(std::string_view link_path, gx_string_record_t& link_value) {
-  link_value = {};
-  // Looked at once for each sheet of a run: opened without the wait of gx_popen_file.
-  const x_file link = x_open_regular_file(std::string(gx_view(gx_resolve_path(link_path))));
-  if (!link) return false;
-  gx_string_record_t line;
-  if (!gx_read_one_line(link.get(), line)) {
-    ++gx_session.num_errors;
-    return false;
-  }
-  std::int32_t pos = 1;
-  if (!gx_rd_string_t(line, " ,", link_value, pos)) link_value = {};
-  return true;
+  const link_read_t read = read_link(link_path, link_value);
+  return read.error == 0 && read.has_line;
 }
 
 bool gx_add_gx_link(std::string_view link_path, std::string_view link_value) {

@@ -4,6 +4,7 @@
 // a line with a command, the command in single quotes. The tree comes from the order of the lines.
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <optional>
 #include <string>
@@ -115,8 +116,14 @@ void gx_read_menu(std::string_view path) {
   if (path.empty()) return;
   const x_file file(gx_popen_file(path, 'R', true));
   if (!file) {
+    const int error = errno;
     gx_debug_line(quoted("!!!  menu_file  file not found : ", path) + " ");
-    show_error("# $rmenu ", "# !!! error : file not found : ", path);
+    const bool is_missing = x_is_missing(error);
+    show_error("# $rmenu ",
+               is_missing ? "# !!! error : file not found : "
+                          : "# !!! error : impossible to open the file : ",
+               path);
+    if (!is_missing) gx_tell("# !! ", x_why(error));
     return;
   }
   gx_clear_menus();

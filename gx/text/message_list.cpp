@@ -154,8 +154,10 @@ bool gx_is_session_file(int descriptor) {
 
 bool gx_display_file_invplist(std::string_view path, bool (*stop_asked)()) {
   const x_file file(gx_popen_file(path, 'R', true));
+  const int error = file ? 0 : errno;
   if (!file || gx_is_session_file(::fileno(file.get()))) {
     gx_trace("!!! display_file  file not found : \"", path, "\"");
+    errno = error;
     return false;
   }
   gx_list.nlinlist_held = 0;

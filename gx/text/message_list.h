@@ -72,9 +72,9 @@ class gx_list_batch_t {
 // Whether an open file is the session file, which is not read while it is written.
 bool gx_is_session_file(int descriptor);
 
-// Tells a text file line by line; false when it cannot be opened or is the session file itself. A
-// text longer than the viewport stays there with its first line until gx_list_follow. `stop_asked`
-// is asked now and then, true ends it there.
+// Tells a text file line by line; false when it cannot be opened (errno tells why) or is the
+// session file itself. A text longer than the viewport stays there with its first line until
+// gx_list_follow. `stop_asked` is asked now and then, true ends it there.
 bool gx_display_file_invplist(std::string_view path, bool (*stop_asked)() = nullptr);
 
 // The list shows its end again when the next line comes: a new command begins.

@@ -1,5 +1,7 @@
 // CHEck SHEet: every rule with a sheet that breaks it and one that just does not; the reference
 // file; tables that run over; the time of a large sheet.
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <chrono>
 
@@ -332,11 +334,20 @@ TEST_F(checking, ReferenceFileIsWholeOrTheOldOneStays) {
       s.run("check sheet"),
       (lines_t{"# CHEck  SHEet  ", " !! impossible to open : ", " !! \"top/sheet.gx_1.ref\" "}));
   std::filesystem::remove("top/sheet.gx_1.ref.new");
-  // Not to be written: the old one stays.
-  std::filesystem::create_symlink("/dev/full", "top/sheet.gx_1.ref.new");
+  // What stands at the temporary's place is not opened: neither a link nor a FIFO without a reader.
+  s.directory().write("precious", "kept");
+  std::filesystem::create_symlink("../precious", "top/sheet.gx_1.ref.new");
+  EXPECT_EQ(s.run("check sheet").back(), " CHEck  SHEet ");
+  EXPECT_EQ(s.directory().read("precious"), "kept");
+  mkfifo("top/sheet.gx_1.ref.new", 0600);
+  EXPECT_EQ(s.run("check sheet").back(), " CHEck  SHEet ");
+  EXPECT_EQ(s.directory().lines("top/sheet.gx_1.ref"), whole);
+  // A file that cannot take its place is no success.
+  std::filesystem::remove("top/sheet.gx_1.ref");
+  std::filesystem::create_directories("top/sheet.gx_1.ref/held");
   const auto lines = s.run("check sheet");
   EXPECT_EQ(lines.back(), " !! \"top/sheet.gx_1.ref\" ");
-  EXPECT_EQ(s.directory().lines("top/sheet.gx_1.ref"), whole);
+  EXPECT_EQ(std::ranges::count(lines, " CHEck  SHEet "), 0);
   EXPECT_FALSE(std::filesystem::exists("top/sheet.gx_1.ref.new"));
 }
 

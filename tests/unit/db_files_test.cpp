@@ -66,6 +66,11 @@ TEST_F(db_files, a_link_file_names_the_version) {
     EXPECT_EQ(gx_view(names.file_pathname), dir() + std::string(c.file));
     EXPECT_EQ(gx_vext.num_errors, c.errors);
   }
+  // A link file that is there and cannot be read is not missing.
+  std::filesystem::create_symlink("loop.gx", scratch.file("loop.gx"));
+  const auto loop = gx_file_get_file_version(dir(), "loop");
+  EXPECT_TRUE(loop.found && !loop.valid);
+  EXPECT_EQ(loop.why, dir() + "/loop.gx: cannot be read: Too many levels of symbolic links");
   const auto none = gx_file_get_file_version(dir(), "other");
   EXPECT_FALSE(none.found);
   EXPECT_EQ(gx_view(none.link_value), "_1");

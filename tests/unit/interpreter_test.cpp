@@ -234,6 +234,11 @@ TEST_F(Interpreter, CommandFilesHaveTablesOfTheirOwn) {
   EXPECT_EQ(session_.run("DO none a"),
             (lines{"# DO none a ", "# !!! Error : file not found : \"none\" "}));
   EXPECT_EQ(gx_vext.num_errors, 1);
+  const auto loop = directory_.path() / "loop";
+  std::filesystem::create_symlink("loop", loop);
+  for (const std::string command : {"DO ", "SHOW FILE ", "$RMENU "})
+    EXPECT_EQ(session_.run(command + loop.string()).back(),
+              "# !! Too many levels of symbolic links");
   EXPECT_EQ(session_.run("DO"), (lines{"# DO ", "# !! Error : parameter number invalid ? "}));
 }
 
