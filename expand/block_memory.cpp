@@ -13,6 +13,9 @@ constexpr std::size_t granule = 64;  // no two blocks share a line of the cache
 constexpr std::size_t huge_page = std::size_t{1} << 21;
 constexpr std::size_t first_piece = std::size_t{1} << 19;  // enough for a small design
 constexpr std::size_t largest_piece = std::size_t{1} << 25;
+// A virtual machine gives free huge pages back to its host; fetching many of them again would cost
+// a large design more than small pages do.
+constexpr std::size_t most_in_huge_pages = std::size_t{1} << 25;
 
 constexpr std::size_t round_up(std::size_t size, std::size_t to) {
   return (size + to - 1) / to * to;
@@ -27,6 +30,15 @@ std::byte* map_pages(std::size_t size) {
     if (without_memory == nullptr) throw std::bad_alloc();
     without_memory();
   }
+}
+
+// Small pages that will be written soon, taken at once; a system that cannot does it one by one.
+std::byte* map_small_pages(std::size_t size) {
+  std::byte* pages = map_pages(size);
+#ifdef MADV_POPULATE_WRITE
+  ::madvise(pages, size, MADV_POPULATE_WRITE);
+#endif
+  return pages;
 }
 
 // `size` bytes at a multiple of huge pages: what was mapped around them is given back.
@@ -52,7 +64,10 @@ std::byte* kv_block_memory::take(std::size_t size) {
     const std::size_t piece =
         is_first ? first_piece
                  : round_up(std::max(size, std::min(in_pieces_ / 4, largest_piece)), huge_page);
-    std::byte* pages = is_first ? map_pages(piece) : map_huge_pages(piece);
+    const bool is_huge = in_pieces_ < most_in_huge_pages;
+    std::byte* pages = is_first  ? map_pages(piece)
+                       : is_huge ? map_huge_pages(piece)
+                                 : map_small_pages(piece);
     pieces_.push_back(piece_t(pages, unmap{piece}));
     in_pieces_ += piece;
     next_ = pages;

@@ -1,6 +1,6 @@
-// Memory for the blocks of a design, taken from the system in pieces that grow with the design, in
-// huge pages where there are such: what a design costs beside its records is fresh pages, each with
-// a fault of its own.
+// Memory for the blocks of a design, taken from the system in pieces that grow with the design, the
+// first of them in huge pages where there are such: what a design costs beside its records is fresh
+// pages, each with a fault of its own.
 #pragma once
 
 #include <cstddef>
