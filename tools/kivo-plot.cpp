@@ -1,5 +1,6 @@
 // kivo-plot DESIGN SHEET OUT.plt: writes one sheet of a design as a plot file, without a display.
 // SHEET is the directory of the sheet, from the current directory; "." is the design's own sheet.
+#include <algorithm>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -33,6 +34,11 @@ int main(int argc, char** argv) {
   plot.path = path;
   if (sheet.size() >= gx_max_string_length - 16) {
     std::fprintf(stderr, "kivo-plot: path too long: %s\n", sheet.c_str());
+    return 1;
+  }
+
+  if (std::ranges::any_of(sheet, [](char c) { return c < 32 || c > 126; })) {
+    tool_complain(tool, "letters beyond ASCII in the path: " + sheet);
     return 1;
   }
 

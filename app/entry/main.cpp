@@ -4,6 +4,7 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <new>
@@ -44,6 +45,13 @@ constexpr char not_readable[] =
 void cut_word(char* word) {
   while (*word >= 32 && *word <= 126) ++word;
   *word = 0;
+}
+
+// The end of the process for a path that no text of the program can hold.
+void check_path(const char* path) {
+  if (std::ranges::none_of(std::string_view(path), [](char c) { return (c & 0x80) != 0; })) return;
+  std::printf(" !! Unrecoverable Error : letters beyond ASCII in the path :'%s' ? \n", path);
+  std::exit(1);
 }
 
 // Opens the path and closes it again; the end of the process, with the message, when that fails.
@@ -115,6 +123,7 @@ int main(int argc, char** argv) {
     std::printf(" !! Unrecoverable Error : Invalid argument number:%2d  < 1 \n", argc);
     return 1;
   }
+  for (int i = 1; i < std::min(argc, 3); ++i) check_path(argv[i]);
   for (int i = 0; i < argc; ++i) {
     cut_word(argv[i]);
     std::printf(" argument : %2d\n   '%.*s' \n", i, max_echo, argv[i]);

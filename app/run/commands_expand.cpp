@@ -160,7 +160,7 @@ void kv_run_cmd(const kv_command_t&) {
 constexpr kv_command_row_t rows[] = {
     // clang-format off
     {{"PARAM"}, "PARAMeter name low [[typical] high]", kv_parameter_cmd, "# PARAMeter "},
-    {{"PRIMI"}, "PRIMitive property [value]", kv_primitive_cmd, "# PRIMitive "},
+    {{"PRIMI"}, "PRIMItive property [value]", kv_primitive_cmd, "# PRIMitive "},
     {{"PRO", "INS"}, "PROPerty INStance type name ...", kv_property_instance_cmd, "# PROPerty INStance ", 3},
     {{"PRO", "NET"}, "PROPerty NET type name ...", kv_property_net_cmd, "# PROPerty NET ", 3},
     {{"PRO", "PIN"}, "PROPerty PIN type name ...", kv_property_pin_cmd, "# PROPerty PIN  ", 3},

@@ -102,7 +102,7 @@ constexpr kv_command_row_t rows[] = {
     {{"QUIT"}, "QUIT", kv_quit_cmd, "# QUIT ", 2, 4},
     {{"READ"}, "READln $VARn prompt [answer]", kv_readln_cmd, "# READln "},
     {{"COM"}, "COMmand text", kv_command_cmd, "# COMmand "},
-    {{"DISP"}, "DISplay ON or OFF", kv_display_cmd, "# DISplay "},
+    {{"DISP"}, "DISPlay ON or OFF", kv_display_cmd, "# DISplay "},
     {{"TRANS", "O"}, "TRANScript ON or OFF", kv_transcript_cmd, "# TRANScript "},
     {{"HAR"}, "HARDcopy [word]", kv_hardcopy_cmd, "# HARDcopy "},
     {{"PLO"}, "PLOt [word]", kv_plot_cmd, "# PLOt "},

@@ -106,8 +106,8 @@ void kv_snap_cmd(const kv_command_t& command) {
 constexpr kv_command_row_t rows[] = {
     // clang-format off
     {{"BASE"}, "BASEpoint [Edit x y]", kv_base_point_cmd, base_point_refused},
-    {{"GRID", "O"}, "GRId ON or OFF", kv_grid_state_cmd, "# GRID "},
-    {{"GRID", "ST"}, "GRId STep value", kv_grid_step_cmd, "# GRID STEp ", 3},
+    {{"GRID", "O"}, "GRID ON or OFF", kv_grid_state_cmd, "# GRID "},
+    {{"GRID", "ST"}, "GRID STep value", kv_grid_step_cmd, "# GRID STEp ", 3},
     {{"SNA", "O"}, "SNAp ON or OFF", kv_snap_cmd, "# SNAp "},
     // clang-format on
 };

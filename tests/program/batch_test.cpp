@@ -1,5 +1,6 @@
 // Sessions without a window: no test here but the one that compares has an X server.
 #include <algorithm>
+#include <csignal>
 
 #include "tests/program/program_fixture.h"
 #include "tests/support/make_design.h"
@@ -60,6 +61,13 @@ TEST_F(Batch, TheExamplesExpandWithoutADisplay) {
                              "\n -- KIVO  Execution complete...0 error, 0 warning --\n");
     EXPECT_GT(directory_.read(name + "/design_kv").size(), 5000U);
   }
+}
+
+TEST_F(Batch, ASignalEndsTheWaitForACommand) {
+  const auto ended =
+      run("mkfifo f; exec 3<>f; timeout --preserve-status 1 " KIVO_PROGRAM " --batch top - < f");
+  EXPECT_EQ(ended.status, 128 + SIGTERM);
+  EXPECT_TRUE(ended.out.ends_with("complete...0 error, 0 warning --\n")) << ended.out;
 }
 
 TEST_F(Batch, CommandsAnswerAsInTheWindow) {

@@ -64,6 +64,8 @@ TEST_F(Program, TheDesignDirectoryIsCheckedFirst) {
       {{}, 1, " !! Unrecoverable Error : the file :'" + not_a},
       {{"plain"}, 1, " !! Unrecoverable Error : the file :'plain" + not_a},
       {{"none\n/.."}, 1, " argument :  1\n   'none' \n"},
+      {{"Z\xC3\xA4hler"}, 1, "letters beyond ASCII in the path :'Z\xC3\xA4hler' ? \n"},
+      {{".", "\xC3\xA4.do"}, 1, "letters beyond ASCII in the path :'\xC3\xA4.do' ? \n"},
       {std::vector<std::string>(40, "."), 0, " !!! invalid usage  : arg number : 41\n"},
       {{"./" + std::string(196, '/')}, 0, "expand editor  from VELMORAN \n"},
       {{"./" + std::string(197, '/')}, 0, "\n        !!! error no SHEET dir_name  \n"},

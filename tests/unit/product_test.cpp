@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <set>
 #include <sstream>
 #include <string>
@@ -63,11 +64,34 @@ TEST_F(Product, TheHelpOfEveryCommandShowsItsSyntax) {
   }
 }
 
+// The list of commands spells the shortest form of each word in capitals, and what follows the
+// capitals of a syntax line reaches the command, too.
+TEST_F(Product, TheCapitalsOfTheHelpAreEnough) {
+  std::string list = read_file(product / "kivo/help/list_commands");
+  std::ranges::replace(list, '/', ' ');
+  std::istringstream text(list);
+  const std::set<std::string> words(std::istream_iterator<std::string>(text), {});
+  for (const kv_command_row_t& row : kv_command_table()) {
+    if (row.syntax[0] == '$' || row.exact != 0) continue;
+    std::istringstream syntax{std::string(row.syntax)};
+    for (const auto keyword : row.keywords) {
+      std::string word;
+      syntax >> word;
+      if (keyword.empty() || keyword == "O") continue;  // ON or OFF
+      EXPECT_TRUE(word.starts_with(keyword)) << row.syntax;
+      std::string shortest = word;
+      for (std::size_t i = 0; i < word.size(); ++i)
+        shortest[i] = static_cast<char>(i < keyword.size() ? keyword[i] : std::tolower(word[i]));
+      EXPECT_TRUE(words.contains(shortest)) << shortest;
+    }
+  }
+}
+
 TEST_F(Product, HelpIsFoundByAnyWordThatMeansTheCommand) {
   session_capture session;
   const std::pair<const char*, const char*> cases[] = {
       {"VIEW", "VIEw ALL"}, {"View", "VIEw ALL"}, {"vi", "VIEw ALL"}, {"stat", "STAtus OBJect"},
-      {"g", "GIVE"},        {"grid", "GRId ON"},  {"do", "DO file"},  {"dob", "DOBin"}};
+      {"g", "GIVE"},        {"grid", "GRID ON"},  {"do", "DO file"},  {"dob", "DOBin"}};
   for (const auto& [typed, first_line] : cases) {
     const auto shown = session.run("HELP " + std::string(typed));
     ASSERT_FALSE(shown.empty());
