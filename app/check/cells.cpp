@@ -11,7 +11,7 @@ kv_cells_t::kv_cells_t(const kv_setup_t& setup, const gx_file_gene_recf_t& top,
 }
 
 void kv_cells_t::walk(kv_sheet_t& sheet, const std::string& path, int level) {
-  if (std::ranges::find(cells_, &sheet, &kv_cell_t::sheet) != cells_.end()) return;
+  if (!walked_.insert(&sheet).second) return;
   const std::size_t cell = cells_.size();
   cells_.push_back({&sheet, path});
   for (auto& symbol : sheet.symbols) {

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "expand/sheet_cache.h"
@@ -58,6 +59,7 @@ class kv_cells_t {
 
   kv_sheet_cache_t cache_;
   kv_sheet_t top_;
+  std::unordered_set<const kv_sheet_t*> walked_;
   std::vector<kv_cell_t> cells_;
   std::vector<kv_missing_sheet_t> missing_;
   std::unordered_map<const kv_sheet_t*, names_t> names_;

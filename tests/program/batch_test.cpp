@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <csignal>
 
+#include "tests/program/block_design.h"
 #include "tests/program/program_fixture.h"
 #include "tests/support/make_design.h"
 
@@ -9,28 +10,9 @@ namespace {
 
 using lines_t = std::vector<std::string>;
 
-constexpr char design[] = R"(
-symbol res
-  rect -1,0 1,4
-  pin 1 0,0 IXO
-  pin 2 0,4 IXO
-  prop CLASS=R
-symbol block
-  rect 0,0 6,6
-  pin A 0,2 IN
-sheet block
-  part R9 res 10,10
-sheet top
-  page 40,20
-  part X1 block 5,5
-  part R1 res 20,5
-  net A
-    wire X1.A 20,7 30,7
-)";
-
 class Batch : public testing::Test {
  protected:
-  Batch() { make_design(directory_, design); }
+  Batch() { make_design(directory_, block_design); }
 
   // Runs a script in which `kivo` is the program, in a batch, on a display that is not there.
   process_result run(const std::string& script) const {

@@ -2,33 +2,15 @@
 // mouse in the window.
 #include <algorithm>
 
+#include "tests/program/block_design.h"
 #include "tests/program/program_fixture.h"
 #include "tests/support/make_design.h"
 
 namespace {
 
-constexpr char design[] = R"(
-symbol res
-  rect -1,0 1,4
-  pin 1 0,0 IXO
-  pin 2 0,4 IXO
-  prop CLASS=R
-symbol block
-  rect 0,0 6,6
-  pin A 0,2 IN
-sheet block
-  part R9 res 10,10
-sheet top
-  page 40,20
-  part X1 block 5,5
-  part R1 res 20,5
-  net A
-    wire X1.A 20,7 30,7
-)";
-
 TEST(WalkProgram, ACommandFileWalksSelectsAndChecks) {
   scratch_directory directory;
-  make_design(directory, design);
+  make_design(directory, block_design);
   directory.write("walk.do",
                   "view down X1\n"
                   "sel prop edit INST R9; status property edit; check sheet inside\n"
@@ -89,7 +71,7 @@ TEST(WalkProgram, ACommandFileWalksSelectsAndChecks) {
 // drawn in its colour at once and after the zoom.
 TEST(WalkProgram, TheMouseSelectsAndZooms) {
   scratch_directory directory;
-  make_design(directory, design);
+  make_design(directory, block_design);
   test_session session(
       shared_display(),
       {.directory = directory.path(), .words = {"top"}, .environment = {}, .program = {}});
