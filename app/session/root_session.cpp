@@ -17,7 +17,7 @@
 #include "app/state.h"
 #include "expand/design_file.h"
 #include "expand/store.h"
-#include "gx/db/files.h"
+#include "gx/db/file_slots.h"
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
 #include "gx/db/sheet_shape.h"

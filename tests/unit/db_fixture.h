@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "gx/db/files.h"
+#include "gx/db/file_slots.h"
 #include "gx/db/ids.h"
 #include "gx/db/object_access.h"
 #include "gx/db/queries.h"
