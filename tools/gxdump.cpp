@@ -20,7 +20,7 @@
 #include "gx/db/record_codec.h"
 #include "gx/db/record_tables.h"
 #include "gxmake/object_file.h"
-#include "tools/usage.h"
+#include "platform/usage.h"
 
 namespace {
 

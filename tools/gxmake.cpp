@@ -9,7 +9,7 @@
 #include "gxmake/builder.h"
 #include "gxmake/memory_array.h"
 #include "gxmake/parser.h"
-#include "tools/usage.h"
+#include "platform/usage.h"
 
 namespace {
 

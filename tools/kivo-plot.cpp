@@ -11,7 +11,7 @@
 #include "gx/db/sheet_shape.h"
 #include "gx/display/plot_sheet.h"
 #include "gx/display/window.h"
-#include "tools/usage.h"
+#include "platform/usage.h"
 
 namespace {
 constexpr tool_t tool = {

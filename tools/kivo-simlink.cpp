@@ -17,7 +17,7 @@
 #include <vector>
 
 #include "expand/sim_request.h"
-#include "tools/usage.h"
+#include "platform/usage.h"
 
 namespace {
 

@@ -16,8 +16,8 @@
 
 #include "kvi/load.h"
 #include "platform/files.h"
+#include "platform/usage.h"
 #include "tools/escape.h"
-#include "tools/usage.h"
 
 namespace {
 
