@@ -1,4 +1,5 @@
-// The second phase of a run: the window, the files, the primary sheet, the session, and its end.
+#include "app/session/root_session.h"
+
 #include <fcntl.h>
 #include <unistd.h>
 
