@@ -285,7 +285,7 @@ void on_pointer_at_rest(loop_t&, const gx_event_t& event) {
   const gx_vpid_t vpid = gx_vext.viewport_id;
   if (event.pixel == gx_vext.pixel_pos || event.pixel == gx_vext.pointer_put) return;
   if (vpid == gx_vext.viewport_cmd || (gx_vext.snap_state && gx_is_picture_viewport(vpid))) {
-    gx_cursor_set_position(gx_vext.pixel_pos);
+    gx_cursor_set_position(gx_vext.pixel_pos, event.pixel);
   }
 }
 
