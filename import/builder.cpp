@@ -16,7 +16,6 @@ namespace {
 constexpr std::size_t most_points = gx_object_polyline_rec_t::max_points;
 constexpr std::size_t texts_of_frame = 900;  // a check of the sheet takes 999
 constexpr std::int32_t margin = 4 * gxm_step;
-const gxm_date_t no_date{0, 0, 0, 0, 0};
 
 std::string upper(std::string_view text) {
   std::string result(text);
@@ -191,7 +190,7 @@ class sheet_builder {
                  20 * gxm_step),
         std::max(floor_to(std::int64_t{box.ymax} + shift_.y + margin + gxm_step, gxm_step),
                  20 * gxm_step)};
-    return gxm_start_tree(no_date, page, gxm_step, true);
+    return gxm_start_tree({}, page, gxm_step, true);
   }
 
   void include_instance(gx_boundsreal_t& box, const gxi_instance_t& instance) {
@@ -390,7 +389,7 @@ class sheet_builder {
 
 gxi_tree_t gxi_build_symbol(const gxi_cell_t& cell) {
   constexpr gx_pointreal_t page{40 * gxm_step, 40 * gxm_step};
-  gxm_tree_t tree = gxm_start_tree(no_date, page, gxm_step, true);
+  gxm_tree_t tree = gxm_start_tree({}, page, gxm_step, true);
   const auto family = gxm_add_plain(tree, gx_type::component_family, tree.file->primary_object);
   gxm_add_symbol_contents(tree, plain_symbol(cell.symbol),
                           gxm_add_plain(tree, gx_type::component, family));

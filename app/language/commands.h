@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <optional>
 #include <span>
 #include <string_view>
 
@@ -24,12 +25,15 @@ struct kv_command_t {
 
 // --- answers in the list viewport
 inline constexpr std::string_view kv_bad_count = "# !! Error : parameter number invalid ? ";
+inline constexpr std::string_view kv_bad_second = "# !! Error :  2nd parameter incorrect ? ";
 // Shows one line: `keyword` to the letter (" SMAsh ON ", "# SMAsh "), then the words from `first`
 // on, each followed by a blank.
 void kv_echo(std::string_view keyword, const kv_command_t& command, int first = 2);
 // The same and then the error line.
 void kv_refuse(std::string_view keyword, const kv_command_t& command, std::string_view error,
                int first = 2);
+// ON or OFF, of which `least_off` has to be there; nothing for another word.
+std::optional<bool> kv_on_or_off(std::string_view word, std::string_view least_off = "OF");
 // A typed text without its quotes: what lies between the first quote and the next equal one,
 // followed by a blank; a text without such a pair as it is.
 gx_string_record_t kv_unquote(std::string_view text);

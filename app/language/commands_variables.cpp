@@ -19,7 +19,7 @@ kv_outcome_t kv_assign(const kv_command_t& command) {
     case kv_target::other_shape:
       return {};
     default:
-      kv_refuse(refused, command, "# !! Error :  2nd parameter incorrect ? ");
+      kv_refuse(refused, command, kv_bad_second);
       return {.unknown = false, .ends_line = true};
   }
 }

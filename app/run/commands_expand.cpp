@@ -131,12 +131,10 @@ void kv_generate_data_cmd(const kv_command_t& command) {
   if (kv_pext.file_id_cur < 1 || kv_pext.file_id_cur > gx_max_files) {
     return refuse(echo, command, "# !! Error :  No sheet available in window ? ", 3);
   }
-  const bool on = gx_equal("ON", command.word(3));
-  if (!on && !gx_equal("OFF", command.word(3))) {
-    return refuse(echo, command, "# !! Error : 3rd parameter invalid ? ", 3);
-  }
-  kv_pext.gen_data = on;
-  gx_tell(echo, on ? "ON " : "OFF ");
+  const auto on = kv_on_or_off(command.word(3), "OFF");
+  if (!on) return refuse(echo, command, "# !! Error : 3rd parameter invalid ? ", 3);
+  kv_pext.gen_data = *on;
+  gx_tell(echo, *on ? "ON " : "OFF ");
 }
 
 void kv_run_cmd(const kv_command_t&) {

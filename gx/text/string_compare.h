@@ -11,6 +11,7 @@
 char gx_upper_case(char c);
 bool gx_iden(std::string_view a, std::string_view b);         // equality
 bool gx_equal(std::string_view head, std::string_view text);  // `text` begins with `head`
+bool gx_is_blank(std::string_view text);                      // blanks alone, or empty
 
 // --- equality
 bool gx_string_iden_string(const gx_string_record_t& a, const gx_string_record_t& b);
