@@ -6,6 +6,7 @@
 #include <set>
 
 #include "gx/db/geometry.h"
+#include "gx/text/at.h"
 #include "gx/text/strings.h"
 #include "gxmake/symbol_parts.h"
 #include "import/placement.h"
@@ -196,7 +197,7 @@ class sheet_builder {
   void include_instance(gx_boundsreal_t& box, const gxi_instance_t& instance) {
     auto [found, is_new] = symbol_boxes_.emplace(instance.symbol, gx_empty_bounds);
     if (is_new) {
-      const auto& symbol = design_.cells[static_cast<std::size_t>(instance.symbol)].symbol;
+      const auto& symbol = gx_at(design_.cells, instance.symbol).symbol;
       for (const auto& shape : symbol.shapes) include(found->second, shape);
       for (const auto& pin : symbol.pins) gx_include(found->second, pin.at);
       for (const auto& text : symbol.texts) include(found->second, text);
@@ -220,14 +221,13 @@ class sheet_builder {
     object.path = gx_string(named.path);
     used->second.object = &object;
     used->second.version = named.version;
-    gxm_add_symbol_contents(tree_,
-                            plain_symbol(design_.cells[static_cast<std::size_t>(cell)].symbol),
+    gxm_add_symbol_contents(tree_, plain_symbol(gx_at(design_.cells, cell).symbol),
                             object.gene.object_id);
   }
 
   void add_instance(const gxi_instance_t& instance) {
     auto& used = used_[instance.symbol];
-    const auto& symbol = design_.cells[static_cast<std::size_t>(instance.symbol)].symbol;
+    const auto& symbol = gx_at(design_.cells, instance.symbol).symbol;
     auto& object = gxm_add<gx_object_instance_rec_t>(tree_, instances_, moved(instance.at));
     const auto id = object.gene.object_id;
     const auto turn = gxi_turn_of(instance);
@@ -265,8 +265,7 @@ class sheet_builder {
                      symbol.pins[i].at);
       const int net = i < instance.nets.size() ? instance.nets[i] : -1;
       if (net >= 0)
-        pins_of_net_[static_cast<std::size_t>(net)].push_back(
-            {gxi_on_sheet(instance, symbol.pins[i].at), &pin});
+        gx_at(pins_of_net_, net).push_back({gxi_on_sheet(instance, symbol.pins[i].at), &pin});
     }
   }
 
@@ -305,7 +304,7 @@ class sheet_builder {
     std::vector<gx_object_id_t> ids;
     for (const auto& end : wiring.ends) {
       if (end.pin >= 0) {
-        auto& pin = *pins[static_cast<std::size_t>(end.pin)].pin;
+        auto& pin = *gx_at(pins, end.pin).pin;
         pin.dotted = end.degree > 1;
         ids.push_back(pin.gene.object_id);
         continue;

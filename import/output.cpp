@@ -9,6 +9,7 @@
 #include <stdexcept>
 
 #include "gx/db/files.h"
+#include "gx/text/at.h"
 #include "gx/text/strings.h"
 #include "import/builder.h"
 #include "import/division.h"
@@ -122,7 +123,7 @@ class writer {
       if (paths_.back().path.size() > longest_path)
         throw trouble(paths_.back().path, "is too long for the path of a symbol");
     }
-    const auto path_of = [this](int cell) { return paths_[static_cast<std::size_t>(cell)]; };
+    const auto path_of = [this](int cell) { return gx_at(paths_, cell); };
     for (const auto& cell : design_.cells) {
       if (!cell.notes.empty()) add(output_.root / cell.name / "notes.txt", cell.notes);
       if (!cell.sheet) continue;

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "app/state.h"
+#include "gx/text/at.h"
 #include "gx/text/message_list.h"
 
 // One command: its words (word 1 is the keyword, at most 30) and the tables of its level.
@@ -18,8 +19,7 @@ struct kv_command_t {
   int count() const { return static_cast<int>(words.size()); }
   // Word n, from 1; empty when there is none.
   std::string_view word(int n) const {
-    return n >= 1 && n <= count() ? gx_view(words[static_cast<std::size_t>(n - 1)])
-                                  : std::string_view{};
+    return n >= 1 && n <= count() ? gx_view(gx_at(words, n - 1)) : std::string_view{};
   }
 };
 

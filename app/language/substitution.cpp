@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 
+#include "gx/text/at.h"
 #include "gx/text/numbers.h"
 #include "gx/text/strings.h"
 
@@ -32,7 +33,7 @@ kv_substitution_t kv_substitute(const gx_string_record_t& text, std::string_view
       result.valid = false;
       break;
     }
-    const auto value = gx_view(values[static_cast<std::size_t>(number - 1)]);
+    const auto value = gx_view(gx_at(values, number - 1));
     piece.replace(at, letters.size() + digits, value);
     piece.resize(std::min<std::size_t>(piece.size(), gx_max_string_length - 1));
     at = std::min(at + value.size(), piece.size());

@@ -8,6 +8,7 @@
 #include "app/sheet/walk.h"
 #include "expand/run.h"
 #include "expand/store.h"
+#include "gx/text/at.h"
 #include "gx/text/message_list.h"
 #include "gx/text/numbers.h"
 #include "gx/text/strings.h"
@@ -34,7 +35,7 @@ bool has_room(const kv_list_t<Entry>& list, std::string_view what, std::string_v
 
 template <typename Entry>
 Entry& add_entry(kv_list_t<Entry>& list) {
-  return list.entry[static_cast<std::size_t>(list.count++)];
+  return gx_at(list.entry, list.count++);
 }
 
 void keep_properties(const kv_command_t& command, kv_list_t<kv_prop_type_record_t>& list,
