@@ -18,6 +18,7 @@
 #include "gx/display/window.h"
 #include "gx/vext.h"
 #include "tests/support/make_design.h"
+#include "tests/support/objects.h"
 
 class drawing_board {
  public:
@@ -51,15 +52,10 @@ class drawing_board {
   }
 
   gx_file_gene_recf_t& file() const { return *sheet_; }
-  // The n-th object (from 1) of a type.
-  int id(gx_type type, int n = 1) const {
-    for (const auto* object : file().ptr_to_ar_objindex)
-      if (object->object_type == type && --n == 0) return object->object_id;
-    return 0;
-  }
+  int id(gx_type type, int n = 1) const { return nth_object(file(), type, n); }
   template <typename Rec>
-  Rec& record(int n = 1) const {
-    return gx_info_ptr<Rec>(file(), id(Rec::type, n));
+  Rec& record() const {
+    return nth_record<Rec>(file());
   }
 
  private:

@@ -1,7 +1,7 @@
 // The bracket of create, open and close, and the records and boxes that the constructors make.
 #include "gx/db/geometry.h"
 #include "gx/vext.h"
-#include "tests/unit/db_fixture.h"
+#include "tests/unit/edit_fixture.h"
 #include "tests/unit/fatal_stop.h"
 
 namespace {
