@@ -18,12 +18,6 @@ namespace {
 
 constexpr std::size_t longest_name = 63, longest_value = 95, longest_directory = 60;
 
-std::string upper(std::string_view text) {
-  std::string result(text);
-  std::transform(result.begin(), result.end(), result.begin(), gx_upper_case);
-  return result;
-}
-
 // Names given out so far, letter case ignored.
 class taken_names {
  public:
@@ -32,7 +26,7 @@ class taken_names {
   // The name itself, or with the separator and 2, 3 ... behind it.
   std::string take(const std::string& name, std::size_t longest) {
     std::string unique = name.substr(0, longest);
-    for (int& next = next_[upper(unique)]; !used_.insert(upper(unique)).second;) {
+    for (int& next = next_[gx_upper(unique)]; !used_.insert(gx_upper(unique)).second;) {
       const std::string tail = separator_ + std::to_string(next = std::max(next + 1, 2));
       unique = name.substr(0, longest - tail.size()) + tail;
     }

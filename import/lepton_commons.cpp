@@ -54,12 +54,8 @@ class sharer {
   const std::string& given(std::map<std::string, std::string>::iterator shared) {
     auto& name = shared->second;
     if (!name.empty()) return name;
-    const auto upper = [](std::string text) {
-      std::transform(text.begin(), text.end(), text.begin(), gx_upper_case);
-      return text;
-    };
     name = shared->first;
-    for (int next = 2; !taken_.insert(upper(name)).second; ++next)
+    for (int next = 2; !taken_.insert(gx_upper(name)).second; ++next)
       name = shared->first + "~" + std::to_string(next);
     return name;
   }

@@ -275,18 +275,15 @@ class lepton_reader {
   // A symbol does not tell what one of its instances tells otherwise.
   void drop_doubled_properties() {
     std::vector<std::set<std::string>> given(design_.cells.size());
-    const auto upper = [](std::string name) {
-      std::transform(name.begin(), name.end(), name.begin(), gx_upper_case);
-      return name;
-    };
     for (const auto& one : design_.cells)
       if (one.sheet)
         for (const auto& instance : one.sheet->instances)
           for (const auto& property : instance.properties)
-            gx_at(given, instance.symbol).insert(upper(property.name));
+            gx_at(given, instance.symbol).insert(gx_upper(property.name));
     for (std::size_t i = 0; i < given.size(); ++i)
-      std::erase_if(design_.cells[i].symbol.properties,
-                    [&](const auto& property) { return given[i].contains(upper(property.name)); });
+      std::erase_if(design_.cells[i].symbol.properties, [&](const auto& property) {
+        return given[i].contains(gx_upper(property.name));
+      });
   }
 
   const gxi_input_t& input_;

@@ -18,12 +18,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string upper(std::string_view text) {
-  std::string result(text);
-  std::transform(result.begin(), result.end(), result.begin(), gx_upper_case);
-  return result;
-}
-
 // Attributes that say something to xschem alone, or that become something else here.
 bool is_told_otherwise(std::string_view name) {
   constexpr std::string_view names[] = {"name",      "embed",        "lab",
@@ -166,7 +160,7 @@ class xschem_reader {
     if (symbol != nullptr && symbol->role == gxi_role_t::device)
       for (const auto& node : symbol->nodes)
         if (node.pin < 0) {
-          const auto found = nets.by_name.find(upper(node.name));
+          const auto found = nets.by_name.find(gx_upper(node.name));
           if (found != nets.by_name.end()) gx_at(nets.nets, found->second).port = node.name;
         }
     for (std::size_t i = 0; i < wires.size(); ++i) draw_wire(*wires[i], nets, i);
@@ -341,7 +335,7 @@ class xschem_reader {
     if (names.size() != bundle.nets.size()) return false;
     if (placed.symbol->role == gxi_role_t::label) {
       if (!global) return false;
-      for (const auto& name : names) globals_.insert(upper(name));
+      for (const auto& name : names) globals_.insert(gx_upper(name));
       if (names.size() > 1) return false;
     }
     instance.kind = placed.symbol->role == gxi_role_t::port ? gxi_kind::port : gxi_kind::global;
@@ -437,7 +431,7 @@ class xschem_reader {
     for (auto& one : design_.cells)
       if (one.sheet)
         for (auto& net : one.sheet->nets)
-          if (net.port.empty() && net.global.empty() && globals_.contains(upper(net.name)))
+          if (net.port.empty() && net.global.empty() && globals_.contains(gx_upper(net.name)))
             net.global = net.name;
   }
 
