@@ -8,7 +8,7 @@
 #include "expand/debug.h"
 #include "expand/net_join.h"
 #include "expand/values.h"
-#include "gx/db/files.h"
+#include "gx/db/link_file.h"
 #include "gx/db/objects_of.h"
 #include "gx/text/numbers.h"
 #include "gx/text/strings.h"

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <limits>
 
+#include "expand/expression.h"
 #include "gx/text/at.h"
 #include "gx/text/numbers.h"
 #include "gx/text/strings.h"

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "gx/db/file_slots.h"
 #include "gx/db/file_state.h"
-#include "gx/db/files.h"
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
 #include "gx/db/undo.h"

@@ -8,7 +8,8 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "gx/db/files.h"
+#include "gx/db/link_file.h"
+#include "gx/db/record_codec.h"
 #include "gx/text/at.h"
 #include "gx/text/strings.h"
 #include "import/builder.h"

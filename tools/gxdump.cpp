@@ -14,13 +14,14 @@
 #include <string>
 #include <vector>
 
-#include "gx/db/files.h"
 #include "gx/db/format_text.h"
+#include "gx/db/link_file.h"
 #include "gx/db/objects_of.h"
+#include "gx/db/record_codec.h"
 #include "gx/db/record_tables.h"
 #include "gx/text/text_files.h"
 #include "gxmake/object_file.h"
-#include "tools/usage.h"
+#include "platform/usage.h"
 
 namespace {
 

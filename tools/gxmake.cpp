@@ -9,7 +9,7 @@
 #include "gxmake/memory_array.h"
 #include "gxmake/parser.h"
 #include "gxmake/words.h"
-#include "tools/usage.h"
+#include "platform/usage.h"
 
 namespace {
 

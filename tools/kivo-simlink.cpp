@@ -17,7 +17,7 @@
 
 #include "expand/sim_request.h"
 #include "gx/text/numbers.h"
-#include "tools/usage.h"
+#include "platform/usage.h"
 
 namespace {
 

@@ -17,8 +17,8 @@
 #include "gx/text/at.h"
 #include "kvi/load.h"
 #include "platform/files.h"
+#include "platform/usage.h"
 #include "tools/escape.h"
-#include "tools/usage.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include "app/language/command_table.h"
 #include "app/language/do_file.h"
 #include "app/sheet/command_viewport.h"
-#include "gx/db/files.h"
+#include "gx/db/object_list.h"
 #include "gx/display/events.h"
 #include "gx/text/arguments.h"
 #include "gx/text/debug.h"

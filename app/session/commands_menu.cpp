@@ -5,8 +5,10 @@
 
 #include "app/language/command_row.h"
 #include "app/session/menu_actions.h"
+#include "gx/display/menu_draw.h"
+#include "gx/display/menu_file.h"
 #include "gx/display/menu_state.h"
-#include "gx/display/menus.h"
+#include "gx/display/menu_tree.h"
 #include "gx/text/at.h"
 #include "gx/text/message_list.h"
 #include "gx/text/numbers.h"

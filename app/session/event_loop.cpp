@@ -19,7 +19,7 @@
 #include "gx/display/events.h"
 #include "gx/display/line_edit.h"
 #include "gx/display/list_viewport.h"
-#include "gx/display/menus.h"
+#include "gx/display/menu_draw.h"
 #include "gx/display/offscreen.h"
 #include "gx/display/rubber_rectangle.h"
 #include "gx/display/screen_state.h"

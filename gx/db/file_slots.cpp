@@ -3,9 +3,12 @@
 //
 // A data file is read whole when it is opened and its stream is closed at once: nothing is read
 // from it later, and the slot's `file_io_id` is open only while a save writes its target.
+#include "gx/db/file_slots.h"
+
 #include "gx/db/file_state.h"
-#include "gx/db/files.h"
+#include "gx/db/link_file.h"
 #include "gx/db/object_access.h"
+#include "gx/db/record_codec.h"
 #include "gx/text/at.h"
 #include "gx/text/date.h"
 #include "gx/text/debug.h"

@@ -1,5 +1,7 @@
 // The listing of all objects of a file, written beside it for people who look for a fault in a
 // design: links and place of every object, then the fields of its type.
+#include "gx/db/object_list.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <initializer_list>
@@ -7,7 +9,6 @@
 #include <utility>
 
 #include "gx/db/file_state.h"
-#include "gx/db/files.h"
 #include "gx/db/object_access.h"
 #include "gx/db/record_tables.h"
 #include "gx/text/at.h"

@@ -2,14 +2,16 @@
 //
 // Reading never stops the program: what is wrong with a file is an outcome for the caller. A file
 // that ends early is refused like one whose next record has no valid type.
+#include "gx/db/record_codec.h"
+
 #include <algorithm>
 #include <bit>
 #include <cerrno>
 #include <cstring>
 #include <initializer_list>
 
-#include "gx/db/files.h"
 #include "gx/db/record_tables.h"
+#include "gx/db/reference_check.h"
 #include "gx/text/at.h"
 #include "gx/text/text_files.h"
 #include "platform/files.h"

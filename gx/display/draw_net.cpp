@@ -4,6 +4,7 @@
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
 #include "gx/db/queries.h"
+#include "gx/display/draw_prim.h"
 #include "gx/display/draw_steps.h"
 #include "gx/display/highlight.h"
 #include "gx/display/markers.h"

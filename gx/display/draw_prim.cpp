@@ -9,6 +9,7 @@
 #include "gx/db/object_access.h"
 #include "gx/display/clipping.h"
 #include "gx/display/draw_steps.h"
+#include "gx/display/grid.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/stroke_text.h"
 #include "gx/display/viewports.h"

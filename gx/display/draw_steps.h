@@ -42,12 +42,3 @@ void gx_draw_polyline(gx_vpid_t vpid, int color, int style, std::span<const gx_p
 // `width` (1..255) parallel thin lines, some more for a slanted line.
 void gx_draw_thick_line(gx_vpid_t vpid, int color, int style, gx_point16_t a, gx_point16_t b,
                         int width);
-
-// --- drawing without the checks of the viewport, for the rooms that made them already:
-// draw_prim.cpp, draw_net.cpp, grid.cpp, draw_object.cpp
-void gx_draw_prim(const gx_picture_t& picture, int object_id, int inst_id, bool force_selected);
-void gx_draw_pin(const gx_picture_t& picture, int pin_id, int inst_id, bool force_selected);
-void gx_draw_net(const gx_picture_t& picture, int net_id);
-void gx_draw_grid(const gx_picture_t& picture, int grid_id);
-// An object and all below it.
-void gx_draw_tree(const gx_picture_t& picture, int object_id, int inst_id, bool force_selected);

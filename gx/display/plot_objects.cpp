@@ -1,4 +1,6 @@
 // The objects of a plot: primitives, pins, nets and junction dots as pen moves.
+#include "gx/display/plot_objects.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -9,7 +11,6 @@
 #include "gx/db/object_access.h"
 #include "gx/db/queries.h"
 #include "gx/display/draw_steps.h"
-#include "gx/display/plot.h"
 #include "gx/display/plot_pen.h"
 #include "gx/display/segment_ends.h"
 #include "gx/display/viewports.h"

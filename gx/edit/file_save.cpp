@@ -8,9 +8,11 @@
 #include <utility>
 #include <vector>
 
+#include "gx/db/file_slots.h"
 #include "gx/db/file_state.h"
-#include "gx/db/files.h"
+#include "gx/db/link_file.h"
 #include "gx/db/object_access.h"
+#include "gx/db/record_codec.h"
 #include "gx/db/record_tables.h"
 #include "gx/text/at.h"
 #include "gx/text/date.h"

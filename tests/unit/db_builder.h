@@ -4,9 +4,9 @@
 #include <string>
 #include <string_view>
 
-#include "gx/db/files.h"
 #include "gx/db/ids.h"
 #include "gx/db/object_access.h"
+#include "gx/db/record_codec.h"
 #include "gx/db/record_tables.h"
 #include "gx/text/strings.h"
 #include "tests/support/make_design.h"

@@ -5,7 +5,11 @@
 
 #include <csignal>
 
+#include "gx/db/file_slots.h"
+#include "gx/db/link_file.h"
+#include "gx/db/object_list.h"
 #include "gx/db/objects_of.h"
+#include "gx/db/record_codec.h"
 #include "gx/edit/file_save.h"
 #include "gx/vext.h"
 #include "tests/support/scratch_directory.h"

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <functional>
 
+#include "gx/db/record_codec.h"
 #include "tests/unit/db_builder.h"
 
 namespace {

@@ -1,7 +1,7 @@
 // An empty file in slot 1, and a short way to the brackets of gx/edit.
 #pragma once
 
-#include "gx/db/files.h"
+#include "gx/db/file_slots.h"
 #include "gx/db/ids.h"
 #include "gx/db/object_access.h"
 #include "gx/db/queries.h"

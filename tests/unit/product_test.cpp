@@ -13,7 +13,7 @@
 #include "app/session/event_loop.h"
 #include "app/session/product_sets.h"
 #include "gx/display/keys.h"
-#include "gx/display/menus.h"
+#include "gx/display/menu_file.h"
 #include "gx/display/window.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
