@@ -49,10 +49,6 @@ struct loop_t {
   kv_gestures_t gestures = {};
 };
 
-bool is_blank(const gx_string_record_t& text) {
-  return gx_view(text).find_first_not_of(' ') == std::string_view::npos;
-}
-
 // While it lives the menus and the rubber rectangle are off the screen: a command draws below them.
 struct cleared_screen_t {
   cleared_screen_t() {
@@ -71,7 +67,7 @@ void run_command(loop_t& loop, gx_string_record_t line) {
 }
 
 void run_binding(loop_t& loop, const gx_string_record_t& action) {
-  if (is_blank(action)) return;
+  if (gx_is_blank(gx_view(action))) return;
   gx_viewport_select(gx_vext.viewport_id);
   run_command(loop, action);
 }
@@ -378,7 +374,7 @@ void kv_ascii_action(std::uint32_t keysym, kv_array_param_t& args, kv_array_para
   gx_debug("  ASCII_ACTION character : \"%12d\"  %2d\n", static_cast<int>(keysym), line.len);
   if (is_return(keysym)) {
     gx_vext.istart_cmd = 1;
-    if (is_blank(line)) return;
+    if (gx_is_blank(gx_view(line))) return;
     const gx_string_record_t typed = line;
     gx_set_command_line("");
     kv_process_line(typed, args, vars);

@@ -75,12 +75,10 @@ void kv_mark_rectangle_cmd(const kv_command_t& command) {
 }
 
 void kv_smash_cmd(const kv_command_t& command) {
-  const bool on = gx_equal("ON", command.word(2));
-  if (!on && !gx_equal("OF", command.word(2))) {
-    return kv_refuse("# SMASh ", command, "# !! Error :  2nd parameter incorrect ? ");
-  }
-  kv_pext.smash_done = on;
-  gx_tell(on ? " SMAsh ON " : " SMAsh OFF ");
+  const auto on = kv_on_or_off(command.word(2));
+  if (!on) return kv_refuse("# SMASh ", command, kv_bad_second);
+  kv_pext.smash_done = *on;
+  gx_tell(*on ? " SMAsh ON " : " SMAsh OFF ");
 }
 
 void kv_search_cmd(const kv_command_t& command) {

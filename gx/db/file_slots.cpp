@@ -59,12 +59,7 @@ gx_file_index_t reserve_slot(const char* debug_text, const char* text, std::stri
 
 std::shared_ptr<gx_file_gene_recf_t> empty_file(gx_file_index_t file_index) {
   auto file = std::make_shared<gx_file_gene_recf_t>();
-  const auto now = gx_get_date();
-  file->day = now.day;
-  file->month = now.month;
-  file->year = now.year;
-  file->hour = now.hour;
-  file->minute = now.minute;
+  gx_set_file_date(*file, gx_get_date());
   file->file_index = file_index;
   return file;
 }

@@ -64,7 +64,7 @@ void list_object(std::FILE* out, gx_file_index_t file_index, const gx_object_gen
     std::fprintf(out, "%11d", v);
   }
   std::fprintf(out, "   : object_type : %15s", gx_type_name(object.object_type).data());
-  if ((object.status & gx_flag_deleted) != 0) std::fputs("   : !!! deleted  ", out);
+  if (gx_is_deleted(object)) std::fputs("   : !!! deleted  ", out);
   const auto& box = object.bounds;
   std::fprintf(out, "\n    bounds    = %d  %d  %d  %d  \n", box.xmin, box.ymin, box.xmax, box.ymax);
   std::fprintf(out, " origin.x : %d\n origin.y : %d\n", object.origin.x, object.origin.y);

@@ -163,7 +163,7 @@ void gx_draw_prim(const gx_picture_t& picture, int object_id, int inst_id, bool 
     gx_draw_grid(picture, object_id);
     return;
   }
-  if ((object.status & gx_flag_unvisible) != 0) return;
+  if (gx_is_unvisible(object)) return;
   if (type < gx_type::arc3p_2d || type > gx_type::property_2d) {
     const auto name = gx_type_name(type);
     gx_debug(

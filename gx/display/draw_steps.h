@@ -25,15 +25,9 @@ struct gx_picture_t {
 gx_picture_t gx_picture_of(gx_vpid_t vpid, gx_file_index_t file_index, int object_id,
                            gx_draw_mode mode, const char* operation);
 
-inline bool gx_is_deleted(const gx_object_gene_rec_t& object) {
-  return (object.status & gx_flag_deleted) != 0;
-}
-inline bool gx_is_selected(const gx_object_gene_rec_t& object) {
-  return (object.status & gx_flag_selected) != 0;
-}
 // Deleted or switched off.
 inline bool gx_is_hidden(const gx_object_gene_rec_t& object) {
-  return (object.status & (gx_flag_deleted | gx_flag_unvisible)) != 0;
+  return gx_is_deleted(object) || gx_is_unvisible(object);
 }
 
 // The style of selected lines.

@@ -2,7 +2,7 @@
 #include "gx/db/geometry.h"
 #include "gx/db/reference_check.h"
 #include "gx/vext.h"
-#include "tests/unit/db_fixture.h"
+#include "tests/unit/edit_fixture.h"
 #include "tests/unit/fatal_stop.h"
 
 namespace {
