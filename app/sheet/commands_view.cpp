@@ -9,6 +9,7 @@
 #include "app/sheet/views.h"
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
+#include "gx/db/object_flags.h"
 #include "gx/db/queries.h"
 #include "gx/db/sheet_shape.h"
 #include "gx/display/draw.h"
@@ -72,7 +73,7 @@ void kv_view_sheet_cmd(const kv_command_t& command) {
     kv_leave_slot(kv_pext.file_id_views);
     return refuse_file(refused, command, "# !! Error : No Sheet Available ? : ", path, why);
   }
-  kv_hide_invisible(kv_pext.file_id_views);
+  gx_hide_invisible(gx_ptrto_gene_file_buf(kv_pext.file_id_views));
   kv_pext.view_sheet_done = true;
   show_in_context(kv_pext.file_id_views);
   kv_echo(" VIEw SHEet ", command, 3);
@@ -100,7 +101,7 @@ void kv_activate_symbol_cmd(const kv_command_t& command) {
   if (wn_inq_comp_child_id(file, component).body == 0) {
     return refuse("# !! Error : property with value is not Available ? ", false);
   }
-  kv_hide_invisible(kv_pext.file_id_act);
+  gx_hide_invisible(gx_ptrto_gene_file_buf(kv_pext.file_id_act));
   kv_pext.act_symb_done = true;
   kv_pext.act_symb_id = static_cast<gx_object_id_t>(component);
   kv_pext.act_file_path = path;

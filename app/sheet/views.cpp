@@ -163,12 +163,3 @@ void kv_cross_components(gx_vpid_t vpid, const gx_file_gene_recf_t& file,
     if (!gx_inq_object_deleted(file, component))
       put(vpid, gx_object_abs_origin(file, component, 0));
 }
-
-void kv_hide_invisible(gx_file_index_t file_index) {
-  const auto& file = gx_ptrto_gene_file_buf(file_index);
-  for (int id = 1; id <= file.object_id_max; ++id) {
-    const auto& object = gx_object_id_ptr(file, id);
-    if (object.object_type != gx_type::property_2d || gx_is_deleted(object)) continue;
-    if (gx_property_info_ptr(file, id).visible == 0) gx_set_object_unvisible(file, id, true);
-  }
-}

@@ -28,6 +28,3 @@ void kv_show_title();
 // Puts a cross (gx_display_cross, gx_keep_cross) at the origin of every component of a symbol file.
 void kv_cross_components(gx_vpid_t vpid, const gx_file_gene_recf_t& file,
                          void (*put)(gx_vpid_t vpid, gx_pointreal_t p));
-
-// Hides every property of a sheet or symbol file whose visible switch is off.
-void kv_hide_invisible(gx_file_index_t file_index);

@@ -83,3 +83,11 @@ void gx_set_child_selected(const gx_file_gene_recf_t& file, int holder, bool on)
     }
   }
 }
+
+void gx_hide_invisible(const gx_file_gene_recf_t& file) {
+  for (int id = 1; id <= file.object_id_max; ++id) {
+    const auto& object = gx_object_id_ptr(file, id);
+    if (object.object_type != gx_type::property_2d || gx_is_deleted(object)) continue;
+    if (gx_property_info_ptr(file, id).visible == 0) gx_set_object_unvisible(file, id, true);
+  }
+}

@@ -97,6 +97,10 @@ inline bool gx_is_selected(const gx_object_gene_rec_t& object) {
 inline bool gx_is_unvisible(const gx_object_gene_rec_t& object) {
   return gx_has_flag(object, gx_flag_unvisible);
 }
+// Deleted or switched off.
+inline bool gx_is_hidden(const gx_object_gene_rec_t& object) {
+  return gx_is_deleted(object) || gx_is_unvisible(object);
+}
 
 // The types that hold nothing of their own: main, page, the families, component, body, frame, pin,
 // graphics.

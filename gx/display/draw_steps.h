@@ -25,11 +25,6 @@ struct gx_picture_t {
 gx_picture_t gx_picture_of(gx_vpid_t vpid, gx_file_index_t file_index, int object_id,
                            gx_draw_mode mode, const char* operation);
 
-// Deleted or switched off.
-inline bool gx_is_hidden(const gx_object_gene_rec_t& object) {
-  return gx_is_deleted(object) || gx_is_unvisible(object);
-}
-
 // The style of selected lines.
 inline constexpr int gx_selected_style = 3;
 

@@ -11,6 +11,7 @@
 #include "app/sheet/views.h"
 #include "gx/db/ids.h"
 #include "gx/db/object_access.h"
+#include "gx/db/object_flags.h"
 #include "gx/display/draw.h"
 #include "gx/display/pen.h"
 #include "gx/display/screen_state.h"
@@ -41,7 +42,7 @@ class drawing_board {
     v.viewport[1].file_index = file_index;
     show(100);
     gx_viewport_select(edit);
-    kv_hide_invisible(file_index);
+    gx_hide_invisible(gx_ptrto_gene_file_buf(file_index));
   }
 
   // Another scale, from the design's corner on.

@@ -1,4 +1,4 @@
-#include "gx/display/segment_ends.h"
+#include "gx/db/segment_ends.h"
 
 #include "gx/db/object_access.h"
 #include "gx/db/placement.h"

@@ -1,5 +1,5 @@
 // The objects of a plot: primitives, pins, nets and junction dots as pen moves.
-#include "gx/display/plot_objects.h"
+#include "gx/plot/plot_objects.h"
 
 #include <algorithm>
 #include <array>
@@ -9,11 +9,10 @@
 
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
+#include "gx/db/placement.h"
 #include "gx/db/queries.h"
-#include "gx/display/draw_steps.h"
-#include "gx/display/plot_pen.h"
-#include "gx/display/segment_ends.h"
-#include "gx/display/viewports.h"
+#include "gx/db/segment_ends.h"
+#include "gx/plot/plot_pen.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
 #include "gx/vext.h"
