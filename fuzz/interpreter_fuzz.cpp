@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 
+#include "app/language/interpreter.h"
 #include "fuzz/session.h"
 
 namespace {

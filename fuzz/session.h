@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "app/language/commands.h"
+#include "app/language/interpreter.h"
 #include "app/state.h"
 #include "expand/store.h"
 #include "gx/db/file_slots.h"

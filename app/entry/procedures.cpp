@@ -9,7 +9,6 @@
 // Adding one is writing it in this folder: every file here is part of the executable.
 #include <cstdint>
 
-#include "app/language/commands.h"
 #include "gx/text/message_list.h"
 #include "gx/text/numbers.h"
 

@@ -6,6 +6,7 @@
 #include "app/find/drawings.h"
 #include "app/find/find_path.h"
 #include "app/language/command_row.h"
+#include "app/language/interpreter.h"
 #include "app/sheet/command_viewport.h"
 #include "app/sheet/walk.h"
 #include "expand/sheet_analysis.h"

@@ -1,6 +1,7 @@
 #include "app/find/net_choice.h"
 
 #include "app/find/find_path.h"
+#include "app/language/answers.h"
 #include "app/sheet/command_viewport.h"
 #include "gx/db/object_access.h"
 #include "gx/db/objects_of.h"

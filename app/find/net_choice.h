@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "app/find/expanded.h"
-#include "app/language/commands.h"
+#include "app/language/command.h"
 
 // By word 3, else by the one selected net of the sheet in view, or the net of selected segments.
 // Nothing after the refusal (`keyword`, the words, the line that says why).

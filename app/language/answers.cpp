@@ -1,7 +1,8 @@
 // How commands answer: lines in the list viewport, built from the words of the command.
+#include "app/language/answers.h"
+
 #include <string>
 
-#include "app/language/commands.h"
 #include "gx/text/message_list.h"
 #include "gx/text/strings.h"
 

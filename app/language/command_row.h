@@ -10,7 +10,8 @@
 #include <span>
 #include <string_view>
 
-#include "app/language/commands.h"
+#include "app/language/answers.h"
+#include "app/language/interpreter.h"
 
 // What the interpreter still has to do after a command that decides about its line.
 struct kv_outcome_t {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "app/language/command.h"
 #include "gx/text/strings.h"
 
 namespace {

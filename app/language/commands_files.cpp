@@ -6,11 +6,12 @@
 #include <string>
 #include <system_error>
 
+#include "app/language/answers.h"
 #include "app/language/command_table.h"
 #include "app/language/do_file.h"
+#include "app/language/interpreter.h"
 #include "app/sheet/command_viewport.h"
 #include "gx/db/object_list.h"
-#include "gx/display/events.h"
 #include "gx/text/arguments.h"
 #include "gx/text/debug.h"
 #include "gx/text/message_list.h"
@@ -19,15 +20,10 @@
 #include "gx/vext.h"
 #include "platform/files.h"
 #include "platform/procedures.h"
-#include "platform/stop_signals.h"
 #include "platform/symbol_table.h"
 #include "platform/words.h"
 
 namespace {
-constexpr int key_press = 0;
-constexpr std::uint32_t keysym_a = 97;
-constexpr std::uint32_t control = 4;
-
 // How the two procedure commands differ.
 struct procedure_command_t {
   std::string_view keyword;  // as it echoes itself
@@ -155,5 +151,3 @@ constexpr kv_command_row_t rows[] = {
 }  // namespace
 
 kv_command_rows_t kv_file_commands() { return rows; }
-
-bool kv_stop_asked() { return x_stop_signal() != 0 || gx_find_event(key_press, keysym_a, control); }

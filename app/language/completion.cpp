@@ -1,7 +1,9 @@
 // Completion of the command line: the present settings as a command ready to be edited.
+#include "app/language/completion.h"
+
 #include <initializer_list>
 
-#include "app/language/commands.h"
+#include "app/language/interpreter.h"
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
 #include "gx/display/cmd_viewport.h"

@@ -4,6 +4,8 @@
 #include <cerrno>
 #include <vector>
 
+#include "app/language/answers.h"
+#include "app/language/interpreter.h"
 #include "gx/text/at.h"
 #include "gx/text/message_list.h"
 #include "gx/text/strings.h"

@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "app/language/commands.h"
+#include "app/language/command.h"
 
 // DO file [word ...]
 void kv_do_cmd(const kv_command_t& command);

@@ -1,15 +1,20 @@
 // The command interpreter: a command line becomes commands, a command words, and the words a call.
+#include "app/language/interpreter.h"
+
 #include <algorithm>
 
+#include "app/language/answers.h"
 #include "app/language/command_table.h"
-#include "app/language/commands.h"
+#include "app/language/shell_escape.h"
 #include "app/language/substitution.h"
 #include "gx/display/cursor.h"
+#include "gx/display/events.h"
 #include "gx/text/debug.h"
 #include "gx/text/message_list.h"
 #include "gx/text/strings.h"
 #include "gx/text/tokens.h"
 #include "gx/vext.h"
+#include "platform/stop_signals.h"
 
 namespace {
 constexpr int max_pieces = 30;
@@ -189,4 +194,10 @@ void kv_split_words(const gx_string_record_t& text, kv_words_t& words, std::size
     if (!gx_rd_string_t(text, word_separators, word, pos)) return;
     if (word.len > 0) ++words.count;
   }
+}
+
+bool kv_stop_asked() {
+  constexpr int key_press = 0;
+  constexpr std::uint32_t keysym_a = 97, control = 4;
+  return x_stop_signal() != 0 || gx_find_event(key_press, keysym_a, control);
 }

@@ -1,10 +1,12 @@
 // The shell escape: an external program whose output is a stream of commands.
+#include "app/language/shell_escape.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <memory>
 #include <string>
 
-#include "app/language/commands.h"
+#include "app/language/interpreter.h"
 #include "gx/display/window.h"
 #include "gx/text/debug.h"
 #include "gx/text/message_list.h"

@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <string>
 
-#include "app/language/commands.h"
+#include "app/language/interpreter.h"
 #include "gx/display/cmd_viewport.h"
 #include "gx/display/pen.h"
 #include "gx/display/viewports.h"

@@ -1,6 +1,7 @@
 // Commands that steer the session: questions, the command line, switches, and the end.
 #include "app/language/command_row.h"
 #include "app/language/substitution.h"
+#include "app/session/event_loop.h"
 #include "app/sheet/views.h"
 #include "gx/display/cmd_viewport.h"
 #include "gx/text/at.h"

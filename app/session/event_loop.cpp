@@ -8,7 +8,9 @@
 #include <optional>
 #include <string>
 
+#include "app/language/completion.h"
 #include "app/language/do_file.h"
+#include "app/language/shell_escape.h"
 #include "app/session/gestures.h"
 #include "app/session/menu_actions.h"
 #include "app/sheet/last_views.h"

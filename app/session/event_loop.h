@@ -15,3 +15,6 @@ void kv_ascii_action(std::uint32_t keysym, kv_array_param_t& args, kv_array_para
 void kv_init_menu_action();
 void kv_set_default_bindings();
 void kv_set_default_menus();
+
+// The loop, until the session ends or, when it is not the first, until a line was answered.
+void kv_process_events(bool first, kv_array_param_t& args, kv_array_param_t& vars);

@@ -5,7 +5,7 @@
 #include <span>
 #include <string_view>
 
-#include "app/language/commands.h"
+#include "app/language/interpreter.h"
 #include "gx/display/menu_draw.h"
 #include "gx/display/menu_state.h"
 #include "gx/display/menu_tree.h"

@@ -1,6 +1,7 @@
 // The viewport, sheet and point that a command means.
 #include "app/sheet/command_viewport.h"
 
+#include "app/language/answers.h"
 #include "app/sheet/views.h"
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"

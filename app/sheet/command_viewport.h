@@ -5,7 +5,7 @@
 #include <optional>
 #include <string_view>
 
-#include "app/language/commands.h"
+#include "app/language/command.h"
 #include "gx/db/file_records.h"
 #include "gx/db/ids.h"
 #include "gx/display/screen_state.h"

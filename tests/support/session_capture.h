@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "app/language/commands.h"
+#include "app/language/interpreter.h"
 #include "gx/display/window.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"

@@ -1,4 +1,6 @@
 // The command language: how a line becomes commands, words and values, and how each answers.
+#include "app/language/interpreter.h"
+
 #include <algorithm>
 #include <fstream>
 #include <string>

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "app/language/command_table.h"
+#include "app/language/interpreter.h"
 #include "app/session/event_loop.h"
 #include "app/session/product_sets.h"
 #include "gx/display/keys.h"
