@@ -8,6 +8,7 @@
 #include "gx/db/geometry.h"
 #include "gx/text/strings.h"
 #include "gxmake/symbol_parts.h"
+#include "import/names.h"
 #include "import/placement.h"
 #include "import/wiring.h"
 
@@ -17,12 +18,6 @@ constexpr std::size_t most_points = gx_object_polyline_rec_t::max_points;
 constexpr std::size_t texts_of_frame = 900;  // a check of the sheet takes 999
 constexpr std::int32_t margin = 4 * gxm_step;
 const gxm_date_t no_date{0, 0, 0, 0, 0};
-
-std::string upper(std::string_view text) {
-  std::string result(text);
-  std::transform(result.begin(), result.end(), result.begin(), gx_upper_case);
-  return result;
-}
 
 // Polylines of more points than one object holds become several.
 void take_shape(std::vector<gxm_shape_t>& shapes, const gxm_shape_t& shape) {
@@ -80,7 +75,7 @@ gxm_symbol_t plain_symbol(const gxi_symbol_t& symbol) {
   for (const auto& shape : symbol.shapes) take_shape(plain.shapes, shape);
   std::set<std::string> taken;
   const auto take = [&](const gxi_property_t& property) {
-    taken.insert(upper(property.name));
+    taken.insert(gxi_upper(property.name));
     if (!property.look)
       return gxm_property_t{.name = property.name, .value = property.value, .at = {}};
     return property_of_line(property.name, whole_line(property.value, *property.look),

@@ -1,11 +1,9 @@
 // A walk from the leaves up, handing names to the nets above.
 #include "import/lepton_commons.h"
 
-#include <algorithm>
 #include <map>
-#include <set>
 
-#include "gx/text/strings.h"
+#include "import/names.h"
 
 namespace {
 
@@ -53,14 +51,7 @@ class sharer {
   const std::string& given(std::map<std::string, std::string>::iterator shared) {
     auto& name = shared->second;
     if (!name.empty()) return name;
-    const auto upper = [](std::string text) {
-      std::transform(text.begin(), text.end(), text.begin(), gx_upper_case);
-      return text;
-    };
-    name = shared->first;
-    for (int next = 2; !taken_.insert(upper(name)).second; ++next)
-      name = shared->first + "~" + std::to_string(next);
-    return name;
+    return name = taken_.take(shared->first);
   }
 
   void write(std::size_t cell) {
@@ -80,7 +71,7 @@ class sharer {
   std::vector<std::vector<gxi_common_name_t>> names_;          // by cell and net
   std::vector<std::map<std::string, std::string>> handed_up_;  // by cell: names by its pins
   std::map<std::string, std::string> shared_;                  // names, and what they are here
-  std::set<std::string> taken_;
+  gxi_names_t taken_;
 };
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include "import/lepton_pages.h"
 #include "import/lepton_picture.h"
 #include "import/lepton_signs.h"
+#include "import/names.h"
 #include "import/placement.h"
 #include "import/readers.h"
 
@@ -274,18 +275,15 @@ class lepton_reader {
   // A symbol does not tell what one of its instances tells otherwise.
   void drop_doubled_properties() {
     std::vector<std::set<std::string>> given(design_.cells.size());
-    const auto upper = [](std::string name) {
-      std::transform(name.begin(), name.end(), name.begin(), gx_upper_case);
-      return name;
-    };
     for (const auto& one : design_.cells)
       if (one.sheet)
         for (const auto& instance : one.sheet->instances)
           for (const auto& property : instance.properties)
-            given[static_cast<std::size_t>(instance.symbol)].insert(upper(property.name));
+            given[static_cast<std::size_t>(instance.symbol)].insert(gxi_upper(property.name));
     for (std::size_t i = 0; i < given.size(); ++i)
-      std::erase_if(design_.cells[i].symbol.properties,
-                    [&](const auto& property) { return given[i].contains(upper(property.name)); });
+      std::erase_if(design_.cells[i].symbol.properties, [&](const auto& property) {
+        return given[i].contains(gxi_upper(property.name));
+      });
   }
 
   const gxi_input_t& input_;

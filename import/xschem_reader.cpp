@@ -6,6 +6,7 @@
 
 #include "gx/text/strings.h"
 #include "import/kept_properties.h"
+#include "import/names.h"
 #include "import/netlist_text.h"
 #include "import/placement.h"
 #include "import/readers.h"
@@ -16,12 +17,6 @@
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string upper(std::string_view text) {
-  std::string result(text);
-  std::transform(result.begin(), result.end(), result.begin(), gx_upper_case);
-  return result;
-}
 
 // Attributes that say something to xschem alone, or that become something else here.
 bool is_told_otherwise(std::string_view name) {
@@ -165,7 +160,7 @@ class xschem_reader {
     if (symbol != nullptr && symbol->role == gxi_role_t::device)
       for (const auto& node : symbol->nodes)
         if (node.pin < 0) {
-          const auto found = nets.by_name.find(upper(node.name));
+          const auto found = nets.by_name.find(gxi_upper(node.name));
           if (found != nets.by_name.end())
             nets.nets[static_cast<std::size_t>(found->second)].port = node.name;
         }
@@ -341,7 +336,7 @@ class xschem_reader {
     if (names.size() != bundle.nets.size()) return false;
     if (placed.symbol->role == gxi_role_t::label) {
       if (!global) return false;
-      for (const auto& name : names) globals_.insert(upper(name));
+      for (const auto& name : names) globals_.insert(gxi_upper(name));
       if (names.size() > 1) return false;
     }
     instance.kind = placed.symbol->role == gxi_role_t::port ? gxi_kind::port : gxi_kind::global;
@@ -441,7 +436,7 @@ class xschem_reader {
     for (auto& one : design_.cells)
       if (one.sheet)
         for (auto& net : one.sheet->nets)
-          if (net.port.empty() && net.global.empty() && globals_.contains(upper(net.name)))
+          if (net.port.empty() && net.global.empty() && globals_.contains(gxi_upper(net.name)))
             net.global = net.name;
   }
 
