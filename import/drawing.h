@@ -89,6 +89,7 @@ struct gxi_instance_t {
   gx_pointreal_t at{};
   std::uint8_t rotate = 0;
   bool mirror = false;
+  bool drawn = true;  // false: nobody drew it, its place says nothing
   // Looks are absolute, as the text is seen on the sheet. A property may be empty.
   std::vector<gxi_property_t> properties{};
   // Of each pin of the symbol, in its order: a net of the sheet, -1: joined to nothing.

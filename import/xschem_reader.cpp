@@ -197,6 +197,7 @@ class xschem_reader {
       instance.name = device.name;
       instance.source = sheet.source;
       instance.symbol = text_symbol(device);
+      instance.drawn = false;
       instance.at = {corner.x + place_in_row * 2 * gxm_step, corner.y};
       if (++place_in_row == row) {
         place_in_row = 0;
