@@ -275,9 +275,14 @@ class xschem_reader {
          static_cast<std::uint8_t>(bus ? 3 : 1)});
   }
 
-  std::string value_of(const gxi_placed_t& placed, std::string_view name) const {
+  // `file` is that of the sheet.
+  static std::string value_of(const gxi_placed_t& placed, std::string_view name,
+                              std::string_view file) {
     const auto& symbol = *placed.symbol;
     if (name == "symname") return symbol.name;
+    if (name == "prop_ptr") return placed.component->attributes;
+    if (name == "schname") return fs::path(file).stem().string();
+    if (name == "schname_ext") return fs::path(file).filename().string();
     if (name.substr(0, 1) == "#") {  // an attribute of a pin
       const auto colon = name.find(':');
       if (colon == std::string_view::npos) return {};
@@ -297,7 +302,7 @@ class xschem_reader {
            const fs::path& path, std::string_view file) {
     gxi_instance_t instance = instance_of(placed, file);
     const auto shown = gxi_xschem_shown(placed.symbol->records, false, [&](std::string_view name) {
-      return value_of(placed, name);
+      return value_of(placed, name, file);
     });
     const auto role = placed.symbol->role;
     const bool takes_part = !placed.ignored && !placed.shorted && !placed.symbol->missing;
@@ -410,8 +415,9 @@ class xschem_reader {
                              nets.bundle_of_pin[i][static_cast<std::size_t>(node.pin)])]
                 .nets);
       } else {
-        const auto label = gxi_substitute(
-            node.text, [&](std::string_view name) { return value_of(placed, name); });
+        const auto label = gxi_substitute(node.text, [&](std::string_view name) {
+          return value_of(placed, name, instance.source.file);
+        });
         nets_of_node.push_back(label.empty() ? std::vector<int>{-1}
                                              : nets.named(label, instance.source));
       }
