@@ -1,8 +1,11 @@
 #include "import/kept_properties.h"
 
 #include <algorithm>
+#include <set>
 #include <utility>
 #include <vector>
+
+#include "import/names.h"
 
 void gxi_keep_most_used(gxi_design_t& design, std::map<std::string, int> uses) {
   for (const auto& cell : design.cells)
@@ -11,4 +14,17 @@ void gxi_keep_most_used(gxi_design_t& design, std::map<std::string, int> uses) {
   for (const auto& [name, count] : uses) order.emplace_back(-count, name);
   std::sort(order.begin(), order.end());
   for (const auto& [count, name] : order) design.kept_of_instances.push_back(name);
+}
+
+void gxi_drop_doubled_properties(gxi_design_t& design) {
+  std::vector<std::set<std::string>> given(design.cells.size());
+  for (const auto& one : design.cells)
+    if (one.sheet)
+      for (const auto& instance : one.sheet->instances)
+        for (const auto& property : instance.properties)
+          given[static_cast<std::size_t>(instance.symbol)].insert(gxi_upper(property.name));
+  for (std::size_t i = 0; i < given.size(); ++i)
+    std::erase_if(design.cells[i].symbol.properties, [&](const auto& property) {
+      return given[i].contains(gxi_upper(property.name));
+    });
 }
