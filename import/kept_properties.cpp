@@ -5,7 +5,14 @@
 #include <utility>
 #include <vector>
 
+#include "gx/text/strings.h"
 #include "import/names.h"
+
+std::string gxi_property_name(std::string_view attribute) {
+  for (const auto* const meant : {"CLASS", "INST", "GLOBAL", "NET", "PIN", "PINTYPE"})
+    if (gx_iden(attribute, meant)) return std::string(attribute) + "_";
+  return std::string(attribute);
+}
 
 void gxi_keep_most_used(gxi_design_t& design, std::map<std::string, int> uses) {
   for (const auto& cell : design.cells)

@@ -3,8 +3,13 @@
 
 #include <map>
 #include <string>
+#include <string_view>
 
 #include "import/drawing.h"
+
+// The name of a property for an attribute: with a "_" behind it where the name means something to
+// KIVO.
+std::string gxi_property_name(std::string_view attribute);
 
 // The properties of instances, the most used first: `uses` by name, and one for each symbol that
 // has it as a default.

@@ -7,6 +7,7 @@
 #include <iterator>
 
 #include "gx/text/strings.h"
+#include "import/kept_properties.h"
 #include "import/placement.h"
 
 namespace {
@@ -64,7 +65,7 @@ gxi_symbol_t gxi_xschem_sign(const gxi_xschem_symbol_t& from) {
   if (from.role == gxi_role_t::device) {
     take_nodes(from, sign);
     for (const auto& [name, value] : from.defaults.all())
-      if (!is_told_otherwise(name)) sign.defaults.push_back({name, value, {}});
+      if (!is_told_otherwise(name)) sign.defaults.push_back({gxi_property_name(name), value, {}});
     return sign;
   }
   if (from.pins.empty()) return sign;
@@ -111,7 +112,8 @@ std::vector<gxi_property_t> gxi_dress_xschem(const gxi_placed_t& placed,
                                              const std::vector<gxi_xschem_shown_t>& shown,
                                              gxi_instance_t& instance, gxi_sheet_t& sheet) {
   for (const auto& [name, value] : placed.attributes.all())
-    if (!is_told_otherwise(name)) instance.properties.push_back({name, value, {}});
+    if (!is_told_otherwise(name))
+      instance.properties.push_back({gxi_property_name(name), value, {}});
   auto seen = instance.properties;
   int composed = 0;
   for (const auto& text : shown) {
@@ -124,15 +126,15 @@ std::vector<gxi_property_t> gxi_dress_xschem(const gxi_placed_t& placed,
       continue;
     }
     // An attribute is shown once; a second time, or put together, it is a text.
-    const auto own = std::find_if(seen.begin(), seen.end(), [&](const auto& property) {
-      return property.name == text.attribute;
-    });
+    const auto name = gxi_property_name(text.attribute);
+    const auto own = std::find_if(seen.begin(), seen.end(),
+                                  [&](const auto& property) { return property.name == name; });
     if (own != seen.end() && !own->look)
       own->look = look;
     else if (own == seen.end() && !text.attribute.empty() && !is_told_otherwise(text.attribute) &&
              !placed.attributes.find(text.attribute) &&
              placed.symbol->defaults.find(text.attribute))
-      seen.push_back({text.attribute, text.value, look});
+      seen.push_back({name, text.value, look});
     else
       seen.push_back({"SHOWN" + std::to_string(++composed), text.value, look});
   }
