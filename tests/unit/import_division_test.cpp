@@ -5,6 +5,7 @@
 
 #include "import/division.h"
 #include "import/fit.h"
+#include "import/names.h"
 #include "import/object_count.h"
 
 namespace {
@@ -86,18 +87,17 @@ TEST(ImportDivision, WiresAndTextsLeaveWithTheInstances) {
 }
 
 // A field of rows and columns whose nets, in the order of the file, would almost all be shared:
-// parts of parts, and names that get in the way of those of the parts.
+// parts of parts.
 TEST(ImportDivision, AFieldIsDividedOverSeveralLevels) {
   auto design = elements();
   auto& sheet = *design.cells[0].sheet;
   constexpr int side = 200;
   std::vector<std::set<std::string>> expected(side * side);
   sheet.nets.resize(side * side);
-  sheet.nets[5].name = "NET6";
   for (const bool down : {false, true})
     for (int i = 0; i < side * side; ++i) {
       const int to = down ? (i + side) % (side * side) : i / side * side + (i + 1) % side;
-      const std::string name = i == 7 && down ? "part1" : (down ? "D" : "R") + std::to_string(i);
+      const std::string name = (down ? "D" : "R") + std::to_string(i);
       sheet.instances.push_back({.name = name, .symbol = element, .nets = {i, to}});
       expected[static_cast<std::size_t>(i)].insert(name + ".A");
       expected[static_cast<std::size_t>(to)].insert(name + ".B");
@@ -109,14 +109,15 @@ TEST(ImportDivision, AFieldIsDividedOverSeveralLevels) {
             std::set(expected.begin(), expected.end()));
 }
 
-// What nobody drew leaves a sheet that a check could not compare; what is drawn stays.
+// What nobody drew leaves a sheet that a check could not compare; what is drawn stays, also with
+// names that the parts and their pins would get.
 TEST(ImportDivision, WhatIsDrawnStaysWhereNamesAreTooMany) {
   auto design = elements();
   auto& sheet = *design.cells[0].sheet;
-  sheet.nets = {{.name = "A"}, {.name = "B", .segments = {{{0, 0}, {0, gxm_step}}}}};
+  sheet.nets = {{.name = "NET1"}, {.segments = {{{0, 0}, {0, gxm_step}}}}};
   for (int i = 0; i < 1500; ++i) {
     sheet.nets.push_back({.name = "N" + std::to_string(i)});
-    sheet.instances.push_back({.name = "R" + std::to_string(i),
+    sheet.instances.push_back({.name = (i == 0 ? "Part" : "R") + std::to_string(i + 1),
                                .symbol = element,
                                .drawn = i % 3 == 0,
                                .nets = {i % 2, i + 2}});
@@ -127,7 +128,12 @@ TEST(ImportDivision, WhatIsDrawnStaysWhereNamesAreTooMany) {
   const auto flat = flatten(design);
   EXPECT_EQ(flat.nets[1].size(), 750U);
   EXPECT_EQ(flat.wires, 1U);
-  std::size_t drawn = 0;
-  for (const auto& instance : design.cells[0].sheet->instances) drawn += instance.symbol == element;
+  std::size_t drawn = 0, parts = 0;
+  gxi_names_t names;
+  for (const auto& instance : design.cells[0].sheet->instances) {
+    (instance.symbol == element ? drawn : parts) += 1;
+    EXPECT_EQ(names.take(instance.name), instance.name);
+  }
   EXPECT_EQ(drawn, 500U);
+  EXPECT_EQ(parts, 2U);
 }
