@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <map>
 
+#include "gx/text/at.h"
 #include "gx/text/strings.h"
 #include "gxmake/symbol_parts.h"
 #include "import/placement.h"
@@ -15,7 +16,6 @@ namespace {
 
 constexpr std::size_t texts_of_frame = 900;  // a check of the sheet takes 999
 constexpr std::int32_t margin = 4 * gxm_step;
-const gxm_date_t no_date{0, 0, 0, 0, 0};
 
 class sheet_builder {
  public:
@@ -72,7 +72,7 @@ class sheet_builder {
     };
     const gx_pointreal_t page{page_to(std::int64_t{box.xmax} + shift_.x),
                               page_to(std::int64_t{box.ymax} + shift_.y)};
-    return gxm_start_tree(no_date, page, gxm_step, true);
+    return gxm_start_tree({}, page, gxm_step, true);
   }
 
   void use_symbol(int cell) {
@@ -83,14 +83,13 @@ class sheet_builder {
     object.path = gx_string(named.path);
     used->second.object = &object;
     used->second.version = named.version;
-    gxm_add_symbol_contents(tree_,
-                            gxi_plain_symbol(design_.cells[static_cast<std::size_t>(cell)].symbol),
+    gxm_add_symbol_contents(tree_, gxi_plain_symbol(gx_at(design_.cells, cell).symbol),
                             object.gene.object_id);
   }
 
   void add_instance(const gxi_instance_t& instance) {
     auto& used = used_[instance.symbol];
-    const auto& symbol = design_.cells[static_cast<std::size_t>(instance.symbol)].symbol;
+    const auto& symbol = gx_at(design_.cells, instance.symbol).symbol;
     auto& object = gxm_add<gx_object_instance_rec_t>(tree_, instances_, moved(instance.at));
     const auto id = object.gene.object_id;
     const auto turn = gxi_turn_of(instance);
@@ -128,8 +127,7 @@ class sheet_builder {
                      symbol.pins[i].at);
       const int net = i < instance.nets.size() ? instance.nets[i] : -1;
       if (net >= 0)
-        pins_of_net_[static_cast<std::size_t>(net)].push_back(
-            {gxi_on_sheet(instance, symbol.pins[i].at), &pin});
+        gx_at(pins_of_net_, net).push_back({gxi_on_sheet(instance, symbol.pins[i].at), &pin});
     }
   }
 
@@ -168,7 +166,7 @@ class sheet_builder {
     std::vector<gx_object_id_t> ids;
     for (const auto& end : wiring.ends) {
       if (end.pin >= 0) {
-        auto& pin = *pins[static_cast<std::size_t>(end.pin)].pin;
+        auto& pin = *gx_at(pins, end.pin).pin;
         pin.dotted = end.degree > 1;
         ids.push_back(pin.gene.object_id);
         continue;
@@ -251,7 +249,7 @@ class sheet_builder {
 
 gxi_tree_t gxi_build_symbol(const gxi_cell_t& cell) {
   constexpr gx_pointreal_t page{40 * gxm_step, 40 * gxm_step};
-  gxm_tree_t tree = gxm_start_tree(no_date, page, gxm_step, true);
+  gxm_tree_t tree = gxm_start_tree({}, page, gxm_step, true);
   const auto family = gxm_add_plain(tree, gx_type::component_family, tree.file->primary_object);
   gxm_add_symbol_contents(tree, gxi_plain_symbol(cell.symbol),
                           gxm_add_plain(tree, gx_type::component, family));

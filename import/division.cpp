@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 
+#include "gx/text/at.h"
 #include "import/grouping.h"
 #include "import/object_count.h"
 #include "import/parts.h"
@@ -29,7 +30,7 @@ wires_t wires_of_instances(const gxi_design_t& design, const gxi_sheet_t& sheet)
   for (std::size_t i = 0; i < sheet.instances.size(); ++i) {
     const auto& instance = sheet.instances[i];
     if (!is_part(instance)) continue;
-    const auto& symbol = design.cells[static_cast<std::size_t>(instance.symbol)].symbol;
+    const auto& symbol = gx_at(design.cells, instance.symbol).symbol;
     for (std::size_t pin = 0; pin < instance.nets.size(); ++pin) {
       if (instance.nets[pin] < 0) continue;
       const auto net = static_cast<std::size_t>(instance.nets[pin]);

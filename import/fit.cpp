@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "gx/db/geometry.h"
+#include "gx/text/at.h"
 #include "gx/text/strings.h"
 #include "import/ascii.h"
 #include "import/names.h"
@@ -152,7 +153,7 @@ class fitter {
     gxi_names_t taken;
     std::vector<gxi_instance_t> kept;
     for (auto& instance : sheet.instances) {
-      auto& symbol = design_.cells[static_cast<std::size_t>(instance.symbol)].symbol;
+      auto& symbol = gx_at(design_.cells, instance.symbol).symbol;
       instance.nets.resize(symbol.pins.size(), -1);
       fit_properties(instance.properties, instance.source);
       if (instance.kind == gxi_kind::port) {
@@ -193,13 +194,13 @@ class fitter {
 
   void note_said(const gxi_instance_t& instance) {
     if (instance.kind == gxi_kind::part || instance.nets.empty() || instance.nets[0] < 0) return;
-    auto& said = said_[static_cast<std::size_t>(instance.nets[0])];
+    auto& said = gx_at(said_, instance.nets[0]);
     (instance.kind == gxi_kind::port ? said.port : said.global) = true;
   }
 
   void add_undrawn(gxi_sheet_t& sheet, int net_index) {
-    const auto& net = sheet.nets[static_cast<std::size_t>(net_index)];
-    const auto& said = said_[static_cast<std::size_t>(net_index)];
+    const auto& net = gx_at(sheet.nets, net_index);
+    const auto& said = gx_at(said_, net_index);
     if (!net.port.empty() && !said.port)
       add_instance(sheet, gxi_kind::port, net.port, net_index,
                    net.port_type == "IN"    ? "PORTIN"
@@ -215,7 +216,7 @@ class fitter {
     instance.kind = kind;
     instance.name = name;
     instance.symbol = undrawn_symbol(class_name);
-    instance.source = sheet.nets[static_cast<std::size_t>(net)].source;
+    instance.source = gx_at(sheet.nets, net).source;
     instance.at = next_undrawn_;
     next_undrawn_.x += gxm_step;
     instance.nets = {net};

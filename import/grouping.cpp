@@ -5,6 +5,7 @@
 #include <queue>
 #include <tuple>
 
+#include "gx/text/at.h"
 #include "import/object_count.h"
 
 namespace {
@@ -29,12 +30,12 @@ class grower {
     for (std::size_t i = 0; i < sheet.instances.size(); ++i)
       if (!moves[i])
         for (const int net : sheet.instances[i].nets)
-          if (net >= 0) nets_[static_cast<std::size_t>(net)].leaves = true;
+          if (net >= 0) gx_at(nets_, net).leaves = true;
     for (std::size_t i = 0; i < nets_.size(); ++i)
       if (!sheet.nets[i].port.empty() || !sheet.nets[i].global.empty()) nets_[i].leaves = true;
     for (std::size_t i = 0; i < movable.size(); ++i)
       for (const int net : nets_of(i))
-        if (net >= 0) nets_[static_cast<std::size_t>(net)].members.push_back(i);
+        if (net >= 0) gx_at(nets_, net).members.push_back(i);
   }
 
   std::vector<std::vector<gxi_movable_t>> run() {
@@ -98,11 +99,9 @@ class grower {
       more += is_new(net) ? gxi_objects_of_net + gxi_objects_of_port : 0;
     return more;
   }
-  bool is_new(int net) const {
-    return net >= 0 && nets_[static_cast<std::size_t>(net)].group != groups_.size();
-  }
+  bool is_new(int net) const { return net >= 0 && gx_at(nets_, net).group != groups_.size(); }
 
-  bool is_named(int net) const { return !sheet_.nets[static_cast<std::size_t>(net)].name.empty(); }
+  bool is_named(int net) const { return !gx_at(sheet_.nets, net).name.empty(); }
 
   bool fits(std::size_t i) const {
     std::size_t names = names_in_;
@@ -115,11 +114,11 @@ class grower {
   void add(std::size_t i) {
     seen_[i].taken = true;
     objects_ += grows_by(i);
-    symbol_in_[static_cast<std::size_t>(instance(i).symbol)] = groups_.size();
+    gx_at(symbol_in_, instance(i).symbol) = groups_.size();
     groups_.back().push_back(movable_[i]);
     for (const int index : nets_of(i)) {
       if (index < 0) continue;
-      auto& net = nets_[static_cast<std::size_t>(index)];
+      auto& net = gx_at(nets_, index);
       if (is_new(index)) {
         net.group = groups_.size();
         net.pins_in = 0;

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "gx/text/at.h"
 #include "gx/text/strings.h"
 #include "import/names.h"
 
@@ -29,9 +30,8 @@ void gxi_drop_doubled_properties(gxi_design_t& design) {
     if (one.sheet)
       for (const auto& instance : one.sheet->instances)
         for (const auto& property : instance.properties)
-          given[static_cast<std::size_t>(instance.symbol)].insert(gxi_upper(property.name));
+          gx_at(given, instance.symbol).insert(gx_upper(property.name));
   for (std::size_t i = 0; i < given.size(); ++i)
-    std::erase_if(design.cells[i].symbol.properties, [&](const auto& property) {
-      return given[i].contains(gxi_upper(property.name));
-    });
+    std::erase_if(design.cells[i].symbol.properties,
+                  [&](const auto& property) { return given[i].contains(gx_upper(property.name)); });
 }

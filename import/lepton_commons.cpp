@@ -3,6 +3,7 @@
 
 #include <map>
 
+#include "gx/text/at.h"
 #include "import/names.h"
 
 namespace {
@@ -29,7 +30,7 @@ class sharer {
       for (std::size_t pin = 0; pin < instance.nets.size(); ++pin) {
         const auto handed = handed_up_[symbol].find(pins[pin].name);
         if (instance.nets[pin] < 0 || handed == handed_up_[symbol].end()) continue;
-        auto& here = names[static_cast<std::size_t>(instance.nets[pin])];
+        auto& here = gx_at(names, instance.nets[pin]);
         if (!here.is_named)
           here = {handed->second, true, true};
         else if (here.name != handed->second)
@@ -63,7 +64,7 @@ class sharer {
     }
     for (auto& instance : sheet.instances)
       if (instance.kind == gxi_kind::global)
-        instance.name = sheet.nets[static_cast<std::size_t>(instance.nets.front())].global;
+        instance.name = gx_at(sheet.nets, instance.nets.front()).global;
   }
 
   gxi_design_t& design_;

@@ -7,8 +7,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
-// In capitals.
-std::string gxi_upper(std::string_view text);
+#include "gx/text/strings.h"
 
 // Names given out so far.
 class gxi_names_t {
@@ -17,7 +16,7 @@ class gxi_names_t {
 
   // The name itself, or with the separator and 2, 3 ... behind it.
   std::string take(const std::string& name, std::size_t longest = std::string::npos);
-  bool has(std::string_view name) const { return used_.contains(gxi_upper(name)); }
+  bool has(std::string_view name) const { return used_.contains(gx_upper(name)); }
 
  private:
   char separator_;

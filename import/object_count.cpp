@@ -1,8 +1,10 @@
 // The same objects that import/builder.cpp makes.
 #include "import/object_count.h"
 
+#include "gx/text/at.h"
+
 std::size_t gxi_count_objects(const gxi_design_t& design, const gxi_instance_t& instance) {
-  const auto& symbol = design.cells[static_cast<std::size_t>(instance.symbol)].symbol;
+  const auto& symbol = gx_at(design.cells, instance.symbol).symbol;
   return 4 + instance.properties.size() + symbol.defaults.size() + symbol.pins.size();
 }
 
@@ -16,7 +18,7 @@ std::size_t gxi_count_objects(const gxi_design_t& design, const gxi_cell_t& cell
   std::vector<bool> used(design.cells.size());
   for (const auto& instance : cell.sheet->instances) {
     count += gxi_count_objects(design, instance);
-    used[static_cast<std::size_t>(instance.symbol)] = true;
+    gx_at(used, instance.symbol) = true;
   }
   for (std::size_t i = 0; i < used.size(); ++i)
     if (used[i]) count += gxi_count_objects(design.cells[i].symbol);

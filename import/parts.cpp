@@ -7,6 +7,7 @@
 #include <span>
 
 #include "gx/db/geometry.h"
+#include "gx/text/at.h"
 #include "import/placement.h"
 
 namespace {
@@ -37,7 +38,7 @@ void drop_nets(gxi_sheet_t& sheet, Gone gone) {
   std::erase_if(sheet.nets, [&](const auto&) { return now[next++] < 0; });
   for (auto& instance : sheet.instances)
     for (int& net : instance.nets)
-      if (net >= 0) net = now[static_cast<std::size_t>(net)];
+      if (net >= 0) net = gx_at(now, net);
 }
 
 void lay_out(std::span<gxi_instance_t> parts, std::int32_t below) {
@@ -85,7 +86,7 @@ void gxi_part_maker_t::make(std::size_t cell, std::vector<gxi_part_t> parts, boo
     for (const auto i : part.instances) {
       moves[i] = true;
       for (const int net : sheet.instances[i].nets)
-        if (net >= 0) touched[static_cast<std::size_t>(net)] = true;
+        if (net >= 0) gx_at(touched, net) = true;
     }
   std::vector<gxi_instance_t> made;
   design_.cells[cell].sheet = std::move(sheet);
@@ -118,9 +119,8 @@ std::vector<bool> gxi_part_maker_t::shared_nets(const gxi_sheet_t& sheet,
   for (std::size_t i = 0; i < sheet.instances.size(); ++i)
     for (const int net : sheet.instances[i].nets) {
       if (net < 0) continue;
-      auto& on = part_on[static_cast<std::size_t>(net)];
-      if (part_of[i] == staying || (on != nowhere && on != part_of[i]))
-        shared[static_cast<std::size_t>(net)] = true;
+      auto& on = gx_at(part_on, net);
+      if (part_of[i] == staying || (on != nowhere && on != part_of[i])) gx_at(shared, net) = true;
       on = part_of[i];
     }
   return shared;
@@ -144,12 +144,12 @@ gxi_instance_t gxi_part_maker_t::make_part(std::size_t of, gxi_part_t part,
   const auto bring = [&](int net) {
     const auto [found, is_new] = net_here.emplace(net, static_cast<int>(sheet.nets.size()));
     if (!is_new) return found->second;
-    auto& outer = whole.nets[static_cast<std::size_t>(net)];
+    auto& outer = gx_at(whole.nets, net);
     auto& inner = sheet.nets.emplace_back();
     inner.name = outer.name;
     inner.source = outer.source;
     if (drawing_moves) inner.name_look = std::exchange(outer.name_look, {});  // it is shown once
-    if (!shared[static_cast<std::size_t>(net)]) {
+    if (!gx_at(shared, net)) {
       inner.properties = outer.properties;
       return found->second;
     }
@@ -169,8 +169,7 @@ gxi_instance_t gxi_part_maker_t::make_part(std::size_t of, gxi_part_t part,
     if (!moved.drawn) moved.at = in_rows(undrawn++, undrawn_in_row, {2, 6});
   }
   for (const auto& [net, wire] : part.wires)
-    sheet.nets[static_cast<std::size_t>(net_here.at(net))].segments.push_back(
-        whole.nets[static_cast<std::size_t>(net)].segments[wire]);
+    gx_at(sheet.nets, net_here.at(net)).segments.push_back(gx_at(whole.nets, net).segments[wire]);
   add_ports(sheet);
   draw_part(cell.symbol);
   cell.sheet = std::move(sheet);

@@ -3,6 +3,7 @@
 #include <map>
 
 #include "gx/db/geometry.h"
+#include "gx/text/at.h"
 #include "import/placement.h"
 
 namespace {
@@ -60,8 +61,7 @@ gx_boundsreal_t gxi_extent(const gxi_design_t& design, const gxi_sheet_t& sheet)
   std::map<int, gx_boundsreal_t> symbols;
   for (const auto& instance : sheet.instances) {
     const auto [found, is_new] = symbols.try_emplace(instance.symbol);
-    if (is_new)
-      found->second = box_of(design.cells[static_cast<std::size_t>(instance.symbol)].symbol);
+    if (is_new) found->second = box_of(gx_at(design.cells, instance.symbol).symbol);
     include(box, instance, found->second);
   }
   return gx_bounds_empty(box) ? gx_boundsreal_t{0, 0, 0, 0} : box;

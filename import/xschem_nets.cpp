@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "gx/text/strings.h"
 #include "import/joining.h"
 #include "import/names.h"
 #include "import/xschem_labels.h"
@@ -187,7 +188,7 @@ std::vector<int> gxi_xschem_nets_t::named(std::string_view label, const gxm_sour
   std::vector<int> list;
   for (auto& name : gxi_expand_label(label)) {
     // A netlist for simulation does not tell letter cases apart.
-    const auto [found, is_new] = by_name.emplace(gxi_upper(name), static_cast<int>(nets.size()));
+    const auto [found, is_new] = by_name.emplace(gx_upper(name), static_cast<int>(nets.size()));
     if (is_new) {
       // The program's own names of unnamed nets begin with "#".
       nets.push_back({.name = name.rfind('#', 0) == 0 ? "" : name, .source = source});

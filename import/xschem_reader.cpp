@@ -4,6 +4,8 @@
 #include <set>
 #include <stdexcept>
 
+#include "gx/text/at.h"
+#include "gx/text/strings.h"
 #include "import/kept_properties.h"
 #include "import/names.h"
 #include "import/placement.h"
@@ -39,7 +41,7 @@ class xschem_reader {
   }
 
  private:
-  gxi_cell_t& cell(int index) { return design_.cells[static_cast<std::size_t>(index)]; }
+  gxi_cell_t& cell(int index) { return gx_at(design_.cells, index); }
 
   // The sheet of a component, when it has one.
   std::optional<fs::path> sheet_of(const gxi_placed_t& placed, const fs::path& sheet) const {
@@ -99,9 +101,8 @@ class xschem_reader {
     if (symbol != nullptr && symbol->role == gxi_role_t::device)
       for (const auto& node : symbol->nodes)
         if (node.pin < 0) {
-          const auto found = nets.by_name.find(gxi_upper(node.name));
-          if (found != nets.by_name.end())
-            nets.nets[static_cast<std::size_t>(found->second)].port = node.name;
+          const auto found = nets.by_name.find(gx_upper(node.name));
+          if (found != nets.by_name.end()) gx_at(nets.nets, found->second).port = node.name;
         }
     for (std::size_t i = 0; i < wires.size(); ++i) draw_wire(*wires[i], nets, i);
     std::string text = records.spice + "\n";
@@ -157,11 +158,11 @@ class xschem_reader {
 
   // The wires of a bundle are drawn for its first net, thick.
   static void draw_wire(const gxi_xschem_shape_t& wire, gxi_xschem_nets_t& nets, std::size_t i) {
-    const auto& bundle = nets.bundles[static_cast<std::size_t>(nets.bundle_of_wire[i])];
+    const auto& bundle = gx_at(nets.bundles, nets.bundle_of_wire[i]);
     const bool bus = bundle.nets.size() > 1 || gxi_attributes_t(wire.attributes).is_set("bus");
-    nets.nets[static_cast<std::size_t>(bundle.nets.front())].segments.push_back(
-        {gxi_xschem_point(wire.points[0]), gxi_xschem_point(wire.points[1]), gxm_cyan,
-         static_cast<std::uint8_t>(bus ? 3 : 1)});
+    gx_at(nets.nets, bundle.nets.front())
+        .segments.push_back({gxi_xschem_point(wire.points[0]), gxi_xschem_point(wire.points[1]),
+                             gxm_cyan, static_cast<std::uint8_t>(bus ? 3 : 1)});
   }
 
   void add(gxi_sheet_t& sheet, const gxi_placed_t& placed, std::size_t i, gxi_xschem_nets_t& nets,
@@ -187,7 +188,7 @@ class xschem_reader {
   bool add_label(gxi_sheet_t& sheet, const gxi_placed_t& placed, std::size_t i,
                  gxi_xschem_nets_t& nets, const fs::path& path, gxi_instance_t instance,
                  const std::vector<gxi_xschem_shown_t>& shown) {
-    const auto& bundle = nets.bundles[static_cast<std::size_t>(nets.bundle_of_pin[i].front())];
+    const auto& bundle = gx_at(nets.bundles, nets.bundle_of_pin[i].front());
     const auto names = gxi_expand_label(placed.value("lab"));
     const auto& own =
         placed.attributes.find("global") ? placed.attributes : placed.symbol->defaults;
@@ -195,7 +196,7 @@ class xschem_reader {
     if (names.size() != bundle.nets.size()) return false;
     if (placed.symbol->role == gxi_role_t::label) {
       if (!global) return false;
-      for (const auto& name : names) globals_.insert(gxi_upper(name));
+      for (const auto& name : names) globals_.insert(gx_upper(name));
       if (names.size() > 1) return false;
     }
     instance.kind = placed.symbol->role == gxi_role_t::port ? gxi_kind::port : gxi_kind::global;
@@ -210,7 +211,7 @@ class xschem_reader {
     for (std::size_t bit = 0; bit < names.size(); ++bit) {
       instance.name = names[bit];
       instance.nets = {bundle.nets[bit]};
-      auto& net = nets.nets[static_cast<std::size_t>(bundle.nets[bit])];
+      auto& net = gx_at(nets.nets, bundle.nets[bit]);
       if (instance.kind == gxi_kind::port) {
         net.port = names[bit];
         net.port_type = gxi_xschem_port_class(*placed.symbol).substr(4);
@@ -232,10 +233,7 @@ class xschem_reader {
     std::vector<std::vector<int>> nets_of_node;
     for (const auto& node : placed.symbol->nodes) {
       if (node.pin >= 0) {
-        nets_of_node.push_back(
-            nets.bundles[static_cast<std::size_t>(
-                             nets.bundle_of_pin[i][static_cast<std::size_t>(node.pin)])]
-                .nets);
+        nets_of_node.push_back(gx_at(nets.bundles, gx_at(nets.bundle_of_pin[i], node.pin)).nets);
       } else {
         const auto label = gxi_substitute(node.text, [&](std::string_view name) {
           return gxi_xschem_value(placed, name, instance.source.file);
@@ -250,8 +248,7 @@ class xschem_reader {
       if (k == 0) single.properties = seen;
       for (std::size_t n = 0; n < nets_of_node.size(); ++n) {
         const auto& node = placed.symbol->nodes[n];
-        const auto bits =
-            node.pin >= 0 ? placed.symbol->pins[static_cast<std::size_t>(node.pin)].bits.size() : 1;
+        const auto bits = node.pin >= 0 ? gx_at(placed.symbol->pins, node.pin).bits.size() : 1;
         for (std::size_t bit = 0; bit < bits; ++bit)
           single.nets.push_back(nets_of_node[n][(k * bits + bit) % nets_of_node[n].size()]);
       }
@@ -265,7 +262,7 @@ class xschem_reader {
     for (auto& one : design_.cells)
       if (one.sheet)
         for (auto& net : one.sheet->nets)
-          if (net.port.empty() && net.global.empty() && globals_.contains(gxi_upper(net.name)))
+          if (net.port.empty() && net.global.empty() && globals_.contains(gx_upper(net.name)))
             net.global = net.name;
   }
 

@@ -2,10 +2,11 @@
 #include "import/xschem_signs.h"
 
 #include <algorithm>
-#include <charconv>
 #include <filesystem>
 #include <iterator>
 
+#include "gx/text/at.h"
+#include "gx/text/numbers.h"
 #include "gx/text/strings.h"
 #include "import/kept_properties.h"
 #include "import/placement.h"
@@ -40,7 +41,7 @@ void take_nodes(const gxi_xschem_symbol_t& from, gxi_symbol_t& sign) {
       below.x += gxm_step;
       continue;
     }
-    const auto& pin = from.pins[static_cast<std::size_t>(node.pin)];
+    const auto& pin = gx_at(from.pins, node.pin);
     for (const auto& bit : pin.bits)
       sign.pins.push_back({.name = bit, .type = pin.type, .at = gxi_xschem_point(pin.at)});
   }
@@ -48,13 +49,11 @@ void take_nodes(const gxi_xschem_symbol_t& from, gxi_symbol_t& sign) {
 
 // "#2:name": an attribute of a pin.
 std::string value_of_pin(const gxi_xschem_symbol_t& symbol, std::string_view name) {
-  const auto colon = std::min(name.find(':'), name.size());
-  std::size_t pin = 0;
-  const auto [end, error] = std::from_chars(name.data() + 1, name.data() + colon, pin);
-  if (colon == name.size() || error != std::errc() || end != name.data() + colon ||
-      pin >= symbol.pins.size())
-    return {};
-  return std::string(symbol.pins[pin].attributes.get(name.substr(colon + 1)));
+  const auto colon = name.find(':');
+  if (colon == std::string_view::npos) return {};
+  const auto pin = gx_whole_number<std::size_t>(name.substr(1, colon - 1));
+  if (!pin || *pin >= symbol.pins.size()) return {};
+  return std::string(symbol.pins[*pin].attributes.get(name.substr(colon + 1)));
 }
 
 }  // namespace

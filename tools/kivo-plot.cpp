@@ -6,12 +6,12 @@
 #include <vector>
 
 #include "app/sheet/views.h"
-#include "gx/db/files.h"
+#include "gx/db/file_slots.h"
 #include "gx/db/object_access.h"
 #include "gx/db/sheet_shape.h"
-#include "gx/display/plot.h"
+#include "gx/display/plot_sheet.h"
 #include "gx/display/window.h"
-#include "tools/usage.h"
+#include "platform/usage.h"
 
 namespace {
 constexpr tool_t tool = {

@@ -7,6 +7,7 @@
 #include "expand/explain.h"
 #include "gx/db/file_state.h"
 #include "gx/display/highlight.h"
+#include "gx/text/at.h"
 #include "gx/text/strings.h"
 
 namespace {
@@ -27,7 +28,7 @@ std::vector<std::int32_t> visits_in_view(const kv_expanded_t& expanded) {
 gx_file_index_t slot_of(const kv_expanded_t& expanded, std::int32_t visit, int level) {
   const auto slot = kv_at_level(level).file_index;
   if (slot < 1) return 0;
-  const auto path = gx_view(gx_files.filear[static_cast<std::size_t>(slot)].file_pathname);
+  const auto path = gx_view(gx_at(gx_files.filear, slot).file_pathname);
   return path == expanded.visit(visit).sheet->file_path ? slot : gx_file_index_t{0};
 }
 

@@ -1,4 +1,5 @@
-// The second phase of a run: the window, the files, the primary sheet, the session, and its end.
+#include "app/session/root_session.h"
+
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -17,7 +18,7 @@
 #include "app/state.h"
 #include "expand/design_file.h"
 #include "expand/store.h"
-#include "gx/db/files.h"
+#include "gx/db/file_slots.h"
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
 #include "gx/db/sheet_shape.h"

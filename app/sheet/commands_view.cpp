@@ -36,15 +36,6 @@ void refuse_file(std::string_view keyword, const kv_command_t& command, std::str
   if (!why.empty()) gx_tell("# !! ", why);
 }
 
-// A cross at the origin of every component of a symbol file.
-void mark_components(gx_vpid_t vpid, const gx_file_gene_recf_t& file) {
-  for (const int comp : wn_components(file)) {
-    if (!gx_inq_object_deleted(file, comp)) {
-      gx_keep_cross(vpid, gx_object_abs_origin(file, comp, 0));
-    }
-  }
-}
-
 void show_in_context(gx_file_index_t file_index) {
   kv_pext.file_id_context = file_index;
   kv_display_picture_all(gx_vext.viewport_context, file_index);
@@ -58,7 +49,7 @@ void show_activated_symbol(bool marked_area_only) {
   } else {
     gx_display_picture_all(vpid, kv_pext.file_id_act);
   }
-  mark_components(vpid, gx_ptrto_gene_file_buf(kv_pext.file_id_act));
+  kv_cross_components(vpid, gx_ptrto_gene_file_buf(kv_pext.file_id_act), gx_keep_cross);
 }
 
 void kv_view_sheet_cmd(const kv_command_t& command) {
@@ -148,7 +139,7 @@ void kv_view_all_cmd(const kv_command_t& command) {
   if (view->is_edit()) kv_remember_view();
   if (view->is_symbol()) {
     gx_display_picture_all(view->vpid, view->file_index);
-    mark_components(view->vpid, view->file());
+    kv_cross_components(view->vpid, view->file(), gx_keep_cross);
   } else {
     kv_display_picture_all(view->vpid, view->file_index);
   }
@@ -182,7 +173,7 @@ void kv_view_area_cmd(const kv_command_t& command) {
   if (view->is_edit()) kv_remember_view();
   if (view->is_symbol()) {
     gx_display_picture_area(view->vpid, view->file_index, area->p1, area->p2);
-    mark_components(view->vpid, view->file());
+    kv_cross_components(view->vpid, view->file(), gx_keep_cross);
   } else {
     kv_pext.disp_pic_area = true;
     kv_pext.pt_pic_area1 = area->p1;

@@ -4,7 +4,7 @@
 
 #include "app/sheet/views.h"
 #include "app/state.h"
-#include "gx/db/files.h"
+#include "gx/db/link_file.h"
 #include "gx/db/object_access.h"
 #include "gx/db/objects_of.h"
 #include "gx/db/sheet_shape.h"

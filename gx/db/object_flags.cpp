@@ -7,12 +7,11 @@
 namespace {
 
 bool has_flag(const gx_file_gene_recf_t& file, int id, gx_flag flag) {
-  return (gx_object_id_ptr(file, id).status & flag) != 0;
+  return gx_has_flag(gx_object_id_ptr(file, id), flag);
 }
 
 void put_flag(const gx_file_gene_recf_t& file, int id, gx_flag flag, bool on) {
-  auto& word = gx_object_id_ptr(file, id).status;
-  word = static_cast<std::int16_t>(on ? word | flag : word & ~flag);
+  gx_put_flag(gx_object_id_ptr(file, id), flag, on);
 }
 
 // The flags whose changes can be taken back: a change of the bit is recorded, nothing else.

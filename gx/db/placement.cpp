@@ -109,7 +109,7 @@ gx_pointreal_t gx_object_abs_origin(const gx_file_gene_recf_t& file, int id, int
 
 gx_placed_t gx_pin_abs_origin_bounds(const gx_file_gene_recf_t& file, int pinpropfam) {
   const auto& pin = gx_object_id_ptr(file, pinpropfam);
-  if ((pin.status & gx_flag_deleted) != 0) gx_set_status(gx_code::file_data_invalid);
+  if (gx_is_deleted(pin)) gx_set_status(gx_code::file_data_invalid);
   gx_check_object_type(pin, gx_type::pinpropfam);
   const int inst = gx_object_id_ptr(file, pin.father).father;
   gx_check_object_type(gx_object_id_ptr(file, inst), gx_type::instance);

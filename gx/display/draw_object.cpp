@@ -3,6 +3,8 @@
 
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
+#include "gx/display/draw_net.h"
+#include "gx/display/draw_prim.h"
 #include "gx/display/draw_steps.h"
 #include "gx/display/grid.h"
 #include "gx/display/markers.h"

@@ -1,8 +1,10 @@
 // A plot from its first object on, and the frames, instances and nets of a sheet.
+#include "gx/display/plot_sheet.h"
+
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
 #include "gx/display/picture_walk.h"
-#include "gx/display/plot.h"
+#include "gx/display/plot_objects.h"
 #include "gx/display/plot_pen.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"

@@ -1,6 +1,8 @@
 // The frames, instances and nets of a sheet.
 #include "gx/display/sheet_drawing.h"
 
+#include "gx/display/draw_net.h"
+#include "gx/display/draw_object.h"
 #include "gx/display/draw_steps.h"
 #include "gx/display/picture_walk.h"
 #include "gx/display/screen_state.h"

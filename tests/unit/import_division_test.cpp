@@ -3,6 +3,7 @@
 #include <map>
 #include <set>
 
+#include "gx/text/at.h"
 #include "import/division.h"
 #include "import/fit.h"
 #include "import/names.h"
@@ -29,7 +30,7 @@ struct flat_t {
   std::size_t wires = 0, texts = 0;
 
   void walk(int cell, const std::map<std::string, int>& from_above) {
-    const auto& here = design.cells[static_cast<std::size_t>(cell)];
+    const auto& here = gx_at(design.cells, cell);
     EXPECT_LE(gxi_count_objects(design, here), gxi_most_objects) << here.name;
     texts += here.sheet->texts.size();
     std::vector<int> flat;
@@ -40,13 +41,12 @@ struct flat_t {
     }
     for (const auto& instance : here.sheet->instances) {
       if (instance.kind == gxi_kind::port) continue;
-      const auto& of = design.cells[static_cast<std::size_t>(instance.symbol)];
+      const auto& of = gx_at(design.cells, instance.symbol);
       std::map<std::string, int> down;
       for (std::size_t i = 0; i < instance.nets.size(); ++i) {
-        const int net = flat[static_cast<std::size_t>(instance.nets[i])];
+        const int net = gx_at(flat, instance.nets[i]);
         down[of.symbol.pins[i].name] = net;
-        if (!of.sheet)
-          nets[static_cast<std::size_t>(net)].insert(instance.name + "." + of.symbol.pins[i].name);
+        if (!of.sheet) gx_at(nets, net).insert(instance.name + "." + of.symbol.pins[i].name);
       }
       EXPECT_EQ(down.size(), of.symbol.pins.size()) << "pins of one name";
       if (of.sheet) walk(instance.symbol, down);
@@ -99,8 +99,8 @@ TEST(ImportDivision, AFieldIsDividedOverSeveralLevels) {
       const int to = down ? (i + side) % (side * side) : i / side * side + (i + 1) % side;
       const std::string name = (down ? "D" : "R") + std::to_string(i);
       sheet.instances.push_back({.name = name, .symbol = element, .nets = {i, to}});
-      expected[static_cast<std::size_t>(i)].insert(name + ".A");
-      expected[static_cast<std::size_t>(to)].insert(name + ".B");
+      gx_at(expected, i).insert(name + ".A");
+      gx_at(expected, to).insert(name + ".B");
     }
   gxi_fit(design);
   gxi_divide(design);

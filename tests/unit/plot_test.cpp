@@ -1,6 +1,4 @@
 // A sheet on paper: what the strokes of a plot file draw.
-#include "gx/display/plot.h"
-
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -8,6 +6,7 @@
 
 #include "app/sheet/views.h"
 #include "gx/display/plot_pen.h"
+#include "gx/display/plot_sheet.h"
 #include "gx/vext.h"
 #include "tests/unit/design_session.h"
 
