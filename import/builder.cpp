@@ -3,121 +3,19 @@
 
 #include <algorithm>
 #include <map>
-#include <set>
 
-#include "gx/db/geometry.h"
 #include "gx/text/at.h"
 #include "gx/text/strings.h"
 #include "gxmake/symbol_parts.h"
 #include "import/placement.h"
+#include "import/plain_symbol.h"
+#include "import/sheet_extent.h"
 #include "import/wiring.h"
 
 namespace {
 
-constexpr std::size_t most_points = gx_object_polyline_rec_t::max_points;
 constexpr std::size_t texts_of_frame = 900;  // a check of the sheet takes 999
 constexpr std::int32_t margin = 4 * gxm_step;
-
-// Polylines of more points than one object holds become several.
-void take_shape(std::vector<gxm_shape_t>& shapes, const gxm_shape_t& shape) {
-  const auto& points = shape.points;
-  if (shape.type != gx_type::polyline_2d || points.size() <= most_points) {
-    shapes.push_back(shape);
-    return;
-  }
-  for (std::size_t first = 0; first + 1 < points.size(); first += most_points - 1) {
-    gxm_shape_t piece = shape;
-    const auto last = std::min(first + most_points, points.size());
-    piece.points.assign(points.begin() + static_cast<std::ptrdiff_t>(first),
-                        points.begin() + static_cast<std::ptrdiff_t>(last));
-    shapes.push_back(std::move(piece));
-  }
-}
-
-// Names for texts that have none.
-class text_names {
- public:
-  explicit text_names(std::set<std::string> taken = {}) : taken_(std::move(taken)) {}
-  std::string next() {
-    std::string name;
-    do {
-      name = "TEXT" + std::to_string(++last_);
-    } while (taken_.contains(name));
-    return name;
-  }
-
- private:
-  std::set<std::string> taken_;
-  int last_ = 0;
-};
-
-gxm_property_t property_of_line(std::string name, const gxi_line_t& line, const gxi_look_t& look) {
-  return {.name = std::move(name),
-          .value = line.text,
-          .at = line.at,
-          .height = look.height,
-          .color = look.color,
-          .vertical = line.rotate == 1};
-}
-
-// Where the one line of a property begins; properties are not broken.
-gxi_line_t whole_line(const std::string& value, const gxi_look_t& look) {
-  auto lines = gxi_lines(value, look);
-  gxi_line_t line = lines.empty() ? gxi_line_t{.at = look.at} : std::move(lines.front());
-  line.text = value;
-  return line;
-}
-
-// The symbol as gxmake's records have it.
-gxm_symbol_t plain_symbol(const gxi_symbol_t& symbol) {
-  gxm_symbol_t plain;
-  for (const auto& shape : symbol.shapes) take_shape(plain.shapes, shape);
-  std::set<std::string> taken;
-  const auto take = [&](const gxi_property_t& property) {
-    taken.insert(gx_upper(property.name));
-    if (!property.look)
-      return gxm_property_t{.name = property.name, .value = property.value, .at = {}};
-    return property_of_line(property.name, whole_line(property.value, *property.look),
-                            *property.look);
-  };
-  for (const auto& property : symbol.properties) plain.properties.push_back(take(property));
-  for (const auto& property : symbol.defaults) take(property);
-  text_names names(std::move(taken));
-  for (const auto& text : symbol.texts)
-    for (const auto& line : gxi_lines(text.value, text.look))
-      plain.properties.push_back(property_of_line(names.next(), line, text.look));
-  for (const auto& pin : symbol.pins) {
-    auto& to = plain.pins.emplace_back();
-    to.name = pin.name;
-    to.type = pin.type;
-    to.at = pin.at;
-    if (pin.name_look) {
-      const auto at = whole_line(pin.name, *pin.name_look).at;
-      to.name_at = gx_pointreal_t{at.x - pin.at.x, at.y - pin.at.y};
-    }
-    for (const auto& property : pin.properties)
-      to.properties.push_back({.name = property.name, .value = property.value, .at = {}});
-  }
-  return plain;
-}
-
-void include(gx_boundsreal_t& box, const gxm_shape_t& shape) {
-  for (const auto& p : shape.points) {
-    gx_include(box, gx_pointreal_t{p.x - shape.radius, p.y - shape.radius});
-    gx_include(box, gx_pointreal_t{p.x + shape.radius, p.y + shape.radius});
-  }
-}
-
-void include(gx_boundsreal_t& box, const gxi_text_t& text) {
-  for (const auto& line : gxi_lines(text.value, text.look)) {
-    const auto length = static_cast<std::int32_t>(line.text.size()) * text.look.height;
-    gx_include(box, line.at);
-    gx_include(box,
-               line.rotate == 0
-                   ? gx_pointreal_t{line.at.x + length + length / 5, line.at.y - text.look.height}
-                   : gx_pointreal_t{line.at.x - text.look.height, line.at.y - length - length / 5});
-  }
-}
 
 class sheet_builder {
  public:
@@ -163,48 +61,18 @@ class sheet_builder {
 
   // A page that holds everything drawn, with a margin; what is drawn keeps its place on the grid.
   gxm_tree_t start() {
-    gx_boundsreal_t box = gx_empty_bounds;
-    for (const auto& shape : sheet_.shapes) include(box, shape);
-    for (const auto& text : sheet_.texts) include(box, text);
-    for (const auto& net : sheet_.nets) {
-      for (const auto& segment : net.segments) {
-        gx_include(box, segment.from);
-        gx_include(box, segment.to);
-      }
-      if (net.name_look) include(box, {net.name, *net.name_look});
-    }
-    for (const auto& instance : sheet_.instances) include_instance(box, instance);
-    if (gx_bounds_empty(box)) box = {0, 0, 0, 0};
-    const auto floor_to = [](std::int64_t v, std::int32_t step) {
-      return static_cast<std::int32_t>((v >= 0 ? v : v - step + 1) / step * step);
+    const auto box = gxi_extent(design_, sheet_);
+    const auto floor_to_grid = [](std::int64_t v) {
+      return static_cast<std::int32_t>((v >= 0 ? v : v - gxm_step + 1) / gxm_step * gxm_step);
     };
-    shift_ = {floor_to(-std::int64_t{box.xmin} + margin + gxm_step - 1, gxm_step),
-              floor_to(-std::int64_t{box.ymin} + margin + gxm_step - 1, gxm_step)};
-    const gx_pointreal_t page{
-        std::max(floor_to(std::int64_t{box.xmax} + shift_.x + margin + gxm_step, gxm_step),
-                 20 * gxm_step),
-        std::max(floor_to(std::int64_t{box.ymax} + shift_.y + margin + gxm_step, gxm_step),
-                 20 * gxm_step)};
+    shift_ = {floor_to_grid(-std::int64_t{box.xmin} + margin + gxm_step - 1),
+              floor_to_grid(-std::int64_t{box.ymin} + margin + gxm_step - 1)};
+    const auto page_to = [&](std::int64_t end) {
+      return std::max(floor_to_grid(end + margin + gxm_step), 20 * gxm_step);
+    };
+    const gx_pointreal_t page{page_to(std::int64_t{box.xmax} + shift_.x),
+                              page_to(std::int64_t{box.ymax} + shift_.y)};
     return gxm_start_tree({}, page, gxm_step, true);
-  }
-
-  void include_instance(gx_boundsreal_t& box, const gxi_instance_t& instance) {
-    auto [found, is_new] = symbol_boxes_.emplace(instance.symbol, gx_empty_bounds);
-    if (is_new) {
-      const auto& symbol = gx_at(design_.cells, instance.symbol).symbol;
-      for (const auto& shape : symbol.shapes) include(found->second, shape);
-      for (const auto& pin : symbol.pins) gx_include(found->second, pin.at);
-      for (const auto& text : symbol.texts) include(found->second, text);
-    }
-    if (!gx_bounds_empty(found->second)) {
-      const auto& own = found->second;
-      gx_include(box, gxi_on_sheet(instance, gx_pointreal_t{own.xmin, own.ymin}));
-      gx_include(box, gxi_on_sheet(instance, gx_pointreal_t{own.xmax, own.ymax}));
-    }
-    gx_include(box, instance.at);
-    if (instance.name_look) include(box, {instance.name, *instance.name_look});
-    for (const auto& property : instance.properties)
-      if (property.look) include(box, {property.value, *property.look});
   }
 
   void use_symbol(int cell) {
@@ -215,7 +83,7 @@ class sheet_builder {
     object.path = gx_string(named.path);
     used->second.object = &object;
     used->second.version = named.version;
-    gxm_add_symbol_contents(tree_, plain_symbol(gx_at(design_.cells, cell).symbol),
+    gxm_add_symbol_contents(tree_, gxi_plain_symbol(gx_at(design_.cells, cell).symbol),
                             object.gene.object_id);
   }
 
@@ -269,7 +137,7 @@ class sheet_builder {
     gxm_property_t stored{.name = property.name, .value = property.value, .at = {}};
     int turns = 0;
     if (property.look && !property.value.empty()) {
-      const auto line = whole_line(property.value, *property.look);
+      const auto line = gxi_whole_line(property.value, *property.look);
       const auto below = gxi_below(instance, line, property.look->height);
       stored.at = gx_pointreal_t{below.at.x - origin.x, below.at.y - origin.y};
       stored.height = property.look->height;
@@ -328,7 +196,7 @@ class sheet_builder {
       gxm_property_t stored{.name = property.name, .value = property.value, .at = {}};
       if (property.look && !property.value.empty()) {
         const auto look = moved(*property.look);
-        stored = property_of_line(property.name, whole_line(property.value, look), look);
+        stored = gxi_property_of_line(property.name, gxi_whole_line(property.value, look), look);
       }
       gxm_add_property(tree_, stored, family, false, stored.vertical ? 1 : 0, start);
     };
@@ -338,13 +206,13 @@ class sheet_builder {
 
   void add_frames() {
     std::vector<gxm_shape_t> shapes;
-    for (const auto& shape : sheet_.shapes) take_shape(shapes, shape);
+    for (const auto& shape : sheet_.shapes) gxi_take_shape(shapes, shape);
     std::vector<gxm_property_t> texts;
-    text_names names;
+    gxi_text_names_t names;
     for (const auto& text : sheet_.texts) {
       const auto look = moved(text.look);
       for (const auto& line : gxi_lines(text.value, look))
-        texts.push_back(property_of_line(names.next(), line, look));
+        texts.push_back(gxi_property_of_line(names.next(), line, look));
     }
     std::size_t text = 0;
     for (int frame = 1; frame == 1 ? !shapes.empty() || !texts.empty() : text < texts.size();
@@ -370,7 +238,6 @@ class sheet_builder {
   const gxi_design_t& design_;
   const gxi_sheet_t& sheet_;
   const std::function<gxi_symbol_path_t(int)>& symbol_path_;
-  std::map<int, gx_boundsreal_t> symbol_boxes_;
   gx_pointreal_t shift_{};
   gxm_tree_t tree_;
   std::map<int, used_symbol_t> used_;
@@ -384,7 +251,7 @@ gxi_tree_t gxi_build_symbol(const gxi_cell_t& cell) {
   constexpr gx_pointreal_t page{40 * gxm_step, 40 * gxm_step};
   gxm_tree_t tree = gxm_start_tree({}, page, gxm_step, true);
   const auto family = gxm_add_plain(tree, gx_type::component_family, tree.file->primary_object);
-  gxm_add_symbol_contents(tree, plain_symbol(cell.symbol),
+  gxm_add_symbol_contents(tree, gxi_plain_symbol(cell.symbol),
                           gxm_add_plain(tree, gx_type::component, family));
   gxm_grow_boxes(tree);
   return tree.file;

@@ -20,5 +20,3 @@ struct gxi_symbol_path_t {
 };
 gxi_tree_t gxi_build_sheet(const gxi_design_t& design, const gxi_cell_t& cell,
                            const std::function<gxi_symbol_path_t(int)>& symbol_path);
-// The objects that the sheet of a cell will have.
-std::size_t gxi_count_objects(const gxi_design_t& design, const gxi_cell_t& cell);

@@ -33,6 +33,7 @@ enum class gxi_align : std::uint8_t { start, middle, end };
 struct gxi_look_t {
   gx_pointreal_t at{};
   std::int32_t height = gxm_text_height;  // of a capital letter; a letter is 1.2 times as wide
+  std::int32_t line_step = 0;             // from a line to the next; 0: 1.6 times the height
   gxi_align across = gxi_align::start, up = gxi_align::start;
   std::uint8_t rotate = 0;  // 0..3
   std::uint8_t color = gxm_white;
@@ -89,6 +90,7 @@ struct gxi_instance_t {
   gx_pointreal_t at{};
   std::uint8_t rotate = 0;
   bool mirror = false;
+  bool drawn = true;  // false: nobody drew it, its place says nothing
   // Looks are absolute, as the text is seen on the sheet. A property may be empty.
   std::vector<gxi_property_t> properties{};
   // Of each pin of the symbol, in its order: a net of the sheet, -1: joined to nothing.

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <iterator>
 #include <map>
-#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
@@ -12,32 +11,12 @@
 #include "gx/text/at.h"
 #include "gx/text/strings.h"
 #include "import/ascii.h"
+#include "import/names.h"
 #include "import/placement.h"
 
 namespace {
 
 constexpr std::size_t longest_name = 63, longest_value = 95, longest_directory = 60;
-
-// Names given out so far, letter case ignored.
-class taken_names {
- public:
-  explicit taken_names(char separator = '~') : separator_(separator) {}
-
-  // The name itself, or with the separator and 2, 3 ... behind it.
-  std::string take(const std::string& name, std::size_t longest) {
-    std::string unique = name.substr(0, longest);
-    for (int& next = next_[gx_upper(unique)]; !used_.insert(gx_upper(unique)).second;) {
-      const std::string tail = separator_ + std::to_string(next = std::max(next + 1, 2));
-      unique = name.substr(0, longest - tail.size()) + tail;
-    }
-    return unique;
-  }
-
- private:
-  char separator_;
-  std::unordered_set<std::string> used_;
-  std::unordered_map<std::string, int> next_;
-};
 
 class fitter {
  public:
@@ -98,7 +77,7 @@ class fitter {
   }
 
   void fit_properties(std::vector<gxi_property_t>& properties, const gxm_source_t& source,
-                      taken_names& taken) {
+                      gxi_names_t& taken) {
     for (auto& property : properties) {
       property.name =
           taken.take(fit_text(property.name, longest_name, source, "a name"), longest_name);
@@ -108,17 +87,17 @@ class fitter {
     std::erase_if(properties, [](const auto& property) { return property.name.empty(); });
   }
   void fit_properties(std::vector<gxi_property_t>& properties, const gxm_source_t& source) {
-    taken_names taken;
+    gxi_names_t taken;
     fit_properties(properties, source, taken);
   }
 
   void fit_symbol(std::size_t cell) {
     auto& symbol = design_.cells[cell].symbol;
     for (auto& text : symbol.texts) text.value = gxi_ascii(text.value);
-    taken_names properties;
+    gxi_names_t properties;
     fit_properties(symbol.properties, symbol.source, properties);
     fit_properties(symbol.defaults, symbol.source, properties);
-    taken_names taken;
+    gxi_names_t taken;
     for (auto& pin : symbol.pins) {
       const std::string drawn = pin.name;
       pin.name = fit_text(pin.name, longest_value, symbol.source, "the name of a pin");
@@ -147,7 +126,7 @@ class fitter {
           net = static_cast<int>(sheet.nets.size());
           sheet.nets.push_back({.source = instance.source});
         }
-    net_names_ = taken_names();
+    net_names_ = gxi_names_t();
   }
 
   void fit_net(gxi_net_t& net) {
@@ -171,7 +150,7 @@ class fitter {
   }
 
   void fit_instances(gxi_sheet_t& sheet) {
-    taken_names taken;
+    gxi_names_t taken;
     std::vector<gxi_instance_t> kept;
     for (auto& instance : sheet.instances) {
       auto& symbol = gx_at(design_.cells, instance.symbol).symbol;
@@ -273,7 +252,7 @@ class fitter {
 
   // --- cells: the top keeps its name, the others in their order
   void name_cells() {
-    taken_names taken('_');
+    gxi_names_t taken('_');
     const auto name = [&](gxi_cell_t& cell) {
       cell.name = taken.take(gxi_directory_name(cell.name), longest_directory);
     };
@@ -286,7 +265,7 @@ class fitter {
   gxi_design_t& design_;
   std::vector<std::map<std::string, std::string>> pin_names_;  // by cell: as drawn, as kept
   std::size_t here_ = 0;
-  taken_names net_names_;
+  gxi_names_t net_names_;
   std::vector<said_t> said_;
   gx_pointreal_t next_undrawn_{};
   std::map<std::string, int> undrawn_;  // by CLASS: as they will stand behind the other cells

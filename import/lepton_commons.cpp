@@ -1,12 +1,10 @@
 // A walk from the leaves up, handing names to the nets above.
 #include "import/lepton_commons.h"
 
-#include <algorithm>
 #include <map>
-#include <set>
 
 #include "gx/text/at.h"
-#include "gx/text/strings.h"
+#include "import/names.h"
 
 namespace {
 
@@ -54,10 +52,7 @@ class sharer {
   const std::string& given(std::map<std::string, std::string>::iterator shared) {
     auto& name = shared->second;
     if (!name.empty()) return name;
-    name = shared->first;
-    for (int next = 2; !taken_.insert(gx_upper(name)).second; ++next)
-      name = shared->first + "~" + std::to_string(next);
-    return name;
+    return name = taken_.take(shared->first);
   }
 
   void write(std::size_t cell) {
@@ -77,7 +72,7 @@ class sharer {
   std::vector<std::vector<gxi_common_name_t>> names_;          // by cell and net
   std::vector<std::map<std::string, std::string>> handed_up_;  // by cell: names by its pins
   std::map<std::string, std::string> shared_;                  // names, and what they are here
-  std::set<std::string> taken_;
+  gxi_names_t taken_;
 };
 
 }  // namespace

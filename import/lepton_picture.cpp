@@ -199,12 +199,18 @@ void gxi_lepton_draw(const gxi_lepton_text_t& text, std::string_view seen,
       texts.push_back({line.text, look});
       continue;
     }
-    // Longer ones go on behind.
-    for (std::size_t from = 0; from < line.text.size(); from += longest_text) {
+    // Longer ones go on behind, from a blank where there is one.
+    for (std::size_t from = 0; from < line.text.size();) {
       gxi_look_t behind = look;
       behind.at = at(from, 0);
       behind.across = gxi_align::start;
-      texts.push_back({line.text.substr(from, longest_text), behind});
+      auto to = from + longest_text;
+      if (to < line.text.size()) {
+        const auto blank = line.text.rfind(' ', to);
+        if (blank != std::string::npos && blank > from) to = blank + 1;
+      }
+      texts.push_back({line.text.substr(from, to - from), behind});
+      from = to;
     }
   }
 }

@@ -4,7 +4,6 @@
 #include <stdexcept>
 
 #include "gx/text/at.h"
-#include "gx/text/strings.h"
 #include "import/kept_properties.h"
 #include "import/lepton_commons.h"
 #include "import/lepton_nets.h"
@@ -32,7 +31,7 @@ class lepton_reader {
     read_sheet(0, nullptr, pages);
     commons_.names.resize(design_.cells.size());
     gxi_share_names(design_, commons_);
-    drop_doubled_properties();
+    gxi_drop_doubled_properties(design_);
     gxi_keep_most_used(design_, std::move(uses_));
     design_.kept_of_pins = {"pinlabel"};
     return std::move(design_);
@@ -270,20 +269,6 @@ class lepton_reader {
     if (index == 0 || !is_local) common.name = gxi_lepton_plain(first.name);
     common.always = !is_local && (index != 0 || as_link);
     return common;
-  }
-
-  // A symbol does not tell what one of its instances tells otherwise.
-  void drop_doubled_properties() {
-    std::vector<std::set<std::string>> given(design_.cells.size());
-    for (const auto& one : design_.cells)
-      if (one.sheet)
-        for (const auto& instance : one.sheet->instances)
-          for (const auto& property : instance.properties)
-            gx_at(given, instance.symbol).insert(gx_upper(property.name));
-    for (std::size_t i = 0; i < given.size(); ++i)
-      std::erase_if(design_.cells[i].symbol.properties, [&](const auto& property) {
-        return given[i].contains(gx_upper(property.name));
-      });
   }
 
   const gxi_input_t& input_;

@@ -6,6 +6,7 @@
 
 #include "gx/text/at.h"
 #include "gx/text/strings.h"
+#include "import/kept_properties.h"
 #include "import/lepton_picture.h"
 #include "import/placement.h"
 
@@ -24,13 +25,6 @@ constexpr std::array<std::string_view, 3> of_pin_itself{"pinnumber", "pinseq", "
 template <typename List>
 bool is_among(const List& list, std::string_view name) {
   return std::find(list.begin(), list.end(), name) != list.end();
-}
-
-// Names that mean something to this program.
-std::string property_name(std::string_view name) {
-  for (const auto& meant : {"CLASS", "INST", "GLOBAL", "NET", "PIN", "PINTYPE"})
-    if (gx_iden(name, meant)) return std::string(name) + "_";
-  return std::string(name);
 }
 
 std::string property_value(std::string_view value) {
@@ -63,7 +57,7 @@ gxi_pin_t pin_of(const gxi_lepton_pin_t& pin, std::string name) {
   for (const auto& text : pin.attributes)
     if (const auto attribute = text.name();
         !attribute.empty() && !is_among(of_pin_itself, attribute))
-      made.properties.push_back({property_name(attribute), property_value(text.value()), {}});
+      made.properties.push_back({gxi_property_name(attribute), property_value(text.value()), {}});
   return made;
 }
 
@@ -117,7 +111,7 @@ gxi_symbol_t gxi_lepton_sign(const gxi_lepton_placed_t& placed) {
     const auto name = text.name();
     if (name.empty() || is_among(told_otherwise, name)) continue;
     (is_among(of_library, name) ? sign.properties : sign.defaults)
-        .push_back({property_name(name), property_value(text.value()), {}});
+        .push_back({gxi_property_name(name), property_value(text.value()), {}});
   }
   if (placed.role == role_t::part) add_hidden_pins(placed, sign);
   return sign;
@@ -158,7 +152,7 @@ void gxi_lepton_dress(const gxi_lepton_placed_t& placed, gxi_instance_t& instanc
     }
     const bool is_property = !is_among(told_otherwise, name);
     if (is_property)
-      instance.properties.push_back({property_name(name), property_value(text.value()), {}});
+      instance.properties.push_back({gxi_property_name(name), property_value(text.value()), {}});
     if (is_property && value_alone)
       instance.properties.back().look = gxi_lepton_look(text);
     else if (!seen.empty())

@@ -145,7 +145,8 @@ class writer {
     } catch (const gxm_too_many_objects& error) {
       gxm_messages_t message;
       gxm_complain(message, cell.sheet ? cell.sheet->source : cell.symbol.source,
-                   "the " + what + " of " + cell.name + " has " + error.what());
+                   "the " + what + " of " + cell.name + " has " + error.what() +
+                       (cell.sheet && what == "sheet" ? ", and cannot be divided further" : ""));
       throw std::runtime_error(message.front());
     }
   }

@@ -81,7 +81,7 @@ std::vector<gxi_line_t> gxi_lines(std::string_view text, const gxi_look_t& untur
     }
     parts.push_back(line);
   }
-  const std::int32_t step = look.height + look.height * 3 / 5;
+  const std::int32_t step = look.line_step > 0 ? look.line_step : look.height + look.height * 3 / 5;
   const auto last = static_cast<std::int32_t>(parts.size()) - 1;
   const std::int32_t tall = look.height + last * step;
   for (std::int32_t i = 0; i <= last; ++i) {

@@ -5,6 +5,7 @@
 
 #include "gx/text/strings.h"
 #include "import/joining.h"
+#include "import/names.h"
 #include "import/xschem_labels.h"
 #include "import/xschem_picture.h"
 

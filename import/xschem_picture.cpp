@@ -10,8 +10,9 @@
 namespace {
 
 constexpr double scale = gxm_step / 10.0;
-constexpr double line_height = 49;  // of a text of size 1, its units
-constexpr double letter_height = 20;
+constexpr double line_height = 49;    // of a text of size 1, its units
+constexpr double line_step = 59;      // measured in its window
+constexpr double letter_height = 22;  // letters here are as wide as those there on the average
 constexpr double smallest = 0.02, largest = 20;  // sizes of texts that are taken as they are
 constexpr double pi = 3.14159265358979323846;
 
@@ -79,6 +80,7 @@ gxi_look_t gxi_xschem_look(const gxi_xschem_text_t& text) {
   const double size = std::clamp(std::fabs(text.height), smallest, largest);
   gxi_look_t look;
   look.height = std::max(length(size * letter_height), 1);
+  look.line_step = length(size * line_step);
   look.rotate = static_cast<std::uint8_t>((4 - text.rotate) % 4);
   look.across = attributes.is_set("hcenter") ? gxi_align::middle
                 : text.flip                  ? gxi_align::end

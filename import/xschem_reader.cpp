@@ -7,23 +7,18 @@
 #include "gx/text/at.h"
 #include "gx/text/strings.h"
 #include "import/kept_properties.h"
-#include "import/netlist_text.h"
+#include "import/names.h"
 #include "import/placement.h"
 #include "import/readers.h"
+#include "import/text_devices.h"
 #include "import/xschem_labels.h"
 #include "import/xschem_nets.h"
 #include "import/xschem_picture.h"
+#include "import/xschem_signs.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-
-// Attributes that say something to xschem alone, or that become something else here.
-bool is_told_otherwise(std::string_view name) {
-  constexpr std::string_view names[] = {"name",      "embed",        "lab",
-                                        "schematic", "spice_ignore", "savecurrent"};
-  return std::find(std::begin(names), std::end(names), name) != std::end(names);
-}
 
 class xschem_reader {
  public:
@@ -37,7 +32,7 @@ class xschem_reader {
     const gxi_xschem_symbol_t* symbol = nullptr;
     if (fs::is_regular_file(beside)) {
       symbol = &library_.symbol({.symbol = beside.string()}, top);
-      take_symbol(0, *symbol);
+      cell(0).symbol = gxi_xschem_sign(*symbol);
     }
     read_sheet(0, symbol, top);
     declare_globals();
@@ -47,53 +42,6 @@ class xschem_reader {
 
  private:
   gxi_cell_t& cell(int index) { return gx_at(design_.cells, index); }
-
-  // --- symbols
-  void take_symbol(int index, const gxi_xschem_symbol_t& from) {
-    auto& to = cell(index).symbol;
-    to.name = from.name;
-    to.source = {from.file, 0};
-    gxm_shape_t drawn;
-    for (const auto& shape : from.records.shapes)
-      if (gxi_xschem_shape(shape, drawn)) to.shapes.push_back(drawn);
-    const auto fixed = [](std::string_view) { return std::string(); };
-    for (auto& shown : gxi_xschem_shown(from.records, true, fixed))
-      to.texts.push_back({std::move(shown.value), shown.look});
-    if (from.role == gxi_role_t::device) {
-      take_nodes(to, from);
-      for (const auto& [name, value] : from.defaults.all())
-        if (!is_told_otherwise(name)) to.defaults.push_back({name, value, {}});
-      return;
-    }
-    if (from.pins.empty()) return;
-    const auto& pin = from.pins.front();
-    to.pins.push_back({.name = "P", .type = pin.type, .at = gxi_xschem_point(pin.at)});
-    if (from.role == gxi_role_t::port)
-      to.properties.push_back({"CLASS",
-                               from.type == "ipin"   ? "PORTIN"
-                               : from.type == "opin" ? "PORTOUT"
-                                                     : "PORTIO",
-                               {}});
-  }
-
-  // The pins in the order of the netlist; those without a place stand in a row below the symbol.
-  static void take_nodes(gxi_symbol_t& to, const gxi_xschem_symbol_t& from) {
-    gx_pointreal_t below{0, 0};
-    for (const auto& shape : to.shapes)
-      for (const auto& point : shape.points) below.y = std::max(below.y, point.y);
-    for (const auto& pin : from.pins) below.y = std::max(below.y, gxi_xschem_point(pin.at).y);
-    below.y = (below.y / gxm_step + 1) * gxm_step;
-    for (const auto& node : from.nodes) {
-      if (node.pin < 0) {
-        to.pins.push_back({.name = node.name, .at = below});
-        below.x += gxm_step;
-        continue;
-      }
-      const auto& pin = gx_at(from.pins, node.pin);
-      for (const auto& bit : pin.bits)
-        to.pins.push_back({.name = bit, .type = pin.type, .at = gxi_xschem_point(pin.at)});
-    }
-  }
 
   // The sheet of a component, when it has one.
   std::optional<fs::path> sheet_of(const gxi_placed_t& placed, const fs::path& sheet) const {
@@ -122,19 +70,12 @@ class xschem_reader {
                                ": " + below->string() + " contains itself");
     if (!is_new) return index;
     design_.cells.emplace_back().name = below ? below->stem().string() : placed.symbol->name;
-    take_symbol(index, *placed.symbol);
+    cell(index).symbol = gxi_xschem_sign(*placed.symbol);
     if (below)
       read_sheet(index, placed.symbol, *below);
     else if (placed.symbol->role == gxi_role_t::device)
-      cell(index).symbol.properties.push_back(
-          {"CLASS", placed.symbol->type.empty() ? "device" : class_of(placed.symbol->type), {}});
+      cell(index).symbol.properties.push_back({"CLASS", gxi_xschem_class(*placed.symbol), {}});
     return index;
-  }
-
-  // Not what an expansion takes for a port or a global.
-  static std::string class_of(const std::string& type) {
-    const bool port = (type.size() == 6 || type.size() == 7) && gx_equal("PORT", type);
-    return port || gx_iden(type, "G") ? "device_" + type : type;
   }
 
   // --- sheets
@@ -168,7 +109,9 @@ class xschem_reader {
     for (const auto& component : placed)
       if (says_netlist(component, index == 0)) text += std::string(component.value("value")) + "\n";
     if (text.find_first_not_of(" \n\t") != std::string::npos) {
-      add_text_devices(sheet, text, nets);
+      text_devices_.add(text, sheet, [&](const std::string& node) {
+        return nets.named(node, sheet.source).front();
+      });
       cell(index).notes = std::move(text);
     }
     sheet.nets = std::move(nets.nets);
@@ -181,47 +124,6 @@ class xschem_reader {
     const auto simulator = component.value("simulator");
     const auto only_top = component.value("only_toplevel");
     return (simulator.empty() || simulator == "ngspice") && (is_top || only_top != "true");
-  }
-
-  // Devices that stand as lines of a netlist beside the drawing: below it, without a picture.
-  void add_text_devices(gxi_sheet_t& sheet, const std::string& text, gxi_xschem_nets_t& nets) {
-    auto devices = gxi_netlist_devices(text);
-    constexpr int row = 40;
-    gx_pointreal_t corner{0, 2 * gxm_step};
-    for (const auto& instance : sheet.instances) corner.y = std::max(corner.y, instance.at.y);
-    corner.y = (corner.y / gxm_step + 10) * gxm_step;
-    int place_in_row = 0;
-    for (auto& device : devices) {
-      gxi_instance_t instance;
-      instance.name = device.name;
-      instance.source = sheet.source;
-      instance.symbol = text_symbol(device);
-      instance.at = {corner.x + place_in_row * 2 * gxm_step, corner.y};
-      if (++place_in_row == row) {
-        place_in_row = 0;
-        corner.y += 6 * gxm_step;
-      }
-      for (const auto& node : device.nodes)
-        instance.nets.push_back(nets.named(node, sheet.source).front());
-      if (!device.value.empty()) instance.properties.push_back({"value", device.value, {}});
-      sheet.instances.push_back(std::move(instance));
-    }
-  }
-
-  int text_symbol(const gxi_netlist_device_t& device) {
-    const char letter = gx_upper_case(device.name.front());
-    const std::string name = std::string("text_") + letter + std::to_string(device.nodes.size());
-    const auto [found, is_new] =
-        text_symbols_.emplace(name, static_cast<int>(design_.cells.size()));
-    if (is_new) {
-      auto& made = design_.cells.emplace_back();
-      made.name = made.symbol.name = name;
-      made.symbol.properties.push_back({"CLASS", name, {}});
-      for (std::size_t i = 0; i < device.nodes.size(); ++i)
-        made.symbol.pins.push_back({.name = "N" + std::to_string(i + 1),
-                                    .at = {0, static_cast<std::int32_t>(i) * gxm_step}});
-    }
-    return found->second;
   }
 
   gxi_placed_t place(const gxi_xschem_component_t& component, const fs::path& path,
@@ -238,20 +140,10 @@ class xschem_reader {
     placed.shorted = ignore == "short";
     placed.ignored = !placed.shorted && !ignore.empty() && ignore != "0" && ignore != "false";
     placed.names = gxi_expand_label(placed.value("name"));
-    const auto instance = instance_of(placed, file);
+    const auto instance = gxi_xschem_instance(component, file);
     for (const auto& pin : placed.symbol->pins)
       placed.pins.push_back(gxi_on_sheet(instance, gxi_xschem_point(pin.at)));
     return placed;
-  }
-
-  static gxi_instance_t instance_of(const gxi_placed_t& placed, std::string_view file) {
-    gxi_instance_t instance;
-    const auto& component = *placed.component;
-    instance.source = {file, component.line};
-    instance.at = gxi_xschem_point(component.at);
-    instance.rotate = static_cast<std::uint8_t>((4 - component.rotate) % 4);
-    instance.mirror = component.flip;
-    return instance;
   }
 
   static void draw(const gxi_xschem_file_t& records, gxi_sheet_t& sheet) {
@@ -273,29 +165,11 @@ class xschem_reader {
                              gxm_cyan, static_cast<std::uint8_t>(bus ? 3 : 1)});
   }
 
-  std::string value_of(const gxi_placed_t& placed, std::string_view name) const {
-    const auto& symbol = *placed.symbol;
-    if (name == "symname") return symbol.name;
-    if (name.substr(0, 1) == "#") {  // an attribute of a pin
-      const auto colon = name.find(':');
-      if (colon == std::string_view::npos) return {};
-      std::size_t pin = 0;
-      for (const char c : name.substr(1, colon - 1)) {
-        if (c < '0' || c > '9' || pin > 100000) return {};
-        pin = pin * 10 + static_cast<std::size_t>(c - '0');
-      }
-      return pin < symbol.pins.size()
-                 ? std::string(symbol.pins[pin].attributes.get(name.substr(colon + 1)))
-                 : std::string();
-    }
-    return std::string(placed.value(name));
-  }
-
   void add(gxi_sheet_t& sheet, const gxi_placed_t& placed, std::size_t i, gxi_xschem_nets_t& nets,
            const fs::path& path, std::string_view file) {
-    gxi_instance_t instance = instance_of(placed, file);
+    gxi_instance_t instance = gxi_xschem_instance(*placed.component, file);
     const auto shown = gxi_xschem_shown(placed.symbol->records, false, [&](std::string_view name) {
-      return value_of(placed, name);
+      return gxi_xschem_value(placed, name, file);
     });
     const auto role = placed.symbol->role;
     const bool takes_part = !placed.ignored && !placed.shorted && !placed.symbol->missing;
@@ -307,21 +181,7 @@ class xschem_reader {
         !nets.bundle_of_pin[i].empty() && nets.names_its_net[i] &&
         add_label(sheet, placed, i, nets, path, instance, shown))
       return;
-    draw_apart(sheet, placed, instance, shown);
-  }
-
-  void draw_apart(gxi_sheet_t& sheet, const gxi_placed_t& placed, const gxi_instance_t& instance,
-                  const std::vector<gxi_xschem_shown_t>& shown) {
-    gxi_symbol_t symbol;
-    gxm_shape_t drawn;
-    for (const auto& shape : placed.symbol->records.shapes)
-      if (gxi_xschem_shape(shape, drawn)) symbol.shapes.push_back(drawn);
-    for (auto& text : gxi_xschem_shown(placed.symbol->records, true, {}))
-      symbol.texts.push_back({std::move(text.value), text.look});
-    if (placed.symbol->missing) gxi_draw_missing(placed.component->symbol, symbol);
-    gxi_draw_apart(symbol, instance, sheet);
-    for (const auto& text : shown)
-      sheet.texts.push_back({text.value, gxi_on_sheet(instance, text.look)});
+    gxi_draw_xschem(placed, shown, instance, sheet);
   }
 
   // Ports and symbols of globals become instances; false for a label that is only drawn.
@@ -330,8 +190,9 @@ class xschem_reader {
                  const std::vector<gxi_xschem_shown_t>& shown) {
     const auto& bundle = gx_at(nets.bundles, nets.bundle_of_pin[i].front());
     const auto names = gxi_expand_label(placed.value("lab"));
-    const bool global =
-        !placed.value("global").empty() || placed.symbol->attributes.is_set("global");
+    const auto& own =
+        placed.attributes.find("global") ? placed.attributes : placed.symbol->defaults;
+    const bool global = own.is_set("global") || placed.symbol->attributes.is_set("global");
     if (names.size() != bundle.nets.size()) return false;
     if (placed.symbol->role == gxi_role_t::label) {
       if (!global) return false;
@@ -353,9 +214,7 @@ class xschem_reader {
       auto& net = gx_at(nets.nets, bundle.nets[bit]);
       if (instance.kind == gxi_kind::port) {
         net.port = names[bit];
-        net.port_type = placed.symbol->type == "ipin"   ? "IN"
-                        : placed.symbol->type == "opin" ? "OUT"
-                                                        : "IO";
+        net.port_type = gxi_xschem_port_class(*placed.symbol).substr(4);
       } else {
         net.global = names[bit];
       }
@@ -368,45 +227,17 @@ class xschem_reader {
                   gxi_xschem_nets_t& nets, const fs::path& path, gxi_instance_t instance,
                   const std::vector<gxi_xschem_shown_t>& shown) {
     instance.symbol = cell_of(placed, path);
-    for (const auto& [name, value] : placed.attributes.all())
-      if (!is_told_otherwise(name)) {
-        instance.properties.push_back({name, value, {}});
-        ++uses_[name];
-      }
-    const bool vector = placed.names.size() > 1;
-    std::vector<gxi_property_t> first = instance.properties;
-    int composed = 0;
-    for (const auto& text : shown) {
-      const auto look = gxi_on_sheet(instance, text.look);
-      if (text.attribute == "name") {
-        if (vector)
-          sheet.texts.push_back({text.value, look});
-        else
-          instance.name_look = look;
-        continue;
-      }
-      // An attribute is shown once; a second time, or put together, it is a text.
-      const auto own = std::find_if(first.begin(), first.end(), [&](const auto& property) {
-        return property.name == text.attribute && !property.look;
-      });
-      if (own != first.end())
-        own->look = look;
-      else if (!text.attribute.empty() && placed.symbol->defaults.find(text.attribute) &&
-               !placed.attributes.find(text.attribute) && !is_told_otherwise(text.attribute) &&
-               std::none_of(first.begin(), first.end(),
-                            [&](const auto& p) { return p.name == text.attribute; }))
-        first.push_back({text.attribute, text.value, look});
-      else
-        first.push_back({"SHOWN" + std::to_string(++composed), text.value, look});
-    }
+    const auto seen = gxi_dress_xschem(placed, shown, instance, sheet);
+    for (const auto& property : instance.properties) ++uses_[property.name];
     // The nets of all bits of a node, over all instances of the vector.
     std::vector<std::vector<int>> nets_of_node;
     for (const auto& node : placed.symbol->nodes) {
       if (node.pin >= 0) {
         nets_of_node.push_back(gx_at(nets.bundles, gx_at(nets.bundle_of_pin[i], node.pin)).nets);
       } else {
-        const auto label = gxi_substitute(
-            node.text, [&](std::string_view name) { return value_of(placed, name); });
+        const auto label = gxi_substitute(node.text, [&](std::string_view name) {
+          return gxi_xschem_value(placed, name, instance.source.file);
+        });
         nets_of_node.push_back(label.empty() ? std::vector<int>{-1}
                                              : nets.named(label, instance.source));
       }
@@ -414,7 +245,7 @@ class xschem_reader {
     for (std::size_t k = 0; k < placed.names.size(); ++k) {
       auto single = instance;
       single.name = placed.names[k];
-      if (k == 0) single.properties = first;
+      if (k == 0) single.properties = seen;
       for (std::size_t n = 0; n < nets_of_node.size(); ++n) {
         const auto& node = placed.symbol->nodes[n];
         const auto bits = node.pin >= 0 ? gx_at(placed.symbol->pins, node.pin).bits.size() : 1;
@@ -439,7 +270,7 @@ class xschem_reader {
   gxi_design_t design_;
   gxi_xschem_library_t library_;
   std::map<std::pair<const gxi_xschem_symbol_t*, std::string>, int> cells_;
-  std::map<std::string, int> text_symbols_;
+  gxi_text_devices_t text_devices_{design_};
   std::set<std::string> open_;  // sheets being read, for those that contain themselves
   std::set<std::string> globals_;
   std::map<std::string, int> uses_;

@@ -11,6 +11,13 @@ namespace {
 constexpr double furthest = 200000;  // largest coordinate
 constexpr int most_points = 100000;  // of a polygon
 
+// The records that are one text.
+constexpr std::pair<char, std::string gxi_xschem_file_t::*> texts[] = {
+    {'v', &gxi_xschem_file_t::version}, {'K', &gxi_xschem_file_t::global},
+    {'G', &gxi_xschem_file_t::vhdl},    {'V', &gxi_xschem_file_t::verilog},
+    {'S', &gxi_xschem_file_t::spice},   {'E', &gxi_xschem_file_t::tedax},
+    {'F', &gxi_xschem_file_t::spectre}};
+
 class reader {
  public:
   reader(std::string_view text, std::string_view name, gxm_messages_t& messages)
@@ -123,30 +130,14 @@ class reader {
   }
 
   void record(gxi_xschem_file_t& file, char kind, bool embedded) {
+    for (const auto& [letter, text] : texts) {
+      if (kind != letter) continue;
+      if (kind == 'S') file.spice_line = kind_line_;
+      has_k_ |= kind == 'K';
+      file.*text = braced();
+      return;
+    }
     switch (kind) {
-      case 'v':
-        file.version = braced();
-        return;
-      case 'K':
-        file.global = braced();
-        has_k_ = true;
-        return;
-      case 'G':
-        file.vhdl = braced();
-        return;
-      case 'V':
-        file.verilog = braced();
-        return;
-      case 'S':
-        file.spice_line = kind_line_;
-        file.spice = braced();
-        return;
-      case 'E':
-        file.tedax = braced();
-        return;
-      case 'F':
-        file.spectre = braced();
-        return;
       case 'L':
       case 'B':
       case 'A':

@@ -121,11 +121,12 @@ def main():
     faults = []
     # A pin that nothing is joined to may be missing there.
     joined = {pin for pins in there.values() for pin in pins}
+    groups_here, groups_there = set(here.values()), set(there.values())
     for name, pins in here.items():
-        if pins not in there.values() and (len(pins) > 1 or pins & joined):
+        if pins not in groups_there and (len(pins) > 1 or pins & joined):
             faults.append(f"only here:  {name}: {' '.join(sorted(pins))}")
     for name, pins in there.items():
-        if pins not in here.values():
+        if pins not in groups_here:
             faults.append(f"only there: {name}: {' '.join(sorted(pins))}")
     if len(sys.argv) == 4:
         expected = json.load(open(sys.argv[3], encoding="utf-8"))

@@ -6,7 +6,6 @@
 #include <set>
 
 #include "import/builder.h"
-#include "import/division.h"
 #include "import/fit.h"
 #include "import/lepton_file.h"
 #include "import/lepton_path.h"
@@ -223,41 +222,4 @@ TEST(ImportLepton, ASecondImportWritesOnlyWhatChanged) {
   fs::remove_all(to);
   EXPECT_THROW(import(), std::runtime_error);
   EXPECT_FALSE(fs::exists(to));
-}
-
-// A sheet too large for one file, whose parts hang on two rails: every wire leaves with a part.
-TEST(ImportLepton, ALargeSheetIsDividedWithItsWires) {
-  gxi_design_t design;
-  design.cells.resize(2);
-  design.cells[0] = {.name = "rails", .sheet = gxi_sheet_t{}};
-  design.cells[1].name = "two";
-  design.cells[1].symbol.pins = {{.name = "A", .at = {}}, {.name = "B", .at = {0, gxm_step}}};
-  auto& sheet = *design.cells[0].sheet;
-  sheet.nets = {{.name = "A"}, {.name = "B"}};
-  constexpr std::int32_t count = 12000;
-  for (std::int32_t i = 0; i < count; ++i) {
-    const gx_pointreal_t at{i * gxm_step, 0};
-    sheet.instances.push_back(
-        {.name = "R" + std::to_string(i), .symbol = 1, .at = at, .nets = {0, 1}});
-    // One at the pin, one that meets none.
-    sheet.nets[0].segments.push_back({at, {at.x + gxm_step, 0}});
-    sheet.nets[1].segments.push_back({{at.x, 7 * gxm_step}, {at.x + gxm_step, 7 * gxm_step}});
-    sheet.texts.push_back({"T", {.at = at}});
-  }
-  gxi_fit(design);
-  gxi_divide(design);
-  std::size_t wires = 0, parts = 0, texts = 0;
-  for (const auto& cell : design.cells) {
-    if (!cell.sheet) continue;
-    EXPECT_LE(gxi_count_objects(design, cell), 30000U) << cell.name;
-    texts += cell.sheet->texts.size();
-    for (const auto& net : cell.sheet->nets) wires += net.segments.size();
-    for (const auto& instance : cell.sheet->instances) {
-      parts += instance.symbol == 1;
-      EXPECT_TRUE(instance.symbol != 1 || instance.nets[0] != instance.nets[1]);
-    }
-  }
-  EXPECT_EQ(wires, 2U * count);
-  EXPECT_EQ(parts, 1U * count);
-  EXPECT_EQ(texts, 1U * count);
 }

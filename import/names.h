@@ -1,0 +1,25 @@
+// Names that have to differ from one another; letter case does not tell them apart here.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "gx/text/strings.h"
+
+// Names given out so far.
+class gxi_names_t {
+ public:
+  explicit gxi_names_t(char separator = '~') : separator_(separator) {}
+
+  // The name itself, or with the separator and 2, 3 ... behind it.
+  std::string take(const std::string& name, std::size_t longest = std::string::npos);
+  bool has(std::string_view name) const { return used_.contains(gx_upper(name)); }
+
+ private:
+  char separator_;
+  std::unordered_set<std::string> used_;
+  std::unordered_map<std::string, int> next_;
+};
