@@ -57,13 +57,7 @@ struct kv_explainer_t::place_t {
 
 const std::vector<std::int32_t>& kv_explainer_t::nets_by_id(const kv_sheet_t& sheet) {
   const auto [at, is_new] = by_id_.try_emplace(&sheet);
-  if (is_new) {
-    for (std::size_t i = 0; i < sheet.nets.size(); ++i) {
-      const auto id = static_cast<std::size_t>(sheet.nets[i].object_id);
-      if (at->second.size() <= id) at->second.resize(id + 1, -1);
-      at->second[id] = static_cast<std::int32_t>(i);
-    }
-  }
+  if (is_new) at->second = kv_places_by_id(sheet.nets);
   return at->second;
 }
 

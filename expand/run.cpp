@@ -133,8 +133,10 @@ kv_run_result kv_expand_sheet(const kv_run_t& run, const gx_file_gene_recf_t& to
   run.design.kept = run.setup;
   gx_tell(" RUN ");
   if (const auto end = flatten(run, top, top_path)) {
-    kv_empty_design(run.design);  // a part of a design is not taken for the whole
-    if (run.origins != nullptr) *run.origins = {};
+    if (!run.keeps_part) {  // nobody takes a part of a design for the whole
+      kv_empty_design(run.design);
+      if (run.origins != nullptr) *run.origins = {};
+    }
     return *end;
   }
   check_nets(run.design);
