@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "expand/sheet_slots.h"
+#include "gx/text/at.h"
 
 kv_cells_t::kv_cells_t(const kv_setup_t& setup, const gx_file_gene_recf_t& top,
                        std::string_view top_path)
@@ -33,7 +34,7 @@ void kv_cells_t::walk(kv_sheet_t& sheet, const std::string& path, int level) {
 
 kv_sheet_t* kv_cells_t::below(const kv_sheet_symbol_t& symbol) const {
   if (symbol.component < 0) return nullptr;
-  auto& component = *cache_.components[static_cast<std::size_t>(symbol.component)];
+  auto& component = *gx_at(cache_.components, symbol.component);
   const bool is_usable = component.symbol_found && component.sheet_state == kv_component_t::found;
   return is_usable ? &component.sheet : nullptr;
 }
