@@ -5,7 +5,7 @@
 #include "bench/floor.h"
 #include "expand/design_output.h"
 #include "expand/store.h"
-#include "gx/db/files.h"
+#include "gx/db/record_codec.h"
 #include "gxmake/memory_array.h"
 
 namespace {

@@ -7,7 +7,7 @@
 
 #include "app/sheet/views.h"
 #include "app/state.h"
-#include "gx/db/files.h"
+#include "gx/db/file_slots.h"
 #include "gx/db/object_access.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"

@@ -2,13 +2,14 @@
 //
 // Groups are evaluated from the innermost outwards: each is replaced by its result, until a plain
 // chain of operands and operators is left. All arithmetic is in float32.
+#include "expand/expression.h"
+
 #include <algorithm>
 #include <array>
 #include <optional>
 #include <span>
 
 #include "expand/debug.h"
-#include "expand/values.h"
 #include "gx/text/numbers.h"
 #include "gx/text/strings.h"
 

@@ -8,7 +8,7 @@
 #include "expand/debug.h"
 #include "expand/net_join.h"
 #include "expand/values.h"
-#include "gx/db/files.h"
+#include "gx/db/link_file.h"
 #include "gx/db/objects_of.h"
 #include "gx/text/at.h"
 #include "gx/text/numbers.h"
@@ -112,7 +112,7 @@ class analysis {
 
   void find_deleted() {
     for (int id = 1; id <= file_.object_id_max; ++id) {
-      if ((gx_object(file_, id)->status & gx_flag_deleted) == 0) continue;
+      if (!gx_is_deleted(*gx_object(file_, id))) continue;
       sheet.deleted_object = id;
       return;
     }

@@ -5,7 +5,8 @@
 
 #include "expand/estimate.h"
 #include "expand/sheet_slots.h"
-#include "gx/db/files.h"
+#include "gx/db/link_file.h"
+#include "gx/db/record_codec.h"
 #include "gx/db/sheet_shape.h"
 #include "gx/text/at.h"
 #include "gx/text/message_list.h"

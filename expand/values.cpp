@@ -7,7 +7,9 @@
 #include <cmath>
 #include <limits>
 
+#include "expand/expression.h"
 #include "gx/text/at.h"
+#include "gx/text/numbers.h"
 #include "gx/text/strings.h"
 
 namespace {
@@ -33,38 +35,15 @@ kv_values_t<Number> failed() {
 // Decimal digits only, within 16 bits.
 struct integer_number {
   using type = std::int32_t;
-  static bool read(std::string_view text, type& value) {
-    value = 0;
-    for (char c : text) {
-      if (!is_digit(c)) return false;
-      value = value * 10 + (c - '0');
-      if (value > std::numeric_limits<std::int16_t>::max()) return false;
-    }
-    return true;
-  }
+  static gx_parsed<std::int16_t> read(std::string_view text) { return gx_string_to_int16(text); }
   static type mean(type a, type b) { return (a + b) >> 1; }
 };
 
 // Digits with points: every digit behind the first point divides by a further 10.
 struct real_number {
   using type = float;
-  static bool read(std::string_view text, type& value) {
-    double digits = 0, divisor = 1;
-    bool fraction = false;
-    for (char c : text) {
-      if (c == '.') {
-        fraction = true;
-      } else if (is_digit(c)) {
-        digits = digits * 10 + (c - '0');
-        if (fraction) divisor *= 10;
-      } else {
-        return false;
-      }
-    }
-    const double number = digits / divisor;
-    if (!(number <= std::numeric_limits<float>::max())) return false;
-    value = static_cast<float>(number);
-    return true;
+  static gx_parsed<float> read(std::string_view text) {
+    return text.starts_with('-') ? gx_parsed<float>{0, true} : gx_string_to_shortreal(text);
   }
   static type mean(type a, type b) { return (a + b) / 2; }
 };
@@ -78,9 +57,9 @@ kv_values_t<typename Kind::type> decode_list(std::string_view text) {
   std::size_t pos = text.find_first_not_of(separators);
   while (pos != std::string_view::npos && n < 3) {
     const std::size_t end = std::min(text.find_first_of(separators, pos), text.size());
-    if (!Kind::read(text.substr(pos, end - pos), gx_at(number, n++))) {
-      return failed<Number>();
-    }
+    const auto read = Kind::read(text.substr(pos, end - pos));
+    if (read.error) return failed<Number>();
+    gx_at(number, n++) = read.value;
     pos = text.find_first_not_of(separators, end);
   }
   const auto [a, b, c] = number;

@@ -27,10 +27,6 @@ struct kv_scope_t {
 kv_values_t<std::int32_t> kv_decode_3_valuei(std::string_view text, const kv_scope_t& scope);
 kv_values_t<std::int32_t> kv_decode_3_valuet(std::string_view text, const kv_scope_t& scope);
 kv_values_t<float> kv_decode_3_valuer(std::string_view text, const kv_scope_t& scope);
-// --- expression.cpp
-kv_values_t<float> kv_conv_complex_expr(std::string_view text, const kv_scope_t& scope);
-kv_values_t<float> kv_find_parameter_value(std::string_view name, const kv_setup_t& setup);
-kv_values_t<float> kv_find_property_inst_value(std::string_view name, const kv_scope_t& scope);
 
 // A value that depends on the enclosing macro (an expression with a name that is no parameter)
 // must be decoded at each visit; any other gives the same values everywhere in a run.

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "fuzz/session.h"
+#include "gx/db/record_codec.h"
 #include "gx/db/record_tables.h"
 #include "kvi/load.h"
 #include "kvi/state.h"

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 
+#include "expand/expression.h"
 #include "expand/values.h"
 #include "fuzz/session.h"
 

@@ -5,10 +5,11 @@
 #include <string>
 #include <string_view>
 
-#include "gx/db/files.h"
 #include "gx/db/geometry.h"
+#include "gx/db/link_file.h"
 #include "gx/db/object_access.h"
 #include "gx/db/queries.h"
+#include "gx/db/record_codec.h"
 #include "gx/db/sheet_shape.h"
 
 namespace {

@@ -6,27 +6,19 @@
 #include <ctime>
 #include <map>
 
-#include "gx/db/files.h"
+#include "gx/db/record_codec.h"
 #include "gxmake/object_file.h"
 #include "gxmake/object_tree.h"
 #include "gxmake/symbol_parts.h"
 #include "platform/files.h"
 
-gxm_date_t gxm_date_of_files() {
+gx_date_t gxm_date_of_files() {
   const char* const epoch = std::getenv("SOURCE_DATE_EPOCH");
   const std::time_t now = epoch ? std::strtoll(epoch, nullptr, 10) : std::time(nullptr);
   std::tm t{};
   gmtime_r(&now, &t);
   const auto i16 = [](int v) { return static_cast<std::int16_t>(v); };
   return {i16(t.tm_mday), i16(t.tm_mon + 1), i16(t.tm_year + 1900), i16(t.tm_hour), i16(t.tm_min)};
-}
-
-void gxm_set_date(gx_file_gene_recf_t& file, const gxm_date_t& date) {
-  file.day = date.day;
-  file.month = date.month;
-  file.year = date.year;
-  file.hour = date.hour;
-  file.minute = date.minute;
 }
 
 void gxm_complain(gxm_messages_t& messages, const gxm_source_t& source, std::string_view what) {

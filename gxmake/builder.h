@@ -9,20 +9,12 @@
 #include "gx/db/file_records.h"
 #include "gxmake/description.h"
 
-// Time of the save that the headers name.
-struct gxm_date_t {
-  std::int16_t day = 1, month = 1, year = 2000, hour = 0, minute = 0;
-};
-
-// That of the environment's SOURCE_DATE_EPOCH, else the present; UTC, so that the same epoch gives
-// the same bytes everywhere.
-gxm_date_t gxm_date_of_files();
-
-// Puts it into the header of a file.
-void gxm_set_date(gx_file_gene_recf_t& file, const gxm_date_t& date);
+// The date that the headers of made files name: of the environment's SOURCE_DATE_EPOCH, else the
+// present; UTC, so that the same epoch gives the same bytes everywhere.
+gx_date_t gxm_date_of_files();
 
 struct gxm_options_t {
-  gxm_date_t date;
+  gx_date_t date{1, 1, 2000};
   std::string prefix;  // put before the symbol paths that sheets hold, "" or ending in "/"
 };
 

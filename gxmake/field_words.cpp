@@ -1,8 +1,9 @@
 #include "gxmake/field_words.h"
 
 #include <algorithm>
-#include <charconv>
 #include <iterator>
+
+#include "gx/text/numbers.h"
 
 namespace {
 
@@ -10,19 +11,15 @@ constexpr std::string_view unsaid[] = {
     "object_id", "object_type", "status", "software_revision", "object_id_max", "day", "month",
     "year",      "hour",        "minute"};
 
-template <typename Number>
-bool read_number(std::string_view word, Number& number) {
-  const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
-  return error == std::errc() && end == word.data() + word.size();
-}
-
 // The numbers of a word of exactly `many`, separated by commas.
 bool read_numbers(std::string_view word, std::span<std::int32_t> numbers) {
   for (std::size_t i = 0; i < numbers.size(); ++i) {
     const auto comma = word.find(',');
     const bool is_last = i + 1 == numbers.size();
     if ((comma == std::string_view::npos) != is_last) return false;
-    if (!read_number(word.substr(0, comma), numbers[i])) return false;
+    const auto number = gx_whole_number<std::int32_t>(word.substr(0, comma));
+    if (!number) return false;
+    numbers[i] = *number;
     word.remove_prefix(is_last ? word.size() : comma + 1);
   }
   return true;
@@ -30,10 +27,9 @@ bool read_numbers(std::string_view word, std::span<std::int32_t> numbers) {
 
 template <typename Number>
 bool put_number(void* record, const gx_field_t& field, std::string_view word) {
-  Number number{};
-  if (!read_number(word, number)) return false;
-  gx_put_number(record, field, number);
-  return true;
+  const auto number = gx_whole_number<Number>(word);
+  if (number) gx_put_number(record, field, *number);
+  return number.has_value();
 }
 
 template <typename Text>

@@ -133,7 +133,7 @@ std::shared_ptr<gx_file_gene_recf_t> gxm_build_object_file(const gxm_object_file
                                                            const gxm_options_t& options,
                                                            gxm_messages_t& messages) {
   auto file = std::make_shared<gx_file_gene_recf_t>();
-  gxm_set_date(*file, options.date);
+  gx_set_file_date(*file, options.date);
   std::vector<int> fathers;
   for (const auto& object : described.objects) {
     auto& record = gx_new_object(*file, object.type);

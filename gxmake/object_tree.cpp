@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "gx/db/file_slots.h"
 #include "gx/db/file_state.h"
-#include "gx/db/files.h"
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
 #include "gx/db/undo.h"
@@ -53,11 +53,11 @@ gx_object_id_t gxm_add_plain(gxm_tree_t& tree, gx_type type, int father, gx_poin
   return gxm_make(tree, type, father, origin, [type] { gx_plain(type); });
 }
 
-gxm_tree_t gxm_start_tree(const gxm_date_t& date, gx_pointreal_t page, std::int32_t grid_step,
+gxm_tree_t gxm_start_tree(const gx_date_t& date, gx_pointreal_t page, std::int32_t grid_step,
                           bool grid_on) {
   gxm_tree_t tree;
   auto& file = *tree.file;
-  gxm_set_date(file, date);
+  gx_set_file_date(file, date);
   file.dot_width = dot_half_size;
   const auto main = gxm_add_plain(tree, gx_type::main, 0);
   const auto page_id = gxm_add_plain(tree, gx_type::page, main);

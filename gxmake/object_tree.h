@@ -31,7 +31,7 @@ struct gxm_tree_t {
 };
 
 // A file with its main object (id 1), page (2) and grid (3).
-gxm_tree_t gxm_start_tree(const gxm_date_t& date, gx_pointreal_t page, std::int32_t grid_step,
+gxm_tree_t gxm_start_tree(const gx_date_t& date, gx_pointreal_t page, std::int32_t grid_step,
                           bool grid_on);
 
 // A new object, inside the brackets of its father and its own; `fill` calls its constructor.

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <utility>
 
+#include "gx/text/numbers.h"
 #include "gx/text/strings.h"
 
 namespace {
@@ -73,12 +74,8 @@ std::optional<gx_pointreal_t> gxm_point(std::string_view word) {
 }
 
 std::optional<int> gxm_integer(std::string_view word, int least, int most) {
-  int value = 0;
-  const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), value);
-  if (word.empty() || error != std::errc() || end != word.data() + word.size() || value < least ||
-      value > most)
-    return std::nullopt;
-  return value;
+  const auto value = gx_whole_number<int>(word);
+  return value && *value >= least && *value <= most ? value : std::nullopt;
 }
 
 std::optional<gxm_range_t> gxm_range(std::string_view word) {

@@ -6,6 +6,7 @@
 #include <set>
 
 #include "gx/db/geometry.h"
+#include "gx/text/at.h"
 #include "gx/text/strings.h"
 #include "gxmake/symbol_parts.h"
 #include "import/placement.h"
@@ -16,13 +17,6 @@ namespace {
 constexpr std::size_t most_points = gx_object_polyline_rec_t::max_points;
 constexpr std::size_t texts_of_frame = 900;  // a check of the sheet takes 999
 constexpr std::int32_t margin = 4 * gxm_step;
-const gxm_date_t no_date{0, 0, 0, 0, 0};
-
-std::string upper(std::string_view text) {
-  std::string result(text);
-  std::transform(result.begin(), result.end(), result.begin(), gx_upper_case);
-  return result;
-}
 
 // Polylines of more points than one object holds become several.
 void take_shape(std::vector<gxm_shape_t>& shapes, const gxm_shape_t& shape) {
@@ -80,7 +74,7 @@ gxm_symbol_t plain_symbol(const gxi_symbol_t& symbol) {
   for (const auto& shape : symbol.shapes) take_shape(plain.shapes, shape);
   std::set<std::string> taken;
   const auto take = [&](const gxi_property_t& property) {
-    taken.insert(upper(property.name));
+    taken.insert(gx_upper(property.name));
     if (!property.look)
       return gxm_property_t{.name = property.name, .value = property.value, .at = {}};
     return property_of_line(property.name, whole_line(property.value, *property.look),
@@ -191,13 +185,13 @@ class sheet_builder {
                  20 * gxm_step),
         std::max(floor_to(std::int64_t{box.ymax} + shift_.y + margin + gxm_step, gxm_step),
                  20 * gxm_step)};
-    return gxm_start_tree(no_date, page, gxm_step, true);
+    return gxm_start_tree({}, page, gxm_step, true);
   }
 
   void include_instance(gx_boundsreal_t& box, const gxi_instance_t& instance) {
     auto [found, is_new] = symbol_boxes_.emplace(instance.symbol, gx_empty_bounds);
     if (is_new) {
-      const auto& symbol = design_.cells[static_cast<std::size_t>(instance.symbol)].symbol;
+      const auto& symbol = gx_at(design_.cells, instance.symbol).symbol;
       for (const auto& shape : symbol.shapes) include(found->second, shape);
       for (const auto& pin : symbol.pins) gx_include(found->second, pin.at);
       for (const auto& text : symbol.texts) include(found->second, text);
@@ -221,14 +215,13 @@ class sheet_builder {
     object.path = gx_string(named.path);
     used->second.object = &object;
     used->second.version = named.version;
-    gxm_add_symbol_contents(tree_,
-                            plain_symbol(design_.cells[static_cast<std::size_t>(cell)].symbol),
+    gxm_add_symbol_contents(tree_, plain_symbol(gx_at(design_.cells, cell).symbol),
                             object.gene.object_id);
   }
 
   void add_instance(const gxi_instance_t& instance) {
     auto& used = used_[instance.symbol];
-    const auto& symbol = design_.cells[static_cast<std::size_t>(instance.symbol)].symbol;
+    const auto& symbol = gx_at(design_.cells, instance.symbol).symbol;
     auto& object = gxm_add<gx_object_instance_rec_t>(tree_, instances_, moved(instance.at));
     const auto id = object.gene.object_id;
     const auto turn = gxi_turn_of(instance);
@@ -266,8 +259,7 @@ class sheet_builder {
                      symbol.pins[i].at);
       const int net = i < instance.nets.size() ? instance.nets[i] : -1;
       if (net >= 0)
-        pins_of_net_[static_cast<std::size_t>(net)].push_back(
-            {gxi_on_sheet(instance, symbol.pins[i].at), &pin});
+        gx_at(pins_of_net_, net).push_back({gxi_on_sheet(instance, symbol.pins[i].at), &pin});
     }
   }
 
@@ -306,7 +298,7 @@ class sheet_builder {
     std::vector<gx_object_id_t> ids;
     for (const auto& end : wiring.ends) {
       if (end.pin >= 0) {
-        auto& pin = *pins[static_cast<std::size_t>(end.pin)].pin;
+        auto& pin = *gx_at(pins, end.pin).pin;
         pin.dotted = end.degree > 1;
         ids.push_back(pin.gene.object_id);
         continue;
@@ -390,7 +382,7 @@ class sheet_builder {
 
 gxi_tree_t gxi_build_symbol(const gxi_cell_t& cell) {
   constexpr gx_pointreal_t page{40 * gxm_step, 40 * gxm_step};
-  gxm_tree_t tree = gxm_start_tree(no_date, page, gxm_step, true);
+  gxm_tree_t tree = gxm_start_tree({}, page, gxm_step, true);
   const auto family = gxm_add_plain(tree, gx_type::component_family, tree.file->primary_object);
   gxm_add_symbol_contents(tree, plain_symbol(cell.symbol),
                           gxm_add_plain(tree, gx_type::component, family));

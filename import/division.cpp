@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "gx/text/at.h"
 #include "import/builder.h"
 #include "import/placement.h"
 
@@ -18,7 +19,7 @@ constexpr std::size_t drawn_objects = 10000;  // of the pictures that stay in th
 constexpr std::int32_t pin_step = gxm_step;
 
 std::size_t objects_of(const gxi_design_t& design, const gxi_instance_t& instance) {
-  const auto& symbol = design.cells[static_cast<std::size_t>(instance.symbol)].symbol;
+  const auto& symbol = gx_at(design.cells, instance.symbol).symbol;
   return 4 + instance.properties.size() + symbol.defaults.size() + symbol.pins.size();
 }
 
@@ -33,7 +34,7 @@ class divider {
   divider(gxi_design_t& design, int cell) : design_(design), cell_(cell) {}
 
   void run() {
-    auto sheet = std::move(*design_.cells[static_cast<std::size_t>(cell_)].sheet);
+    auto sheet = std::move(*gx_at(design_.cells, cell_).sheet);
     const auto wires = wires_of_instances(sheet);
     const auto nb_of_parts = static_cast<std::size_t>(
         std::count_if(sheet.instances.begin(), sheet.instances.end(),
@@ -71,15 +72,14 @@ class divider {
       for (const auto& instance : chunks[c].instances)
         for (const int net : instance.nets) {
           if (net < 0) continue;
-          auto& last = last_chunk[static_cast<std::size_t>(net)];
-          if (last >= 0 && last != static_cast<int>(c))
-            shared[static_cast<std::size_t>(net)] = true;
+          auto& last = gx_at(last_chunk, net);
+          if (last >= 0 && last != static_cast<int>(c)) gx_at(shared, net) = true;
           last = static_cast<int>(c);
         }
     gx_pointreal_t at{0, 0};
     for (const auto& instance : stay) at.y = std::max(at.y, instance.at.y);
     at.y += 20 * gxm_step;
-    const std::string name = design_.cells[static_cast<std::size_t>(cell_)].name;
+    const std::string name = gx_at(design_.cells, cell_).name;
     // What is drawn follows the instances in its order.
     std::size_t done = 0;
     for (auto& chunk : chunks) {
@@ -115,7 +115,7 @@ class divider {
     gxm_complain(design_.warnings, sheet.source,
                  "the sheet of " + name + " would hold more objects than a file can: its " +
                      "instances are in " + std::to_string(parts) + " parts of one more level");
-    design_.cells[static_cast<std::size_t>(cell_)].sheet = std::move(sheet);
+    gx_at(design_.cells, cell_).sheet = std::move(sheet);
   }
 
  private:
@@ -137,7 +137,7 @@ class divider {
     for (std::size_t i = 0; i < sheet.instances.size(); ++i) {
       const auto& instance = sheet.instances[i];
       if (instance.kind != gxi_kind::part) continue;
-      const auto& symbol = design_.cells[static_cast<std::size_t>(instance.symbol)].symbol;
+      const auto& symbol = gx_at(design_.cells, instance.symbol).symbol;
       for (std::size_t pin = 0; pin < instance.nets.size(); ++pin) {
         if (instance.nets[pin] < 0) continue;
         const auto net = static_cast<std::size_t>(instance.nets[pin]);
@@ -181,10 +181,10 @@ class divider {
         if (net < 0) continue;
         const auto [found, is_new] = net_here.emplace(net, static_cast<int>(sheet.nets.size()));
         if (is_new) {
-          auto& outer = whole.nets[static_cast<std::size_t>(net)];
+          auto& outer = gx_at(whole.nets, net);
           gxi_net_t inner{.name = outer.name, .name_look = outer.name_look, .source = outer.source};
           outer.name_look.reset();  // it is shown once
-          if (shared[static_cast<std::size_t>(net)]) {
+          if (gx_at(shared, net)) {
             inner.port = outer.name.empty() ? "NET" + std::to_string(net) : outer.name;
             add_pin(part.symbol, inner.port);
             instance.nets.push_back(net);
@@ -196,8 +196,8 @@ class divider {
         net = found->second;
       }
     for (const auto& [net, segment] : chunk.wires)
-      sheet.nets[static_cast<std::size_t>(net_here.at(net))].segments.push_back(
-          whole.nets[static_cast<std::size_t>(net)].segments[segment]);
+      gx_at(sheet.nets, net_here.at(net))
+          .segments.push_back(gx_at(whole.nets, net).segments[segment]);
     add_ports(sheet);
     std::move(instances.begin(), instances.end(), std::back_inserter(sheet.instances));
     part.sheet = std::move(sheet);
@@ -252,7 +252,7 @@ std::size_t gxi_count_objects(const gxi_design_t& design, const gxi_cell_t& cell
   std::vector<bool> used(design.cells.size());
   for (const auto& instance : cell.sheet->instances) {
     count += objects_of(design, instance);
-    used[static_cast<std::size_t>(instance.symbol)] = true;
+    gx_at(used, instance.symbol) = true;
   }
   for (std::size_t i = 0; i < used.size(); ++i)
     if (used[i]) count += objects_of(design.cells[i].symbol);

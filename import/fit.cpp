@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "gx/db/geometry.h"
+#include "gx/text/at.h"
 #include "gx/text/strings.h"
 #include "import/ascii.h"
 #include "import/placement.h"
@@ -16,12 +17,6 @@
 namespace {
 
 constexpr std::size_t longest_name = 63, longest_value = 95, longest_directory = 60;
-
-std::string upper(std::string_view text) {
-  std::string result(text);
-  std::transform(result.begin(), result.end(), result.begin(), gx_upper_case);
-  return result;
-}
 
 // Names given out so far, letter case ignored.
 class taken_names {
@@ -31,7 +26,7 @@ class taken_names {
   // The name itself, or with the separator and 2, 3 ... behind it.
   std::string take(const std::string& name, std::size_t longest) {
     std::string unique = name.substr(0, longest);
-    for (int& next = next_[upper(unique)]; !used_.insert(upper(unique)).second;) {
+    for (int& next = next_[gx_upper(unique)]; !used_.insert(gx_upper(unique)).second;) {
       const std::string tail = separator_ + std::to_string(next = std::max(next + 1, 2));
       unique = name.substr(0, longest - tail.size()) + tail;
     }
@@ -179,7 +174,7 @@ class fitter {
     taken_names taken;
     std::vector<gxi_instance_t> kept;
     for (auto& instance : sheet.instances) {
-      auto& symbol = design_.cells[static_cast<std::size_t>(instance.symbol)].symbol;
+      auto& symbol = gx_at(design_.cells, instance.symbol).symbol;
       instance.nets.resize(symbol.pins.size(), -1);
       fit_properties(instance.properties, instance.source);
       if (instance.kind == gxi_kind::port) {
@@ -220,13 +215,13 @@ class fitter {
 
   void note_said(const gxi_instance_t& instance) {
     if (instance.kind == gxi_kind::part || instance.nets.empty() || instance.nets[0] < 0) return;
-    auto& said = said_[static_cast<std::size_t>(instance.nets[0])];
+    auto& said = gx_at(said_, instance.nets[0]);
     (instance.kind == gxi_kind::port ? said.port : said.global) = true;
   }
 
   void add_undrawn(gxi_sheet_t& sheet, int net_index) {
-    const auto& net = sheet.nets[static_cast<std::size_t>(net_index)];
-    const auto& said = said_[static_cast<std::size_t>(net_index)];
+    const auto& net = gx_at(sheet.nets, net_index);
+    const auto& said = gx_at(said_, net_index);
     if (!net.port.empty() && !said.port)
       add_instance(sheet, gxi_kind::port, net.port, net_index,
                    net.port_type == "IN"    ? "PORTIN"
@@ -242,7 +237,7 @@ class fitter {
     instance.kind = kind;
     instance.name = name;
     instance.symbol = undrawn_symbol(class_name);
-    instance.source = sheet.nets[static_cast<std::size_t>(net)].source;
+    instance.source = gx_at(sheet.nets, net).source;
     instance.at = next_undrawn_;
     next_undrawn_.x += gxm_step;
     instance.nets = {net};

@@ -5,6 +5,8 @@
 #include <optional>
 #include <vector>
 
+#include "gx/text/at.h"
+
 namespace {
 
 // Of what a sheet becomes. Each path will get longer by what stands above the sheet.
@@ -23,9 +25,9 @@ class counter {
   explicit counter(const gxi_design_t& design) : design_(design), known_(design.cells.size()) {}
 
   sheet_size_t count(int index) {
-    auto& known = known_[static_cast<std::size_t>(index)];
+    auto& known = gx_at(known_, index);
     if (known) return *known;
-    const auto& cell = design_.cells[static_cast<std::size_t>(index)];
+    const auto& cell = gx_at(design_.cells, index);
     sheet_size_t size;
     for (const auto& instance : cell.sheet->instances)
       if (instance.kind == gxi_kind::part) add(size, instance, cell);
@@ -53,7 +55,7 @@ class counter {
   }
 
   void add(sheet_size_t& size, const gxi_instance_t& instance, const gxi_cell_t& on) {
-    const auto& cell = design_.cells[static_cast<std::size_t>(instance.symbol)];
+    const auto& cell = gx_at(design_.cells, instance.symbol);
     add_path(size, instance.name.size());
     add_text(size, on.name.size() + 16);  // the file of the sheet
     for (const auto& property : instance.properties) add_property(size, property);

@@ -5,14 +5,16 @@
 #include <numeric>
 #include <utility>
 
+#include "gx/text/at.h"
+
 gxi_groups_t::gxi_groups_t(std::size_t size) : parent_(size) {
   std::iota(parent_.begin(), parent_.end(), 0);
 }
 
 int gxi_groups_t::root(int i) {
-  while (parent_[static_cast<std::size_t>(i)] != i) {
-    auto& up = parent_[static_cast<std::size_t>(i)];
-    i = up = parent_[static_cast<std::size_t>(up)];
+  while (gx_at(parent_, i) != i) {
+    auto& up = gx_at(parent_, i);
+    i = up = gx_at(parent_, up);
   }
   return i;
 }
@@ -20,7 +22,7 @@ int gxi_groups_t::root(int i) {
 void gxi_groups_t::join(int a, int b) {
   a = root(a);
   b = root(b);
-  parent_[static_cast<std::size_t>(std::max(a, b))] = std::min(a, b);
+  gx_at(parent_, std::max(a, b)) = std::min(a, b);
 }
 
 void gxi_join_places(gxi_groups_t& groups, std::span<const gxi_span_t> wires,
@@ -48,7 +50,6 @@ void gxi_join_places(gxi_groups_t& groups, std::span<const gxi_span_t> wires,
   }
   for (const auto& run : gxi_runs(spans, points)) {
     for (const int span : run.spans) groups.join(run.spans.front(), span);
-    for (const int point : run.points)
-      groups.join(run.spans.front(), owners[static_cast<std::size_t>(point)]);
+    for (const int point : run.points) groups.join(run.spans.front(), gx_at(owners, point));
   }
 }

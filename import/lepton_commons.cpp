@@ -5,6 +5,7 @@
 #include <map>
 #include <set>
 
+#include "gx/text/at.h"
 #include "gx/text/strings.h"
 
 namespace {
@@ -31,7 +32,7 @@ class sharer {
       for (std::size_t pin = 0; pin < instance.nets.size(); ++pin) {
         const auto handed = handed_up_[symbol].find(pins[pin].name);
         if (instance.nets[pin] < 0 || handed == handed_up_[symbol].end()) continue;
-        auto& here = names[static_cast<std::size_t>(instance.nets[pin])];
+        auto& here = gx_at(names, instance.nets[pin]);
         if (!here.is_named)
           here = {handed->second, true, true};
         else if (here.name != handed->second)
@@ -53,12 +54,8 @@ class sharer {
   const std::string& given(std::map<std::string, std::string>::iterator shared) {
     auto& name = shared->second;
     if (!name.empty()) return name;
-    const auto upper = [](std::string text) {
-      std::transform(text.begin(), text.end(), text.begin(), gx_upper_case);
-      return text;
-    };
     name = shared->first;
-    for (int next = 2; !taken_.insert(upper(name)).second; ++next)
+    for (int next = 2; !taken_.insert(gx_upper(name)).second; ++next)
       name = shared->first + "~" + std::to_string(next);
     return name;
   }
@@ -72,7 +69,7 @@ class sharer {
     }
     for (auto& instance : sheet.instances)
       if (instance.kind == gxi_kind::global)
-        instance.name = sheet.nets[static_cast<std::size_t>(instance.nets.front())].global;
+        instance.name = gx_at(sheet.nets, instance.nets.front()).global;
   }
 
   gxi_design_t& design_;

@@ -222,7 +222,8 @@ class reader {
     const int opened = line_;
     auto* const component = owner_.component;
     if (component == nullptr) refuse("a \"[\" that follows no component");
-    const auto outer = owner_;
+    auto outer = owner_;
+    outer.component = nullptr;  // it has one symbol
     component->embedded = std::make_shared<gxi_lepton_file_t>();
     owner_ = {};
     while (next()) {

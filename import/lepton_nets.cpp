@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "gx/text/at.h"
 #include "import/joining.h"
 #include "import/lepton_picture.h"
 #include "import/placement.h"
@@ -109,8 +110,8 @@ class joiner {
       for (const auto& [name, named] : by_name_) {
         const bool wins = netname_wins ? named.by_wire : named.by_link;
         if (wins == winning)
-          result_.names[static_cast<std::size_t>(net(named.member, {}))].push_back(
-              {name, named.by_link, named.by_wire});
+          gx_at(result_.names, net(named.member, {}))
+              .push_back({name, named.by_link, named.by_wire});
       }
     for (std::size_t i = 0; i < result_.nets.size(); ++i)
       if (!result_.names[i].empty()) result_.nets[i].name = result_.names[i].front().name;

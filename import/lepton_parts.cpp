@@ -2,7 +2,8 @@
 #include "import/lepton_parts.h"
 
 #include <algorithm>
-#include <charconv>
+
+#include "gx/text/numbers.h"
 
 namespace {
 
@@ -30,9 +31,7 @@ std::vector<std::string_view> all_values(const gxi_lepton_placed_t& placed, std:
 // The place of a pin in its list of numbers; 0: none.
 std::size_t sequence_of(const gxi_lepton_pin_t& pin) {
   const auto text = gxi_lepton_value(pin.attributes, "pinseq");
-  std::size_t value = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  return error == std::errc() && end == text.data() + text.size() ? value : 0;
+  return gx_whole_number<std::size_t>(text).value_or(0);
 }
 
 void take_pins(gxi_lepton_placed_t& placed) {

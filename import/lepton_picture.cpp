@@ -7,6 +7,7 @@
 #include <cstdlib>
 
 #include "gx/db/geometry.h"
+#include "gx/text/at.h"
 #include "import/lepton_path.h"
 
 namespace {
@@ -75,9 +76,8 @@ barred_t barred(std::string_view line) {
 gx_pointreal_t gxi_lepton_point(gxi_lepton_point_t p) { return {p.x * scale, -p.y * scale}; }
 
 std::uint8_t gxi_lepton_color(int index) {
-  return index >= 0 && index < static_cast<int>(colors.size())
-             ? colors[static_cast<std::size_t>(index)]
-             : std::uint8_t{gxm_white};
+  return index >= 0 && index < static_cast<int>(colors.size()) ? gx_at(colors, index)
+                                                               : std::uint8_t{gxm_white};
 }
 
 std::vector<gxm_shape_t> gxi_lepton_shapes(const gxi_lepton_shape_t& shape) {

@@ -3,6 +3,7 @@
 #include <set>
 #include <stdexcept>
 
+#include "gx/text/at.h"
 #include "gx/text/strings.h"
 #include "import/kept_properties.h"
 #include "import/lepton_commons.h"
@@ -43,7 +44,7 @@ class lepton_reader {
     std::vector<std::pair<std::size_t, std::size_t>> joined{};
   };
 
-  gxi_cell_t& cell(int index) { return design_.cells[static_cast<std::size_t>(index)]; }
+  gxi_cell_t& cell(int index) { return gx_at(design_.cells, index); }
   void warn(const gxm_source_t& source, const std::string& what) {
     gxm_complain(design_.warnings, source, what);
   }
@@ -118,7 +119,7 @@ class lepton_reader {
     if (block != nullptr) summarize(index, *block, placed, nets);
     for (std::size_t i = 0; i < wires.size(); ++i) draw_wire(wires[i], i, nets, sheet);
     commons_.names.resize(std::max(commons_.names.size(), static_cast<std::size_t>(index) + 1));
-    commons_.names[static_cast<std::size_t>(index)] = std::move(common);
+    gx_at(commons_.names, index) = std::move(common);
     commons_.order.push_back(index);
     sheet.nets = std::move(nets.nets);
     for (auto& net : sheet.nets) net.name = gxi_lepton_plain(net.name);
@@ -162,7 +163,7 @@ class lepton_reader {
     std::vector<bool> second(placed.size());
     for (std::size_t i = 0; i < placed.size(); ++i) {
       if (placed[i].role != role_t::port) continue;
-      auto& net = nets.nets[static_cast<std::size_t>(nets.of_pin[i].front())];
+      auto& net = gx_at(nets.nets, nets.of_pin[i].front());
       second[i] = !net.port.empty();
       if (second[i]) continue;
       net.port = gxi_lepton_plain(placed[i].name);
@@ -274,18 +275,15 @@ class lepton_reader {
   // A symbol does not tell what one of its instances tells otherwise.
   void drop_doubled_properties() {
     std::vector<std::set<std::string>> given(design_.cells.size());
-    const auto upper = [](std::string name) {
-      std::transform(name.begin(), name.end(), name.begin(), gx_upper_case);
-      return name;
-    };
     for (const auto& one : design_.cells)
       if (one.sheet)
         for (const auto& instance : one.sheet->instances)
           for (const auto& property : instance.properties)
-            given[static_cast<std::size_t>(instance.symbol)].insert(upper(property.name));
+            gx_at(given, instance.symbol).insert(gx_upper(property.name));
     for (std::size_t i = 0; i < given.size(); ++i)
-      std::erase_if(design_.cells[i].symbol.properties,
-                    [&](const auto& property) { return given[i].contains(upper(property.name)); });
+      std::erase_if(design_.cells[i].symbol.properties, [&](const auto& property) {
+        return given[i].contains(gx_upper(property.name));
+      });
   }
 
   const gxi_input_t& input_;

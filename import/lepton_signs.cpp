@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 
+#include "gx/text/at.h"
 #include "gx/text/strings.h"
 #include "import/lepton_picture.h"
 #include "import/placement.h"
@@ -49,8 +50,7 @@ void draw_pins(const gxi_lepton_placed_t& placed, gxi_symbol_t& sign) {
     for (auto text : pin.attributes) {
       // The number is that of the slot.
       if (text.name() == "pinnumber" && found != placed.pins.end())
-        text.text =
-            "pinnumber=" + placed.numbers[static_cast<std::size_t>(found - placed.pins.begin())];
+        text.text = "pinnumber=" + gx_at(placed.numbers, found - placed.pins.begin());
       gxi_lepton_draw(text, gxi_lepton_seen(text), sign.texts, sign.shapes);
     }
   }

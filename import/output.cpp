@@ -8,7 +8,9 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "gx/db/files.h"
+#include "gx/db/link_file.h"
+#include "gx/db/record_codec.h"
+#include "gx/text/at.h"
 #include "gx/text/strings.h"
 #include "import/builder.h"
 #include "import/division.h"
@@ -122,7 +124,7 @@ class writer {
       if (paths_.back().path.size() > longest_path)
         throw trouble(paths_.back().path, "is too long for the path of a symbol");
     }
-    const auto path_of = [this](int cell) { return paths_[static_cast<std::size_t>(cell)]; };
+    const auto path_of = [this](int cell) { return gx_at(paths_, cell); };
     for (const auto& cell : design_.cells) {
       if (!cell.notes.empty()) add(output_.root / cell.name / "notes.txt", cell.notes);
       if (!cell.sheet) continue;
@@ -152,11 +154,7 @@ class writer {
   std::int16_t write(const std::string& directory, const std::string& base,
                      const gxi_tree_t& tree) {
     auto& file = *tree;
-    file.day = output_.date.day;
-    file.month = output_.date.month;
-    file.year = output_.date.year;
-    file.hour = output_.date.hour;
-    file.minute = output_.date.minute;
+    gx_set_file_date(file, output_.date);
     ++summary_.files;
     const fs::path place = output_.root / directory;
     std::int16_t version = 1;
@@ -184,18 +182,10 @@ class writer {
   static bool holds(const std::string& path, gx_file_gene_recf_t& file) {
     const auto old = gx_load_file(path);
     if (!old.file) return false;
-    const gxm_date_t date{file.day, file.month, file.year, file.hour, file.minute};
-    file.day = old.file->day;
-    file.month = old.file->month;
-    file.year = old.file->year;
-    file.hour = old.file->hour;
-    file.minute = old.file->minute;
+    const gx_date_t date = gx_file_date(file);
+    gx_set_file_date(file, gx_file_date(*old.file));
     if (gx_encode_file(file) == read_whole(path)) return true;
-    file.day = date.day;
-    file.month = date.month;
-    file.year = date.year;
-    file.hour = date.hour;
-    file.minute = date.minute;
+    gx_set_file_date(file, date);
     return false;
   }
 

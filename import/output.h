@@ -10,8 +10,8 @@
 
 struct gxi_output_t {
   std::filesystem::path root;
-  gxm_date_t date;        // of files that are new
-  bool absolute = false;  // sheets name their symbols by absolute paths
+  gx_date_t date{1, 1, 2000};  // of files that are new
+  bool absolute = false;       // sheets name their symbols by absolute paths
   // Properties of instances that an expansion keeps as numbers.
   std::vector<std::string> numbers{};
 };

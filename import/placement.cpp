@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "gx/db/geometry.h"
+#include "gx/text/at.h"
 
 namespace {
 
@@ -84,7 +85,7 @@ std::vector<gxi_line_t> gxi_lines(std::string_view text, const gxi_look_t& untur
   const auto last = static_cast<std::int32_t>(parts.size()) - 1;
   const std::int32_t tall = look.height + last * step;
   for (std::int32_t i = 0; i <= last; ++i) {
-    const auto part = parts[static_cast<std::size_t>(i)];
+    const auto part = gx_at(parts, i);
     if (part.empty()) continue;
     const std::int32_t left = -before(look.across, width_of(part.size(), look.height));
     const std::int32_t down = before(look.up, tall) - (last - i) * step;

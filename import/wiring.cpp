@@ -4,6 +4,7 @@
 #include <map>
 #include <utility>
 
+#include "gx/text/at.h"
 #include "import/runs.h"
 
 gxi_wiring_t gxi_wire(std::span<const gxi_segment_t> segments,
@@ -30,17 +31,16 @@ gxi_wiring_t gxi_wire(std::span<const gxi_segment_t> segments,
 
   std::vector<int> end_at(places.size(), -1);
   const auto end_of = [&](int place) {
-    auto& end = end_at[static_cast<std::size_t>(place)];
+    auto& end = gx_at(end_at, place);
     if (end < 0) {
       end = static_cast<int>(wiring.ends.size());
-      wiring.ends.push_back(
-          {places[static_cast<std::size_t>(place)], pin_at[static_cast<std::size_t>(place)], 0});
+      wiring.ends.push_back({gx_at(places, place), gx_at(pin_at, place), 0});
     }
-    ++wiring.ends[static_cast<std::size_t>(end)].degree;
+    ++gx_at(wiring.ends, end).degree;
     return static_cast<std::size_t>(end);
   };
   for (const auto& run : gxi_runs(spans, places)) {
-    const auto& look = segments[static_cast<std::size_t>(run.spans.front())];
+    const auto& look = gx_at(segments, run.spans.front());
     for (std::size_t i = 0; i + 1 < run.points.size(); ++i) {
       const auto end1 = end_of(run.points[i]);
       wiring.pieces.push_back({end1, end_of(run.points[i + 1]), look.color, look.width});

@@ -2,22 +2,16 @@
 #include "import/xschem_labels.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstdlib>
 #include <optional>
+
+#include "gx/text/numbers.h"
 
 namespace {
 
 constexpr int deepest = 50;  // parentheses
 
 using names_t = std::vector<std::string>;
-
-std::optional<int> whole(std::string_view text) {
-  int value = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
-  return value;
-}
 
 // Cuts the text at each `separator`.
 std::vector<std::string_view> split(std::string_view text, std::string_view separator) {
@@ -78,7 +72,7 @@ class parser {
     }
     while (take('*')) {
       const auto length = std::min(text_.find_first_not_of("0123456789"), text_.size());
-      const auto times = whole(text_.substr(0, length));
+      const auto times = gx_whole_number<int>(text_.substr(0, length));
       if (!times) throw too_much{};
       text_.remove_prefix(length);
       check(names.size(), *times);
@@ -99,7 +93,7 @@ class parser {
     const auto digits = text_.find_first_not_of("0123456789");
     if (digits == 0 || digits == std::string_view::npos || text_[digits] != '*')
       return std::nullopt;
-    const auto times = whole(text_.substr(0, digits));
+    const auto times = gx_whole_number<int>(text_.substr(0, digits));
     if (times) text_.remove_prefix(digits + 1);
     return times;
   }
@@ -138,7 +132,7 @@ class parser {
       const bool bare = part.find("..") != std::string_view::npos;
       std::vector<int> numbers;
       for (const auto word : split(part, bare ? ".." : ":")) {
-        const auto number = whole(word);
+        const auto number = gx_whole_number<int>(word);
         if (!number) return {"[" + std::string(text) + "]"};
         numbers.push_back(*number);
       }

@@ -187,9 +187,7 @@ std::vector<int> gxi_xschem_nets_t::named(std::string_view label, const gxm_sour
   std::vector<int> list;
   for (auto& name : gxi_expand_label(label)) {
     // A netlist for simulation does not tell letter cases apart.
-    std::string key = name;
-    std::transform(key.begin(), key.end(), key.begin(), gx_upper_case);
-    const auto [found, is_new] = by_name.emplace(std::move(key), static_cast<int>(nets.size()));
+    const auto [found, is_new] = by_name.emplace(gx_upper(name), static_cast<int>(nets.size()));
     if (is_new) {
       // The program's own names of unnamed nets begin with "#".
       nets.push_back({.name = name.rfind('#', 0) == 0 ? "" : name, .source = source});

@@ -5,6 +5,8 @@
 #include <array>
 #include <cmath>
 
+#include "gx/text/at.h"
+
 namespace {
 
 constexpr double scale = gxm_step / 10.0;
@@ -33,9 +35,8 @@ gx_pointreal_t on_circle(const gxi_xschem_shape_t& arc, double degrees) {
 gx_pointreal_t gxi_xschem_point(gxi_xschem_point_t p) { return {length(p.x), length(p.y)}; }
 
 std::uint8_t gxi_xschem_color(int layer) {
-  return layer >= 0 && layer < static_cast<int>(colors.size())
-             ? colors[static_cast<std::size_t>(layer)]
-             : std::uint8_t{gxm_white};
+  return layer >= 0 && layer < static_cast<int>(colors.size()) ? gx_at(colors, layer)
+                                                               : std::uint8_t{gxm_white};
 }
 
 bool gxi_xschem_shape(const gxi_xschem_shape_t& shape, gxm_shape_t& drawn) {
@@ -91,7 +92,7 @@ gxi_look_t gxi_xschem_look(const gxi_xschem_text_t& text) {
   }
   gxi_xschem_point_t at = text.at;
   constexpr std::array<std::array<int, 2>, 4> downwards{{{0, 1}, {-1, 0}, {0, -1}, {1, 0}}};
-  const auto& direction = downwards[static_cast<std::size_t>(text.rotate % 4)];
+  const auto& direction = gx_at(downwards, text.rotate % 4);
   at.x += direction[0] * down;
   at.y += direction[1] * down;
   look.at = gxi_xschem_point(at);

@@ -4,6 +4,7 @@
 #include <set>
 #include <stdexcept>
 
+#include "gx/text/at.h"
 #include "gx/text/strings.h"
 #include "import/kept_properties.h"
 #include "import/netlist_text.h"
@@ -16,12 +17,6 @@
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string upper(std::string_view text) {
-  std::string result(text);
-  std::transform(result.begin(), result.end(), result.begin(), gx_upper_case);
-  return result;
-}
 
 // Attributes that say something to xschem alone, or that become something else here.
 bool is_told_otherwise(std::string_view name) {
@@ -51,7 +46,7 @@ class xschem_reader {
   }
 
  private:
-  gxi_cell_t& cell(int index) { return design_.cells[static_cast<std::size_t>(index)]; }
+  gxi_cell_t& cell(int index) { return gx_at(design_.cells, index); }
 
   // --- symbols
   void take_symbol(int index, const gxi_xschem_symbol_t& from) {
@@ -94,7 +89,7 @@ class xschem_reader {
         below.x += gxm_step;
         continue;
       }
-      const auto& pin = from.pins[static_cast<std::size_t>(node.pin)];
+      const auto& pin = gx_at(from.pins, node.pin);
       for (const auto& bit : pin.bits)
         to.pins.push_back({.name = bit, .type = pin.type, .at = gxi_xschem_point(pin.at)});
     }
@@ -165,9 +160,8 @@ class xschem_reader {
     if (symbol != nullptr && symbol->role == gxi_role_t::device)
       for (const auto& node : symbol->nodes)
         if (node.pin < 0) {
-          const auto found = nets.by_name.find(upper(node.name));
-          if (found != nets.by_name.end())
-            nets.nets[static_cast<std::size_t>(found->second)].port = node.name;
+          const auto found = nets.by_name.find(gx_upper(node.name));
+          if (found != nets.by_name.end()) gx_at(nets.nets, found->second).port = node.name;
         }
     for (std::size_t i = 0; i < wires.size(); ++i) draw_wire(*wires[i], nets, i);
     std::string text = records.spice + "\n";
@@ -272,11 +266,11 @@ class xschem_reader {
 
   // The wires of a bundle are drawn for its first net, thick.
   static void draw_wire(const gxi_xschem_shape_t& wire, gxi_xschem_nets_t& nets, std::size_t i) {
-    const auto& bundle = nets.bundles[static_cast<std::size_t>(nets.bundle_of_wire[i])];
+    const auto& bundle = gx_at(nets.bundles, nets.bundle_of_wire[i]);
     const bool bus = bundle.nets.size() > 1 || gxi_attributes_t(wire.attributes).is_set("bus");
-    nets.nets[static_cast<std::size_t>(bundle.nets.front())].segments.push_back(
-        {gxi_xschem_point(wire.points[0]), gxi_xschem_point(wire.points[1]), gxm_cyan,
-         static_cast<std::uint8_t>(bus ? 3 : 1)});
+    gx_at(nets.nets, bundle.nets.front())
+        .segments.push_back({gxi_xschem_point(wire.points[0]), gxi_xschem_point(wire.points[1]),
+                             gxm_cyan, static_cast<std::uint8_t>(bus ? 3 : 1)});
   }
 
   std::string value_of(const gxi_placed_t& placed, std::string_view name) const {
@@ -334,14 +328,14 @@ class xschem_reader {
   bool add_label(gxi_sheet_t& sheet, const gxi_placed_t& placed, std::size_t i,
                  gxi_xschem_nets_t& nets, const fs::path& path, gxi_instance_t instance,
                  const std::vector<gxi_xschem_shown_t>& shown) {
-    const auto& bundle = nets.bundles[static_cast<std::size_t>(nets.bundle_of_pin[i].front())];
+    const auto& bundle = gx_at(nets.bundles, nets.bundle_of_pin[i].front());
     const auto names = gxi_expand_label(placed.value("lab"));
     const bool global =
         !placed.value("global").empty() || placed.symbol->attributes.is_set("global");
     if (names.size() != bundle.nets.size()) return false;
     if (placed.symbol->role == gxi_role_t::label) {
       if (!global) return false;
-      for (const auto& name : names) globals_.insert(upper(name));
+      for (const auto& name : names) globals_.insert(gx_upper(name));
       if (names.size() > 1) return false;
     }
     instance.kind = placed.symbol->role == gxi_role_t::port ? gxi_kind::port : gxi_kind::global;
@@ -356,7 +350,7 @@ class xschem_reader {
     for (std::size_t bit = 0; bit < names.size(); ++bit) {
       instance.name = names[bit];
       instance.nets = {bundle.nets[bit]};
-      auto& net = nets.nets[static_cast<std::size_t>(bundle.nets[bit])];
+      auto& net = gx_at(nets.nets, bundle.nets[bit]);
       if (instance.kind == gxi_kind::port) {
         net.port = names[bit];
         net.port_type = placed.symbol->type == "ipin"   ? "IN"
@@ -409,10 +403,7 @@ class xschem_reader {
     std::vector<std::vector<int>> nets_of_node;
     for (const auto& node : placed.symbol->nodes) {
       if (node.pin >= 0) {
-        nets_of_node.push_back(
-            nets.bundles[static_cast<std::size_t>(
-                             nets.bundle_of_pin[i][static_cast<std::size_t>(node.pin)])]
-                .nets);
+        nets_of_node.push_back(gx_at(nets.bundles, gx_at(nets.bundle_of_pin[i], node.pin)).nets);
       } else {
         const auto label = gxi_substitute(
             node.text, [&](std::string_view name) { return value_of(placed, name); });
@@ -426,8 +417,7 @@ class xschem_reader {
       if (k == 0) single.properties = first;
       for (std::size_t n = 0; n < nets_of_node.size(); ++n) {
         const auto& node = placed.symbol->nodes[n];
-        const auto bits =
-            node.pin >= 0 ? placed.symbol->pins[static_cast<std::size_t>(node.pin)].bits.size() : 1;
+        const auto bits = node.pin >= 0 ? gx_at(placed.symbol->pins, node.pin).bits.size() : 1;
         for (std::size_t bit = 0; bit < bits; ++bit)
           single.nets.push_back(nets_of_node[n][(k * bits + bit) % nets_of_node[n].size()]);
       }
@@ -441,7 +431,7 @@ class xschem_reader {
     for (auto& one : design_.cells)
       if (one.sheet)
         for (auto& net : one.sheet->nets)
-          if (net.port.empty() && net.global.empty() && globals_.contains(upper(net.name)))
+          if (net.port.empty() && net.global.empty() && globals_.contains(gx_upper(net.name)))
             net.global = net.name;
   }
 

@@ -12,6 +12,7 @@
 #include <new>
 #include <vector>
 
+#include "gx/text/at.h"
 #include "kvi/load.h"
 
 namespace {
@@ -56,11 +57,11 @@ class chain_lengths {
   bool counted(std::int32_t first, std::int16_t counter) const {
     return counter == std::min(length(first), max_counter);
   }
-  std::int32_t length(std::int32_t first) const { return length_[static_cast<std::size_t>(first)]; }
+  std::int32_t length(std::int32_t first) const { return gx_at(length_, first); }
 
  private:
   static constexpr std::int32_t on_the_way = -1;
-  std::int32_t& at(std::int32_t record) { return length_[static_cast<std::size_t>(record)]; }
+  std::int32_t& at(std::int32_t record) { return gx_at(length_, record); }
 
   struct free_memory {
     void operator()(std::int32_t* memory) const { std::free(memory); }

@@ -11,6 +11,7 @@
 #include <new>
 #include <optional>
 
+#include "gx/text/at.h"
 #include "kvi/check.h"
 #include "kvi/file_lock.h"
 
@@ -85,7 +86,7 @@ void kvi_design_t::decode_lists() {
   for (std::size_t part = 0; part < lists_.size(); ++part) {
     lists_[part].count = info_.*kv_list_parts[part].count;
     for (std::int32_t i = 0; i < lists_[part].count; ++i, at += entry_size) {
-      kv_decode_record(file_.bytes() + at, lists_[part].entry[static_cast<std::size_t>(i)]);
+      kv_decode_record(file_.bytes() + at, gx_at(lists_[part].entry, i));
     }
   }
   std::size_t k = 0;

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "expand/design_records.h"
+#include "gx/text/at.h"
 #include "kvi/mapped_file.h"
 
 enum class kvi_load_result {
@@ -37,7 +38,7 @@ class kvi_design_t {
   const auto& property_pin() const { return lists_[1]; }
   const auto& property_net() const { return lists_[2]; }
 
-  std::int32_t count(kv_array array) const { return count_[static_cast<std::size_t>(array)]; }
+  std::int32_t count(kv_array array) const { return gx_at(count_, array); }
   template <typename Record>
   std::int32_t count() const {
     return count(kv_part_of<Record>());
@@ -68,7 +69,7 @@ class kvi_design_t {
   // Where record `index` begins in the file.
   template <typename Record>
   std::size_t place_of(std::int32_t index) const {
-    return offset_[static_cast<std::size_t>(kv_part_of<Record>())] +
+    return gx_at(offset_, kv_part_of<Record>()) +
            static_cast<std::size_t>(index - 1) * kv_layout<Record>::size;
   }
 

@@ -5,6 +5,7 @@
 #include <iterator>
 #include <string>
 
+#include "gx/text/at.h"
 #include "kvi/state.h"
 
 namespace {
@@ -58,7 +59,7 @@ void fill_common(Record& to, const Stored& from, std::int32_t index, const prop_
     const std::int32_t prop_ind = from.first_prop + k;
     if (!kvi_state.design.holds<kv_prop_record_t>(prop_ind) || !allocated(&to.prop[k])) break;
     const auto prop = kvi_state.design.get<kv_prop_record_t>(prop_ind);
-    const std::string_view prop_name = gx_view(list.entry[static_cast<std::size_t>(k)].name);
+    const std::string_view prop_name = gx_view(gx_at(list.entry, k).name);
     fill_property(prop, prop_name, *to.prop[k]);
     ++to.nb_of_property;
     const bool names_it = prop.prop_type == kv_prop_string &&

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "gx/text/at.h"
 #include "gx/text/status_names.h"
 #include "kvi/load.h"
 #include "kvi/state.h"
@@ -26,8 +27,7 @@ void close_files() {
   int& fd = kvi_state.designfile;
   if (fd >= 0) ::close(fd);
   fd = -1;
-  if (kvi_state.debug) std::fclose(kvi_state.debug);
-  kvi_state.debug = nullptr;
+  kvi_state.debug.reset();
 }
 
 std::FILE* open_debug_file() {
@@ -66,17 +66,17 @@ std::int32_t note(const std::string& path, const kvi_loaded_t& loaded) {
 }  // namespace
 
 void kvi_debug(const char* text) {
-  if (kvi_state.debug) std::fprintf(kvi_state.debug, "%s\n", text);
+  if (kvi_state.debug) std::fprintf(kvi_state.debug.get(), "%s\n", text);
 }
 
 const char* kvi_error_name(std::int32_t code) {
   const bool known = code >= 0 && code < KVI_NUMBER_OF_CODES;
-  return known ? kvi_error_array[static_cast<std::size_t>(code)].data() : "";
+  return known ? gx_at(kvi_error_array, code).data() : "";
 }
 
 void kvi_set_status(std::int32_t code, std::int32_t* status) {
   if (status) *status = code + status_base;
-  for (std::FILE* file : {kvi_state.debug, stdout}) {
+  for (std::FILE* file : {kvi_state.debug.get(), stdout}) {
     if (!file) continue;
     std::fprintf(file, " ?? error in GX_PACKAGE  code : %d\n", code);
     std::fprintf(file, " ?? error  : %30s\n", kvi_error_name(code));
@@ -91,20 +91,20 @@ void kvi_init_dfi(std::int32_t dirname_len, const char* dirname, std::int32_t fi
   std::int32_t ignored;
   if (!status) status = &ignored;
   close_files();
-  kvi_state.debug = open_debug_file();
+  kvi_state.debug.reset(open_debug_file());
   kvi_debug("# KVI_INIT_DFI : start ");
   *status = KVI_REFUSED;
   kvi_unload();
   if (!dirname || !filetype || dirname_len < 1 || filetype_len < 1) {
-    std::fprintf(kvi_state.debug, "!!! ERROR : %d %d %d %d\n", dirname != nullptr, dirname_len,
-                 filetype != nullptr, filetype_len);
+    std::fprintf(kvi_state.debug.get(), "!!! ERROR : %d %d %d %d\n", dirname != nullptr,
+                 dirname_len, filetype != nullptr, filetype_len);
     kvi_debug("!!! ERROR : KVI_INIT_DFI : Invalid Input string ");
     return;
   }
   std::int16_t day, month, year, hour, minute;
   kvi_get_date(&day, &month, &year, &hour, &minute);
-  std::fprintf(kvi_state.debug, "\n# KVI_INIT_DFI : date : %d-%d-%d**%d-%d\n", day, month, year,
-               hour, minute);
+  std::fprintf(kvi_state.debug.get(), "\n# KVI_INIT_DFI : date : %d-%d-%d**%d-%d\n", day, month,
+               year, hour, minute);
   if (dirname_len > max_name || filetype_len > max_name || dirname_len + filetype_len > max_names) {
     std::printf("\n        !!! error invalid designfile dirname \n");
     std::printf(" dirname  : \"%.*s\"\n", dirname_len, dirname);
@@ -116,7 +116,7 @@ void kvi_init_dfi(std::int32_t dirname_len, const char* dirname, std::int32_t fi
   kvi_state.designfile = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
   if (kvi_state.designfile < 0) {
     ++kvi_state.kv_ner;
-    std::fprintf(kvi_state.debug,
+    std::fprintf(kvi_state.debug.get(),
                  "!!! ( KVI_INIT_DFI ) impossible to open current_session_file  : \"%s\" \n",
                  path.c_str());
     kvi_set_status(file_data_invalid, status);

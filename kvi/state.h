@@ -2,18 +2,23 @@
 #pragma once
 
 #include <cstdio>
+#include <memory>
 #include <string>
 
 #include "kvi/kvi.h"
 #include "kvi/load.h"
 
+struct kvi_file_closer {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
 struct kvi_state_t {
-  kvi_design_t design;         // empty unless a design is loaded
-  std::string path;            // of its file
-  std::string load_error;      // why the last loading failed
-  int designfile = -1;         // descriptor of the design file
-  std::FILE* debug = nullptr;  // "debug_kvdfi"
-  std::int32_t kv_ner = 0;     // errors and warnings of the run that wrote the design file
+  kvi_design_t design;                                // empty unless a design is loaded
+  std::string path;                                   // of its file
+  std::string load_error;                             // why the last loading failed
+  int designfile = -1;                                // descriptor of the design file
+  std::unique_ptr<std::FILE, kvi_file_closer> debug;  // "debug_kvdfi"
+  std::int32_t kv_ner = 0;  // errors and warnings of the run that wrote the design file
   std::int32_t kv_nwa = 0;
 };
 extern kvi_state_t kvi_state;

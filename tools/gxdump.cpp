@@ -14,12 +14,14 @@
 #include <string>
 #include <vector>
 
-#include "gx/db/files.h"
 #include "gx/db/format_text.h"
+#include "gx/db/link_file.h"
 #include "gx/db/objects_of.h"
+#include "gx/db/record_codec.h"
 #include "gx/db/record_tables.h"
+#include "gx/text/text_files.h"
 #include "gxmake/object_file.h"
-#include "tools/usage.h"
+#include "platform/usage.h"
 
 namespace {
 
@@ -101,7 +103,7 @@ void print_records(const gx_file_gene_recf_t& file, const std::string& path) {
 
 // The file's name below the present directory; "" where it lies elsewhere.
 std::string name_below(const std::string& path) {
-  if (path.starts_with("$VELMORAN")) return {};
+  if (path.starts_with(gx_product_word)) return {};
   const auto name =
       std::filesystem::path(path).is_absolute()
           ? std::filesystem::path(path).lexically_relative(std::filesystem::current_path())

@@ -9,7 +9,7 @@
 
 #include "import/output.h"
 #include "import/readers.h"
-#include "tools/usage.h"
+#include "platform/usage.h"
 
 namespace {
 

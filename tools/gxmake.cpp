@@ -1,5 +1,4 @@
 // gxmake: makes design directories from readable descriptions of symbols and sheets.
-#include <charconv>
 #include <cstdio>
 #include <exception>
 #include <string>
@@ -9,7 +8,8 @@
 #include "gxmake/builder.h"
 #include "gxmake/memory_array.h"
 #include "gxmake/parser.h"
-#include "tools/usage.h"
+#include "gxmake/words.h"
+#include "platform/usage.h"
 
 namespace {
 
@@ -27,13 +27,6 @@ constexpr tool_t tool = {
     "The time in the files is that of SOURCE_DATE_EPOCH when it is set, else the present.\n"
     "  --help, --version\n"
     "The language of the descriptions is told in examples/README.md.\n"};
-
-// The whole text as a number of 1..most; 0 when it is none.
-int number_of(std::string_view text, int most) {
-  int number = 0;
-  const auto [end, error] = std::from_chars(text.begin(), text.end(), number);
-  return error == std::errc() && end == text.end() && number >= 1 && number <= most ? number : 0;
-}
 
 bool complain(const gxm_messages_t& messages) {
   for (const auto& message : messages) std::fprintf(stderr, "%s\n", message.c_str());
@@ -70,8 +63,8 @@ int main(int argc, char** argv) try {
   for (const auto word : words) gxm_parse_file(std::string(word), input);
   int nb_blocks = 0;
   if (!blocks.empty()) {
-    nb_blocks = number_of(blocks, gxm_most_array_blocks);
-    const int nb_variants = number_of(variants, 8);
+    nb_blocks = gxm_integer(blocks, 1, gxm_most_array_blocks).value_or(0);
+    const int nb_variants = gxm_integer(variants, 1, 8).value_or(0);
     if (nb_blocks == 0 || nb_variants == 0)
       return tool_usage_error(tool, "--array takes 1 to " + std::to_string(gxm_most_array_blocks) +
                                         " blocks, --variants 1 to 8");

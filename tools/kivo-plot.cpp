@@ -5,13 +5,13 @@
 #include <string>
 #include <vector>
 
-#include "app/sheet/views.h"
-#include "gx/db/files.h"
+#include "gx/db/file_slots.h"
 #include "gx/db/object_access.h"
+#include "gx/db/object_flags.h"
 #include "gx/db/sheet_shape.h"
-#include "gx/display/plot.h"
-#include "gx/display/window.h"
-#include "tools/usage.h"
+#include "gx/plot/plot_sheet.h"
+#include "gx/text/session_state.h"
+#include "platform/usage.h"
 
 namespace {
 constexpr tool_t tool = {
@@ -42,7 +42,7 @@ int main(int argc, char** argv) {
     return 1;
   }
 
-  gx_init_nograph();
+  gx_session.init_done = true;  // files may be opened; no display is made
   std::string why;
   const auto file_index = gx_file_try_open(sheet, "sheet", why);
   if (file_index != 0) {
@@ -55,7 +55,7 @@ int main(int argc, char** argv) {
     tool_complain(tool, why);
     return 1;
   }
-  kv_hide_invisible(file_index);
+  gx_hide_invisible(gx_ptrto_gene_file_buf(file_index));
   lb_plotfile_all_frame(plot, file_index);
   lb_plotfile_all_inst(plot, file_index);
   lb_plotfile_all_net(plot, file_index);

@@ -10,14 +10,14 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <charconv>
 #include <csignal>
 #include <cstdio>
 #include <string>
 #include <vector>
 
 #include "expand/sim_request.h"
-#include "tools/usage.h"
+#include "gx/text/numbers.h"
+#include "platform/usage.h"
 
 namespace {
 
@@ -62,10 +62,8 @@ void listen(int fd, long count) {
 int main(int argc, char** argv) {
   std::vector<std::string_view> words;
   if (const auto ended = tool_read(tool, argc, argv, {}, words)) return *ended;
-  long count = 0;
-  const std::string_view number = words.size() == 2 ? words[1] : "0";
-  const auto [end, error] = std::from_chars(number.begin(), number.end(), count);
-  if (words.empty() || words.size() > 2 || error != std::errc() || end != number.end() || count < 0)
+  const auto count = gx_whole_number<long>(words.size() == 2 ? words[1] : "0");
+  if (words.empty() || words.size() > 2 || !count || *count < 0)
     return tool_usage_error(tool, "a DIRECTORY, and perhaps a COUNT, are wanted");
   const std::string path = std::string(words[0]) + "/" + std::string(kv_fifo_name);
   const bool made = ::mkfifo(path.c_str(), 0600) == 0;
@@ -78,7 +76,7 @@ int main(int argc, char** argv) {
   }
   std::signal(SIGINT, stop);
   std::signal(SIGTERM, stop);
-  listen(fd, count);
+  listen(fd, *count);
   ::close(fd);
   if (made) ::unlink(path.c_str());
   return 0;

@@ -1,6 +1,6 @@
 // Prints the commands that let the user choose one of the menu sets of the product directory.
 #include "app/session/product_sets.h"
-#include "tools/usage.h"
+#include "platform/usage.h"
 
 namespace {
 constexpr tool_t tool = {

@@ -6,8 +6,8 @@
 
 #include "expand/design_records.h"
 #include "kvi/load.h"
+#include "platform/usage.h"
 #include "tools/escape.h"
-#include "tools/usage.h"
 
 namespace {
 

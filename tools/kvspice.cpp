@@ -14,10 +14,11 @@
 #include <utility>
 #include <vector>
 
+#include "gx/text/at.h"
 #include "kvi/load.h"
 #include "platform/files.h"
+#include "platform/usage.h"
 #include "tools/escape.h"
-#include "tools/usage.h"
 
 namespace {
 
@@ -60,7 +61,7 @@ class nodes_t {
     };
     std::unordered_map<std::string, global_t> globals;
     for (std::int32_t i = 1; i <= design.count<kv_net_record_t>(); ++i) {
-      node_[static_cast<std::size_t>(i)] = i;
+      gx_at(node_, i) = i;
       const auto net = design.get<kv_net_record_t>(i);
       const std::string_view name = design.text(net.name);
       if (net.net_kind != kv_kind_global || name.empty()) continue;
@@ -71,11 +72,11 @@ class nodes_t {
     }
     for (const std::int32_t i : globals_) {
       const auto net = design.get<kv_net_record_t>(i);
-      node_[static_cast<std::size_t>(i)] = globals.at(upper(design.text(net.name))).net;
+      gx_at(node_, i) = globals.at(upper(design.text(net.name))).net;
     }
   }
   // The net that gives the node of net `i` its name.
-  std::int32_t of(std::int32_t i) const { return node_[static_cast<std::size_t>(i)]; }
+  std::int32_t of(std::int32_t i) const { return gx_at(node_, i); }
 
  private:
   std::vector<std::int32_t> node_, globals_;
@@ -153,7 +154,7 @@ class netlist_t {
   }
 
   std::string_view name_of(std::int32_t k) const {
-    return gx_view(design_.property_instance().entry[static_cast<std::size_t>(k)].name);
+    return gx_view(gx_at(design_.property_instance().entry, k).name);
   }
   kv_prop_record_t property(const kv_inst_record_t& inst, std::int32_t k) const {
     const std::int32_t index = inst.first_prop + k;

@@ -1,5 +1,6 @@
 // The rules of instances and their pins.
 #include "app/check/sheet_check.h"
+#include "gx/db/link_file.h"
 #include "gx/text/strings.h"
 
 namespace {

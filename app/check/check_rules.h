@@ -10,7 +10,7 @@
 
 #include "app/check/rules.h"
 #include "gx/db/file_records.h"
-#include "gx/db/files.h"
+#include "gx/db/link_file.h"
 #include "gx/db/owners.h"
 
 // What CHEck SHEet selects of a finding: the object, the properties under it, or the whole net.

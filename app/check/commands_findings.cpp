@@ -141,7 +141,7 @@ void kv_rule_cmd(const kv_command_t& command) {
     return gx_tell(" RULe ");
   }
   const auto rule = kv_rule_named(command.word(2));
-  if (!rule) return kv_refuse(refused, command, "# !! Error :  2nd parameter incorrect ? ");
+  if (!rule) return kv_refuse(refused, command, kv_bad_second);
   constexpr std::pair<std::string_view, kv_severity> words[] = {
       {"ERR", kv_severity::error}, {"WAR", kv_severity::warning}, {"OFF", kv_severity::off}};
   for (const auto& [word, severity] : words) {

@@ -4,7 +4,7 @@
 #include "app/check/netlist_findings.h"
 #include "app/check/run_messages.h"
 #include "app/check/sheet_findings.h"
-#include "gx/db/files.h"
+#include "gx/db/record_codec.h"
 #include "gx/text/message_list.h"
 #include "gx/text/strings.h"
 

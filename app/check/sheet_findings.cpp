@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "gx/db/queries.h"
+#include "gx/db/record_codec.h"
 #include "gx/db/sheet_shape.h"
 
 namespace {

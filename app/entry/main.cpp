@@ -19,7 +19,7 @@
 #include "gx/vext.h"
 #include "platform/raw_files.h"
 #include "platform/timing.h"
-#include "tools/usage.h"
+#include "platform/usage.h"
 
 namespace {
 constexpr tool_t program = {

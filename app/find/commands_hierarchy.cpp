@@ -11,6 +11,7 @@
 #include "expand/sheet_analysis.h"
 #include "expand/store.h"
 #include "gx/db/file_state.h"
+#include "gx/text/at.h"
 #include "gx/text/message_list.h"
 #include "platform/files.h"
 
@@ -36,7 +37,7 @@ class hierarchy_lister {
       if (is_full()) return;
       if (inst.is_primitive) continue;
       const auto* below = drawings_.below(sheet, inst.object_id);
-      const auto& symbol = analysed.symbols[static_cast<std::size_t>(inst.symbol)];
+      const auto& symbol = gx_at(analysed.symbols, inst.symbol);
       if (below != nullptr)
         list(*below, path + std::string(analysed.view(inst.suffix)),
              analysed.view(symbol.directory), level + 1);

@@ -1,10 +1,11 @@
 #include "app/find/drawings.h"
 
 #include "app/sheet/walk.h"
-#include "gx/db/files.h"
+#include "gx/db/link_file.h"
 #include "gx/db/object_access.h"
 #include "gx/db/objects_of.h"
 #include "gx/db/queries.h"
+#include "gx/db/record_codec.h"
 #include "gx/db/sheet_shape.h"
 #include "gx/text/strings.h"
 

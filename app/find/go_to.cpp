@@ -116,7 +116,7 @@ bool can_be_shown(const gx_file_gene_recf_t& file, int id) {
                                gx_type::pinpropfam, gx_type::vertex_2d, gx_type::segment,
                                gx_type::property_2d};
   const auto* object = gx_object(file, id);
-  return object != nullptr && (object->status & gx_flag_deleted) == 0 &&
+  return object != nullptr && !gx_is_deleted(*object) &&
          std::ranges::find(shown, object->object_type) != std::end(shown);
 }
 

@@ -7,6 +7,7 @@
 #include "expand/explain.h"
 #include "gx/db/file_state.h"
 #include "gx/display/highlight.h"
+#include "gx/text/at.h"
 #include "gx/text/strings.h"
 
 namespace {

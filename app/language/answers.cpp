@@ -21,6 +21,12 @@ void kv_refuse(std::string_view keyword, const kv_command_t& command, std::strin
   gx_display_list(error, warns ? gx_line_kind::warning : gx_line_kind::error);
 }
 
+std::optional<bool> kv_on_or_off(std::string_view word, std::string_view least_off) {
+  if (gx_equal("ON", word)) return true;
+  if (gx_equal(least_off, word)) return false;
+  return std::nullopt;
+}
+
 gx_string_record_t kv_unquote(std::string_view text) {
   const std::size_t opening = text.find_first_of("'\"");
   if (opening == std::string_view::npos) return gx_string(text);

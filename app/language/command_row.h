@@ -49,6 +49,9 @@ constexpr std::uint32_t kv_counts_of(std::string_view syntax) {
   return counts & ((1U << (most_words + 1)) - 1);
 }
 
+// The word counts up to `most`.
+constexpr std::uint32_t kv_at_most(int most) { return (2U << most) - 1; }
+
 inline constexpr int kv_no_words = kv_max_words + 1;  // of first_echoed: the refusal shows no word
 
 struct kv_command_row_t {
@@ -56,12 +59,13 @@ struct kv_command_row_t {
   std::string_view syntax;                   // one line; of keywords the least part in capitals
   kv_handler_t handler = nullptr;
   // Another count of words is refused with this keyword and the words from `first_echoed` on.
-  // Empty: the handler looks at the count itself.
+  // Empty: any count will do.
   std::string_view refusal = {};
   int first_echoed = 2;
   std::size_t exact = 0;  // characters of word 1; 0: the keyword or longer
   std::uint32_t counts = kv_counts_of(syntax);
   bool ends_rectangle = false;               // a refusal, too, ends a rubber rectangle
+  decltype(&kv_refuse) refuse = kv_refuse;   // another way to say the refusal
   kv_deciding_handler_t deciding = nullptr;  // instead of `handler`
   kv_outcome_t refused = {};                 // of a deciding one after its refusal
 

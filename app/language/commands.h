@@ -2,10 +2,12 @@
 #pragma once
 
 #include <array>
+#include <optional>
 #include <span>
 #include <string_view>
 
 #include "app/state.h"
+#include "gx/text/at.h"
 #include "gx/text/message_list.h"
 
 // One command: its words (word 1 is the keyword, at most 30) and the tables of its level.
@@ -17,19 +19,21 @@ struct kv_command_t {
   int count() const { return static_cast<int>(words.size()); }
   // Word n, from 1; empty when there is none.
   std::string_view word(int n) const {
-    return n >= 1 && n <= count() ? gx_view(words[static_cast<std::size_t>(n - 1)])
-                                  : std::string_view{};
+    return n >= 1 && n <= count() ? gx_view(gx_at(words, n - 1)) : std::string_view{};
   }
 };
 
 // --- answers in the list viewport
 inline constexpr std::string_view kv_bad_count = "# !! Error : parameter number invalid ? ";
+inline constexpr std::string_view kv_bad_second = "# !! Error :  2nd parameter incorrect ? ";
 // Shows one line: `keyword` to the letter (" SMAsh ON ", "# SMAsh "), then the words from `first`
 // on, each followed by a blank.
 void kv_echo(std::string_view keyword, const kv_command_t& command, int first = 2);
 // The same and then the error line.
 void kv_refuse(std::string_view keyword, const kv_command_t& command, std::string_view error,
                int first = 2);
+// ON or OFF, of which `least_off` has to be there; nothing for another word.
+std::optional<bool> kv_on_or_off(std::string_view word, std::string_view least_off = "OF");
 // A typed text without its quotes: what lies between the first quote and the next equal one,
 // followed by a blank; a text without such a pair as it is.
 gx_string_record_t kv_unquote(std::string_view text);

@@ -9,7 +9,7 @@
 #include "app/language/command_table.h"
 #include "app/language/do_file.h"
 #include "app/sheet/command_viewport.h"
-#include "gx/db/files.h"
+#include "gx/db/object_list.h"
 #include "gx/display/events.h"
 #include "gx/text/arguments.h"
 #include "gx/text/debug.h"
@@ -93,18 +93,15 @@ void show_help(const kv_command_t& command, std::string_view file, std::string_v
 // The help file of the command that the word means: one that it would run, else the first whose
 // word it begins.
 std::string help_file_of(std::string_view typed) {
-  std::string file;
   for (const bool runs : {true, false}) {
     for (const auto& row : kv_command_table()) {
       const auto word = row.syntax.substr(0, row.syntax.find(' '));
       const bool fits = row.exact == 0 || row.exact == typed.size();
       if (!(runs ? fits && gx_equal(row.keywords[0], typed) : gx_equal(typed, word))) continue;
-      file = "kv_1_";
-      for (const char c : word) file += gx_upper_case(c);
-      return file;
+      return "kv_1_" + gx_upper(word);
     }
   }
-  return file;
+  return {};
 }
 
 void kv_dobin_cmd(const kv_command_t& command) { call_procedure(dobin, command); }

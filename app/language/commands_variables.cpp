@@ -1,6 +1,7 @@
 // ASSIgn and SYSTem, whose refusals also decide what becomes of their line.
 #include "app/language/command_row.h"
 #include "app/language/substitution.h"
+#include "gx/text/at.h"
 #include "gx/text/text_files.h"
 #include "platform/stop_signals.h"
 
@@ -11,7 +12,7 @@ kv_outcome_t kv_assign(const kv_command_t& command) {
   const kv_target_t target = kv_variable_target(command.word(2));
   switch (target.kind) {
     case kv_target::variable: {
-      auto& variable = command.vars[static_cast<std::size_t>(target.number - 1)];
+      auto& variable = gx_at(command.vars, target.number - 1);
       variable = command.count() == 3 ? command.words[2] : gx_string_record_t{};
       kv_echo(" ASSIgn ", command);
       return {};
@@ -19,7 +20,7 @@ kv_outcome_t kv_assign(const kv_command_t& command) {
     case kv_target::other_shape:
       return {};
     default:
-      kv_refuse(refused, command, "# !! Error :  2nd parameter incorrect ? ");
+      kv_refuse(refused, command, kv_bad_second);
       return {.unknown = false, .ends_line = true};
   }
 }

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <vector>
 
+#include "gx/text/at.h"
 #include "gx/text/message_list.h"
 #include "gx/text/strings.h"
 #include "gx/text/text_files.h"
@@ -48,7 +49,7 @@ void kv_do_cmd(const kv_command_t& command) {
   if (gx_is_session_file(fileno(file.get())))
     return refuse(command, "# !! Error : File not found  or Invalid ? ");
   gx_vext.do_ind = depth;
-  auto& slot = gx_vext.commandfile[static_cast<std::size_t>(depth - 1)];
+  auto& slot = gx_at(gx_vext.commandfile, depth - 1);
   slot = file.get();
   const auto args = kv_arguments(command), vars = std::make_unique<kv_array_param_t>();
   kv_echo(keyword, command);

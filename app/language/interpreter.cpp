@@ -114,7 +114,7 @@ kv_outcome_t run_command(const kv_command_t& command) {
   }
   if (!row->refusal.empty() && !row->takes(command.count())) {
     if (row->ends_rectangle) kv_pext.mark_rect_done = false;
-    kv_refuse(row->refusal, command, kv_bad_count, row->first_echoed);
+    row->refuse(row->refusal, command, kv_bad_count, row->first_echoed);
     return row->refused;
   }
   if (row->deciding != nullptr) return row->deciding(command);

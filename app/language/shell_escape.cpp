@@ -20,7 +20,6 @@ constexpr std::size_t max_listed = 196;  // longest text that the warning shows 
 constexpr std::size_t max_shown = 192;
 constexpr std::int32_t before_start_ms = 100;
 constexpr std::int32_t after_start_ms = 150;
-constexpr std::string_view product_word = "$VELMORAN";
 
 void refuse(std::string_view text) {
   if (text.size() > max_listed) {
@@ -36,9 +35,9 @@ void refuse(std::string_view text) {
 std::string shell_command(std::string_view text) {
   text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
   std::string command;
-  if (text.substr(0, product_word.size()) == product_word) {
+  if (text.starts_with(gx_product_word)) {
     command = x_shell_word(gx_view(gx_get_velmoran()));
-    text.remove_prefix(product_word.size());
+    text.remove_prefix(gx_product_word.size());
   }
   command += text;
   return command.substr(0, max_command);

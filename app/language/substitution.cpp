@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <string>
 
+#include "gx/text/at.h"
+#include "gx/text/numbers.h"
 #include "gx/text/strings.h"
 
 namespace {
@@ -13,12 +15,6 @@ bool is_digit(std::string_view text, std::size_t at) {
   return at < text.size() && text[at] >= '0' && text[at] <= '9';
 }
 
-// The number written by `digits` digits.
-int number_at(std::string_view text, std::size_t at, std::size_t digits) {
-  int number = 0;
-  for (const char c : text.substr(at, digits)) number = number * 10 + (c - '0');
-  return number;
-}
 }  // namespace
 
 kv_substitution_t kv_substitute(const gx_string_record_t& text, std::string_view letters,
@@ -32,12 +28,12 @@ kv_substitution_t kv_substitute(const gx_string_record_t& text, std::string_view
       continue;
     }
     const std::size_t digits = is_digit(piece, digits_at + 1) ? 2 : 1;
-    const int number = number_at(piece, digits_at, digits);
+    const int number = gx_string_to_int16(std::string_view(piece).substr(digits_at, digits)).value;
     if (number < 1 || number > max_number) {
       result.valid = false;
       break;
     }
-    const auto value = gx_view(values[static_cast<std::size_t>(number - 1)]);
+    const auto value = gx_view(gx_at(values, number - 1));
     piece.replace(at, letters.size() + digits, value);
     piece.resize(std::min<std::size_t>(piece.size(), gx_max_string_length - 1));
     at = std::min(at + value.size(), piece.size());
@@ -53,7 +49,7 @@ kv_target_t kv_variable_target(std::string_view word) {
   const std::size_t digits = word.size() - digits_at;
   if (digits > 2 || (digits == 2 && !is_digit(word, digits_at + 1)))
     return {kv_target::other_shape, 0};
-  const int number = number_at(word, digits_at, digits);
+  const int number = gx_string_to_int16(word.substr(digits_at, digits)).value;
   if (number < 1 || number > max_number) return {kv_target::out_of_range, 0};
   return {kv_target::variable, number};
 }

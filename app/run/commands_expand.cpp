@@ -8,6 +8,7 @@
 #include "app/sheet/walk.h"
 #include "expand/run.h"
 #include "expand/store.h"
+#include "gx/text/at.h"
 #include "gx/text/message_list.h"
 #include "gx/text/numbers.h"
 #include "gx/text/strings.h"
@@ -34,7 +35,7 @@ bool has_room(const kv_list_t<Entry>& list, std::string_view what, std::string_v
 
 template <typename Entry>
 Entry& add_entry(kv_list_t<Entry>& list) {
-  return list.entry[static_cast<std::size_t>(list.count++)];
+  return gx_at(list.entry, list.count++);
 }
 
 void keep_properties(const kv_command_t& command, kv_list_t<kv_prop_type_record_t>& list,
@@ -131,12 +132,10 @@ void kv_generate_data_cmd(const kv_command_t& command) {
   if (kv_pext.file_id_cur < 1 || kv_pext.file_id_cur > gx_max_files) {
     return refuse(echo, command, "# !! Error :  No sheet available in window ? ", 3);
   }
-  const bool on = gx_equal("ON", command.word(3));
-  if (!on && !gx_equal("OFF", command.word(3))) {
-    return refuse(echo, command, "# !! Error : 3rd parameter invalid ? ", 3);
-  }
-  kv_pext.gen_data = on;
-  gx_tell(echo, on ? "ON " : "OFF ");
+  const auto on = kv_on_or_off(command.word(3), "OFF");
+  if (!on) return refuse(echo, command, "# !! Error : 3rd parameter invalid ? ", 3);
+  kv_pext.gen_data = *on;
+  gx_tell(echo, *on ? "ON " : "OFF ");
 }
 
 void kv_run_cmd(const kv_command_t&) {

@@ -15,6 +15,7 @@
 namespace {
 
 constexpr int max_keywords = 16;
+constexpr std::string_view send_syntax = "SENd word ...";
 // First letters of the instances that the simulator knows. X, a sub-circuit, has a template for
 // its pins.
 constexpr std::string_view element_letters = "ACEFGHILMNQRSVWX";
@@ -137,13 +138,16 @@ void plot_request::add_pins(int inst) {
   }
 }
 
+void refuse_send(std::string_view keyword, const kv_command_t& command, std::string_view error,
+                 int first) {
+  kv_pext.save_to_do = false;
+  kv_refuse(keyword, command, error, first);
+  gx_tell(command.count() < 2 ? "# SEND : at least 1 Keyword per Request ..."
+                              : "# SEND : limited to 16 Keywords per Request ...");
+}
+
 void kv_send_cmd(const kv_command_t& command) {
   kv_pext.save_to_do = false;
-  if (command.count() < 2 || command.count() > max_keywords + 1) {
-    kv_refuse("# SEND ", command, kv_bad_count);
-    return gx_tell(command.count() < 2 ? "# SEND : at least 1 Keyword per Request ..."
-                                       : "# SEND : limited to 16 Keywords per Request ...");
-  }
   std::string request(command.word(2));
   for (int n = 3; n <= command.count(); ++n) request.append(" ").append(command.word(n));
   gx_sync();
@@ -175,7 +179,7 @@ constexpr kv_command_row_t rows[] = {
     // clang-format off
     {{"GIV"}, "GIVE [function]", kv_give_cmd, "# GIVE "},
     {{"G"}, "GIVE [function]", kv_give_cmd, "# GIVE ", 2, 1},
-    {{"SEN"}, "SENd word ...", kv_send_cmd},
+    {.keywords = {"SEN"}, .syntax = send_syntax, .handler = kv_send_cmd, .refusal = "# SEND ", .counts = kv_counts_of(send_syntax) & kv_at_most(max_keywords + 1), .refuse = refuse_send},
     // clang-format on
 };
 

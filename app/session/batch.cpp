@@ -13,6 +13,7 @@
 #include "app/language/do_file.h"
 #include "app/session/batch_output.h"
 #include "app/session/root.h"
+#include "app/session/root_session.h"
 #include "app/state.h"
 #include "gx/db/object_access.h"
 #include "gx/text/arguments.h"

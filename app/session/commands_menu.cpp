@@ -5,8 +5,10 @@
 
 #include "app/language/command_row.h"
 #include "app/session/menu_actions.h"
+#include "gx/display/menu_draw.h"
+#include "gx/display/menu_file.h"
 #include "gx/display/menu_state.h"
-#include "gx/display/menus.h"
+#include "gx/display/menu_tree.h"
 #include "gx/text/at.h"
 #include "gx/text/message_list.h"
 #include "gx/text/numbers.h"
@@ -16,6 +18,7 @@
 namespace {
 
 constexpr std::string_view refused = "# DEFine MENu ";
+constexpr std::string_view item_syntax = "DEFine MENu Item 'label' i [j]";
 constexpr std::size_t max_label = 18;
 
 // The indices in the words from `first` on; nothing when one of them is not a number in 1..12.
@@ -50,12 +53,8 @@ std::string_view place_error(const place_errors_t& errors, const kv_command_t& c
   return gx_at(errors, command.count() - first);
 }
 
-void define_item(const kv_command_t& command) {
+void kv_define_item_cmd(const kv_command_t& command) {
   constexpr int first_index = 5;
-  if (command.count() < 5 || command.count() > 6) {
-    kv_refuse("# DEFine MENu Item", command, kv_bad_count, 4);
-    return;
-  }
   const auto place = read_place(command, first_index);
   if (!place) {
     kv_refuse(refused, command, place_error(item_errors, command, first_index), 3);
@@ -71,12 +70,8 @@ void define_item(const kv_command_t& command) {
   kv_echo(" DEFine MENu ", command, 3);
 }
 
-void define_action(const kv_command_t& command) {
+void kv_define_action_cmd(const kv_command_t& command) {
   constexpr int first_index = 6;
-  if (command.count() < 6 || command.count() > 9) {
-    kv_refuse("# DEFine MENu Action", command, kv_bad_count, 4);
-    return;
-  }
   const auto place = read_place(command, first_index);
   if (!place) {
     kv_refuse(refused, command, place_error(action_errors, command, first_index), 3);
@@ -87,14 +82,9 @@ void define_action(const kv_command_t& command) {
   kv_echo(" DEFine MENu ", command, 3);
 }
 
+// The third word says neither what it is.
 void kv_define_menu_cmd(const kv_command_t& command) {
-  if (gx_equal("I", command.word(3))) {
-    define_item(command);
-  } else if (gx_equal("A", command.word(3))) {
-    define_action(command);
-  } else {
-    kv_refuse(refused, command, "# !! Error : invalid parameter 3 (should begin by I or A) ? ", 3);
-  }
+  kv_refuse(refused, command, "# !! Error : invalid parameter 3 (should begin by I or A) ? ", 3);
 }
 
 void kv_status_menu_cmd(const kv_command_t& command) {
@@ -128,7 +118,9 @@ void kv_read_menu_cmd(const kv_command_t& command) {
 
 constexpr kv_command_row_t rows[] = {
     // clang-format off
-    {{"DEF", "MEN"}, "DEFine MENu Item or Action 'label' ['command'] i [j ...]", kv_define_menu_cmd},
+    {{"DEF", "MEN", "I"}, item_syntax, kv_define_item_cmd, "# DEFine MENu Item", 4},
+    {{"DEF", "MEN", "A"}, "DEFine MENu Action 'label' 'command' i [j [k [l]]]", kv_define_action_cmd, "# DEFine MENu Action", 4},
+    {{"DEF", "MEN"}, item_syntax, kv_define_menu_cmd},
     {{"STA", "MEN"}, "STAtus MENu i [j [k]]", kv_status_menu_cmd, "# STAtus MENu ", 3},
     {{"$PMENU"}, "$PMENU file", kv_print_menu_cmd, "", 2, 6},
     {{"$RMENU"}, "$RMENU file", kv_read_menu_cmd, "", 2, 6},

@@ -9,7 +9,6 @@
 #include "gx/vext.h"
 
 namespace {
-constexpr std::string_view bad_second = "# !! Error :  2nd parameter incorrect ? ";
 constexpr std::string_view nobody = "# !! Error : There is no user to answer ? ";
 
 void set_command_line(const gx_string_record_t& line) {
@@ -30,7 +29,7 @@ void ask(const kv_command_t& command) {
 
 void store_answer(const kv_command_t& command) {
   const kv_target_t target = kv_variable_target(command.word(2));
-  if (target.kind == kv_target::out_of_range) return kv_refuse("# READln ", command, bad_second);
+  if (target.kind == kv_target::out_of_range) return kv_refuse("# READln ", command, kv_bad_second);
   if (target.kind != kv_target::variable) return;
   gx_at(command.vars, target.number - 1) = command.words[3];
   kv_echo(" READln ", command);
@@ -44,7 +43,7 @@ void end_session(std::string_view echo) {
 
 void kv_readln_cmd(const kv_command_t& command) {
   constexpr std::string_view refused = "# READln ";
-  if (!gx_equal("$VAR", command.word(2))) return kv_refuse(refused, command, bad_second);
+  if (!gx_equal("$VAR", command.word(2))) return kv_refuse(refused, command, kv_bad_second);
   if (command.count() == 3) return ask(command);
   store_answer(command);
 }
@@ -55,32 +54,26 @@ void kv_command_cmd(const kv_command_t& command) {
 }
 
 void kv_display_cmd(const kv_command_t& command) {
-  constexpr std::string_view refused = "# DISplay ";
-  if (gx_equal("ON", command.word(2))) {
-    gx_vext.display_on = true;
-    gx_tell(" DISplay ON ");
-    kv_update_viewport_edit();
-    kv_update_viewport_context();
-  } else if (gx_equal("OF", command.word(2))) {
-    gx_vext.display_on = false;
-    gx_tell(" DISplay OFF ");
-  } else {
-    kv_refuse(refused, command, bad_second);
-  }
+  const auto on = kv_on_or_off(command.word(2));
+  if (!on) return kv_refuse("# DISplay ", command, kv_bad_second);
+  gx_vext.display_on = *on;
+  gx_tell(*on ? " DISplay ON " : " DISplay OFF ");
+  if (!*on) return;
+  kv_update_viewport_edit();
+  kv_update_viewport_context();
 }
 
 void kv_transcript_cmd(const kv_command_t& command) {
-  constexpr std::string_view refused = "# TRANScript ";
-  if (gx_equal("ON", command.word(2))) {
+  const auto on = kv_on_or_off(command.word(2));
+  if (!on) return kv_refuse("# TRANScript ", command, kv_bad_second);
+  if (*on) {
     gx_vext.transcript_state = true;
     kv_update_viewport_edit();
     if (kv_pext.file_id_cur == kv_pext.file_id_context) kv_update_viewport_context();
     gx_tell(" TRANScript  ON ");
-  } else if (gx_equal("OF", command.word(2))) {
+  } else {
     gx_tell(" TRANScript  OFF ");
     gx_vext.transcript_state = false;
-  } else {
-    kv_refuse(refused, command, bad_second);
   }
 }
 

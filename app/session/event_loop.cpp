@@ -19,7 +19,7 @@
 #include "gx/display/events.h"
 #include "gx/display/line_edit.h"
 #include "gx/display/list_viewport.h"
-#include "gx/display/menus.h"
+#include "gx/display/menu_draw.h"
 #include "gx/display/offscreen.h"
 #include "gx/display/rubber_rectangle.h"
 #include "gx/display/screen_state.h"
@@ -49,10 +49,6 @@ struct loop_t {
   kv_gestures_t gestures = {};
 };
 
-bool is_blank(const gx_string_record_t& text) {
-  return gx_view(text).find_first_not_of(' ') == std::string_view::npos;
-}
-
 // While it lives the menus and the rubber rectangle are off the screen: a command draws below them.
 struct cleared_screen_t {
   cleared_screen_t() {
@@ -71,7 +67,7 @@ void run_command(loop_t& loop, gx_string_record_t line) {
 }
 
 void run_binding(loop_t& loop, const gx_string_record_t& action) {
-  if (is_blank(action)) return;
+  if (gx_is_blank(gx_view(action))) return;
   gx_viewport_select(gx_vext.viewport_id);
   run_command(loop, action);
 }
@@ -285,7 +281,7 @@ void on_pointer_at_rest(loop_t&, const gx_event_t& event) {
   const gx_vpid_t vpid = gx_vext.viewport_id;
   if (event.pixel == gx_vext.pixel_pos || event.pixel == gx_vext.pointer_put) return;
   if (vpid == gx_vext.viewport_cmd || (gx_vext.snap_state && gx_is_picture_viewport(vpid))) {
-    gx_cursor_set_position(gx_vext.pixel_pos);
+    gx_cursor_set_position(gx_vext.pixel_pos, event.pixel);
   }
 }
 
@@ -378,7 +374,7 @@ void kv_ascii_action(std::uint32_t keysym, kv_array_param_t& args, kv_array_para
   gx_debug("  ASCII_ACTION character : \"%12d\"  %2d\n", static_cast<int>(keysym), line.len);
   if (is_return(keysym)) {
     gx_vext.istart_cmd = 1;
-    if (is_blank(line)) return;
+    if (gx_is_blank(gx_view(line))) return;
     const gx_string_record_t typed = line;
     gx_set_command_line("");
     kv_process_line(typed, args, vars);

@@ -6,8 +6,9 @@
 #include <string_view>
 
 #include "app/language/commands.h"
+#include "gx/display/menu_draw.h"
 #include "gx/display/menu_state.h"
-#include "gx/display/menus.h"
+#include "gx/display/menu_tree.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "app/session/root_session.h"
 #include "app/state.h"
 #include "expand/store.h"
 #include "gx/text/arguments.h"

@@ -1,4 +1,5 @@
-// The second phase of a run: the window, the files, the primary sheet, the session, and its end.
+#include "app/session/root_session.h"
+
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -17,9 +18,10 @@
 #include "app/state.h"
 #include "expand/design_file.h"
 #include "expand/store.h"
-#include "gx/db/files.h"
+#include "gx/db/file_slots.h"
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
+#include "gx/db/object_flags.h"
 #include "gx/db/sheet_shape.h"
 #include "gx/db/undo.h"
 #include "gx/display/cmd_viewport.h"
@@ -190,7 +192,7 @@ void prepare_sheet() {
   gx_vext.obj_pos = {};
   gx_vext.snap_state = gx_inq_snap_state(gx_ptrto_gene_file_buf(kv_pext.file_id_cur));
   gx_cursor_set_pattern(1);
-  kv_hide_invisible(kv_pext.file_id_cur);
+  gx_hide_invisible(gx_ptrto_gene_file_buf(kv_pext.file_id_cur));
   kv_sext.gx_graphics_used = true;
   kv_sext.time_step = default_time_step;
   gx_debug("%s\n@@ END of INITIALIZE @@@@@\n%s\n", fence, fence);

@@ -4,7 +4,7 @@
 
 #include "app/language/do_file.h"
 #include "app/session/event_loop.h"
-#include "gx/display/menus.h"
+#include "gx/display/menu_file.h"
 #include "gx/text/debug.h"
 #include "gx/text/strings.h"
 #include "gx/text/text_files.h"

@@ -92,15 +92,13 @@ void kv_grid_step_cmd(const kv_command_t& command) {
 
 void kv_snap_cmd(const kv_command_t& command) {
   constexpr std::string_view refused = "# SNAp ";
-  const bool on = gx_equal("ON", command.word(2));
-  if (!on && !gx_equal("OF", command.word(2))) {
-    return kv_refuse(refused, command, "# !! Error :  2nd parameter incorrect ? ");
-  }
+  const auto on = kv_on_or_off(command.word(2));
+  if (!on) return kv_refuse(refused, command, kv_bad_second);
   const auto view = kv_edit_view();
   if (!view.has_sheet()) return kv_refuse(refused, command, kv_no_sheet);
-  gx_set_snap_state(view.file(), on);
-  gx_vext.snap_state = on;
-  gx_tell(on ? " SNAp ON " : " SNAp OFF ");
+  gx_set_snap_state(view.file(), *on);
+  gx_vext.snap_state = *on;
+  gx_tell(*on ? " SNAp ON " : " SNAp OFF ");
 }
 
 constexpr kv_command_row_t rows[] = {

@@ -16,6 +16,7 @@ namespace {
 struct mark_t {
   kv_view_t view;
   gx_pointreal_t point;
+  bool is_typed = false;
 };
 
 std::optional<mark_t> wanted_mark(std::string_view refused, const kv_command_t& command, int n,
@@ -28,19 +29,24 @@ std::optional<mark_t> wanted_mark(std::string_view refused, const kv_command_t& 
     return mark_t{*view, gx_round_snap(gx_vext.obj_pos.x, gx_vext.obj_pos.y)};
   }
   const auto p = kv_typed_point_in_page(command, n + 1, view->file());
-  if (p) return mark_t{*view, *p};
+  if (p) return mark_t{*view, *p, true};
   kv_refuse(refused, command, kv_outside_page, first);
   return std::nullopt;
 }
 
 // The point becomes the object position, and the pointer goes there: what follows in a command file
-// finds it in that viewport.
+// finds it in that viewport. A pointer that already drags on is not fetched back.
 void move_to(const mark_t& mark) {
+  const bool was_there = !mark.is_typed && gx_vext.viewport_id == mark.view.vpid;
   gx_vext.obj_pos = mark.point;
   gx_vext.viewport_id = mark.view.vpid;
   if (!gx_viewport_ok(mark.view.vpid)) return;
+  const gx_point16_t from = gx_vext.pixel_pos;
   gx_vext.pixel_pos = gx_viewport_pt_real_to_pixel(mark.view.vpid, mark.point);
-  gx_cursor_set_position(gx_vext.pixel_pos);
+  if (was_there)
+    gx_cursor_set_position(gx_vext.pixel_pos, from);
+  else
+    gx_cursor_set_position(gx_vext.pixel_pos);
 }
 
 // MARK, MARK Edit x y; a word before Edit is passed over, as MARK RECTangle has one there.
@@ -69,12 +75,10 @@ void kv_mark_rectangle_cmd(const kv_command_t& command) {
 }
 
 void kv_smash_cmd(const kv_command_t& command) {
-  const bool on = gx_equal("ON", command.word(2));
-  if (!on && !gx_equal("OF", command.word(2))) {
-    return kv_refuse("# SMASh ", command, "# !! Error :  2nd parameter incorrect ? ");
-  }
-  kv_pext.smash_done = on;
-  gx_tell(on ? " SMAsh ON " : " SMAsh OFF ");
+  const auto on = kv_on_or_off(command.word(2));
+  if (!on) return kv_refuse("# SMASh ", command, kv_bad_second);
+  kv_pext.smash_done = *on;
+  gx_tell(*on ? " SMAsh ON " : " SMAsh OFF ");
 }
 
 void kv_search_cmd(const kv_command_t& command) {

@@ -27,13 +27,21 @@ void check_current(const char* operation, int level) {
 
 // --- down
 
-void refuse_down(const kv_command_t& command, std::string_view error) {
-  std::string line = "# VIEw DOWn ";
-  for (int n = 3; n <= command.count(); ++n) {
+constexpr std::string_view down_refused = "# VIEw DOWn ";
+
+// The words in quotes, as the name of an instance may hold blanks.
+void refuse_quoted(std::string_view keyword, const kv_command_t& command, std::string_view error,
+                   int first) {
+  std::string line(keyword);
+  for (int n = first; n <= command.count(); ++n) {
     line += "\"" + std::string(command.word(n)) + "\"   ";
   }
   gx_tell(line);
   gx_tell(error);
+}
+
+void refuse_down(const kv_command_t& command, std::string_view error) {
+  refuse_quoted(down_refused, command, error, 3);
 }
 
 // The only instance that VIEw DOWn may mean; 0 after the refusal.
@@ -102,7 +110,6 @@ gx_string_record_t without_last_name(const gx_string_record_t& path) {
 }
 
 void kv_view_down_cmd(const kv_command_t& command) {
-  if (command.count() > 3) return refuse_down(command, kv_bad_count);
   const int level = kv_pext.file_level_cur;
   if (!kv_is_level(level) || !is_file(kv_at_level(level).file_index)) {
     return refuse_down(command, "# !! Error : No valid design Sheet available ");
@@ -157,7 +164,7 @@ void kv_view_up_cmd(const kv_command_t& command) {
 
 constexpr kv_command_row_t rows[] = {
     // clang-format off
-    {{"VIE", "DOW"}, "VIEw DOWn [instance]", kv_view_down_cmd},
+    {.keywords = {"VIE", "DOW"}, .syntax = "VIEw DOWn [instance]", .handler = kv_view_down_cmd, .refusal = down_refused, .first_echoed = 3, .refuse = refuse_quoted},
     {{"VIE", "UP"}, "VIEw UP", kv_view_up_cmd, "# VIEw UP ", 3},
     // clang-format on
 };

@@ -201,8 +201,7 @@ bool show_links(const kv_view_t& view) {
   gx_visit_owners(file, [&](const gx_owner_t& owner) {
     if (owner.kind == gx_owner_kind::symbol || owner.kind == gx_owner_kind::symbol_pin) return;
     gx_visit_properties(file, owner, [&](const gx_object_property_rec_t& property) {
-      const auto status = property.gene.status;
-      if ((status & gx_flag_selected) == 0 || (status & gx_flag_unvisible) != 0) return;
+      if (!gx_is_selected(property.gene) || gx_is_unvisible(property.gene)) return;
       found = true;
       if (const auto to = place_of(file, owner)) {
         const int id = property.gene.object_id;

@@ -10,6 +10,7 @@
 #include "app/sheet/walk.h"
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
+#include "gx/db/object_flags.h"
 #include "gx/db/queries.h"
 #include "gx/db/sheet_shape.h"
 #include "gx/display/draw.h"
@@ -37,15 +38,6 @@ void refuse_file(std::string_view keyword, const kv_command_t& command, std::str
   if (!why.empty()) gx_tell("# !! ", why);
 }
 
-// A cross at the origin of every component of a symbol file.
-void mark_components(gx_vpid_t vpid, const gx_file_gene_recf_t& file) {
-  for (const int comp : wn_components(file)) {
-    if (!gx_inq_object_deleted(file, comp)) {
-      gx_keep_cross(vpid, gx_object_abs_origin(file, comp, 0));
-    }
-  }
-}
-
 void show_in_context(gx_file_index_t file_index) {
   kv_pext.file_id_context = file_index;
   kv_display_picture_all(gx_vext.viewport_context, file_index);
@@ -59,7 +51,7 @@ void show_activated_symbol(bool marked_area_only) {
   } else {
     gx_display_picture_all(vpid, kv_pext.file_id_act);
   }
-  mark_components(vpid, gx_ptrto_gene_file_buf(kv_pext.file_id_act));
+  kv_cross_components(vpid, gx_ptrto_gene_file_buf(kv_pext.file_id_act), gx_keep_cross);
 }
 
 void kv_view_sheet_cmd(const kv_command_t& command) {
@@ -82,7 +74,7 @@ void kv_view_sheet_cmd(const kv_command_t& command) {
     kv_leave_slot(kv_pext.file_id_views);
     return refuse_file(refused, command, "# !! Error : No Sheet Available ? : ", path, why);
   }
-  kv_hide_invisible(kv_pext.file_id_views);
+  gx_hide_invisible(gx_ptrto_gene_file_buf(kv_pext.file_id_views));
   kv_pext.view_sheet_done = true;
   kv_follow_sheet();
   show_in_context(kv_pext.file_id_views);
@@ -111,7 +103,7 @@ void kv_activate_symbol_cmd(const kv_command_t& command) {
   if (wn_inq_comp_child_id(file, component).body == 0) {
     return refuse("# !! Error : property with value is not Available ? ", false);
   }
-  kv_hide_invisible(kv_pext.file_id_act);
+  gx_hide_invisible(gx_ptrto_gene_file_buf(kv_pext.file_id_act));
   kv_pext.act_symb_done = true;
   kv_pext.act_symb_id = static_cast<gx_object_id_t>(component);
   kv_pext.act_file_path = path;
@@ -150,7 +142,7 @@ void kv_view_all_cmd(const kv_command_t& command) {
   if (view->is_edit()) kv_remember_view();
   if (view->is_symbol()) {
     gx_display_picture_all(view->vpid, view->file_index);
-    mark_components(view->vpid, view->file());
+    kv_cross_components(view->vpid, view->file(), gx_keep_cross);
   } else {
     kv_display_picture_all(view->vpid, view->file_index);
   }
@@ -184,7 +176,7 @@ void kv_view_area_cmd(const kv_command_t& command) {
   if (view->is_edit()) kv_remember_view();
   if (view->is_symbol()) {
     gx_display_picture_area(view->vpid, view->file_index, area->p1, area->p2);
-    mark_components(view->vpid, view->file());
+    kv_cross_components(view->vpid, view->file(), gx_keep_cross);
   } else {
     kv_pext.disp_pic_area = true;
     kv_pext.pt_pic_area1 = area->p1;

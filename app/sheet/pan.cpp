@@ -44,8 +44,7 @@ constexpr std::size_t looked_at = 6;  // characters of a word
 bool is_picture(gx_vpid_t vpid) { return vpid == edit || vpid == context; }
 
 std::int32_t moved(std::int32_t from, int sign, std::int32_t amount) {
-  return static_cast<std::int32_t>(
-      std::clamp<std::int64_t>(from + std::int64_t{sign} * amount, INT32_MIN, INT32_MAX));
+  return gx_saturated(from + std::int64_t{sign} * amount);
 }
 
 void pan(const kv_move_t& move) {

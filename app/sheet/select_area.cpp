@@ -29,9 +29,9 @@ struct scan_t {
 // Whether the object is there to be taken and lies in the rectangle.
 bool is_hit(const scan_t& scan, int id, int inst) {
   const auto& object = gx_object_id_ptr(scan.file, id);
-  if ((object.status & gx_flag_deleted) != 0 || gx_bounds_empty(object.bounds)) return false;
-  if (!scan.select && (object.status & gx_flag_selected) == 0) return false;
-  const bool hidden = (object.status & gx_flag_unvisible) != 0;
+  if (gx_is_deleted(object) || gx_bounds_empty(object.bounds)) return false;
+  if (!scan.select && !gx_is_selected(object)) return false;
+  const bool hidden = gx_is_unvisible(object);
   if (object.object_type == gx_type::property_2d && hidden) return false;
   return object.object_type == gx_type::pinpropfam
              ? gx_pin_intersect_pick_aperture(scan.file, id)

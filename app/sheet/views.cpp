@@ -76,9 +76,7 @@ void draw_symbol(gx_vpid_t vpid, gx_file_index_t file_index, bool keep_scale) {
   if (!gx_object_id_ok(file, primary)) gx_set_status(gx_code::object_id_invalid);
   const gx_batch_t batch;
   gx_display_object(vpid, file_index, primary, 0, keep_scale, gx_draw_mode::draw, false);
-  for (const int component : wn_components(file))
-    if (!gx_inq_object_deleted(file, component))
-      gx_display_cross(vpid, gx_object_abs_origin(file, component, 0));
+  kv_cross_components(vpid, file, gx_display_cross);
   gx_display_half_cross(vpid, gx_vext.base_point);
   gx_display_kept_marks(vpid);
 }
@@ -159,12 +157,9 @@ void kv_show_title() {
   gx_set_title(gx_view(title));
 }
 
-void kv_hide_invisible(gx_file_index_t file_index) {
-  const auto& file = gx_ptrto_gene_file_buf(file_index);
-  for (int id = 1; id <= file.object_id_max; ++id) {
-    const auto& object = gx_object_id_ptr(file, id);
-    if (object.object_type != gx_type::property_2d || (object.status & gx_flag_deleted) != 0)
-      continue;
-    if (gx_property_info_ptr(file, id).visible == 0) gx_set_object_unvisible(file, id, true);
-  }
+void kv_cross_components(gx_vpid_t vpid, const gx_file_gene_recf_t& file,
+                         void (*put)(gx_vpid_t vpid, gx_pointreal_t p)) {
+  for (const int component : wn_components(file))
+    if (!gx_inq_object_deleted(file, component))
+      put(vpid, gx_object_abs_origin(file, component, 0));
 }

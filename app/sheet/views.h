@@ -3,7 +3,7 @@
 
 #include <array>
 
-#include "gx/db/ids.h"
+#include "gx/db/file_records.h"
 #include "gx/display/screen_state.h"
 
 // The four viewports of the window, in the order of their ids: edit, cmd, list, context.
@@ -25,5 +25,6 @@ void kv_update_basept_edit_cmd();
 // The window's title tells the place: the design's path, and below the top the simulation path.
 void kv_show_title();
 
-// Hides every property of a sheet or symbol file whose visible switch is off.
-void kv_hide_invisible(gx_file_index_t file_index);
+// Puts a cross (gx_display_cross, gx_keep_cross) at the origin of every component of a symbol file.
+void kv_cross_components(gx_vpid_t vpid, const gx_file_gene_recf_t& file,
+                         void (*put)(gx_vpid_t vpid, gx_pointreal_t p));

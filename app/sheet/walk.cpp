@@ -4,8 +4,9 @@
 
 #include "app/sheet/views.h"
 #include "app/state.h"
-#include "gx/db/files.h"
+#include "gx/db/link_file.h"
 #include "gx/db/object_access.h"
+#include "gx/db/object_flags.h"
 #include "gx/db/objects_of.h"
 #include "gx/db/sheet_shape.h"
 #include "gx/text/at.h"
@@ -50,7 +51,7 @@ void kv_stand_at(int level, const gx_string_record_t& path) {
   kv_pext.file_level_cur = static_cast<std::int16_t>(level);
   kv_pext.file_id_cur = kv_at_level(level).file_index;
   kv_pext.cur_sim_path = path;
-  kv_hide_invisible(kv_pext.file_id_cur);
+  gx_hide_invisible(gx_ptrto_gene_file_buf(kv_pext.file_id_cur));
   kv_follow_sheet();
 }
 

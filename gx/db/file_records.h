@@ -14,6 +14,7 @@
 
 #include "gx/db/ids.h"
 #include "gx/db/object_records.h"
+#include "gx/text/date.h"
 #include "gx/text/status.h"
 
 struct gx_file_gene_recf_t {
@@ -39,6 +40,17 @@ struct gx_file_gene_recf_t {
   std::shared_ptr<std::pmr::monotonic_buffer_resource> objects =
       std::make_shared<std::pmr::monotonic_buffer_resource>(16 * 1024);
 };
+
+inline gx_date_t gx_file_date(const gx_file_gene_recf_t& file) {
+  return {file.day, file.month, file.year, file.hour, file.minute};
+}
+inline void gx_set_file_date(gx_file_gene_recf_t& file, const gx_date_t& date) {
+  file.day = date.day;
+  file.month = date.month;
+  file.year = date.year;
+  file.hour = date.hour;
+  file.minute = date.minute;
+}
 
 // A new record of type Rec in the file's storage, all fields at their defaults; not yet in the id
 // table. Records are trivially destructible and live as long as the file.

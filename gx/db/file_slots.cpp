@@ -3,9 +3,12 @@
 //
 // A data file is read whole when it is opened and its stream is closed at once: nothing is read
 // from it later, and the slot's `file_io_id` is open only while a save writes its target.
+#include "gx/db/file_slots.h"
+
 #include "gx/db/file_state.h"
-#include "gx/db/files.h"
+#include "gx/db/link_file.h"
 #include "gx/db/object_access.h"
+#include "gx/db/record_codec.h"
 #include "gx/text/at.h"
 #include "gx/text/date.h"
 #include "gx/text/debug.h"
@@ -56,12 +59,7 @@ gx_file_index_t reserve_slot(const char* debug_text, const char* text, std::stri
 
 std::shared_ptr<gx_file_gene_recf_t> empty_file(gx_file_index_t file_index) {
   auto file = std::make_shared<gx_file_gene_recf_t>();
-  const auto now = gx_get_date();
-  file->day = now.day;
-  file->month = now.month;
-  file->year = now.year;
-  file->hour = now.hour;
-  file->minute = now.minute;
+  gx_set_file_date(*file, gx_get_date());
   file->file_index = file_index;
   return file;
 }

@@ -107,6 +107,11 @@ bool gx_part_object_outside_father_bounds(const gx_file_gene_recf_t& file, int i
 
 // --- boxes that objects keep
 
+void gx_update_father_bounds(const gx_file_gene_recf_t& file, int id, int father) {
+  const auto& object = gx_object_id_ptr(file, id);
+  gx_object_id_ptr(file, father).bounds = gx_move(object.bounds, object.origin);
+}
+
 void gx_compute_new_object_bounds(const gx_file_gene_recf_t& file, int id, int father) {
   const auto& object = gx_object_id_ptr(file, id);
   auto& outer = gx_object_id_ptr(file, father).bounds;

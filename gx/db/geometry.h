@@ -31,6 +31,8 @@ bool gx_bounds_meet(const gx_boundsreal_t& a, const gx_boundsreal_t& b);
 // The same with common edges left out.
 bool gx_bounds_overlap(const gx_boundsreal_t& a, const gx_boundsreal_t& b);
 
+// The father's box becomes the object's, moved by its origin.
+void gx_update_father_bounds(const gx_file_gene_recf_t& file, int id, int father);
 // The father's box grows to hold the object's.
 void gx_compute_new_object_bounds(const gx_file_gene_recf_t& file, int id, int father);
 // The box of a property's text, relative to its origin.

@@ -1,8 +1,9 @@
 // Names of GX files: versions, link files and the paths of symbols.
+#include "gx/db/link_file.h"
+
 #include <algorithm>
 #include <cerrno>
 
-#include "gx/db/files.h"
 #include "gx/text/debug.h"
 #include "gx/text/numbers.h"
 #include "gx/text/session_state.h"

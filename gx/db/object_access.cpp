@@ -2,22 +2,10 @@
 // fields of the file header that others read and set.
 #include "gx/db/object_access.h"
 
-#include <cstdint>
-
 #include "gx/db/file_state.h"
 #include "gx/text/at.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
-
-namespace {
-
-std::int32_t saturated(std::int64_t v) {
-  return static_cast<std::int32_t>(v < INT32_MIN ? INT32_MIN : v > INT32_MAX ? INT32_MAX : v);
-}
-
-std::int32_t sum(std::int32_t a, std::int32_t b) { return saturated(std::int64_t{a} + b); }
-
-}  // namespace
 
 gx_file_gene_recf_t& gx_ptrto_gene_file_buf(gx_file_index_t file_index) {
   if (file_index < 1 || file_index > gx_files.num_file_open || file_index > gx_max_files) {
@@ -48,14 +36,6 @@ void gx_object_type_refused(const gx_object_gene_rec_t& object, gx_type type) {
   gx_trace(" ## error in gx_object_info_ptr : obj_id : ", object.object_id, "  type : ", is,
            "  instead of : ", wanted);
   gx_set_status(gx_code::object_type_invalid);
-}
-
-void gx_update_father_bounds(const gx_file_gene_recf_t& file, int id, int father) {
-  const auto& object = gx_object_id_ptr(file, id);
-  const auto& [dx, dy] = object.origin;
-  const auto& box = object.bounds;
-  gx_object_id_ptr(file, father).bounds = {sum(box.xmin, dx), sum(box.ymin, dy), sum(box.xmax, dx),
-                                           sum(box.ymax, dy)};
 }
 
 gx_object_id_t gx_file_inq_max_object_id(const gx_file_gene_recf_t& file) {

@@ -83,9 +83,6 @@ inline auto& gx_property_info_ptr(const gx_file_gene_recf_t& f, int id) {
   return gx_info_ptr<gx_object_property_rec_t>(f, id);
 }
 
-// Adds the bounds of an object, moved by its origin, to nothing: the father's bounds become them.
-void gx_update_father_bounds(const gx_file_gene_recf_t& file, int id, int father);
-
 gx_object_id_t gx_file_inq_max_object_id(const gx_file_gene_recf_t& file);
 gx_object_id_t gx_file_inq_primary_object(const gx_file_gene_recf_t& file);
 void gx_file_set_primary_object(gx_file_gene_recf_t& file, int id);

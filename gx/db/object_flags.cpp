@@ -7,12 +7,11 @@
 namespace {
 
 bool has_flag(const gx_file_gene_recf_t& file, int id, gx_flag flag) {
-  return (gx_object_id_ptr(file, id).status & flag) != 0;
+  return gx_has_flag(gx_object_id_ptr(file, id), flag);
 }
 
 void put_flag(const gx_file_gene_recf_t& file, int id, gx_flag flag, bool on) {
-  auto& word = gx_object_id_ptr(file, id).status;
-  word = static_cast<std::int16_t>(on ? word | flag : word & ~flag);
+  gx_put_flag(gx_object_id_ptr(file, id), flag, on);
 }
 
 // The flags whose changes can be taken back: a change of the bit is recorded, nothing else.
@@ -82,5 +81,13 @@ void gx_set_child_selected(const gx_file_gene_recf_t& file, int holder, bool on)
     if (gx_object_id_ptr(file, id).object_type == gx_type::property_2d) {
       gx_set_object_selected(file, id, on);
     }
+  }
+}
+
+void gx_hide_invisible(const gx_file_gene_recf_t& file) {
+  for (int id = 1; id <= file.object_id_max; ++id) {
+    const auto& object = gx_object_id_ptr(file, id);
+    if (object.object_type != gx_type::property_2d || gx_is_deleted(object)) continue;
+    if (gx_property_info_ptr(file, id).visible == 0) gx_set_object_unvisible(file, id, true);
   }
 }

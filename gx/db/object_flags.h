@@ -23,3 +23,5 @@ void gx_set_object_fixed(const gx_file_gene_recf_t& file, int id, bool on);
 
 // The selected flag of every property child of a holder (the child-selected marking).
 void gx_set_child_selected(const gx_file_gene_recf_t& file, int holder, bool on);
+// Hides every property of a sheet or symbol file whose visible switch is off.
+void gx_hide_invisible(const gx_file_gene_recf_t& file);

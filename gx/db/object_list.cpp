@@ -1,5 +1,7 @@
 // The listing of all objects of a file, written beside it for people who look for a fault in a
 // design: links and place of every object, then the fields of its type.
+#include "gx/db/object_list.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <initializer_list>
@@ -7,7 +9,6 @@
 #include <utility>
 
 #include "gx/db/file_state.h"
-#include "gx/db/files.h"
 #include "gx/db/object_access.h"
 #include "gx/db/record_tables.h"
 #include "gx/text/at.h"
@@ -63,7 +64,7 @@ void list_object(std::FILE* out, gx_file_index_t file_index, const gx_object_gen
     std::fprintf(out, "%11d", v);
   }
   std::fprintf(out, "   : object_type : %15s", gx_type_name(object.object_type).data());
-  if ((object.status & gx_flag_deleted) != 0) std::fputs("   : !!! deleted  ", out);
+  if (gx_is_deleted(object)) std::fputs("   : !!! deleted  ", out);
   const auto& box = object.bounds;
   std::fprintf(out, "\n    bounds    = %d  %d  %d  %d  \n", box.xmin, box.ymin, box.xmax, box.ymax);
   std::fprintf(out, " origin.x : %d\n origin.y : %d\n", object.origin.x, object.origin.y);

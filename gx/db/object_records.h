@@ -81,6 +81,27 @@ struct gx_object_gene_rec_t {
   gx_boundsreal_t bounds = gx_empty_bounds;  // relative to the object's own origin
 };
 
+// --- one bit of a status; by id and with undo: object_flags.h
+inline bool gx_has_flag(const gx_object_gene_rec_t& object, gx_flag flag) {
+  return (object.status & flag) != 0;
+}
+inline void gx_put_flag(gx_object_gene_rec_t& object, gx_flag flag, bool on) {
+  object.status = static_cast<std::int16_t>(on ? object.status | flag : object.status & ~flag);
+}
+inline bool gx_is_deleted(const gx_object_gene_rec_t& object) {
+  return gx_has_flag(object, gx_flag_deleted);
+}
+inline bool gx_is_selected(const gx_object_gene_rec_t& object) {
+  return gx_has_flag(object, gx_flag_selected);
+}
+inline bool gx_is_unvisible(const gx_object_gene_rec_t& object) {
+  return gx_has_flag(object, gx_flag_unvisible);
+}
+// Deleted or switched off.
+inline bool gx_is_hidden(const gx_object_gene_rec_t& object) {
+  return gx_is_deleted(object) || gx_is_unvisible(object);
+}
+
 // The types that hold nothing of their own: main, page, the families, component, body, frame, pin,
 // graphics.
 struct gx_object_plain_rec_t {

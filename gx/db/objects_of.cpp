@@ -137,7 +137,7 @@ const gx_object_property_rec_t* find_among(const gx_file_gene_recf_t& file, gx_s
                                            std::string_view name) {
   for (const int id : among) {
     const auto* property = gx_object_as<gx_object_property_rec_t>(file, id);
-    if (property == nullptr || (property->gene.status & gx_flag_deleted) != 0) continue;
+    if (property == nullptr || gx_is_deleted(property->gene)) continue;
     const std::string_view own = gx_view(property->name);
     if (own.size() == name.size() && gx_iden(own, name)) return property;
   }

@@ -5,6 +5,7 @@
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
 #include "gx/text/debug.h"
+#include "gx/text/status.h"
 
 namespace {
 
@@ -109,7 +110,7 @@ gx_pointreal_t gx_object_abs_origin(const gx_file_gene_recf_t& file, int id, int
 
 gx_placed_t gx_pin_abs_origin_bounds(const gx_file_gene_recf_t& file, int pinpropfam) {
   const auto& pin = gx_object_id_ptr(file, pinpropfam);
-  if ((pin.status & gx_flag_deleted) != 0) gx_set_status(gx_code::file_data_invalid);
+  if (gx_is_deleted(pin)) gx_set_status(gx_code::file_data_invalid);
   gx_check_object_type(pin, gx_type::pinpropfam);
   const int inst = gx_object_id_ptr(file, pin.father).father;
   gx_check_object_type(gx_object_id_ptr(file, inst), gx_type::instance);
@@ -133,4 +134,21 @@ void gx_arc_abs_difang(const gx_file_gene_recf_t& file, int inst, std::int32_t& 
   for (auto* angle : {&angle1, &angle2}) {
     *angle = gx_saturated(instance.fliph != 0 ? -turn - *angle : turn + *angle);
   }
+}
+
+gx_pointreal_t gx_viewport_dpt_obj2d_inst(const gx_file_gene_recf_t& file, int inst,
+                                          gx_pointreal_t p0, gx_pointreal_t d) {
+  if (inst > file.object_id_max) {
+    gx_debug(" gx_viewport_dpt_obj2d_inst : inst_id : %12d\n", inst);
+    gx_set_status(gx_code::object_id_invalid);
+  }
+  if (inst > 0 && gx_object_id_ptr(file, inst).object_type == gx_type::instance) {
+    const auto& instance = gx_instance_info_ptr(file, inst);
+    if (instance.rotate > 3) {
+      gx_debug_line(" gx_viewport_dpt_obj2d_inst  ( instanced ) : inst.rotate invalid ?");
+      gx_set_status(gx_code::coordonate_conversion_overflow);
+    }
+    d = gx_turn(d, instance.rotate, instance.fliph != 0);
+  }
+  return {gx_saturated(std::int64_t{p0.x} + d.x), gx_saturated(std::int64_t{p0.y} + d.y)};
 }

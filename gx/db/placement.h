@@ -21,3 +21,7 @@ gx_pointreal_t gx_pin_abs_origin(const gx_file_gene_recf_t& file, int pinpropfam
 // Turns the angles of an arc as the instance does (0: leaves them).
 void gx_arc_abs_difang(const gx_file_gene_recf_t& file, int inst, std::int32_t& angle1,
                        std::int32_t& angle2);
+// The point at `d` from `p0`, turned and mirrored as the instance is (0: not). A bad angle stops
+// with coordonate_conversion_overflow.
+gx_pointreal_t gx_viewport_dpt_obj2d_inst(const gx_file_gene_recf_t& file, int inst,
+                                          gx_pointreal_t p0, gx_pointreal_t d);

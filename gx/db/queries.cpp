@@ -165,8 +165,8 @@ gx_pin_pair_t checked_pair(const gx_file_gene_recf_t& file, int pin, int pinprop
   if (pin < 1 || pinpropfam < 1) return {};
   const auto& of_symbol = gx_object_id_ptr(file, pin);
   const auto& of_inst = gx_object_id_ptr(file, pinpropfam);
-  if (query.refuse_deleted && ((of_symbol.status | of_inst.status) & gx_flag_deleted) != 0) {
-    const bool symbol_side = (of_symbol.status & gx_flag_deleted) != 0;
+  if (query.refuse_deleted && (gx_is_deleted(of_symbol) || gx_is_deleted(of_inst))) {
+    const bool symbol_side = gx_is_deleted(of_symbol);
     gx_debug(" %s :  child_%c : deleted \n", query.operation, symbol_side ? 's' : 'i');
     gx_set_status(gx_code::file_data_invalid);
   }
@@ -231,7 +231,7 @@ gx_object_id_t lb_instance_of_pin_id(const gx_file_gene_recf_t& file, int pinpro
 
 gx_pointreal_t lb_inq_inst_origin(const gx_file_gene_recf_t& file, int inst) {
   const auto& instance = gx_instance_info_ptr(file, inst).gene;
-  if ((instance.status & gx_flag_deleted) != 0) gx_set_status(gx_code::file_data_invalid);
+  if (gx_is_deleted(instance)) gx_set_status(gx_code::file_data_invalid);
   return instance.origin;
 }
 
@@ -263,7 +263,7 @@ namespace {
 // The object must be there, alive and of that type.
 void check_owner(const gx_file_gene_recf_t& file, int id, gx_type type) {
   const auto& object = gx_object_id_ptr(file, id);
-  if ((object.status & gx_flag_deleted) != 0) gx_set_status(gx_code::file_data_invalid);
+  if (gx_is_deleted(object)) gx_set_status(gx_code::file_data_invalid);
   gx_check_object_type(object, type);
 }
 

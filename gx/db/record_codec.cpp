@@ -2,14 +2,16 @@
 //
 // Reading never stops the program: what is wrong with a file is an outcome for the caller. A file
 // that ends early is refused like one whose next record has no valid type.
+#include "gx/db/record_codec.h"
+
 #include <algorithm>
 #include <bit>
 #include <cerrno>
 #include <cstring>
 #include <initializer_list>
 
-#include "gx/db/files.h"
 #include "gx/db/record_tables.h"
+#include "gx/db/reference_check.h"
 #include "gx/text/at.h"
 #include "gx/text/text_files.h"
 #include "platform/files.h"
@@ -311,7 +313,7 @@ gx_load_t gx_decode_file(std::string_view bytes, std::string_view name) {
 
   for (int id = 1; id <= file.object_id_max; ++id) {
     auto& object = *gx_at(file.ptr_to_ar_objindex, id - 1);
-    if ((object.status & gx_flag_deleted) != 0) {
+    if (gx_is_deleted(object)) {
       auto load = refused(gx_code::file_close_invalid, gx_load_fault::deleted,
                           object_fault(name, id, "stored although deleted"));
       load.object_id = id;
@@ -331,7 +333,7 @@ gx_load_t gx_decode_file(std::string_view bytes, std::string_view name) {
 
 gx_load_t gx_load_file(std::string_view data_path) {
   // Only a path under the product directory is rewritten, and with that cut in length.
-  const std::string path = data_path.starts_with("$VELMORAN")
+  const std::string path = data_path.starts_with(gx_product_word)
                                ? std::string(gx_view(gx_resolve_path(data_path)))
                                : std::string(data_path);
   const x_descriptor file = x_open_regular(path);

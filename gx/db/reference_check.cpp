@@ -1,11 +1,12 @@
 // Whether the objects of a file that was just read refer to each other soundly. Everything that
 // walks a file later relies on it: ids are in range and name the types that the walks expect, and
 // every chain ends. All checks together take time proportional to the number of objects.
+#include "gx/db/reference_check.h"
+
 #include <array>
 #include <string>
 #include <vector>
 
-#include "gx/db/files.h"
 #include "gx/db/record_tables.h"
 #include "gx/text/at.h"
 

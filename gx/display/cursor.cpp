@@ -41,6 +41,26 @@ void show_cursor(const char* operation) {
   XDefineCursor(v.dpy, v.win, cursor.cursid);
   XFlush(v.dpy);
 }
+
+// Puts the pointer at a pixel; with a window, only while it is near `from` there, which the server
+// looks at: what a user does meanwhile is not undone.
+void warp(Window window, gx_point16_t from, gx_point16_t pixel) {
+  check_ready();
+  if (gx_vext.dpy == nullptr) return;
+  show_cursor("gx_cursor_set_position ");
+  const auto kept = [](int at, int size) {
+    return std::clamp(at, pointer_margin, std::max(size - pointer_margin, pointer_margin));
+  };
+  auto& v = gx_vext;
+  v.pointer_put = {static_cast<std::int16_t>(kept(pixel.x, v.bitmap_size.x)),
+                   static_cast<std::int16_t>(kept(pixel.y, v.bitmap_size.y))};
+  v.was_put = true;
+  gx_pen_flush();
+  constexpr unsigned near = 2 * pointer_margin + 1;
+  XWarpPointer(v.dpy, window, v.win, from.x - pointer_margin, from.y - pointer_margin, near, near,
+               v.pointer_put.x, v.pointer_put.y);
+  XFlush(v.dpy);
+}
 }  // namespace
 
 void gx_cursor_set_pattern(int index) {
@@ -66,18 +86,8 @@ void gx_cursor_erase() {
   XFlush(gx_vext.dpy);
 }
 
-void gx_cursor_set_position(gx_point16_t pixel) {
-  check_ready();
-  if (gx_vext.dpy == nullptr) return;
-  show_cursor("gx_cursor_set_position ");
-  const auto kept = [](int at, int size) {
-    return std::clamp(at, pointer_margin, std::max(size - pointer_margin, pointer_margin));
-  };
-  auto& v = gx_vext;
-  v.pointer_put = {static_cast<std::int16_t>(kept(pixel.x, v.bitmap_size.x)),
-                   static_cast<std::int16_t>(kept(pixel.y, v.bitmap_size.y))};
-  v.was_put = true;
-  gx_pen_flush();
-  XWarpPointer(v.dpy, 0, v.win, 0, 0, 0, 0, v.pointer_put.x, v.pointer_put.y);
-  XFlush(v.dpy);
+void gx_cursor_set_position(gx_point16_t pixel) { warp(None, {}, pixel); }
+
+void gx_cursor_set_position(gx_point16_t pixel, gx_point16_t from) {
+  warp(gx_vext.win, from, pixel);
 }

@@ -9,4 +9,7 @@
 void gx_cursor_set_pattern(int index);
 void gx_cursor_active();
 void gx_cursor_erase();
+// Pixels of the window; kept 18 from its edges.
 void gx_cursor_set_position(gx_point16_t pixel);
+// The same for a pointer that is still within 18 pixels of `from`; one that was moved on stays.
+void gx_cursor_set_position(gx_point16_t pixel, gx_point16_t from);

@@ -4,6 +4,8 @@
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
 #include "gx/db/queries.h"
+#include "gx/db/segment_ends.h"
+#include "gx/display/draw_prim.h"
 #include "gx/display/draw_steps.h"
 #include "gx/display/highlight.h"
 #include "gx/display/markers.h"
@@ -17,14 +19,6 @@
 #include "gx/vext.h"
 
 namespace {
-// An end of a segment: a vertex, or the pin of an instance.
-struct end_t {
-  gx_pointreal_t point;
-  bool is_pin = false;
-  bool is_dotted = false;
-  bool is_selected = false;
-};
-
 // One net on its way to the screen.
 struct net_t {
   const gx_picture_t& picture;
@@ -33,33 +27,8 @@ struct net_t {
   const gx_highlight_t* highlight = nullptr;  // of the whole net
 };
 
-[[noreturn]] void refuse_end(const net_t& net, int segment_id, int which, int vertex_id,
-                             std::string_view what, const char* fault) {
-  gx_debug(" gx_display_net : vertex%d_id %s !! : %d  %15.*s   net_id : %d   segment_id :%d\n",
-           which, fault, vertex_id, static_cast<int>(what.size()), what.data(), net.id, segment_id);
-  gx_set_status(gx_code::object_id_invalid);
-}
-
-end_t end_of(const net_t& net, int segment_id, int which, int vertex_id) {
-  const auto& file = *net.picture.file;
-  if (!gx_object_id_ok(file, vertex_id))
-    refuse_end(net, segment_id, which, vertex_id, gx_type_name(gx_type::nil), "invalid");
-  const auto& object = gx_object_id_ptr(file, vertex_id);
-  const auto type = gx_type_name(object.object_type);
-  if (gx_is_deleted(object)) refuse_end(net, segment_id, which, vertex_id, type, "deleted");
-  switch (object.object_type) {
-    case gx_type::vertex_2d:
-      return {gx_object_abs_origin(file, vertex_id, 0), false,
-              gx_vertex_info_ptr(file, vertex_id).dotted != 0, gx_is_selected(object)};
-    case gx_type::pinpropfam:
-      return {gx_pin_abs_origin(file, vertex_id), true,
-              gx_pinpropfam_info_ptr(file, vertex_id).dotted != 0, gx_is_selected(object)};
-    default:
-      refuse_end(net, segment_id, which, vertex_id, type, "invalid");
-  }
-}
-
-void draw_end(const gx_picture_t& picture, const end_t& end, bool is_loose, int segment_color) {
+void draw_end(const gx_picture_t& picture, const gx_segment_end_t& end, bool is_loose,
+              int segment_color) {
   const bool draws = !picture.erases();
   if (is_loose && end.is_pin && draws) gx_display_pin_nocon(picture.vpid, end.point);
   if (end.is_selected && !end.is_pin && draws) gx_display_selvertex(picture.vpid, end.point);
@@ -72,13 +41,9 @@ void draw_end(const gx_picture_t& picture, const end_t& end, bool is_loose, int 
 void draw_segment(const net_t& net, int segment_id) {
   const auto& picture = net.picture;
   const auto& segment = gx_segment_info_ptr(*picture.file, segment_id);
-  const end_t end1 = end_of(net, segment_id, 1, segment.vertex1);
-  const end_t end2 = end_of(net, segment_id, 2, segment.vertex2);
-  if (segment.line_width < 1) {
-    gx_debug(" gx_display_net : line_width  invalid !! : %d     net_id : %d   segment_id :%d\n",
-             segment.line_width, net.id, segment_id);
-    gx_set_status(gx_code::invalid_line_2d);
-  }
+  const gx_net_segment_t drawn{*picture.file, "gx_display_net", net.id, segment_id};
+  const gx_segment_end_t end1 = drawn.end(1), end2 = drawn.end(2);
+  drawn.check_width();
   if (segment.line_style < 0 || segment.line_style >= gx_nb_of_styles) {
     gx_debug(" gx_display_net : line style invalid !! :    net_id : %d   segment_id :%d\n", net.id,
              segment_id);

@@ -3,6 +3,7 @@
 
 #include "gx/db/ids.h"
 #include "gx/display/draw_mode.h"
+#include "gx/display/draw_steps.h"
 #include "gx/display/screen_state.h"
 
 // Makes the object the root of the viewport's picture, fits it unless the scale is kept, and draws
@@ -24,3 +25,6 @@ void gx_viewport_refresh_partial(gx_vpid_t vpid, bool force_selected);
 void gx_display_picture_all(gx_vpid_t vpid, gx_file_index_t file_index);
 void gx_display_picture_area(gx_vpid_t vpid, gx_file_index_t file_index, gx_pointreal_t p1,
                              gx_pointreal_t p2);
+
+// An object and all below it, without the checks of the viewport.
+void gx_draw_tree(const gx_picture_t& picture, int object_id, int inst_id, bool force_selected);

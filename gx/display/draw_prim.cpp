@@ -9,6 +9,7 @@
 #include "gx/db/object_access.h"
 #include "gx/display/clipping.h"
 #include "gx/display/draw_steps.h"
+#include "gx/display/grid.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/stroke_text.h"
 #include "gx/display/viewports.h"
@@ -162,7 +163,7 @@ void gx_draw_prim(const gx_picture_t& picture, int object_id, int inst_id, bool 
     gx_draw_grid(picture, object_id);
     return;
   }
-  if ((object.status & gx_flag_unvisible) != 0) return;
+  if (gx_is_unvisible(object)) return;
   if (type < gx_type::arc3p_2d || type > gx_type::property_2d) {
     const auto name = gx_type_name(type);
     gx_debug(

@@ -1,3 +1,4 @@
+
 #include "gx/display/draw_steps.h"
 
 #include <algorithm>

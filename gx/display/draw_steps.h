@@ -25,17 +25,6 @@ struct gx_picture_t {
 gx_picture_t gx_picture_of(gx_vpid_t vpid, gx_file_index_t file_index, int object_id,
                            gx_draw_mode mode, const char* operation);
 
-inline bool gx_is_deleted(const gx_object_gene_rec_t& object) {
-  return (object.status & gx_flag_deleted) != 0;
-}
-inline bool gx_is_selected(const gx_object_gene_rec_t& object) {
-  return (object.status & gx_flag_selected) != 0;
-}
-// Deleted or switched off.
-inline bool gx_is_hidden(const gx_object_gene_rec_t& object) {
-  return (object.status & (gx_flag_deleted | gx_flag_unvisible)) != 0;
-}
-
 // The style of selected lines.
 inline constexpr int gx_selected_style = 3;
 
@@ -48,12 +37,3 @@ void gx_draw_polyline(gx_vpid_t vpid, int color, int style, std::span<const gx_p
 // `width` (1..255) parallel thin lines, some more for a slanted line.
 void gx_draw_thick_line(gx_vpid_t vpid, int color, int style, gx_point16_t a, gx_point16_t b,
                         int width);
-
-// --- drawing without the checks of the viewport, for the rooms that made them already:
-// draw_prim.cpp, draw_net.cpp, grid.cpp, draw_object.cpp
-void gx_draw_prim(const gx_picture_t& picture, int object_id, int inst_id, bool force_selected);
-void gx_draw_pin(const gx_picture_t& picture, int pin_id, int inst_id, bool force_selected);
-void gx_draw_net(const gx_picture_t& picture, int net_id);
-void gx_draw_grid(const gx_picture_t& picture, int grid_id);
-// An object and all below it.
-void gx_draw_tree(const gx_picture_t& picture, int object_id, int inst_id, bool force_selected);

@@ -16,7 +16,8 @@
 
 #include "gx/db/geometry.h"
 #include "gx/display/key_lookup.h"
-#include "gx/display/menus.h"
+#include "gx/display/menu_draw.h"
+#include "gx/display/menu_tree.h"
 #include "gx/display/pen.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/stroke_text.h"

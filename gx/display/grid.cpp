@@ -84,7 +84,7 @@ void gx_set_grid_visibility(gx_file_index_t file_index, gx_vpid_t vpid) {
 void gx_draw_grid(const gx_picture_t& picture, int grid_id) {
   const auto& file = *picture.file;
   const auto& grid = gx_grid_info_ptr(file, grid_id);
-  if ((grid.gene.status & gx_flag_deleted) != 0) return;
+  if (gx_is_deleted(grid.gene)) return;
   if (gx_viewport_rec(picture.vpid).vp_blocked) return;
   const gx_pointreal_t origin = gx_object_abs_origin(file, grid_id, 0);
   const gx_pointreal_t opposite = gx_viewport_dpt_obj2d_inst(file, 0, origin, grid.opposite_pt);
@@ -92,6 +92,5 @@ void gx_draw_grid(const gx_picture_t& picture, int grid_id) {
   const gx_point16_t far = gx_viewport_pt_real_to_pixel(picture.vpid, opposite);
   const std::array<gx_point16_t, 5> frame{near, {far.x, near.y}, far, {near.x, far.y}, near};
   gx_draw_polyline(picture.vpid, gx_drawn_color(picture, frame_color, false), 0, frame);
-  if ((grid.gene.status & gx_flag_unvisible) == 0 && grid.grid_on != 0)
-    draw_dots(picture, grid, near, far);
+  if (!gx_is_unvisible(grid.gene) && grid.grid_on != 0) draw_dots(picture, grid, near, far);
 }

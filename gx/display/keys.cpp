@@ -72,10 +72,6 @@ gx_string_record_t* find_slot(std::string_view name) {
   return nullptr;
 }
 
-bool is_blank(std::string_view text) {
-  return text.find_first_not_of(' ') == std::string_view::npos;
-}
-
 }  // namespace
 
 bool gx_set_key_action(std::string_view key_name, std::string_view action) {
@@ -95,7 +91,7 @@ void gx_status_key_all() {
   for (const key_row_t& row : rows) {
     for (std::size_t k = 0; k < row.keys.size(); ++k) {
       const std::string_view action = gx_view(slot(row, k));
-      if (is_blank(action)) continue;
+      if (gx_is_blank(action)) continue;
       gx_string_record_t line = gx_string("# KEY : ");
       gx_concat_all(line, row.stem, row.keys[k], row.suffix, " ", action, " ");
       gx_display_list(gx_view(line));

@@ -1,5 +1,7 @@
 // The menu on the screen: each level is painted over the picture, whose pixels are kept in the
 // level's pixmap and copied back when the level closes. One code path serves the four levels.
+#include "gx/display/menu_draw.h"
+
 #include <X11/Xlib.h>
 
 #include <algorithm>
@@ -7,7 +9,7 @@
 
 #include "gx/display/cursor.h"
 #include "gx/display/menu_state.h"
-#include "gx/display/menus.h"
+#include "gx/display/menu_tree.h"
 #include "gx/display/pen.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/stroke_text.h"

@@ -2,6 +2,8 @@
 //
 // A line is "#" and a comment, or a level digit 1..4, the display string in single quotes and, for
 // a line with a command, the command in single quotes. The tree comes from the order of the lines.
+#include "gx/display/menu_file.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -10,7 +12,7 @@
 #include <string>
 
 #include "gx/display/menu_state.h"
-#include "gx/display/menus.h"
+#include "gx/display/menu_tree.h"
 #include "gx/text/debug.h"
 #include "gx/text/message_list.h"
 #include "gx/text/strings.h"

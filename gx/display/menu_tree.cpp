@@ -1,10 +1,11 @@
 // The menu records and their place in the tree.
+#include "gx/display/menu_tree.h"
+
 #include <algorithm>
 #include <memory>
 #include <ranges>
 
 #include "gx/display/menu_state.h"
-#include "gx/display/menus.h"
 #include "gx/text/at.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"

@@ -113,7 +113,6 @@ struct gx_screen_state_t {
   bool cmd_executing = false;
   gx_string_record_t str_cmd;  // the command line being typed
   int caret_column = 0;        // of the caret on the screen
-  std::int32_t lpplot_scale = 1;
   std::vector<gx_kept_mark_t> kept_marks;
   std::vector<gx_highlight_t> highlights;  // ordered by file, then id
 };

@@ -1,8 +1,10 @@
 // The frames, instances and nets of a sheet.
 #include "gx/display/sheet_drawing.h"
 
+#include "gx/db/picture_walk.h"
+#include "gx/display/draw_net.h"
+#include "gx/display/draw_object.h"
 #include "gx/display/draw_steps.h"
-#include "gx/display/picture_walk.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"

@@ -4,6 +4,8 @@
 
 #include "gx/db/object_access.h"
 #include "gx/db/queries.h"
+#include "gx/display/draw_net.h"
+#include "gx/display/draw_object.h"
 #include "gx/display/draw_steps.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/sheet_drawing.h"

@@ -95,23 +95,6 @@ int gx_viewport_obj2d_to_pixel(gx_vpid_t vpid, std::int32_t length) {
   return static_cast<int>(std::min(pixels < 0 ? -pixels : pixels, max_pixel));
 }
 
-gx_pointreal_t gx_viewport_dpt_obj2d_inst(const gx_file_gene_recf_t& file, int inst,
-                                          gx_pointreal_t p0, gx_pointreal_t d) {
-  if (inst > file.object_id_max) {
-    gx_debug(" gx_viewport_dpt_obj2d_inst : inst_id : %12d\n", inst);
-    gx_set_status(gx_code::object_id_invalid);
-  }
-  if (inst > 0 && gx_object_id_ptr(file, inst).object_type == gx_type::instance) {
-    const auto& instance = gx_instance_info_ptr(file, inst);
-    if (instance.rotate > 3) {
-      gx_debug_line(" gx_viewport_dpt_obj2d_inst  ( instanced ) : inst.rotate invalid ?");
-      gx_set_status(gx_code::coordonate_conversion_overflow);
-    }
-    d = gx_turn(d, instance.rotate, instance.fliph != 0);
-  }
-  return {gx_saturated(std::int64_t{p0.x} + d.x), gx_saturated(std::int64_t{p0.y} + d.y)};
-}
-
 gx_boundsreal_t gx_area_of(gx_pointreal_t p1, gx_pointreal_t p2) {
   if (p2.x == p1.x) p2.x = gx_saturated(std::int64_t{p1.x} + smallest_area);
   if (p2.y == p1.y) p2.y = gx_saturated(std::int64_t{p1.y} + smallest_area);

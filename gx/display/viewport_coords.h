@@ -12,8 +12,6 @@ gx_vpid_t gx_viewport_pixel_to_vpid(gx_point16_t pixel);  // 0 when none
 gx_vpid_t gx_viewport_pixel_to_obj2d(gx_point16_t pixel, gx_pointreal_t& point);
 gx_point16_t gx_viewport_pt_real_to_pixel(gx_vpid_t vpid, gx_pointreal_t p);
 int gx_viewport_obj2d_to_pixel(gx_vpid_t vpid, std::int32_t length);
-gx_pointreal_t gx_viewport_dpt_obj2d_inst(const gx_file_gene_recf_t& file, int inst,
-                                          gx_pointreal_t p0, gx_pointreal_t d);
 
 // The rectangle between two corners; one without width or height is widened to 5000 units.
 gx_boundsreal_t gx_area_of(gx_pointreal_t p1, gx_pointreal_t p2);

@@ -15,7 +15,6 @@
 #include "gx/display/colors.h"
 #include "gx/display/list_viewport.h"
 #include "gx/display/menu_state.h"
-#include "gx/display/menus.h"
 #include "gx/display/pen.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/stroke_text.h"

@@ -125,7 +125,7 @@ gx_type gx_object_open(gx_file_index_t file_index, int id) {
   const auto& file = gx_ptrto_gene_file_buf(file_index);
   auto& object = gx_object_id_ptr(file, id);
   const auto type_name = gx_type_name(object.object_type);
-  if ((object.status & gx_flag_deleted) != 0) {
+  if (gx_is_deleted(object)) {
     gx_debug(" gx_open_object : object deleted : %d     object_type : %15s\n", id,
              type_name.data());
     gx_set_status(gx_code::object_open_invalid);

@@ -8,9 +8,11 @@
 #include <utility>
 #include <vector>
 
+#include "gx/db/file_slots.h"
 #include "gx/db/file_state.h"
-#include "gx/db/files.h"
+#include "gx/db/link_file.h"
 #include "gx/db/object_access.h"
+#include "gx/db/record_codec.h"
 #include "gx/db/record_tables.h"
 #include "gx/text/at.h"
 #include "gx/text/date.h"
@@ -86,26 +88,18 @@ void gx_object_copy_bye_link(const gx_object_gene_rec_t& source, gx_file_gene_re
 std::shared_ptr<gx_file_gene_recf_t> compacted(const gx_file_gene_recf_t& source) {
   auto result = std::make_shared<gx_file_gene_recf_t>();
   auto& target = *result;
-  const auto now = gx_get_date();
-  target.day = now.day;
-  target.month = now.month;
-  target.year = now.year;
-  target.hour = now.hour;
-  target.minute = now.minute;
+  gx_set_file_date(target, gx_get_date());
   target.dot_width = source.dot_width;
   target.check_data_done = gx_files.check_data_done;
   target.num_errors = gx_session.num_errors;
 
-  const auto deleted = [](const gx_object_gene_rec_t* object) {
-    return (object->status & gx_flag_deleted) != 0;
-  };
   source_to_target_t map(source.ptr_to_ar_objindex.size() + 1, 0);
   for (const auto* object : source.ptr_to_ar_objindex) {
-    if (deleted(object)) continue;
+    if (gx_is_deleted(*object)) continue;
     gx_at(map, object->object_id) = gx_object_copy_bye(*object, target);
   }
   for (const auto* object : source.ptr_to_ar_objindex) {
-    if (!deleted(object)) gx_object_copy_bye_link(*object, target, map);
+    if (!gx_is_deleted(*object)) gx_object_copy_bye_link(*object, target, map);
   }
   target.primary_object = mapped(map, source.primary_object);
   target.page_obj_id = mapped(map, source.page_obj_id);
@@ -117,7 +111,7 @@ std::shared_ptr<gx_file_gene_recf_t> compacted(const gx_file_gene_recf_t& source
 bool write_target(gx_file_io_rec_t& slot) {
   const auto& target = *slot.start_buf_ptr;
   for (const auto* object : target.ptr_to_ar_objindex) {
-    if ((object->status & gx_flag_deleted) != 0) {
+    if (gx_is_deleted(*object)) {
       gx_debug(" gx_file_close : object invalid:w_11:  tobj_id:%d   status:%d  deleted:%d \n",
                object->object_id, object->status, gx_flag_deleted);
       gx_set_status(gx_code::file_close_invalid);

@@ -1,6 +1,6 @@
 #include "gx/edit/hierarchy.h"
 
-#include "gx/db/files.h"
+#include "gx/db/link_file.h"
 #include "gx/db/object_access.h"
 #include "gx/text/debug.h"
 #include "gx/text/strings.h"

@@ -25,10 +25,6 @@ void check_entry(const gx_undo_objet_rec_t& entry, direction way) {
   gx_set_status(gx_code::file_data_invalid);
 }
 
-void put_flag(gx_object_gene_rec_t& object, gx_flag flag, bool on) {
-  object.status = static_cast<std::int16_t>(on ? object.status | flag : object.status & ~flag);
-}
-
 void put_switches(const gx_file_gene_recf_t& file, const gx_undo_objet_rec_t& entry,
                   direction way) {
   const auto& values = std::get<gx_undo_placement_t>(entry.UU);
@@ -36,7 +32,7 @@ void put_switches(const gx_file_gene_recf_t& file, const gx_undo_objet_rec_t& en
   const bool back = way == direction::undo;
   property.fixed = back ? values.old_fixed : values.new_fixed;
   property.visible = back ? values.old_visible : values.new_visible;
-  put_flag(property.gene, gx_flag_unvisible, back ? values.set_unvisible : !values.new_visible);
+  gx_put_flag(property.gene, gx_flag_unvisible, back ? values.set_unvisible : !values.new_visible);
 }
 
 void put_bus(const gx_file_gene_recf_t& file, const gx_undo_objet_rec_t& entry, direction way) {
@@ -55,15 +51,15 @@ void replay(const gx_undo_objet_rec_t& entry, direction way) {
   const bool forward = way == direction::redo;
   switch (entry.operation) {
     case gx_undo_op::deleted:
-      return put_flag(object, gx_flag_deleted, forward);
+      return gx_put_flag(object, gx_flag_deleted, forward);
     case gx_undo_op::undeleted:
-      return put_flag(object, gx_flag_deleted, !forward);
+      return gx_put_flag(object, gx_flag_deleted, !forward);
     case gx_undo_op::selected:
-      return put_flag(object, gx_flag_selected, forward);
+      return gx_put_flag(object, gx_flag_selected, forward);
     case gx_undo_op::unselected:
-      return put_flag(object, gx_flag_selected, !forward);
+      return gx_put_flag(object, gx_flag_selected, !forward);
     case gx_undo_op::created:
-      return put_flag(object, gx_flag_deleted, !forward);
+      return gx_put_flag(object, gx_flag_deleted, !forward);
     case gx_undo_op::switches:
       return put_switches(file, entry, way);
     case gx_undo_op::bus:

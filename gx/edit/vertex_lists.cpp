@@ -31,7 +31,7 @@ void put_checked(cell_lists_t& lists, const gx_file_gene_recf_t& file, int id, g
   if (!gx_object_id_ok(file, id)) gx_set_status(gx_code::file_id_invalid);
   const auto& object = gx_object_id_ptr(file, id);
   gx_check_object_type(object, type);
-  if ((object.status & gx_flag_deleted) != 0) {
+  if (gx_is_deleted(object)) {
     gx_debug(" %s : warning : object deleted : %d\n", operation, id);
     return;
   }
@@ -60,7 +60,7 @@ void gx_init_vertex_segment_list(gx_file_index_t file_index) {
     }
   }
   for (const auto* object : file.ptr_to_ar_objindex) {
-    if ((object->status & gx_flag_deleted) != 0) continue;
+    if (gx_is_deleted(*object)) continue;
     if (object->object_type == gx_type::vertex_2d) put(gx_edit.vertex_list_ar, file, *object);
     if (object->object_type == gx_type::segment) put(gx_edit.segment_list_ar, file, *object);
   }

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <algorithm>
+#include <charconv>
 #include <cstdint>
+#include <optional>
 #include <string_view>
 
 #include "gx/text/records.h"
@@ -31,6 +33,17 @@ void gx_shortreal_to_string(float shortreal, gx_string_record_t& string);
 // --- optional "-", digits, points; a blank ends the number; anything else is an error
 gx_parsed<gx_real_t> gx_string_to_real(std::string_view text);
 gx_parsed<float> gx_string_to_shortreal(std::string_view text);
+
+// The whole text as a number: "-" for negatives, no "+", no blanks; nothing when it is none or does
+// not fit the type.
+template <typename Number>
+std::optional<Number> gx_whole_number(std::string_view text) {
+  Number value{};
+  const char* const end = text.data() + text.size();
+  const auto read = std::from_chars(text.data(), end, value);
+  if (read.ec != std::errc() || read.ptr != end) return std::nullopt;
+  return value;
+}
 
 inline float gx_float(std::int32_t v) { return static_cast<float>(v); }
 inline float gx_minr(float a, float b) { return std::min(a, b); }

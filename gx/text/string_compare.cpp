@@ -51,6 +51,16 @@ bool equal(const char* operation, const side_t& head, const side_t& text) {
 
 char gx_upper_case(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
 
+std::string gx_upper(std::string_view text) {
+  std::string result(text);
+  std::transform(result.begin(), result.end(), result.begin(), gx_upper_case);
+  return result;
+}
+
+bool gx_is_blank(std::string_view text) {
+  return text.find_first_not_of(' ') == std::string_view::npos;
+}
+
 bool gx_iden(std::string_view a, std::string_view b) {
   return a.size() == b.size() && same_characters(a, b);
 }

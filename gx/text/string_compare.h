@@ -4,13 +4,16 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 #include "gx/text/records.h"
 
 char gx_upper_case(char c);
+std::string gx_upper(std::string_view text);
 bool gx_iden(std::string_view a, std::string_view b);         // equality
 bool gx_equal(std::string_view head, std::string_view text);  // `text` begins with `head`
+bool gx_is_blank(std::string_view text);                      // blanks alone, or empty
 
 // --- equality
 bool gx_string_iden_string(const gx_string_record_t& a, const gx_string_record_t& b);

@@ -15,7 +15,6 @@
 #include "platform/timing.h"
 
 namespace {
-constexpr std::string_view product_word = "$VELMORAN";
 constexpr std::string_view default_product = "/users/velmoran";
 constexpr std::int32_t max_line = 198;
 constexpr mode_t creation_mode = 0660;
@@ -70,9 +69,9 @@ gx_string_record_t gx_get_velmoran() {
 
 gx_string_record_t gx_resolve_path(std::string_view path) {
   std::string full;
-  if (path.substr(0, product_word.size()) == product_word) {
+  if (path.starts_with(gx_product_word)) {
     full = gx_view(gx_get_velmoran());
-    path.remove_prefix(product_word.size());
+    path.remove_prefix(gx_product_word.size());
   }
   full += path;
   return gx_string(std::string_view(full).substr(0, gx_max_path));

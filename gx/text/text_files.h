@@ -22,6 +22,7 @@ std::FILE* gx_popen_filei(std::string_view path, char mode, bool rdonly);
 // file when nothing was read.
 bool gx_read_one_line(std::FILE* file, gx_string_record_t& string);
 
+inline constexpr std::string_view gx_product_word = "$VELMORAN";  // before a path of the product
 // The product directory: environment variable VELMORAN, or "/users/velmoran" when unset or empty.
 gx_string_record_t gx_get_velmoran();
 

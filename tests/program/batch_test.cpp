@@ -47,7 +47,10 @@ TEST_F(Batch, TheExamplesExpandWithoutADisplay) {
 
 TEST_F(Batch, ASignalEndsTheWaitForACommand) {
   const auto ended =
-      run("mkfifo f; exec 3<>f; timeout --preserve-status 1 " KIVO_PROGRAM " --batch top - < f");
+      run("mkfifo f; exec 3<>f; " KIVO_PROGRAM
+          " --batch top - < f > out & kivo=$!\n"
+          "until grep -q version out; do sleep .02; done; kill $kivo; wait $kivo; ended=$?\n"
+          "cat out; exit $ended");
   EXPECT_EQ(ended.status, 128 + SIGTERM);
   EXPECT_TRUE(ended.out.ends_with("complete...0 error, 0 warning --\n")) << ended.out;
 }

@@ -53,8 +53,7 @@ TEST_F(Interactive, ALineIsTypedAndEdited) {
   s.settle();
   const auto without_end = s.picture();
   s.type("x");  // the end of the line is in sight
-  s.settle();
-  EXPECT_NE(s.picture().pixels, without_end.pixels);
+  s.changed(without_end);
   s.type("YZ\n");
   s.wait_for_line(" ASSIgn $VAR1 " + std::string(179, 'x') + " ");
   EXPECT_EQ(count_lines(" STAtus KEY f9 "), 2);
@@ -152,8 +151,7 @@ TEST_F(Interactive, ButtonsMarkZoomAndSelect) {
   }
   s.button_up(1);
   s.wait_for_head(" VIEw AREa ");
-  s.settle();
-  EXPECT_NE(s.picture().pixels, whole.pixels);
+  s.changed(whole);
   s.key(XK_F12, s.shift);
   s.wait_for_line(" VIEw ALL ");
 
@@ -166,6 +164,16 @@ TEST_F(Interactive, ButtonsMarkZoomAndSelect) {
   s.wait_for_head(" SELect AREa ");
   s.command("status object edit");
   s.wait_for_head("#  OBJect : Handle = ");
+
+  // A drag that is ahead of its mark is not fetched back to it.
+  s.move(500, 300);
+  s.button_down(1);
+  s.move(800, 500);
+  s.wait_for_head(" MARK RECtangle Edit ");
+  s.settle();
+  EXPECT_NEAR(s.pointer().x, 800, 30);  // on the grid by now
+  s.button_up(1);
+  s.wait_for_head(" VIEw AREa ");
   bye();
 }
 
@@ -259,14 +267,11 @@ TEST_F(Interactive, TheWheelZoomsAtThePointerAndScrollsTheList) {
   point_at({300, 330});
   const auto before = s.picture();
   for (int i = 0; i < 4; ++i) s.click(300, 330, 4);
-  s.settle();
-  const auto zoomed = s.picture();
-  EXPECT_NE(zoomed.pixels, before.pixels);
+  const auto zoomed = s.changed(before);
   point_at(list_row(3));
   const auto at_end = s.picture();
   for (int i = 0; i < 5; ++i) s.click(list_row(3).x, list_row(3).y, 4);
-  s.settle();
-  EXPECT_NE(s.picture().pixels, at_end.pixels);
+  s.changed(at_end);
   for (int i = 0; i < 5; ++i) s.click(list_row(3).x, list_row(3).y, 5);
   s.settle();
   EXPECT_EQ(s.picture().pixels, at_end.pixels);

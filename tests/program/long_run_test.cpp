@@ -1,8 +1,10 @@
 // A run of some seconds, before the eyes and under the hands of its user.
 #include <gtest/gtest.h>
+#include <signal.h>
 
 #include <chrono>
 #include <string>
+#include <thread>
 
 #include "tests/program/interactive.h"
 
@@ -43,6 +45,10 @@ TEST_F(Interactive, ALongRunShowsItselfAndControlAStopsIt) {
   ASSERT_GT(prompt, 0);
   session().command("run");
   session().wait_for_line(" RUN ");
+  // However fast the machine: time goes by while the run stands still.
+  kill(session().process().pid(), SIGSTOP);
+  std::this_thread::sleep_for(std::chrono::seconds(2));
+  kill(session().process().pid(), SIGCONT);
   const auto end = std::chrono::steady_clock::now() + test_limit;
   while (letters() < 3 * prompt && std::chrono::steady_clock::now() < end) {
   }

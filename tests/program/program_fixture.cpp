@@ -523,3 +523,12 @@ void test_session::settle(test_time limit) {
     return still == 3;
   });
 }
+
+test_picture test_session::changed(const test_picture& before, test_time limit) {
+  wait_until("another picture", limit, [&] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    return picture().pixels != before.pixels;
+  });
+  settle(limit);
+  return picture();
+}

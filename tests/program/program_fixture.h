@@ -144,6 +144,8 @@ class test_session {
   // Until the program has answered all requests and drawn: it has read every event sent and the
   // picture stands still.
   void settle(test_time limit = test_limit);
+  // The picture that differs from the one given and stands still.
+  test_picture changed(const test_picture& before, test_time limit = test_limit);
   std::vector<std::string> session_lines() const;
 
  private:

@@ -8,31 +8,41 @@
 #include <string_view>
 #include <vector>
 
+#include "app/sheet/views.h"
 #include "gx/db/ids.h"
 #include "gx/db/object_access.h"
+#include "gx/db/object_flags.h"
 #include "gx/display/draw.h"
 #include "gx/display/pen.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
 #include "gx/display/window.h"
 #include "gx/vext.h"
-#include "gxmake/object_tree.h"
+#include "tests/support/make_design.h"
+#include "tests/support/objects.h"
 
 class drawing_board {
  public:
   static constexpr gx_vpid_t edit = 1;
   static constexpr gx_file_index_t file_index = 1;
 
-  drawing_board() {
+  // The last sheet of a description stands in slot 1; its hidden texts are not drawn.
+  explicit drawing_board(std::string_view description = "sheet top\n page 20,20\n")
+      : sheet_(build_design(description).back().file) {
+    gx_reset_state();
+    gx_init_nograph();
     auto& v = gx_vext;
     v.bitmap_size = {1000, 1000};
     v.display_on = true;
     gx_viewport_create({10000, 10000, 90000, 90000}, {1, 0, 3, 0});
     v.viewport_edit = edit;
+    v.num_file_open = v.cur_file = sheet_->file_index = file_index;
     v.filear[1].already_open_ok = true;
+    v.filear[1].start_buf_ptr = sheet_;
     v.viewport[1].file_index = file_index;
     show(100);
     gx_viewport_select(edit);
+    gx_hide_invisible(gx_ptrto_gene_file_buf(file_index));
   }
 
   // Another scale, from the design's corner on.
@@ -42,26 +52,15 @@ class drawing_board {
     vp.bounds_part = {0, 0, 800 * scale, 800 * scale};
   }
 
-  const gx_file_gene_recf_t& file() const { return *tree.file; }
-  int family(gx_type type) { return gxm_add_plain(tree, type, tree.file->primary_object); }
-
-  // A primitive of that type under the father, its box set.
+  gx_file_gene_recf_t& file() const { return *sheet_; }
+  int id(gx_type type, int n = 1) const { return nth_object(file(), type, n); }
   template <typename Rec>
-  Rec& add(gx_pointreal_t at, gx_boundsreal_t box, int father) {
-    Rec& record = gxm_add<Rec>(tree, father, at);
-    record.gene.bounds = box;
-    return record;
+  Rec& record() const {
+    return nth_record<Rec>(file());
   }
-  void select(int id) { gx_object_id_ptr(file(), id).status |= gx_flag_selected; }
-
-  gxm_tree_t tree = blank_sheet();  // in slot 1 while it lives
 
  private:
-  static gxm_tree_t blank_sheet() {
-    gx_reset_state();
-    gx_init_nograph();
-    return gxm_start_tree({}, {100000, 100000}, 5000, true);
-  }
+  std::shared_ptr<gx_file_gene_recf_t> sheet_;
 };
 
 // Calls see(group) for what one drawing left in the pen, layer by layer.

@@ -28,8 +28,7 @@ TEST_F(db_access, ids_outside_the_file_stop_with_their_own_line) {
 
 TEST_F(db_access, the_properties_of_a_holder_are_selected_with_it) {
   const auto& f = sheet.file;
-  const int pin = gx_object_id_ptr(f, gx_object_id_ptr(f, 10).child1).object_id;
-  ASSERT_EQ(gx_object_id_ptr(f, pin).object_type, gx_type::pin);
+  const int pin = nth_object(f, gx_type::pin);
   sheet.add(gx_type::graphics, pin);
   sheet.add_property(pin, "PINTYPE", "I");
   gx_set_child_selected(f, pin, true);
@@ -48,16 +47,16 @@ TEST_F(db_access, what_a_sheet_lacks_for_its_queries_is_told) {
     damage(damaged);
     return gx_sheet_fault(damaged.file);
   };
-  EXPECT_EQ(fault([](auto& s) { gx_object_id_ptr(s.file, 3).following = 0; }), "no net_family");
-  EXPECT_EQ(fault([](auto& s) { gx_object_id_ptr(s.file, 8).following = 0; }),
-            "object 7: symbol without pins");
-  const auto at = [](gx_builder & s) -> auto& {
-    return gx_instance_info_ptr(s.file, gx_symbol_info_ptr(s.file, 7).instance);
+  EXPECT_EQ(fault([](auto& s) { gx_object_id_ptr(s.file, 5).following = 0; }), "no net_family");
+  EXPECT_EQ(fault([](auto& s) { gx_object_id_ptr(s.file, 10).following = 0; }),
+            "object 9: symbol without pins");
+  static const auto instance = [](gx_builder & s) -> auto& {
+    return nth_record<gx_object_instance_rec_t>(s.file);
   };
-  static const auto instance = at;
-  EXPECT_EQ(fault([](auto& s) { instance(s).symbol = 0; }), "object 16: instance without symbol");
+  const auto object = "object " + std::to_string(nth_object(sheet.file, gx_type::instance));
+  EXPECT_EQ(fault([](auto& s) { instance(s).symbol = 0; }), object + ": instance without symbol");
   EXPECT_EQ(fault([](auto& s) { instance(s).gene.child1 = 0; }),
-            "object 16: instance without pins");
+            object + ": instance without pins");
   EXPECT_EQ(fault([](auto& s) { s.file.grid_obj_id = 0; }), "no grid");
   // Families are found behind any other child.
   EXPECT_EQ(fault([](auto& s) {

@@ -1,14 +1,16 @@
-// Builds GX files in memory, object by object, with the tree links that an editor would set.
+// GX files as raw records, for what no description would say: damaged ones, and parts of files.
 #pragma once
 
 #include <string>
 #include <string_view>
 
-#include "gx/db/files.h"
 #include "gx/db/ids.h"
 #include "gx/db/object_access.h"
+#include "gx/db/record_codec.h"
 #include "gx/db/record_tables.h"
 #include "gx/text/strings.h"
+#include "tests/support/make_design.h"
+#include "tests/support/objects.h"
 
 class gx_builder {
  public:
@@ -58,50 +60,17 @@ class gx_builder {
   static gx_object_id_t id16(int id) { return static_cast<gx_object_id_t>(id); }
 };
 
-// A sheet with one object of every kind of reference: two instances of one symbol, one net with a
-// vertex, a segment from the vertex to a pin, and properties.
+// A sheet with every kind of reference, to be damaged: two instances of one symbol, and a net with
+// a wire from each to a vertex. Its objects stand in the order of gxmake: main 1, page 2, grid 3,
+// the families of instances, symbols, nets, vertices and frames 4 to 8, the symbol 9 and its
+// body 10.
 inline gx_builder small_sheet() {
   gx_builder sheet;
-  auto& f = sheet.file;
-  const auto id16 = [](int id) { return static_cast<gx_object_id_t>(id); };
-  const int main_id = sheet.add(gx_type::main);
-  const int instances = sheet.add(gx_type::instance_family, main_id);
-  const int symbols = sheet.add(gx_type::symbol_family, main_id);
-  const int nets = sheet.add(gx_type::net_family, main_id);
-  const int vertices = sheet.add(gx_type::vertex_family, main_id);
-  sheet.add(gx_type::frame_family, main_id);
-
-  const int symbol = sheet.add(gx_type::symbol, symbols);
-  gx_symbol_info_ptr(f, symbol).path = gx_string("inv/Symbol.gx_2");
-  sheet.add(gx_type::property_family, sheet.add(gx_type::body, symbol));
-  const int symbol_pins = sheet.add(gx_type::pin_family, symbol);
-  sheet.add_property(sheet.add(gx_type::pin, symbol_pins), "PIN", "A");
-  const int net = sheet.add(gx_type::net, nets);
-  sheet.add_property(sheet.add(gx_type::property_family, net), "NET", "CLK");
-
-  int before = 0, pin = 0;
-  for (const auto* name : {"I1", "I2"}) {
-    const int instance = sheet.add(gx_type::instance, instances);
-    auto& record = gx_instance_info_ptr(f, instance);
-    record.symbol = id16(symbol);
-    record.n0_version = 2;
-    record.previous_inst = id16(before);
-    if (before == 0) {
-      gx_symbol_info_ptr(f, symbol).instance = id16(instance);
-    } else {
-      gx_instance_info_ptr(f, before).following_inst = id16(instance);
-    }
-    before = instance;
-    sheet.add_property(sheet.add(gx_type::bodpropfam, instance), "INST", name);
-    pin = sheet.add(gx_type::pinpropfam, sheet.add(gx_type::pin_family, instance));
-    gx_pinpropfam_info_ptr(f, pin).net = id16(net);
-  }
-  const int vertex = sheet.add(gx_type::vertex_2d, vertices);
-  gx_vertex_info_ptr(f, vertex).net = id16(net);
-  auto& segment = sheet.add_record<gx_object_segment_rec_t>(net);
-  segment.vertex1 = id16(vertex);
-  segment.vertex2 = id16(pin);
-  auto& grid = sheet.add_record<gx_object_grid_rec_t>(sheet.add(gx_type::page, main_id));
-  grid.step_point = 100;
+  sheet.file = *build_design(
+                    "symbol inv\n pin A 0,0\n"
+                    "sheet top\n part I1 inv 4,4\n part I2 inv 8,4\n"
+                    "net CLK\n wire I1.A 4,6\n wire I2.A 8,6\n")
+                    .back()
+                    .file;
   return sheet;
 }

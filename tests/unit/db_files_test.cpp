@@ -5,7 +5,11 @@
 
 #include <csignal>
 
+#include "gx/db/file_slots.h"
+#include "gx/db/link_file.h"
+#include "gx/db/object_list.h"
 #include "gx/db/objects_of.h"
+#include "gx/db/record_codec.h"
 #include "gx/edit/file_save.h"
 #include "gx/vext.h"
 #include "tests/support/scratch_directory.h"
@@ -246,19 +250,15 @@ TEST_F(db_files, a_new_file_is_saved_as_version_1_and_then_as_2) {
 TEST_F(db_files, a_save_drops_deleted_objects_and_renumbers_every_reference) {
   // The second instance with its properties and pins goes, and the segment with its other end.
   auto sheet = small_sheet();
-  auto& f = sheet.file;
-  const int first = gx_symbol_info_ptr(f, 7).instance;
-  const int second = gx_instance_info_ptr(f, first).following_inst;
-  int pin = 0, vertex = 0, segment = 0;
-  for (const auto* o : f.ptr_to_ar_objindex) {
-    if (o->object_type == gx_type::pinpropfam) pin = o->object_id;
-    if (o->object_type == gx_type::vertex_2d) vertex = o->object_id;
-    if (o->object_type == gx_type::segment) segment = o->object_id;
-  }
+  const auto& f = sheet.file;
+  sheet.add_record<gx_object_grid_rec_t>(f.page_obj_id).step_point = 100;
+  const int first = nth_object(f, gx_type::instance), second = nth_object(f, gx_type::instance, 2);
+  const int vertex = nth_object(f, gx_type::vertex_2d, 2);
+  const int segment = nth_object(f, gx_type::segment, 2);
   put_version(sheet, "top", 3);
   const auto index = gx_file_open(dir(), "top");
   auto& open = gx_ptrto_gene_file_buf(index);
-  for (const int id : {second, second + 1, second + 2, second + 3, pin, vertex, segment}) {
+  for (const int id : {second, second + 1, second + 2, second + 3, second + 4, vertex, segment}) {
     gx_set_object_deleted(open, id, true);
   }
   gx_file_close(index, true);
@@ -268,13 +268,15 @@ TEST_F(db_files, a_save_drops_deleted_objects_and_renumbers_every_reference) {
   const auto& saved = *load.file;
   EXPECT_EQ(saved.object_id_max, f.object_id_max - 7);
   EXPECT_EQ(saved.primary_object, 1);
-  EXPECT_EQ(gx_symbol_info_ptr(saved, 7).instance, first);
+  EXPECT_EQ(gx_symbol_info_ptr(saved, 9).instance, first);
   EXPECT_EQ(gx_instance_info_ptr(saved, first).following_inst, 0);
-  EXPECT_EQ(gx_instance_info_ptr(saved, first).symbol, 7);
-  const int net = *lb_nets(saved).begin();
-  const int last = gx_object_id_ptr(saved, net).child1;
-  EXPECT_EQ(gx_object_id_ptr(saved, last).object_type, gx_type::property_family);
-  EXPECT_EQ(gx_object_id_ptr(saved, last).following, 0);
+  EXPECT_EQ(gx_instance_info_ptr(saved, first).symbol, 9);
+  const int net = nth_object(saved, gx_type::net), pin = nth_object(saved, gx_type::pinpropfam);
+  EXPECT_EQ(gx_pinpropfam_info_ptr(saved, pin).net, net);
+  const auto& wire = nth_record<gx_object_segment_rec_t>(saved);
+  EXPECT_EQ(wire.vertex1, pin);
+  EXPECT_EQ(wire.vertex2, nth_object(saved, gx_type::vertex_2d));
+  EXPECT_EQ(ids_of(lb_segments(saved, net)), std::vector<int>{wire.gene.object_id});
   EXPECT_EQ(saved.grid_obj_id, f.grid_obj_id - 7);
   EXPECT_EQ(scratch.read("top.gx_3"), sheet.bytes());
 }

@@ -3,8 +3,12 @@
 #include <utility>
 
 #include "gx/db/geometry.h"
+#include "gx/db/queries.h"
+#include "gx/display/window.h"
+#include "gx/text/strings.h"
 #include "gx/vext.h"
-#include "tests/unit/db_fixture.h"
+#include "tests/support/make_design.h"
+#include "tests/support/objects.h"
 #include "tests/unit/fatal_stop.h"
 
 namespace {
@@ -30,46 +34,45 @@ TEST(Geometry, EightPlacements) {
   expect_stop([] { gx_turn(gx_pointreal_t{}, 4, false); }, gx_code::coordonate_conversion_overflow);
 }
 
+// A symbol of a rectangle of 20 by 10 units and a pin at (20, 4), placed at (1000, 2000).
+struct placed_t {
+  placed_t(int rotate, bool mirror)
+      : files(build_design("symbol s\n rect 0,0 0.004,0.002\n pin 1 0.004,0.0008\n"
+                           "symbol other\n pin 1 0,0\n"
+                           "sheet top\n part U1 s 0.2,0.4 rotate " +
+                           std::to_string(rotate) + (mirror ? " mirror" : "") +
+                           "\n part V other 0,0\n")) {}
+  int id(gx_type type) const { return nth_object(file, type); }
+
+  std::vector<gxm_file_t> files;
+  gx_file_gene_recf_t& file = *files.back().file;
+  int inst = id(gx_type::instance), other = nth_object(file, gx_type::instance, 2);
+};
+
 TEST(Geometry, ArcAnglesThroughInstances) {
-  empty_file f;
-  const int symbol = f.symbol({20, 10}, {});
   const std::int32_t turned[4][2] = {{0, 0}, {5760, -5760}, {11520, -11520}, {-5760, 5760}};
   for (int rotate = 0; rotate < 4; ++rotate) {
     for (const bool fliph : {false, true}) {
-      const int inst = f.instance(symbol, {}, rotate, fliph, {});
+      const placed_t p(rotate, fliph);
       std::int32_t angle1 = 100, angle2 = 5760;
-      gx_arc_abs_difang(f.file(), inst, angle1, angle2);
+      gx_arc_abs_difang(p.file, p.inst, angle1, angle2);
       const int sign = fliph ? -1 : 1;
       EXPECT_EQ(angle1, turned[rotate][fliph] + sign * 100);
       EXPECT_EQ(angle2, turned[rotate][fliph] + sign * 5760);
     }
   }
+  const placed_t p(1, true);
   std::int32_t angle1 = 7, angle2 = 8;
-  gx_arc_abs_difang(f.file(), symbol, angle1, angle2);  // no instance: unchanged
+  gx_arc_abs_difang(p.file, p.id(gx_type::symbol), angle1, angle2);  // no instance: unchanged
   EXPECT_EQ(angle1, 7);
   EXPECT_EQ(angle2, 8);
 }
 
-// A symbol and one instance of it, with what hangs below both.
-struct placed_t {
-  explicit placed_t(int rotate, bool fliph)
-      : symbol(f.symbol({20, 10}, {20, 4})),
-        inst(f.instance(symbol, {1000, 2000}, rotate, fliph, {20, 4})) {}
-  int body_rectangle() const {
-    const int graphics =
-        lb_inq_graphics_property_id(f.file(), lb_inq_symbol_child_id(f.file(), symbol).body)
-            .graphics;
-    return *gx_children(f.file(), graphics).begin();
-  }
-  int inst_property() const { return *lb_inst_properties(f.file(), inst).begin(); }
-  empty_file f;
-  int symbol, inst;
-};
-
 TEST(Geometry, PlacesSymbolContentsPinsAndOwnPropertiesThroughTheInstance) {
   const placed_t p(1, true);  // (x, y) -> (y, x)
-  const auto& file = p.f.file();
-  const auto placed = gx_object_abs_origin_bounds(file, p.body_rectangle(), p.inst);
+  const auto& file = p.file;
+  const int rectangle = p.id(gx_type::rectangle_2d);
+  const auto placed = gx_object_abs_origin_bounds(file, rectangle, p.inst);
   EXPECT_EQ(placed.origin, (gx_pointreal_t{1000, 2000}));
   EXPECT_EQ(placed.bounds, (gx_boundsreal_t{1000, 2000, 1010, 2020}));
   const auto pins = lb_inq_inst_first_pin_id(file, p.inst);
@@ -77,10 +80,9 @@ TEST(Geometry, PlacesSymbolContentsPinsAndOwnPropertiesThroughTheInstance) {
   EXPECT_EQ(gx_pin_abs_origin(file, pins.pinpropfam), (gx_pointreal_t{1004, 2020}));
   EXPECT_EQ(gx_object_abs_origin(file, p.inst, 0), (gx_pointreal_t{1000, 2000}));
   // Of another instance's symbol, and an instance through an instance.
-  const int other = p.f.instance(p.f.symbol({1, 1}, {}), {}, 0, false, {});
-  expect_stop([&] { gx_object_abs_origin(file, p.body_rectangle(), other); },
-              gx_code::object_id_invalid, "symbol<>father");
-  expect_stop([&] { gx_object_abs_origin(file, p.inst, other); }, gx_code::object_id_invalid);
+  expect_stop([&] { gx_object_abs_origin(file, rectangle, p.other); }, gx_code::object_id_invalid,
+              "symbol<>father");
+  expect_stop([&] { gx_object_abs_origin(file, p.inst, p.other); }, gx_code::object_id_invalid);
   expect_stop([&] { gx_pin_abs_origin(file, pins.pin); }, gx_code::object_type_invalid);
 }
 
@@ -99,8 +101,9 @@ TEST(Geometry, TextsOfTurnedInstancesStayReadable) {
   };
   for (const auto& c : cases) {
     const placed_t p(c.rotate, c.fliph);
-    EXPECT_EQ(gx_object_abs_origin(p.f.file(), p.inst_property(), p.inst), c.anchor)
-        << c.rotate << c.fliph;
+    const int name = lb_inst_properties(p.file, p.inst).first();
+    gx_object_id_ptr(p.file, name).origin = {0, 200};
+    EXPECT_EQ(gx_object_abs_origin(p.file, name, p.inst), c.anchor) << c.rotate << c.fliph;
   }
 }
 
@@ -120,30 +123,31 @@ TEST(Geometry, TextBoxes) {
 }
 
 TEST(Geometry, PickApertureMeetsPrimitivesExactlyAndOthersOnTheSnapGrid) {
-  empty_file f;
-  int rectangle = 0, frame = 0, empty = 0;
-  f.make_with(gx_type::frame_family, [&] {
-    frame = f.make_with(gx_type::frame, [&] { rectangle = f.rectangle({0, 0}, {10000, 10000}); });
-    empty = f.make(gx_type::frame);
-  });
+  const auto files = build_design("sheet top\n rect 0,0 2,2\n");
+  const auto& file = *files.back().file;
+  const int rectangle = nth_object(file, gx_type::rectangle_2d);
+  const int frame = nth_object(file, gx_type::frame);
+  const int empty = nth_object(file, gx_type::net_family);
+  gx_reset_state();
+  gx_init_nograph();
   gx_pick_set_size(100, 100);
   gx_pick_set_center(11000, 5000);
-  EXPECT_FALSE(gx_obj_intersect_pick_aperture(f.file(), rectangle, 0));
-  EXPECT_TRUE(gx_obj_intersect_pick_aperture(f.file(), frame, 0));  // 10900..11100 snaps to 10000
-  EXPECT_FALSE(gx_obj_intersect_pick_aperture(f.file(), empty, 0));
+  EXPECT_FALSE(gx_obj_intersect_pick_aperture(file, rectangle, 0));
+  EXPECT_TRUE(gx_obj_intersect_pick_aperture(file, frame, 0));  // 10900..11100 snaps to 10000
+  EXPECT_FALSE(gx_obj_intersect_pick_aperture(file, empty, 0));
   gx_pick_set_center(10100, 5000);
-  EXPECT_TRUE(gx_obj_intersect_pick_aperture(f.file(), rectangle, 0));
+  EXPECT_TRUE(gx_obj_intersect_pick_aperture(file, rectangle, 0));
   EXPECT_EQ(gx_vext.pick_ap_bounds, (gx_boundsreal_t{10000, 4900, 10200, 5100}));
   expect_stop([] { gx_pick_set_size(-1, 5); }, gx_code::pick_aperture_size_invalid);
 
   const placed_t p(2, false);
-  const int pin = lb_inq_inst_first_pin_id(p.f.file(), p.inst).pinpropfam;
-  gx_object_id_ptr(p.f.file(), pin).bounds = {-1, -1, 1, 1};
+  const int pin = lb_inq_inst_first_pin_id(p.file, p.inst).pinpropfam;
+  gx_object_id_ptr(p.file, pin).bounds = {-1, -1, 1, 1};
   gx_pick_set_size(1, 1);
   gx_pick_set_center(980, 1996);
-  EXPECT_TRUE(gx_pin_intersect_pick_aperture(p.f.file(), pin));
+  EXPECT_TRUE(gx_pin_intersect_pick_aperture(p.file, pin));
   gx_pick_set_center(1020, 2004);
-  EXPECT_FALSE(gx_pin_intersect_pick_aperture(p.f.file(), pin));
+  EXPECT_FALSE(gx_pin_intersect_pick_aperture(p.file, pin));
 }
 
 TEST(Geometry, SnapGridAndAngles) {

@@ -1,6 +1,8 @@
 // The queries over sheets and symbol files, and the lookup of properties.
+#include "gx/db/queries.h"
 #include "tests/support/make_design.h"
-#include "tests/unit/db_fixture.h"
+#include "tests/support/objects.h"
+#include "tests/unit/db_builder.h"
 #include "tests/unit/fatal_stop.h"
 
 namespace {
@@ -12,7 +14,7 @@ symbol two
   pin 2 0,4 OUT
   prop CLASS=R VALUE=1k
 sheet top
-  part R1 two 5,5
+  part R1 two 5,5 OWN=a OTHER=b
   part R2 two 9,5
   net A
     wire R1.1 R2.1
@@ -79,56 +81,42 @@ TEST(Queries, WalkASymbolFile) {
 
 // Parts of a net directly under it and under its families, wherever these stand.
 TEST(Queries, PartsOfANetInAnyOrder) {
-  empty_file f;
-  int net = 0, segments[4] = {}, first = 0, second = 0, inner = 0;
-  const auto segment = [&] {
-    return int{f.make(gx_type::segment, {}, [&] { gx_segment(0, 1, 1, 1, 1); })};
-  };
-  f.make(gx_type::vertex_2d, {}, [] { gx_vertex_2dreal(0, 0); });
-  net = f.make_with(gx_type::net, [&] {
-    f.make(gx_type::graphics);  // empty
-    segments[0] = segment();
-    f.make_with(gx_type::graphics, [&] {
-      segments[1] = segment();
-      segments[2] = segment();
-    });
-    first = f.property("NET", "direct");
-    f.make_with(gx_type::property_family, [&] { inner = f.property("NET", "inner"); });
-    segments[3] = segment();
-    second = f.property("WIDTH", "2");
-  });
-  const auto& file = f.file();
-  EXPECT_EQ(ids_of(lb_segments(file, net)), std::vector(std::begin(segments), std::end(segments)));
+  gx_builder sheet;
+  const auto& file = sheet.file;
+  const int net = sheet.add(gx_type::net);
+  sheet.add(gx_type::graphics, net);  // empty
+  std::vector<int> segments{sheet.add(gx_type::segment, net)};
+  const int graphics = sheet.add(gx_type::graphics, net);
+  for (int i = 0; i < 2; ++i) segments.push_back(sheet.add(gx_type::segment, graphics));
+  const int first = sheet.add_property(net, "NET", "direct");
+  const int inner = sheet.add_property(sheet.add(gx_type::property_family, net), "NET", "inner");
+  segments.push_back(sheet.add(gx_type::segment, net));
+  const int second = sheet.add_property(net, "WIDTH", "2");
+  EXPECT_EQ(ids_of(lb_segments(file, net)), segments);
   EXPECT_EQ(ids_of(lb_net_properties(file, net)), (std::vector{first, inner, second}));
   EXPECT_EQ(gx_find_property_name(file, net, "width"), second);
   EXPECT_EQ(text(lb_get_valueof_prop_net(file, net, "Net")), "inner");  // the family's first
   gx_set_object_deleted(file, inner, true);
   EXPECT_EQ(text(lb_get_valueof_prop_net(file, net, "Net")), "direct");
-  const int bare = f.make(gx_type::net);
+  const int bare = sheet.add(gx_type::net);
   EXPECT_EQ(gx_inq_first_net_segment_id(file, bare), 0);
   EXPECT_EQ(gx_inq_first_net_property_id(file, bare), 0);
 }
 
 TEST(Queries, DeletedPropertiesAreSkippedAndDeletedPinsRefused) {
-  empty_file f;
-  int own = 0, other = 0;
-  const int symbol = f.symbol({1, 1}, {});
-  const int inst = f.make(gx_type::instance, {}, [&] {
-    gx_instance(symbol, 0, false);
-    f.make_with(gx_type::pin_family, [&] { f.make(gx_type::pinpropfam); });  // in either order
-    f.make_with(gx_type::bodpropfam, [&] {
-      own = f.property("VALUE", "a");
-      other = f.property("Value", "b");
-    });
-  });
-  const auto& file = f.file();
+  const auto files = build_design(design);
+  const auto& file = *files.back().file;
+  const int inst = *lb_instances(file).begin();
+  const auto properties = ids_of(lb_inst_properties(file, inst));
+  const int own = properties[1], other = properties[2];
+  gx_property_info_ptr(file, own).name = gx_name("VALUE");
+  gx_property_info_ptr(file, other).name = gx_name("Value");
   EXPECT_EQ(text(lb_get_valueof_prop_inst(file, inst, "VALUE")), "a");
   gx_set_object_deleted(file, own, true);
   EXPECT_EQ(text(lb_get_valueof_prop_inst(file, inst, "VALUE")), "b");
   gx_set_object_deleted(file, other, true);
   EXPECT_EQ(text(lb_get_valueof_prop_inst(file, inst, "VALUE")), "1k");
   const auto pair = lb_inq_inst_first_pin_id(file, inst);
-  EXPECT_FALSE(lb_inq_inst_next_pin_id(file, pair));
   expect_stop(
       [&] {
         gx_set_object_deleted(file, pair.pin, true);

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <functional>
 
+#include "gx/db/record_codec.h"
 #include "tests/unit/db_builder.h"
 
 namespace {
@@ -266,7 +267,7 @@ TEST(db_records, ids_outside_the_file_are_refused_in_every_field) {
       }
     }
   }
-  EXPECT_EQ(fields, 5 * sheet.file.object_id_max + 2 * 3 + 1 + 2 + 1 + 2);
+  EXPECT_EQ(fields, 5 * sheet.file.object_id_max + 2 * 3 + 1 + 2 + 2 + 2 * 2);
   EXPECT_EQ(decode(sheet.bytes()).message, "");
 }
 
@@ -294,33 +295,33 @@ TEST(db_records, trees_that_no_walk_could_leave_are_refused) {
   };
   const auto object = [](gx_builder & s, int id) -> auto& { return gx_object_id_ptr(s.file, id); };
   refused("a chain of objects by following loops", [&](auto& s) {
-    object(s, 6).following = 3;  // the families 3..6 in a ring, 2 without a next one
-    object(s, 2).following = 0;
+    object(s, 8).following = 5;  // the families 5..8 in a ring, 4 without a next one
+    object(s, 4).following = 0;
   });
-  refused("stands in another chain too", [&](auto& s) { object(s, 6).following = 3; });
-  refused("has another father", [&](auto& s) { object(s, 7).child1 = 1; });
+  refused("stands in another chain too", [&](auto& s) { object(s, 8).following = 5; });
+  refused("has another father", [&](auto& s) { object(s, 9).child1 = 1; });
   refused("its fathers loop", [&](auto& s) {
-    object(s, 1).father = 7;
-    object(s, 7).father = 1;
-    object(s, 3).child1 = 0;
+    object(s, 1).father = 9;
+    object(s, 9).father = 1;
+    object(s, 5).child1 = 0;
   });
   refused("a chain of objects by following_inst loops", [](auto& s) {
-    const auto first = gx_symbol_info_ptr(s.file, 7).instance;
+    const auto first = gx_symbol_info_ptr(s.file, 9).instance;
     const auto second = gx_instance_info_ptr(s.file, first).following_inst;
     gx_instance_info_ptr(s.file, second).following_inst = first;
   });
-  refused("rotate 4 is out of range", [](auto& s) {
-    gx_instance_info_ptr(s.file, gx_symbol_info_ptr(s.file, 7).instance).rotate = 4;
-  });
-  refused("no child of its type belongs under object 4",
-          [](auto& s) { s.add(gx_type::vertex_2d, 4); });
-  refused("no child of its type belongs under object 10",
-          [](auto& s) { s.add(gx_type::pinpropfam, 10); });
+  refused("rotate 4 is out of range",
+          [](auto& s) { nth_record<gx_object_instance_rec_t>(s.file).rotate = 4; });
+  refused("no child of its type belongs under object 6",
+          [](auto& s) { s.add(gx_type::vertex_2d, 6); });
+  const int pins = nth_object(small_sheet().file, gx_type::pin_family);  // of the symbol
+  refused("no child of its type belongs under object " + std::to_string(pins),
+          [&](auto& s) { s.add(gx_type::pinpropfam, pins); });
   refused("n_points 6 is out of range",
           [](auto& s) { s.template add_record<gx_object_polyline5_rec_t>(1).n_points = 6; });
   // What no drawing could be made of.
   const auto segment = [](gx_builder & s) -> auto& {
-    return gx_segment_info_ptr(s.file, s.file.object_id_max - 2);
+    return nth_record<gx_object_segment_rec_t>(s.file);
   };
   refused("line_width 0 is out of range", [&](auto& s) { segment(s).line_width = 0; });
   refused("line_style 5 is out of range", [&](auto& s) { segment(s).line_style = 5; });

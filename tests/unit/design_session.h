@@ -5,7 +5,7 @@
 #include <functional>
 #include <vector>
 
-#include "gx/db/files.h"
+#include "gx/db/file_slots.h"
 #include "gx/db/object_access.h"
 #include "gx/db/queries.h"
 #include "gx/vext.h"

@@ -1,6 +1,7 @@
 // Sheets that can be read but make no sense: a run gets through them, whatever they hold.
 #include <random>
 
+#include "gx/db/record_codec.h"
 #include "gx/vext.h"
 #include "tests/unit/flatten_fixture.h"
 

@@ -1,5 +1,6 @@
 // What a run reports, and that it gets through designs that are not as they should be.
 #include "expand/run.h"
+#include "gx/db/record_codec.h"
 #include "gx/vext.h"
 #include "tests/unit/flatten_fixture.h"
 

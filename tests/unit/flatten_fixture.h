@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "expand/store.h"
-#include "gx/db/files.h"
+#include "gx/db/file_slots.h"
 #include "gx/db/object_access.h"
 #include "tests/support/make_design.h"
 #include "tests/support/session_capture.h"

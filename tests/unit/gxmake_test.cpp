@@ -1,8 +1,8 @@
 // From the text of a description to the objects and bytes of its files.
-#include "gx/db/files.h"
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
 #include "gx/db/queries.h"
+#include "gx/db/reference_check.h"
 #include "gxmake/memory_array.h"
 #include "tests/support/make_design.h"
 

@@ -116,6 +116,7 @@ TEST(ImportLepton, RecordsInOddForms) {
       {"v 1 2\nN 0 0 1 1 4\n{\n", "f:3: a \"{\" that is not closed"},
       {"v 1 2\nN 0 0 1 1 4\n{\nL 0 0 1 1 3\n}\n", "f:4: a text or \"}\" expected"},
       {"v 1 2\nN 0 0 1 1 4\n[\n]\n", "f:3: a \"[\" that follows no component"},
+      {"v 1 2\nC 0 0 1 0 0 a\n[\n]\n[\n]\n", "f:5: a \"[\" that follows no component"},
       {"v 1 2\nC 0 0 1 0 0 EMBEDDEDa.sym\n[\n", "f:3: a \"[\" that is not closed"},
       {"v 1 2\nC 0 0 1 0 0 a\n[\nC 0 0 1 0 0 b\n]\n", "f:4: a component within a symbol"},
       {"v 1 2\nC 0 0 1 0 0\n", "f:2: the name of a symbol expected"},

@@ -1,6 +1,7 @@
 // The memory array of gxmake, as large as needs banks: flattened, written and loaded.
 #include "gxmake/memory_array.h"
 
+#include "gx/db/file_slots.h"
 #include "kvi/load.h"
 #include "tests/unit/flatten_fixture.h"
 

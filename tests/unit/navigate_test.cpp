@@ -1,4 +1,5 @@
 // Walking the hierarchy and choosing what the two viewports show.
+#include "gx/db/record_codec.h"
 #include "gx/vext.h"
 #include "tests/unit/design_session.h"
 

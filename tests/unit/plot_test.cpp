@@ -1,13 +1,13 @@
 // A sheet on paper: what the strokes of a plot file draw.
-#include "gx/display/plot.h"
-
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <numbers>
 
 #include "app/sheet/views.h"
-#include "gx/display/plot_pen.h"
+#include "gx/db/object_flags.h"
+#include "gx/plot/plot_pen.h"
+#include "gx/plot/plot_sheet.h"
 #include "gx/vext.h"
 #include "tests/unit/design_session.h"
 
@@ -38,7 +38,7 @@ sheet top
 // The plot of the sheet, command by command, without ";" and line ends.
 lines_t plot_of(std::string_view description, bool landscape = false) {
   const design_session session(description);
-  kv_hide_invisible(kv_pext.file_id_cur);
+  gx_hide_invisible(gx_ptrto_gene_file_buf(kv_pext.file_id_cur));
   gx_plot_t plot;
   plot.path = "out.plt";
   plot.landscape = landscape;

@@ -13,7 +13,7 @@
 #include "app/session/event_loop.h"
 #include "app/session/product_sets.h"
 #include "gx/display/keys.h"
-#include "gx/display/menus.h"
+#include "gx/display/menu_file.h"
 #include "gx/display/window.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
@@ -42,11 +42,6 @@ class Product : public testing::Test {
   scratch_directory scratch_;
 };
 
-std::string upper(std::string text) {
-  for (char& c : text) c = gx_upper_case(c);
-  return text;
-}
-
 std::string trimmed(std::string_view text) {
   const auto first = text.find_first_not_of(' ');
   const auto last = text.find_last_not_of(' ');
@@ -54,10 +49,10 @@ std::string trimmed(std::string_view text) {
 }
 
 TEST_F(Product, TheHelpOfEveryCommandShowsItsSyntax) {
-  const std::string list = upper(read_file(product / "kivo/help/list_commands"));
+  const std::string list = gx_upper(read_file(product / "kivo/help/list_commands"));
   for (const kv_command_row_t& row : kv_command_table()) {
     if (row.syntax[0] == '$') continue;
-    const std::string word = upper(std::string(row.syntax.substr(0, row.syntax.find(' '))));
+    const std::string word = gx_upper(row.syntax.substr(0, row.syntax.find(' ')));
     EXPECT_NE(list.find(word), list.npos) << word;
     const std::string help = "\n" + read_file(product / ("kivo/help/kv_1_" + word));
     EXPECT_NE(help.find("\n" + std::string(row.syntax) + "\n"), help.npos) << row.syntax;

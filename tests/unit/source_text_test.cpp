@@ -3,8 +3,9 @@
 #include <cstring>
 #include <random>
 
-#include "gx/db/files.h"
+#include "gx/db/record_codec.h"
 #include "gx/db/record_tables.h"
+#include "gx/db/reference_check.h"
 #include "gx/text/strings.h"
 #include "gxmake/object_file.h"
 #include "tests/support/make_design.h"

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "expand/expression.h"
 #include "expand/store.h"
 #include "gx/text/strings.h"
 

@@ -1,9 +1,11 @@
 // A plot from its first object on, and the frames, instances and nets of a sheet.
+#include "gx/plot/plot_sheet.h"
+
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
-#include "gx/display/picture_walk.h"
-#include "gx/display/plot.h"
-#include "gx/display/plot_pen.h"
+#include "gx/db/picture_walk.h"
+#include "gx/plot/plot_objects.h"
+#include "gx/plot/plot_pen.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
 #include "gx/vext.h"

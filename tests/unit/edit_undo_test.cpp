@@ -2,7 +2,7 @@
 #include "gx/db/undo.h"
 #include "gx/edit/undo_replay.h"
 #include "gx/vext.h"
-#include "tests/unit/db_fixture.h"
+#include "tests/unit/edit_fixture.h"
 #include "tests/unit/fatal_stop.h"
 
 namespace {
@@ -10,10 +10,14 @@ namespace {
 // Two properties, and a net that is no bus yet.
 struct undo_story : ::testing::Test {
   undo_story() {
-    f.make_with(gx_type::main, [&] {
-      a = f.property("A", "1");
-      b = f.property("B", "2");
-      net = f.make(gx_type::net);
+    const auto property = [&](std::string_view name) {
+      return f.make(gx_type::property_2d, {}, [&] { gx_property_2dreal(name, "1", {}, {}); });
+    };
+    f.make(gx_type::main, {}, [&] {
+      gx_plain(gx_type::main);
+      a = property("A");
+      b = property("B");
+      net = f.make(gx_type::net, {}, [] { gx_net(); });
     });
   }
   bool selected(int id) const { return gx_inq_object_selected(f.file(), id); }

@@ -1,7 +1,8 @@
 // The bracket of create, open and close, and the records and boxes that the constructors make.
 #include "gx/db/geometry.h"
+#include "gx/db/reference_check.h"
 #include "gx/vext.h"
-#include "tests/unit/db_fixture.h"
+#include "tests/unit/edit_fixture.h"
 #include "tests/unit/fatal_stop.h"
 
 namespace {

@@ -8,7 +8,6 @@
 // that name nothing, stop the program as the accessors of gx/db/object_access.h say.
 #pragma once
 
-#include <cstdint>
 #include <string_view>
 
 #include "gx/db/ids.h"
@@ -21,22 +20,13 @@ struct gx_plot_t {
   bool plot_ok = true;        // false: the file could not be opened
 };
 
-// --- objects (plot_objects.cpp; the first and the end in plot_sheet.cpp). `inst_id` is the
-// instance that places the object, 0 for none.
-
 // Writes one object and its subtree; the first call opens the file (truncating it) and writes the
 // header. A page above 100,000,000 units stops with object_id_invalid.
 void gx_plotfile_object(gx_plot_t& plot, gx_file_index_t file_index, int object_id, int inst_id);
-void gx_plotfile_prim(gx_file_index_t file_index, int object_id, int inst_id);
-void gx_plotfile_pin(gx_file_index_t file_index, int pin_id, int inst_id);
-void gx_plotfile_net(gx_file_index_t file_index, int net_id);
-// A filled square of half size `half_size` around (x, y), design units.
-void gx_plotfile_dot(std::int32_t page_height, std::int32_t x, std::int32_t y,
-                     std::int32_t half_size);
 // Trailer and close. False when the file could not be written whole; nothing without a plot.
 bool gx_plotfile_end();
 
-// --- whole sheets (plot_sheet.cpp), in the order and with the checks of the display's walks
+// --- whole sheets, in the order and with the checks of the display's walks
 void lb_plotfile_all_frame(gx_plot_t& plot, gx_file_index_t file_index);
 void lb_plotfile_one_inst(gx_plot_t& plot, gx_file_index_t file_index, int inst);
 void lb_plotfile_all_inst(gx_plot_t& plot, gx_file_index_t file_index);

@@ -1,4 +1,6 @@
 // The objects of a plot: primitives, pins, nets and junction dots as pen moves.
+#include "gx/plot/plot_objects.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -7,11 +9,10 @@
 
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
+#include "gx/db/placement.h"
 #include "gx/db/queries.h"
-#include "gx/display/draw_steps.h"
-#include "gx/display/plot.h"
-#include "gx/display/plot_pen.h"
-#include "gx/display/viewports.h"
+#include "gx/db/segment_ends.h"
+#include "gx/plot/plot_pen.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
 #include "gx/vext.h"
@@ -102,43 +103,14 @@ void plot_property(const item_t& item, const gx_object_property_rec_t& property)
   gx_plot_label(gx_view(property.nvalue));
 }
 
-// One end of a segment: a vertex, or the pin of an instance.
-struct end_t {
-  gx_pointreal_t at;
-  bool dotted = false;
-};
-
-end_t segment_end(const gx_file_gene_recf_t& file, int id, const char* which, int net,
-                  int segment) {
-  const bool known = gx_object_id_ok(file, id);
-  const auto type = known ? gx_object_id_ptr(file, id).object_type : gx_type::nil;
-  const bool deleted = known && gx_inq_object_deleted(file, id);
-  const bool fits = type == gx_type::vertex_2d || type == gx_type::pinpropfam;
-  if (!fits || deleted) {
-    const auto name = gx_type_name(type);
-    gx_debug(" gx_plotfile_net : %s_id %s !! : %d  %15.*s   net_id : %d   segment_id :%d\n", which,
-             deleted ? "deleted" : "invalid", id, static_cast<int>(name.size()), name.data(), net,
-             segment);
-    gx_set_status(gx_code::object_id_invalid);
-  }
-  if (type == gx_type::vertex_2d)
-    return {gx_object_abs_origin(file, id, 0), gx_vertex_info_ptr(file, id).dotted != 0};
-  return {gx_pin_abs_origin(file, id), gx_pinpropfam_info_ptr(file, id).dotted != 0};
-}
-
 void plot_segment(const gx_file_gene_recf_t& file, int net, int id, std::int32_t page_height) {
-  const auto& segment = gx_segment_info_ptr(file, id);
-  if (segment.line_width < 1) {
-    gx_debug(" gx_plotfile_net : line_width  invalid !! : %d     net_id : %d   segment_id :%d\n",
-             segment.line_width, net, id);
-    gx_set_status(gx_code::invalid_line_2d);
-  }
-  const end_t ends[2] = {segment_end(file, segment.vertex1, "vertex1", net, id),
-                         segment_end(file, segment.vertex2, "vertex2", net, id)};
+  const gx_net_segment_t plotted{file, "gx_plotfile_net", net, id};
+  plotted.check_width();
+  const gx_segment_end_t ends[2] = {plotted.end(1), plotted.end(2)};
   for (const auto& end : ends)
-    if (end.dotted) gx_plotfile_dot(page_height, end.at.x, end.at.y, file.dot_width);
-  plot_line(gx_plot_at(ends[0].at, page_height), gx_plot_at(ends[1].at, page_height),
-            segment.line_width);
+    if (end.is_dotted) gx_plotfile_dot(page_height, end.point.x, end.point.y, file.dot_width);
+  plot_line(gx_plot_at(ends[0].point, page_height), gx_plot_at(ends[1].point, page_height),
+            gx_segment_info_ptr(file, id).line_width);
 }
 
 }  // namespace

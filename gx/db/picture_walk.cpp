@@ -1,4 +1,4 @@
-#include "gx/display/picture_walk.h"
+#include "gx/db/picture_walk.h"
 
 #include "gx/text/debug.h"
 #include "gx/text/status.h"

@@ -1,4 +1,4 @@
-#include "gx/display/plot_pen.h"
+#include "gx/plot/plot_pen.h"
 
 #include <algorithm>
 #include <cstdio>
