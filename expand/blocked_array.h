@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "expand/block_memory.h"
+#include "gx/text/at.h"
 
 inline constexpr int kv_block_size = 1000;
 inline constexpr std::int32_t kv_start_records = 500'000;      // what an array may hold at first
@@ -55,7 +56,7 @@ class kv_blocked_t {
   std::span<const Record> in_block(std::int32_t block) const {
     const std::int32_t n = std::min(kv_block_size, count - block * kv_block_size);
     if (n <= 0) return {};
-    return {blocks_[static_cast<std::size_t>(block)], static_cast<std::size_t>(n)};
+    return {gx_at(blocks_, block), static_cast<std::size_t>(n)};
   }
   std::int32_t limit() const { return limit_; }
 

@@ -2,12 +2,14 @@
 
 #include <algorithm>
 
+#include "gx/text/at.h"
+
 namespace {
 
 std::string handle(std::string_view head, int id) { return std::string(head) + std::to_string(id); }
 
 const kv_sheet_net_t& net_at(const kv_sheet_t& sheet, std::int32_t place) {
-  return sheet.nets[static_cast<std::size_t>(place)];
+  return gx_at(sheet.nets, place);
 }
 
 // The net of that object; -1 when the sheet has none.
@@ -18,7 +20,7 @@ std::int32_t find_net(const kv_sheet_t& sheet, int object_id) {
 
 // The first global of the sheet that gives a group, no bus, its flat net; null when none does.
 const kv_sheet_global_t* global_of(const kv_sheet_t& sheet, std::int32_t group) {
-  if (sheet.groups[static_cast<std::size_t>(group)].width > 0) return nullptr;
+  if (gx_at(sheet.groups, group).width > 0) return nullptr;
   const auto at = std::ranges::find_if(
       sheet.globals, [&](const auto& global) { return global.usable && global.group == group; });
   return at == sheet.globals.end() ? nullptr : &*at;
@@ -50,26 +52,18 @@ struct kv_explainer_t::place_t {
   std::int32_t visit;
   std::int32_t net;  // place in the sheet's list of nets
   std::int32_t group_ind;
-  const kv_sheet_group_t& group() const {
-    return sheet.groups[static_cast<std::size_t>(group_ind)];
-  }
+  const kv_sheet_group_t& group() const { return gx_at(sheet.groups, group_ind); }
 };
 
 const std::vector<std::int32_t>& kv_explainer_t::nets_by_id(const kv_sheet_t& sheet) {
   const auto [at, is_new] = by_id_.try_emplace(&sheet);
-  if (is_new) {
-    for (std::size_t i = 0; i < sheet.nets.size(); ++i) {
-      const auto id = static_cast<std::size_t>(sheet.nets[i].object_id);
-      if (at->second.size() <= id) at->second.resize(id + 1, -1);
-      at->second[id] = static_cast<std::int32_t>(i);
-    }
-  }
+  if (is_new) at->second = kv_places_by_id(sheet.nets);
   return at->second;
 }
 
 kv_explainer_t::place_t kv_explainer_t::place_of(const kv_drawn_t& drawn) {
   const kv_sheet_t& of = sheet(drawn.visit);
-  const std::int32_t net = nets_by_id(of)[static_cast<std::size_t>(drawn.object_id)];
+  const std::int32_t net = gx_at(nets_by_id(of), drawn.object_id);
   return {of, drawn.visit, net, net_at(of, net).group};
 }
 
@@ -122,7 +116,7 @@ bool kv_explainer_t::has_bit(const kv_drawn_t& drawn, std::int32_t bit) const {
   const kv_sheet_t& of = sheet(drawn.visit);
   const std::int32_t net = find_net(of, drawn.object_id);
   if (net < 0) return false;
-  const auto& group = of.groups[static_cast<std::size_t>(net_at(of, net).group)];
+  const auto& group = gx_at(of.groups, net_at(of, net).group);
   const auto* pin = pin_into(drawn.visit, group.port);
   return pin != nullptr && bit >= pin->pin_net_start && bit < pin->pin_net_start + group.width;
 }
@@ -131,13 +125,13 @@ bool kv_explainer_t::has_bit(const kv_drawn_t& drawn, std::int32_t bit) const {
 
 // The pin of the block that a port of its sheet stands for; null when there is none.
 const kv_pinm_record_t* kv_explainer_t::pin_into(std::int32_t visit, std::int32_t port) const {
-  const kv_visit_t& here = origins_.visits[static_cast<std::size_t>(visit)];
+  const kv_visit_t& here = gx_at(origins_.visits, visit);
   if (here.above < 0 || port < 0) return nullptr;
   const auto& macro = kv_record(design_.macros, here.macro);
   const kv_sheet_t& above = sheet(here.above);
   const auto inst = std::ranges::find(above.insts, macro.object_id, &kv_sheet_inst_t::object_id);
   if (inst == above.insts.end() || inst->port_pins < 0) return nullptr;
-  const std::int32_t pin = above.port_pins[static_cast<std::size_t>(inst->port_pins + port)];
+  const std::int32_t pin = gx_at(above.port_pins, inst->port_pins + port);
   return pin < 0 ? nullptr : &kv_record(design_.pinms, macro.first_pin_ind + pin);
 }
 
@@ -150,7 +144,7 @@ std::string kv_explainer_t::bit_words(std::int32_t net) const {
 }
 
 std::string kv_explainer_t::port_words(std::int32_t net, const place_t& place) const {
-  const auto& port = place.sheet.ports[static_cast<std::size_t>(place.group().port)];
+  const auto& port = gx_at(place.sheet.ports, place.group().port);
   const auto* pin = pin_into(place.visit, place.group().port);
   std::string words = "port " + std::string(place.sheet.view(port.name)) + " of " +
                       std::string(kv_visit_path(design_, origins_, place.visit));
@@ -173,23 +167,19 @@ std::string kv_explainer_t::port_words(std::int32_t net, const place_t& place) c
 std::string kv_explainer_t::tied_words(const place_t& place) const {
   const std::int32_t tied = place.group().tied_global;
   if (tied < 0) return "";
-  const std::string name = origins_.globals[static_cast<std::size_t>(tied)].nvalue;
+  const std::string name = gx_at(origins_.globals, tied).nvalue;
   const std::string path(kv_visit_path(design_, origins_, place.visit));
   for (const auto& inst : place.sheet.insts) {
     if (inst.is_primitive || inst.port_pins < 0) continue;
-    const auto& symbol = place.sheet.symbols[static_cast<std::size_t>(inst.symbol)];
-    const kv_sheet_t& below =
-        origins_.components[static_cast<std::size_t>(symbol.component)]->sheet;
+    const auto& symbol = gx_at(place.sheet.symbols, inst.symbol);
+    const kv_sheet_t& below = gx_at(origins_.components, symbol.component)->sheet;
     for (std::size_t i = 0; i < below.ports.size(); ++i) {
       const std::int32_t pin_place =
-          place.sheet
-              .port_pins[static_cast<std::size_t>(inst.port_pins + static_cast<std::int32_t>(i))];
+          gx_at(place.sheet.port_pins, inst.port_pins + static_cast<std::int32_t>(i));
       const std::int32_t inner = below.ports[i].group;
       if (pin_place < 0 || inner < 0) continue;
-      const auto& pin = place.sheet.pins[static_cast<std::size_t>(inst.first_pin + pin_place)];
-      if (pin.group != place.group_ind ||
-          below.groups[static_cast<std::size_t>(inner)].tied_global != tied)
-        continue;
+      const auto& pin = gx_at(place.sheet.pins, inst.first_pin + pin_place);
+      if (pin.group != place.group_ind || gx_at(below.groups, inner).tied_global != tied) continue;
       const std::string block = path + std::string(place.sheet.view(inst.suffix));
       return "global " + name + " inside " + block + ", pin " + block +
              std::string(place.sheet.view(pin.suffix));
@@ -205,7 +195,7 @@ std::string kv_explainer_t::root_words(std::int32_t net, const kv_drawn_t& drawn
   root = group.master;
   if (drawn.child != 0 && kv_record(design_.net_childs, drawn.child).net_kind == kv_kind_port &&
       group.port >= 0) {
-    root = place.sheet.ports[static_cast<std::size_t>(group.port)].net;
+    root = gx_at(place.sheet.ports, group.port).net;
     return port_words(net, place);
   }
   if (const auto* global = global_of(place.sheet, place.group_ind)) {

@@ -9,6 +9,7 @@
 
 #include "expand/design.h"
 #include "expand/origins.h"
+#include "gx/text/at.h"
 
 // A net of a sheet that is a flat net, or that holds it as one of its bits.
 struct kv_drawn_t {
@@ -33,9 +34,7 @@ class kv_explainer_t {
   // net was saved by.
   std::string reason(std::int32_t net, const kv_drawn_t& drawn);
 
-  const kv_sheet_t& sheet(std::int32_t visit) const {
-    return *origins_.visits[static_cast<std::size_t>(visit)].sheet;
-  }
+  const kv_sheet_t& sheet(std::int32_t visit) const { return *gx_at(origins_.visits, visit).sheet; }
 
  private:
   // What joined each net of a group to the one that begins it; by place in the list of nets.

@@ -8,6 +8,7 @@
 
 #include "expand/debug.h"
 #include "expand/save_records.h"
+#include "gx/text/at.h"
 #include "gx/text/message_list.h"
 #include "gx/text/session_state.h"
 #include "gx/text/strings.h"
@@ -47,9 +48,7 @@ struct visit_t {
   kv_flat_t& flat(std::int32_t group) const {
     return run.flats[flats + static_cast<std::size_t>(group)];
   }
-  const kv_sheet_group_t& group(std::int32_t g) const {
-    return sheet.groups[static_cast<std::size_t>(g)];
-  }
+  const kv_sheet_group_t& group(std::int32_t g) const { return gx_at(sheet.groups, g); }
   // A name without the "/" of its path.
   std::string_view name(kv_text_t suffix) const { return sheet.view(suffix).substr(1); }
 };
@@ -129,7 +128,7 @@ void process_ports(const visit_t& visit) {
       continue;
     }
     if (port.group < 0) continue;
-    const auto& pin = above.pins[static_cast<std::size_t>(visit.entry.inst->first_pin + place)];
+    const auto& pin = gx_at(above.pins, visit.entry.inst->first_pin + place);
     if (pin.group < 0) continue;  // told when the pin was saved
     const auto& flat_above =
         visit.run.flats[visit.entry.flats + static_cast<std::size_t>(pin.group)];
@@ -145,7 +144,7 @@ void process_ports(const visit_t& visit) {
 
 void save_flat_net(const visit_t& visit, std::int32_t group_ind) {
   const auto& group = visit.group(group_ind);
-  const auto& master = visit.sheet.nets[static_cast<std::size_t>(group.master)];
+  const auto& master = gx_at(visit.sheet.nets, group.master);
   const std::string_view name = visit.sheet.view(master.name);
   const kv_path_step step(visit.run, visit.sheet.view(master.suffix));
   if (visit.run.end) return;
@@ -169,7 +168,7 @@ using named_members_t = std::vector<std::int32_t>;  // of buses, by the globals 
 std::int32_t save_global_net(const visit_t& visit, const kv_sheet_global_t& global) {
   kv_flatten_t& run = visit.run;
   const std::string_view name = visit.sheet.view(global.name);
-  const auto& master = visit.sheet.nets[static_cast<std::size_t>(visit.group(global.group).master)];
+  const auto& master = gx_at(visit.sheet.nets, visit.group(global.group).master);
   // Its path does not lie under the sheet's.
   const kv_path_t here = run.path;
   run.path.len = 0;
@@ -256,11 +255,11 @@ void process_globals(const visit_t& visit) {
   named_members_t named;
   for (const auto& global : visit.sheet.globals) {
     if (global.report >= 0) {
-      tell_report(visit.sheet.global_reports[static_cast<std::size_t>(global.report)]);
+      tell_report(gx_at(visit.sheet.global_reports, global.report));
     }
     if (!global.usable || visit.run.end) continue;
     const bool on_bus = visit.group(global.group).width > 0;
-    auto& global_net = visit.run.cache.globals[static_cast<std::size_t>(global.run_global)].net_ind;
+    auto& global_net = gx_at(visit.run.cache.globals, global.run_global).net_ind;
     const std::int32_t net = on_bus ? process_global_on_bus(visit, global, named)
                                     : process_global_on_net(visit, global, global_net, named);
     if (net != 0 && global.init.what == kv_init_t::valid)
@@ -281,7 +280,7 @@ void process_init(const visit_t& visit, const kv_sheet_net_t& net) {
   const std::string_view value = visit.sheet.view(net.init.text);
   const kv_flat_t& flat = visit.flat(net.group);
   if (flat.by_port) {
-    const auto& port = visit.sheet.ports[static_cast<std::size_t>(visit.group(net.group).port)];
+    const auto& port = gx_at(visit.sheet.ports, visit.group(net.group).port);
     tell_bad_init("# !! INIT property on NET of PORT Invalid ",
                   "# !! Port name  : ", visit.sheet.view(port.name), value);
   } else {
@@ -298,7 +297,7 @@ void find_flat_net(const visit_t& visit, std::int32_t group_ind) {
     save_flat_net(visit, group_ind);
     return;
   }
-  auto& global = visit.run.cache.globals[static_cast<std::size_t>(tied)];
+  auto& global = gx_at(visit.run.cache.globals, tied);
   if (global.net_ind == 0) {
     save_flat_net(visit, group_ind);
     const std::int32_t net = visit.flat(group_ind).net;
@@ -400,8 +399,7 @@ void process_instances(const visit_t& visit) {
     if (must_stop(visit.run)) return;
     if (!check_symbol(visit, symbol)) continue;
     for (std::int32_t i = 0; i < symbol.nb_of_inst && !must_stop(visit.run); ++i) {
-      process_inst(visit, visit.sheet.insts[static_cast<std::size_t>(symbol.first_inst + i)],
-                   symbol);
+      process_inst(visit, gx_at(visit.sheet.insts, symbol.first_inst + i), symbol);
     }
   }
 }
@@ -440,7 +438,7 @@ class kept_visit_t {
   }
   ~kept_visit_t() {
     if (run_.visits == nullptr) return;
-    auto& visit = (*run_.visits)[static_cast<std::size_t>(run_.visit)];
+    auto& visit = gx_at(*run_.visits, run_.visit);
     visit.insts_after = run_.design.insts.count;
     visit.macros_after = run_.design.macros.count;
     run_.visit = above_;

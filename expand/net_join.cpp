@@ -7,6 +7,7 @@
 #include <unordered_map>
 
 #include "gx/db/objects_of.h"
+#include "gx/text/at.h"
 #include "gx/text/strings.h"
 
 kv_net_table::kv_net_table(const gx_file_gene_recf_t& file, std::span<const gx_object_id_t> nets)
@@ -17,7 +18,7 @@ kv_net_table::kv_net_table(const gx_file_gene_recf_t& file, std::span<const gx_o
       parent_(nets.size()) {
   std::iota(parent_.begin(), parent_.end(), 0);
   for (std::size_t i = 0; i < nets.size(); ++i) {
-    position_[static_cast<std::size_t>(nets[i])] = static_cast<std::int32_t>(i);
+    gx_at(position_, nets[i]) = static_cast<std::int32_t>(i);
   }
   for (std::size_t i = 0; i < nets.size(); ++i) {
     const auto net = static_cast<std::int32_t>(i);
@@ -32,19 +33,19 @@ std::int32_t kv_net_table::named_by(int vertex_or_pin) const {
   } else if (const auto* pin = gx_object_as<gx_object_pinpropfam_rec_t>(file_, vertex_or_pin)) {
     net = pin->net;
   }
-  return gx_object(file_, net) != nullptr ? position_[static_cast<std::size_t>(net)] : -1;
+  return gx_object(file_, net) != nullptr ? gx_at(position_, net) : -1;
 }
 
 std::int32_t kv_net_table::net_at(int vertex_or_pin) const {
   const std::int32_t named = named_by(vertex_or_pin);
   if (named >= 0 || gx_object(file_, vertex_or_pin) == nullptr) return named;
-  return end_of_[static_cast<std::size_t>(vertex_or_pin)];
+  return gx_at(end_of_, vertex_or_pin);
 }
 
 std::int32_t kv_net_table::root(std::int32_t net) {
-  while (parent_[static_cast<std::size_t>(net)] != net) {
-    auto& parent = parent_[static_cast<std::size_t>(net)];
-    parent = parent_[static_cast<std::size_t>(parent)];
+  while (gx_at(parent_, net) != net) {
+    auto& parent = gx_at(parent_, net);
+    parent = gx_at(parent_, parent);
     net = parent;
   }
   return net;
@@ -57,7 +58,7 @@ void kv_net_table::unite(std::int32_t a, std::int32_t b, kv_join_why why, int ob
   b = root(b);
   if (a == b) return;
   joins_.push_back(join);
-  parent_[static_cast<std::size_t>(std::max(a, b))] = std::min(a, b);
+  gx_at(parent_, std::max(a, b)) = std::min(a, b);
 }
 
 void kv_net_table::take_segment(std::int32_t net, int segment) {
@@ -71,7 +72,7 @@ void kv_net_table::take_segment(std::int32_t net, int segment) {
     if (const std::int32_t named = named_by(end); named >= 0) {
       unite(net, named, kv_join_why::vertex, end);
     }
-    auto& first = end_of_[static_cast<std::size_t>(end)];
+    auto& first = gx_at(end_of_, end);
     if (first < 0) {
       first = net;
     } else {
@@ -111,8 +112,8 @@ kv_net_groups_t kv_net_table::join(std::span<const std::string_view> names,
     }
     const std::int32_t group = groups.group_of_net[first];
     groups.group_of_net[i] = group;
-    auto& master = groups.master_of_group[static_cast<std::size_t>(group)];
-    if (names[static_cast<std::size_t>(master)].empty() && !names[i].empty()) master = net;
+    auto& master = gx_at(groups.master_of_group, group);
+    if (gx_at(names, master).empty() && !names[i].empty()) master = net;
   }
   return groups;
 }

@@ -26,6 +26,16 @@ std::int32_t up_to(const kv_origins_t& origins, std::int32_t visit,
   return visit;
 }
 
+std::int32_t visit_of_inst(const kv_origins_t& origins, std::int32_t inst) {
+  return up_to(origins, last_before(origins, &kv_visit_t::insts_before, inst),
+               &kv_visit_t::insts_after, inst);
+}
+
+std::int32_t visit_of_macro(const kv_origins_t& origins, std::int32_t macro) {
+  return up_to(origins, last_before(origins, &kv_visit_t::macro, macro), &kv_visit_t::macros_after,
+               macro);
+}
+
 }  // namespace
 
 std::int32_t kv_visit_of_net(const kv_origins_t& origins, std::int32_t net) {
@@ -36,19 +46,32 @@ std::int32_t kv_visit_of_child(const kv_origins_t& origins, std::int32_t child) 
   return last_before(origins, &kv_visit_t::children_before, child);
 }
 
-std::int32_t kv_visit_of_inst(const kv_origins_t& origins, std::int32_t inst) {
-  return up_to(origins, last_before(origins, &kv_visit_t::insts_before, inst),
-               &kv_visit_t::insts_after, inst);
-}
-
-std::int32_t kv_visit_of_macro(const kv_origins_t& origins, std::int32_t macro) {
-  return up_to(origins, last_before(origins, &kv_visit_t::macro, macro), &kv_visit_t::macros_after,
-               macro);
-}
-
 std::int32_t kv_visit_inside(const kv_origins_t& origins, std::int32_t macro) {
   const std::int32_t visit = last_before(origins, &kv_visit_t::macro, macro + 1);
   return visit >= 0 && at(origins, visit).macro == macro ? visit : -1;
+}
+
+kv_place_t kv_place_of(const kv_design_t& design, const kv_origins_t& origins, kv_hit_t hit) {
+  const std::int32_t index = hit.index;
+  switch (hit.what) {
+    case kv_named::inst:
+      return {visit_of_inst(origins, index), design.insts[index].object_id};
+    case kv_named::macro:
+      return {visit_of_macro(origins, index), design.macros[index].object_id};
+    case kv_named::net:
+      return {kv_visit_of_net(origins, index), design.nets[index].object_id};
+    case kv_named::net_child:
+      return {kv_visit_of_child(origins, index), design.net_childs[index].object_id};
+    case kv_named::pin: {
+      const auto& pin = design.pins[index];
+      return {visit_of_inst(origins, pin.instance_ind), pin.object_id};
+    }
+    case kv_named::pinm: {
+      const auto& pin = design.pinms[index];
+      return {visit_of_macro(origins, pin.macro_ind), pin.object_id};
+    }
+  }
+  return {};
 }
 
 std::string_view kv_visit_path(const kv_design_t& design, const kv_origins_t& origins,

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "expand/design.h"
+#include "expand/path_index.h"
 #include "expand/sheet_cache.h"
 
 // One visit. What it saved lies between the counts of the arrays before and after: nets and
@@ -32,10 +33,15 @@ struct kv_origins_t {
 // The visit that saved a record of the design, an index into `visits`; -1 when there is none.
 std::int32_t kv_visit_of_net(const kv_origins_t& origins, std::int32_t net);
 std::int32_t kv_visit_of_child(const kv_origins_t& origins, std::int32_t child);
-std::int32_t kv_visit_of_inst(const kv_origins_t& origins, std::int32_t inst);
-std::int32_t kv_visit_of_macro(const kv_origins_t& origins, std::int32_t macro);
 // The visit of the sheet behind a block; -1 when it has none.
 std::int32_t kv_visit_inside(const kv_origins_t& origins, std::int32_t macro);
+
+// Where a record of the design is drawn.
+struct kv_place_t {
+  std::int32_t visit = -1;  // of the sheet; -1: nowhere
+  int object_id = 0;        // on it
+};
+kv_place_t kv_place_of(const kv_design_t& design, const kv_origins_t& origins, kv_hit_t hit);
 
 // The simulation path of the sheet: "" at the top.
 std::string_view kv_visit_path(const kv_design_t& design, const kv_origins_t& origins,

@@ -10,6 +10,7 @@
 #include "expand/flatten.h"
 #include "gx/db/file_state.h"
 #include "gx/db/object_access.h"
+#include "gx/text/at.h"
 #include "gx/text/date.h"
 #include "gx/text/message_list.h"
 #include "gx/text/session_state.h"
@@ -116,7 +117,7 @@ kv_run_result kv_expand(const kv_run_t& run) {
     refuse("# !! Error : No Sheet available to expand ? ");
     return kv_run_result::no_sheet;
   }
-  const auto& slot = gx_files.filear[static_cast<std::size_t>(top)];
+  const auto& slot = gx_at(gx_files.filear, top);
   return kv_expand_sheet(run, gx_ptrto_gene_file_buf(top), gx_view(slot.file_pathname));
 }
 
@@ -133,8 +134,10 @@ kv_run_result kv_expand_sheet(const kv_run_t& run, const gx_file_gene_recf_t& to
   run.design.kept = run.setup;
   gx_tell(" RUN ");
   if (const auto end = flatten(run, top, top_path)) {
-    kv_empty_design(run.design);  // a part of a design is not taken for the whole
-    if (run.origins != nullptr) *run.origins = {};
+    if (!run.keeps_part) {  // nobody takes a part of a design for the whole
+      kv_empty_design(run.design);
+      if (run.origins != nullptr) *run.origins = {};
+    }
     return *end;
   }
   check_nets(run.design);
@@ -145,8 +148,8 @@ kv_run_result kv_expand_sheet(const kv_run_t& run, const gx_file_gene_recf_t& to
 kv_run_result kv_run_expansion(const kv_run_t& run, int designfile, bool gen_data) {
   const kv_run_result result = kv_expand(run);
   if (result != kv_run_result::done) return result;
-  const auto top = static_cast<std::size_t>(run.sheets.front().file_index);
-  const std::string_view directory = gx_view(gx_files.filear[top].dirname);
+  const std::string_view directory =
+      gx_view(gx_at(gx_files.filear, run.sheets.front().file_index).dirname);
   const std::string listing = gen_data ? std::string(directory) + "/kivo_data" : std::string();
   if (kv_write_design(run.design, designfile, listing)) return kv_run_result::done;
   gx_tell_quoted("# !! Error : Expanded data not written whole in : ", directory);

@@ -33,13 +33,15 @@ struct kv_run_t {
   std::chrono::milliseconds period{200};  // from the start to the first call, and between calls
   bool to_the_end = false;                // a sheet is not left after 30 errors
   kv_origins_t* origins = nullptr;        // emptied and filled, when given
+  bool keeps_part = false;                // of a run that ended early: what it had made by then
 };
 
 enum class kv_run_result {
   done,
   no_lists,         // a list that a run needs is empty
   no_sheet,         // no sheet at level 1
-  too_many_levels,  // from here to `stopped` the design is emptied, and nothing was written
+  too_many_levels,  // from here to `stopped` nothing was written and, unless the part is kept,
+                    // the design is emptied
   path_too_long,
   design_too_large,
   stopped,  // as the watcher asked

@@ -10,6 +10,7 @@
 #include "expand/values.h"
 #include "gx/db/link_file.h"
 #include "gx/db/objects_of.h"
+#include "gx/text/at.h"
 #include "gx/text/numbers.h"
 #include "gx/text/strings.h"
 
@@ -147,7 +148,7 @@ class analysis {
 
   void take_group(std::int32_t master) {
     kv_sheet_group_t group;
-    auto& net = sheet.nets[static_cast<std::size_t>(master)];
+    auto& net = gx_at(sheet.nets, master);
     const auto* record = gx_object_as<gx_object_net_rec_t>(file_, net.object_id);
     group.master = master;
     if (record->is_bus != 0) {
@@ -167,7 +168,7 @@ class analysis {
 
   std::int32_t group_at(int pinpropfam) const {
     const std::int32_t net = nets_.net_at(pinpropfam);
-    return net >= 0 ? sheet.nets[static_cast<std::size_t>(net)].group : -1;
+    return net >= 0 ? gx_at(sheet.nets, net).group : -1;
   }
 
   // --- ports and globals are told from the instances that are stored
@@ -219,7 +220,7 @@ class analysis {
     const auto* pin = gx_object_as<gx_object_pinpropfam_rec_t>(file_, pinpropfam);
     if (pin != nullptr && pin->pin_start != pin->pin_end) return true;
     if (net < 0) return false;
-    const int id = sheet.nets[static_cast<std::size_t>(net)].object_id;
+    const int id = gx_at(sheet.nets, net).object_id;
     return gx_object_as<gx_object_net_rec_t>(file_, id)->is_bus != 0;
   }
 
@@ -230,13 +231,13 @@ class analysis {
       if (port_nets_[i] < 0) continue;
       auto& port = sheet.ports[i];
       port.net = port_nets_[i];
-      port.group = sheet.nets[static_cast<std::size_t>(port.net)].group;
-      auto& group = sheet.groups[static_cast<std::size_t>(port.group)];
+      port.group = gx_at(sheet.nets, port.net).group;
+      auto& group = gx_at(sheet.groups, port.group);
       if (group.port < 0) {
         group.port = static_cast<std::int32_t>(i);
         continue;
       }
-      const auto first = sheet.view(sheet.ports[static_cast<std::size_t>(group.port)].bare_name);
+      const auto first = sheet.view(gx_at(sheet.ports, group.port).bare_name);
       const auto second = sheet.view(port.bare_name);
       if (!gx_iden(first, second)) {
         sheet.port_reports.push_back({{two_on_one("ports", group, first, second)}});
@@ -247,7 +248,7 @@ class analysis {
 
   std::string two_on_one(std::string_view what, const kv_sheet_group_t& group,
                          std::string_view first, std::string_view second) const {
-    const int master = sheet.nets[static_cast<std::size_t>(group.master)].object_id;
+    const int master = gx_at(sheet.nets, group.master).object_id;
     std::string line = "# !! Error :2 differents ";
     line.append(what).append(" connected on same equipot: N_").append(std::to_string(master));
     line.append(" \"").append(first).append("\" \"").append(second).append("\"");
@@ -262,7 +263,7 @@ class analysis {
     global.run_global = run_global(name);
     global.object_id = static_cast<gx_object_id_t>(inst);
     global.net = nets_.net_at(pin.pinpropfam);
-    global.group = global.net >= 0 ? sheet.nets[static_cast<std::size_t>(global.net)].group : -1;
+    global.group = global.net >= 0 ? gx_at(sheet.nets, global.net).group : -1;
     global.usable = global.group >= 0;
     global.init = init_of(gx_find_prop_of_two(file_, pin.pinpropfam, pin.pin, "INIT"));
     const auto* record = gx_object_as<gx_object_pinpropfam_rec_t>(file_, pin.pinpropfam);
@@ -271,8 +272,7 @@ class analysis {
                                 std::to_string(pin.pinpropfam) + " \"" + std::string(name) + "\"");
       global.usable = false;
     } else if (global.usable) {
-      global.position =
-          position_on(sheet.groups[static_cast<std::size_t>(global.group)], record->pin_net_start);
+      global.position = position_on(gx_at(sheet.groups, global.group), record->pin_net_start);
     }
     sheet.globals.push_back(global);
   }
@@ -288,14 +288,14 @@ class analysis {
     for (std::size_t i = 0; i < sheet.globals.size(); ++i) {
       auto& global = sheet.globals[i];
       if (!global.usable) continue;
-      auto& group = sheet.groups[static_cast<std::size_t>(global.group)];
+      auto& group = gx_at(sheet.groups, global.group);
       if (group.width > 0) continue;  // each member of a bus may have its own
-      auto& first = first_of[static_cast<std::size_t>(global.group)];
+      auto& first = gx_at(first_of, global.group);
       if (first < 0) {
         first = static_cast<std::int32_t>(i);
         continue;
       }
-      const auto& other = sheet.globals[static_cast<std::size_t>(first)];
+      const auto& other = gx_at(sheet.globals, first);
       if (other.run_global == global.run_global) continue;
       report_global(global,
                     two_on_one("globals", group, sheet.view(other.name), sheet.view(global.name)));
@@ -328,14 +328,14 @@ class analysis {
     chained_.resize(waiting_.size());
     std::vector<std::vector<int>> left(waiting_.size());
     for (const int inst : plain_insts_) {
-      waiting_[static_cast<std::size_t>(inst)] = true;
+      gx_at(waiting_, inst) = true;
       const int symbol = gx_object_as<gx_object_instance_rec_t>(file_, inst)->symbol;
       const bool is_symbol = gx_object_as<gx_object_symbol_rec_t>(file_, symbol) != nullptr;
       left[is_symbol ? static_cast<std::size_t>(symbol) : 0].push_back(inst);
     }
     for (const int id : lb_symbols(file_)) {
-      take_symbol(id, left[static_cast<std::size_t>(id)]);
-      left[static_cast<std::size_t>(id)].clear();
+      take_symbol(id, gx_at(left, id));
+      gx_at(left, id).clear();
     }
     // A symbol outside the family, and instances without one (kept at 0).
     for (std::size_t id = 0; id < left.size(); ++id) {
@@ -358,16 +358,16 @@ class analysis {
     const auto symbol_ind = static_cast<std::int32_t>(sheet.symbols.size());
     symbol.first_inst = static_cast<std::int32_t>(sheet.insts.size());
     const auto take = [&](int inst) {
-      if (!waiting_[static_cast<std::size_t>(inst)]) return;
-      waiting_[static_cast<std::size_t>(inst)] = false;
+      if (!gx_at(waiting_, inst)) return;
+      gx_at(waiting_, inst) = false;
       take_inst(inst, symbol_ind);
     };
     // The chain may loop in a damaged sheet: no instance is passed twice.
     for (int inst = record != nullptr ? record->instance : 0;;) {
       const auto* chained = gx_object_as<gx_object_instance_rec_t>(file_, inst);
       if (chained == nullptr || chained->symbol != id) break;
-      if (chained_[static_cast<std::size_t>(inst)]) break;
-      chained_[static_cast<std::size_t>(inst)] = true;
+      if (gx_at(chained_, inst)) break;
+      gx_at(chained_, inst) = true;
       take(inst);
       inst = chained->following_inst;
     }
@@ -421,7 +421,7 @@ class analysis {
     pin.group = group_at(ids.pinpropfam);
     pin.width =
         std::max(record.pin_end, record.pin_start) - std::min(record.pin_end, record.pin_start) + 1;
-    if (pin.group >= 0) take_range(pin, sheet.groups[static_cast<std::size_t>(pin.group)]);
+    if (pin.group >= 0) take_range(pin, gx_at(sheet.groups, pin.group));
     pin.kept = keep_props(setup_.property_pin, [&](std::string_view name) {
       return gx_prop_text(gx_find_prop_of_two(file_, ids.pinpropfam, ids.pin, name));
     });

@@ -150,6 +150,18 @@ struct kv_sheet_t {
   }
 };
 
+// Where each net, instance or pin of a sheet stands in its list, by object id; -1: none has it.
+template <typename Object>
+std::vector<std::int32_t> kv_places_by_id(const std::vector<Object>& objects) {
+  std::vector<std::int32_t> places;
+  for (std::size_t i = 0; i < objects.size(); ++i) {
+    const auto id = static_cast<std::size_t>(objects[i].object_id);
+    if (places.size() <= id) places.resize(id + 1, -1);
+    places[id] = static_cast<std::int32_t>(i);
+  }
+  return places;
+}
+
 // A global of the run.
 struct kv_global_net_record_t {
   std::string nvalue;        // its name

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "app/check/sheet_findings.h"
+#include "gx/text/at.h"
 
 namespace {
 
@@ -13,7 +14,7 @@ void check_block(kv_sheet_t& sheet, kv_sheet_inst_t& block, const kv_sheet_t& be
   const std::string inst(sheet.view(block.suffix));
   for (std::int32_t i = 0; i < block.nb_of_pin; ++i) {
     if (std::ranges::find(pin_of_port, i) != pin_of_port.end()) continue;
-    const auto& pin = sheet.pins[static_cast<std::size_t>(block.first_pin + i)];
+    const auto& pin = gx_at(sheet.pins, block.first_pin + i);
     found.add(kv_rule::port_lacking, inst + std::string(sheet.view(pin.suffix)), pin.object_id,
               "no such port on the sheet of the block : \"" + below.file_path + "\"");
   }

@@ -3,7 +3,6 @@
 
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -21,15 +20,6 @@ struct kv_missing_sheet_t {
   std::string why;
 };
 
-// Where something of a path stands.
-struct kv_place_t {
-  std::string at;  // path of its sheet
-  const kv_sheet_t* sheet = nullptr;
-  int object_id = 0;
-  const kv_sheet_pin_t* pin = nullptr;  // of a pin
-};
-enum class kv_place_kind { net, inst, pin };
-
 class kv_cells_t {
  public:
   // Reads all sheets below the primary one. Tells what a run tells of them; the caller catches it.
@@ -43,24 +33,12 @@ class kv_cells_t {
   // The sheet behind the blocks of a symbol; null when they have none.
   kv_sheet_t* below(const kv_sheet_symbol_t& symbol) const;
 
-  // The net, instance or pin of a path as a run stores it; no sheet when there is none.
-  kv_place_t place_of(kv_place_kind kind, std::string_view path);
-
  private:
-  // By the piece of the path that a name is on its sheet.
-  struct names_t {
-    std::unordered_map<std::string_view, int> nets;
-    std::unordered_map<std::string_view, const kv_sheet_inst_t*> insts;
-  };
-
   void walk(kv_sheet_t& sheet, const std::string& path, int level);
-  const names_t& names_of(const kv_sheet_t& sheet);
-  bool find(kv_place_kind kind, const kv_sheet_t& sheet, std::string_view rest, kv_place_t& place);
 
   kv_sheet_cache_t cache_;
   kv_sheet_t top_;
   std::unordered_set<const kv_sheet_t*> walked_;
   std::vector<kv_cell_t> cells_;
   std::vector<kv_missing_sheet_t> missing_;
-  std::unordered_map<const kv_sheet_t*, names_t> names_;
 };

@@ -8,6 +8,7 @@
 #include "app/sheet/command_viewport.h"
 #include "gx/db/undo.h"
 #include "gx/display/draw.h"
+#include "gx/text/at.h"
 #include "gx/text/debug.h"
 #include "gx/text/message_list.h"
 #include "gx/vext.h"
@@ -38,10 +39,10 @@ void delete_unused_symbols(const kv_view_t& view) {
   const auto& file = view.file();
   std::vector<bool> used(static_cast<std::size_t>(file.object_id_max) + 1);
   for (const int inst : lb_instances(file)) {
-    used[static_cast<std::size_t>(gx_instance_info_ptr(file, inst).symbol)] = true;
+    gx_at(used, gx_instance_info_ptr(file, inst).symbol) = true;
   }
   for (const int symbol : lb_symbols(file)) {
-    if (!used[static_cast<std::size_t>(symbol)] && !gx_inq_object_deleted(file, symbol)) {
+    if (!gx_at(used, symbol) && !gx_inq_object_deleted(file, symbol)) {
       lb_delete_symbol_prim(view.file_index, symbol);
     }
   }
@@ -56,7 +57,7 @@ void kv_check_sheet_cmd(const kv_command_t& command) {
   if (!view.has_sheet()) {
     return kv_refuse(echo, command, "# !! Error : No Valid current sheet ? : ", 3);
   }
-  const auto& slot = gx_vext.filear[static_cast<std::size_t>(view.file_index)];
+  const auto& slot = gx_at(gx_vext.filear, view.file_index);
   kv_reference_file reference(gx_view(slot.file_pathname));
   kv_echo(echo, command, 3);
   if (!reference.is_open()) return show_unwritable(reference.path());

@@ -9,6 +9,7 @@
 #include "app/language/command_row.h"
 #include "app/run/run_progress.h"
 #include "expand/store.h"
+#include "gx/text/at.h"
 #include "gx/text/date.h"
 #include "gx/text/message_list.h"
 #include "gx/text/numbers.h"
@@ -59,7 +60,7 @@ void show_finding(std::size_t number) {
 
 std::string design_directory() {
   const auto top = kv_pext.arrayof_file.front().file_index;
-  return std::string(gx_view(gx_vext.filear[static_cast<std::size_t>(top)].dirname));
+  return std::string(gx_view(gx_at(gx_vext.filear, top).dirname));
 }
 
 void tell_count(std::string_view one, std::string_view many, int count) {
@@ -103,7 +104,7 @@ void kv_check_design_cmd(const kv_command_t& command) {
   if (top < 1 || top > gx_max_files) {
     return kv_refuse(check_echo, command, "# !! Error : No Valid current sheet ? : ", 3);
   }
-  const auto& slot = gx_vext.filear[static_cast<std::size_t>(top)];
+  const auto& slot = gx_at(gx_vext.filear, top);
   auto check =
       kv_check_design(kv_sext, gx_view(slot.file_pathname), kv_pext.severities, kv_watch_run);
   kv_echo(check_echo, command, 3);
@@ -145,7 +146,7 @@ void kv_rule_cmd(const kv_command_t& command) {
       {"ERR", kv_severity::error}, {"WAR", kv_severity::warning}, {"OFF", kv_severity::off}};
   for (const auto& [word, severity] : words) {
     if (!gx_equal(word, command.word(3))) continue;
-    kv_pext.severities[static_cast<std::size_t>(*rule)] = severity;
+    gx_at(kv_pext.severities, *rule) = severity;
     return kv_echo(" RULe ", command);
   }
   kv_refuse(refused, command, bad_third);

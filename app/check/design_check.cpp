@@ -31,32 +31,31 @@ kv_design_check_t kv_check_design(const kv_setup_t& wishes, std::string_view top
   const auto load = gx_load_file(top_path);
   if (!load.file) return {{}, load.message};
 
-  kv_run_messages* messages = nullptr;
-  const gx_list_catcher catcher([&](std::string_view line) {
-    if (messages != nullptr) messages->take(line);
-  });
+  kv_run_messages told;
+  const gx_list_catcher catcher([&](std::string_view line) { told.take(line); });
   kv_design_check_t check;
-  kv_cells_t cells(*setup, *load.file, top_path);
-  kv_find_on_sheets(cells, severities, check.findings);
+  kv_find_on_sheets(kv_cells_t(*setup, *load.file, top_path), severities, check.findings);
+  told = {};  // what it tells to read the sheets is found by rules
 
   kv_design_t design;
+  kv_origins_t origins;
   const kv_sheet_stack_t no_sheets;
   std::int16_t level = 0;
   std::int32_t macro = 0;
-  kv_run_messages told;
-  messages = &told;
   const kv_run_t run{.setup = *setup,
                      .design = design,
                      .sheets = no_sheets,
                      .expand_level = level,
                      .macro_level = macro,
                      .watcher = watcher,
-                     .to_the_end = true};
+                     .to_the_end = true,
+                     .origins = &origins,
+                     .keeps_part = true};
   const kv_run_result result = kv_expand_sheet(run, *load.file, top_path);
   told.finish();
-  messages = nullptr;
   if (result == kv_run_result::stopped) return {{}, "stopped "};
-  kv_find_on_netlist(design, cells, severities, check.findings);
-  told.find(cells, severities, check.findings);
+  const kv_netlist_findings_t found{design, origins, severities, check.findings};
+  if (result == kv_run_result::done) kv_find_on_netlist(found);
+  told.find(found);
   return check;
 }

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "app/check/sheet_findings.h"
+#include "gx/text/at.h"
 
 namespace {
 
@@ -21,9 +22,8 @@ void kv_global_rules::take_block(kv_sheet_t& sheet, kv_sheet_inst_t& inst, kv_sh
   for (const auto& port : below.ports) {
     const std::int32_t pin_place = *place++;
     if (pin_place < 0 || port.group < 0) continue;
-    const auto& pin = sheet.pins[static_cast<std::size_t>(inst.first_pin + pin_place)];
-    const std::int32_t width =
-        std::max(below.groups[static_cast<std::size_t>(port.group)].width, 1);
+    const auto& pin = gx_at(sheet.pins, inst.first_pin + pin_place);
+    const std::int32_t width = std::max(gx_at(below.groups, port.group).width, 1);
     if (pin.group < 0 || pin.range_error || pin.width != width) continue;
     for (std::int32_t member = 0; member < width; ++member) {
       const auto at = inner.find({port.group, member});
@@ -49,7 +49,7 @@ const kv_global_rules::nets_t& kv_global_rules::nets_of(kv_sheet_t& sheet) {
     kv_sheet_t* below = cells_.below(symbol);
     if (below == nullptr || below->ends_at_port) continue;
     for (std::int32_t i = 0; i < symbol.nb_of_inst; ++i) {
-      auto& inst = sheet.insts[static_cast<std::size_t>(symbol.first_inst + i)];
+      auto& inst = gx_at(sheet.insts, symbol.first_inst + i);
       if (!inst.is_primitive) take_block(sheet, inst, *below, nets);
     }
   }
@@ -60,11 +60,11 @@ void kv_global_rules::check(kv_cell_findings_t& found) {
   kv_sheet_t& sheet = *found.cell.sheet;
   for (const auto& [where, net] : nets_of(sheet)) {
     if (net.globals.size() <= net.most) continue;  // told on the sheet below, if at all
-    const auto& group = sheet.groups[static_cast<std::size_t>(where.first)];
-    const auto& master = sheet.nets[static_cast<std::size_t>(group.master)];
+    const auto& group = gx_at(sheet.groups, where.first);
+    const auto& master = gx_at(sheet.nets, group.master);
     std::string words = "globals on one net :";
     for (const auto global : net.globals) {
-      words += " \"" + cells_.cache().globals[static_cast<std::size_t>(global)].nvalue + "\"";
+      words += " \"" + gx_at(cells_.cache().globals, global).nvalue + "\"";
     }
     std::string piece(sheet.view(master.suffix));
     if (group.width > 0) piece += "_" + std::to_string(where.second);

@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <cstdlib>
 #include <unordered_map>
+#include <vector>
+
+#include "gx/text/at.h"
 
 namespace {
 
@@ -31,9 +34,8 @@ members_t nets_of(const kv_design_t& design, const Pin& pin) {
 
 class netlist_check {
  public:
-  netlist_check(const kv_design_t& design, kv_cells_t& cells, const kv_severities_t& severities,
-                kv_findings_t& findings)
-      : design_(design), cells_(cells), severities_(severities), findings_(findings) {}
+  explicit netlist_check(const kv_netlist_findings_t& found)
+      : design_(found.design), found_(found) {}
 
   void run() {
     take_pins();
@@ -50,7 +52,9 @@ class netlist_check {
   }
 
  private:
-  bool is_on(kv_rule rule) const { return kv_severity_of(severities_, rule) != kv_severity::off; }
+  bool is_on(kv_rule rule) const {
+    return kv_severity_of(found_.severities, rule) != kv_severity::off;
+  }
   std::string_view text(std::int32_t string) const { return kv_text(design_, string); }
   std::string quoted(std::int32_t pin) const {
     return "\"" + std::string(text(design_.pins[pin].sim_path)) + "\"";
@@ -63,7 +67,7 @@ class netlist_check {
       if (pin.net_ind == 0) continue;
       const auto [first, count] = nets_of(design_, pin);
       for (std::int32_t i = 0; i < count; ++i) {
-        auto& net = nets_[static_cast<std::size_t>(first + i)];
+        auto& net = gx_at(nets_, first + i);
         if (net.pins++ == 0) net.first = ind;
         if (pin.io_type == kv_io_in) ++net.in;
         if (pin.io_type != kv_io_out) continue;
@@ -75,11 +79,10 @@ class netlist_check {
 
   // What the ports of the primary sheet bring to its nets comes from outside.
   void take_ports() {
-    const kv_sheet_t& top = *cells_.cells().front().sheet;
+    const kv_sheet_t& top = *found_.origins.top;
     for (const auto& port : top.ports) {
       if (port.group < 0) continue;
-      const auto& group = top.groups[static_cast<std::size_t>(port.group)];
-      const auto& master = top.nets[static_cast<std::size_t>(group.master)];
+      const auto& master = gx_at(top.nets, gx_at(top.groups, port.group).master);
       auto& type = outside_[top.view(master.suffix)];
       type = type == 0 || type == port.io_type ? port.io_type : kv_io_io;
     }
@@ -92,38 +95,26 @@ class netlist_check {
     return port == outside_.end() ? std::int16_t{0} : port->second;
   }
 
-  void add(kv_rule rule, std::int32_t path, const kv_place_t& place, int object_id,
-           std::string words) {
-    findings_.push_back({rule, kv_severity_of(severities_, rule), std::string(text(path)), place.at,
-                         place.sheet != nullptr ? place.sheet->file_path : "",
-                         place.sheet != nullptr ? object_id : 0, std::move(words)});
+  kv_place_t place_of(kv_named what, std::int32_t ind) const {
+    return kv_place_of(design_, found_.origins, {what, ind});
   }
 
-  void add_net(kv_rule rule, std::int32_t ind, std::string words) {
-    const auto& net = design_.nets[ind];
-    const auto& whole = net.bus != 0 ? design_.nets[net.bus] : net;
-    auto place = cells_.place_of(kv_place_kind::net, text(whole.sim_path));
-    if (place.sheet == nullptr) place = place_of_global(net);
-    add(rule, net.sim_path, place, net.object_id, std::move(words));
+  const kv_sheet_pin_t& pin_at(kv_place_t place) {
+    const kv_sheet_t& sheet = *gx_at(found_.origins.visits, place.visit).sheet;
+    const auto [at, is_new] = pin_places_.try_emplace(&sheet);
+    if (is_new) at->second = kv_places_by_id(sheet.pins);
+    return gx_at(sheet.pins, gx_at(at->second, place.object_id));
   }
 
-  // The net of a global has a path of its own; its object is on the first sheet that has both.
-  kv_place_t place_of_global(const kv_net_record_t& net) const {
-    for (const auto& cell : cells_.cells()) {
-      for (const auto& global : cell.sheet->globals) {
-        if (global.group < 0 || cell.sheet->view(global.name) != text(net.name)) continue;
-        const auto& group = cell.sheet->groups[static_cast<std::size_t>(global.group)];
-        const auto& master = cell.sheet->nets[static_cast<std::size_t>(group.master)];
-        if (master.object_id == net.object_id) return {cell.path, cell.sheet, net.object_id};
-      }
-    }
-    return {};
+  void add_net(kv_rule rule, std::int32_t ind, std::string words) const {
+    found_.add(rule, text(design_.nets[ind].sim_path), place_of(kv_named::net, ind),
+               std::move(words));
   }
 
   // A global stands for a supply, whose source need not be drawn.
   void check_driver(std::int32_t ind) {
     const auto& net = design_.nets[ind];
-    const auto& pins = nets_[static_cast<std::size_t>(ind)];
+    const auto& pins = gx_at(nets_, ind);
     if (pins.in == 0 || pins.in < pins.pins || net.net_kind == kv_kind_global) return;
     const std::int16_t port = outside(net);
     if (port == kv_io_in || port == kv_io_io) return;
@@ -134,12 +125,11 @@ class netlist_check {
 
   // Whether the PINTYPE of a pin says OUT; a pin without one only counts as such.
   bool is_declared(std::int32_t pin) {
-    const auto place = cells_.place_of(kv_place_kind::pin, text(design_.pins[pin].sim_path));
-    return place.pin == nullptr || place.pin->type_state == kv_sheet_pin_t::type_ok;
+    return pin_at(place_of(kv_named::pin, pin)).type_state == kv_sheet_pin_t::type_ok;
   }
 
   void check_drivers(std::int32_t ind) {
-    const auto& pins = nets_[static_cast<std::size_t>(ind)];
+    const auto& pins = gx_at(nets_, ind);
     if (pins.out < 2) return;
     std::int32_t first = pins.first_out, second = pins.second_out, more = pins.out - 2;
     if (!is_declared(first) || !is_declared(second)) {
@@ -161,26 +151,21 @@ class netlist_check {
 
   void check_open(kv_rule rule) {
     if (!is_on(rule)) return;
-    const auto check = [&](std::int32_t path, bool is_input, std::string_view words) {
-      if (is_input != (rule == kv_rule::pin_open)) return;
-      const auto place = cells_.place_of(kv_place_kind::pin, text(path));
-      add(rule, path, place, place.object_id, std::string(words));
+    const auto each = [&](const auto& pins, kv_named what, const char* words) {
+      for (std::int32_t ind = 1; ind <= pins.count; ++ind) {
+        if (pins[ind].net_ind != 0) continue;
+        const auto place = place_of(what, ind);
+        const bool is_input = pin_at(place).io_type == kv_io_in;
+        if (is_input == (rule == kv_rule::pin_open))
+          found_.add(rule, text(pins[ind].sim_path), place, words);
+      }
     };
-    for (std::int32_t ind = 1; ind <= design_.pins.count; ++ind) {
-      const auto& pin = design_.pins[ind];
-      if (pin.net_ind == 0) check(pin.sim_path, pin.io_type == kv_io_in, "the pin is on no net");
-    }
-    for (std::int32_t ind = 1; ind <= design_.pinms.count; ++ind) {
-      const auto& pin = design_.pinms[ind];
-      if (pin.net_ind != 0) continue;
-      const auto place = cells_.place_of(kv_place_kind::pin, text(pin.sim_path));
-      const bool is_input = place.pin != nullptr && place.pin->io_type == kv_io_in;
-      check(pin.sim_path, is_input, "the pin of the block is on no net");
-    }
+    each(design_.pins, kv_named::pin, "the pin is on no net");
+    each(design_.pinms, kv_named::pinm, "the pin of the block is on no net");
   }
 
   void check_single(std::int32_t ind) {
-    const auto& pins = nets_[static_cast<std::size_t>(ind)];
+    const auto& pins = gx_at(nets_, ind);
     if (pins.pins != 1 || outside(design_.nets[ind]) != 0) return;
     add_net(kv_rule::single_pin, ind, "its only pin is " + quoted(pins.first));
   }
@@ -223,16 +208,22 @@ class netlist_check {
   }
 
   const kv_design_t& design_;
-  kv_cells_t& cells_;
-  const kv_severities_t& severities_;
-  kv_findings_t& findings_;
+  const kv_netlist_findings_t& found_;
   std::vector<net_pins_t> nets_;                                // by flat net
   std::unordered_map<std::string_view, std::int16_t> outside_;  // by path: kv_io_type of the port
+  std::unordered_map<const kv_sheet_t*, std::vector<std::int32_t>> pin_places_;  // by object id
 };
 
 }  // namespace
 
-void kv_find_on_netlist(const kv_design_t& design, kv_cells_t& cells,
-                        const kv_severities_t& severities, kv_findings_t& findings) {
-  netlist_check(design, cells, severities, findings).run();
+void kv_netlist_findings_t::add(kv_rule rule, std::string_view path, kv_place_t place,
+                                std::string words) const {
+  const kv_severity severity = kv_severity_of(severities, rule);
+  if (severity == kv_severity::off) return;
+  const auto* sheet = place.visit >= 0 ? gx_at(origins.visits, place.visit).sheet : nullptr;
+  findings.push_back({rule, severity, std::string(path.empty() ? "/" : path),
+                      std::string(kv_visit_path(design, origins, place.visit)),
+                      sheet != nullptr ? sheet->file_path : "", place.object_id, std::move(words)});
 }
+
+void kv_find_on_netlist(const kv_netlist_findings_t& found) { netlist_check(found).run(); }

@@ -1,10 +1,21 @@
 // What the rules find on the expanded netlist.
 #pragma once
 
-#include "app/check/cells.h"
-#include "app/check/finding.h"
-#include "expand/design.h"
+#include <string>
+#include <string_view>
 
-// In the order of the rules, of each rule in the order of the nets or pins.
-void kv_find_on_netlist(const kv_design_t& design, kv_cells_t& cells,
-                        const kv_severities_t& severities, kv_findings_t& findings);
+#include "app/check/finding.h"
+#include "expand/origins.h"
+
+// --- for the rules of the netlist and what its run told: findings at places of the design
+struct kv_netlist_findings_t {
+  const kv_design_t& design;
+  const kv_origins_t& origins;
+  const kv_severities_t& severities;
+  kv_findings_t& findings;
+
+  void add(kv_rule rule, std::string_view path, kv_place_t place, std::string words) const;
+};
+
+// Of a run that was done; in the order of the rules, of each rule in the order of the nets or pins.
+void kv_find_on_netlist(const kv_netlist_findings_t& found);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "gx/text/at.h"
 #include "gx/text/strings.h"
 
 namespace {
@@ -65,7 +66,7 @@ static_assert(are_in_order());
 
 std::span<const kv_rule_row_t, kv_rule_count> kv_rules() { return rows; }
 
-const kv_rule_row_t& kv_row_of(kv_rule rule) { return rows[static_cast<std::size_t>(rule)]; }
+const kv_rule_row_t& kv_row_of(kv_rule rule) { return gx_at(rows, rule); }
 
 std::optional<kv_rule> kv_rule_named(std::string_view name) {
   const auto row = std::ranges::find_if(rows, [&](const auto& r) { return gx_iden(r.name, name); });
@@ -81,5 +82,5 @@ kv_severities_t kv_default_severities() {
 
 std::string_view kv_severity_name(kv_severity severity) {
   constexpr std::string_view names[] = {"Off", "Warning", "Error"};
-  return names[static_cast<std::size_t>(severity)];
+  return gx_at(names, severity);
 }

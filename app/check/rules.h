@@ -10,6 +10,8 @@
 #include <span>
 #include <string_view>
 
+#include "gx/text/at.h"
+
 enum class kv_severity : std::uint8_t { off, warning, error };
 
 enum class kv_rule : std::uint8_t {
@@ -74,7 +76,7 @@ std::optional<kv_rule> kv_rule_named(std::string_view name);
 
 kv_severities_t kv_default_severities();
 inline kv_severity kv_severity_of(const kv_severities_t& severities, kv_rule rule) {
-  return severities[static_cast<std::size_t>(rule)];
+  return gx_at(severities, rule);
 }
 // "Error", "Warning", "Off".
 std::string_view kv_severity_name(kv_severity severity);

@@ -61,10 +61,20 @@ std::string joined(const std::vector<std::string>& lines) {
   return words;
 }
 
-kv_place_t place_of(kv_cells_t& cells, std::string_view path) {
-  for (const auto kind : {kv_place_kind::pin, kv_place_kind::inst, kv_place_kind::net}) {
-    const auto place = cells.place_of(kind, path);
-    if (place.sheet != nullptr) return place;
+// Where a path is drawn: the pin, else the part, else the net; of what the run had not come to, the
+// block that it is in.
+kv_place_t place_of(const kv_netlist_findings_t& found, const kv_path_index_t& paths,
+                    std::string_view path) {
+  constexpr kv_named first_to_last[] = {kv_named::pin,   kv_named::pinm, kv_named::inst,
+                                        kv_named::macro, kv_named::net,  kv_named::net_child};
+  for (; !path.empty(); path = path.substr(0, path.rfind('/'))) {
+    const std::string key = kv_path_key(path);
+    const auto hits = paths.find({&key, 1}, SIZE_MAX);
+    for (const kv_named what : first_to_last) {
+      const auto hit = std::ranges::find_if(
+          hits, [&](kv_hit_t h) { return h.what == what && paths.path(h) == path; });
+      if (hit != hits.end()) return kv_place_of(found.design, found.origins, *hit);
+    }
   }
   return {};
 }
@@ -91,20 +101,15 @@ void kv_run_messages::flush() {
     messages_.push_back({*entry->rule, lines});
 }
 
-void kv_run_messages::find(kv_cells_t& cells, const kv_severities_t& severities,
-                           kv_findings_t& findings) const {
+void kv_run_messages::find(const kv_netlist_findings_t& found) const {
+  if (messages_.empty()) return;
+  const kv_path_index_t paths(found.design);
   for (const auto rule : {kv_rule::bus_range, kv_rule::run}) {
-    const kv_severity severity = kv_severity_of(severities, rule);
-    if (severity == kv_severity::off) continue;
     for (const auto& message : messages_) {
       if (message.rule != rule) continue;
       std::string words = joined(message.lines);
-      std::string path(path_in(words));
-      const auto place = place_of(cells, path);
-      if (path.empty()) path = "/";
-      findings.push_back({rule, severity, std::move(path), place.at,
-                          place.sheet != nullptr ? place.sheet->file_path : "", place.object_id,
-                          std::move(words)});
+      const std::string path(path_in(words));
+      found.add(rule, path, place_of(found, paths, path), std::move(words));
     }
   }
 }

@@ -7,16 +7,15 @@
 #include <unordered_set>
 #include <vector>
 
-#include "app/check/cells.h"
-#include "app/check/finding.h"
+#include "app/check/netlist_findings.h"
 
 // Takes the lines of a run in their order; the counters of the session say which are errors.
 class kv_run_messages {
  public:
   void take(std::string_view line);
   void finish() { flush(); }
-  // In the order of the rules, those of one rule as they were told.
-  void find(kv_cells_t& cells, const kv_severities_t& severities, kv_findings_t& findings) const;
+  // In the order of the rules, those of one rule as they were told. The run may have ended early.
+  void find(const kv_netlist_findings_t& found) const;
 
  private:
   struct message_t {

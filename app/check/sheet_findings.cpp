@@ -85,7 +85,7 @@ void kv_cell_findings_t::add(kv_rule rule, std::string_view piece, int object_id
                       std::move(words)});
 }
 
-void kv_find_on_sheets(kv_cells_t& cells, const kv_severities_t& severities,
+void kv_find_on_sheets(const kv_cells_t& cells, const kv_severities_t& severities,
                        kv_findings_t& findings) {
   kv_links_t links;
   kv_global_rules globals(cells);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <optional>
+#include <unordered_map>
 
 #include "gx/text/strings.h"
 #include "platform/files.h"
@@ -74,13 +75,18 @@ std::string parse_line(std::string_view line, kv_waiver_t& waiver) {
   return "";
 }
 
-bool meets(const kv_waiver_t& waiver, const kv_finding_t& finding) {
-  if (waiver.rule != finding.rule) return false;
-  if (gx_iden(waiver.path, finding.path)) return true;
+// What a waiver of one path and a finding have in common, letters in either case.
+std::string key_of(kv_rule rule, std::string_view path) {
+  std::string key = std::to_string(static_cast<int>(rule)).append(path);
+  std::ranges::transform(key, key.begin(), gx_upper_case);
+  return key;
+}
+
+bool begins_as(const kv_waiver_t& waiver, const kv_finding_t& finding) {
   std::string_view stem = waiver.path;
-  if (!stem.ends_with('*')) return false;
   stem.remove_suffix(1);
-  return gx_iden(std::string_view(finding.path).substr(0, stem.size()), stem);
+  return waiver.rule == finding.rule &&
+         gx_iden(std::string_view(finding.path).substr(0, stem.size()), stem);
 }
 
 }  // namespace
@@ -120,15 +126,27 @@ kv_waivers_t kv_read_waivers(const std::string& directory) {
 
 std::vector<kv_waiver_t> kv_apply_waivers(const std::vector<kv_waiver_t>& waivers,
                                           kv_findings_t& findings) {
-  std::vector<kv_waiver_t> idle;
-  for (const auto& waiver : waivers) {
-    bool is_met = false;
-    for (auto& finding : findings) {
-      if (!meets(waiver, finding)) continue;
-      finding.waived = is_met = true;
+  if (waivers.empty()) return {};
+  std::unordered_multimap<std::string, std::size_t> of_one_path;
+  std::vector<std::size_t> of_many;
+  for (std::size_t i = 0; i < waivers.size(); ++i) {
+    if (waivers[i].path.ends_with('*')) {
+      of_many.push_back(i);
+    } else {
+      of_one_path.emplace(key_of(waivers[i].rule, waivers[i].path), i);
     }
-    if (!is_met) idle.push_back(waiver);
   }
+  std::vector<bool> is_met(waivers.size());
+  for (auto& finding : findings) {
+    const auto take = [&](std::size_t waiver) { finding.waived = is_met[waiver] = true; };
+    const auto [first, last] = of_one_path.equal_range(key_of(finding.rule, finding.path));
+    for (auto at = first; at != last; ++at) take(at->second);
+    for (const std::size_t waiver : of_many)
+      if (begins_as(waivers[waiver], finding)) take(waiver);
+  }
+  std::vector<kv_waiver_t> idle;
+  for (std::size_t i = 0; i < waivers.size(); ++i)
+    if (!is_met[i]) idle.push_back(waivers[i]);
   return idle;
 }
 

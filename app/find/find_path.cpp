@@ -49,40 +49,16 @@ wanted_t readings(kv_drawings_t& drawings, std::string_view text) {
 // --- in the expansion
 
 kv_found_t found_at(const kv_expanded_t& expanded, kv_hit_t hit) {
+  constexpr std::string_view words[] = {"instance", "block", "net", "net", "pin", "pin"};
   const auto& [design, origins, paths] = expanded;
+  const auto place = kv_place_of(design, origins, hit);
+  const bool is_bit = hit.what == kv_named::net && design.nets[hit.index].bus != 0;
   kv_found_t found;
   found.path = paths.path(hit);
-  const auto take = [&](std::string_view what, int object_id, std::int32_t visit) {
-    found.what = what;
-    found.object_id = object_id;
-    found.visit = visit;
-  };
-  switch (hit.what) {
-    case kv_named::inst:
-      take("instance", design.insts[hit.index].object_id, kv_visit_of_inst(origins, hit.index));
-      break;
-    case kv_named::macro:
-      take("block", design.macros[hit.index].object_id, kv_visit_of_macro(origins, hit.index));
-      break;
-    case kv_named::net: {
-      const auto& net = design.nets[hit.index];
-      take(net.bus != 0 ? "bit of a bus" : "net", net.object_id,
-           kv_visit_of_net(origins, hit.index));
-      break;
-    }
-    case kv_named::net_child:
-      take("net", design.net_childs[hit.index].object_id, kv_visit_of_child(origins, hit.index));
-      break;
-    case kv_named::pin:
-      take("pin", design.pins[hit.index].object_id,
-           kv_visit_of_inst(origins, design.pins[hit.index].instance_ind));
-      break;
-    case kv_named::pinm:
-      take("pin", design.pinms[hit.index].object_id,
-           kv_visit_of_macro(origins, design.pinms[hit.index].macro_ind));
-      break;
-  }
-  found.sheet_path = kv_visit_path(design, origins, found.visit);
+  found.what = is_bit ? "bit of a bus" : gx_at(words, hit.what);
+  found.object_id = place.object_id;
+  found.sheet_path = kv_visit_path(design, origins, place.visit);
+  found.visit = place.visit;
   return found;
 }
 

@@ -24,26 +24,39 @@ std::vector<std::int32_t> visits_in_view(const kv_expanded_t& expanded) {
   return visits;
 }
 
-// The slot of a level, when it holds the sheet that the visit saw; else 0.
-gx_file_index_t slot_of(const kv_expanded_t& expanded, std::int32_t visit, int level) {
-  const auto slot = kv_at_level(level).file_index;
-  if (slot < 1) return 0;
-  const auto path = gx_view(gx_at(gx_files.filear, slot).file_pathname);
-  return path == expanded.visit(visit).sheet->file_path ? slot : gx_file_index_t{0};
+// Whether a slot holds a sheet as the run saw it.
+bool holds(gx_file_index_t slot, const kv_sheet_t& sheet) {
+  return slot >= 1 && gx_view(gx_at(gx_files.filear, slot).file_pathname) == sheet.file_path;
+}
+
+// The sheet of VIEw SHEet, when the expansion has it: it stands for all its visits. Else null.
+const kv_sheet_t* viewed_sheet(const kv_expanded_t& expanded) {
+  if (!kv_pext.view_sheet_done) return nullptr;
+  const auto& visits = expanded.origins.visits;
+  const auto at = std::ranges::find_if(
+      visits, [](const auto& visit) { return holds(kv_pext.file_id_views, *visit.sheet); });
+  return at == visits.end() ? nullptr : at->sheet;
 }
 
 // Marks the net on the sheets in view; its name stands once on each.
 void mark(const kv_expanded_t& expanded, const std::vector<std::int32_t>& visits,
-          std::int32_t net) {
+          const kv_sheet_t* viewed, std::int32_t net) {
   const auto name = kv_text(expanded.design, kv_record(expanded.design.nets, net).sim_path);
   const kv_explainer_t explainer(expanded.design, expanded.origins);
   std::vector<bool> is_named(visits.size());
+  bool is_viewed_named = false;
   for (const auto& drawn : explainer.drawn(net)) {
+    const kv_sheet_t& sheet = explainer.sheet(drawn.visit);
+    const auto view = kv_pext.file_id_views;
+    if (&sheet == viewed && gx_highlight_of(view, drawn.object_id) == nullptr) {
+      gx_highlight_net(view, drawn.object_id, is_viewed_named ? std::string_view{} : name);
+      is_viewed_named = true;
+    }
     const auto at = std::ranges::lower_bound(visits, drawn.visit);
     if (at == visits.end() || *at != drawn.visit) continue;
     const auto place = static_cast<std::size_t>(at - visits.begin());
-    const auto slot = slot_of(expanded, drawn.visit, static_cast<int>(place) + 1);
-    if (slot == 0) continue;
+    const auto slot = kv_at_level(static_cast<int>(place) + 1).file_index;
+    if (!holds(slot, sheet)) continue;
     gx_highlight_net(slot, drawn.object_id, is_named[place] ? std::string_view{} : name);
     is_named[place] = true;
   }
@@ -54,10 +67,11 @@ void mark_all() {
   const auto expanded = kv_expanded();
   if (!expanded) return;
   const auto visits = visits_in_view(*expanded);
+  const kv_sheet_t* viewed = viewed_sheet(*expanded);
   for (const auto& path : kv_pext.highlighted) {
     const std::string key = kv_path_key(path);
     for (const auto hit : expanded->paths.find({&key, 1}, SIZE_MAX))
-      if (hit.what == kv_named::net) mark(*expanded, visits, hit.index);
+      if (hit.what == kv_named::net) mark(*expanded, visits, viewed, hit.index);
   }
 }
 

@@ -1,4 +1,5 @@
-// The flat nets that HIGhlight marks: on each sheet from the top down to the one in view.
+// The flat nets that HIGhlight marks: on each sheet from the top down to the one in view, and on
+// the sheet of VIEw SHEet, there wherever any use of the sheet has them.
 #pragma once
 
 #include <cstdint>

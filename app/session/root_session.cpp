@@ -100,14 +100,11 @@ void open_transcript() {
   constexpr char failure[] = "impossible to open current_session_file";
   const gx_string_record_t name = gx_vext.cursessname = design_file("/current_session");
   gx_vext.cursessfile = gx_popen_file(gx_view(name), 'W', false);
-  if (gx_vext.cursessfile == nullptr) {
-    const std::string why = x_why(errno);
-    if (!gx_vext.batch)
-      std::printf("!!! ( INITIALIZE ) %s  : \"%.*s\" \n", failure, name.len, name.char_);
-    refuse_start(failure, name, why);
-  }
-  // A transcript is read while the session goes on, and after one that ended badly.
-  if (!gx_vext.batch) std::setvbuf(gx_vext.cursessfile, nullptr, _IOLBF, BUFSIZ);
+  if (gx_vext.cursessfile != nullptr) return;
+  const std::string why = x_why(errno);
+  if (!gx_vext.batch)
+    std::printf("!!! ( INITIALIZE ) %s  : \"%.*s\" \n", failure, name.len, name.char_);
+  refuse_start(failure, name, why);
 }
 
 void open_outputs() {

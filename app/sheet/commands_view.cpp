@@ -7,6 +7,7 @@
 #include "app/sheet/last_views.h"
 #include "app/sheet/sheet_files.h"
 #include "app/sheet/views.h"
+#include "app/sheet/walk.h"
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
 #include "gx/db/object_flags.h"
@@ -75,6 +76,7 @@ void kv_view_sheet_cmd(const kv_command_t& command) {
   }
   gx_hide_invisible(gx_ptrto_gene_file_buf(kv_pext.file_id_views));
   kv_pext.view_sheet_done = true;
+  kv_follow_sheet();
   show_in_context(kv_pext.file_id_views);
   kv_echo(" VIEw SHEet ", command, 3);
 }

@@ -52,12 +52,16 @@ void kv_stand_at(int level, const gx_string_record_t& path) {
   kv_pext.file_id_cur = kv_at_level(level).file_index;
   kv_pext.cur_sim_path = path;
   gx_hide_invisible(gx_ptrto_gene_file_buf(kv_pext.file_id_cur));
-  if (follow_level != nullptr) follow_level();
+  kv_follow_sheet();
 }
 
 void kv_show_level() {
   kv_display_picture_all(gx_vext.viewport_edit, kv_pext.file_id_cur);
   kv_show_title();
+}
+
+void kv_follow_sheet() {
+  if (follow_level != nullptr) follow_level();
 }
 
 void kv_follow_run() {

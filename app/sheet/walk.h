@@ -32,8 +32,9 @@ void kv_stand_at(int level, const gx_string_record_t& path);
 // Draws the sheet of the current level whole.
 void kv_show_level();
 
-// Called whenever kv_stand_at has changed the level, and after a run; none at first.
+// Called whenever another sheet is to be shown, before it is drawn, and after a run; none at first.
 using kv_level_follower_t = void (*)();
 void kv_set_level_follower(kv_level_follower_t follower);
+void kv_follow_sheet();
 // Calls it and, if there is one, draws the two viewports again.
 void kv_follow_run();

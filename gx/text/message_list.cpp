@@ -69,12 +69,9 @@ void show_end() {
 // In the scroll-back; without a user nobody scrolls.
 bool is_kept() { return gx_list.transcript_state && !gx_session.batch; }
 
-// A session file that takes no more, of a full disk say, is told once until it takes a line again.
-void write_to_session(std::string_view text) {
+// A session file that takes no more, of a full disk say, is told once until it takes lines again.
+void tell_lost_session() {
   auto& session = gx_session;
-  if (session.cursessfile == nullptr) return;
-  std::fwrite(text.data(), 1, text.size(), session.cursessfile);
-  std::fputc('\n', session.cursessfile);
   const bool was_lost = session.cursess_lost;
   session.cursess_lost = std::ferror(session.cursessfile) != 0;
   if (!session.cursess_lost) return;
@@ -90,6 +87,23 @@ void write_to_session(std::string_view text) {
            .append(gx_view(session.cursessname))
            .append("\" : ")
            .append(x_why(error)));
+}
+
+// The file is read while the session goes on, and after one that ended badly: what a user sees is
+// in it.
+void end_session_lines() {
+  auto& session = gx_session;
+  if (session.cursessfile == nullptr) return;
+  if (!session.batch && !is_batch) std::fflush(session.cursessfile);
+  tell_lost_session();
+}
+
+void write_to_session(std::string_view text) {
+  auto& session = gx_session;
+  if (session.cursessfile == nullptr) return;
+  std::fwrite(text.data(), 1, text.size(), session.cursessfile);
+  std::fputc('\n', session.cursessfile);
+  end_session_lines();
 }
 
 void record(std::string_view text, gx_line_kind kind) {
@@ -132,6 +146,7 @@ gx_list_batch_t::gx_list_batch_t() : is_outer_(!is_batch) { is_batch = true; }
 gx_list_batch_t::~gx_list_batch_t() {
   if (!is_outer_) return;
   is_batch = false;
+  end_session_lines();
   for (const auto& line : waiting) keep(line);
   if (!waiting.empty()) show_end();
   waiting.clear();

@@ -56,8 +56,8 @@ inline void gx_tell_quoted(std::string_view label, std::string_view text,
   gx_tell(label, "\"", text, "\"", tail);
 }
 
-// While one lives, the lines that are told go to the session file at once and into the list at its
-// end, drawn once: for answers of many lines. One within another does nothing.
+// While one lives, the lines that are told are gathered, and written to the session file and drawn
+// together at its end: for answers of many lines. One within another does nothing.
 class gx_list_batch_t {
  public:
   gx_list_batch_t();

@@ -2,6 +2,7 @@
 // walk through the findings.
 #include <algorithm>
 #include <filesystem>
+#include <set>
 
 #include "app/check/findings_file.h"
 #include "app/check/waivers.h"
@@ -215,6 +216,31 @@ TEST(CheckDesign, ErrorsOfARunThatNoRuleTellsAreFindings) {
     return finding.words.starts_with("2 differents ports connected on same equipot");
   }));
   EXPECT_EQ(gx_vext.errors_in_all, gx_vext.num_errors);
+}
+
+TEST(CheckDesign, EveryFindingIsPlacedAtItsOwnObject) {
+  // The pins of two parts of one name, on a sheet below.
+  const std::string block = "symbol blk\nsheet blk\n part B buf 4,4\n part B buf 4,8 TIMIND=200\n";
+  std::set<int> objects;
+  {
+    checked c(block + "sheet top\n part X blk 4,4\n");
+    c.findings();
+    for (const auto& finding : kv_pext.findings) {
+      if (finding.rule == kv_rule::pin_open || finding.rule == kv_rule::pin_unused)
+        objects.insert(finding.object_id);
+      EXPECT_EQ(finding.at, "/X") << finding.path;
+    }
+    EXPECT_EQ(objects.size(), 4U);
+  }
+  // What was told before a run had to end; a path that it could not store by what is above it.
+  const std::string name(60, 'N');
+  checked c(block + "symbol deep\nsheet deep\n part " + name + " buf 4,4\n" +
+            "sheet top\n part X blk 4,4\n part " + name + " deep 9,4\n");
+  EXPECT_EQ(c.findings(),
+            (lines_t{"inst-same-name /X/B", "run /X/B", "run /" + name + "/" + name}));
+  EXPECT_EQ(kv_pext.findings[1].sheet, "blk/sheet.gx_1");
+  EXPECT_EQ(kv_pext.findings[2].object_id, c.s.inst(name));
+  EXPECT_EQ(c.s.run("show finding 3").back(), " SHOw FINding 3 ");
 }
 
 TEST(CheckDesign, RefusesWhatItCannotDo) {

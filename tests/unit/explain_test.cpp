@@ -1,6 +1,8 @@
 // EXPlain NET: the reasons for which nets of sheets are one flat net.
 #include <algorithm>
+#include <set>
 
+#include "gx/db/objects_of.h"
 #include "tests/unit/flatten_fixture.h"
 
 namespace {
@@ -34,13 +36,15 @@ TEST_F(ExplainTest, EveryWayOfJoiningHasItsWords) {
       " net IN\n  wire A R1.1\n"
       " net OUT\n  wire B R1.2\n net OUT\n  wire 20,20 30,20\n"
       "sheet top\n part X tie 2,0\n part R r 10,0\n part S r 20,0\n global VDD g 40,0\n"
-      " net M\n  wire R.2 S.1\n net\n  wire S.1 20,9\n net m\n  wire X.A 0,0\n"
+      " net M\n  wire R.2 16,0 S.1\n net\n  wire S.1 20,9\n net\n  wire M@16,0 16,9\n"
+      " net m\n  wire X.A 0,0\n"
       " net P\n  wire X.B 0,20\n net\n  wire 40,0 44,0\n");
   EXPECT_EQ(
       explain("/m"),
       (lines_t{"# NET 2 : \"/M\" name \"M\"", "#   kind local ; pins in 2 out 1",
                "#   /M : top/sheet.gx_1 N_# : the net itself",
                "#   /N_# : top/sheet.gx_1 N_# : shared pin P_#",
+               "#   /N_# : top/sheet.gx_1 N_# : shared vertex #",
                "#   /m : top/sheet.gx_1 N_# : same NET name as N_#",
                "#   /X/IN : tie/sheet.gx_1 N_# : port A of /X, pin /X/A", "#   pin in /X/R1/1",
                "#   pin in /S/1", "#   pin out /R/2", " EXPlain NET /m "}));
@@ -51,6 +55,21 @@ TEST_F(ExplainTest, EveryWayOfJoiningHasItsWords) {
                      "#   /X/OUT : tie/sheet.gx_1 N_# : port B of /X, pin /X/B",
                      "#   /X/OUT : tie/sheet.gx_1 N_# : same NET name as N_#",
                      "#   pin out /X/R1/2", " EXPlain NET /vdd "}));
+  // The vertex is the one where segments of both nets end.
+  const std::string line = session.run("EXPLAIN NET /M")[4];
+  const int net = std::stoi(line.substr(line.find("/N_") + 3));
+  const int vertex = std::stoi(line.substr(line.rfind(' ')));
+  EXPECT_EQ(line, "#   /N_" + std::to_string(net) + " : top/sheet.gx_1 N_" + std::to_string(net) +
+                      " : shared vertex " + std::to_string(vertex));
+  const auto& file = gx_ptrto_gene_file_buf(kv_pext.arrayof_file[0].file_index);
+  std::set<int> nets;
+  for (const int id : lb_nets(file)) {
+    for (const int segment : lb_segments(file, id)) {
+      const auto& ends = *gx_object_as<gx_object_segment_rec_t>(file, segment);
+      if (ends.vertex1 == vertex || ends.vertex2 == vertex) nets.insert(id);
+    }
+  }
+  EXPECT_EQ(nets, (std::set{kv_ptrto_net_rec(2).object_id + 0, net}));
   // A pin stands for its net; what is no net is told.
   EXPECT_EQ(explain("R.2").front(), "# NET 2 : \"/M\" name \"M\"");
   EXPECT_EQ(explain("/R"), (lines_t{"# EXPlain NET /R ", "# !! Error : Net NOT FOUND ? ",

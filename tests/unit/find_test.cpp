@@ -202,6 +202,11 @@ TEST_P(Find, AHighlightFollowsTheViewAndTheRuns) {
   s.run("run");
   EXPECT_EQ(marks(s).size(), 2U);
   s.run("view up");
+  // A sheet beside the levels stands for all its uses: the net goes out of one, into the other.
+  s.run("view sheet bit");
+  EXPECT_EQ(marks(s), (lines_t{"1 LINK /LINK", "3 - ", "3 - /XR/MID", "3 - /LINK"}));
+  s.run("view sheet top");  // into the same slot
+  EXPECT_EQ(marks(s), (lines_t{"1 LINK /LINK", "3 - /LINK"}));
   EXPECT_EQ(s.run("highlight off"), lines_t{" HIGhlight OFF "});
   s.run("view down XR");
   EXPECT_EQ(marks(s), lines_t{});
