@@ -13,6 +13,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "gx/db/geometry.h"
 #include "gx/display/key_lookup.h"
@@ -422,15 +423,15 @@ void read_exposure(gx_event_t& event) {
   discard(Expose);
   gx_vext.viewport_id = 1;
   event.kind = gx_event_kind::exposed;
-  const gx_point16_t before = gx_vext.bitmap_size;
   Window root = 0;
   int x = 0, y = 0;
   unsigned int width = 0, height = 0, border = 0, depth = 0;
   if (XGetGeometry(gx_vext.dpy, gx_vext.win, &root, &x, &y, &width, &height, &border, &depth) !=
       False) {
     resize_to(static_cast<int>(width), static_cast<int>(height));
+    const gx_point16_t size = {static_cast<std::int16_t>(width), static_cast<std::int16_t>(height)};
+    event.resized = std::exchange(gx_vext.window_size, size) != size;
   }
-  event.resized = gx_vext.bitmap_size != before;
 }
 
 // A window that only shrinks keeps its picture, so that no exposure follows.

@@ -77,6 +77,7 @@ struct gx_screen_state_t {
   _XDisplay* dpy = nullptr;  // null without a display
   int scrid = 0;
   unsigned long root = 0, win = 0;
+  gx_point16_t window_size;  // pixels, when it was made or last seen
   _XGC* our_gc = nullptr;
   _XGC* copy_gc = nullptr;           // background colour, no clip: for copies and for clearing
   unsigned long drawable = 0;        // where strokes go; 0: the window (gx/display/offscreen.h)

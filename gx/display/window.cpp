@@ -219,6 +219,7 @@ XRectangle make_window(std::string_view window_name) {
   size_t16 size;
   if (!ask_geometry(v.win, x, y, size))
     refuse_start(" !! xerror : cannot get new window geometry ? ");
+  v.window_size = {static_cast<std::int16_t>(size.width), static_cast<std::int16_t>(size.height)};
   XSelectInput(v.dpy, v.win, gx_event_mask | gx_structure_mask);
   tell_window_manager(place, window_name);
   XSetWindowAttributes attributes{};

@@ -498,6 +498,19 @@ TEST_F(Interactive, TheWindowIsDrawnAgainWhereItWasCovered) {
   bye();
 }
 
+TEST_F(Interactive, TheViewOfTheStartUpFileStays) {
+  auto& s = open("view area edit .2 .2 1 .8");
+  const auto block = [&] { return s.picture().count(yellow, 0, 0, s.width(), 650); };
+  s.wait_for_line(" VIEw AREa  Edit ");
+  s.settle();
+  const int started = block();
+  s.command("view all");
+  s.wait_for_line(" VIEw ALL ");
+  s.settle();
+  EXPECT_NE(started, block());
+  bye();
+}
+
 TEST_F(Interactive, TheWindowMayChangeItsSize) {
   auto& s = open();
   for (const auto& [width, height] : {std::pair{600, 400}, {1100, 900}, {220, 120}, {1230, 700}}) {
