@@ -51,12 +51,15 @@ class image_writer {
   }
   bool flush() {
     if (offset_ == header_size) ok_ = write_at(fd_, std::array<std::uint8_t, header_size>{}, 0);
-    ok_ = ok_ && write_at(fd_, {buffer_, used_}, offset_);
-    offset_ += static_cast<off_t>(used_);
+    for (std::size_t at = 0; ok_ && at < used_; at += stretch) {
+      const std::span<std::uint8_t> bytes(buffer_ + at, std::min(stretch, used_ - at));
+      ok_ = write_at(fd_, bytes, offset_);
+      offset_ += std::ssize(bytes);
+      if (offset_ - sent_ < disk_stretch) continue;  // else the disk begins on what is written
+      ::sync_file_range(fd_, sent_, offset_ - sent_, SYNC_FILE_RANGE_WRITE);
+      sent_ = offset_;
+    }
     used_ = 0;
-    // The disk begins while the next records are encoded.
-    ::sync_file_range(fd_, sent_, offset_ - sent_, SYNC_FILE_RANGE_WRITE);
-    sent_ = offset_;
     return ok_;
   }
   bool ok() const { return ok_; }
@@ -64,6 +67,7 @@ class image_writer {
 
  private:
   static constexpr std::size_t stretch = 1 << 18, most_at_once = 1 << 23;
+  static constexpr off_t disk_stretch = 1 << 20;
   int fd_;
   kv_block_memory memory_;
   std::size_t capacity_;
