@@ -1,6 +1,6 @@
 // The file is rewritten in place. Its header is zeroed first and written last, so that a file whose
-// writing failed on the way is never taken for a whole one. What can be encoded beforehand is: a
-// program that is killed before the first byte leaves the older image whole.
+// writing failed on the way is never taken for a whole one. A program that is killed before the
+// first megabyte is encoded leaves the older image.
 #include "expand/design_file.h"
 
 #include <fcntl.h>
@@ -11,11 +11,11 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
+#include <memory>
 #include <span>
 #include <thread>
 #include <type_traits>
 
-#include "expand/block_memory.h"
 #include "expand/design_records.h"
 #include "expand/output_file.h"
 
@@ -34,44 +34,34 @@ bool write_at(int fd, std::span<const std::uint8_t> bytes, off_t offset) {
   return true;
 }
 
-// The bytes of the image behind its header, gathered in a buffer: all of them, or as much as stays
-// in the cache when they are many.
+// The bytes of the image behind its header, gathered in a large buffer.
 class image_writer {
  public:
-  image_writer(int fd, std::size_t length)
-      : fd_(fd),
-        capacity_(length > most_at_once ? stretch : std::max(length, stretch)),
-        buffer_(reinterpret_cast<std::uint8_t*>(memory_.take(capacity_))) {}
+  explicit image_writer(int fd) : fd_(fd), buffer_(new std::uint8_t[capacity]) {}
 
   // Room for the next `n` bytes (at most a block of characters).
   std::uint8_t* room(std::size_t n) {
-    if (used_ + n > capacity_) flush();
+    if (used_ + n > capacity) flush();
     used_ += n;
-    return buffer_ + used_ - n;
+    return buffer_.get() + used_ - n;
   }
   bool flush() {
     if (offset_ == header_size) ok_ = write_at(fd_, std::array<std::uint8_t, header_size>{}, 0);
-    for (std::size_t at = 0; ok_ && at < used_; at += stretch) {
-      const std::span<std::uint8_t> bytes(buffer_ + at, std::min(stretch, used_ - at));
-      ok_ = write_at(fd_, bytes, offset_);
-      offset_ += std::ssize(bytes);
-      if (offset_ - sent_ < disk_stretch) continue;  // else the disk begins on what is written
-      ::sync_file_range(fd_, sent_, offset_ - sent_, SYNC_FILE_RANGE_WRITE);
-      sent_ = offset_;
-    }
+    ok_ = ok_ && write_at(fd_, {buffer_.get(), used_}, offset_);
+    offset_ += static_cast<off_t>(used_);
     used_ = 0;
+    // The disk begins while the next records are encoded.
+    ::sync_file_range(fd_, sent_, offset_ - sent_, SYNC_FILE_RANGE_WRITE);
+    sent_ = offset_;
     return ok_;
   }
   bool ok() const { return ok_; }
   off_t length() const { return offset_ + static_cast<off_t>(used_); }
 
  private:
-  static constexpr std::size_t stretch = 1 << 18, most_at_once = 1 << 23;
-  static constexpr off_t disk_stretch = 1 << 20;
+  static constexpr std::size_t capacity = 1 << 20;
   int fd_;
-  kv_block_memory memory_;
-  std::size_t capacity_;
-  std::uint8_t* buffer_;
+  std::unique_ptr<std::uint8_t[]> buffer_;
   std::size_t used_ = 0;
   off_t offset_ = header_size;
   off_t sent_ = 0;  // what stands before is on its way to the disk
@@ -96,16 +86,6 @@ void write_array(image_writer& out, const kv_blocked_t<Record>& array) {
     if (records.empty()) return;
     write_records<Record>(out, records);
   }
-}
-
-// Of the arrays of an image; what else is in it is little.
-std::size_t bytes_of(const kv_design_t& design) {
-  std::size_t bytes = 0;
-  kv_for_each_part([&](const auto& part) {
-    using record = typename std::remove_cvref_t<decltype(part)>::record;
-    bytes += static_cast<std::size_t>((design.*part.array).count) * kv_layout<record>::size;
-  });
-  return bytes;
 }
 
 bool write_parts(image_writer& out, const kv_design_t& design) {
@@ -165,7 +145,7 @@ kv_design_lock::~kv_design_lock() {
 }
 
 bool kv_write_image(const kv_design_t& design, int fd) {
-  image_writer image(fd, bytes_of(design));
+  image_writer image(fd);
   if (!write_parts(image, design)) return false;
   if (::fdatasync(fd) != 0 && errno != EINVAL) return false;  // EINVAL: nothing that is on a disk
   return finish_image(design, fd, image.length());
