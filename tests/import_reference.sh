@@ -25,7 +25,8 @@ expand_ms=$(taken "$build/kivo" --batch "$cell" expand.do)
 
 # The reference with two pins of other nets changed for one another must not agree.
 case $reference in
-  *.spice) sed -E '0,/^(M\S+) (\S+) (\S+)/s//\1 \3 \2/' "$reference" >"$work/wrong.spice" ;;
+  *.spice) awk '!done && /^[A-Za-z]/ && $2 != $3 { $0 = $1 " " $3 " " $2 substr($0, length($1 $2 $3) + 3); done = 1 }
+                1' "$reference" >"$work/wrong.spice" ;;
   *) sed -E '0,/^(.* : [^,]*), ([^,]*)$/s//\1/' "$reference" >"$work/wrong.net" ;;
 esac
 if python3 "$compare" "$cell/kivo_data" "$work"/wrong.* >/dev/null; then
