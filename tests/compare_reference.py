@@ -6,8 +6,8 @@ usage: compare_reference.py KIVO_DATA REFERENCE [EXPECTED.JSON]
 KIVO_DATA is the data listing of a run (GENerate DATa ON), REFERENCE a netlist in the format "geda"
 of gEDA and its successors, whose refdes are joined by "/" over the levels; or, ending in .spice, a
 flat SPICE netlist of xschem, whose names are in capitals and joined by "_" from the leaf on (pins
-are told by their position there). The two agree when every net joins the same pins. EXPECTED.JSON holds counts that the listing must reach. Says
-what differs; the exit status is 1 then.
+are told by their position there). The two agree when every net joins the same pins. EXPECTED.JSON
+holds counts that the listing must reach. Says what differs; the exit status is 1 then.
 
 Names are compared in ASCII: a part called by a Greek letter there bears the letter's name here.
 A part whose name ends in ~2, ~3 ... is a further part of the same package.

@@ -1,6 +1,7 @@
 // The tree of the four-level menu, up to 12 lines a level. `index` holds 1..4 indices, each 1..12:
-// their count is the level. Sub-lines belong to the index, not to the text of the line above them.
-// The tree owns the records; a pointer to one holds until gx_clear_menus or gx_read_menu.
+// the place in the tree, their count is the level. Sub-lines belong to the index, not to the text
+// of the line above them. The tree owns the records; a pointer to one holds until gx_clear_menus or
+// gx_read_menu.
 #pragma once
 
 #include <span>
