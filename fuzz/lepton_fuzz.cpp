@@ -5,9 +5,9 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "import/lepton_file.h"
-#include "import/lepton_picture.h"
-#include "import/lepton_project.h"
+#include "import/lepton/file.h"
+#include "import/lepton/picture.h"
+#include "import/lepton/project.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view text(reinterpret_cast<const char*>(data), size);

@@ -5,11 +5,11 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "import/netlist_text.h"
-#include "import/xschem_attributes.h"
-#include "import/xschem_labels.h"
-#include "import/xschem_picture.h"
-#include "import/xschem_records.h"
+#include "import/drawing/netlist_text.h"
+#include "import/xschem/attributes.h"
+#include "import/xschem/labels.h"
+#include "import/xschem/picture.h"
+#include "import/xschem/records.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view text(reinterpret_cast<const char*>(data), size);

@@ -1,14 +1,12 @@
 // gximport: makes a design directory from a drawing of another editor.
-#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
-#include "import/output.h"
-#include "import/readers.h"
+#include "import/build/output.h"
+#include "import/formats.h"
 #include "platform/usage.h"
 
 namespace {
@@ -28,14 +26,6 @@ constexpr tool_t tool = {
     "  -q, --quiet    says nothing but mistakes\n"
     "  --help, --version\n"
     "Exit status: 0 imported, 1 refused (nothing is written), 2 wrong options.\n"};
-
-struct format_t {
-  std::string_view name;
-  bool (*is)(std::string_view head);
-  gxi_design_t (*read)(const gxi_input_t& input);
-};
-constexpr format_t formats[] = {{"xschem", gxi_is_xschem, gxi_read_xschem},
-                                {"lepton", gxi_is_lepton, gxi_read_lepton}};
 
 std::string head_of(const std::filesystem::path& path) {
   std::ifstream in(path, std::ios::binary);
@@ -62,9 +52,8 @@ int main(int argc, char** argv) try {
   if (const auto ended = tool_read(tool, argc, argv, options, words)) return *ended;
   if (root.empty()) return tool_usage_error(tool, "no -o DIRECTORY given");
   if (words.empty()) return tool_usage_error(tool, "no TOP.sch given");
-  const auto named = [&](const format_t& known) { return known.name == format; };
-  auto known = std::find_if(std::begin(formats), std::end(formats), named);
-  if (!format.empty() && known == std::end(formats))
+  const auto* known = gxi_format_named(format);
+  if (!format.empty() && !known)
     return tool_usage_error(tool, "unknown format " + std::string(format));
 
   gxi_input_t input;
@@ -73,12 +62,8 @@ int main(int argc, char** argv) try {
   gxi_output_t output{.root = root, .date = gxm_date_of_files()};
   output.numbers.assign(numbers.begin(), numbers.end());
   output.absolute = absolute;
-  if (format.empty()) {
-    const auto head = head_of(input.pages.front());
-    known = std::find_if(std::begin(formats), std::end(formats),
-                         [&](const format_t& one) { return one.is(head); });
-  }
-  if (known == std::end(formats))
+  if (format.empty()) known = gxi_format_of(head_of(input.pages.front()));
+  if (!known)
     throw std::runtime_error(input.pages.front().string() + ":1: no drawing of a known format");
 
   auto design = known->read(input);

@@ -4,10 +4,10 @@
 #include <set>
 
 #include "gx/text/at.h"
-#include "import/division.h"
-#include "import/fit.h"
-#include "import/names.h"
-#include "import/object_count.h"
+#include "import/build/divide/division.h"
+#include "import/build/divide/object_count.h"
+#include "import/build/fit.h"
+#include "import/drawing/names.h"
 
 namespace {
 

@@ -5,14 +5,14 @@
 #include <map>
 #include <set>
 
-#include "import/builder.h"
-#include "import/fit.h"
-#include "import/lepton_file.h"
-#include "import/lepton_path.h"
-#include "import/lepton_picture.h"
-#include "import/lepton_project.h"
-#include "import/output.h"
-#include "import/readers.h"
+#include "import/build/builder.h"
+#include "import/build/fit.h"
+#include "import/build/output.h"
+#include "import/lepton/file.h"
+#include "import/lepton/path.h"
+#include "import/lepton/picture.h"
+#include "import/lepton/project.h"
+#include "import/lepton/reader.h"
 #include "tests/support/scratch_directory.h"
 
 namespace {

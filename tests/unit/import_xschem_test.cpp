@@ -5,14 +5,14 @@
 #include <map>
 #include <set>
 
-#include "import/ascii.h"
-#include "import/netlist_text.h"
-#include "import/numbers.h"
-#include "import/output.h"
-#include "import/readers.h"
-#include "import/xschem_attributes.h"
-#include "import/xschem_labels.h"
-#include "import/xschem_records.h"
+#include "import/build/output.h"
+#include "import/drawing/ascii.h"
+#include "import/drawing/netlist_text.h"
+#include "import/drawing/numbers.h"
+#include "import/xschem/attributes.h"
+#include "import/xschem/labels.h"
+#include "import/xschem/reader.h"
+#include "import/xschem/records.h"
 #include "tests/support/scratch_directory.h"
 
 namespace {

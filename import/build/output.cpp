@@ -1,0 +1,269 @@
+// Versions, links, the DO file and the log.
+#include "import/build/output.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+
+#include "gx/db/link_file.h"
+#include "gx/db/record_codec.h"
+#include "gx/text/at.h"
+#include "gx/text/strings.h"
+#include "import/build/builder.h"
+#include "import/build/divide/division.h"
+#include "import/build/fit.h"
+#include "import/build/flat_size.h"
+#include "import/drawing/numbers.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t most_kept = 16;      // of each PROPerty list
+constexpr std::size_t longest_path = 199;  // of a symbol
+// Records of a kind, and characters, that an expansion may store: untold, and by STOre SIZe.
+constexpr std::int64_t store_at_start = 500'000, store_at_most = 2'000'000'000;
+
+std::runtime_error trouble(const fs::path& path, const std::string& what) {
+  return std::runtime_error(path.string() + ": " + what);
+}
+
+void write_whole(const fs::path& path, std::string_view bytes) {
+  std::ofstream out(path, std::ios::binary | std::ios::trunc);
+  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  if (!out.flush()) throw trouble(path, "cannot be written");
+}
+
+std::string read_whole(const fs::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream bytes;
+  bytes << in.rdbuf();
+  return std::move(bytes).str();
+}
+
+// A file that comes into place when all are written.
+struct waiting_t {
+  fs::path aside, place;
+};
+
+class writer {
+ public:
+  writer(gxi_design_t& design, const gxi_output_t& output) : design_(design), output_(output) {}
+
+  gxi_summary_t run() {
+    gxi_fit(design_);
+    gxi_write_numbers(design_, output_.numbers);
+    gxi_divide(design_);
+    is_new_ = !fs::exists(output_.root);
+    if (!is_new_ && !fs::is_directory(output_.root))
+      throw trouble(output_.root, "is there and no directory");
+    make_aside();
+    try {
+      write_cells();
+      add(output_.root / "expand.do", do_file());
+      add(output_.root / "gximport.log", log());
+      come_into_place();
+    } catch (...) {
+      std::error_code ignored;
+      fs::remove_all(aside_, ignored);
+      throw;
+    }
+    return summary_;
+  }
+
+ private:
+  // Beside the root, so that files can be renamed into it.
+  void make_aside() {
+    auto beside = fs::absolute(output_.root).lexically_normal();
+    if (beside.filename().empty()) beside = beside.parent_path();
+    aside_ = beside.string() + ".new-" + std::to_string(::getpid());
+    std::error_code error;
+    fs::create_directories(aside_, error);
+    if (error) throw trouble(aside_, error.message());
+  }
+
+  void add(const fs::path& place, std::string_view bytes) {
+    const auto relative = place.lexically_relative(output_.root);
+    const auto aside = aside_ / relative;
+    std::error_code error;
+    fs::create_directories(aside.parent_path(), error);
+    if (error) throw trouble(aside.parent_path(), error.message());
+    write_whole(aside, bytes);
+    waiting_.push_back({aside, place});
+  }
+
+  void come_into_place() {
+    std::error_code error;
+    if (is_new_) {
+      fs::create_directories(fs::absolute(output_.root).parent_path(), error);
+      fs::rename(aside_, fs::absolute(output_.root).lexically_normal(), error);
+      if (error) throw trouble(output_.root, error.message());
+      return;
+    }
+    // Links last: until then the directory shows what it showed.
+    std::stable_partition(waiting_.begin(), waiting_.end(),
+                          [](const waiting_t& file) { return file.place.extension() != ".gx"; });
+    for (const auto& file : waiting_) {
+      fs::create_directories(file.place.parent_path(), error);
+      fs::rename(file.aside, file.place, error);
+      if (error) throw trouble(file.place, error.message());
+    }
+    fs::remove_all(aside_, error);
+  }
+
+  void write_cells() {
+    const std::string prefix =
+        output_.absolute ? (fs::weakly_canonical(output_.root) / "").string() : "";
+    for (const auto& cell : design_.cells) {
+      const auto version =
+          write(cell.name, "symbol", build(cell, "symbol", [&] { return gxi_build_symbol(cell); }));
+      paths_.push_back({prefix + cell.name + "/symbol.gx_" + std::to_string(version), version});
+      if (paths_.back().path.size() > longest_path)
+        throw trouble(paths_.back().path, "is too long for the path of a symbol");
+    }
+    const auto path_of = [this](int cell) { return gx_at(paths_, cell); };
+    for (const auto& cell : design_.cells) {
+      if (!cell.notes.empty()) add(output_.root / cell.name / "notes.txt", cell.notes);
+      if (!cell.sheet) continue;
+      write(cell.name, "sheet",
+            build(cell, "sheet", [&] { return gxi_build_sheet(design_, cell, path_of); }));
+      ++summary_.sheets;
+      for (const auto& instance : cell.sheet->instances)
+        summary_.instances += instance.kind == gxi_kind::part;
+      summary_.nets += static_cast<int>(cell.sheet->nets.size());
+    }
+    summary_.cells = static_cast<int>(design_.cells.size());
+  }
+
+  template <typename Build>
+  gxi_tree_t build(const gxi_cell_t& cell, const std::string& what, Build build_it) {
+    try {
+      return build_it();
+    } catch (const gxm_too_many_objects& error) {
+      gxm_messages_t message;
+      gxm_complain(message, cell.sheet ? cell.sheet->source : cell.symbol.source,
+                   "the " + what + " of " + cell.name + " has " + error.what() +
+                       (cell.sheet && what == "sheet" ? ", and cannot be divided further" : ""));
+      throw std::runtime_error(message.front());
+    }
+  }
+
+  // The version that holds these objects: the current one when it does so already.
+  std::int16_t write(const std::string& directory, const std::string& base,
+                     const gxi_tree_t& tree) {
+    auto& file = *tree;
+    gx_set_file_date(file, output_.date);
+    ++summary_.files;
+    const fs::path place = output_.root / directory;
+    std::int16_t version = 1;
+    if (!is_new_) {
+      auto names = gx_file_get_file_version(place.string(), base);
+      if (!names.valid) throw trouble(place / (base + ".gx"), "names no version");
+      if (names.found && holds(std::string(gx_view(names.file_pathname)), file))
+        return names.version;
+      version = names.version;
+      while (version < INT16_MAX && fs::exists(place / name_of(base, version))) ++version;
+    }
+    ++summary_.written;
+    add(place / name_of(base, version), gx_encode_file(file));
+    std::string link = "_" + std::to_string(version);
+    link.resize(std::max<std::size_t>(link.size(), 10), ' ');
+    add(place / (base + ".gx"), link + "\n");
+    return version;
+  }
+
+  static std::string name_of(const std::string& base, int version) {
+    return base + ".gx_" + std::to_string(version);
+  }
+
+  // Whether the file on disk is the same but for its date.
+  static bool holds(const std::string& path, gx_file_gene_recf_t& file) {
+    const auto old = gx_load_file(path);
+    if (!old.file) return false;
+    const gx_date_t date = gx_file_date(file);
+    gx_set_file_date(file, gx_file_date(*old.file));
+    if (gx_encode_file(file) == read_whole(path)) return true;
+    gx_set_file_date(file, date);
+    return false;
+  }
+
+  // --- the commands of an expansion
+  static bool can_be_typed(const std::string& name) {
+    return !name.empty() && std::all_of(name.begin(), name.end(), [](char c) {
+      return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') ||
+             std::string_view("_-.+").find(c) != std::string_view::npos;
+    });
+  }
+
+  std::string kept(std::string_view what, const std::vector<std::string>& names,
+                   const std::string& at_least) {
+    std::vector<std::string> list;
+    const auto has = [](const auto& names_of, const std::string& name) {
+      return std::any_of(names_of.begin(), names_of.end(),
+                         [&](const auto& other) { return gx_iden(other, name); });
+    };
+    list.push_back(at_least);
+    for (const auto& name : output_.numbers)
+      if (what == "INStance" && can_be_typed(name) && !has(list, name)) list.push_back(name);
+    for (const auto& name : names)
+      if (can_be_typed(name) && !has(list, name)) list.push_back(name);
+    if (list.size() > most_kept) {
+      std::string left;
+      for (std::size_t i = most_kept; i < list.size(); ++i) left += " " + list[i];
+      design_.warnings.push_back("an expansion keeps 16 properties; these are not kept:" + left);
+      list.resize(most_kept);
+    }
+    std::string lines;
+    for (const auto& name : list) {
+      const bool number = what == "INStance" && has(output_.numbers, name);
+      lines += "PROPerty " + std::string(what) + (number ? " R " : " S ") + name + "\n";
+    }
+    return lines;
+  }
+
+  std::string do_file() {
+    return "PRIMitive " + design_.primitive + "\n" +
+           kept("INStance", design_.kept_of_instances, design_.primitive) +
+           kept("PIN", design_.kept_of_pins, "PINTYPE") + kept("NET", design_.kept_of_nets, "NET") +
+           store_size() + "GENerate DATa ON\nRUN\nBYE\n";
+  }
+
+  // Where the design needs more room than there is at the start.
+  std::string store_size() const {
+    const auto needed = gxi_flat_size(design_);
+    if (needed <= store_at_start) return {};
+    const auto rounded = (needed / 100'000 + 1) * 100'000;
+    return "STOre SIZe " + std::to_string(std::min(rounded, store_at_most)) + "\n";
+  }
+
+  std::string log() const {
+    std::string text;
+    const auto count = [&](int number, const char* what) {
+      text += std::to_string(number) + " " + what + "\n";
+    };
+    count(summary_.cells, "cells");
+    count(summary_.sheets, "sheets");
+    count(summary_.instances, "instances");
+    count(summary_.nets, "nets");
+    count(static_cast<int>(design_.warnings.size()), "notes");
+    for (const auto& warning : design_.warnings) text += warning + "\n";
+    return text;
+  }
+
+  gxi_design_t& design_;
+  const gxi_output_t& output_;
+  fs::path aside_;
+  bool is_new_ = false;
+  std::vector<waiting_t> waiting_;
+  std::vector<gxi_symbol_path_t> paths_;  // by cell
+  gxi_summary_t summary_;
+};
+
+}  // namespace
+
+gxi_summary_t gxi_write(gxi_design_t& design, const gxi_output_t& output) {
+  return writer(design, output).run();
+}

@@ -1,0 +1,142 @@
+// Turning, mirroring and aligning.
+#include "import/drawing/placement.h"
+
+#include <algorithm>
+
+#include "gx/db/geometry.h"
+#include "gx/text/at.h"
+
+namespace {
+
+constexpr std::size_t longest_line = 60;  // the most that is drawn of a text
+constexpr gx_pointreal_t to_the_right{1, 0}, upright{0, -1};
+
+gx_pointreal_t plus(gx_pointreal_t a, gx_pointreal_t b) { return {a.x + b.x, a.y + b.y}; }
+gx_pointreal_t minus(gx_pointreal_t a, gx_pointreal_t b) { return {a.x - b.x, a.y - b.y}; }
+
+gx_pointreal_t turned(const gxi_instance_t& instance, gx_pointreal_t p) {
+  return gx_turn(gx_pointreal_t{instance.mirror ? -p.x : p.x, p.y}, instance.rotate, false);
+}
+
+gxi_align other_end(gxi_align align) {
+  return align == gxi_align::start ? gxi_align::end
+         : align == gxi_align::end ? gxi_align::start
+                                   : gxi_align::middle;
+}
+
+// The part of `size` that lies before the point that the alignment names.
+std::int32_t before(gxi_align align, std::int32_t size) {
+  return align == gxi_align::start ? 0 : align == gxi_align::middle ? size / 2 : size;
+}
+
+std::int32_t width_of(std::size_t length, std::int32_t height) {
+  const std::int32_t whole = static_cast<std::int32_t>(length) * height;
+  return whole + whole / 5;
+}
+
+// Turns a look that stands on its head: where its line runs to (1, 0) unturned, and its letters
+// stand up to, tells how.
+void make_readable(gxi_look_t& look, gx_pointreal_t along, gx_pointreal_t upwards) {
+  const bool across = along.y == 0;
+  look.rotate = across ? 0 : 1;
+  if (across ? along.x < 0 : along.y > 0) look.across = other_end(look.across);
+  if (across ? upwards.y > 0 : upwards.x > 0) look.up = other_end(look.up);
+}
+
+}  // namespace
+
+gxi_turn_t gxi_turn_of(const gxi_instance_t& instance) {
+  const int turns = instance.mirror ? 6 - instance.rotate % 4 : instance.rotate;
+  return {static_cast<std::uint8_t>(turns % 4), instance.mirror};
+}
+
+gx_pointreal_t gxi_on_sheet(const gxi_instance_t& instance, gx_pointreal_t of_symbol) {
+  return plus(instance.at, turned(instance, of_symbol));
+}
+
+gxi_look_t gxi_on_sheet(const gxi_instance_t& instance, gxi_look_t look) {
+  look.at = gxi_on_sheet(instance, look.at);
+  const auto along = turned(instance, gx_turn(to_the_right, look.rotate % 4, false));
+  const auto upwards = turned(instance, gx_turn(upright, look.rotate % 4, false));
+  make_readable(look, along, upwards);
+  return look;
+}
+
+std::vector<gxi_line_t> gxi_lines(std::string_view text, const gxi_look_t& unturned) {
+  gxi_look_t look = unturned;
+  make_readable(look, gx_turn(to_the_right, look.rotate % 4, false),
+                gx_turn(upright, look.rotate % 4, false));
+  std::vector<gxi_line_t> lines;
+  std::vector<std::string_view> parts;
+  while (!text.empty()) {
+    const auto end = std::min(text.find('\n'), text.size());
+    auto line = text.substr(0, end);
+    text.remove_prefix(std::min(end + 1, text.size()));
+    while (!line.empty() && line.back() == ' ') line.remove_suffix(1);
+    while (line.size() > longest_line) {
+      auto cut = line.rfind(' ', longest_line);
+      if (cut == std::string_view::npos || cut == 0) cut = longest_line;
+      parts.push_back(line.substr(0, cut));
+      line.remove_prefix(cut);
+    }
+    parts.push_back(line);
+  }
+  const std::int32_t step = look.line_step > 0 ? look.line_step : look.height + look.height * 3 / 5;
+  const auto last = static_cast<std::int32_t>(parts.size()) - 1;
+  const std::int32_t tall = look.height + last * step;
+  for (std::int32_t i = 0; i <= last; ++i) {
+    const auto part = gx_at(parts, i);
+    if (part.empty()) continue;
+    const std::int32_t left = -before(look.across, width_of(part.size(), look.height));
+    const std::int32_t down = before(look.up, tall) - (last - i) * step;
+    const gx_pointreal_t offset{left, down};
+    lines.push_back(
+        {std::string(part), plus(look.at, gx_turn(offset, look.rotate, false)), look.rotate});
+  }
+  return lines;
+}
+
+gxi_stored_t gxi_below(const gxi_instance_t& instance, const gxi_line_t& line,
+                       std::int32_t height) {
+  const auto turn = gxi_turn_of(instance);
+  // Below a mirrored instance the turns 1 and 3 change places.
+  const int seen = turn.fliph && line.rotate % 2 == 1 ? 4 - line.rotate : line.rotate;
+  gxi_stored_t stored;
+  stored.rotate = static_cast<std::uint8_t>((seen + 4 - turn.rotate) % 4);
+  gx_object_property_rec_t property;
+  property.gene.object_type = gx_type::property_2d;
+  property.rotate = stored.rotate;
+  property.height = height;
+  property.nvalue.len = static_cast<std::int32_t>(line.text.size());
+  // A text that is turned over is drawn from the other end of its box (gx/db/geometry.h).
+  const auto box = gx_turn(gx_property_compute_newbounds(property), turn.rotate, turn.fliph);
+  gx_pointreal_t drawn_from{};
+  if (turn.fliph && seen == 0) drawn_from.y = box.ymin + box.ymax;
+  if (turn.fliph && seen != 0) drawn_from.x = box.xmin + box.xmax;
+  auto offset = minus(minus(line.at, instance.at), drawn_from);
+  if (turn.fliph) offset.y = -offset.y;
+  stored.at = gx_turn(offset, (4 - turn.rotate) % 4, false);
+  return stored;
+}
+
+void gxi_draw_apart(const gxi_symbol_t& symbol, const gxi_instance_t& instance,
+                    gxi_sheet_t& sheet) {
+  for (auto shape : symbol.shapes) {
+    for (auto& point : shape.points) point = gxi_on_sheet(instance, point);
+    sheet.shapes.push_back(std::move(shape));
+  }
+  for (const auto& text : symbol.texts)
+    sheet.texts.push_back({text.value, gxi_on_sheet(instance, text.look)});
+  for (const auto& property : symbol.properties)
+    if (property.look)
+      sheet.texts.push_back({property.value, gxi_on_sheet(instance, *property.look)});
+  for (const auto& property : instance.properties)
+    if (property.look) sheet.texts.push_back({property.value, *property.look});
+}
+
+void gxi_draw_missing(const std::string& name, gxi_symbol_t& symbol) {
+  symbol.shapes.push_back({.type = gx_type::rectangle_2d,
+                           .points = {{0, -4 * gxm_step}, {8 * gxm_step, 0}},
+                           .color = gxm_red});
+  symbol.texts.push_back({name, {.at = {1000, -gxm_step}, .color = gxm_red}});
+}

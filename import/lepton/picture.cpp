@@ -1,0 +1,216 @@
+// Scale, colours, shapes, texts.
+#include "import/lepton/picture.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdlib>
+
+#include "gx/db/geometry.h"
+#include "gx/text/at.h"
+#include "import/lepton/path.h"
+
+namespace {
+
+constexpr std::int32_t scale = gxm_step / 100;
+constexpr double pi = 3.14159265358979323846;
+
+// Of a text of one point, in thousandths of an inch. Its capitals are 13.3 high, its letters 9.6
+// wide on the average; letters here are wider, and are kept at that width.
+constexpr double letter_height = 8.0;
+constexpr double line_step = 21.0;
+constexpr double top_margin = 5.9;        // from the upper end of a text to its capitals
+constexpr std::size_t longest_text = 60;  // more is not drawn of a text
+constexpr int largest_text = 1000;
+
+// By index, as the program draws them on black.
+constexpr auto colors = std::to_array<std::uint8_t>(
+    {gxm_white, gxm_white, gxm_red,   gxm_green,   gxm_blue,   gxm_yellow, gxm_cyan,  gxm_white,
+     gxm_red,   gxm_green, gxm_green, gxm_yellow,  gxm_yellow, gxm_cyan,   gxm_white, gxm_white,
+     gxm_white, gxm_cyan,  gxm_red,   gxm_magenta, gxm_white,  gxm_yellow, gxm_white, gxm_white});
+
+std::int32_t length(double v) { return static_cast<std::int32_t>(std::lround(v * scale)); }
+
+gx_pointreal_t on_circle(const gxi_lepton_shape_t& arc, double degrees) {
+  const double angle = degrees * pi / 180;
+  const auto centre = gxi_lepton_point(arc.points[0]);
+  const double radius = static_cast<double>(arc.radius) * scale;
+  return {static_cast<std::int32_t>(std::lround(centre.x + radius * std::cos(angle))),
+          static_cast<std::int32_t>(std::lround(centre.y - radius * std::sin(angle)))};
+}
+
+std::uint8_t line_width(std::int32_t width) {
+  return static_cast<std::uint8_t>(width < 20 ? 1 : width < 40 ? 2 : 3);
+}
+
+gx_pointreal_t plus(gx_pointreal_t a, gx_pointreal_t b) { return {a.x + b.x, a.y + b.y}; }
+
+// A line without its marks, and the letters that have a bar: first, and one behind the last.
+struct barred_t {
+  std::string text{};
+  std::vector<std::pair<std::size_t, std::size_t>> bars{};
+};
+
+barred_t barred(std::string_view line) {
+  barred_t result;
+  bool in_bar = false;
+  std::size_t begun = 0;
+  for (std::size_t i = 0; i < line.size(); ++i) {
+    if (line[i] != '\\' || i + 1 == line.size()) {
+      result.text += line[i];
+    } else if (line[++i] == '_') {
+      if (in_bar && result.text.size() > begun) result.bars.emplace_back(begun, result.text.size());
+      begun = result.text.size();
+      in_bar = !in_bar;
+    } else {
+      if (line[i] != '\\') result.text += '\\';
+      result.text += line[i];
+    }
+  }
+  if (in_bar && result.text.size() > begun) result.bars.emplace_back(begun, result.text.size());
+  return result;
+}
+
+}  // namespace
+
+gx_pointreal_t gxi_lepton_point(gxi_lepton_point_t p) { return {p.x * scale, -p.y * scale}; }
+
+std::uint8_t gxi_lepton_color(int index) {
+  return index >= 0 && index < static_cast<int>(colors.size()) ? gx_at(colors, index)
+                                                               : std::uint8_t{gxm_white};
+}
+
+std::vector<gxm_shape_t> gxi_lepton_shapes(const gxi_lepton_shape_t& shape) {
+  gxm_shape_t drawn;
+  drawn.color = gxi_lepton_color(shape.color);
+  drawn.width = line_width(shape.width);
+  drawn.style = shape.dashed ? 1 : 0;
+  for (const auto& point : shape.points) drawn.points.push_back(gxi_lepton_point(point));
+  switch (shape.kind) {
+    case 'U':
+      drawn.width = 3;
+      [[fallthrough]];
+    case 'L':
+      drawn.type = gx_type::line_2d;
+      return {drawn};
+    case 'B':
+    case 'G':
+      drawn.type = gx_type::rectangle_2d;
+      drawn.filled = shape.filled;
+      return {drawn};
+    case 'H': {
+      std::vector<gxm_shape_t> lines;
+      drawn.type = gx_type::polyline_2d;
+      for (const auto& line : gxi_lepton_lines(shape.path)) {
+        drawn.points.clear();
+        for (const auto& point : line) drawn.points.push_back(gxi_lepton_point(point));
+        lines.push_back(drawn);
+      }
+      return lines;
+    }
+    default:
+      break;
+  }
+  if (shape.radius == 0 || shape.sweep == 0) return {};
+  if (shape.kind == 'V' || std::abs(shape.sweep) >= 360) {
+    drawn.type = gx_type::circle_2d;
+    drawn.radius = std::abs(shape.radius) * scale;
+    drawn.filled = shape.filled;
+  } else {
+    drawn.type = gx_type::arc3p_2d;
+    drawn.points = {on_circle(shape, shape.start),
+                    on_circle(shape, shape.start + shape.sweep / 2.0),
+                    on_circle(shape, shape.start + shape.sweep)};
+  }
+  return {drawn};
+}
+
+gxm_shape_t gxi_lepton_pin_line(const gxi_lepton_pin_t& pin) {
+  return {.type = gx_type::line_2d,
+          .points = {gxi_lepton_point(pin.tip), gxi_lepton_point(pin.root)},
+          .color = gxi_lepton_color(pin.color),
+          .width = static_cast<std::uint8_t>(pin.bus ? 3 : 1)};
+}
+
+std::string gxi_lepton_seen(const gxi_lepton_text_t& text) {
+  if (!text.visible) return {};
+  const auto name = text.name();
+  if (name.empty() || text.show == gxi_lepton_text_t::show_t::both) return text.text;
+  return std::string(text.show == gxi_lepton_text_t::show_t::name ? name : text.value());
+}
+
+std::string gxi_lepton_plain(std::string_view text) {
+  auto plain = barred(text);
+  for (auto bar = plain.bars.rbegin(); bar != plain.bars.rend(); ++bar)
+    plain.text.insert(bar->first, 1, '~');
+  return std::move(plain.text);
+}
+
+gxi_look_t gxi_lepton_look(const gxi_lepton_text_t& text) {
+  const double size = std::min(text.size, largest_text);
+  gxi_look_t look;
+  look.height = std::max(length(size * letter_height), 1);
+  look.rotate = static_cast<std::uint8_t>(text.rotate);
+  look.across = static_cast<gxi_align>(text.alignment / 3);
+  look.up = static_cast<gxi_align>(text.alignment % 3);
+  look.color = gxi_lepton_color(text.color);
+  look.at = gxi_lepton_point(text.at);
+  if (look.up == gxi_align::end)
+    look.at =
+        plus(look.at, gx_turn(gx_pointreal_t{0, length(size * top_margin)}, text.rotate, false));
+  return look;
+}
+
+void gxi_lepton_draw(const gxi_lepton_text_t& text, std::string_view seen,
+                     std::vector<gxi_text_t>& texts, std::vector<gxm_shape_t>& shapes) {
+  const auto first = gxi_lepton_look(text);
+  const double step = std::min(text.size, largest_text) * line_step;
+  const auto lines = 1 + std::count(seen.begin(), seen.end(), '\n');
+  // How many lines stand below the place that the alignment names.
+  double below = first.up == gxi_align::start    ? static_cast<double>(lines - 1)
+                 : first.up == gxi_align::middle ? static_cast<double>(lines - 1) / 2
+                                                 : 0;
+  for (; !seen.empty(); --below) {
+    const auto end = std::min(seen.find('\n'), seen.size());
+    const auto line = barred(seen.substr(0, end));
+    seen.remove_prefix(std::min(end + 1, seen.size()));
+    gxi_look_t look = first;
+    look.at = plus(look.at, gx_turn(gx_pointreal_t{0, -length(below * step)}, text.rotate, false));
+    const auto letter = [&](std::size_t count) {
+      const auto width = static_cast<std::int32_t>(count) * look.height;
+      return width + width / 5;
+    };
+    const auto whole = letter(line.text.size());
+    const auto left = look.across == gxi_align::start    ? 0
+                      : look.across == gxi_align::middle ? -whole / 2
+                                                         : -whole;
+    const auto up = look.up == gxi_align::start    ? look.height
+                    : look.up == gxi_align::middle ? look.height / 2
+                                                   : 0;
+    const auto at = [&](std::size_t count, std::int32_t height) {
+      return plus(look.at,
+                  gx_turn(gx_pointreal_t{left + letter(count), height}, text.rotate, false));
+    };
+    for (const auto& [from, to] : line.bars)
+      shapes.push_back({.type = gx_type::line_2d,
+                        .points = {at(from, -up - look.height / 3), at(to, -up - look.height / 3)},
+                        .color = look.color});
+    if (line.text.size() <= longest_text) {
+      texts.push_back({line.text, look});
+      continue;
+    }
+    // Longer ones go on behind, from a blank where there is one.
+    for (std::size_t from = 0; from < line.text.size();) {
+      gxi_look_t behind = look;
+      behind.at = at(from, 0);
+      behind.across = gxi_align::start;
+      auto to = from + longest_text;
+      if (to < line.text.size()) {
+        const auto blank = line.text.rfind(' ', to);
+        if (blank != std::string::npos && blank > from) to = blank + 1;
+      }
+      texts.push_back({line.text.substr(from, to - from), behind});
+      from = to;
+    }
+  }
+}

@@ -1,0 +1,205 @@
+// Joining by place, naming by labels, and splitting bundles into single nets.
+#include "import/xschem/nets.h"
+
+#include <algorithm>
+
+#include "gx/text/strings.h"
+#include "import/drawing/joining.h"
+#include "import/drawing/names.h"
+#include "import/xschem/labels.h"
+#include "import/xschem/picture.h"
+
+namespace {
+
+class joiner {
+ public:
+  joiner(const std::vector<gxi_placed_t>& components,
+         const std::vector<const gxi_xschem_shape_t*>& wires, std::string_view file,
+         gxm_messages_t& messages)
+      : components_(components),
+        wires_(wires),
+        file_(file),
+        messages_(messages),
+        first_pin_(number_pins()),
+        groups_(wires.size() + static_cast<std::size_t>(nb_of_pins_)) {}
+
+  gxi_xschem_nets_t run() {
+    join_by_place();
+    name_by_labels();
+    name_by_taps();
+    name_the_rest();
+    collect();
+    return std::move(result_);
+  }
+
+ private:
+  // Members of groups: first the wires, then the pins of all components.
+  std::vector<int> number_pins() {
+    std::vector<int> first;
+    for (const auto& component : components_) {
+      first.push_back(static_cast<int>(wires_.size()) + nb_of_pins_);
+      nb_of_pins_ += static_cast<int>(component.pins.size());
+    }
+    return first;
+  }
+  int member(std::size_t component, std::size_t pin) const {
+    return first_pin_[component] + static_cast<int>(pin);
+  }
+  gxm_source_t source(const gxi_placed_t& placed) const { return {file_, placed.component->line}; }
+
+  void join_by_place() {
+    std::vector<gxi_span_t> spans;
+    std::vector<gxi_met_pin_t> pins;
+    for (const auto* wire : wires_)
+      spans.push_back({gxi_xschem_point(wire->points[0]), gxi_xschem_point(wire->points[1])});
+    for (std::size_t i = 0; i < components_.size(); ++i) {
+      const auto& placed = components_[i];
+      if (placed.ignored) continue;
+      for (std::size_t pin = 0; pin < placed.pins.size(); ++pin) {
+        pins.push_back({placed.pins[pin], member(i, pin)});
+        if (placed.shorted) groups_.join(member(i, 0), member(i, pin));
+      }
+    }
+    gxi_join_places(groups_, spans, pins, true);
+  }
+
+  // --- names: by the member that stands for a group
+  void name_by_labels() {
+    result_.names_its_net.assign(components_.size(), true);
+    for (std::size_t i = 0; i < components_.size(); ++i) {
+      const auto& placed = components_[i];
+      const auto role = placed.symbol->role;
+      if (placed.ignored || (role != gxi_role_t::label && role != gxi_role_t::port)) continue;
+      const std::string label(placed.value("lab"));
+      if (label.empty() || placed.pins.empty()) continue;
+      result_.names_its_net[i] = give(groups_.root(member(i, 0)), label, source(placed));
+    }
+  }
+
+  bool give(int group, const std::string& label, const gxm_source_t& where) {
+    const auto [found, is_new] = names_.emplace(group, label);
+    if (is_new || found->second == label) return true;
+    gxm_complain(
+        messages_, where,
+        "label " + label + " is on the net of label " + found->second + ", which keeps its name");
+    return false;
+  }
+
+  // A tap names its own net by bits of the bus; taps may follow taps.
+  void name_by_taps() {
+    std::vector<std::size_t> waiting;
+    for (std::size_t i = 0; i < components_.size(); ++i)
+      if (components_[i].symbol->role == gxi_role_t::bus_tap && !components_[i].ignored &&
+          components_[i].pins.size() == 2)
+        waiting.push_back(i);
+    for (bool unnamed_too : {false, true}) {
+      for (std::size_t before = waiting.size() + 1; waiting.size() < before;) {
+        before = waiting.size();
+        std::erase_if(waiting, [&](std::size_t i) { return tap(i, unnamed_too); });
+      }
+    }
+  }
+
+  bool tap(std::size_t i, bool unnamed_too) {
+    const auto& placed = components_[i];
+    const bool first_taps = placed.symbol->pins[0].attributes.get("name") == "tap";
+    const int tapped = groups_.root(member(i, first_taps ? 0 : 1));
+    const int bus = groups_.root(member(i, first_taps ? 1 : 0));
+    std::string label(placed.value("lab"));
+    if (!label.empty() && label.front() == '[') {
+      auto name = names_.find(bus);
+      if (name == names_.end() && !unnamed_too) return false;
+      if (name == names_.end()) name = names_.emplace(bus, "#" + std::to_string(bus) + "[0]").first;
+      label = std::string(gxi_label_base(name->second)) + label;
+    }
+    if (!label.empty()) names_.emplace(tapped, label);
+    return true;
+  }
+
+  // Groups without a label: as many nets as the narrowest of their pins has bits.
+  void name_the_rest() {
+    std::map<int, std::size_t> bits;
+    for (std::size_t i = 0; i < components_.size(); ++i) {
+      const auto& placed = components_[i];
+      // What is only drawn counts, too: a mark of one bit on unconnected pins joins them.
+      if (placed.ignored) continue;
+      for (std::size_t pin = 0; pin < placed.pins.size(); ++pin) {
+        const int group = groups_.root(member(i, pin));
+        if (names_.contains(group)) continue;
+        const auto here = placed.symbol->pins[pin].bits.size() * placed.names.size();
+        const auto [found, is_new] = bits.emplace(group, here);
+        if (!is_new) found->second = std::min(found->second, here);
+      }
+    }
+    unnamed_ = std::move(bits);
+  }
+
+  void collect() {
+    std::map<int, int> bundle_of_group;
+    const auto bundle = [&](int of_member, const gxm_source_t& where) {
+      const int group = groups_.root(of_member);
+      const auto [found, is_new] =
+          bundle_of_group.emplace(group, static_cast<int>(result_.bundles.size()));
+      if (is_new) result_.bundles.push_back({nets_of(group, where)});
+      return found->second;
+    };
+    for (std::size_t i = 0; i < wires_.size(); ++i)
+      result_.bundle_of_wire.push_back(bundle(static_cast<int>(i), {file_, wires_[i]->line}));
+    for (std::size_t i = 0; i < components_.size(); ++i) {
+      auto& pins = result_.bundle_of_pin.emplace_back();
+      if (components_[i].ignored) continue;
+      for (std::size_t pin = 0; pin < components_[i].pins.size(); ++pin)
+        pins.push_back(bundle(member(i, pin), source(components_[i])));
+    }
+  }
+
+  std::vector<int> nets_of(int group, const gxm_source_t& where) {
+    if (const auto name = names_.find(group); name != names_.end())
+      return result_.named(name->second, where);
+    const auto bits = unnamed_.find(group);
+    std::vector<int> nets;
+    for (std::size_t i = 0; i < (bits == unnamed_.end() ? 1 : bits->second); ++i) {
+      nets.push_back(static_cast<int>(result_.nets.size()));
+      result_.nets.push_back({.source = where});
+    }
+    return nets;
+  }
+
+  const std::vector<gxi_placed_t>& components_;
+  const std::vector<const gxi_xschem_shape_t*>& wires_;
+  std::string_view file_;
+  gxm_messages_t& messages_;
+  int nb_of_pins_ = 0;
+  std::vector<int> first_pin_;
+  gxi_groups_t groups_;
+  std::map<int, std::string> names_;
+  std::map<int, std::size_t> unnamed_;
+  gxi_xschem_nets_t result_;
+};
+
+}  // namespace
+
+std::string_view gxi_placed_t::value(std::string_view name) const {
+  const auto* const own = attributes.find(name);
+  return own != nullptr ? std::string_view(*own) : symbol->defaults.get(name);
+}
+
+std::vector<int> gxi_xschem_nets_t::named(std::string_view label, const gxm_source_t& source) {
+  std::vector<int> list;
+  for (auto& name : gxi_expand_label(label)) {
+    // A netlist for simulation does not tell letter cases apart.
+    const auto [found, is_new] = by_name.emplace(gx_upper(name), static_cast<int>(nets.size()));
+    if (is_new) {
+      // The program's own names of unnamed nets begin with "#".
+      nets.push_back({.name = name.rfind('#', 0) == 0 ? "" : name, .source = source});
+    }
+    list.push_back(found->second);
+  }
+  return list;
+}
+
+gxi_xschem_nets_t gxi_join_xschem(const std::vector<gxi_placed_t>& components,
+                                  const std::vector<const gxi_xschem_shape_t*>& wires,
+                                  std::string_view file, gxm_messages_t& messages) {
+  return joiner(components, wires, file, messages).run();
+}

@@ -1,0 +1,135 @@
+// Layers, shapes and texts.
+#include "import/xschem/picture.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "gx/text/at.h"
+
+namespace {
+
+constexpr double scale = gxm_step / 10.0;
+constexpr double line_height = 49;    // of a text of size 1, its units
+constexpr double line_step = 59;      // measured in its window
+constexpr double letter_height = 22;  // letters here are as wide as those there on the average
+constexpr double smallest = 0.02, largest = 20;  // sizes of texts that are taken as they are
+constexpr double pi = 3.14159265358979323846;
+
+// By layer, as the program draws them on black.
+constexpr auto colors = std::to_array<std::uint8_t>(
+    {gxm_white,  gxm_cyan,  gxm_white,   gxm_white,  gxm_green, gxm_red,    gxm_cyan,  gxm_red,
+     gxm_yellow, gxm_white, gxm_magenta, gxm_green,  gxm_blue,  gxm_yellow, gxm_white, gxm_red,
+     gxm_green,  gxm_cyan,  gxm_magenta, gxm_yellow, gxm_red,   gxm_yellow});
+constexpr int pin_layer = 5, text_layer = 3;
+
+std::int32_t length(double v) { return static_cast<std::int32_t>(std::lround(v * scale)); }
+
+gx_pointreal_t on_circle(const gxi_xschem_shape_t& arc, double degrees) {
+  const double angle = degrees * pi / 180;
+  return gxi_xschem_point({arc.points[0].x + arc.radius * std::cos(angle),
+                           arc.points[0].y - arc.radius * std::sin(angle)});
+}
+
+}  // namespace
+
+gx_pointreal_t gxi_xschem_point(gxi_xschem_point_t p) { return {length(p.x), length(p.y)}; }
+
+std::uint8_t gxi_xschem_color(int layer) {
+  return layer >= 0 && layer < static_cast<int>(colors.size()) ? gx_at(colors, layer)
+                                                               : std::uint8_t{gxm_white};
+}
+
+bool gxi_xschem_shape(const gxi_xschem_shape_t& shape, gxm_shape_t& drawn) {
+  const gxi_attributes_t attributes(shape.attributes);
+  drawn = {};
+  drawn.color = gxi_xschem_color(shape.layer);
+  drawn.style = attributes.find("dash") != nullptr ? 1 : 0;
+  if (attributes.is_set("bus")) drawn.width = 3;
+  for (const auto& point : shape.points) drawn.points.push_back(gxi_xschem_point(point));
+  switch (shape.kind) {
+    case 'L':
+      drawn.type = gx_type::line_2d;
+      return true;
+    case 'B':
+      drawn.type = gx_type::rectangle_2d;
+      drawn.filled = attributes.get("fill") == "full";
+      return shape.layer != pin_layer || attributes.find("name") == nullptr;
+    case 'P':
+      drawn.type = gx_type::polyline_2d;
+      return drawn.points.size() > 1;
+    case 'A':
+      break;
+    default:
+      return false;
+  }
+  if (std::fabs(shape.sweep) >= 360) {
+    drawn.type = gx_type::circle_2d;
+    drawn.radius = std::abs(length(shape.radius));
+    drawn.filled = attributes.get("fill") == "full";
+  } else {
+    drawn.type = gx_type::arc3p_2d;
+    drawn.points = {on_circle(shape, shape.start), on_circle(shape, shape.start + shape.sweep / 2),
+                    on_circle(shape, shape.start + shape.sweep)};
+  }
+  return true;
+}
+
+gxi_look_t gxi_xschem_look(const gxi_xschem_text_t& text) {
+  const gxi_attributes_t attributes(text.attributes);
+  const double size = std::clamp(std::fabs(text.height), smallest, largest);
+  gxi_look_t look;
+  look.height = std::max(length(size * letter_height), 1);
+  look.line_step = length(size * line_step);
+  look.rotate = static_cast<std::uint8_t>((4 - text.rotate) % 4);
+  look.across = attributes.is_set("hcenter") ? gxi_align::middle
+                : text.flip                  ? gxi_align::end
+                                             : gxi_align::start;
+  // The place is the upper corner of the line, whose letters stand in its middle.
+  look.up = gxi_align::end;
+  double down = size * (line_height - letter_height) / 2;
+  if (attributes.is_set("vcenter")) {
+    look.up = gxi_align::middle;
+    down = 0;
+  }
+  gxi_xschem_point_t at = text.at;
+  constexpr std::array<std::array<int, 2>, 4> downwards{{{0, 1}, {-1, 0}, {0, -1}, {1, 0}}};
+  const auto& direction = gx_at(downwards, text.rotate % 4);
+  at.x += direction[0] * down;
+  at.y += direction[1] * down;
+  look.at = gxi_xschem_point(at);
+  const auto* const layer = attributes.find("layer");
+  look.color = gxi_xschem_color(
+      layer != nullptr && !layer->empty() && layer->size() < 4 &&
+              std::all_of(layer->begin(), layer->end(), [](char c) { return c >= '0' && c <= '9'; })
+          ? std::stoi(*layer)
+          : text_layer);
+  return look;
+}
+
+std::vector<gxi_xschem_shown_t> gxi_xschem_shown(const gxi_xschem_file_t& symbol, bool fixed,
+                                                 const gxi_value_t& value) {
+  std::vector<gxi_xschem_shown_t> shown;
+  for (const auto& text : symbol.texts) {
+    const gxi_attributes_t attributes(text.attributes);
+    const auto hide = attributes.get("hide");
+    if (hide == "true" || hide == "1" || hide == "instance") continue;
+    if (text.text.rfind("tcleval(", 0) == 0) continue;
+    const bool varies = text.text.find('@') != std::string::npos;
+    if (varies == fixed) continue;
+    gxi_xschem_shown_t entry{.look = gxi_xschem_look(text)};
+    if (varies) {
+      // Values of a simulation come and go: nothing is kept of them.
+      if (text.text.find("spice_get_") != std::string::npos) continue;
+      const auto name = std::string_view(text.text).substr(1);
+      if (text.text.front() == '@' && name.find_first_of("@#: \n\\/") == std::string_view::npos)
+        entry.attribute = name;
+      entry.value = gxi_substitute(text.text, value);
+    } else {
+      entry.value = text.text;
+    }
+    if (entry.value.find_first_not_of(" \n\t") != std::string::npos)
+      shown.push_back(std::move(entry));
+  }
+  return shown;
+}

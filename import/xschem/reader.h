@@ -1,0 +1,13 @@
+// The reader of drawings of xschem. It gives a whole design or throws std::runtime_error with one
+// line "FILE:LINE: what is wrong"; what it only cannot keep is in the design's warnings.
+#pragma once
+
+#include <string_view>
+
+#include "import/drawing/drawing.h"
+#include "import/drawing/input.h"
+
+gxi_design_t gxi_read_xschem(const gxi_input_t& input);
+
+// Whether the head of a file looks like the format.
+bool gxi_is_xschem(std::string_view text);

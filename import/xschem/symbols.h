@@ -1,0 +1,72 @@
+// Symbols of xschem as a netlist sees them, found in libraries and read once.
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "import/drawing/drawing.h"
+#include "import/drawing/input.h"
+#include "import/xschem/attributes.h"
+#include "import/xschem/records.h"
+
+enum class gxi_role_t : std::uint8_t {
+  device,   // a line of the netlist, or a block with a sheet
+  label,    // names a net
+  port,     // names a net that is a pin of the cell
+  bus_tap,  // names bits of a bus
+  picture,  // only drawn
+};
+
+struct gxi_xschem_pin_t {
+  std::vector<std::string> bits{};  // the names of its single pins
+  std::string type{};               // PINTYPE
+  gxi_xschem_point_t at{};
+  gxi_attributes_t attributes{};
+};
+
+// A node of the device's line in a netlist: a pin, or a net that a text with "@name" names.
+struct gxi_node_t {
+  int pin = -1;
+  std::string name{};  // of the node without a pin
+  std::string text{};
+};
+
+struct gxi_xschem_symbol_t {
+  std::string name{};            // without directory and ending
+  std::filesystem::path path{};  // empty: embedded, or missing
+  std::string_view file{};       // for messages
+  gxi_xschem_file_t records{};
+  gxi_attributes_t attributes{}, defaults{};  // K, and its template
+  std::string type{};
+  gxi_role_t role = gxi_role_t::picture;
+  std::vector<gxi_xschem_pin_t> pins{};
+  std::vector<gxi_node_t> nodes{};  // of a device; pins that the line leaves out come last
+  bool missing = false;
+};
+
+class gxi_xschem_library_t {
+ public:
+  gxi_xschem_library_t(const gxi_input_t& input, gxi_design_t& design);
+
+  // The symbol that a component of the sheet names; one without contents when it is not found.
+  const gxi_xschem_symbol_t& symbol(const gxi_xschem_component_t& component,
+                                    const std::filesystem::path& sheet);
+  // Reads a sheet or symbol file and keeps its name for messages.
+  std::pair<gxi_xschem_file_t, std::string_view> read(const std::filesystem::path& path);
+  // Where a name stands: below a library, or beside or above the sheet.
+  std::optional<std::filesystem::path> find(const std::string& name,
+                                            const std::filesystem::path& sheet) const;
+
+ private:
+  std::unique_ptr<gxi_xschem_symbol_t> make(const std::string& name, gxi_xschem_file_t records,
+                                            std::string_view file) const;
+
+  std::vector<std::filesystem::path> libraries_;
+  gxi_design_t& design_;
+  std::map<std::string, std::unique_ptr<gxi_xschem_symbol_t>> by_path_;
+  std::map<std::pair<std::string, std::string>, const gxi_xschem_symbol_t*> by_name_;
+};
