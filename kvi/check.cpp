@@ -85,9 +85,9 @@ class piece_t {
  private:
   void read(int fd, std::size_t end) {
     constexpr std::size_t piece_size = std::size_t{1} << 18;
-    bytes_.resize(piece_size);
     end_ = end;
     begin_ = end - std::min(end, piece_size);
+    bytes_.resize(end_ - begin_);
     std::size_t place = begin_;
     while (place < end) {
       const auto n =
