@@ -10,8 +10,6 @@
 
 namespace {
 
-using kv_prop_list_t = kv_list_t<kv_prop_type_record_t>;
-
 struct listing {
   const kv_design_t& design;
   kv_listing_text_t out;

@@ -29,7 +29,7 @@ bool child_has_path(const kv_design_t& design, const kv_net_record_t& net, std::
 }
 
 // The net that bears the path, itself or by a child or a pin.
-std::int32_t find_net(const kv_design_t& design, std::string_view path) {
+std::int32_t net_of_path(const kv_design_t& design, std::string_view path) {
   for (std::int32_t index = 1; index <= design.nets.count; ++index) {
     const kv_net_record_t& net = design.nets[index];
     if (is_path(design, net.sim_path, path) || child_has_path(design, net, path) ||
@@ -59,7 +59,7 @@ std::int32_t find_pin(const kv_design_t& design, const kv_blocked_t<Record>& pin
 std::int32_t kv_find_net_rel(std::string_view sheet_path, std::string_view net_name) {
   if (net_name.empty() || sheet_path.empty() || sheet_path.size() + net_name.size() >= 200)
     return 0;
-  return find_net(kv_sext, std::string(sheet_path) + std::string(net_name));
+  return net_of_path(kv_sext, std::string(sheet_path) + std::string(net_name));
 }
 
 std::int32_t kv_find_pin_rel(std::string_view sheet_path, std::string_view inst_name,

@@ -12,8 +12,6 @@
 
 namespace {
 
-using kv_prop_list_t = kv_list_t<kv_prop_type_record_t>;
-
 // What a kept property's report calls the path of its object.
 constexpr std::string_view inst_path_label = "#    Instance Path : ";
 constexpr std::string_view pin_path_label = "#    Pin Path : ";

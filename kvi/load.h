@@ -33,7 +33,7 @@ class kvi_design_t {
   bool is_unchanged() const;
 
   const kv_general_info_record_t& info() const { return info_; }
-  const kv_list_t<kv_prop_type_record_t>& list(std::size_t part) const { return lists_[part]; }
+  const kv_prop_list_t& list(std::size_t part) const { return lists_[part]; }
   const auto& property_instance() const { return lists_[0]; }
   const auto& property_pin() const { return lists_[1]; }
   const auto& property_net() const { return lists_[2]; }
@@ -83,7 +83,7 @@ class kvi_design_t {
 
   kv_general_info_record_t info_;
   std::array<std::uint8_t, header_size> header_{};
-  std::array<kv_list_t<kv_prop_type_record_t>, std::size(kv_list_parts)> lists_;
+  std::array<kv_prop_list_t, std::size(kv_list_parts)> lists_;
   std::array<std::int32_t, parts> count_{};
   std::array<std::size_t, parts> offset_{};  // of each part, from the start of the file
   kvi_mapped_file file_;

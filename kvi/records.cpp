@@ -10,12 +10,6 @@
 
 namespace {
 
-using prop_list = kv_list_t<kv_prop_type_record_t>;
-
-void set(kvi_string_record_t& string, std::string_view text) {
-  kvi_copy_string(static_cast<std::int32_t>(text.size()), text.data(), &string);
-}
-
 // The record behind `record`, allocated (all zero) on first use; null without memory.
 template <typename Record>
 Record* allocated(Record** record) {
@@ -24,12 +18,12 @@ Record* allocated(Record** record) {
 }
 
 void fill_property(const kv_prop_record_t& from, std::string_view name, kvi_prop_record_t& to) {
-  set(to.name, name);
+  kvi_set_string(to.name, name);
   to.vtype = from.prop_type;
   switch (from.prop_type) {
     case kv_prop_string:
       to.value.svalue.charp = to.text;
-      set(to.value.svalue, kvi_text(from.valuec));
+      kvi_set_string(to.value.svalue, kvi_text(from.valuec));
       to.text = to.value.svalue.charp;
       break;
     case kv_prop_int:
@@ -47,11 +41,11 @@ void fill_property(const kv_prop_record_t& from, std::string_view name, kvi_prop
 // What all three kinds of records have: properties, path and name. The name is `stored`, or the
 // value of the string property `name_property`, or `fallback`.
 template <typename Record, typename Stored>
-void fill_common(Record& to, const Stored& from, std::int32_t index, const prop_list& list,
+void fill_common(Record& to, const Stored& from, std::int32_t index, const kv_prop_list_t& list,
                  std::string_view stored, std::string_view name_property,
                  std::string_view fallback) {
   to.self_id = index;
-  set(to.sim_path, kvi_text(from.sim_path));
+  kvi_set_string(to.sim_path, kvi_text(from.sim_path));
   to.nb_of_property = 0;
   std::string name(stored);
   const std::int32_t nb_of_property = std::min<std::int32_t>(from.nb_of_property, list.count);
@@ -69,7 +63,7 @@ void fill_common(Record& to, const Stored& from, std::int32_t index, const prop_
     if (name.empty() && names_it) name = kvi_text(prop.valuec);
   }
   if (name.empty()) name = fallback;
-  set(to.name, name);
+  kvi_set_string(to.name, name);
 }
 
 template <typename Record>
@@ -129,7 +123,7 @@ void kvi_get_instance_record(std::int32_t instance, kvi_instance_record_t** reco
   if (!allocated(record)) return;
   const auto from = design.get<kv_inst_record_t>(instance);
   kvi_instance_record_t& to = **record;
-  set(to.file_path, kvi_text(from.file_path));
+  kvi_set_string(to.file_path, kvi_text(from.file_path));
   to.primitive = 1;
   to.owning_instance = 0;
   to.timing_index = from.timing_index;
@@ -159,7 +153,7 @@ void kvi_get_macro_record(std::int32_t macro, kvi_macro_record_t** record) {
   if (!allocated(record)) return;
   const auto from = design.get<kv_macro_record_t>(macro);
   kvi_macro_record_t& to = **record;
-  set(to.file_path, kvi_text(from.file_path));
+  kvi_set_string(to.file_path, kvi_text(from.file_path));
   to.timing_index = from.timing_index;
   fill_common(to, from, macro, design.property_instance(), {}, "INST",
               "I_" + std::to_string(macro));

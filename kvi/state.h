@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "kvi/kvi.h"
 #include "kvi/load.h"
@@ -29,6 +30,9 @@ void kvi_debug(const char* text);
 // The loaded design; an empty one when there is none, or when its file is no longer what was
 // loaded.
 const kvi_design_t& kvi_loaded();
+
+// strings.cpp: makes the text the value of the string.
+void kvi_set_string(kvi_string_record_t& string, std::string_view text);
 
 // The characters of a string of the loaded design; "" for 0.
 inline std::string_view kvi_text(std::int32_t string_index) {

@@ -41,7 +41,7 @@ bool is_no_message(std::string_view line) {
 }
 
 // The first path in quotes; "" when there is none.
-std::string_view path_in(std::string_view text) {
+std::string_view first_path(std::string_view text) {
   const auto from = text.find("\"/");
   if (from == text.npos) return {};
   const auto to = text.find('"', from + 1);
@@ -108,7 +108,7 @@ void kv_run_messages::find(const kv_netlist_findings_t& found) const {
     for (const auto& message : messages_) {
       if (message.rule != rule) continue;
       std::string words = joined(message.lines);
-      const std::string path(path_in(words));
+      const std::string path(first_path(words));
       found.add(rule, path, place_of(found, paths, path), std::move(words));
     }
   }

@@ -156,7 +156,7 @@ void kv_run_cmd(const kv_command_t&) {
   kv_follow_run();
 }
 
-constexpr kv_command_row_t rows[] = {
+constexpr kv_command_row_t expand_rows[] = {
     // clang-format off
     {{"PARAM"}, "PARAMeter name low [[typical] high]", kv_parameter_cmd, "# PARAMeter "},
     {{"PRIMI"}, "PRIMItive property [value]", kv_primitive_cmd, "# PRIMitive "},
@@ -172,4 +172,4 @@ constexpr kv_command_row_t rows[] = {
 
 }  // namespace
 
-kv_command_rows_t kv_expand_commands() { return rows; }
+kv_command_rows_t kv_expand_commands() { return expand_rows; }

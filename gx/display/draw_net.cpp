@@ -86,7 +86,7 @@ void visit_segments(const gx_file_gene_recf_t& file, int net_id, Visit visit) {
 }
 
 // The name of a marked net, at the first end of a segment where there is room for it.
-void draw_mark(const gx_picture_t& picture, int net_id, const gx_highlight_t& mark) {
+void draw_mark_name(const gx_picture_t& picture, int net_id, const gx_highlight_t& mark) {
   if (mark.name.len < 1) return;
   const auto& file = *picture.file;
   gx_display_probe_rec_t probe;
@@ -134,7 +134,8 @@ void gx_draw_net(const gx_picture_t& picture, int net_id) {
     net.is_stub = count == 1;
   }
   visit_segments(file, net_id, [&](int id) { draw_segment(net, id); });
-  if (net.highlight != nullptr && !picture.erases()) draw_mark(picture, net_id, *net.highlight);
+  if (net.highlight != nullptr && !picture.erases())
+    draw_mark_name(picture, net_id, *net.highlight);
 }
 
 void gx_display_net(gx_vpid_t vpid, gx_file_index_t file_index, int net_id, gx_draw_mode mode) {

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 
+#include "gx/display/colors.h"
 #include "gx/display/cursor.h"
 #include "gx/display/menu_state.h"
 #include "gx/display/menu_tree.h"
@@ -22,7 +23,7 @@
 
 namespace {
 
-constexpr int white = 7, red = 1;
+constexpr int red = 1;
 constexpr int pixmap_margin = 10;  // the picture is kept at this place in its pixmap
 constexpr std::size_t max_shown_length = 199;
 
@@ -162,9 +163,9 @@ void paint_level(gx_vpid_t vpid, int level, int x, int y) {
     const std::string_view text = shown_text(lines[entry(line)]);
     if (text.empty()) continue;
     gx_hortext(vpid, text, 1, x + 3 * gx_vext.cmd_step / 4, y + 7 + (line - 1) * line_pitch(),
-               false, white);
+               false, gx_white);
   }
-  draw_box({pixel(x), pixel(y), pixel(x + at.width), pixel(y + at.height)}, white);
+  draw_box({pixel(x), pixel(y), pixel(x + at.width), pixel(y + at.height)}, gx_white);
   gx_pen_flush();
   gx_vext.menu_drawn = true;
   gx_vext.menu_level = level;
