@@ -21,7 +21,7 @@ namespace fs = std::filesystem;
 
 std::string refusal(const std::string& text) {
   try {
-    gxi_read_lepton_file(text, "f");
+    gxi_lepton_read_file(text, "f");
   } catch (const std::runtime_error& error) {
     return error.what();
   }
@@ -70,7 +70,7 @@ std::string named(int x, int y, const std::string& name) {
 }  // namespace
 
 TEST(ImportLepton, RecordsInOddForms) {
-  const auto file = gxi_read_lepton_file(
+  const auto file = gxi_lepton_read_file(
       "v 20220529 2\r\nL 0 0 10 20 3\nB -5 -5 10 20 3 30 0 2 75 50 1 -1 -1 -1 -1 -1\nV 1 2 3 4\n"
       "A 0 0 5 0 -90 3 0 0 0 -1 -1\nT 1 2 9 10 1 0 270 8 2\nfirst\n}\n{\nT 0 0 5 8 0 2 0\nx=y\n}\n"
       "G 0 0 9 9 0 0 1\nname\nAAA\n.\nU 0 0 0 9 10 -1\nN 1 1 1 1 4\nP 0 50 100 50 1\nP 0 0 9 9 1 1 "

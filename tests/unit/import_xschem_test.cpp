@@ -20,7 +20,7 @@ namespace {
 std::string refusal(std::string_view text) {
   gxm_messages_t messages;
   try {
-    gxi_read_xschem_records(text, {"f", 0}, messages);
+    gxi_xschem_read_records(text, {"f", 0}, messages);
   } catch (const std::runtime_error& error) {
     return error.what();
   }
@@ -57,7 +57,7 @@ std::set<std::string> nets_of_top(const gxi_design_t& design) {
 
 TEST(ImportXschem, RecordsInOddForms) {
   gxm_messages_t messages;
-  const auto file = gxi_read_xschem_records(
+  const auto file = gxi_xschem_read_records(
       "v {x}\r\nG {type=nmos}T {a \\{b\\} \\\\c} 1 2 3 1 .2 0.2 {}\nN 0 0 0 0 {lab=#net1}\n"
       "P 4 0 {}\nC {s.sym} -1.25e1 +3 0 0 {name=x1\nembed=true}\n[\nK {type=q}\nL 4 0 0 1 1 "
       "{}\n]\n",
@@ -82,14 +82,15 @@ TEST(ImportXschem, RecordsInOddForms) {
 }
 
 TEST(ImportXschem, AttributesAndTheirTexts) {
-  const gxi_attributes_t attributes(
+  const gxi_xschem_attributes_t attributes(
       R"(name=x1 value="a \"b\" = c" w=10u alone w=2 t="name=M1 l=\\"1 2\\"" e= "" z=1)");
   EXPECT_EQ(attributes.get("value"), "a \"b\" = c");
   EXPECT_EQ(attributes.get("w"), "10u");
   EXPECT_EQ(attributes.get("z"), "1");
   EXPECT_EQ(attributes.find("alone"), nullptr);
-  const auto filled = gxi_substitute(R"(@name @@A @#0:x @prefix\and2 a@ \@b)",
-                                     [](auto name) { return "<" + std::string(name) + ">"; });
+  const auto filled =
+      gxi_xschem_substitute(R"(@name @@A @#0:x @prefix\and2 a@ \@b)",
+                            [](auto name) { return "<" + std::string(name) + ">"; });
   EXPECT_EQ(filled, "<name> <@A> <#0:x> <prefix>and2 a@ @b");
 }
 
@@ -108,7 +109,7 @@ TEST(ImportXschem, LabelsOfSeveralBits) {
                                                 {"A,,B", "A,,B"},
                                                 {"999999999*A", "999999999*A"},
                                                 {"A[0:2000000000]", "A[0:2000000000]"}};
-  for (const auto& [label, names] : bits) EXPECT_EQ(joined(gxi_expand_label(label)), names);
+  for (const auto& [label, names] : bits) EXPECT_EQ(joined(gxi_xschem_bits(label)), names);
 }
 
 TEST(ImportXschem, NumbersTextsAndNetlistLines) {
