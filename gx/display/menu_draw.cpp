@@ -135,7 +135,7 @@ void copy_picture_back(int level) {
 
 // --- painting
 
-void draw_box(const gx_bounds16_t& box, int color) {
+void draw_bounds(const gx_bounds16_t& box, int color) {
   const gx_line16_t sides[] = {{box.xmin, box.ymin, box.xmax, box.ymin},
                                {box.xmax, box.ymin, box.xmax, box.ymax},
                                {box.xmax, box.ymax, box.xmin, box.ymax},
@@ -146,8 +146,8 @@ void draw_box(const gx_bounds16_t& box, int color) {
 void draw_highlight(int level, int line, int color) {
   const gx_bounds16_t& ext = gx_vext.menu_lev_extbounds[entry(level)];
   const int top = ext.ymin + 2 + (line - 1) * line_pitch();
-  draw_box({pixel(ext.xmin + 2), pixel(top), pixel(ext.xmax - 2), pixel(top + line_pitch() - 4)},
-           color);
+  draw_bounds({pixel(ext.xmin + 2), pixel(top), pixel(ext.xmax - 2), pixel(top + line_pitch() - 4)},
+              color);
 }
 
 void paint_level(gx_vpid_t vpid, int level, int x, int y) {
@@ -165,7 +165,7 @@ void paint_level(gx_vpid_t vpid, int level, int x, int y) {
     gx_hortext(vpid, text, 1, x + 3 * gx_vext.cmd_step / 4, y + 7 + (line - 1) * line_pitch(),
                false, gx_white);
   }
-  draw_box({pixel(x), pixel(y), pixel(x + at.width), pixel(y + at.height)}, gx_white);
+  draw_bounds({pixel(x), pixel(y), pixel(x + at.width), pixel(y + at.height)}, gx_white);
   gx_pen_flush();
   gx_vext.menu_drawn = true;
   gx_vext.menu_level = level;

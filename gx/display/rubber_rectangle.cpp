@@ -2,9 +2,9 @@
 // drawing it twice leaves the picture as it was.
 #include "gx/display/rubber_rectangle.h"
 
+#include "gx/display/draw_strokes.h"
 #include "gx/display/pen.h"
 #include "gx/display/screen_state.h"
-#include "gx/display/shapes.h"
 #include "gx/display/viewport_coords.h"
 #include "gx/display/viewports.h"
 #include "gx/vext.h"
