@@ -31,10 +31,12 @@ kv_design_check_t kv_check_design(const kv_setup_t& wishes, std::string_view top
   if (!load.file) return {{}, load.message};
 
   kv_design_check_t check;
-  {
-    const kv_message_catcher found_by_rules([](const auto&) {});
-    kv_find_on_sheets(kv_cells_t(*setup, *load.file, top_path), severities, check.findings);
-  }
+  const auto sheets = std::make_shared<kv_sheets_t>();
+  sheets->setup = setup.get();
+  sheets->keeps_files = true;
+  kv_set_top(*sheets, *load.file, top_path);
+  kv_find_on_sheets(*sheets, severities, check.findings);
+
   kv_run_messages told;
   const kv_message_catcher catcher([&](const auto& message) { told.take(message); });
 
@@ -52,7 +54,7 @@ kv_design_check_t kv_check_design(const kv_setup_t& wishes, std::string_view top
                      .to_the_end = true,
                      .origins = &origins,
                      .keeps_part = true};
-  const kv_run_result result = kv_expand_sheet(run, *load.file, top_path);
+  const kv_run_result result = kv_expand_sheets(run, sheets);
   if (result == kv_run_result::stopped) return {{}, "stopped "};
   const kv_netlist_findings_t found{design, origins, severities, check.findings};
   if (result == kv_run_result::done) kv_find_on_netlist(found);
