@@ -7,14 +7,11 @@
 #include <span>
 #include <string_view>
 
+#include "gx/text/front.h"
 #include "gx/text/records.h"
 
 inline constexpr int gx_max_list_lines = 500;
 inline constexpr int gx_max_text_length = 60;  // characters that a line of a viewport shows
-
-// What a line means to the one who reads it; the worse the larger. A detail says more about a
-// warning or an error.
-enum class gx_line_kind : std::uint8_t { plain, detail, warning, error };
 
 struct gx_list_state_t {
   bool transcript_state = true;
@@ -84,10 +81,6 @@ bool gx_display_file_invplist(std::string_view path, bool (*stop_asked)() = null
 
 // The list shows its end again when the next line comes: a new command begins.
 void gx_list_follow();
-
-// Who else gets each line as it is told; none at first.
-using gx_list_reader_t = void (*)(std::string_view line, gx_line_kind kind);
-void gx_set_list_reader(gx_list_reader_t reader);
 
 // What draws the list after it changed; none at first.
 using gx_list_drawer_t = void (*)();
