@@ -40,7 +40,7 @@ void show_in_window(std::string_view line) {
 
 constexpr gx_front_t user = {.show_progress = show_in_window, .stop_asked = has_typed_stop};
 
-[[noreturn]] void refuse_start(const std::string& said, const std::string&) {
+[[noreturn]] void refuse_session(const std::string& said, const std::string&) {
   std::fputs(said.c_str(), stdout);
   gx_set_status(gx_code::file_data_invalid);
 }
@@ -61,9 +61,9 @@ int end(const kv_ended_t&) {
 int kivo_root(int argc, char** argv) {
   gx_set_front(user);
   return kv_run({.lines = user,
-                 .open_display = [](auto viewports, auto title) { gx_init(viewports, title); },
+                 .open_display = gx_init,
                  .open_sheet = gx_file_open_sound,
-                 .refuse_start = refuse_start,
+                 .refuse_start = refuse_session,
                  .answer = answer,
                  .end = end},
                 std::span(argv, static_cast<std::size_t>(argc)));
