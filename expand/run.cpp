@@ -5,7 +5,6 @@
 
 #include "expand/debug.h"
 #include "expand/design_output.h"
-#include "expand/design_records.h"
 #include "expand/estimate.h"
 #include "expand/flatten.h"
 #include "gx/db/file_state.h"
@@ -14,6 +13,7 @@
 #include "gx/text/date.h"
 #include "gx/text/message_list.h"
 #include "gx/text/session_state.h"
+#include "netlist/design_records.h"
 
 namespace {
 

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "gx/text/session_state.h"
+#include "netlist/path_index.h"
 
 namespace {
 
@@ -63,7 +64,7 @@ std::string joined(const std::vector<std::string>& lines) {
 
 // Where a path is drawn: the pin, else the part, else the net; of what the run had not come to, the
 // block that it is in.
-kv_place_t place_of(const kv_netlist_findings_t& found, const kv_path_index_t& paths,
+kv_place_t place_of(const kv_netlist_findings_t& found, const kv_memory_paths_t& paths,
                     std::string_view path) {
   constexpr kv_named first_to_last[] = {kv_named::pin,   kv_named::pinm, kv_named::inst,
                                         kv_named::macro, kv_named::net,  kv_named::net_child};
@@ -72,7 +73,7 @@ kv_place_t place_of(const kv_netlist_findings_t& found, const kv_path_index_t& p
     const auto hits = paths.find({&key, 1}, SIZE_MAX);
     for (const kv_named what : first_to_last) {
       const auto hit = std::ranges::find_if(
-          hits, [&](kv_hit_t h) { return h.what == what && paths.path(h) == path; });
+          hits, [&](kv_object_t h) { return h.what == what && paths.path(h) == path; });
       if (hit != hits.end()) return kv_place_of(found.design, found.origins, *hit);
     }
   }
@@ -103,7 +104,7 @@ void kv_run_messages::flush() {
 
 void kv_run_messages::find(const kv_netlist_findings_t& found) const {
   if (messages_.empty()) return;
-  const kv_path_index_t paths(found.design);
+  const kv_memory_paths_t paths(kv_memory_netlist_t(found.design));
   for (const auto rule : {kv_rule::bus_range, kv_rule::run}) {
     for (const auto& message : messages_) {
       if (message.rule != rule) continue;
