@@ -16,7 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   gxi_lepton_take_scheme(text, "fuzz", "/", project, messages);
   gxi_lepton_take_config(text, project);
   try {
-    const auto file = gxi_read_lepton_file(text, "fuzz");
+    const auto file = gxi_lepton_read_file(text, "fuzz");
     std::vector<gxi_text_t> texts;
     std::vector<gxm_shape_t> shapes;
     const auto draw = [&](const gxi_lepton_texts_t& of) {

@@ -2,13 +2,15 @@
 #include "gxmake/parser.h"
 
 #include <algorithm>
-#include <fstream>
+#include <cerrno>
+#include <cstdint>
 #include <iterator>
 #include <set>
 
 #include "gx/text/strings.h"
 #include "gxmake/object_file.h"
 #include "gxmake/words.h"
+#include "platform/files.h"
 
 namespace {
 
@@ -550,11 +552,10 @@ void gxm_parse_text(std::string_view text, std::string_view name, gxm_input_t& i
 void gxm_parse_file(const std::filesystem::path& path, gxm_input_t& input) {
   const std::string name = path.lexically_normal().string();
   if (std::find(input.files.begin(), input.files.end(), name) != input.files.end()) return;
-  std::ifstream in(name, std::ios::binary);
-  if (!in) {
-    gxm_complain(input.messages, {}, name + ": cannot be read");
+  std::string text;
+  if (!x_read_regular(name, text, SIZE_MAX)) {
+    gxm_complain(input.messages, {}, name + ": cannot be read: " + x_why_unread(errno));
     return;
   }
-  const std::string text{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
   gxm_parse_text(text, name, input);
 }

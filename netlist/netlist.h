@@ -138,7 +138,7 @@ class kv_netlist_t {
   using source = kv_source_t<Design>;
 
  public:
-  // Of a design, which must stay where it is.
+  // Of a design, which must stay where it is; made of it silently where one is asked for.
   kv_netlist_t(const Design& design) : design_(&design) {}
 
   const kv_general_info_record_t& info() const { return source::info(*design_); }

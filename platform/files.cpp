@@ -61,6 +61,10 @@ bool x_close(x_file file) { return file != nullptr && std::fclose(file.release()
 
 std::string x_why(int error) { return std::strerror(error); }
 
+std::string x_why_unread(int error) {
+  return error == EINVAL ? "Not a regular file" : x_why(error);
+}
+
 bool x_is_missing(int error) {
   constexpr int missing[] = {ENOENT, ENOTDIR, ENAMETOOLONG, EISDIR, EINVAL};
   return std::ranges::find(missing, error) != std::end(missing);
@@ -97,6 +101,11 @@ bool x_read_whole(int file, std::string& bytes, std::size_t limit) {
   }
   bytes.resize(got);
   return true;
+}
+
+bool x_read_regular(const std::string& path, std::string& bytes, std::size_t limit) {
+  const x_descriptor file = x_open_regular(path);
+  return file && x_read_whole(file.get(), bytes, limit);
 }
 
 bool x_write_at(int file, std::string_view bytes, off_t offset) {

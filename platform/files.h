@@ -22,6 +22,8 @@ bool x_close(x_file file);
 
 // What an errno says: "No such file or directory".
 std::string x_why(int error);
+// The same of x_open_regular and x_read_regular: "Not a regular file" for a pipe or a device.
+std::string x_why_unread(int error);
 // Whether it says that there is no such file to read. All else stands in the way of one.
 bool x_is_missing(int error);
 
@@ -41,6 +43,8 @@ x_file x_create_new_file(const std::string& path);
 
 // The bytes of a file from its beginning, at most `limit`.
 bool x_read_whole(int file, std::string& bytes, std::size_t limit);
+// The same of a regular file at a path.
+bool x_read_regular(const std::string& path, std::string& bytes, std::size_t limit);
 // All bytes, from an offset on.
 bool x_write_at(int file, std::string_view bytes, off_t offset);
 

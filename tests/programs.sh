@@ -41,4 +41,22 @@ for program in "${programs[@]}"; do
   [[ $offered == "$options" ]] || fail "$name offers" $offered "but helps with" $options
   [[ $("$program" --help >/dev/full 2>&1; echo $?) == 1 ]] || fail "$name --help: a full disk"
 done
+
+# The formats that gximport reads, as its help names them: each is offered and has its line in the page.
+read -r formats < <("$build/tools/gximport" --help | sed -n 's/.*--format NAME *\(.*\) (default.*/\1/p')
+formats=${formats//,/} formats=${formats/ or / }
+COMP_WORDS=(gximport --format "") COMP_CWORD=2
+_kivo_programs gximport "" --format
+[[ $formats == *\ * && ${COMPREPLY[*]} == "$formats" ]] || fail "gximport reads $formats, offered: ${COMPREPLY[*]}"
+in_page=$(sed -n '/^.BI .*-format/,/^.TP/p' "$source/docs/man/gximport.1")
+for format in $formats; do [[ $in_page == *"$format"* ]] || fail "gximport.1 does not name the format $format"; done
+
+# What is no regular file is refused, never waited for.
+scratch=$(mktemp -d)
+mkfifo "$scratch/pipe.sch" "$scratch/pipe.gxt"
+ask 1 timeout 10 "$build/tools/gximport" -o "$scratch/d" "$scratch/pipe.sch"
+[[ $err == "$scratch/pipe.sch:1: cannot be read: Not a regular file" ]] || fail "gximport of a pipe: $err"
+ask 1 timeout 10 "$build/tools/gxmake" -o "$scratch/d" "$scratch/pipe.gxt"
+[[ $err == *"$scratch/pipe.gxt: cannot be read: Not a regular file"* ]] || fail "gxmake of a pipe: $err"
+rm -r "$scratch"
 (( ${#programs[@]} > 9 && faults == 0 ))

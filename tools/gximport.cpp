@@ -1,40 +1,46 @@
 // gximport: makes a design directory from a drawing of another editor.
 #include <cstdio>
 #include <exception>
-#include <fstream>
 #include <string>
 #include <vector>
 
 #include "import/build/output.h"
+#include "import/drawing/source_file.h"
 #include "import/formats.h"
 #include "platform/usage.h"
 
 namespace {
 
-constexpr tool_t tool = {
-    "gximport",
+// "xschem or lepton", "a, b or c".
+std::string names_of_formats() {
+  std::string names;
+  const auto formats = gxi_formats();
+  for (std::size_t i = 0; i < formats.size(); ++i) {
+    if (i > 0) names += i + 1 < formats.size() ? ", " : " or ";
+    names += formats[i].name;
+  }
+  return names;
+}
+
+const std::string help =
     "usage: gximport [OPTION]... -o DIRECTORY TOP.sch [PAGE.sch...]\n"
     "Makes DIRECTORY/CELL/symbol.gx and sheet.gx of a drawing and of all cells below it, and\n"
     "DIRECTORY/expand.do, which expands the design: cd DIRECTORY && kivo TOP expand.do\n"
     "  -o DIRECTORY   where the design goes; a file there is replaced by a new version only where\n"
     "                 its contents changed\n"
     "  -L LIBRARY     where symbols are looked for first; may be given again\n"
-    "  --format NAME  xschem or lepton (default: told from the file)\n"
+    "  --format NAME  " +
+    names_of_formats() +
+    " (default: recognised from the file)\n"
     "  --number NAME  keeps the property NAME of instances as a number: its values are written\n"
     "                 plain (10u as 0.00001); may be given again\n"
     "  --absolute     sheets name their symbols by absolute paths\n"
-    "  -q, --quiet    says nothing but mistakes\n"
+    "  -q, --quiet    prints errors only\n"
     "  --help, --version\n"
-    "Exit status: 0 imported, 1 refused (nothing is written), 2 wrong options.\n"};
+    "Exit status: 0 imported, 1 refused (nothing is written), 2 wrong options.\n";
+const tool_t tool = {"gximport", help};
 
-std::string head_of(const std::filesystem::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) throw std::runtime_error(path.string() + ":1: cannot be read");
-  std::string head(256, '\0');
-  in.read(head.data(), static_cast<std::streamsize>(head.size()));
-  head.resize(static_cast<std::size_t>(in.gcount()));
-  return head;
-}
+constexpr std::size_t head_of_file = 256;  // bytes that a format is recognised from
 
 }  // namespace
 
@@ -54,7 +60,8 @@ int main(int argc, char** argv) try {
   if (words.empty()) return tool_usage_error(tool, "no TOP.sch given");
   const auto* known = gxi_format_named(format);
   if (!format.empty() && !known)
-    return tool_usage_error(tool, "unknown format " + std::string(format));
+    return tool_usage_error(tool,
+                            "unknown format " + std::string(format) + ": " + names_of_formats());
 
   gxi_input_t input;
   input.pages.assign(words.begin(), words.end());
@@ -62,9 +69,9 @@ int main(int argc, char** argv) try {
   gxi_output_t output{.root = root, .date = gxm_date_of_files()};
   output.numbers.assign(numbers.begin(), numbers.end());
   output.absolute = absolute;
-  if (format.empty()) known = gxi_format_of(head_of(input.pages.front()));
-  if (!known)
-    throw std::runtime_error(input.pages.front().string() + ":1: no drawing of a known format");
+  const auto& top = input.pages.front();
+  if (!known) known = gxi_format_of(gxi_read_head(top, head_of_file));
+  if (!known) gxi_refuse({top.native(), 1}, "no drawing of a known format");
 
   auto design = known->read(input);
   const auto sum = gxi_write(design, output);

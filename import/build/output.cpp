@@ -4,8 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <fstream>
-#include <sstream>
+#include <cerrno>
 #include <stdexcept>
 
 #include "gx/db/link_file.h"
@@ -17,6 +16,7 @@
 #include "import/build/fit.h"
 #include "import/build/flat_size.h"
 #include "import/drawing/numbers.h"
+#include "platform/files.h"
 
 namespace {
 
@@ -24,24 +24,11 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t most_kept = 16;      // of each PROPerty list
 constexpr std::size_t longest_path = 199;  // of a symbol
-// Records of a kind, and characters, that an expansion may store: untold, and by STOre SIZe.
+// Limits per kind of record and on characters: the default, and the most that STOre SIZe takes.
 constexpr std::int64_t store_at_start = 500'000, store_at_most = 2'000'000'000;
 
 std::runtime_error trouble(const fs::path& path, const std::string& what) {
   return std::runtime_error(path.string() + ": " + what);
-}
-
-void write_whole(const fs::path& path, std::string_view bytes) {
-  std::ofstream out(path, std::ios::binary | std::ios::trunc);
-  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  if (!out.flush()) throw trouble(path, "cannot be written");
-}
-
-std::string read_whole(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream bytes;
-  bytes << in.rdbuf();
-  return std::move(bytes).str();
 }
 
 // A file that comes into place when all are written.
@@ -59,7 +46,7 @@ class writer {
     gxi_divide(design_);
     is_new_ = !fs::exists(output_.root);
     if (!is_new_ && !fs::is_directory(output_.root))
-      throw trouble(output_.root, "is there and no directory");
+      throw trouble(output_.root, "exists and is not a directory");
     make_aside();
     try {
       write_cells();
@@ -91,7 +78,8 @@ class writer {
     std::error_code error;
     fs::create_directories(aside.parent_path(), error);
     if (error) throw trouble(aside.parent_path(), error.message());
-    write_whole(aside, bytes);
+    if (!x_replace_file(aside.string(), bytes))
+      throw trouble(aside, "cannot be written: " + x_why(errno));
     waiting_.push_back({aside, place});
   }
 
@@ -185,7 +173,8 @@ class writer {
     if (!old.file) return false;
     const gx_date_t date = gx_file_date(file);
     gx_set_file_date(file, gx_file_date(*old.file));
-    if (gx_encode_file(file) == read_whole(path)) return true;
+    std::string bytes;
+    if (x_read_regular(path, bytes, SIZE_MAX) && gx_encode_file(file) == bytes) return true;
     gx_set_file_date(file, date);
     return false;
   }

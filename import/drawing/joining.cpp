@@ -7,6 +7,16 @@
 
 #include "gx/text/at.h"
 
+void gxi_members_t::add_component(std::size_t nb_of_members) {
+  first_.push_back(next_);
+  next_ += static_cast<int>(nb_of_members);
+}
+
+gxi_group_numbers_t::found_t gxi_group_numbers_t::of(int root) {
+  const auto [found, is_new] = numbers_.emplace(root, static_cast<int>(numbers_.size()));
+  return {found->second, is_new};
+}
+
 gxi_groups_t::gxi_groups_t(std::size_t size) : parent_(size) {
   std::iota(parent_.begin(), parent_.end(), 0);
 }

@@ -2,11 +2,28 @@
 #pragma once
 
 #include <span>
+#include <unordered_map>
 #include <vector>
 
 #include "import/drawing/runs.h"
 
-// Groups of things that are joined; the smallest member stands for its group.
+// Numbers of what can be joined on a sheet: first the wires, then what each component has, in its
+// order: pins, and links that nobody drew.
+class gxi_members_t {
+ public:
+  explicit gxi_members_t(std::size_t nb_of_wires) : next_(static_cast<int>(nb_of_wires)) {}
+  void add_component(std::size_t nb_of_members);
+  int of(std::size_t component, std::size_t member) const {
+    return first_[component] + static_cast<int>(member);
+  }
+  std::size_t count() const { return static_cast<std::size_t>(next_); }
+
+ private:
+  int next_;
+  std::vector<int> first_;  // by component
+};
+
+// Groups of members that are joined; the smallest member stands for its group.
 class gxi_groups_t {
  public:
   explicit gxi_groups_t(std::size_t size);
@@ -15,6 +32,19 @@ class gxi_groups_t {
 
  private:
   std::vector<int> parent_;
+};
+
+// Groups in the order in which they are asked for.
+class gxi_group_numbers_t {
+ public:
+  struct found_t {
+    int number = 0;
+    bool is_new = false;
+  };
+  found_t of(int root);
+
+ private:
+  std::unordered_map<int, int> numbers_;
 };
 
 struct gxi_met_pin_t {

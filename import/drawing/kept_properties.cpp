@@ -15,6 +15,10 @@ std::string gxi_property_name(std::string_view attribute) {
   return std::string(attribute);
 }
 
+bool gxi_class_has_meaning(std::string_view value) {
+  return gx_iden(value, "G") || gx_iden(value, "P") || gx_equal("PORT", value);
+}
+
 void gxi_keep_most_used(gxi_design_t& design, std::map<std::string, int> uses) {
   for (const auto& cell : design.cells)
     for (const auto& property : cell.symbol.defaults) ++uses[property.name];

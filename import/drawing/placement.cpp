@@ -119,6 +119,18 @@ gxi_stored_t gxi_below(const gxi_instance_t& instance, const gxi_line_t& line,
   return stored;
 }
 
+gxi_row_below_t::gxi_row_below_t(const gxi_symbol_t& symbol) {
+  for (const auto& shape : symbol.shapes)
+    for (const auto& point : shape.points) keep_below(point);
+  for (const auto& pin : symbol.pins) keep_below(pin.at);
+}
+
+void gxi_row_below_t::keep_below(gx_pointreal_t place) { lowest_.y = std::max(lowest_.y, place.y); }
+
+gx_pointreal_t gxi_row_below_t::next() {
+  return {taken_++ * gxm_step, (lowest_.y / gxm_step + 1) * gxm_step};
+}
+
 void gxi_draw_apart(const gxi_symbol_t& symbol, const gxi_instance_t& instance,
                     gxi_sheet_t& sheet) {
   for (auto shape : symbol.shapes) {

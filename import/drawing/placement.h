@@ -34,6 +34,18 @@ struct gxi_stored_t {
 };
 gxi_stored_t gxi_below(const gxi_instance_t& instance, const gxi_line_t& line, std::int32_t height);
 
+// Places for pins that a symbol does not draw: a row below its shapes and pins.
+class gxi_row_below_t {
+ public:
+  explicit gxi_row_below_t(const gxi_symbol_t& symbol);
+  void keep_below(gx_pointreal_t place);  // before the first next()
+  gx_pointreal_t next();
+
+ private:
+  gx_pointreal_t lowest_{};
+  std::int32_t taken_ = 0;
+};
+
 // A symbol drawn by itself, without being joined: its shapes and texts become those of the sheet.
 void gxi_draw_apart(const gxi_symbol_t& symbol, const gxi_instance_t& instance, gxi_sheet_t& sheet);
 // What stands for a symbol that is not found: a box with its name.

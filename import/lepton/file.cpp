@@ -276,6 +276,6 @@ class reader : private gxi_lepton_lines_t {
 
 }  // namespace
 
-gxi_lepton_file_t gxi_read_lepton_file(std::string_view text, std::string_view name) {
+gxi_lepton_file_t gxi_lepton_read_file(std::string_view text, std::string_view name) {
   return reader(text, name).run();
 }

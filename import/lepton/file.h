@@ -72,4 +72,4 @@ struct gxi_lepton_file_t {
 };
 
 // Throws std::runtime_error "NAME:LINE: what" where the text is no such file.
-gxi_lepton_file_t gxi_read_lepton_file(std::string_view text, std::string_view name);
+gxi_lepton_file_t gxi_lepton_read_file(std::string_view text, std::string_view name);

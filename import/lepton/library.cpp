@@ -41,7 +41,7 @@ const gxi_lepton_library_t::read_t& gxi_lepton_library_t::read(const fs::path& p
     const auto bytes = gxi_read_source(path);
     file.name = design_.files.emplace_back(path.lexically_normal().string());
     file.records =
-        std::make_shared<const gxi_lepton_file_t>(gxi_read_lepton_file(bytes, file.name));
+        std::make_shared<const gxi_lepton_file_t>(gxi_lepton_read_file(bytes, file.name));
   }
   return file;
 }

@@ -18,7 +18,10 @@ class joiner {
  public:
   joiner(const std::vector<gxi_lepton_placed_t>& components,
          const std::vector<gxi_lepton_wire_t>& wires)
-      : components_(components), wires_(wires), groups_(number_members()) {}
+      : components_(components),
+        wires_(wires),
+        members_(number(components, wires.size())),
+        groups_(members_.count()) {}
 
   gxi_lepton_nets_t run(const gxi_lepton_joined_t& joined, bool netname_wins) {
     join_by_place();
@@ -30,16 +33,15 @@ class joiner {
   }
 
  private:
-  std::size_t number_members() {
-    int next = static_cast<int>(wires_.size());
-    for (const auto& component : components_) {
-      first_.push_back(next);
-      next += static_cast<int>(component.pins.size() + component.links.size());
-    }
-    return static_cast<std::size_t>(next);
+  static gxi_members_t number(const std::vector<gxi_lepton_placed_t>& components,
+                              std::size_t nb_of_wires) {
+    gxi_members_t members(nb_of_wires);
+    for (const auto& component : components)
+      members.add_component(component.pins.size() + component.links.size());
+    return members;
   }
   int pin_member(std::size_t component, std::size_t pin) const {
-    return first_[component] + static_cast<int>(pin);
+    return members_.of(component, pin);
   }
   int hidden_member(std::size_t component, std::size_t link) const {
     return pin_member(component, components_[component].pins.size() + link);
@@ -83,12 +85,11 @@ class joiner {
   }
 
   void collect(bool netname_wins) {
-    std::map<int, int> net_of_group;
+    gxi_group_numbers_t groups;
     const auto net = [&](int member, const gxm_source_t& where) {
-      const auto [found, is_new] =
-          net_of_group.emplace(groups_.root(member), static_cast<int>(result_.nets.size()));
-      if (is_new) result_.nets.push_back({.source = where});
-      return found->second;
+      const auto group = groups.of(groups_.root(member));
+      if (group.is_new) result_.nets.push_back({.source = where});
+      return group.number;
     };
     for (std::size_t i = 0; i < wires_.size(); ++i)
       result_.of_wire.push_back(
@@ -124,7 +125,7 @@ class joiner {
 
   const std::vector<gxi_lepton_placed_t>& components_;
   const std::vector<gxi_lepton_wire_t>& wires_;
-  std::vector<int> first_;
+  gxi_members_t members_;
   gxi_groups_t groups_;
   std::map<std::string, named_t> by_name_;
   gxi_lepton_nets_t result_;
@@ -140,7 +141,7 @@ gx_pointreal_t gxi_lepton_tip(const gxi_lepton_placed_t& placed, std::size_t pin
   return gxi_on_sheet(instance, gxi_lepton_point(placed.pins[pin]->tip));
 }
 
-gxi_lepton_nets_t gxi_join_lepton(const std::vector<gxi_lepton_placed_t>& components,
+gxi_lepton_nets_t gxi_lepton_join(const std::vector<gxi_lepton_placed_t>& components,
                                   const std::vector<gxi_lepton_wire_t>& wires,
                                   const gxi_lepton_joined_t& joined, bool netname_wins) {
   return joiner(components, wires).run(joined, netname_wins);

@@ -33,6 +33,6 @@ using gxi_lepton_joined_t = std::vector<std::vector<std::pair<std::size_t, std::
 // The place of a pin's tip on the sheet.
 gx_pointreal_t gxi_lepton_tip(const gxi_lepton_placed_t& placed, std::size_t pin);
 
-gxi_lepton_nets_t gxi_join_lepton(const std::vector<gxi_lepton_placed_t>& components,
+gxi_lepton_nets_t gxi_lepton_join(const std::vector<gxi_lepton_placed_t>& components,
                                   const std::vector<gxi_lepton_wire_t>& wires,
                                   const gxi_lepton_joined_t& joined, bool netname_wins);

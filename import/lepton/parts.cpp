@@ -109,7 +109,7 @@ std::vector<const gxi_lepton_link_t*> gxi_lepton_placed_t::hidden_links() const 
   return hidden;
 }
 
-gxi_lepton_placed_t gxi_place_lepton(gxi_lepton_library_t& library,
+gxi_lepton_placed_t gxi_lepton_place(gxi_lepton_library_t& library,
                                      const gxi_lepton_component_t& component, std::string_view page,
                                      gxm_messages_t& messages) {
   gxi_lepton_placed_t placed{.component = &component, .file = page};

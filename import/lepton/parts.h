@@ -43,6 +43,6 @@ struct gxi_lepton_placed_t {
 };
 
 // `messages` are told what a component says in vain.
-gxi_lepton_placed_t gxi_place_lepton(gxi_lepton_library_t& library,
+gxi_lepton_placed_t gxi_lepton_place(gxi_lepton_library_t& library,
                                      const gxi_lepton_component_t& component, std::string_view page,
                                      gxm_messages_t& messages);

@@ -3,11 +3,13 @@
 
 #include <algorithm>
 #include <set>
-#include <stdexcept>
+#include <span>
 
 #include "gx/text/at.h"
+#include "import/drawing/hierarchy.h"
 #include "import/drawing/kept_properties.h"
 #include "import/drawing/placement.h"
+#include "import/drawing/source_file.h"
 #include "import/lepton/commons.h"
 #include "import/lepton/nets.h"
 #include "import/lepton/pages.h"
@@ -18,8 +20,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using role_t = gxi_lepton_role_t;
-
-constexpr std::size_t most_levels = 28;
 
 class lepton_reader {
  public:
@@ -51,18 +51,12 @@ class lepton_reader {
 
   // --- cells
   int cell_of(const gxi_lepton_placed_t& placed) {
-    const auto [found, is_new] =
-        cells_.emplace(std::pair(placed.symbol, gxi_lepton_sign_key(placed)),
-                       static_cast<int>(design_.cells.size()));
-    const int index = found->second;
-    if (placed.role == role_t::block)
-      for (const auto& sheet : placed.sheets)
-        if (open_.contains(sheet.lexically_normal().string()))
-          throw std::runtime_error(std::string(placed.file) + ":" +
-                                   std::to_string(placed.component->line.number) + ": " +
-                                   sheet.string() + " contains itself");
+    std::span<const fs::path> sheets;
+    if (placed.role == role_t::block) sheets = placed.sheets;
+    const auto [index, is_new] =
+        hierarchy_.cell(placed.symbol, gxi_lepton_sign_key(placed), sheets, placed.source());
     if (!is_new) return index;
-    auto& made = design_.cells.emplace_back();
+    auto& made = cell(index);
     made.name =
         placed.role == role_t::block ? placed.sheets.front().stem().string() : placed.symbol->name;
     made.symbol = gxi_lepton_sign(placed);
@@ -72,23 +66,18 @@ class lepton_reader {
 
   // --- sheets
   void read_sheet(int index, const gxi_lepton_placed_t* block, const std::vector<fs::path>& paths) {
-    if (open_.size() >= most_levels)
-      throw std::runtime_error(paths.front().string() + ":1: more than 28 levels");
-    std::set<std::string> here;
+    const auto level = hierarchy_.enter(paths);
     std::vector<gxi_lepton_page_t> pages;
     for (const auto& path : paths) {
-      here.insert(path.lexically_normal().string());
       const auto& read = library_.read(path);
       auto& page = pages.emplace_back();
       page.records = read.records.get();
       page.file = read.name;
       for (const auto& component : read.records->components)
-        page.placed.push_back(gxi_place_lepton(library_, component, page.file, design_.warnings));
+        page.placed.push_back(gxi_lepton_place(library_, component, page.file, design_.warnings));
     }
-    open_.insert(here.begin(), here.end());
     if (!gxi_lay_out(pages))
-      throw std::runtime_error(paths.front().string() +
-                               ":1: its pages are too large for one sheet");
+      gxi_refuse({paths.front().native(), 1}, "its pages are too large for one sheet");
 
     gxi_sheet_t sheet;
     sheet.source = {pages.front().file, 1};
@@ -106,7 +95,7 @@ class lepton_reader {
       cells.push_back(has_cell(one) ? cell_of(one) : -1);
       joined.push_back(one.role == role_t::block ? blocks_[cells.back()].joined : block_t{}.joined);
     }
-    auto nets = gxi_join_lepton(placed, wires, joined, library_.project().netname_wins);
+    auto nets = gxi_lepton_join(placed, wires, joined, library_.project().netname_wins);
     std::vector<gxi_common_name_t> common;
     for (const auto& names : nets.names) common.push_back(common_name(index, names));
     const auto second = bring_in(placed, nets);
@@ -124,7 +113,6 @@ class lepton_reader {
     sheet.nets = std::move(nets.nets);
     for (auto& net : sheet.nets) net.name = gxi_lepton_plain(net.name);
     cell(index).sheet = std::move(sheet);
-    for (const auto& path : here) open_.erase(path);
   }
 
   // A power symbol stands for a net of the whole design when such nets are; else it is drawn.
@@ -275,9 +263,8 @@ class lepton_reader {
   const gxi_input_t& input_;
   gxi_design_t design_;
   gxi_lepton_library_t library_;
-  std::map<std::pair<const gxi_lepton_symbol_t*, std::string>, int> cells_;
+  gxi_hierarchy_t hierarchy_{design_};
   std::map<int, block_t> blocks_;  // by cell
-  std::set<std::string> open_;     // sheets being read, for those that contain themselves
   gxi_commons_t commons_;
   std::map<std::string, int> uses_;
 };

@@ -61,16 +61,10 @@ gxi_pin_t pin_of(const gxi_lepton_pin_t& pin, std::string name) {
   return made;
 }
 
-// In a row below what is drawn.
 void add_hidden_pins(const gxi_lepton_placed_t& placed, gxi_symbol_t& sign) {
-  gx_pointreal_t below{0, 0};
-  for (const auto& shape : sign.shapes)
-    for (const auto& point : shape.points) below.y = std::max(below.y, point.y);
-  below.y = (below.y / gxm_step + 1) * gxm_step;
-  for (const auto* const link : placed.hidden_links()) {
-    sign.pins.push_back({.name = link->pin, .at = below});
-    below.x += gxm_step;
-  }
+  gxi_row_below_t below(sign);
+  for (const auto* const link : placed.hidden_links())
+    sign.pins.push_back({.name = link->pin, .at = below.next()});
 }
 
 gxi_lepton_text_t shifted(gxi_lepton_text_t text, gxi_lepton_point_t by) {
@@ -174,9 +168,7 @@ std::string gxi_lepton_class(const gxi_lepton_placed_t& placed) {
     letters += big;
   }
   if (letters.empty()) return "DEVICE";
-  // Not what an expansion takes for a port or a global.
-  const bool meant = letters == "G" || letters == "P" || letters.rfind("PORT", 0) == 0;
-  return meant ? letters + "_" : letters;
+  return gxi_class_has_meaning(letters) ? letters + "_" : letters;
 }
 
 std::string_view gxi_lepton_port_class(const gxi_lepton_placed_t& placed) {

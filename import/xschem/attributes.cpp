@@ -28,7 +28,7 @@ std::size_t end_of_name(std::string_view text, std::size_t at) {
 }
 }  // namespace
 
-gxi_attributes_t::gxi_attributes_t(std::string_view text) {
+gxi_xschem_attributes_t::gxi_xschem_attributes_t(std::string_view text) {
   std::size_t at = 0;
   const auto skip_blanks = [&] {
     while (at < text.size() && is_blank(text[at])) ++at;
@@ -56,24 +56,24 @@ gxi_attributes_t::gxi_attributes_t(std::string_view text) {
   }
 }
 
-const std::string* gxi_attributes_t::find(std::string_view name) const {
+const std::string* gxi_xschem_attributes_t::find(std::string_view name) const {
   const auto found = std::find_if(list_.begin(), list_.end(),
                                   [&](const auto& entry) { return entry.first == name; });
   return found == list_.end() ? nullptr : &found->second;
 }
 
-std::string_view gxi_attributes_t::get(std::string_view name) const {
+std::string_view gxi_xschem_attributes_t::get(std::string_view name) const {
   const auto* const value = find(name);
   return value != nullptr ? std::string_view(*value) : std::string_view();
 }
 
-bool gxi_attributes_t::is_set(std::string_view name) const {
+bool gxi_xschem_attributes_t::is_set(std::string_view name) const {
   constexpr auto unset = std::to_array<std::string_view>({"", "0", "false", "no", "off"});
   return std::find(unset.begin(), unset.end(), get(name)) == unset.end();
 }
 
-std::string gxi_substitute(std::string_view text,
-                           const std::function<std::string(std::string_view)>& value) {
+std::string gxi_xschem_substitute(std::string_view text,
+                                  const std::function<std::string(std::string_view)>& value) {
   std::string result;
   for (std::size_t at = 0; at < text.size();) {
     if (text[at] == '\\') {

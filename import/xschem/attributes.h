@@ -10,10 +10,10 @@
 #include <vector>
 
 // In their order; of a name given twice the first counts.
-class gxi_attributes_t {
+class gxi_xschem_attributes_t {
  public:
-  gxi_attributes_t() = default;
-  explicit gxi_attributes_t(std::string_view text);
+  gxi_xschem_attributes_t() = default;
+  explicit gxi_xschem_attributes_t(std::string_view text);
 
   const std::string* find(std::string_view name) const;
   // "" without one.
@@ -28,5 +28,5 @@ class gxi_attributes_t {
 
 // The text with each "@name" (also "@@pin", "@#1:attribute") replaced by what `value` says of the
 // name behind the first "@". A backslash takes the meaning from the next character.
-std::string gxi_substitute(std::string_view text,
-                           const std::function<std::string(std::string_view)>& value);
+std::string gxi_xschem_substitute(std::string_view text,
+                                  const std::function<std::string(std::string_view)>& value);

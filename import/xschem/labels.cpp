@@ -49,7 +49,7 @@ class parser {
     names_t all;
     do {
       names_t more = item(depth);
-      if (all.size() + more.size() > gxi_most_bits) throw too_much{};
+      if (all.size() + more.size() > gxi_xschem_most_bits) throw too_much{};
       all.insert(all.end(), more.begin(), more.end());
     } while (take(','));
     return all;
@@ -85,7 +85,8 @@ class parser {
   }
 
   static void check(std::size_t count, int times) {
-    if (times < 1 || count * static_cast<std::size_t>(times) > gxi_most_bits) throw too_much{};
+    if (times < 1 || count * static_cast<std::size_t>(times) > gxi_xschem_most_bits)
+      throw too_much{};
   }
 
   // "4*" before a name; nothing is taken otherwise.
@@ -138,11 +139,11 @@ class parser {
       }
       const int first = numbers.front(), last = numbers.size() > 1 ? numbers[1] : first;
       const long step = numbers.size() > 2 && numbers[2] != 0 ? std::abs(long{numbers[2]}) : 1;
-      if ((std::abs(long{first} - last) / step) >= static_cast<long>(gxi_most_bits))
+      if ((std::abs(long{first} - last) / step) >= static_cast<long>(gxi_xschem_most_bits))
         throw too_much{};
       for (long i = first; first <= last ? i <= last : i >= last; i += first <= last ? step : -step)
         all.push_back(bare ? std::to_string(i) : "[" + std::to_string(i) + "]");
-      if (all.size() > gxi_most_bits) throw too_much{};
+      if (all.size() > gxi_xschem_most_bits) throw too_much{};
     }
     return all;
   }
@@ -152,7 +153,7 @@ class parser {
 
 }  // namespace
 
-std::vector<std::string> gxi_expand_label(std::string_view label) {
+std::vector<std::string> gxi_xschem_bits(std::string_view label) {
   if (label.find_first_of(",*[(") == std::string_view::npos) return {std::string(label)};
   std::string text(label);
   std::erase(text, ' ');
@@ -163,4 +164,6 @@ std::vector<std::string> gxi_expand_label(std::string_view label) {
   }
 }
 
-std::string_view gxi_label_base(std::string_view label) { return label.substr(0, label.find('[')); }
+std::string_view gxi_xschem_label_base(std::string_view label) {
+  return label.substr(0, label.find('['));
+}

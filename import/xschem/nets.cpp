@@ -13,15 +13,15 @@ namespace {
 
 class joiner {
  public:
-  joiner(const std::vector<gxi_placed_t>& components,
+  joiner(const std::vector<gxi_xschem_placed_t>& components,
          const std::vector<const gxi_xschem_shape_t*>& wires, std::string_view file,
          gxm_messages_t& messages)
       : components_(components),
         wires_(wires),
         file_(file),
         messages_(messages),
-        first_pin_(number_pins()),
-        groups_(wires.size() + static_cast<std::size_t>(nb_of_pins_)) {}
+        members_(number(components, wires.size())),
+        groups_(members_.count()) {}
 
   gxi_xschem_nets_t run() {
     join_by_place();
@@ -33,19 +33,16 @@ class joiner {
   }
 
  private:
-  // Members of groups: first the wires, then the pins of all components.
-  std::vector<int> number_pins() {
-    std::vector<int> first;
-    for (const auto& component : components_) {
-      first.push_back(static_cast<int>(wires_.size()) + nb_of_pins_);
-      nb_of_pins_ += static_cast<int>(component.pins.size());
-    }
-    return first;
+  static gxi_members_t number(const std::vector<gxi_xschem_placed_t>& components,
+                              std::size_t nb_of_wires) {
+    gxi_members_t members(nb_of_wires);
+    for (const auto& component : components) members.add_component(component.pins.size());
+    return members;
   }
-  int member(std::size_t component, std::size_t pin) const {
-    return first_pin_[component] + static_cast<int>(pin);
+  int member(std::size_t component, std::size_t pin) const { return members_.of(component, pin); }
+  gxm_source_t source(const gxi_xschem_placed_t& placed) const {
+    return {file_, placed.component->line};
   }
-  gxm_source_t source(const gxi_placed_t& placed) const { return {file_, placed.component->line}; }
 
   void join_by_place() {
     std::vector<gxi_span_t> spans;
@@ -69,7 +66,8 @@ class joiner {
     for (std::size_t i = 0; i < components_.size(); ++i) {
       const auto& placed = components_[i];
       const auto role = placed.symbol->role;
-      if (placed.ignored || (role != gxi_role_t::label && role != gxi_role_t::port)) continue;
+      if (placed.ignored || (role != gxi_xschem_role_t::label && role != gxi_xschem_role_t::port))
+        continue;
       const std::string label(placed.value("lab"));
       if (label.empty() || placed.pins.empty()) continue;
       result_.names_its_net[i] = give(groups_.root(member(i, 0)), label, source(placed));
@@ -89,7 +87,7 @@ class joiner {
   void name_by_taps() {
     std::vector<std::size_t> waiting;
     for (std::size_t i = 0; i < components_.size(); ++i)
-      if (components_[i].symbol->role == gxi_role_t::bus_tap && !components_[i].ignored &&
+      if (components_[i].symbol->role == gxi_xschem_role_t::bus_tap && !components_[i].ignored &&
           components_[i].pins.size() == 2)
         waiting.push_back(i);
     for (bool unnamed_too : {false, true}) {
@@ -110,7 +108,7 @@ class joiner {
       auto name = names_.find(bus);
       if (name == names_.end() && !unnamed_too) return false;
       if (name == names_.end()) name = names_.emplace(bus, "#" + std::to_string(bus) + "[0]").first;
-      label = std::string(gxi_label_base(name->second)) + label;
+      label = std::string(gxi_xschem_label_base(name->second)) + label;
     }
     if (!label.empty()) names_.emplace(tapped, label);
     return true;
@@ -135,13 +133,12 @@ class joiner {
   }
 
   void collect() {
-    std::map<int, int> bundle_of_group;
+    gxi_group_numbers_t groups;
     const auto bundle = [&](int of_member, const gxm_source_t& where) {
-      const int group = groups_.root(of_member);
-      const auto [found, is_new] =
-          bundle_of_group.emplace(group, static_cast<int>(result_.bundles.size()));
-      if (is_new) result_.bundles.push_back({nets_of(group, where)});
-      return found->second;
+      const int root = groups_.root(of_member);
+      const auto group = groups.of(root);
+      if (group.is_new) result_.bundles.push_back({nets_of(root, where)});
+      return group.number;
     };
     for (std::size_t i = 0; i < wires_.size(); ++i)
       result_.bundle_of_wire.push_back(bundle(static_cast<int>(i), {file_, wires_[i]->line}));
@@ -165,12 +162,11 @@ class joiner {
     return nets;
   }
 
-  const std::vector<gxi_placed_t>& components_;
+  const std::vector<gxi_xschem_placed_t>& components_;
   const std::vector<const gxi_xschem_shape_t*>& wires_;
   std::string_view file_;
   gxm_messages_t& messages_;
-  int nb_of_pins_ = 0;
-  std::vector<int> first_pin_;
+  gxi_members_t members_;
   gxi_groups_t groups_;
   std::map<int, std::string> names_;
   std::map<int, std::size_t> unnamed_;
@@ -179,14 +175,14 @@ class joiner {
 
 }  // namespace
 
-std::string_view gxi_placed_t::value(std::string_view name) const {
+std::string_view gxi_xschem_placed_t::value(std::string_view name) const {
   const auto* const own = attributes.find(name);
   return own != nullptr ? std::string_view(*own) : symbol->defaults.get(name);
 }
 
 std::vector<int> gxi_xschem_nets_t::named(std::string_view label, const gxm_source_t& source) {
   std::vector<int> list;
-  for (auto& name : gxi_expand_label(label)) {
+  for (auto& name : gxi_xschem_bits(label)) {
     // A netlist for simulation does not tell letter cases apart.
     const auto [found, is_new] = by_name.emplace(gx_upper(name), static_cast<int>(nets.size()));
     if (is_new) {
@@ -198,7 +194,7 @@ std::vector<int> gxi_xschem_nets_t::named(std::string_view label, const gxm_sour
   return list;
 }
 
-gxi_xschem_nets_t gxi_join_xschem(const std::vector<gxi_placed_t>& components,
+gxi_xschem_nets_t gxi_xschem_join(const std::vector<gxi_xschem_placed_t>& components,
                                   const std::vector<const gxi_xschem_shape_t*>& wires,
                                   std::string_view file, gxm_messages_t& messages) {
   return joiner(components, wires, file, messages).run();

@@ -6,10 +6,10 @@
 #include "import/xschem/symbols.h"
 
 // A component of the sheet, as far as nets go.
-struct gxi_placed_t {
+struct gxi_xschem_placed_t {
   const gxi_xschem_component_t* component = nullptr;
   const gxi_xschem_symbol_t* symbol = nullptr;
-  gxi_attributes_t attributes{};
+  gxi_xschem_attributes_t attributes{};
   std::vector<std::string> names{};  // of a device: one for each instance of a vector
   bool ignored = false;              // takes no part in nets
   bool shorted = false;              // joins all its pins
@@ -20,13 +20,13 @@ struct gxi_placed_t {
 };
 
 // A wire or a pin belongs to a bundle: a list of nets.
-struct gxi_bundle_t {
+struct gxi_xschem_bundle_t {
   std::vector<int> nets{};  // of the sheet; never empty when wires or pins are on it
 };
 
 struct gxi_xschem_nets_t {
   std::vector<gxi_net_t> nets{};
-  std::vector<gxi_bundle_t> bundles{};
+  std::vector<gxi_xschem_bundle_t> bundles{};
   std::vector<std::vector<int>> bundle_of_pin{};  // by component and pin
   std::vector<int> bundle_of_wire{};              // by wire
   // Of each label and port: whether its net bears its name, as it does unless two labels met.
@@ -38,6 +38,6 @@ struct gxi_xschem_nets_t {
 };
 
 // `wires` are the N records. Labels that meet on one net are told in `messages`; the first counts.
-gxi_xschem_nets_t gxi_join_xschem(const std::vector<gxi_placed_t>& components,
+gxi_xschem_nets_t gxi_xschem_join(const std::vector<gxi_xschem_placed_t>& components,
                                   const std::vector<const gxi_xschem_shape_t*>& wires,
                                   std::string_view file, gxm_messages_t& messages);

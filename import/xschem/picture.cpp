@@ -41,7 +41,7 @@ std::uint8_t gxi_xschem_color(int layer) {
 }
 
 bool gxi_xschem_shape(const gxi_xschem_shape_t& shape, gxm_shape_t& drawn) {
-  const gxi_attributes_t attributes(shape.attributes);
+  const gxi_xschem_attributes_t attributes(shape.attributes);
   drawn = {};
   drawn.color = gxi_xschem_color(shape.layer);
   drawn.style = attributes.find("dash") != nullptr ? 1 : 0;
@@ -76,7 +76,7 @@ bool gxi_xschem_shape(const gxi_xschem_shape_t& shape, gxm_shape_t& drawn) {
 }
 
 gxi_look_t gxi_xschem_look(const gxi_xschem_text_t& text) {
-  const gxi_attributes_t attributes(text.attributes);
+  const gxi_xschem_attributes_t attributes(text.attributes);
   const double size = std::clamp(std::fabs(text.height), smallest, largest);
   gxi_look_t look;
   look.height = std::max(length(size * letter_height), 1);
@@ -108,10 +108,10 @@ gxi_look_t gxi_xschem_look(const gxi_xschem_text_t& text) {
 }
 
 std::vector<gxi_xschem_shown_t> gxi_xschem_shown(const gxi_xschem_file_t& symbol, bool fixed,
-                                                 const gxi_value_t& value) {
+                                                 const gxi_xschem_value_of_t& value) {
   std::vector<gxi_xschem_shown_t> shown;
   for (const auto& text : symbol.texts) {
-    const gxi_attributes_t attributes(text.attributes);
+    const gxi_xschem_attributes_t attributes(text.attributes);
     const auto hide = attributes.get("hide");
     if (hide == "true" || hide == "1" || hide == "instance") continue;
     if (text.text.rfind("tcleval(", 0) == 0) continue;
@@ -124,7 +124,7 @@ std::vector<gxi_xschem_shown_t> gxi_xschem_shown(const gxi_xschem_file_t& symbol
       const auto name = std::string_view(text.text).substr(1);
       if (text.text.front() == '@' && name.find_first_of("@#: \n\\/") == std::string_view::npos)
         entry.attribute = name;
-      entry.value = gxi_substitute(text.text, value);
+      entry.value = gxi_xschem_substitute(text.text, value);
     } else {
       entry.value = text.text;
     }

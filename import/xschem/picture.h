@@ -25,6 +25,6 @@ struct gxi_xschem_shown_t {
   std::string value{};
   gxi_look_t look{};  // of the symbol
 };
-using gxi_value_t = std::function<std::string(std::string_view)>;
+using gxi_xschem_value_of_t = std::function<std::string(std::string_view)>;
 std::vector<gxi_xschem_shown_t> gxi_xschem_shown(const gxi_xschem_file_t& symbol, bool fixed,
-                                                 const gxi_value_t& value);
+                                                 const gxi_xschem_value_of_t& value);

@@ -238,7 +238,7 @@ class reader {
 
 }  // namespace
 
-gxi_xschem_file_t gxi_read_xschem_records(std::string_view text, const gxm_source_t& name,
+gxi_xschem_file_t gxi_xschem_read_records(std::string_view text, const gxm_source_t& name,
                                           gxm_messages_t& messages) {
   return reader(text, name.file, messages).run();
 }

@@ -57,5 +57,5 @@ struct gxi_xschem_file_t {
 
 // Throws std::runtime_error "NAME:LINE: what" where the text is no such file. A record of an
 // unknown kind is told in `messages` and passed over.
-gxi_xschem_file_t gxi_read_xschem_records(std::string_view text, const gxm_source_t& name,
+gxi_xschem_file_t gxi_xschem_read_records(std::string_view text, const gxm_source_t& name,
                                           gxm_messages_t& messages);

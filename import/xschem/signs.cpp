@@ -30,15 +30,11 @@ void draw_fixed(const gxi_xschem_file_t& records, gxi_symbol_t& sign) {
 }
 
 void take_nodes(const gxi_xschem_symbol_t& from, gxi_symbol_t& sign) {
-  gx_pointreal_t below{0, 0};
-  for (const auto& shape : sign.shapes)
-    for (const auto& point : shape.points) below.y = std::max(below.y, point.y);
-  for (const auto& pin : from.pins) below.y = std::max(below.y, gxi_xschem_point(pin.at).y);
-  below.y = (below.y / gxm_step + 1) * gxm_step;
+  gxi_row_below_t below(sign);
+  for (const auto& pin : from.pins) below.keep_below(gxi_xschem_point(pin.at));
   for (const auto& node : from.nodes) {
     if (node.pin < 0) {
-      sign.pins.push_back({.name = node.name, .at = below});
-      below.x += gxm_step;
+      sign.pins.push_back({.name = node.name, .at = below.next()});
       continue;
     }
     const auto& pin = gx_at(from.pins, node.pin);
@@ -61,7 +57,7 @@ std::string value_of_pin(const gxi_xschem_symbol_t& symbol, std::string_view nam
 gxi_symbol_t gxi_xschem_sign(const gxi_xschem_symbol_t& from) {
   gxi_symbol_t sign{.name = from.name, .source = {from.file, 0}};
   draw_fixed(from.records, sign);
-  if (from.role == gxi_role_t::device) {
+  if (from.role == gxi_xschem_role_t::device) {
     take_nodes(from, sign);
     for (const auto& [name, value] : from.defaults.all())
       if (!is_told_otherwise(name)) sign.defaults.push_back({gxi_property_name(name), value, {}});
@@ -70,7 +66,7 @@ gxi_symbol_t gxi_xschem_sign(const gxi_xschem_symbol_t& from) {
   if (from.pins.empty()) return sign;
   const auto& pin = from.pins.front();
   sign.pins.push_back({.name = "P", .type = pin.type, .at = gxi_xschem_point(pin.at)});
-  if (from.role == gxi_role_t::port)
+  if (from.role == gxi_xschem_role_t::port)
     sign.properties.push_back({"CLASS", gxi_xschem_port_class(from), {}});
   return sign;
 }
@@ -78,16 +74,14 @@ gxi_symbol_t gxi_xschem_sign(const gxi_xschem_symbol_t& from) {
 std::string gxi_xschem_class(const gxi_xschem_symbol_t& symbol) {
   const auto& type = symbol.type;
   if (type.empty()) return "device";
-  // Not what an expansion takes for a port or a global.
-  const bool port = (type.size() == 6 || type.size() == 7) && gx_equal("PORT", type);
-  return port || gx_iden(type, "G") ? "device_" + type : type;
+  return gxi_class_has_meaning(type) ? "device_" + type : type;
 }
 
 std::string gxi_xschem_port_class(const gxi_xschem_symbol_t& symbol) {
   return symbol.type == "ipin" ? "PORTIN" : symbol.type == "opin" ? "PORTOUT" : "PORTIO";
 }
 
-std::string gxi_xschem_value(const gxi_placed_t& placed, std::string_view name,
+std::string gxi_xschem_value(const gxi_xschem_placed_t& placed, std::string_view name,
                              std::string_view sheet) {
   const std::filesystem::path file(sheet);
   if (name == "symname") return placed.symbol->name;
@@ -107,7 +101,7 @@ gxi_instance_t gxi_xschem_instance(const gxi_xschem_component_t& component, std:
   return instance;
 }
 
-std::vector<gxi_property_t> gxi_dress_xschem(const gxi_placed_t& placed,
+std::vector<gxi_property_t> gxi_xschem_dress(const gxi_xschem_placed_t& placed,
                                              const std::vector<gxi_xschem_shown_t>& shown,
                                              gxi_instance_t& instance, gxi_sheet_t& sheet) {
   for (const auto& [name, value] : placed.attributes.all())
@@ -140,8 +134,9 @@ std::vector<gxi_property_t> gxi_dress_xschem(const gxi_placed_t& placed,
   return seen;
 }
 
-void gxi_draw_xschem(const gxi_placed_t& placed, const std::vector<gxi_xschem_shown_t>& shown,
-                     const gxi_instance_t& instance, gxi_sheet_t& sheet) {
+void gxi_xschem_draw(const gxi_xschem_placed_t& placed,
+                     const std::vector<gxi_xschem_shown_t>& shown, const gxi_instance_t& instance,
+                     gxi_sheet_t& sheet) {
   gxi_symbol_t sign;
   draw_fixed(placed.symbol->records, sign);
   if (placed.symbol->missing) gxi_draw_missing(placed.component->symbol, sign);

@@ -17,7 +17,7 @@ std::string gxi_xschem_class(const gxi_xschem_symbol_t& symbol);
 std::string gxi_xschem_port_class(const gxi_xschem_symbol_t& symbol);
 
 // What "@name" stands for in a text of the symbol; `sheet` is the file that the component is in.
-std::string gxi_xschem_value(const gxi_placed_t& placed, std::string_view name,
+std::string gxi_xschem_value(const gxi_xschem_placed_t& placed, std::string_view name,
                              std::string_view sheet);
 
 // The place, mirror and turn of a component.
@@ -25,9 +25,10 @@ gxi_instance_t gxi_xschem_instance(const gxi_xschem_component_t& component, std:
 // Gives the instance of a device its properties, hidden, and shows its name. What is seen of them
 // is in the list that is returned, which the first instance of a vector takes; what stands for all
 // of a vector is written on the sheet.
-std::vector<gxi_property_t> gxi_dress_xschem(const gxi_placed_t& placed,
+std::vector<gxi_property_t> gxi_xschem_dress(const gxi_xschem_placed_t& placed,
                                              const std::vector<gxi_xschem_shown_t>& shown,
                                              gxi_instance_t& instance, gxi_sheet_t& sheet);
 // Draws a component that is no instance.
-void gxi_draw_xschem(const gxi_placed_t& placed, const std::vector<gxi_xschem_shown_t>& shown,
-                     const gxi_instance_t& instance, gxi_sheet_t& sheet);
+void gxi_xschem_draw(const gxi_xschem_placed_t& placed,
+                     const std::vector<gxi_xschem_shown_t>& shown, const gxi_instance_t& instance,
+                     gxi_sheet_t& sheet);

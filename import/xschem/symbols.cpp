@@ -91,19 +91,19 @@ class node_reader {
   std::size_t count_ = 0;
 };
 
-gxi_role_t role_of(const gxi_xschem_symbol_t& symbol) {
+gxi_xschem_role_t role_of(const gxi_xschem_symbol_t& symbol) {
   const auto& type = symbol.type;
-  if (type == "label") return gxi_role_t::label;
-  if (type == "ipin" || type == "opin" || type == "iopin") return gxi_role_t::port;
-  if (type == "bus_tap") return gxi_role_t::bus_tap;
-  if (type == "subcircuit") return gxi_role_t::device;
-  if (type == "netlist_commands" || type == "netlist_options") return gxi_role_t::picture;
+  if (type == "label") return gxi_xschem_role_t::label;
+  if (type == "ipin" || type == "opin" || type == "iopin") return gxi_xschem_role_t::port;
+  if (type == "bus_tap") return gxi_xschem_role_t::bus_tap;
+  if (type == "subcircuit") return gxi_xschem_role_t::device;
+  if (type == "netlist_commands" || type == "netlist_options") return gxi_xschem_role_t::picture;
   auto format = symbol.attributes.get("format");
   format.remove_prefix(std::min(format.find_first_not_of(" \t\n"), format.size()));
   if (format.empty() || format.front() == '*' || format.front() == '.' || format.front() == '/' ||
       format.substr(0, 8) == "tcleval(")
-    return gxi_role_t::picture;
-  return gxi_role_t::device;
+    return gxi_xschem_role_t::picture;
+  return gxi_xschem_role_t::device;
 }
 
 std::string_view pin_type(std::string_view direction) {
@@ -146,7 +146,7 @@ std::optional<fs::path> gxi_xschem_library_t::find(const std::string& name,
 std::pair<gxi_xschem_file_t, std::string_view> gxi_xschem_library_t::read(const fs::path& path) {
   const auto bytes = gxi_read_source(path);
   const std::string_view name = design_.files.emplace_back(path.lexically_normal().string());
-  return {gxi_read_xschem_records(bytes, {name, 0}, design_.warnings), name};
+  return {gxi_xschem_read_records(bytes, {name, 0}, design_.warnings), name};
 }
 
 std::unique_ptr<gxi_xschem_symbol_t> gxi_xschem_library_t::make(const std::string& name,
@@ -156,22 +156,22 @@ std::unique_ptr<gxi_xschem_symbol_t> gxi_xschem_library_t::make(const std::strin
   symbol->name = fs::path(name).stem().string();
   symbol->file = file;
   symbol->records = std::move(records);
-  symbol->attributes = gxi_attributes_t(symbol->records.global);
-  symbol->defaults = gxi_attributes_t(symbol->attributes.get("template"));
+  symbol->attributes = gxi_xschem_attributes_t(symbol->records.global);
+  symbol->defaults = gxi_xschem_attributes_t(symbol->attributes.get("template"));
   symbol->type = symbol->attributes.get("type");
   for (const auto& shape : symbol->records.shapes) {
     if (shape.kind != 'B' || shape.layer != pin_layer) continue;
-    gxi_attributes_t attributes(shape.attributes);
+    gxi_xschem_attributes_t attributes(shape.attributes);
     if (attributes.find("name") == nullptr) continue;
     auto& pin = symbol->pins.emplace_back();
-    pin.bits = gxi_expand_label(attributes.get("name"));
+    pin.bits = gxi_xschem_bits(attributes.get("name"));
     pin.type = pin_type(attributes.get("dir"));
     pin.at = {(shape.points[0].x + shape.points[1].x) / 2,
               (shape.points[0].y + shape.points[1].y) / 2};
     pin.attributes = std::move(attributes);
   }
   symbol->role = role_of(*symbol);
-  if (symbol->role == gxi_role_t::device) node_reader(*symbol).run();
+  if (symbol->role == gxi_xschem_role_t::device) node_reader(*symbol).run();
   return symbol;
 }
 

@@ -13,7 +13,7 @@
 #include "import/xschem/attributes.h"
 #include "import/xschem/records.h"
 
-enum class gxi_role_t : std::uint8_t {
+enum class gxi_xschem_role_t : std::uint8_t {
   device,   // a line of the netlist, or a block with a sheet
   label,    // names a net
   port,     // names a net that is a pin of the cell
@@ -25,11 +25,11 @@ struct gxi_xschem_pin_t {
   std::vector<std::string> bits{};  // the names of its single pins
   std::string type{};               // PINTYPE
   gxi_xschem_point_t at{};
-  gxi_attributes_t attributes{};
+  gxi_xschem_attributes_t attributes{};
 };
 
 // A node of the device's line in a netlist: a pin, or a net that a text with "@name" names.
-struct gxi_node_t {
+struct gxi_xschem_node_t {
   int pin = -1;
   std::string name{};  // of the node without a pin
   std::string text{};
@@ -40,11 +40,11 @@ struct gxi_xschem_symbol_t {
   std::filesystem::path path{};  // empty: embedded, or missing
   std::string_view file{};       // for messages
   gxi_xschem_file_t records{};
-  gxi_attributes_t attributes{}, defaults{};  // K, and its template
+  gxi_xschem_attributes_t attributes{}, defaults{};  // K, and its template
   std::string type{};
-  gxi_role_t role = gxi_role_t::picture;
+  gxi_xschem_role_t role = gxi_xschem_role_t::picture;
   std::vector<gxi_xschem_pin_t> pins{};
-  std::vector<gxi_node_t> nodes{};  // of a device; pins that the line leaves out come last
+  std::vector<gxi_xschem_node_t> nodes{};  // of a device; pins that the line leaves out come last
   bool missing = false;
 };
 

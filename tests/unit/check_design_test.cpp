@@ -7,6 +7,7 @@
 #include "app/check/findings_file.h"
 #include "app/check/waivers.h"
 #include "expand/store.h"
+#include "tests/support/open_count.h"
 #include "tests/unit/design_session.h"
 
 namespace {
@@ -91,6 +92,34 @@ TEST(CheckDesign, FindsTheFaultsOfTheExampleAndLeavesItAsItIs) {
   }
   EXPECT_EQ(s.run("next finding"),
             (lines_t{"# NEXt FINding ", "# !! Warning : No more findings "}));
+}
+
+TEST(CheckDesign, OpensEachSheetOnceAsTheOtherCommandsOverAllSheetsDo) {
+  checked c(R"(
+symbol mid
+ pin A 0,0 IN
+symbol low
+ pin A 0,0 IN
+sheet low
+  part B buf 4,4
+sheet mid
+  part L1 low 4,4
+  part L2 low 4,8
+sheet top
+  part M1 mid 4,4
+  part M2 mid 4,8
+  part L low 4,12
+)");
+  const std::string top = "top/sheet.gx_1", mid = "mid/sheet.gx_1", low = "low/sheet.gx_1";
+  open_count opened({top, mid, low});
+  using counts_t = std::map<std::string, int>;
+  c.s.run("check design");
+  EXPECT_EQ(opened.take(), (counts_t{{top, 1}, {mid, 1}, {low, 1}}));
+  // These take the primary sheet from memory.
+  c.s.run("list hierarchy");
+  EXPECT_EQ(opened.take(), (counts_t{{mid, 1}, {low, 1}}));
+  c.s.run("find path *");
+  EXPECT_EQ(opened.take(), (counts_t{{mid, 1}, {low, 1}}));
 }
 
 TEST(CheckDesign, WhatComesFromOutsideDrives) {

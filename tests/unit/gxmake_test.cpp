@@ -219,7 +219,7 @@ TEST(GxMake, MistakesAreToldWithTheirLine) {
       {"symbol s\n pin A 0,0 IN bits 0:3\nsheet t\n part U s 5,5\n bus D 0:3\n wire U.A 9,5\n bit "
        "2 U.A",
        "test:7: pin U.A does not fit into D[0:3]"},
-      {"include nowhere.gxt", "nowhere.gxt: cannot be read"},
+      {"include nowhere.gxt", "nowhere.gxt: cannot be read: No such file or directory"},
   };
   for (const auto& c : cases) {
     gxm_input_t input;
