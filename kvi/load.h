@@ -7,8 +7,8 @@
 #include <string>
 
 #include "gx/text/at.h"
-#include "kvi/mapped_file.h"
 #include "netlist/netlist.h"
+#include "platform/mapped_file.h"
 
 enum class kvi_load_result {
   loaded,
@@ -94,7 +94,7 @@ class kvi_design_t {
   kv_kept_lists_t kept_;
   std::array<std::int32_t, parts> count_{};
   std::array<std::size_t, parts> offset_{};  // of each part, from the start of the file
-  kvi_mapped_file file_;
+  x_mapped_file file_;
 };
 
 // The mapped design as a netlist.

@@ -1,4 +1,4 @@
-#include "kvi/mapped_file.h"
+#include "platform/mapped_file.h"
 
 #include <signal.h>
 #include <sys/mman.h>
@@ -55,7 +55,7 @@ void guard() {
 
 }  // namespace
 
-kvi_mapped_file::~kvi_mapped_file() {
+x_mapped_file::~x_mapped_file() {
   if (!bytes_) return;
   region_t& region = regions[place_];
   region.end = 0;
@@ -63,8 +63,8 @@ kvi_mapped_file::~kvi_mapped_file() {
   ::munmap(bytes_, size_);
 }
 
-bool kvi_mapped_file::map(int fd, std::size_t size) {
-  *this = kvi_mapped_file();
+bool x_mapped_file::map(int fd, std::size_t size) {
+  *this = x_mapped_file();
   std::size_t place = 0;
   while (place < regions.size() && regions[place].taken.exchange(true)) ++place;
   if (place == regions.size()) return false;
@@ -85,4 +85,12 @@ bool kvi_mapped_file::map(int fd, std::size_t size) {
   return true;
 }
 
-bool kvi_mapped_file::is_cut() const { return bytes_ && regions[place_].cut; }
+void x_mapped_file::release() const {
+  if (bytes_) ::madvise(bytes_, size_, MADV_DONTNEED);
+}
+
+void x_mapped_file::read_at_random() const {
+  if (bytes_) ::madvise(bytes_, size_, MADV_RANDOM);
+}
+
+bool x_mapped_file::is_cut() const { return bytes_ && regions[place_].cut; }

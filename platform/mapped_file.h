@@ -9,18 +9,18 @@
 #include <cstdint>
 #include <utility>
 
-class kvi_mapped_file {
+class x_mapped_file {
  public:
-  kvi_mapped_file() = default;
-  kvi_mapped_file(kvi_mapped_file&& other) noexcept
+  x_mapped_file() = default;
+  x_mapped_file(x_mapped_file&& other) noexcept
       : bytes_(std::exchange(other.bytes_, nullptr)), size_(other.size_), place_(other.place_) {}
-  kvi_mapped_file& operator=(kvi_mapped_file&& other) noexcept {
+  x_mapped_file& operator=(x_mapped_file&& other) noexcept {
     std::swap(bytes_, other.bytes_);
     std::swap(size_, other.size_);
     std::swap(place_, other.place_);
     return *this;
   }
-  ~kvi_mapped_file();
+  ~x_mapped_file();
 
   // Maps the first `size` bytes (more than 0). False when there is no memory for it, or when the
   // process has 8 files mapped already.
@@ -28,6 +28,10 @@ class kvi_mapped_file {
 
   const std::uint8_t* bytes() const { return bytes_; }
   std::size_t size() const { return size_; }
+  // The pages are not counted as memory of the process until they are read again.
+  void release() const;
+  // Little is read here and there: no pages around it are read ahead.
+  void read_at_random() const;
   // A page was gone when it was read: what was read from it were zeros.
   bool is_cut() const;
 

@@ -1,4 +1,4 @@
-// What the drawing rooms share: one item's way from design units to clipped strokes.
+// What the drawing rooms share: where a picture is drawn, and strokes and outlines of pixels.
 #pragma once
 
 #include <span>
@@ -6,9 +6,11 @@
 #include "gx/db/file_records.h"
 #include "gx/db/ids.h"
 #include "gx/db/object_records.h"
-#include "gx/display/draw_mode.h"
 #include "gx/display/pen.h"
 #include "gx/display/screen_state.h"
+
+// Drawing and erasing are one operation with another colour.
+enum class gx_draw_mode { draw, erase };
 
 // Where and how a picture is drawn.
 struct gx_picture_t {
@@ -25,9 +27,6 @@ struct gx_picture_t {
 gx_picture_t gx_picture_of(gx_vpid_t vpid, gx_file_index_t file_index, int object_id,
                            gx_draw_mode mode, const char* operation);
 
-// The style of selected lines.
-inline constexpr int gx_selected_style = 3;
-
 // An item's colour: the background when erasing, the selection colour, or its own.
 int gx_drawn_color(const gx_picture_t& picture, int own, bool selected);
 
@@ -37,3 +36,9 @@ void gx_draw_polyline(gx_vpid_t vpid, int color, int style, std::span<const gx_p
 // `width` (1..255) parallel thin lines, some more for a slanted line.
 void gx_draw_thick_line(gx_vpid_t vpid, int color, int style, gx_point16_t a, gx_point16_t b,
                         int width);
+
+// A filled square of side 2 * half_size around the pixel, when it lies whole in the clip window.
+void gx_display_dot(gx_vpid_t vpid, gx_point16_t pixel, int half_size, int color);
+// `pixel_width` nested outlines.
+void gx_display_rectangle(gx_point16_t p1, gx_point16_t p2, int style, int color, int pixel_width);
+void gx_display_rectangle_dot(gx_point16_t p1, gx_point16_t p2, int color, int dot_size);
