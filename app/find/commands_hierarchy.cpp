@@ -35,15 +35,16 @@ class hierarchy_lister {
 
  private:
   // The blocks to go on with.
-  std::vector<int> list_sheet(const kv_walked_t& walked, const std::string& cell) {
-    std::vector<int> blocks;
+  std::vector<kv_next_t> list_sheet(const kv_walked_t& walked, const std::string& cell) {
+    std::vector<kv_next_t> blocks;
     if (is_full()) return blocks;
     const kv_sheet_t& sheet = drawings_.analysed(walked.component);
     tell(std::string(2 * walked.way.size(), ' ') + (walked.path.empty() ? "/" : walked.path) +
          "  " + cell + "  instances " + std::to_string(sheet.insts.size()) + "  nets " +
          std::to_string(sheet.groups.size()));
     for (const auto& inst : sheet.insts) {
-      if (!inst.is_primitive) blocks.push_back(inst.object_id);
+      if (!inst.is_primitive)
+        blocks.push_back({inst.object_id, std::string(sheet.view(inst.suffix).substr(1))});
     }
     return blocks;
   }
