@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "expand/messages.h"
 #include "expand/net_join.h"
 #include "expand/setup.h"
 #include "gx/db/file_records.h"
@@ -118,9 +119,10 @@ struct kv_sheet_symbol_t {
   std::int32_t first_inst = 0, nb_of_inst = 0;
 };
 
-// An error of the sheet itself, shown at each visit: its lines.
+// An error of the sheet itself, told at each visit.
 struct kv_report_t {
-  std::vector<std::string> lines;
+  kv_message code;
+  std::vector<std::string> values;
 };
 
 struct kv_sheet_t {

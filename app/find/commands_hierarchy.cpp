@@ -79,8 +79,7 @@ std::optional<root_t> wanted_root(kv_drawings_t& drawings, const kv_command_t& c
     }
   }
   kv_refuse(refused, command, "# !! Error : Path not found ? ", 3);
-  gx_tell_quoted(search.found.empty() ? "# !! The longest part that exists : " : "# !! No block : ",
-                 search.found.empty() ? search.longest : search.found.front().path);
+  kv_tell_search_end("No block", search);
   return std::nullopt;
 }
 
@@ -96,7 +95,7 @@ void kv_list_hierarchy_cmd(const kv_command_t& command) {
   const std::string path = std::string(gx_view(gx_files.filear[top].dirname)) + "/hierarchy";
   const auto not_written = [&] {
     kv_refuse(refused, command, "# !! Error : File not written ? ", 3);
-    gx_tell("# !! ", path, " : ", x_why(errno));
+    gx_tell_detail("# !! ", path, " : ", x_why(errno));
   };
   x_file file = x_create_file(path, false);
   if (!file) return not_written();
