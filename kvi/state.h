@@ -30,6 +30,7 @@ void kvi_debug(const char* text);
 // The loaded design; an empty one when there is none, or when its file is no longer what was
 // loaded.
 const kvi_design_t& kvi_loaded();
+inline kvi_netlist_t kvi_loaded_netlist() { return kvi_netlist_t(kvi_loaded()); }
 
 // strings.cpp: makes the text the value of the string.
 void kvi_set_string(kvi_string_record_t& string, std::string_view text);

@@ -38,8 +38,8 @@ Entry& add_entry(kv_list_t<Entry>& list) {
   return gx_at(list.entry, list.count++);
 }
 
-void keep_properties(const kv_command_t& command, kv_list_t<kv_prop_type_record_t>& list,
-                     std::string_view what, std::string_view echo) {
+void keep_properties(const kv_command_t& command, kv_prop_list_t& list, std::string_view what,
+                     std::string_view echo) {
   constexpr int first = 3;
   const std::string_view type = command.word(3);
   if (type.empty() ||
