@@ -167,12 +167,12 @@ std::string kv_explainer_t::port_words(std::int32_t net, const place_t& place) c
 std::string kv_explainer_t::tied_words(const place_t& place) const {
   const std::int32_t tied = place.group().tied_global;
   if (tied < 0) return "";
-  const std::string name = gx_at(origins_.globals, tied).nvalue;
+  const std::string name = gx_at(origins_.sheets->globals, tied).nvalue;
   const std::string path(kv_visit_path(design_, origins_, place.visit));
   for (const auto& inst : place.sheet.insts) {
     if (inst.is_primitive || inst.port_pins < 0) continue;
     const auto& symbol = gx_at(place.sheet.symbols, inst.symbol);
-    const kv_sheet_t& below = gx_at(origins_.components, symbol.component)->sheet;
+    const kv_sheet_t& below = gx_at(origins_.sheets->components, symbol.component)->sheet;
     for (std::size_t i = 0; i < below.ports.size(); ++i) {
       const std::int32_t pin_place =
           gx_at(place.sheet.port_pins, inst.port_pins + static_cast<std::int32_t>(i));

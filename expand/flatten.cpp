@@ -259,7 +259,7 @@ void process_globals(const visit_t& visit) {
     }
     if (!global.usable || visit.run.end) continue;
     const bool on_bus = visit.group(global.group).width > 0;
-    auto& global_net = gx_at(visit.run.cache.globals, global.run_global).net_ind;
+    auto& global_net = gx_at(visit.run.sheets.globals, global.run_global).net_ind;
     const std::int32_t net = on_bus ? process_global_on_bus(visit, global, named)
                                     : process_global_on_net(visit, global, global_net, named);
     if (net != 0 && global.init.what == kv_init_t::valid)
@@ -297,7 +297,7 @@ void find_flat_net(const visit_t& visit, std::int32_t group_ind) {
     save_flat_net(visit, group_ind);
     return;
   }
-  auto& global = gx_at(visit.run.cache.globals, tied);
+  auto& global = gx_at(visit.run.sheets.globals, tied);
   if (global.net_ind == 0) {
     save_flat_net(visit, group_ind);
     const std::int32_t net = visit.flat(group_ind).net;
@@ -330,7 +330,7 @@ void process_nets(const visit_t& visit) {
 // False when the instances of the symbol are left out.
 bool check_symbol(const visit_t& visit, kv_sheet_symbol_t& symbol) {
   const std::string_view path = visit.sheet.view(symbol.path);
-  const kv_component_t& component = kv_component_of(visit.run.cache, visit.sheet, symbol);
+  const kv_component_t& component = kv_component_of(visit.run.sheets, visit.sheet, symbol);
   const auto tell_old = [&](std::string_view headline) {
     gx_tell(headline);
     gx_tell_quoted("# !! : ", path);
@@ -367,7 +367,7 @@ void process_macro(const visit_t& visit, kv_sheet_inst_t& inst, kv_sheet_symbol_
   const std::int32_t macro =
       kv_save_macro(run, visit.sheet, inst, timing_index, run.flats.data() + visit.flats);
   if (run.end) return;
-  kv_sheet_t* below = kv_get_sheet_for_expand(run.cache, visit.sheet, symbol);
+  kv_sheet_t* below = kv_get_sheet_for_expand(run.sheets, visit.sheet, symbol);
   if (below == nullptr) {
     gx_tell("# !! Error no sheet found for : ");
     gx_tell_quoted("# !! : ", run.path.view());

@@ -10,7 +10,7 @@
 
 #include "expand/origins.h"
 #include "expand/run_watch.h"
-#include "expand/sheet_cache.h"
+#include "expand/sheet_entry.h"
 #include "gx/text/session_state.h"
 
 // The flat net that an equipotential of a visited sheet has.
@@ -31,22 +31,22 @@ struct kv_path_t {
 };
 
 struct kv_flatten_t {
-  kv_flatten_t(const kv_setup_t& the_setup, kv_design_t& the_design, std::int16_t& level,
-               std::int32_t& macro)
+  kv_flatten_t(const kv_setup_t& the_setup, kv_design_t& the_design, kv_sheets_t& the_sheets,
+               std::int16_t& level, std::int32_t& macro)
       : setup(the_setup),
         design(the_design),
+        sheets(the_sheets),
         expand_level(level),
         macro_level(macro),
-        errors_before(gx_session.errors_in_all),
-        cache{the_setup, {}, {}, {}} {}
+        errors_before(gx_session.errors_in_all) {}
 
   const kv_setup_t& setup;
   kv_design_t& design;
+  kv_sheets_t& sheets;
   std::int16_t& expand_level;  // of the sheet being visited
   std::int32_t& macro_level;   // its macro, 0 at the top
   std::int64_t errors_before;  // counted before the run
   bool to_the_end = false;     // however many errors there are
-  kv_sheet_cache_t cache;
   kv_run_watch* watch = nullptr;
   std::vector<kv_visit_t>* visits = nullptr;  // to be kept; null: they are not
   std::int32_t visit = -1;                    // under way

@@ -10,7 +10,7 @@
 
 #include "expand/design.h"
 #include "expand/path_index.h"
-#include "expand/sheet_cache.h"
+#include "expand/sheets.h"
 
 // One visit. What it saved lies between the counts of the arrays before and after: nets and
 // children of its own alone, leaf instances and macros also of the visits below it.
@@ -24,9 +24,7 @@ struct kv_visit_t {
 
 struct kv_origins_t {
   std::uint64_t run = 0;  // another number for every run of the process; 0: none has filled it
-  std::unique_ptr<kv_sheet_t> top;
-  std::vector<std::unique_ptr<kv_component_t>> components;  // symbols of sheets index them
-  std::vector<kv_global_net_record_t> globals;
+  std::shared_ptr<kv_sheets_t> sheets;
   std::vector<kv_visit_t> visits;  // in the order of the walk
 };
 

@@ -81,14 +81,12 @@ void store_info(kv_design_t& design, const kv_setup_t& setup) {
 }
 
 // The whole walk; why it ended early, if it did.
-std::optional<kv_run_result> flatten(const kv_run_t& run, const gx_file_gene_recf_t& top,
-                                     std::string_view top_path) {
-  kv_flatten_t walk(run.setup, run.design, run.expand_level, run.macro_level);
+std::optional<kv_run_result> flatten(const kv_run_t& run,
+                                     const std::shared_ptr<kv_sheets_t>& sheets) {
+  kv_flatten_t walk(run.setup, run.design, *sheets, run.expand_level, run.macro_level);
   walk.to_the_end = run.to_the_end;
-  auto sheet_read =
-      std::make_unique<kv_sheet_t>(kv_analyse_sheet(top, top_path, run.setup, walk.cache.globals));
-  kv_sheet_t& sheet = *sheet_read;
-  kv_find_tied_globals(walk.cache, sheet, 1);
+  kv_sheet_t& sheet = *kv_analysed(*sheets, sheets->top);
+  kv_find_tied_globals(*sheets);
   if (sheet.bytes > kv_free_memory()) {
     gx_tell("# !! Error : Design too large for this memory : about ",
             std::to_string(sheet.bytes >> 20), " MB ");
@@ -100,11 +98,7 @@ std::optional<kv_run_result> flatten(const kv_run_t& run, const gx_file_gene_rec
   if (run.origins != nullptr) walk.visits = &run.origins->visits;
   run.macro_level = 0;
   kv_process_inst_of_sheet(walk, sheet, {}, 1, 0);
-  if (run.origins != nullptr) {
-    run.origins->top = std::move(sheet_read);
-    run.origins->components = std::move(walk.cache.components);
-    run.origins->globals = std::move(walk.cache.globals);
-  }
+  if (run.origins != nullptr) run.origins->sheets = sheets;
   return walk.end;
 }
 
@@ -118,11 +112,13 @@ kv_run_result kv_expand(const kv_run_t& run) {
     return kv_run_result::no_sheet;
   }
   const auto& slot = gx_at(gx_files.filear, top);
-  return kv_expand_sheet(run, gx_ptrto_gene_file_buf(top), gx_view(slot.file_pathname));
+  const auto sheets = std::make_shared<kv_sheets_t>();
+  sheets->setup = &run.setup;
+  kv_set_top(*sheets, gx_ptrto_gene_file_buf(top), gx_view(slot.file_pathname));
+  return kv_expand_sheets(run, sheets);
 }
 
-kv_run_result kv_expand_sheet(const kv_run_t& run, const gx_file_gene_recf_t& top,
-                              std::string_view top_path) {
+kv_run_result kv_expand_sheets(const kv_run_t& run, const std::shared_ptr<kv_sheets_t>& sheets) {
   if (!lists_are_set(run.setup)) return kv_run_result::no_lists;
   kv_empty_design(run.design);
   static std::uint64_t runs = 0;
@@ -133,7 +129,7 @@ kv_run_result kv_expand_sheet(const kv_run_t& run, const gx_file_gene_recf_t& to
   kv_limit_design(run.design, run.setup.store_size);
   run.design.kept = run.setup;
   gx_tell(" RUN ");
-  if (const auto end = flatten(run, top, top_path)) {
+  if (const auto end = flatten(run, sheets)) {
     if (!run.keeps_part) {  // nobody takes a part of a design for the whole
       kv_empty_design(run.design);
       if (run.origins != nullptr) *run.origins = {};

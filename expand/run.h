@@ -50,9 +50,9 @@ enum class kv_run_result {
 
 // Flattens, checks the nets and fills general_info. What is wrong is told to the list.
 kv_run_result kv_expand(const kv_run_t& run);
-// The same for a sheet in no slot, read from that path; `sheets` is not looked at.
-kv_run_result kv_expand_sheet(const kv_run_t& run, const gx_file_gene_recf_t& top,
-                              std::string_view top_path);
+// The same for sheets that were set up, and may be analysed already, for `setup`, and for one run
+// only; the stack is not looked at.
+kv_run_result kv_expand_sheets(const kv_run_t& run, const std::shared_ptr<kv_sheets_t>& sheets);
 
 // The same, and writes the image to an open file and, when asked for, the listing "kivo_data" into
 // the directory of the sheet.

@@ -10,6 +10,7 @@
 #include "expand/values.h"
 #include "gx/db/link_file.h"
 #include "gx/db/objects_of.h"
+#include "gx/db/queries.h"
 #include "gx/text/at.h"
 #include "gx/text/numbers.h"
 #include "gx/text/strings.h"
@@ -411,9 +412,7 @@ class analysis {
     const auto& record = *gx_object_as<gx_object_pinpropfam_rec_t>(file_, ids.pinpropfam);
     kv_sheet_pin_t pin;
     pin.object_id = static_cast<gx_object_id_t>(ids.pinpropfam);
-    pin.suffix =
-        keep_suffix(gx_prop_text(gx_find_prop_of_two(file_, ids.pin, ids.pinpropfam, "PIN")), "P_",
-                    ids.pinpropfam);
+    pin.suffix = keep_text({"/", lb_pin_name(file_, ids)});
     take_pin_type(pin, gx_find_prop_of_two(file_, ids.pin, ids.pinpropfam, "PINTYPE"));
     pin.pin_start = record.pin_start;
     pin.pin_end = record.pin_end;

@@ -57,7 +57,7 @@ struct kv_sheet_group_t {
   std::int32_t width = 0;  // members of a bus, 0: no bus
   std::int16_t bus_start = 0, bus_end = 0;
   // The global of the run that it is on, here or inside the sheet of an instance; -1: none. Known
-  // after kv_find_tied_globals (expand/sheet_cache.h).
+  // after kv_find_tied_globals (expand/sheet_entry.h).
   std::int32_t tied_global = -1;
 };
 
@@ -127,8 +127,8 @@ struct kv_sheet_t {
   std::string text;
   std::int32_t deleted_object = 0;  // first deleted object, 0 = none
   bool ends_at_port = false;        // a port without a name: nothing behind the ports is done
-  bool ties_known = false;          // tied_global of its groups is final
-  // What a visit comes to with all below: visits of sheets, bytes in memory. Known with the ties.
+  // Cost of a visit including everything below: visits of sheets, bytes in memory. Known after
+  // kv_find_tied_globals.
   std::int64_t visits = 0, bytes = 0;
   std::vector<kv_sheet_net_t> nets;  // in child order
   std::vector<kv_sheet_group_t> groups;

@@ -12,6 +12,7 @@
 #include "gx/display/menu_state.h"
 #include "gx/display/screen_state.h"
 #include "gx/edit/edit_state.h"
+#include "gx/picture/picture_state.h"
 #include "gx/plot/plot_state.h"
 #include "gx/text/message_list.h"
 #include "gx/text/session_state.h"
@@ -21,6 +22,7 @@ struct gx_defref_var_rec_t : gx_session_state_t,
                              gx_file_state_t,
                              gx_undo_state_t,
                              gx_edit_state_t,
+                             gx_picture_state_t,
                              gx_plot_state_t,
                              gx_screen_state_t,
                              gx_input_state_t,

@@ -8,7 +8,7 @@
 
 #include "expand/design_records.h"
 #include "gx/text/at.h"
-#include "kvi/mapped_file.h"
+#include "platform/mapped_file.h"
 
 enum class kvi_load_result {
   loaded,
@@ -86,7 +86,7 @@ class kvi_design_t {
   std::array<kv_list_t<kv_prop_type_record_t>, std::size(kv_list_parts)> lists_;
   std::array<std::int32_t, parts> count_{};
   std::array<std::size_t, parts> offset_{};  // of each part, from the start of the file
-  kvi_mapped_file file_;
+  x_mapped_file file_;
 };
 
 // How the loading of a file went, and in words, with its name, when it failed.

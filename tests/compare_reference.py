@@ -83,17 +83,16 @@ def spice_name(path):
     return "_".join([leaf] + levels)
 
 
-def listed_nets(path, spice=False):
-    """The same of a data listing: the path of each net by the pins of leaf instances on it."""
-    pins = collections.defaultdict(set)
-    names, counts = {}, {}
-    positions = collections.Counter()
-    kind = index = sim_path = None
-    for line in open(path, encoding="utf-8"):
+def listed_objects(path):
+    """Of a data listing: the paths of nets by their numbers, the pins of leaf instances as (path, net),
+    the leaf instances as (path, [(property, value)]), and the counts of its head."""
+    names, pins, instances, counts = {}, [], [], {}
+    kind = index = sim_path = name = None
+    for line in open(path, encoding="latin-1"):
         if m := re.match(r" nbof_(.*?) *:(\d+)$", line):
             counts[m.group(1)] = int(m.group(2))
         elif m := re.match(r" (Instance|NET|MACRO|Pin)  ?: (\d+)$", line):
-            # A pin of a macro is told from a pin of an instance by what stands above it.
+            # A pin of a macro is told from a pin of an instance by what is above it.
             if m.group(1) == "Pin":
                 kind = "macro pin" if kind in ("MACRO", "macro pin") else "pin"
             else:
@@ -103,13 +102,27 @@ def listed_nets(path, spice=False):
             sim_path = m.group(1)
             if kind == "NET":
                 names[index] = sim_path
-        elif (m := re.match(r" net_ind *: (\d+)$", line)) and kind == "pin" and spice:
-            device = sim_path.rsplit("/", 1)[0]
-            positions[device] += 1
-            pins[int(m.group(1))].add(f"{spice_name(device)} {positions[device]}")
+            if kind == "Instance":
+                instances.append((sim_path, []))
         elif (m := re.match(r" net_ind *: (\d+)$", line)) and kind == "pin":
-            pins[int(m.group(1))].add(re.sub(r"~\d+(?=/[^/]*$)", "", sim_path))
-    return {names[net]: frozenset(on) for net, on in pins.items()}, counts
+            pins.append((sim_path, int(m.group(1))))
+        elif m := re.match(r' Prop instance : name : "(.*)" prop_type', line):
+            name = m.group(1)
+        elif (m := re.match(r" prop_(?:char *: \"(.*)\"|\w+ *: *(.*))$", line)) and kind == "Instance":
+            instances[-1][1].append((name, m.group(1) or m.group(2)))
+    return names, pins, instances, counts
+
+
+def listed_nets(path, spice=False):
+    """The same as the reference's of a data listing."""
+    names, pins, _, counts = listed_objects(path)
+    positions, on = collections.Counter(), collections.defaultdict(set)
+    for path, net in pins:
+        device = path.rsplit("/", 1)[0]
+        positions[device] += 1
+        on[net].add(f"{spice_name(device)} {positions[device]}" if spice
+                    else re.sub(r"~\d+(?=/[^/]*$)", "", path))
+    return {names[net]: frozenset(pins_on) for net, pins_on in on.items()}, counts
 
 
 def main():
@@ -140,4 +153,5 @@ def main():
     sys.exit(1 if faults else 0)
 
 
-main()
+if __name__ == "__main__":
+    main()

@@ -35,9 +35,6 @@ void kv_check_blocks(const kv_cells_t& cells, kv_cell_findings_t& found) {
   for (const auto& symbol : sheet.symbols) {
     const kv_sheet_t* below = cells.below(symbol);
     if (below == nullptr) continue;
-    const auto first = sheet.insts.begin() + symbol.first_inst;
-    const auto end = first + symbol.nb_of_inst;
-    const auto block = std::find_if(first, end, [](const auto& i) { return !i.is_primitive; });
-    if (block != end) check_block(sheet, *block, *below, found);
+    if (auto* block = kv_first_block(sheet, symbol)) check_block(sheet, *block, *below, found);
   }
 }

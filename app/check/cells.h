@@ -1,12 +1,12 @@
 // The cells of a design: its sheets as a run analyses them, each once, in the order of the walk.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
-#include <unordered_set>
 #include <vector>
 
-#include "expand/sheet_cache.h"
+#include "expand/sheet_entry.h"
 
 struct kv_cell_t {
   kv_sheet_t* sheet;
@@ -15,30 +15,28 @@ struct kv_cell_t {
 
 // A block without a sheet that can be read.
 struct kv_missing_sheet_t {
-  std::size_t cell;  // that holds the block
+  const kv_sheet_t* sheet;  // with the block
   const kv_sheet_inst_t* inst;
   std::string why;
 };
 
 class kv_cells_t {
  public:
-  // Reads all sheets below the primary one. Tells what a run tells of them; the caller catches it.
-  kv_cells_t(const kv_setup_t& setup, const gx_file_gene_recf_t& top, std::string_view top_path);
-  kv_cells_t(const kv_cells_t&) = delete;
-  kv_cells_t& operator=(const kv_cells_t&) = delete;
+  // What looks at the file of each cell when the walk reaches it; the file is gone afterwards.
+  using look_t = std::function<void(const kv_cell_t& cell, const gx_file_gene_recf_t& file)>;
+
+  // Reads all sheets below the primary one of a store that keeps files.
+  kv_cells_t(kv_sheets_t& sheets, const look_t& look);
 
   const std::vector<kv_cell_t>& cells() const { return cells_; }
   const std::vector<kv_missing_sheet_t>& missing() const { return missing_; }
-  const kv_sheet_cache_t& cache() const { return cache_; }
-  // The sheet behind the blocks of a symbol; null when they have none.
+  // The globals that the analysed sheets index.
+  const std::vector<kv_global_net_record_t>& globals() const { return sheets_.globals; }
+  // The sheet of the blocks of a symbol; null when they have none.
   kv_sheet_t* below(const kv_sheet_symbol_t& symbol) const;
 
  private:
-  void walk(kv_sheet_t& sheet, const std::string& path, int level);
-
-  kv_sheet_cache_t cache_;
-  kv_sheet_t top_;
-  std::unordered_set<const kv_sheet_t*> walked_;
+  kv_sheets_t& sheets_;
   std::vector<kv_cell_t> cells_;
   std::vector<kv_missing_sheet_t> missing_;
 };

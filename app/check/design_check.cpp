@@ -34,8 +34,11 @@ kv_design_check_t kv_check_design(const kv_setup_t& wishes, std::string_view top
   kv_run_messages told;
   const gx_list_catcher catcher([&](std::string_view line) { told.take(line); });
   kv_design_check_t check;
-  kv_find_on_sheets(kv_cells_t(*setup, *load.file, top_path), severities, check.findings);
-  told = {};  // what it tells to read the sheets is found by rules
+  const auto sheets = std::make_shared<kv_sheets_t>();
+  sheets->setup = setup.get();
+  sheets->keeps_files = true;
+  kv_set_top(*sheets, *load.file, top_path);
+  kv_find_on_sheets(*sheets, severities, check.findings);
 
   kv_design_t design;
   kv_origins_t origins;
@@ -51,7 +54,7 @@ kv_design_check_t kv_check_design(const kv_setup_t& wishes, std::string_view top
                      .to_the_end = true,
                      .origins = &origins,
                      .keeps_part = true};
-  const kv_run_result result = kv_expand_sheet(run, *load.file, top_path);
+  const kv_run_result result = kv_expand_sheets(run, sheets);
   told.finish();
   if (result == kv_run_result::stopped) return {{}, "stopped "};
   const kv_netlist_findings_t found{design, origins, severities, check.findings};

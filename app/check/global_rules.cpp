@@ -64,7 +64,7 @@ void kv_global_rules::check(kv_cell_findings_t& found) {
     const auto& master = gx_at(sheet.nets, group.master);
     std::string words = "globals on one net :";
     for (const auto global : net.globals) {
-      words += " \"" + gx_at(cells_.cache().globals, global).nvalue + "\"";
+      words += " \"" + gx_at(cells_.globals(), global).nvalue + "\"";
     }
     std::string piece(sheet.view(master.suffix));
     if (group.width > 0) piece += "_" + std::to_string(where.second);

@@ -79,7 +79,7 @@ class netlist_check {
 
   // What the ports of the primary sheet bring to its nets comes from outside.
   void take_ports() {
-    const kv_sheet_t& top = *found_.origins.top;
+    const kv_sheet_t& top = found_.origins.sheets->top.sheet;
     for (const auto& port : top.ports) {
       if (port.group < 0) continue;
       const auto& master = gx_at(top.nets, gx_at(top.groups, port.group).master);

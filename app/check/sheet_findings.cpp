@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "gx/db/queries.h"
-#include "gx/db/record_codec.h"
 #include "gx/db/sheet_shape.h"
 
 namespace {
@@ -24,13 +23,11 @@ std::string piece_of(const gx_file_gene_recf_t& file, const gx_owner_t& owner) {
     case gx_owner_kind::symbol_pin:
       break;
   }
-  std::string name = "P_" + std::to_string(owner.on_sheet);
-  for (const auto [pin, pinpropfam] : lb_pins(file, owner.inst)) {
-    if (pinpropfam != owner.on_sheet) continue;
-    const auto text = gx_prop_text(gx_find_prop_of_two(file, pin, pinpropfam, "PIN"));
-    if (!text.empty()) name = text;
+  gx_pin_pair_t pin{0, static_cast<gx_object_id_t>(owner.on_sheet)};
+  for (const gx_pin_pair_t each : lb_pins(file, owner.inst)) {
+    if (each.pinpropfam == pin.pinpropfam) pin = each;
   }
-  return "/" + lb_inst_name(file, owner.inst) + "/" + name;
+  return "/" + lb_inst_name(file, owner.inst) + "/" + lb_pin_name(file, pin);
 }
 
 // The lines of CHEck SHEet as the words of a finding: without what marks them as lines.
@@ -52,22 +49,21 @@ std::string words_of(const std::vector<std::string>& lines) {
   return words;
 }
 
-void check_sheet(kv_links_t& links, kv_cell_findings_t& found) {
-  const auto load = gx_load_file(found.cell.sheet->file_path);
-  const std::string fault = load.file ? gx_sheet_fault(*load.file) : load.message;
+void check_sheet(const gx_file_gene_recf_t& file, kv_links_t& links, kv_cell_findings_t found) {
+  const std::string fault = gx_sheet_fault(file);
   if (!fault.empty()) return found.add(kv_rule::sheet_missing, "", 0, "not whole : " + fault);
-  for (const auto& finding : kv_check_sheet(*load.file, links).findings) {
+  for (const auto& finding : kv_check_sheet(file, links).findings) {
     std::string words = words_of(finding.lines);
     if (finding.more > 0) words += " and " + std::to_string(finding.more) + " more";
-    found.add(finding.rule, piece_of(*load.file, finding.where), finding.where.on_sheet,
+    found.add(finding.rule, piece_of(file, finding.where), finding.where.on_sheet,
               std::move(words));
   }
 }
 
-void check_missing(const kv_cells_t& cells, std::size_t cell, kv_cell_findings_t& found) {
+void check_missing(const kv_cells_t& cells, kv_cell_findings_t& found) {
   const kv_sheet_t& sheet = *found.cell.sheet;
   for (const auto& missing : cells.missing()) {
-    if (missing.cell != cell) continue;
+    if (missing.sheet != &sheet) continue;
     found.add(kv_rule::sheet_missing, sheet.view(missing.inst->suffix), missing.inst->object_id,
               "no sheet behind the block : " + missing.why);
   }
@@ -85,16 +81,20 @@ void kv_cell_findings_t::add(kv_rule rule, std::string_view piece, int object_id
                       std::move(words)});
 }
 
-void kv_find_on_sheets(const kv_cells_t& cells, const kv_severities_t& severities,
+void kv_find_on_sheets(kv_sheets_t& sheets, const kv_severities_t& severities,
                        kv_findings_t& findings) {
   kv_links_t links;
+  std::vector<kv_findings_t> of_sheets;  // by the rules of CHEck SHEet, cell by cell
+  const kv_cells_t cells(sheets, [&](const kv_cell_t& cell, const gx_file_gene_recf_t& file) {
+    check_sheet(file, links, {cell, severities, of_sheets.emplace_back()});
+  });
   kv_global_rules globals(cells);
   for (std::size_t i = 0; i < cells.cells().size(); ++i) {
     const kv_cell_t& cell = cells.cells()[i];
     const auto first = static_cast<std::ptrdiff_t>(findings.size());
     kv_cell_findings_t found{cell, severities, findings};
-    check_sheet(links, found);
-    check_missing(cells, i, found);
+    findings.insert(findings.end(), of_sheets[i].begin(), of_sheets[i].end());
+    check_missing(cells, found);
     kv_check_blocks(cells, found);
     globals.check(found);
     std::stable_sort(findings.begin() + first, findings.end(),

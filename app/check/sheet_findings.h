@@ -14,7 +14,7 @@
 #include "app/check/finding.h"
 
 // The sheets in the order of the walk, the findings of each in the order of the rules.
-void kv_find_on_sheets(const kv_cells_t& cells, const kv_severities_t& severities,
+void kv_find_on_sheets(kv_sheets_t& sheets, const kv_severities_t& severities,
                        kv_findings_t& findings);
 
 // --- for the rules below: findings of one cell

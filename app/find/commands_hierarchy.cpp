@@ -1,6 +1,5 @@
 // LIST HIErarchy: the tree of blocks, in the list and in the file "hierarchy".
 #include <cerrno>
-#include <map>
 #include <string>
 
 #include "app/find/drawings.h"
@@ -9,10 +8,8 @@
 #include "app/language/interpreter.h"
 #include "app/sheet/command_viewport.h"
 #include "app/sheet/walk.h"
-#include "expand/sheet_analysis.h"
 #include "expand/store.h"
 #include "gx/db/file_state.h"
-#include "gx/text/at.h"
 #include "gx/text/message_list.h"
 #include "platform/files.h"
 
@@ -26,33 +23,29 @@ class hierarchy_lister {
  public:
   hierarchy_lister(kv_drawings_t& drawings, std::FILE* file) : drawings_(drawings), file_(file) {}
 
-  // A block and all below it; "" and the sheet's directory at the top.
-  void list(const gx_file_gene_recf_t& sheet, const std::string& path, std::string_view cell,
-            int level) {
-    const kv_sheet_t& analysed = analyse(sheet);
-    tell(std::string(2 * static_cast<std::size_t>(level - 1), ' ') + (path.empty() ? "/" : path) +
-         "  " + std::string(cell) + "  instances " + std::to_string(analysed.insts.size()) +
-         "  nets " + std::to_string(analysed.groups.size()));
-    if (level >= kv_max_levels) return;
-    for (const auto& inst : analysed.insts) {
-      if (is_full()) return;
-      if (inst.is_primitive) continue;
-      const auto* below = drawings_.below(sheet, inst.object_id);
-      const auto& symbol = gx_at(analysed.symbols, inst.symbol);
-      if (below != nullptr)
-        list(*below, path + std::string(analysed.view(inst.suffix)),
-             analysed.view(symbol.directory), level + 1);
-    }
+  // A sheet and all below it; `cell` is the directory of this one.
+  void list(kv_component_t& from, const std::string& path, const std::string& cell) {
+    kv_walk_drawings(drawings_, from, path, [&](const kv_walked_t& walked) {
+      return list_sheet(walked, walked.way.empty() ? cell : walked.component.directory);
+    });
   }
 
   bool is_full() const { return lines_ >= most_lines || is_stopped_; }
   bool is_written() const { return is_written_; }
 
  private:
-  const kv_sheet_t& analyse(const gx_file_gene_recf_t& sheet) {
-    const auto [at, is_new] = analysed_.try_emplace(&sheet);
-    if (is_new) at->second = kv_analyse_sheet(sheet, {}, kv_sext, globals_);
-    return at->second;
+  // The blocks to go on with.
+  std::vector<int> list_sheet(const kv_walked_t& walked, const std::string& cell) {
+    std::vector<int> blocks;
+    if (is_full()) return blocks;
+    const kv_sheet_t& sheet = drawings_.analysed(walked.component);
+    tell(std::string(2 * walked.way.size(), ' ') + (walked.path.empty() ? "/" : walked.path) +
+         "  " + cell + "  instances " + std::to_string(sheet.insts.size()) + "  nets " +
+         std::to_string(sheet.groups.size()));
+    for (const auto& inst : sheet.insts) {
+      if (!inst.is_primitive) blocks.push_back(inst.object_id);
+    }
+    return blocks;
   }
 
   void tell(const std::string& line) {
@@ -64,8 +57,6 @@ class hierarchy_lister {
 
   kv_drawings_t& drawings_;
   std::FILE* file_;
-  std::map<const gx_file_gene_recf_t*, kv_sheet_t> analysed_;
-  std::vector<kv_global_net_record_t> globals_;
   std::size_t lines_ = 0;
   bool is_stopped_ = false, is_written_ = true;
 };
@@ -93,12 +84,12 @@ std::optional<root_t> wanted_root(kv_drawings_t& drawings, const kv_command_t& c
 }
 
 void kv_list_hierarchy_cmd(const kv_command_t& command) {
-  kv_drawings_t drawings;
-  const auto* sheet = drawings.top();
-  if (sheet == nullptr) return kv_refuse(refused, command, kv_no_sheet, 3);
+  kv_drawings_t drawings(&kv_sext);
+  auto* component = drawings.top_component();
+  if (component == nullptr) return kv_refuse(refused, command, kv_no_sheet, 3);
   const auto root = wanted_root(drawings, command);
   if (!root) return;
-  for (const auto& step : root->way) sheet = drawings.below(*sheet, step.inst);
+  if (!root->way.empty()) component = drawings.component_in(root->way.back().directory);
 
   const auto top = static_cast<std::size_t>(kv_at_level(1).file_index);
   const std::string path = std::string(gx_view(gx_files.filear[top].dirname)) + "/hierarchy";
@@ -110,7 +101,7 @@ void kv_list_hierarchy_cmd(const kv_command_t& command) {
   if (!file) return not_written();
   const gx_list_batch_t batch;
   hierarchy_lister lister(drawings, file.get());
-  lister.list(*sheet, root->path, root->cell, 1);
+  lister.list(*component, root->path, root->cell);
   if (lister.is_full()) gx_tell("# ... and more ");
   if (const bool is_closed = x_close(std::move(file)); !lister.is_written() || !is_closed)
     return not_written();

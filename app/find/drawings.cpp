@@ -1,58 +1,88 @@
 #include "app/find/drawings.h"
 
 #include "app/sheet/walk.h"
-#include "gx/db/link_file.h"
 #include "gx/db/object_access.h"
 #include "gx/db/objects_of.h"
 #include "gx/db/queries.h"
-#include "gx/db/record_codec.h"
-#include "gx/db/sheet_shape.h"
 #include "gx/text/strings.h"
 
-const gx_file_gene_recf_t* kv_drawings_t::top() const {
+kv_drawings_t::kv_drawings_t(const kv_setup_t* setup) {
+  sheets_.setup = setup;
+  sheets_.keeps_files = true;
   const auto file_index = kv_at_level(1).file_index;
-  return file_index >= 1 ? &gx_ptrto_gene_file_buf(file_index) : nullptr;
+  if (file_index >= 1) kv_set_top(sheets_, gx_ptrto_gene_file_buf(file_index), "");
+}
+
+kv_component_t* kv_drawings_t::component_in(const gx_string_record_t& directory) {
+  if (directory.len == 0) return nullptr;
+  auto& component = kv_component_at(sheets_, gx_view(directory));
+  return kv_read_sheet(component) && component.fault.empty() ? &component : nullptr;
 }
 
 const gx_file_gene_recf_t* kv_drawings_t::below(const gx_file_gene_recf_t& sheet, int inst) {
-  const auto directory = kv_sheet_directory(sheet, inst);
-  if (directory.len == 0) return nullptr;
-  const auto [at, is_new] = sheets_.try_emplace(std::string(gx_view(directory)));
-  if (is_new) {
-    const auto version = gx_file_get_file_version(gx_view(directory), "sheet");
-    if (version.found && version.valid) {
-      const auto load = gx_load_file(gx_view(version.file_pathname));
-      if (load.file && gx_sheet_fault(*load.file).empty()) at->second = load.file;
-    }
-  }
-  return at->second.get();
+  const auto* component = component_in(kv_sheet_directory(sheet, inst));
+  return component != nullptr ? component->file.get() : nullptr;
 }
 
 namespace {
-// Names may hold a "/" themselves, so every instance whose name the rest begins with is tried.
-bool find_way(kv_drawings_t& drawings, const gx_file_gene_recf_t* sheet, std::string_view rest,
-              kv_way_t& way) {
-  if (sheet == nullptr || static_cast<int>(way.size()) >= kv_max_levels) return false;
-  if (rest.empty()) return true;
-  for (const int inst : lb_instances(*sheet)) {
-    if (gx_inq_object_deleted(*sheet, inst)) continue;
-    const std::string name = lb_inst_name(*sheet, inst);
-    if (rest.size() < name.size() || !gx_iden(rest.substr(0, name.size()), name)) continue;
-    std::string_view further = rest.substr(name.size());
-    if (!further.empty() && further.front() != '/') continue;
-    if (!further.empty()) further.remove_prefix(1);
-    way.push_back({inst, name, kv_sheet_directory(*sheet, inst)});
-    if (find_way(drawings, drawings.below(*sheet, inst), further, way)) return true;
-    way.pop_back();
+
+class drawing_walk {
+ public:
+  drawing_walk(kv_drawings_t& drawings, const kv_drawing_visitor_t& visitor)
+      : drawings_(drawings), visitor_(visitor) {}
+
+  void visit(kv_component_t& component, const std::string& path) {
+    const kv_walked_t walked{component, path, way_};
+    const std::vector<int> insts = visitor_(walked);
+    if (static_cast<int>(way_.size()) + 1 >= kv_max_levels) return;
+    for (const int inst : insts) {
+      const auto directory = kv_sheet_directory(walked.sheet(), inst);
+      auto* below = drawings_.component_in(directory);
+      if (below == nullptr) continue;
+      way_.push_back({inst, lb_inst_name(walked.sheet(), inst), directory});
+      visit(*below, path + "/" + way_.back().name);
+      way_.pop_back();
+    }
   }
-  return false;
+
+ private:
+  kv_drawings_t& drawings_;
+  const kv_drawing_visitor_t& visitor_;
+  kv_way_t way_;
+};
+
+bool begins_with(std::string_view path, std::string_view part) {
+  return path.size() >= part.size() && gx_iden(path.substr(0, part.size()), part) &&
+         (path.size() == part.size() || path[part.size()] == '/');
 }
+
 }  // namespace
 
+void kv_walk_drawings(kv_drawings_t& drawings, kv_component_t& from, const std::string& path,
+                      const kv_drawing_visitor_t& visitor) {
+  drawing_walk(drawings, visitor).visit(from, path);
+}
+
 std::optional<kv_way_t> kv_way_to(kv_drawings_t& drawings, std::string_view sheet_path) {
-  if (sheet_path.starts_with('/')) sheet_path.remove_prefix(1);
-  if (sheet_path.ends_with('/')) sheet_path.remove_suffix(1);
-  kv_way_t way;
-  if (!find_way(drawings, drawings.top(), sheet_path, way)) return std::nullopt;
+  while (sheet_path.ends_with('/')) sheet_path.remove_suffix(1);
+  std::string wanted(sheet_path);
+  if (!wanted.empty() && !wanted.starts_with('/')) wanted.insert(0, 1, '/');
+  std::optional<kv_way_t> way;
+  // Names may hold a "/" themselves, so every instance whose name the path goes on with is tried.
+  const auto visit = [&](const kv_walked_t& walked) {
+    std::vector<int> insts;
+    if (way) return insts;
+    if (walked.path.size() == wanted.size()) {
+      way = walked.way;
+      return insts;
+    }
+    for (const int inst : lb_instances(walked.sheet())) {
+      if (gx_inq_object_deleted(walked.sheet(), inst)) continue;
+      if (begins_with(wanted, walked.path + "/" + lb_inst_name(walked.sheet(), inst)))
+        insts.push_back(inst);
+    }
+    return insts;
+  };
+  if (auto* top = drawings.top_component()) kv_walk_drawings(drawings, *top, "", visit);
   return way;
 }

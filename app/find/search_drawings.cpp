@@ -14,25 +14,25 @@ class drawing_search {
   drawing_search(kv_drawings_t& drawings, std::string_view key, bool is_beginning, std::size_t most)
       : drawings_(drawings), key_(key), is_beginning_(is_beginning), most_(most) {}
 
-  // `path` is that of the sheet, "" at the top.
-  void visit(const gx_file_gene_recf_t& sheet, const std::string& path, int level) {
+  // Takes what is on a sheet; the blocks below which more may be found.
+  std::vector<int> visit(const kv_walked_t& walked) {
+    const auto& sheet = walked.sheet();
+    std::vector<int> parts, blocks;
+    if (is_full()) return blocks;
     for (const int inst : lb_instances(sheet)) {
-      if (is_part(sheet, inst)) take_instance(sheet, inst, path);
+      if (is_part(sheet, inst)) parts.push_back(inst);
     }
+    for (const int inst : parts) take_instance(sheet, inst, walked.path);
     for (const int net : lb_nets(sheet)) {
-      if (!gx_inq_object_deleted(sheet, net)) take_net(sheet, net, path);
+      if (!gx_inq_object_deleted(sheet, net)) take_net(sheet, net, walked.path);
     }
-    for (const int inst : lb_instances(sheet)) {
-      if (is_part(sheet, inst)) take_pins(sheet, inst, path);
+    for (const int inst : parts) take_pins(sheet, inst, walked.path);
+    for (const int inst : parts) {
+      if (is_full()) break;
+      const bool may_hold = may_be_below(walked.path + "/" + lb_inst_name(sheet, inst));
+      if (may_hold && !kv_found_primitive(kv_sext, sheet, inst)) blocks.push_back(inst);
     }
-    if (level >= kv_max_levels) return;
-    for (const int inst : lb_instances(sheet)) {
-      if (is_full()) return;
-      if (!is_part(sheet, inst)) continue;
-      const std::string inside = path + "/" + lb_inst_name(sheet, inst);
-      if (!may_be_below(inside)) continue;
-      if (const auto* below = block(sheet, inst)) visit(*below, inside, level + 1);
-    }
+    return blocks;
   }
 
   std::vector<kv_found_t> found;
@@ -44,8 +44,8 @@ class drawing_search {
     return !gx_inq_object_deleted(sheet, inst) && kv_role_of(sheet, inst) == kv_inst_role::part;
   }
 
-  const gx_file_gene_recf_t* block(const gx_file_gene_recf_t& sheet, int inst) {
-    return kv_found_primitive(kv_sext, sheet, inst) ? nullptr : drawings_.below(sheet, inst);
+  bool is_block(const gx_file_gene_recf_t& sheet, int inst) {
+    return !kv_found_primitive(kv_sext, sheet, inst) && drawings_.below(sheet, inst) != nullptr;
   }
 
   bool may_be_below(const std::string& path) const {
@@ -63,24 +63,18 @@ class drawing_search {
   void take_instance(const gx_file_gene_recf_t& sheet, int inst, const std::string& sheet_path) {
     const std::string path = sheet_path + "/" + lb_inst_name(sheet, inst);
     if (may_be_below(path) || kv_path_key(path) == key_)
-      take(path, block(sheet, inst) != nullptr ? "block" : "instance", inst, sheet_path);
+      take(path, is_block(sheet, inst) ? "block" : "instance", inst, sheet_path);
   }
 
   void take_pins(const gx_file_gene_recf_t& sheet, int inst, const std::string& sheet_path) {
     const std::string path = sheet_path + "/" + lb_inst_name(sheet, inst);
     if (!may_be_below(path)) return;
-    for (const auto [pin, pinpropfam] : lb_pins(sheet, inst)) {
-      const std::string_view name =
-          gx_prop_text(gx_find_prop_of_two(sheet, pin, pinpropfam, "PIN"));
-      take(path + "/" + (name.empty() ? "P_" + std::to_string(pinpropfam) : std::string(name)),
-           "pin", pinpropfam, sheet_path);
-    }
+    for (const gx_pin_pair_t pin : lb_pins(sheet, inst))
+      take(path + "/" + lb_pin_name(sheet, pin), "pin", pin.pinpropfam, sheet_path);
   }
 
   void take_net(const gx_file_gene_recf_t& sheet, int net, const std::string& sheet_path) {
-    const std::string_view name = gx_prop_text(gx_find_net_prop(sheet, net, "NET"));
-    const std::string path =
-        sheet_path + "/" + (name.empty() ? "N_" + std::to_string(net) : std::string(name));
+    const std::string path = sheet_path + "/" + lb_net_name(sheet, net);
     take(path, "net", net, sheet_path);
     const auto* record = gx_object_as<gx_object_net_rec_t>(sheet, net);
     if (record->is_bus == 0 || !key_.starts_with(kv_path_key(path) + "_")) return;
@@ -99,6 +93,7 @@ class drawing_search {
 std::vector<kv_found_t> kv_search_drawings(kv_drawings_t& drawings, std::string_view key,
                                            bool is_beginning, std::size_t most) {
   drawing_search search(drawings, key, is_beginning, most);
-  if (const auto* top = drawings.top()) search.visit(*top, "", 1);
+  const auto visit = [&](const kv_walked_t& walked) { return search.visit(walked); };
+  if (auto* top = drawings.top_component()) kv_walk_drawings(drawings, *top, "", visit);
   return std::move(search.found);
 }

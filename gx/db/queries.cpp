@@ -321,6 +321,10 @@ std::string lb_inst_name(const gx_file_gene_recf_t& file, int inst) {
 std::string lb_net_name(const gx_file_gene_recf_t& file, int net) {
   return or_numbered(lb_find_prop_net(file, net, "NET"), "N_", net);
 }
+std::string lb_pin_name(const gx_file_gene_recf_t& file, gx_pin_pair_t pin) {
+  return or_numbered(gx_find_prop_of_two(file, pin.pin, pin.pinpropfam, "PIN"), "P_",
+                     pin.pinpropfam);
+}
 
 // --- parts of a net
 

@@ -85,9 +85,11 @@ std::optional<gx_string_record_t> lb_get_valueof_prop_inst(const gx_file_gene_re
 std::optional<gx_string_record_t> lb_get_valueof_prop_net(const gx_file_gene_recf_t& file, int net,
                                                           std::string_view name);
 
-// What an instance or a net goes by: its INST or NET value; without one "I_" or "N_" and its id.
+// The name of an instance, a net or a pin: its INST, NET or PIN value; without one "I_", "N_" or
+// "P_" and its id (of a pin that of its pinpropfam).
 std::string lb_inst_name(const gx_file_gene_recf_t& file, int inst);
 std::string lb_net_name(const gx_file_gene_recf_t& file, int net);
+std::string lb_pin_name(const gx_file_gene_recf_t& file, gx_pin_pair_t pin);
 
 // --- segments and properties of a net
 gx_object_id_t gx_inq_first_net_segment_id(const gx_file_gene_recf_t& file, int net);

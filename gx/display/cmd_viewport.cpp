@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "gx/display/draw_steps.h"
+#include "gx/display/draw_strokes.h"
 #include "gx/display/line_edit.h"
 #include "gx/display/pen.h"
 #include "gx/display/stroke_text.h"

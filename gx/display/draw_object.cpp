@@ -3,29 +3,51 @@
 
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
-#include "gx/db/picture_walk.h"
-#include "gx/display/draw_net.h"
-#include "gx/display/draw_prim.h"
-#include "gx/display/draw_steps.h"
+#include "gx/db/queries.h"
+#include "gx/display/draw_shape.h"
 #include "gx/display/grid.h"
+#include "gx/display/highlight.h"
 #include "gx/display/markers.h"
 #include "gx/display/offscreen.h"
+#include "gx/display/probe.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
+#include "gx/picture/object_shapes.h"
+#include "gx/picture/sheet_shapes.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
 #include "gx/vext.h"
 
 namespace {
-// Draws an object without what is below it; a net whole.
-void draw_one(const gx_picture_t& picture, int id, int inst_id, bool force_selected) {
-  const gx_type type = gx_object_id_ptr(*picture.file, id).object_type;
-  if (type == gx_type::net)
-    gx_draw_net(picture, id);
-  else if (type == gx_type::pin)
-    gx_draw_pin(picture, id, inst_id, force_selected);
-  else if (gx_is_drawn_primitive(type))
-    gx_draw_prim(picture, id, inst_id, force_selected);
+// The name of a marked net, at the first end of a segment where there is room for it.
+void draw_mark(const gx_picture_t& picture, int net_id, const gx_highlight_t& mark) {
+  if (mark.name.len < 1) return;
+  const auto& file = *picture.file;
+  gx_display_probe_rec_t probe;
+  probe.name = mark.name;
+  const auto is_end = [&](int id) {
+    if (!gx_object_id_ok(file, id)) return false;
+    const gx_type type = gx_object_id_ptr(file, id).object_type;
+    return type == gx_type::vertex_2d || type == gx_type::pinpropfam;
+  };
+  if (is_end(mark.vertex)) {
+    probe.vertex = mark.vertex;
+  } else {
+    gx_object_id_t first = 0, fitting = 0;
+    for (int id = gx_inq_first_net_segment_id(file, net_id); id > 0 && fitting == 0;
+         id = gx_inq_next_net_segment_id(file, net_id, id)) {
+      if (gx_is_deleted(gx_object_id_ptr(file, id))) continue;
+      const auto& segment = gx_segment_info_ptr(file, id);
+      for (const gx_object_id_t end : {segment.vertex1, segment.vertex2}) {
+        if (fitting != 0) break;
+        if (first == 0) first = end;
+        probe.vertex = end;
+        if (gx_probe_fits(picture.vpid, picture.file_index, probe)) fitting = end;
+      }
+    }
+    probe.vertex = fitting != 0 ? fitting : first;
+  }
+  if (probe.vertex != 0) gx_display_probe(picture.vpid, picture.file_index, probe);
 }
 
 void show_object(gx_vpid_t vpid, gx_file_index_t file_index, int object_id, int inst_id,
@@ -40,7 +62,8 @@ void show_object(gx_vpid_t vpid, gx_file_index_t file_index, int object_id, int 
   const auto& file = gx_ptrto_gene_file_buf(file_index);
   const gx_batch_t batch;
   gx_viewport_select(vpid);
-  gx_draw_tree({vpid, file_index, &file, mode}, object_id, inst_id, force_selected);
+  const gx_picture_t picture{vpid, file_index, &file, mode};
+  gx_tree_shapes(file, object_id, inst_id, force_selected, gx_screen_sink(picture));
 }
 
 // Makes the object the root of the viewport's picture.
@@ -65,17 +88,23 @@ int primary_of(gx_vpid_t vpid) {
 bool may_show(gx_vpid_t vpid) { return gx_drawing_possible() && gx_is_picture_viewport(vpid); }
 }  // namespace
 
-void gx_draw_tree(const gx_picture_t& picture, int object_id, int inst_id, bool force_selected) {
-  const auto& file = *picture.file;
-  const gx_type type = gx_object_id_ptr(file, object_id).object_type;
-  if (type == gx_type::grid_2d) {
-    gx_draw_grid(picture, object_id);
-    return;
-  }
-  if (type == gx_type::net) gx_set_status(gx_code::invalid_level);
-  if (!gx_part_object_inside_vp_bounds(picture.vpid, file, object_id, inst_id)) return;
-  draw_one(picture, object_id, inst_id, force_selected);
-  gx_walk_below(file, object_id, [&](int id) { draw_one(picture, id, inst_id, force_selected); });
+gx_sink_t gx_screen_sink(const gx_picture_t& picture) {
+  gx_sink_t sink{.name = "gx_display", .instance_name = "LB_DISPLAY_ONE_INST"};
+  sink.draw = [&picture](const gx_shape_t& shape) { gx_draw_shape(picture, shape); };
+  sink.sees = [&picture](int id, int inst) {
+    return !gx_viewport_rec(picture.vpid).vp_blocked &&
+           gx_part_object_inside_vp_bounds(picture.vpid, *picture.file, id, inst);
+  };
+  sink.opens = [&picture](int id) {
+    if (gx_object_id_ptr(*picture.file, id).object_type != gx_type::net) return;
+    const auto* const probe = gx_net_info_ptr(*picture.file, id).ptrto_probe;
+    if (probe != nullptr) gx_display_probe(picture.vpid, picture.file_index, *probe);
+  };
+  sink.closes = [&picture](int id) {
+    const auto* const mark = gx_highlight_of(picture.file_index, id);
+    if (mark != nullptr && !picture.erases()) draw_mark(picture, id, *mark);
+  };
+  return sink;
 }
 
 void gx_display_object(gx_vpid_t vpid, gx_file_index_t file_index, int object_id, int inst_id,
@@ -131,4 +160,28 @@ void gx_display_picture_area(gx_vpid_t vpid, gx_file_index_t file_index, gx_poin
   gx_clear_viewport(vpid);
   gx_display_object_part(vpid, file_index, primary, p1, p2, 0, gx_draw_mode::draw, false);
   gx_display_half_cross(vpid, gx_vext.base_point);
+}
+
+void gx_display_prim(gx_vpid_t vpid, gx_file_index_t file_index, int object_id, int inst_id,
+                     gx_draw_mode mode, bool force_selected) {
+  if (!gx_drawing_possible()) return;
+  const auto picture = gx_picture_of(vpid, file_index, object_id, mode, "gx_display_prim");
+  const gx_batch_t batch;
+  gx_primitive_shape(*picture.file, object_id, inst_id, force_selected, gx_screen_sink(picture));
+}
+
+void gx_display_pin(gx_vpid_t vpid, gx_file_index_t file_index, int pin_id, int inst_id,
+                    gx_draw_mode mode, bool force_selected) {
+  if (!gx_drawing_possible()) return;
+  const auto picture = gx_picture_of(vpid, file_index, pin_id, mode, "gx_display_pin");
+  const gx_batch_t batch;
+  gx_pin_shape(*picture.file, pin_id, inst_id, force_selected, gx_screen_sink(picture));
+}
+
+void gx_display_net(gx_vpid_t vpid, gx_file_index_t file_index, int net_id, gx_draw_mode mode) {
+  if (!gx_drawing_possible()) return;
+  const auto picture = gx_picture_of(vpid, file_index, net_id, mode, "gx_display_net");
+  if (!gx_vext.display_on) return;
+  const gx_batch_t batch;
+  gx_net_shapes(*picture.file, net_id, gx_screen_sink(picture));
 }

@@ -2,9 +2,9 @@
 #pragma once
 
 #include "gx/db/ids.h"
-#include "gx/display/draw_mode.h"
-#include "gx/display/draw_steps.h"
+#include "gx/display/draw_strokes.h"
 #include "gx/display/screen_state.h"
+#include "gx/picture/shape.h"
 
 // Makes the object the root of the viewport's picture, fits it unless the scale is kept, and draws
 // it with all below it.
@@ -26,5 +26,13 @@ void gx_display_picture_all(gx_vpid_t vpid, gx_file_index_t file_index);
 void gx_display_picture_area(gx_vpid_t vpid, gx_file_index_t file_index, gx_pointreal_t p1,
                              gx_pointreal_t p2);
 
-// An object and all below it, without the checks of the viewport.
-void gx_draw_tree(const gx_picture_t& picture, int object_id, int inst_id, bool force_selected);
+// One primitive, pin or net in the selected viewport.
+void gx_display_prim(gx_vpid_t vpid, gx_file_index_t file_index, int object_id, int inst_id,
+                     gx_draw_mode mode, bool force_selected);
+void gx_display_pin(gx_vpid_t vpid, gx_file_index_t file_index, int pin_id, int inst_id,
+                    gx_draw_mode mode, bool force_selected);
+void gx_display_net(gx_vpid_t vpid, gx_file_index_t file_index, int net_id, gx_draw_mode mode);
+
+// Where shapes go that are drawn into a picture, for the rooms that checked its viewport already.
+// The picture must outlive the sink. Probes and marked names of nets are drawn with the nets.
+gx_sink_t gx_screen_sink(const gx_picture_t& picture);

@@ -5,16 +5,15 @@
 #include <array>
 #include <cstdlib>
 
-#include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
-#include "gx/display/draw_steps.h"
+#include "gx/display/draw_strokes.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
 
 namespace {
-constexpr int frame_color = 6, dot_color = 7;
+constexpr int dot_color = 7;
 constexpr std::int64_t most_steps = 40;        // across the shorter side, with dots shown
 constexpr std::int64_t smallest_pitch = 2000;  // of the dots, in thousandths of a pixel
 constexpr int last_dot_pixel = 10000;
@@ -81,16 +80,12 @@ void gx_set_grid_visibility(gx_file_index_t file_index, gx_vpid_t vpid) {
   gx_set_object_unvisible(file, file.grid_obj_id, !visible);
 }
 
-void gx_draw_grid(const gx_picture_t& picture, int grid_id) {
-  const auto& file = *picture.file;
-  const auto& grid = gx_grid_info_ptr(file, grid_id);
-  if (gx_is_deleted(grid.gene)) return;
+void gx_draw_grid(const gx_picture_t& picture, const gx_shape_t& page) {
+  const auto& grid = gx_grid_info_ptr(*picture.file, page.object);
   if (gx_viewport_rec(picture.vpid).vp_blocked) return;
-  const gx_pointreal_t origin = gx_object_abs_origin(file, grid_id, 0);
-  const gx_pointreal_t opposite = gx_viewport_dpt_obj2d_inst(file, 0, origin, grid.opposite_pt);
-  const gx_point16_t near = gx_viewport_pt_real_to_pixel(picture.vpid, origin);
-  const gx_point16_t far = gx_viewport_pt_real_to_pixel(picture.vpid, opposite);
+  const gx_point16_t near = gx_viewport_pt_real_to_pixel(picture.vpid, page.points[0]);
+  const gx_point16_t far = gx_viewport_pt_real_to_pixel(picture.vpid, page.points[1]);
   const std::array<gx_point16_t, 5> frame{near, {far.x, near.y}, far, {near.x, far.y}, near};
-  gx_draw_polyline(picture.vpid, gx_drawn_color(picture, frame_color, false), 0, frame);
+  gx_draw_polyline(picture.vpid, gx_drawn_color(picture, page.color, false), 0, frame);
   if (!gx_is_unvisible(grid.gene) && grid.grid_on != 0) draw_dots(picture, grid, near, far);
 }

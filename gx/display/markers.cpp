@@ -5,7 +5,7 @@
 #include <array>
 #include <span>
 
-#include "gx/display/draw_steps.h"
+#include "gx/display/draw_strokes.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"
@@ -60,7 +60,7 @@ bool place(gx_vpid_t vpid, gx_pointreal_t point, int margin, gx_point16_t& pixel
          pixel.y < v.ymax - room;
 }
 
-void draw_steps(std::span<const step_t> steps, gx_point16_t at, int step, int color) {
+void draw_marker(std::span<const step_t> steps, gx_point16_t at, int step, int color) {
   const auto point = [&](const step_t& s) -> gx_point16_t {
     return {static_cast<std::int16_t>(at.x + s.x * step),
             static_cast<std::int16_t>(at.y + s.y * step)};
@@ -76,7 +76,7 @@ void draw_mark(gx_vpid_t vpid, gx_pointreal_t p, std::span<const step_t> steps, 
   gx_point16_t pixel;
   if (!place(vpid, p, mark_margin.of(vpid), pixel)) return;
   const gx_batch_t batch;
-  draw_steps(steps, pixel, mark_step.of(vpid), color);
+  draw_marker(steps, pixel, mark_step.of(vpid), color);
 }
 }  // namespace
 
@@ -96,8 +96,8 @@ void gx_display_pin_nocon(gx_vpid_t vpid, gx_pointreal_t p) {
   gx_point16_t pixel;
   if (!place(vpid, p, size, pixel)) return;
   const gx_batch_t batch;
-  draw_steps(diamond, pixel, size, white);
-  draw_steps(diamond, pixel, size + 1, white);
+  draw_marker(diamond, pixel, size, white);
+  draw_marker(diamond, pixel, size + 1, white);
 }
 
 void gx_display_link(gx_vpid_t vpid, gx_pointreal_t from, gx_pointreal_t to) {

@@ -4,7 +4,7 @@
 
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
-#include "gx/display/draw_steps.h"
+#include "gx/display/draw_strokes.h"
 #include "gx/display/stroke_text.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"

@@ -4,9 +4,9 @@
 
 #include <cstdlib>
 
+#include "gx/display/draw_strokes.h"
 #include "gx/display/pen.h"
 #include "gx/display/screen_state.h"
-#include "gx/display/shapes.h"
 #include "gx/display/viewports.h"
 #include "gx/vext.h"
 

@@ -102,7 +102,6 @@ struct gx_screen_state_t {
   gx_vpid_t viewport_id_start = 0, viewport_id = 0;
   gx_vpid_t viewport_edit = 0, viewport_cmd = 0, viewport_list = 0, viewport_context = 0,
             viewport_activ = 0;
-  std::int32_t dim_pin = 1000;  // half size of a pin's diamond, design units
   std::int32_t coef_charh = 0, coef_chars = 0;
   std::int16_t cmd_x0 = 0, cmd_y0 = 0, cmd_xi = 0, cmd_yi = 0, cmd_height = 0, cmd_step = 0,
                cmd_color = 1;

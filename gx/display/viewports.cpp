@@ -5,9 +5,9 @@
 
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
+#include "gx/display/draw_strokes.h"
 #include "gx/display/pen.h"
 #include "gx/display/screen_state.h"
-#include "gx/display/shapes.h"
 #include "gx/display/stroke_text.h"
 #include "gx/text/at.h"
 #include "gx/text/debug.h"

@@ -3,9 +3,10 @@
 
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
-#include "gx/db/picture_walk.h"
-#include "gx/plot/plot_objects.h"
+#include "gx/picture/object_shapes.h"
+#include "gx/picture/sheet_shapes.h"
 #include "gx/plot/plot_pen.h"
+#include "gx/plot/plot_shape.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
 #include "gx/vext.h"
@@ -31,17 +32,6 @@ bool start_plot(gx_plot_t& plot, const gx_file_gene_recf_t& file) {
   return plot.plot_ok;
 }
 
-// Plots an object without what is below it; a net whole.
-void plot_one(const gx_file_gene_recf_t& file, int id, int inst_id) {
-  const gx_type type = gx_object_id_ptr(file, id).object_type;
-  if (type == gx_type::net)
-    gx_plotfile_net(file.file_index, id);
-  else if (type == gx_type::pin)
-    gx_plotfile_pin(file.file_index, id, inst_id);
-  else if (gx_is_drawn_primitive(type))
-    gx_plotfile_prim(file.file_index, id, inst_id);
-}
-
 const gx_file_gene_recf_t& plotted_file(gx_file_index_t file_index) {
   if (file_index < 1 || file_index > gx_max_files) {
     gx_debug(" gx_plotfile_object  : file_index : %d\n", file_index);
@@ -49,38 +39,64 @@ const gx_file_gene_recf_t& plotted_file(gx_file_index_t file_index) {
   }
   return gx_ptrto_gene_file_buf(file_index);
 }
+// Where shapes of a file go: the plot that is open.
+gx_sink_t sink_of(const gx_file_gene_recf_t& file) {
+  gx_sink_t sink{.name = "gx_plotfile", .instance_name = "LB_PLOTFILE_ONE_INST"};
+  sink.draw = [height = gx_inq_page_dim(file).y](const gx_shape_t& shape) {
+    gx_plot_shape(shape, height);
+  };
+  return sink;
+}
+
+// The same; the first object that is seen opens the plot.
+gx_sink_t sink_of(gx_plot_t& plot, const gx_file_gene_recf_t& file) {
+  gx_sink_t sink = sink_of(file);
+  sink.sees = [&](int, int) { return plot.scaling_done || start_plot(plot, file); };
+  return sink;
+}
 }  // namespace
 
 void gx_plotfile_object(gx_plot_t& plot, gx_file_index_t file_index, int object_id, int inst_id) {
   const auto& file = plotted_file(file_index);
-  const gx_type type = gx_object_id_ptr(file, object_id).object_type;
+  gx_object_id_ptr(file, object_id);
   if (!plot.scaling_done && !start_plot(plot, file)) return;
-  if (type == gx_type::net) gx_set_status(gx_code::invalid_level);
-  plot_one(file, object_id, inst_id);
-  gx_walk_below(file, object_id, [&](int id) { plot_one(file, id, inst_id); });
+  gx_tree_shapes(file, object_id, inst_id, false, sink_of(file));
 }
 
 bool gx_plotfile_end() { return !gx_plot_is_open() || gx_plot_close(); }
 
 void lb_plotfile_all_frame(gx_plot_t& plot, gx_file_index_t file_index) {
   const auto& file = plotted_file(file_index);
-  lb_walk_members(file, lb_frames(file),
-                  [&](int frame) { gx_plotfile_object(plot, file_index, frame, 0); });
+  lb_frame_shapes(file, sink_of(plot, file));
 }
 
 void lb_plotfile_one_inst(gx_plot_t& plot, gx_file_index_t file_index, int inst) {
-  lb_walk_instance(plotted_file(file_index), inst, "LB_PLOTFILE_ONE_INST",
-                   [&](int root, bool) { gx_plotfile_object(plot, file_index, root, inst); });
+  const auto& file = plotted_file(file_index);
+  lb_instance_shapes(file, inst, sink_of(plot, file));
 }
 
 void lb_plotfile_all_inst(gx_plot_t& plot, gx_file_index_t file_index) {
   const auto& file = plotted_file(file_index);
-  lb_walk_members(file, lb_instances(file),
-                  [&](int inst) { lb_plotfile_one_inst(plot, file_index, inst); });
+  lb_all_instance_shapes(file, sink_of(plot, file));
 }
 
 void lb_plotfile_all_net(gx_plot_t& plot, gx_file_index_t file_index) {
   const auto& file = plotted_file(file_index);
   if (!plot.scaling_done && !start_plot(plot, file)) return;
-  lb_walk_members(file, lb_nets(file), [&](int net) { gx_plotfile_net(file_index, net); });
+  lb_all_net_shapes(file, sink_of(file));
+}
+
+void gx_plotfile_prim(gx_file_index_t file_index, int object_id, int inst_id) {
+  const auto& file = gx_ptrto_gene_file_buf(file_index);
+  gx_primitive_shape(file, object_id, inst_id, false, sink_of(file));
+}
+
+void gx_plotfile_pin(gx_file_index_t file_index, int pin_id, int inst_id) {
+  const auto& file = gx_ptrto_gene_file_buf(file_index);
+  gx_pin_shape(file, pin_id, inst_id, false, sink_of(file));
+}
+
+void gx_plotfile_net(gx_file_index_t file_index, int net_id) {
+  const auto& file = gx_ptrto_gene_file_buf(file_index);
+  gx_net_shapes(file, net_id, sink_of(file));
 }

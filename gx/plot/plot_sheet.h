@@ -31,3 +31,8 @@ void lb_plotfile_all_frame(gx_plot_t& plot, gx_file_index_t file_index);
 void lb_plotfile_one_inst(gx_plot_t& plot, gx_file_index_t file_index, int inst);
 void lb_plotfile_all_inst(gx_plot_t& plot, gx_file_index_t file_index);
 void lb_plotfile_all_net(gx_plot_t& plot, gx_file_index_t file_index);
+
+// --- single objects of a plot that is open; `inst_id` places the object, 0 for none
+void gx_plotfile_prim(gx_file_index_t file_index, int object_id, int inst_id);
+void gx_plotfile_pin(gx_file_index_t file_index, int pin_id, int inst_id);
+void gx_plotfile_net(gx_file_index_t file_index, int net_id);

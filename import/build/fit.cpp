@@ -28,6 +28,9 @@ class fitter {
       if (cell.sheet && cell.symbol.pins.empty() && cell.symbol.shapes.empty()) draw_symbol(cell);
     pin_names_.resize(described);
     for (std::size_t i = 0; i < described; ++i) fit_symbol(i);
+    for (auto* const kept :
+         {&design_.kept_of_instances, &design_.kept_of_pins, &design_.kept_of_nets})
+      for (auto& name : *kept) name.resize(std::min(name.size(), longest_name));
     for (std::size_t i = 0; i < described; ++i)
       if (design_.cells[i].sheet) fit_sheet(i);
     std::move(undrawn_cells_.begin(), undrawn_cells_.end(), std::back_inserter(design_.cells));
@@ -102,7 +105,6 @@ class fitter {
       const std::string drawn = pin.name;
       pin.name = fit_text(pin.name, longest_value, symbol.source, "the name of a pin");
       pin.name = taken.take(pin.name.empty() ? "P" : pin.name, longest_value);
-      if (pin.type == "INOUT") pin.type = "IO";  // what begins with IN is an input
       pin_names_[cell].emplace(drawn, pin.name);
       fit_properties(pin.properties, symbol.source);
     }

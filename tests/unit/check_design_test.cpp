@@ -7,6 +7,7 @@
 #include "app/check/findings_file.h"
 #include "app/check/waivers.h"
 #include "expand/store.h"
+#include "tests/support/open_count.h"
 #include "tests/unit/design_session.h"
 
 namespace {
@@ -93,6 +94,34 @@ TEST(CheckDesign, FindsTheFaultsOfTheExampleAndLeavesItAsItIs) {
             (lines_t{"# NEXt FINding ", "# !! Warning : No more findings "}));
 }
 
+TEST(CheckDesign, OpensEachSheetOnceAsTheOtherCommandsOverAllSheetsDo) {
+  checked c(R"(
+symbol mid
+ pin A 0,0 IN
+symbol low
+ pin A 0,0 IN
+sheet low
+  part B buf 4,4
+sheet mid
+  part L1 low 4,4
+  part L2 low 4,8
+sheet top
+  part M1 mid 4,4
+  part M2 mid 4,8
+  part L low 4,12
+)");
+  const std::string top = "top/sheet.gx_1", mid = "mid/sheet.gx_1", low = "low/sheet.gx_1";
+  open_count opened({top, mid, low});
+  using counts_t = std::map<std::string, int>;
+  c.s.run("check design");
+  EXPECT_EQ(opened.take(), (counts_t{{top, 1}, {mid, 1}, {low, 1}}));
+  // These take the primary sheet from memory.
+  c.s.run("list hierarchy");
+  EXPECT_EQ(opened.take(), (counts_t{{mid, 1}, {low, 1}}));
+  c.s.run("find path *");
+  EXPECT_EQ(opened.take(), (counts_t{{mid, 1}, {low, 1}}));
+}
+
 TEST(CheckDesign, WhatComesFromOutsideDrives) {
   // A port of the top brings a signal in, one that takes it out does not; a global is a supply.
   checked c(R"(
@@ -116,6 +145,40 @@ sheet top
     wire B3.O 10,12 C
 )");
   EXPECT_EQ(c.findings(), (lines_t{"no-driver /B", "many-drivers /C", "single-pin /VDD"}));
+}
+
+TEST(CheckDesign, APinOnASliceMeetsTheBitsOfItAlone) {
+  // Of the bits 4 to 7 B1 drives 5; W1 reads 5 and 6, B2 reads 4; 7 has no pin. A port of both
+  // directions drives, too.
+  checked c(R"(
+symbol wide
+  pin D 0,0 IN bits 0:1
+  prop CLASS=W
+symbol io
+  pin P 0,0 IXO
+  prop CLASS=PORTIO
+sheet top
+  part W1 wide 10,4
+  part B1 buf 4,8
+  part B2 buf 10,12
+  part B3 buf 20,20
+  part B4 buf 20,24
+  port X io 18,20
+  bus D 4:7
+    wire W1.D 2,4 2,16 9,16 9,12 B2.I
+    wire 9,8 9,12
+    wire B1.O 9,8
+    bit 5 W1.D
+    bit 5 B1.O
+    bit 4 B2.I
+  net X
+    wire X B3.I
+  net C
+    wire B3.O 30,20 30,28 18,28 18,24 B4.I
+)");
+  EXPECT_EQ(c.findings(),
+            (lines_t{"no-driver /D_0", "no-driver /D_2", "pin-open /B1/I", "pin-unused /B2/O",
+                     "pin-unused /B4/O", "single-pin /D_0", "single-pin /D_2"}));
 }
 
 TEST(CheckDesign, PinsWithoutTypeAreTakenForNoDrivers) {

@@ -80,20 +80,22 @@ TEST_F(ExplainTest, ABitIsExplainedByTheNetsOfItsBusThatHoldIt) {
   run("symbol one\n pin A 0,0 IN\n symbol two\n pin D 0,0 IN bits 0:1\n"
       "sheet one\n port A p 0,0\n part R r 2,0\n net A\n  wire A R.1\n"
       "sheet two\n port D p 0,0 bits 0:1\n part X one 4,0\n bus D 0:1\n  wire D X.A\n  bit 1 X.A\n"
-      "sheet top\n part T two 2,0\n bus D 0:3\n  wire T.D 0,0\n  bit 2 T.D\n");
-  const lines_t bit_3 = {
-      "# NET 5 : \"/D_3\" name \"D_3\"",
-      "#   kind bit, bit 3 of bus \"/D\" (1) ; pins in 1 out 0",
-      "#   /D : top/sheet.gx_1 N_# : bit 3 of bus D",
-      "#   /T/D : two/sheet.gx_1 N_# : bit 3 of bus D",
-      "#   /T/X/A : one/sheet.gx_1 N_# : port A of /T/X, pin /T/X/A, bit 3 of bus D",
+      "sheet top\n part T two 2,0\n bus D 0:3\n  wire T.D 0,0\n  bit 1 T.D\n");
+  const lines_t bit_2 = {
+      "# NET 4 : \"/D_2\" name \"D_2\"",
+      "#   kind bit, bit 2 of bus \"/D\" (1) ; pins in 1 out 0",
+      "#   /D : top/sheet.gx_1 N_# : bit 2 of bus D",
+      "#   /T/D : two/sheet.gx_1 N_# : bit 2 of bus D",
+      "#   /T/X/A : one/sheet.gx_1 N_# : port A of /T/X, pin /T/X/A, bit 2 of bus D",
       "#   pin in /T/X/R/1",
-      " EXPlain NET /D_3 "};
-  EXPECT_EQ(explain("/D_3"), bit_3);
-  EXPECT_EQ(explain("/T/X/A").front(), bit_3.front());
-  EXPECT_EQ(explain("/D_1").size(), 4U);  // it does not go down
+      " EXPlain NET /D_2 "};
+  EXPECT_EQ(explain("/D_2"), bit_2);
+  EXPECT_EQ(explain("/T/X/A").front(), bit_2.front());
+  // Those on both sides do not go down.
+  EXPECT_EQ(explain("/D_0").size(), 4U);
+  EXPECT_EQ(explain("/D_3").size(), 4U);
   EXPECT_EQ(explain("/D")[3],
-            "#   /T/D : two/sheet.gx_1 N_# : port D[0:1] of /T, pin /T/D, bits 2 to 3 of bus D");
+            "#   /T/D : two/sheet.gx_1 N_# : port D[0:1] of /T, pin /T/D, bits 1 to 2 of bus D");
 }
 
 }  // namespace

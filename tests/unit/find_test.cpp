@@ -106,22 +106,32 @@ sheet top
     wire XS.Q 22,5
 )";
 
-class Find : public testing::TestWithParam<bool> {
- protected:
-  // `GetParam`: whether the design is expanded.
-  Find() {
+// A session with a design that may be expanded.
+struct find_session {
+  explicit find_session(bool is_expanded, std::string_view sheets = {},
+                        std::string_view top = "top")
+      : s(std::string(registers) + std::string(sheets), top) {
     kv_sext = kv_defref_exp_rec_t{};
     kv_sext.designfile = ::open("/dev/null", O_RDWR);
-    if (!GetParam()) return;
+    if (!is_expanded) return;
     for (const char* line :
          {"primitive class", "prop inst s class", "prop pin s pin", "prop net s net", "run"})
       s.run(line);
   }
-  ~Find() override {
+  ~find_session() {
     ::close(kv_sext.designfile);
     kv_sext = kv_defref_exp_rec_t{};
   }
-  design_session s{registers};
+  find_session(const find_session&) = delete;
+  find_session& operator=(const find_session&) = delete;
+  design_session s;
+};
+
+class Find : public testing::TestWithParam<bool> {
+ protected:
+  // `GetParam`: whether the design is expanded.
+  find_session session{GetParam()};
+  design_session& s = session.s;
 };
 
 TEST_P(Find, AnyFormOfAPathLeadsToItsPlace) {
@@ -182,6 +192,33 @@ lines_t marks(const design_session& s) {
                     std::string(gx_view(mark.name)));
   }
   return lines;
+}
+
+TEST(Expanded, EveryBlockIsOnTheSheetAboveIt) {
+  // Two levels, so that a block follows the inside of another one.
+  const find_session deep(true,
+                          "symbol two\n pin D 0,0 IN\nsheet two\n part A bit 4,4\n part B bit 4,8\n"
+                          "sheet twice\n part X two 4,4\n part Y two 4,8\n part R leaf 4,12\n",
+                          "twice");
+  lines_t places;
+  for (std::int32_t macro = 1; macro <= kv_sext.macros.count; ++macro) {
+    const auto place = kv_place_of(kv_sext, kv_sext.origins, {kv_named::macro, macro});
+    places.push_back(std::string(kv_text(kv_sext, kv_sext.macros[macro].sim_path)) + " on \"" +
+                     std::string(kv_visit_path(kv_sext, kv_sext.origins, place.visit)) + "\"");
+  }
+  EXPECT_EQ(places, (lines_t{"/X on \"\"", "/X/A on \"/X\"", "/X/B on \"/X\"", "/Y on \"\"",
+                             "/Y/A on \"/Y\"", "/Y/B on \"/Y\""}));
+}
+
+TEST(Expanded, AHighlightNamesANetOnceOnASheet) {
+  find_session split(true,
+                     "sheet split\n part R leaf 4,4\n"
+                     " net K\n  wire R.Q 10,4\n"
+                     " net K\n  wire 20,4 30,4\n",
+                     "split");
+  EXPECT_EQ(split.s.run("highlight net /K"), lines_t{" HIGhlight NET /K "});
+  EXPECT_EQ(marks(split.s), (lines_t{"1 K /K", "1 K "}));
+  split.s.run("highlight off");
 }
 
 TEST_P(Find, AHighlightFollowsTheViewAndTheRuns) {

@@ -99,6 +99,15 @@ TEST_F(FlattenTest, NetsThatMeetAGlobalInsideBlocksAreItsNet) {
   EXPECT_EQ(text(kv_ptrto_net_rec(1).name), "VDD");
 }
 
+TEST_F(FlattenTest, AMemberThatMeetsAGlobalInsideABlockLeavesItsBusABus) {
+  EXPECT_EQ(run(std::string(tie_sheet) + "sheet top\n part X tie 2,0\n part R r 10,0\n"
+                                         " bus D 0:1\n  wire X.A 0,0 0,9 10,9 R.1\n"
+                                         "  bit 1 X.A\n  bit 0 R.1\n"),
+            lines_t{"# !! Error : Pin without Net : \"/R/2\""});
+  EXPECT_EQ(nets(), (lines_t{"/D 1 bus", "/D_0 1 in /R/1", "/D_1 4 sub in /X/R1/1 + /X/A 2",
+                             "/X/Z 0 out /X/R1/2"}));
+}
+
 TEST_F(FlattenTest, DifferentGlobalsOfASheetAndTheSheetAboveAreAnError) {
   EXPECT_EQ(run(std::string(tie_sheet) +
                 "sheet top\n part X tie 2,0\n global GND g 0,0\n net M\n  wire X.A 0,0\n"),

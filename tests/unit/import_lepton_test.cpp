@@ -1,12 +1,8 @@
-// Drawings of Lepton EDA: records in odd forms, projects, and what joins what in the example and in
-// drawings of several pages and levels.
+// Drawings of Lepton EDA: records in odd forms, projects, versions of what is written.
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <set>
 
-#include "import/build/builder.h"
-#include "import/build/fit.h"
 #include "import/build/output.h"
 #include "import/lepton/file.h"
 #include "import/lepton/path.h"
@@ -26,45 +22,6 @@ std::string refusal(const std::string& text) {
     return error.what();
   }
   return "";
-}
-
-// Every net of a sheet by its names and the pins of parts that it joins.
-std::set<std::string> nets_of(const gxi_design_t& design, const std::string& cell_name) {
-  std::set<std::string> nets;
-  for (const auto& cell : design.cells) {
-    if (cell.name != cell_name || !cell.sheet) continue;
-    std::vector<std::set<std::string>> pins(cell.sheet->nets.size());
-    for (const auto& instance : cell.sheet->instances)
-      for (std::size_t i = 0; i < instance.nets.size(); ++i)
-        if (instance.kind == gxi_kind::part && instance.nets[i] >= 0)
-          pins[static_cast<std::size_t>(instance.nets[i])].insert(
-              instance.name + "." +
-              design.cells[static_cast<std::size_t>(instance.symbol)].symbol.pins[i].name);
-    for (std::size_t i = 0; i < pins.size(); ++i) {
-      const auto& net = cell.sheet->nets[i];
-      std::string all = net.name + (net.port.empty() ? "" : " port " + net.port) +
-                        (net.global.empty() ? "" : " global " + net.global) + ":";
-      for (const auto& pin : pins[i]) all += " " + pin;
-      if (pins[i].size() > 1 || !net.port.empty() || !net.global.empty()) nets.insert(all);
-    }
-  }
-  return nets;
-}
-
-void write(const fs::path& path, const std::string& text) { std::ofstream(path) << text; }
-
-// A part with two pins, its refdes R and what is to follow that.
-std::string part(int x, int y, const std::string& name, const std::string& more = "") {
-  return "C " + std::to_string(x) + " " + std::to_string(y) +
-         " 1 0 0 two.sym\n{\nT 0 0 5 10 1 1 0 0 1\n" + "refdes=" + name + "\n" + more + "}\n";
-}
-const std::string two =
-    "v 20220529 2\nP 0 0 200 0 1 0 0\n{\nT 0 0 5 8 1 1 0 0 1\npinnumber=1\nT 0 0 5 8 0 0 0 0 1\n"
-    "pinlabel=A\n}\nP 600 0 400 0 1 0 0\n{\nT 0 0 5 8 1 1 0 0 1\npinnumber=2\nT 0 0 5 8 0 0 0 0 1\n"
-    "pinlabel=B\n}\n";
-std::string named(int x, int y, const std::string& name) {
-  return "N " + std::to_string(x) + " " + std::to_string(y) + " " + std::to_string(x + 100) + " " +
-         std::to_string(y) + " 4\n{\nT 0 0 5 8 1 1 0 0 1\nnetname=" + name + "\n}\n";
 }
 
 }  // namespace
@@ -159,48 +116,6 @@ TEST(ImportLepton, TheProjectNamesLibrariesAndMangling) {
   EXPECT_FALSE(project.net_is_local);
   EXPECT_TRUE(project.netname_is_local && project.netname_wins && project.walks_down);
   EXPECT_EQ(messages, gxm_messages_t{"gafrc:6: \"(component-library ...)\" is not followed"});
-}
-
-TEST(ImportLepton, TheExampleJoinsWhatItDraws) {
-  const fs::path here = KIVO_SOURCE_DIR;
-  const auto design = gxi_read_lepton({{here / "examples/import/lepton/preamp.sch"}, {}});
-  EXPECT_TRUE(design.warnings.empty());
-  EXPECT_EQ(nets_of(design, "preamp"),
-            (std::set<std::string>{"left: J1.1 S1.IN", "left_out: J2.1 R9.1 S1.OUT",
-                                   "~right: J1.2 S2.IN", ": J2.2 S2.OUT", "GND global GND: J3.2",
-                                   "V+ global V+: J3.1", "V- global V-: J3.3"}));
-  EXPECT_EQ(nets_of(design, "stage"),
-            (std::set<std::string>{" port IN: C1.1", "mid: C1.2 R1.2 U1.3", ": R2.2 R3.2 U1.2",
-                                   " port OUT: R2.1 U1.1", ": U1.6 U1.7",
-                                   "GND global GND: R1.1 R3.1 U1.5", "V+ global V+: U1.8",
-                                   "V- global V-: U1.4"}));
-}
-
-// Pages are one sheet by their names; the sheets below join pins; a name of a net above counts
-// before that of a port.
-TEST(ImportLepton, PagesLevelsAndNames) {
-  const scratch_directory scratch;
-  const auto at = scratch.path();
-  write(at / "two.sym", two);
-  write(at / "gnd.sym", two + "T 0 0 5 8 0 0 0 0 1\nnet=GND:1,2\n");
-  write(at / "lepton.conf", "[netlist.hierarchy]\nmangle-net-attribute=false\n");
-  const std::string source = "T 0 0 5 8 0 0 0 0 1\nsource=low.sch\n";
-  write(at / "low.sch", "v 1 2\n" + part(0, 0, "A") + part(600, 0, "R1") + part(1200, 0, "B") +
-                            part(0, 500, "R2", "T 0 0 5 8 0 0 0 0 1\nnet=GND:2,9\n"));
-  write(at / "loop.sch", "v 1 2\n" + part(0, 0, "A") + part(0, 0, "B"));
-  write(at / "one.sch", "v 1 2\n" + part(0, 0, "X1", source) + named(0, 0, "P") +
-                            part(0, 900, "X2", "T 0 0 5 8 0 0 0 0 1\nsource=loop.sch\n") +
-                            named(0, 900, "P") + named(600, 900, "Q") +
-                            // A slanted wire is joined at its ends alone.
-                            "N 2000 0 2400 400 4\nN 2200 200 2200 0 4\n" + part(2200, 0, "R3") +
-                            part(2400, 400, "R4") + part(2000, 0, "R5"));
-  write(at / "more.sch", "v 1 2\n" + part(0, 0, "R6") + named(0, 0, "Q") + named(600, 0, "P") +
-                             part(0, 600, "R7") + named(0, 600, "GND") + part(0, 900, "gone"));
-  const auto design = gxi_read_lepton({{at / "one.sch", at / "more.sch"}, {}});
-  EXPECT_EQ(nets_of(design, "one"), (std::set<std::string>{"P: R6.1 R6.2 X1.A X2.A X2.B",
-                                                           "GND global GND: R7.1", ": R4.1 R5.1"}));
-  EXPECT_EQ(nets_of(design, "low"),
-            (std::set<std::string>{" port A:", " port B: R1.2", "GND global GND: R2.2 R2.9"}));
 }
 
 TEST(ImportLepton, ASecondImportWritesOnlyWhatChanged) {

@@ -1,13 +1,10 @@
-// Drawings of xschem: records in odd forms, labels of several bits, and what joins what in the
-// example.
+// Drawings of xschem: records in odd forms, labels of several bits, versions of what is written.
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <set>
 
 #include "import/build/output.h"
 #include "import/drawing/ascii.h"
-#include "import/drawing/netlist_text.h"
 #include "import/drawing/numbers.h"
 #include "import/xschem/attributes.h"
 #include "import/xschem/labels.h"
@@ -31,26 +28,6 @@ std::string joined(const std::vector<std::string>& names) {
   std::string all;
   for (const auto& name : names) all += (all.empty() ? "" : " ") + name;
   return all;
-}
-
-// Every net of the top sheet by the pins of parts that it joins.
-std::set<std::string> nets_of_top(const gxi_design_t& design) {
-  const auto& sheet = *design.cells[0].sheet;
-  std::vector<std::set<std::string>> pins(sheet.nets.size());
-  for (const auto& instance : sheet.instances)
-    for (std::size_t i = 0; i < instance.nets.size(); ++i)
-      if (instance.kind == gxi_kind::part && instance.nets[i] >= 0)
-        pins[static_cast<std::size_t>(instance.nets[i])].insert(
-            instance.name + "." +
-            design.cells[static_cast<std::size_t>(instance.symbol)].symbol.pins[i].name);
-  std::set<std::string> nets;
-  for (std::size_t i = 0; i < pins.size(); ++i) {
-    std::string all = sheet.nets[i].name + (sheet.nets[i].port.empty() ? "" : " port") +
-                      (sheet.nets[i].global.empty() ? "" : " global") + ":";
-    for (const auto& pin : pins[i]) all += " " + pin;
-    nets.insert(all);
-  }
-  return nets;
 }
 
 }  // namespace
@@ -112,7 +89,7 @@ TEST(ImportXschem, LabelsOfSeveralBits) {
   for (const auto& [label, names] : bits) EXPECT_EQ(joined(gxi_xschem_bits(label)), names);
 }
 
-TEST(ImportXschem, NumbersTextsAndNetlistLines) {
+TEST(ImportXschem, NumbersAndTexts) {
   EXPECT_EQ(gxi_plain_number("4.7k"), "4700");
   EXPECT_EQ(gxi_plain_number("10uF"), "0.00001");
   EXPECT_EQ(gxi_plain_number("2meg"), "2000000");
@@ -121,59 +98,6 @@ TEST(ImportXschem, NumbersTextsAndNetlistLines) {
   EXPECT_EQ(gxi_plain_expression("'@w * 4.4u'"), "(w*0.0000044)");
   EXPECT_EQ(gxi_plain_expression("sqrt(2)"), std::nullopt);
   EXPECT_EQ(gxi_ascii("10µ \u2126 \u00e9 \xff\x01"), "10u ohm e y ");
-  const auto devices = gxi_netlist_devices(
-      "* c\nm1 d g s b nch\n+ w=1\n.control\nrun r r\n.endc\nX1 a b sub m=2\nR1 a\n");
-  ASSERT_EQ(devices.size(), 2U);
-  EXPECT_EQ(joined(devices[0].nodes) + " | " + devices[0].value, "d g s b | nch w=1");
-  EXPECT_EQ(joined(devices[1].nodes), "a b");
-}
-
-TEST(ImportXschem, TheExampleJoinsWhatItDraws) {
-  const std::filesystem::path here = KIVO_SOURCE_DIR;
-  const auto design = gxi_read_xschem({{here / "examples/import/buffers.sch"}, {}});
-  EXPECT_TRUE(design.warnings.empty());
-  std::set<std::string> expected{"0 global: C[0].m C[1].m C[2].m C[3].m M1.b M1.s",
-                                 "TAP: M1.d x9.A", "OUT port: x9.Y"};
-  for (const std::string bit : {"[0]", "[1]", "[2]", "[3]"}) {
-    expected.insert("IN" + bit + " port: xa" + bit + ".A");
-    expected.insert(": xa" + bit + ".Y xb" + bit + ".A");
-    expected.insert("Q" + bit + " port: C" + bit + ".p" + (bit == "[2]" ? " M1.g" : "") + " xb" +
-                    bit + ".Y");
-  }
-  EXPECT_EQ(nets_of_top(design), expected);
-}
-
-// What is ignored, shorted, missing or of no length; labels that meet; taps of a bus whose name
-// another tap tells; a pin that only a format names; attributes named like what KIVO has of its
-// own.
-TEST(ImportXschem, OddSheets) {
-  const scratch_directory scratch;
-  const auto write = [&](const char* name, std::string_view text) {
-    std::ofstream(scratch.path() / name) << "v {}\n" << text;
-  };
-  write("two.sym",
-        "K {type=res format=\"@name @pinlist @VB @value\" template=\"name=Q1 class=a VB=V\"}\n"
-        "B 5 -1 -31 1 -29 {name=A dir=in}\nB 5 -1 29 1 31 {name=B dir=out}\n"
-        "T {@class} 0 0 0 0 1 1 {}\n");
-  write("lab.sym", "K {type=label template=\"name=l lab=x\"}\nB 5 -1 -1 1 1 {name=p}\n");
-  write("tap.sym", "K {type=bus_tap}\nB 5 -1 -1 1 1 {name=tap}\nB 5 19 -1 21 1 {name=bus}\n");
-  write("top.sch",
-        "N 0 -30 0 -30 {}\nN 0 30 100 30 {}\nN 0 -30 200 -30 {}\nN 300 0 300 90 {}\n"
-        "C {two.sym} 0 0 0 0 {name=Q1 inst=b}\nC {two.sym} 100 0 0 0 {name=Q2 spice_ignore=short}\n"
-        "C {two.sym} 0 60 0 0 {name=Q3 spice_ignore=true}\nC {none.sym} 0 -30 0 0 {name=x}\n"
-        "C {lab.sym} 200 -30 0 0 {lab=K global=false}\nC {lab.sym} 100 -30 0 0 {lab=L}\n"
-        "C {lab.sym} 300 90 0 0 {lab=D[3:0]}\nC {tap.sym} 280 50 0 0 {lab=[2:1]}\n"
-        "C {tap.sym} 260 50 0 0 {lab=[1]}\nC {two.sym} 260 80 0 0 {name=Q4 VB=K}\n"
-        "C {lab.sym} 260 110 0 0 {lab=P global=true}\n");
-  auto design = gxi_read_xschem({{scratch.path() / "top.sch"}, {}});
-  EXPECT_EQ(nets_of_top(design),
-            (std::set<std::string>{"K: Q1.A Q1.B Q4.VB", "V: Q1.VB", "D[1]: Q4.A",
-                                   "D[2]:", "D[0]:", "D[3]:", "P global: Q4.B"}));
-  EXPECT_EQ(design.warnings.size(), 2U);  // the missing symbol, the label L
-  std::string properties;
-  for (const auto& property : design.cells[0].sheet->instances[0].properties)
-    properties += property.name + (property.look ? "* " : " ");
-  EXPECT_EQ(properties, "inst_ class_* ");
 }
 
 TEST(ImportXschem, ASecondImportWritesOnlyWhatChanged) {

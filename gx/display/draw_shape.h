@@ -1,0 +1,8 @@
+// Shapes on the screen: from design units to clipped strokes of pixels.
+#pragma once
+
+#include "gx/display/draw_strokes.h"
+#include "gx/picture/shape.h"
+
+// Draws into the selected viewport. A line style outside 0..4 stops with invalid_style.
+void gx_draw_shape(const gx_picture_t& picture, const gx_shape_t& shape);

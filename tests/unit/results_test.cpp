@@ -1,0 +1,273 @@
+// Files of results as simulators write them, whole, growing and damaged; the names in them;
+// numbers.
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include "results/engineering.h"
+#include "results/names.h"
+#include "results/overview.h"
+#include "results/raw_file.h"
+#include "tests/support/scratch_directory.h"
+
+namespace {
+
+std::string double_bytes(std::initializer_list<double> numbers) {
+  std::string bytes;
+  for (const double number : numbers) {
+    bytes.append(reinterpret_cast<const char*>(&number), sizeof number);
+  }
+  return bytes;
+}
+std::string single_bytes(std::initializer_list<float> numbers) {
+  std::string bytes;
+  for (const float number : numbers) {
+    bytes.append(reinterpret_cast<const char*>(&number), sizeof number);
+  }
+  return bytes;
+}
+std::string wide(const std::string& text) {
+  std::string bytes;
+  for (const char c : text) bytes.append({c, '\0'});
+  return bytes;
+}
+std::string header(const std::string& plot, const std::string& flags, const std::string& points,
+                   const std::vector<std::string>& variables,
+                   const std::string& end = "Binary:\n") {
+  std::string text = "Title: a test\nDate: today\nPlotname: " + plot + "\nFlags: " + flags +
+                     "\nNo. Variables: " + std::to_string(variables.size()) +
+                     "\nNo. Points: " + points + "\nVariables:\n";
+  for (std::size_t i = 0; i < variables.size(); ++i) {
+    text += "\t" + std::to_string(i) + "\t" + variables[i] + "\n";
+  }
+  return text + end;
+}
+const std::vector<std::string> time_and_out{"time\ttime", "v(out)\tvoltage"};
+
+class Results : public ::testing::Test {
+ protected:
+  std::string write(const std::string& bytes) {
+    directory_.write("a.raw", bytes);
+    return path();
+  }
+  std::string path() const { return directory_.file("a.raw").string(); }
+  std::string open(const std::string& bytes) {
+    const std::string fault = file_.open(write(bytes));
+    const auto name = fault.find(path());
+    return name == 0 ? fault.substr(path().size()) : fault;
+  }
+  rs_value_t at(const rs_plot_t& plot, double x, std::uint32_t variable) const {
+    rs_place_t place;
+    rs_value_t value{std::nan("")};
+    if (rs_find(file_, plot, x, place))
+      rs_values_at(file_, plot, place, {&variable, 1}, {&value, 1});
+    return value;
+  }
+  const rs_plot_t& plot(std::size_t number) const { return file_.plots().at(number - 1); }
+
+  scratch_directory directory_;
+  rs_file_t file_;
+};
+
+TEST_F(Results, AValueBetweenTwoPointsLiesOnTheLineAndNoneBeyondTheEnds) {
+  const std::string rows = double_bytes({0, 1, 2e-9, 5, 2e-9, 7, 4e-9, 3});
+  ASSERT_EQ(open(header("Transient Analysis", "real", "4", time_and_out) + rows), "");
+  EXPECT_EQ(at(plot(1), 1e-9, 1).re, 3);
+  EXPECT_EQ(at(plot(1), 3e-9, 1).re, 5);
+  EXPECT_EQ(at(plot(1), 4e-9, 1).re, 3);
+  EXPECT_EQ(at(plot(1), 0, 1).re, 1);
+  EXPECT_TRUE(std::isnan(at(plot(1), 4.1e-9, 1).re));
+  EXPECT_TRUE(std::isnan(at(plot(1), -1e-9, 1).re));
+  EXPECT_TRUE(std::isnan(at(plot(1), std::nan(""), 1).re));
+}
+
+TEST_F(Results, RowsOfAFileThatStillGrowsAreCountedByItsSize) {
+  const std::string head = header("Transient Analysis", "real", "0       ", time_and_out);
+  ASSERT_EQ(open(head), "");
+  EXPECT_EQ(plot(1).nb_rows, 0U);
+  const std::string rows = double_bytes({0, 1, 1, 2, 2, 3});
+  EXPECT_FALSE(file_.has_changed());
+  write(head + rows.substr(0, 40));  // the third row is being written
+  EXPECT_TRUE(file_.has_changed());
+  ASSERT_EQ(file_.open(path()), "");
+  EXPECT_EQ(plot(1).nb_rows, 2U);
+  EXPECT_EQ(at(plot(1), 1, 1).re, 2);
+  EXPECT_TRUE(file_.faults().empty());
+  // A header that is still being written is said to be so, and is no fault of what is there.
+  EXPECT_EQ(open(head.substr(0, 70)), ": its header is not whole");
+}
+
+TEST_F(Results, PlotsFollowOneAnotherInEitherForm) {
+  const std::string op =
+      header("Operating Point", "real", "1", {"v(a)\tvoltage", "i(v1)\tcurrent"});
+  const std::string ac = header("AC Analysis", "complex", "2",
+                                {"frequency\tfrequency\tgrid=3", "v(a)\tvoltage"}, "Values:\n") +
+                         " 0\t1e1,0.0\n\t1.5,-2.5\n\n 1\t1e2,0.0\n\t+nan,bad\n\n";
+  const std::string empty = header("Transient Analysis", "real", "0", time_and_out);
+  const std::string dc = header("DC transfer characteristic", "real", "4",
+                                {"v(v-sweep)\tvoltage", "v(out)\tvoltage"}) +
+                         double_bytes({1, 10, 0, 20, 1, 30, 0, 40});
+  ASSERT_EQ(open(op + double_bytes({1.5, -2}) + ac + empty + dc), "");
+  ASSERT_EQ(file_.plots().size(), 5U);
+  EXPECT_FALSE(plot(1).has_scale);
+  const std::uint32_t both[] = {1, 0};
+  rs_value_t values[2];
+  file_.row(plot(1), 0, both, values);
+  EXPECT_EQ(values[0].re, -2);
+  EXPECT_EQ(values[1].re, 1.5);
+  EXPECT_EQ(at(plot(2), 10, 1).im, -2.5);
+  EXPECT_TRUE(std::isnan(at(plot(2), 100, 1).re));
+  EXPECT_EQ(plot(3).nb_rows, 0U);
+  // Nested sweeps are a plot each; their scale may fall.
+  EXPECT_EQ(plot(4).nb_steps, 2);
+  EXPECT_EQ(at(plot(4), 0.25, 1).re, 17.5);
+  EXPECT_EQ(at(plot(5), 0.25, 1).re, 37.5);
+}
+
+TEST_F(Results, TheFormOfLtspice) {
+  const auto ltspice = [](const std::string& plot, const std::string& flags,
+                          const std::string& points) {
+    const std::vector<std::string> names{"time\ttime", "V(n001)\tvoltage", "I(R1)\tdevice_current"};
+    std::string text = header(plot, flags, points, names);
+    text.insert(
+        text.find("Variables:\n\t"),
+        "Offset:   1.0000000000000000e+000\nCommand: Linear Technology Corporation LTspice\n"
+        "Backannotation: u1 1 2\n");
+    return wide(text);
+  };
+  // Time in double, the rest in single precision; a minus before it marks points to leave out.
+  ASSERT_EQ(open(ltspice("Transient Analysis", "real forward", "2") + double_bytes({0}) +
+                 single_bytes({1, 2}) + double_bytes({-2}) + single_bytes({3, 4})),
+            "");
+  EXPECT_EQ(plot(1).header.simulator, rs_simulator::ltspice);
+  EXPECT_EQ(file_.variables(plot(1)).at(2).name, "I(R1)");
+  EXPECT_EQ(at(plot(1), 2, 2).re, 3);  // the scale begins at the offset
+  EXPECT_EQ(at(plot(1), 3, 1).re, 3);
+  // Variable by variable.
+  ASSERT_EQ(open(ltspice("Transient Analysis", "real forward fastaccess", "2") +
+                 double_bytes({0, 2}) + single_bytes({1, 3, 2, 4})),
+            "");
+  EXPECT_EQ(at(plot(1), 2, 2).re, 3);
+  // Several runs; all in double precision, which the size shows.
+  ASSERT_EQ(open(ltspice("Transient Analysis", "real forward stepped", "4") +
+                 double_bytes({0, 1, 2, 2, 3, 4, 0, 5, 6, 2, 7, 8})),
+            "");
+  ASSERT_EQ(file_.plots().size(), 2U);
+  EXPECT_EQ(at(plot(2), 2, 1).re, 6);
+}
+
+TEST_F(Results, AFileThatIsNoSuchOrCutSaysSo) {
+  EXPECT_EQ(open(""), ": is empty");
+  EXPECT_EQ(open("Netlist of a design\nR1 a b 1k\n"), ": is no file of results");
+  EXPECT_EQ(open(std::string(200000, 'x')), ": line 1: a line of no header");
+  EXPECT_EQ(file_.open(directory_.path().string()),
+            directory_.path().string() + ": Is a directory");
+  const std::string whole = header("Transient Analysis", "real", "2", time_and_out);
+  const auto with = [&](std::string_view from, std::string_view to) {
+    std::string text = whole;
+    return text.replace(text.find(from), from.size(), to);
+  };
+  EXPECT_EQ(open(with("s: 2\nNo", "s: 99999999999999999999\nNo")), ": line 5: no number");
+  EXPECT_EQ(open(with("s: 2\nNo", "s: -2\nNo")), ": line 5: no number");
+  EXPECT_EQ(open(with("s: 2\nNo", "s: 0\nNo")), ": line 7: no variables");
+  EXPECT_EQ(open(with("s: 2\nNo", "s: 3\nNo")), ": line 10: not as many variables as announced");
+  EXPECT_EQ(open(with("s: 2\nNo", "s: 1\nNo")), ": line 9: more variables than announced");
+  // Fewer points than announced: what is there is read, and said.
+  ASSERT_EQ(open(with("Points: 2", "Points: 18446744073709551615") + double_bytes({0, 1})), "");
+  EXPECT_EQ(plot(1).nb_rows, 1U);
+  ASSERT_EQ(file_.faults().size(), 1U);
+  EXPECT_EQ(file_.faults()[0], "plot 1: 1 of 18446744073709551615 points are there");
+  ASSERT_EQ(open(whole + double_bytes({0, 1, 2, 3}) + "and so on\n"), "");
+  EXPECT_EQ(file_.faults().at(0), "after plot 1: bytes that belong to no plot");
+}
+
+// The first point, and the last of four at a time: what is between is found again by columns.
+TEST_F(Results, ColumnsHoldTheLeastAndTheGreatestValue) {
+  std::string bytes = header("Transient Analysis", "real", "0", time_and_out);
+  constexpr int points = 100000;
+  for (int i = 0; i < points; ++i) {
+    bytes += double_bytes({i * 1e-9, i == 61234 ? 50.0 : (i == 777 ? -9.0 : i % 2 * 1.0)});
+  }
+  ASSERT_EQ(open(bytes), "");
+  rs_overview_t overview;
+  const std::uint32_t out = 1;
+  ASSERT_TRUE(overview.make(file_, plot(1), {&out, 1}));
+  EXPECT_EQ(overview.whole(0).low, -9);
+  EXPECT_EQ(overview.whole(0).high, 50);
+  const auto columns = [&](double from, double to, int count) {
+    std::vector<double> edges;
+    for (int i = 0; i <= count; ++i) edges.push_back(from + (to - from) * i / count);
+    return overview.columns(edges)[0];
+  };
+  const auto whole = columns(0, 100e-6, 100);
+  for (std::size_t i = 0; i < whole.size(); ++i) {
+    EXPECT_EQ(whole[i].high, i == 61 ? 50 : 1) << i;
+    EXPECT_EQ(whole[i].low, i == 0 ? -9 : 0) << i;
+  }
+  // Between two points: the line. Outside: nothing.
+  const auto near = columns(61233.5e-9, 61234.5e-9, 2);
+  EXPECT_NEAR(near[0].low, 25.5, 1e-6);
+  EXPECT_NEAR(near[0].high, 50, 1e-6);
+  EXPECT_TRUE(columns(101e-6, 102e-6, 4)[2].is_empty());
+}
+
+TEST(ResultNames, OfEverySimulatorSayTheSame) {
+  struct case_t {
+    rs_variable_t variable;
+    std::string said;
+  };
+  const case_t cases[] = {
+      {{"v(r:x2:x)", "voltage"}, "net r:x2:x"},
+      {{"V(XR:X2:X)", "voltage"}, "net XR:X2:X"},
+      {{"out", "voltage"}, "net out"},
+      {{"a[5]", "voltage"}, "net a[5]"},
+      {{"v(a[5])", "voltage"}, "net a[5]"},
+      {{"i(vsup)", "current"}, "device vsup i"},
+      {{"vsup#branch", "current"}, "device vsup i"},
+      {{"@m.xr.x2.mp1[gm]", "admittance"}, "device m.xr.x2.mp1 gm"},
+      {{"i(@r1[i])", "current"}, "device r1 i"},
+      {{"v(@m.x1.m1[VTH])", "voltage"}, "device m.x1.m1 vth"},
+      {{"Id(M1)", "device_current"}, "device M1 id"},
+      {{"Ix(u1:vcc)", "subckt_current"}, "device u1:vcc ix"},
+      {{"N(M:XR:X2:MP1:GM)", "voltage"}, "device M:XR:X2:MP1:GM "},
+      {{"W(R1)", "power"}, "device R1 p"},
+      {{"time", "time"}, "other"},
+      {{"v(v-sweep)", "voltage"}, "other"},
+      {{"{V(A)-V(B)}", "expression"}, "other"},
+      {{"v(a,b)", "voltage"}, "other"},
+      {{"", ""}, "other"},
+  };
+  for (const auto& [variable, said] : cases) {
+    const rs_name_t name = rs_read_name(variable);
+    const std::string what = name.meaning == rs_meaning::net ? "net " + name.path
+                             : name.meaning == rs_meaning::device
+                                 ? "device " + name.path + " " + name.parameter
+                                 : "other";
+    EXPECT_EQ(what, said) << variable.name;
+  }
+  EXPECT_EQ(rs_path_names("m.xr:x2#d").size(), 4U);
+  EXPECT_EQ(rs_parameter_name("IDS"), "id");
+}
+
+TEST(Engineering, NumbersAreWrittenAndReadAsSimulatorsDo) {
+  EXPECT_EQ(rs_engineering(1.79998, 6, "V"), "1.79998 V");
+  EXPECT_EQ(rs_engineering(1.8, 4), "1.8");
+  EXPECT_EQ(rs_engineering(-0.0114, 4, "V"), "-11.4 mV");
+  EXPECT_EQ(rs_engineering(999.96, 4), "1k");
+  EXPECT_EQ(rs_engineering(1.5e6, 4), "1.5meg");
+  EXPECT_EQ(rs_engineering(1.5e6, 4, "Hz"), "1.5 MHz");
+  EXPECT_EQ(rs_engineering(0, 4, "A"), "0 A");
+  EXPECT_EQ(rs_engineering(1e-30, 4), "1e-30");
+  EXPECT_EQ(rs_engineering(std::nan(""), 4), "nan");
+  for (const double number : {58e-9, 1e6, -2.5e-3, 1.0, 4.7e12}) {
+    EXPECT_NEAR(rs_read_number(rs_engineering(number, 6)).value_or(0) / number, 1, 1e-12);
+  }
+  EXPECT_EQ(rs_read_number("1MEG"), 1e6);
+  EXPECT_NEAR(*rs_read_number("58ns"), 58e-9, 1e-20);
+  EXPECT_EQ(rs_read_number("0.7V"), 0.7);
+  for (const char* text : {"", "n", "1e999", "1n5", "1,5", "nan", "1 n"}) {
+    EXPECT_FALSE(rs_read_number(text)) << text;
+  }
+}
+
+}  // namespace
