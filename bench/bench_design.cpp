@@ -33,7 +33,10 @@ bench_design::bench_design(int blocks, int variants) {
   keep(kv_sext.property_pin, "PINTYPE");
   keep(kv_sext.property_net, "NET");
   kv_sext.designfile = ::open("array/design_kv", O_RDWR | O_CREAT, 0660);
-  gx_vext.batch = true;  // nobody waits for a line: many are written together
+  // Nobody waits for a line: many are written together.
+  static constexpr gx_front_t no_user = {
+      .keeps_lines = false, .shows_pictures = false, .may_wait = false};
+  gx_set_front(no_user);
   gx_vext.cursessfile = std::fopen("array/current_session", "w");
   sheets_[0].file_index = gx_file_open("array", "sheet");
 }

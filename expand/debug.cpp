@@ -5,7 +5,7 @@
 
 #include "expand/store.h"
 #include "gx/text/debug.h"
-#include "gx/text/session_state.h"
+#include "gx/text/front.h"
 #include "gx/text/status.h"
 
 std::FILE* kv_debf = nullptr;
@@ -24,7 +24,7 @@ void kv_error_stop() {
     gx_debug_line(" KV_ERROR_STOP  ");
     gx_release_all();
   }
-  std::fprintf(gx_session.batch ? stderr : stdout, "!!! KV_ERROR_STOP  \n");
+  std::fprintf(gx_front().messages(), "!!! KV_ERROR_STOP  \n");
   std::fflush(nullptr);
-  std::_Exit(gx_session.batch ? gx_batch_stop_status : EXIT_FAILURE);
+  std::_Exit(gx_front().stop_status);
 }

@@ -41,3 +41,9 @@ void x_watch_stop_signals() {
 int x_stop_signal() { return noted; }
 
 int x_stop_descriptor() { return ends[0]; }
+
+void x_forget_stop_waking() {
+  char bytes[16];
+  while (read(ends[0], bytes, sizeof bytes) > 0) {
+  }
+}

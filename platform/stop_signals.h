@@ -7,5 +7,7 @@
 void x_watch_stop_signals();
 // The signal that came first; 0 for none.
 int x_stop_signal();
-// For poll: can be read from once a signal has come; -1 before the watch.
+// For the wait (platform/wait.h): can be read from once a signal has come, until that is forgotten;
+// -1 before the watch. The signal itself stays noted.
 int x_stop_descriptor();
+void x_forget_stop_waking();

@@ -1,13 +1,9 @@
 #include "platform/stoppable_input.h"
 
-#include <poll.h>
-
-#include <cerrno>
-#include <iterator>
 #include <memory>
 #include <utility>
 
-#include "platform/stop_signals.h"
+#include "platform/wait.h"
 
 namespace {
 
@@ -20,11 +16,10 @@ struct input_t {
 ssize_t read_input(void* cookie, char* buffer, std::size_t size) {
   const auto& input = *static_cast<input_t*>(cookie);
   while (!input.stop_asked()) {
-    pollfd places[] = {{input.descriptor.get(), POLLIN, 0}, {x_stop_descriptor(), POLLIN, 0}};
-    // A signal that nobody took for an end would come at once again and again.
-    const nfds_t count = x_stop_signal() == 0 ? std::size(places) : 1;
-    if (poll(places, count, input.look_ms) < 0 && errno != EINTR) return -1;
-    if (places[0].revents != 0) return xfread(input.descriptor.get(), buffer, size);
+    const int descriptor = input.descriptor.get();
+    const auto [by, readable] = x_wait({&descriptor, 1}, input.look_ms);
+    if (by == x_waking::failed) return -1;
+    if (by == x_waking::readable) return xfread(readable, buffer, size);
   }
   return 0;
 }

@@ -14,9 +14,9 @@
 
 #include "app/session/batch.h"
 #include "app/session/installation.h"
-#include "app/session/root.h"
+#include "app/session/window_front.h"
+#include "gx/text/front.h"
 #include "gx/text/status.h"
-#include "gx/vext.h"
 #include "platform/raw_files.h"
 #include "platform/timing.h"
 #include "platform/usage.h"
@@ -76,8 +76,7 @@ void survive_broken_pipes() {
 // What is open is closed with what it holds.
 void end_without_memory() {
   std::set_new_handler(nullptr);
-  gx_end_process("\n !! Unrecoverable Error : no memory left ",
-                 gx_vext.batch ? gx_batch_stop_status : 1);
+  gx_end_process("\n !! Unrecoverable Error : no memory left ", gx_front().stop_status);
 }
 
 // No file of a session takes the place of a standard stream that the caller has closed: one that
@@ -117,8 +116,6 @@ int main(int argc, char** argv) {
   hold_standard_streams();
   std::set_new_handler(end_without_memory);
   if (argc > 1 && argv[1][0] == '-' && argv[1][1] != 0) return run_with_options(argc, argv);
-  gx_vext.debugfile = nullptr;
-  gx_vext.cursessfile = nullptr;
   if (argc < 1) {
     std::printf(" !! Unrecoverable Error : Invalid argument number:%2d  < 1 \n", argc);
     return 1;
@@ -133,6 +130,5 @@ int main(int argc, char** argv) {
   check_opening(design, O_RDONLY | O_DIRECTORY, not_readable);
   survive_broken_pipes();
   kv_find_installation("/proc/self/exe");
-  kivo_root(argc, argv);
-  return kv_exit_status(0);
+  return kivo_root(argc, argv);
 }

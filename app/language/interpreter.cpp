@@ -10,6 +10,7 @@
 #include "gx/display/cursor.h"
 #include "gx/display/events.h"
 #include "gx/text/debug.h"
+#include "gx/text/front.h"
 #include "gx/text/message_list.h"
 #include "gx/text/strings.h"
 #include "gx/text/tokens.h"
@@ -197,7 +198,6 @@ void kv_split_words(const gx_string_record_t& text, kv_words_t& words, std::size
 }
 
 bool kv_stop_asked() {
-  constexpr int key_press = 0;
-  constexpr std::uint32_t keysym_a = 97, control = 4;
-  return x_stop_signal() != 0 || gx_find_event(key_press, keysym_a, control);
+  const auto asked = gx_front().stop_asked;
+  return x_stop_signal() != 0 || (asked != nullptr && asked());
 }

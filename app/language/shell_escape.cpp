@@ -9,11 +9,11 @@
 #include "app/language/interpreter.h"
 #include "gx/display/window.h"
 #include "gx/text/debug.h"
+#include "gx/text/front.h"
 #include "gx/text/message_list.h"
 #include "gx/text/text_files.h"
 #include "gx/vext.h"
 #include "platform/shell.h"
-#include "platform/timing.h"
 
 namespace {
 constexpr std::size_t max_text = 508;
@@ -46,7 +46,7 @@ std::string shell_command(std::string_view text) {
 }
 
 void wait_and_sync(std::int32_t ms) {
-  if (!gx_vext.batch) xdelayms(ms);
+  gx_pause(ms);
   gx_sync();
 }
 

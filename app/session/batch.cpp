@@ -15,8 +15,10 @@
 #include "app/session/root.h"
 #include "app/session/root_session.h"
 #include "app/state.h"
+#include "gx/db/file_slots.h"
 #include "gx/db/object_access.h"
-#include "gx/text/arguments.h"
+#include "gx/display/window.h"
+#include "gx/text/front.h"
 #include "gx/text/message_list.h"
 #include "gx/text/strings.h"
 #include "gx/text/text_files.h"
@@ -31,18 +33,16 @@ constexpr std::size_t longest_word = gx_max_string_length - 2;
 
 void check_word(std::string_view word, std::size_t longest) {
   const bool is_text = std::ranges::all_of(word, [](char c) { return c >= 32 && c <= 126; });
-  if (!is_text)
-    kv_refuse_run("only printable characters of ASCII are read: " + std::string(word), 0);
+  if (!is_text) kv_refuse_run("only printable characters of ASCII are read: " + std::string(word));
   if (word.size() > longest)
-    kv_refuse_run("longer than " + std::to_string(longest) + " characters: " + std::string(word),
-                  0);
+    kv_refuse_run("longer than " + std::to_string(longest) + " characters: " + std::string(word));
 }
 
 void check_design(std::string_view design) {
   check_word(design, longest_word);
   const x_descriptor directory(
       xfopen(std::string(design).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0));
-  if (!directory) kv_refuse_run(std::string(design) + ": " + x_why(errno), 0);
+  if (!directory) kv_refuse_run(std::string(design) + ": " + x_why(errno));
 }
 
 void check_do_file(std::string_view path) {
@@ -50,30 +50,27 @@ void check_do_file(std::string_view path) {
   check_word(path, gx_max_path);
   const std::string resolved(gx_view(gx_resolve_path(path)));
   if (x_open_regular(resolved)) return;
-  kv_refuse_run(resolved + ": " + (errno == EINVAL ? "is no file" : x_why(errno)), 0);
+  kv_refuse_run(resolved + ": " + (errno == EINVAL ? "is no file" : x_why(errno)));
 }
 
 void check_arguments(std::span<const std::string_view> arguments) {
   if (arguments.size() > kv_most_arguments)
-    kv_refuse_run(
-        "a command file takes at most " + std::to_string(kv_most_arguments) + " arguments", 0);
+    kv_refuse_run("a command file takes at most " + std::to_string(kv_most_arguments) +
+                  " arguments");
   for (const std::string_view argument : arguments) check_word(argument, longest_word);
 }
 
-void store_words(const kv_batch_t& batch) {
+std::vector<std::string> words_of(const kv_batch_t& batch) {
   std::vector<std::string> words = {batch.program, std::string(batch.design),
                                     std::string(batch.do_file)};
   words.insert(words.end(), batch.arguments.begin(), batch.arguments.end());
-  std::vector<const char*> pointers;
-  for (const std::string& word : words) pointers.push_back(word.c_str());
-  gx_store_arg(static_cast<int>(pointers.size()), pointers.data());
+  return words;
 }
 
 // Standard input for this program alone: what the commands start does not read from it.
 x_file take_standard_input() {
   x_descriptor own(::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3));
-  if (!own || ::read(own.get(), nullptr, 0) < 0)
-    kv_refuse_run("standard input: " + x_why(errno), 0);
+  if (!own || ::read(own.get(), nullptr, 0) < 0) kv_refuse_run("standard input: " + x_why(errno));
   x_file stream = x_stoppable_input(
       std::move(own), [] { return x_stop_signal() != 0; }, -1);
   const x_descriptor nothing(xfopen("/dev/null", O_RDONLY | O_CLOEXEC, 0));
@@ -85,7 +82,7 @@ x_file take_standard_input() {
 bool answer_standard_input(std::FILE* commands) {
   const auto next_line = [&](gx_string_record_t& line) {
     if (gx_vext.end_flag || x_stop_signal() != 0) return false;
-    kv_flush_batch_output();
+    gx_front().flush();
     std::fflush(gx_vext.cursessfile);
     return gx_read_one_line(commands, line);
   };
@@ -101,40 +98,47 @@ bool has_faults(const kv_batch_t& batch, int inherited) {
   if (gx_vext.num_errors > inherited || gx_vext.worst == gx_line_kind::error) return true;
   return batch.strict && (gx_vext.num_warnings > 0 || gx_vext.worst == gx_line_kind::warning);
 }
+
+bool tell_whether_written(const kv_batch_t& batch, bool all_written) {
+  if (all_written || gx_vext.cursess_lost) return true;  // or told already
+  gx_complain(std::string(batch.design) + "/current_session: " + x_why(errno));
+  return false;
+}
 }  // namespace
 
 int kv_run_batch(const kv_batch_t& batch) {
-  gx_vext.batch = true;
+  gx_set_front(kv_batch_lines(batch.quiet));
   check_design(batch.design);
   check_do_file(batch.do_file);
   check_arguments(batch.arguments);
   x_file commands;
   if (batch.do_file == standard_input) commands = take_standard_input();
-  store_words(batch);
-  if (batch.trace) {
-    kv_open_debug_file();
-    kv_open_engine_trace();
-  }
-  initparam_before();
-  kv_open_batch_output(batch.quiet);
-  if (!kv_open_session()) {
-    kv_finish_session();
-    return kv_unusable_status;
-  }
-  kv_begin_session();
-  const int inherited = gx_ptrto_gene_file_buf(kv_pext.file_id_cur).num_errors;
-  bool all_done = true;
-  if (commands) {
-    all_done = answer_standard_input(commands.get());
-  } else {
+  int inherited = 0;
+  const auto answer = [&] {
+    inherited = gx_ptrto_gene_file_buf(kv_pext.file_id_cur).num_errors;
+    if (commands) return answer_standard_input(commands.get());
     kv_run_start_up_file();
-  }
-  if (!kv_finish_session() && !gx_vext.cursess_lost) {
-    std::fprintf(stderr, "kivo: %.*s/current_session: %s\n", static_cast<int>(batch.design.size()),
-                 batch.design.data(), x_why(errno).c_str());
-    all_done = false;
-  }
-  if (!batch.quiet) kv_print_summary();
-  if (!kv_flush_batch_output()) all_done = false;
-  return kv_exit_status(all_done && !has_faults(batch, inherited) ? 0 : 1);
+    return true;
+  };
+  const auto end = [&](const kv_ended_t& ended) {
+    if (!ended.had_sheet) return gx_front().refused_status;
+    const bool is_written = tell_whether_written(batch, ended.all_written);
+    if (!batch.quiet) kv_print_summary();
+    const bool is_printed = kv_flush_batch_output();
+    const bool is_done = ended.all_read && is_written && is_printed;
+    return kv_exit_status(is_done && !has_faults(batch, inherited) ? 0 : 1);
+  };
+  const std::vector<std::string> words = words_of(batch);
+  std::vector<const char*> pointers;
+  for (const std::string& word : words) pointers.push_back(word.c_str());
+  return kv_run({.lines = gx_front(),
+                 .greets = false,
+                 .traces = batch.trace,
+                 .takes_empty_words = true,
+                 .open_display = [](auto viewports, auto) { gx_init_noview(viewports); },
+                 .open_sheet = gx_file_try_open,
+                 .refuse_start = [](const auto&, const auto& refusal) { kv_refuse_run(refusal); },
+                 .answer = answer,
+                 .end = end},
+                pointers);
 }

@@ -7,6 +7,7 @@
 #include <array>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "app/language/completion.h"
 #include "app/language/do_file.h"
@@ -324,16 +325,32 @@ void on_menu_line(loop_t&, const gx_event_t&) { kv_locator_in_menu(); }
 void on_menu_outside(loop_t&, const gx_event_t&) { kv_locator_out_menu(); }
 void on_menu_opening(loop_t&, const gx_event_t&) { kv_locator_in_boxmen(); }
 
-void on_nothing(loop_t&, const gx_event_t&) {}
-
 // --- dispatch
 
 using action_t = void (*)(loop_t&, const gx_event_t&);
-constexpr std::array<action_t, 17> actions = {
-    on_key_press, on_key_release,  on_pointer_moved, on_pointer_at_rest, on_button,
-    on_button,    on_button,       on_button,        on_button,          on_button,
-    on_menu_line, on_menu_outside, on_menu_opening,  on_exposed,         on_nothing,
-    on_nothing,   on_close_asked};
+// An event of another kind does nothing.
+constexpr std::pair<gx_event_kind, action_t> actions[] = {
+    {gx_event_kind::key_press, on_key_press},
+    {gx_event_kind::key_release, on_key_release},
+    {gx_event_kind::pointer_moved, on_pointer_moved},
+    {gx_event_kind::pointer_at_rest, on_pointer_at_rest},
+    {gx_event_kind::button1_down, on_button},
+    {gx_event_kind::button1_up, on_button},
+    {gx_event_kind::button2_down, on_button},
+    {gx_event_kind::button2_up, on_button},
+    {gx_event_kind::button3_down, on_button},
+    {gx_event_kind::button3_up, on_button},
+    {gx_event_kind::menu_line, on_menu_line},
+    {gx_event_kind::menu_outside, on_menu_outside},
+    {gx_event_kind::menu_opening, on_menu_opening},
+    {gx_event_kind::exposed, on_exposed},
+    {gx_event_kind::close_asked, on_close_asked},
+};
+
+void act_on(loop_t& loop, const gx_event_t& event) {
+  for (const auto& [kind, action] : actions)
+    if (kind == event.kind) action(loop, event);
+}
 
 void put_pointer_into_edit_viewport() {
   if (!gx_viewport_ok(gx_vext.viewport_edit)) return;
@@ -361,7 +378,7 @@ void kv_process_events(bool first, kv_array_param_t& args, kv_array_param_t& var
       }
     } else {
       lost_events = 0;
-      gx_at(actions, event.kind)(loop, event);
+      act_on(loop, event);
       const bool answered =
           !first && event.kind == gx_event_kind::key_press && is_return(event.code);
       if (answered) loop.leave = true;

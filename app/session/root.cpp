@@ -36,6 +36,33 @@ void print_banner(const gx_date_t& date) {
   std::printf("%28s date : %d-%d-%d\n\n", "", date.day, date.month, date.year);
   std::printf("%23sexpand editor  from VELMORAN \n", "");
 }
+
+[[noreturn]] void refuse(const std::string& message) {
+  gx_count_error();
+  kv_refuse_run(message);
+}
+
+// The arguments are stored and the design directory is named.
+void open_debug_file(bool greets) {
+  const gx_string_record_t design = design_path();
+  if (design.len == 0) refuse("\n        !!! error no SHEET dir_name  ");
+  const gx_date_t date = gx_get_date();
+  if (greets) print_banner(date);
+
+  gx_string_record_t name = design;
+  gx_concat_const("/debug_kivo", name);
+  const x_descriptor created(xfopen(name.char_, O_RDWR | O_CREAT | O_CLOEXEC, debug_file_mode));
+  gx_vext.debugfile = created ? std::fopen(name.char_, "we") : nullptr;
+  if (gx_vext.debugfile == nullptr)
+    refuse("!!! ( kivo_root ) impossible to open debugfile_name  : \"" +
+           std::string(gx_view(name)) + "\" ");
+  gx_debug(" kivo_root : strfile_name   : \"%s\" \n", design.char_);
+  gx_trace("# kivo_root : debugfile_name : \"", gx_view(name), "\"");
+  gx_debug("\n# INITIALIZE : date : %d-%d-%d**%d-%d\n\n", date.day, date.month, date.year,
+           date.hour, date.minute);
+  if (greets) print_version(stdout);
+  print_version(gx_vext.debugfile);
+}
 }  // namespace
 
 int kv_exit_status(int without_signal) {
@@ -51,67 +78,28 @@ void kv_print_summary() {
               errors < 2 ? "error" : "errors", warnings, warnings < 2 ? "warning" : "warnings");
 }
 
-void kv_refuse_run(const std::string& message, int window_status) {
-  if (!gx_vext.batch) {
-    std::printf("%s\n", message.c_str());
-    std::exit(window_status);
-  }
+void kv_refuse_run(std::string_view message) {
   std::fflush(stdout);
-  std::fprintf(stderr, "kivo: %s\n", message.c_str());
-  std::exit(kv_unusable_status);
-}
-
-void kv_open_debug_file() {
-  const gx_string_record_t design = design_path();
-  if (design.len == 0) {
-    gx_count_error();
-    kv_refuse_run("\n        !!! error no SHEET dir_name  ", 0);
-  }
-  const gx_date_t date = gx_get_date();
-  if (!gx_vext.batch) print_banner(date);
-
-  gx_string_record_t name = design;
-  gx_concat_const("/debug_kivo", name);
-  const x_descriptor created(xfopen(name.char_, O_RDWR | O_CREAT | O_CLOEXEC, debug_file_mode));
-  gx_vext.debugfile = created ? std::fopen(name.char_, "we") : nullptr;
-  if (gx_vext.debugfile == nullptr) {
-    gx_count_error();
-    kv_refuse_run("!!! ( kivo_root ) impossible to open debugfile_name  : \"" +
-                      std::string(gx_view(name)) + "\" ",
-                  0);
-  }
-  gx_debug(" kivo_root : strfile_name   : \"%s\" \n", design.char_);
-  gx_trace("# kivo_root : debugfile_name : \"", gx_view(name), "\"");
-  gx_debug("\n# INITIALIZE : date : %d-%d-%d**%d-%d\n\n", date.day, date.month, date.year,
-           date.hour, date.minute);
-  if (!gx_vext.batch) print_version(stdout);
-  print_version(gx_vext.debugfile);
+  gx_complain(message);
+  std::exit(gx_front().refused_status);
 }
 
 void initparam_before() {
   gx_vext.do_ind = 0;
   kv_pext = {};
-  kv_sext.store_size = kv_start_records;
-  kv_sext.primitive.count = 0;
-  kv_sext.parameter.count = 0;
-  kv_sext.property_instance.count = 0;
-  kv_sext.property_pin.count = 0;
-  kv_sext.property_net.count = 0;
+  static_cast<kv_setup_t&>(kv_sext) = {};
 }
 
-void kivo_root(int argc, char** argv) {
-  gx_vext.num_errors = gx_vext.num_warnings = 0;
-  gx_vext.all_init_done = false;
-  gx_vext.end_flag = false;
-  gx_store_arg(argc, argv);
-  kv_open_debug_file();
-
-  gx_vext.num_errors = gx_vext.num_warnings = 0;
-  const gx_string_record_t design = design_path();
-  gx_trace("# INITIALIZE pathname : \"", gx_view(design), "\"");
+int kv_run(const kv_front_t& front, std::span<const char* const> words) {
+  gx_store_arg(static_cast<int>(words.size()), words.data());
+  if (front.traces) open_debug_file(front.greets);
+  gx_trace("# INITIALIZE pathname : \"", gx_view(design_path()), "\"");
   initparam_before();
-
-  if (kv_open_session()) kv_run_session();
-  kv_finish_session();
-  kv_print_summary();
+  kv_ended_t ended{.had_sheet = kv_open_session(front)};
+  if (ended.had_sheet) {
+    kv_begin_session();
+    ended.all_read = front.answer();
+  }
+  ended.all_written = kv_finish_session();
+  return front.end(ended);
 }

@@ -13,7 +13,6 @@
 
 #include "app/language/do_file.h"
 #include "app/session/event_loop.h"
-#include "app/session/root.h"
 #include "app/sheet/views.h"
 #include "app/state.h"
 #include "expand/design_file.h"
@@ -33,6 +32,7 @@
 #include "gx/text/arguments.h"
 #include "gx/text/at.h"
 #include "gx/text/debug.h"
+#include "gx/text/front.h"
 #include "gx/text/message_list.h"
 #include "gx/text/status.h"
 #include "gx/text/strings.h"
@@ -62,18 +62,16 @@ std::string quoted(const gx_string_record_t& text) {
 
 // What is wrong with the design, to the one who waits for its session.
 void tell_unusable(const std::string& message) {
-  std::fprintf(gx_vext.batch ? stderr : stdout, "%s%s\n", gx_vext.batch ? "kivo: " : "",
-               message.c_str());
+  gx_complain(message);
   gx_count_error();
 }
 
-// A failure that leaves nothing to run.
-[[noreturn]] void refuse_start(const char* what, const gx_string_record_t& name,
-                               const std::string& why) {
+// A failure that leaves nothing to run. `said` is what one is told at the window.
+void refuse_start(const kv_front_t& front, const char* what, const gx_string_record_t& name,
+                  const std::string& why, const std::string& said) {
   gx_trace("!!! ( INITIALIZE ) ", what, "  : \"", gx_view(name), "\" ");
   gx_count_error();
-  if (gx_vext.batch) kv_refuse_run(std::string(what) + " : " + quoted(name) + " : " + why, 0);
-  gx_set_status(gx_code::file_data_invalid);
+  front.refuse_start(said, std::string(what) + " : " + quoted(name) + " : " + why);
 }
 
 void debug_names(const gx_string_record_t& design) {
@@ -81,79 +79,67 @@ void debug_names(const gx_string_record_t& design) {
   gx_debug("   filetype  : #%s#\n", sheet_type.data());
 }
 
-void open_window(const gx_string_record_t& design) {
+void open_window(const kv_front_t& front, const gx_string_record_t& design) {
   gx_string_record_t title = gx_string("kivo  ");
   gx_concat_line(design, title);
-  const auto viewports = set_viewports();
-  if (gx_vext.batch) {
-    gx_init_noview(viewports);
-  } else {
-    gx_init(viewports, gx_view(title));
-  }
+  front.open_display(set_viewports(), gx_view(title));
   gx_debug(" Init of GX package : bitmap_size : %d  %d   nplane : %d\n", gx_vext.bitmap_size.x,
            gx_vext.bitmap_size.y, gx_number_of_planes());
   gx_vext.nb_line_in_listviewp = lines_in_view;
   gx_vext.nb_list_line_max = gx_max_list_lines;
 }
 
-void open_transcript() {
+void open_transcript(const kv_front_t& front) {
   constexpr char failure[] = "impossible to open current_session_file";
   const gx_string_record_t name = gx_vext.cursessname = design_file("/current_session");
   gx_vext.cursessfile = gx_popen_file(gx_view(name), 'W', false);
   if (gx_vext.cursessfile != nullptr) return;
   const std::string why = x_why(errno);
-  if (!gx_vext.batch)
-    std::printf("!!! ( INITIALIZE ) %s  : \"%.*s\" \n", failure, name.len, name.char_);
-  refuse_start(failure, name, why);
+  refuse_start(front, failure, name, why,
+               "!!! ( INITIALIZE ) " + std::string(failure) + "  : " + quoted(name) + " \n");
 }
 
-void open_outputs() {
+void open_outputs(const kv_front_t& front) {
   const gx_string_record_t design = design_file("/design_kv");
   std::string why;
   kv_sext.designfile = kv_open_design_file(std::string(gx_view(design)), why);
-  if (kv_sext.designfile < 0) {
-    if (!gx_vext.batch)
-      std::printf("!! Error : \"%.*s\" : %s\n", design.len, design.char_, why.c_str());
-    refuse_start("impossible to open  designfile_name", design, why);
-  }
+  if (kv_sext.designfile < 0)
+    refuse_start(front, "impossible to open  designfile_name", design, why,
+                 "!! Error : " + quoted(design) + " : " + why + "\n");
 }
-}  // namespace
 
-void kv_open_engine_trace() {
+// That of the engine, in the current directory.
+void open_engine_trace(const kv_front_t& front) {
   const gx_string_record_t trace = gx_string("debug_kivo2");
   kv_debf = gx_popen_file(gx_view(trace), 'W', false);
-  if (kv_debf == nullptr) refuse_start("impossible to open  DEBUG file  2 ", trace, x_why(errno));
+  if (kv_debf == nullptr)
+    refuse_start(front, "impossible to open  DEBUG file  2 ", trace, x_why(errno), "");
 }
 
-namespace {
-
-void take_start_up_file() {
+void take_start_up_file(const kv_front_t& front) {
   gx_get_arg(3, kv_pext.init_do_file);
   if (kv_pext.init_do_file.len == 0) return;
   auto& count = kv_pext.nb_of_ext_arg;
   for (auto& argument : kv_pext.ext_arg) {
     gx_get_arg(4 + count, argument);
-    if (argument.len == 0 && !gx_vext.batch) break;
+    if (argument.len == 0 && !front.takes_empty_words) break;
     if (4 + count > gx_vext.nb_arg_comline) break;
     ++count;
   }
 }
 
 // False, and an error counted, when the sheet's data are not sound.
-bool open_primary_sheet(const gx_string_record_t& design) {
+bool open_primary_sheet(const kv_front_t& front, const gx_string_record_t& design) {
   auto& level1 = kv_pext.arrayof_file[0];
   kv_pext.file_level_max = kv_pext.file_level_cur = 1;
   std::string why;
-  level1.file_index = gx_vext.batch ? gx_file_try_open(gx_view(design), sheet_type, why)
-                                    : gx_file_open_sound(gx_view(design), sheet_type, why);
+  level1.file_index = front.open_sheet(gx_view(design), sheet_type, why);
   if (level1.file_index == 0) {
     tell_unusable("!! error in open file : " + why);
     gx_debug("!!! error : INITIALIZE  : %s\n", why.c_str());
     return false;
   }
   level1.file_path = design;
-  kv_pext.disp_pic_area = false;
-  kv_pext.pt_pic_area1 = kv_pext.pt_pic_area2 = {};
   kv_pext.file_id_cur = kv_pext.file_id_context = level1.file_index;
   return true;
 }
@@ -226,17 +212,17 @@ bool close_file(std::FILE*& file) {
 }
 }  // namespace
 
-bool kv_open_session() {
+bool kv_open_session(const kv_front_t& front) {
   const gx_string_record_t design = design_file("");
-  open_window(design);
+  open_window(front, design);
   x_watch_stop_signals();  // up to here there is nothing to end in order
-  open_transcript();
+  open_transcript(front);
   kv_init_menu_action();
   gx_debug("# INITIALIZE :  KV_INIT_MENU_ACTION    done \n");
-  open_outputs();
-  if (!gx_vext.batch) kv_open_engine_trace();
-  take_start_up_file();
-  const bool has_sheet = open_primary_sheet(design) && show_whether_sheet(design);
+  open_outputs(front);
+  if (front.traces) open_engine_trace(front);
+  take_start_up_file(front);
+  const bool has_sheet = open_primary_sheet(front, design) && show_whether_sheet(design);
   if (has_sheet) prepare_sheet();
   debug_roles();
   return has_sheet;
@@ -259,13 +245,6 @@ void kv_run_start_up_file() {
   const auto first = kv_pext.ext_arg.begin();
   words.insert(words.end(), first, first + kv_pext.nb_of_ext_arg);
   kv_do_words(words, kv_pext.ext_arg, kv_pext.top_var);
-}
-
-void kv_run_session() {
-  kv_begin_session();
-  kv_run_start_up_file();
-  gx_vext.all_init_done = true;
-  if (!gx_vext.end_flag) kv_process_events(true, kv_pext.ext_arg, kv_pext.top_var);
 }
 
 bool kv_finish_session() {

@@ -1,10 +1,10 @@
-// The second phase of a run, its parts in this order: the window, the files, the primary sheet, the
-// session, and its end. Without a window (gx_vext.batch) they make none.
+// The second phase of a run, its parts in this order: the display, the files, the primary sheet,
+// the session, and its end.
 #pragma once
 
-void kv_open_engine_trace();  // the engine's, in the current directory; in a batch when asked for
-bool kv_open_session();       // the window, the files of the run; false: no sheet to work on
-void kv_begin_session();      // the first picture
-void kv_run_start_up_file();  // its words reach DO as they are
-void kv_run_session();        // these two, then the event loop
-bool kv_finish_session();     // closes the files and the window; false: the session file lost lines
+#include "app/session/front.h"
+
+bool kv_open_session(const kv_front_t& front);  // false: no sheet to work on
+void kv_begin_session();                        // the first picture
+void kv_run_start_up_file();                    // its words reach DO as they are
+bool kv_finish_session();  // closes the files and the window; false: the session file lost lines

@@ -4,6 +4,7 @@
 
 #include "app/language/do_file.h"
 #include "app/session/event_loop.h"
+#include "app/sheet/views.h"
 #include "gx/display/menu_file.h"
 #include "gx/text/debug.h"
 #include "gx/text/strings.h"
@@ -16,19 +17,11 @@ namespace {
 constexpr std::string_view menu_file = "$VELMORAN/kivo/init_menu";
 constexpr std::string_view key_file = "$VELMORAN/kivo/init_key";
 
-void reset_session() {
-  static_cast<kv_selection_state_t&>(kv_pext) = {};
-
-  gx_vext.snap_state = false;
-  gx_vext.edit_comp_id = 0;
-  gx_vext.end_flag = false;
-  gx_vext.viewport_id = 1;
-  gx_vext.viewport_id_start = 0;
-  gx_vext.obj_pos = kv_first_position;
-  gx_vext.base_point = kv_first_position;
-  gx_vext.transcript_state = true;
+// The rest is fresh.
+void begin_in_edit_viewport() {
+  gx_vext.viewport_id = kv_view_roles.viewport_edit;
+  gx_vext.obj_pos = gx_vext.base_point = kv_first_position;
   gx_vext.display_on = true;
-  gx_vext.origin_page_x = gx_vext.origin_page_y = 0;
 }
 
 // The command and list texts, by the size of the window.
@@ -49,14 +42,6 @@ void place_texts() {
   v.listb_yi = 10;
   v.list_color = 7;
   v.viewport_back_color = 0;
-}
-
-void set_viewport_roles() {
-  gx_vext.viewport_edit = 1;
-  gx_vext.viewport_cmd = 2;
-  gx_vext.viewport_list = 3;
-  gx_vext.viewport_context = 4;
-  gx_vext.viewport_activ = 4;
 }
 
 bool can_be_read(std::string_view path) {
@@ -80,9 +65,9 @@ void run_user_files() {
 }  // namespace
 
 void kv_init_menu_action() {
-  reset_session();
+  begin_in_edit_viewport();
   place_texts();
-  set_viewport_roles();
+  kv_set_view_roles();
   kv_set_default_bindings();
   kv_set_default_menus();
   run_user_files();

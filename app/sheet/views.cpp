@@ -109,6 +109,8 @@ std::array<gx_viewport_init_rec_t, 4> set_viewports() {
            {{73700, 75400, 99600, 99500}, border}}};  // the context sheet or a symbol
 }
 
+void kv_set_view_roles() { static_cast<gx_view_roles_t&>(gx_vext) = kv_view_roles; }
+
 void kv_display_picture_all(gx_vpid_t vpid, gx_file_index_t file_index) {
   show_part(vpid, file_index, nullptr, " KV_DISPLAY_PICTURE_ALL : file index (invalid) : %12d\n",
             " KV_DISPLAY_PICTURE_ALL : grid_id (invalid) : %12d\n");

@@ -9,6 +9,14 @@
 // The four viewports of the window, in the order of their ids: edit, cmd, list, context.
 std::array<gx_viewport_init_rec_t, 4> set_viewports();
 
+// What they are, and the same for a session that begins.
+inline constexpr gx_view_roles_t kv_view_roles = {.viewport_edit = 1,
+                                                  .viewport_cmd = 2,
+                                                  .viewport_list = 3,
+                                                  .viewport_context = 4,
+                                                  .viewport_activ = 4};
+void kv_set_view_roles();
+
 // Draws a sheet whole, or the part between two corners, in a viewport (only while the display
 // is on).
 void kv_display_picture_all(gx_vpid_t vpid, gx_file_index_t file_index);

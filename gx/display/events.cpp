@@ -4,11 +4,9 @@
 
 #include <X11/Xlib.h>
 #include <X11/keysym.h>
-#include <poll.h>
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <cstdlib>
 #include <optional>
 #include <string>
@@ -28,6 +26,7 @@
 #include "gx/text/status.h"
 #include "gx/vext.h"
 #include "platform/stop_signals.h"
+#include "platform/wait.h"
 
 namespace {
 
@@ -374,9 +373,8 @@ waking wait_for_waking() {
       // A clock that was set back must not make it wait for longer.
       if (left <= 0 || left > rest_ms) return waking::rest;
     }
-    pollfd places[] = {{ConnectionNumber(gx_vext.dpy), POLLIN, 0},
-                       {x_stop_descriptor(), POLLIN, 0}};
-    if (poll(places, std::size(places), left) < 0 && errno != EINTR) return waking::event;
+    const int connection = ConnectionNumber(gx_vext.dpy);
+    if (x_wait({&connection, 1}, left).by == x_waking::failed) return waking::event;
   }
   return waking::signal;
 }

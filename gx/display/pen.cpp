@@ -6,6 +6,7 @@
 #include <array>
 
 #include "gx/text/at.h"
+#include "gx/text/front.h"
 #include "gx/text/status.h"
 #include "gx/vext.h"
 
@@ -137,19 +138,19 @@ gx_batch_t::~gx_batch_t() {
 }
 
 void gx_pen_line(int color, int style, gx_line16_t line, bool border) {
-  if (gx_vext.batch) return;
+  if (!gx_front().shows_pictures) return;
   const int dashes = dash_index(style, border);
   strokes().add(sound_color(color), dashes, line);
 }
 
 void gx_pen_arc(int color, int style, const gx_arc16_t& arc) {
-  if (gx_vext.batch) return;
+  if (!gx_front().shows_pictures) return;
   const int dashes = dash_index(style, false);
   strokes().add(sound_color(color), dashes, arc);
 }
 
 void gx_pen_box(int color, int x, int y, int width, int height) {
-  if (gx_vext.batch || width < 1 || height < 1) return;
+  if (!gx_front().shows_pictures || width < 1 || height < 1) return;
   strokes().add(sound_color(color), {to_short(x), to_short(y), to_size(width), to_size(height)});
 }
 

@@ -73,7 +73,13 @@ struct gx_kept_mark_t {
   friend bool operator==(const gx_kept_mark_t&, const gx_kept_mark_t&) = default;
 };
 
-struct gx_screen_state_t {
+// Which viewport is what; 0: none. `viewport_activ` shows an activated symbol.
+struct gx_view_roles_t {
+  gx_vpid_t viewport_edit = 0, viewport_cmd = 0, viewport_list = 0, viewport_context = 0,
+            viewport_activ = 0;
+};
+
+struct gx_screen_state_t : gx_view_roles_t {
   _XDisplay* dpy = nullptr;  // null without a display
   int scrid = 0;
   unsigned long root = 0, win = 0;
@@ -100,8 +106,6 @@ struct gx_screen_state_t {
   gx_vpid_t viewport_current = 0;
   std::array<gx_viewport_rec_t, gx_max_viewports + 1> viewport;  // entry i is viewport i
   gx_vpid_t viewport_id_start = 0, viewport_id = 0;
-  gx_vpid_t viewport_edit = 0, viewport_cmd = 0, viewport_list = 0, viewport_context = 0,
-            viewport_activ = 0;
   std::int32_t coef_charh = 0, coef_chars = 0;
   std::int16_t cmd_x0 = 0, cmd_y0 = 0, cmd_xi = 0, cmd_yi = 0, cmd_height = 0, cmd_step = 0,
                cmd_color = 1;

@@ -11,6 +11,7 @@
 #include "gx/display/stroke_text.h"
 #include "gx/text/at.h"
 #include "gx/text/debug.h"
+#include "gx/text/front.h"
 #include "gx/text/status.h"
 #include "gx/vext.h"
 
@@ -54,7 +55,7 @@ void draw_border(const gx_viewport_rec_t& vp, int color) {
 
 bool gx_drawing_possible() { return gx_vext.dpy != nullptr || gx_vext.viewport_id_max > 0; }
 
-bool gx_is_seen() { return !gx_vext.batch; }
+bool gx_is_seen() { return gx_front().shows_pictures; }
 
 bool gx_viewport_ok(int vpid) {
   return vpid >= 1 && vpid <= std::min<int>(gx_max_viewports, gx_vext.viewport_id_max);

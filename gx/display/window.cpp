@@ -365,7 +365,6 @@ void gx_init_nograph() {
 
 void gx_init_noview(std::span<const gx_viewport_init_rec_t> viewports, gx_point16_t size) {
   check_start(viewports);
-  if (!gx_vext.batch) reset_package_state();  // a batch has nothing to reset: it is a new process
   lay_out(std::max<int>(size.x, 2), std::max<int>(size.y, 2), viewports);
 }
 

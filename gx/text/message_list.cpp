@@ -22,7 +22,6 @@ constexpr std::size_t max_line_length = 199;
 constexpr int lines_between_looks = 100;
 
 gx_list_drawer_t draw_list = nullptr;
-gx_list_reader_t read_line = nullptr;
 gx_list_catcher::take_t catcher;
 
 std::deque<std::string> waiting;  // the last lines of a batch
@@ -66,8 +65,8 @@ void show_end() {
   if (draw_list != nullptr) draw_list();
 }
 
-// In the scroll-back; without a user nobody scrolls.
-bool is_kept() { return gx_list.transcript_state && !gx_session.batch; }
+// In the scroll-back.
+bool is_kept() { return gx_list.transcript_state && gx_front().keeps_lines; }
 
 // A session file that takes no more, of a full disk say, is told once until it takes lines again.
 void tell_lost_session() {
@@ -76,13 +75,11 @@ void tell_lost_session() {
   session.cursess_lost = std::ferror(session.cursessfile) != 0;
   if (!session.cursess_lost) return;
   const int error = errno;
-  if (!session.batch) std::clearerr(session.cursessfile);
+  if (gx_front().keeps_lines) std::clearerr(session.cursessfile);
   if (was_lost) return;
   gx_count_error();
-  if (session.batch) {
-    std::fprintf(stderr, "kivo: %s: %s\n", session.cursessname.char_, x_why(error).c_str());
-    return;
-  }
+  if (!gx_front().keeps_lines)
+    return gx_complain(std::string(gx_view(session.cursessname)) + ": " + x_why(error));
   keep(std::string("# !! Error : impossible to write the session file : \"")
            .append(gx_view(session.cursessname))
            .append("\" : ")
@@ -94,7 +91,7 @@ void tell_lost_session() {
 void end_session_lines() {
   auto& session = gx_session;
   if (session.cursessfile == nullptr) return;
-  if (!session.batch && !is_batch) std::fflush(session.cursessfile);
+  if (gx_front().keeps_lines && !is_batch) std::fflush(session.cursessfile);
   tell_lost_session();
 }
 
@@ -109,7 +106,7 @@ void write_to_session(std::string_view text) {
 void record(std::string_view text, gx_line_kind kind) {
   gx_list.worst = std::max(gx_list.worst, kind);
   write_to_session(text);
-  if (read_line != nullptr) read_line(text, kind);
+  if (gx_front().take_line != nullptr) gx_front().take_line(text, kind);
 }
 
 }  // namespace
@@ -213,5 +210,3 @@ gx_list_catcher::~gx_list_catcher() {
 }
 
 void gx_set_list_drawer(gx_list_drawer_t drawer) { draw_list = drawer; }
-
-void gx_set_list_reader(gx_list_reader_t reader) { read_line = reader; }

@@ -8,13 +8,11 @@
 #include <span>
 #include <string_view>
 
+#include "gx/text/front.h"
 #include "gx/text/records.h"
 
 inline constexpr int gx_max_list_lines = 500;
 inline constexpr int gx_max_text_length = 60;  // characters that a line of a viewport shows
-
-// What a line means to the one who reads it; the worse the larger.
-enum class gx_line_kind : std::uint8_t { plain, detail, warning, error };
 
 struct gx_list_state_t {
   bool transcript_state = true;
@@ -83,10 +81,6 @@ void gx_list_follow();
 // The counters of the session stop at their largest value.
 void gx_count_error();
 void gx_count_warning();
-
-// Who else gets each line as it is told; none at first.
-using gx_list_reader_t = void (*)(std::string_view line, gx_line_kind kind);
-void gx_set_list_reader(gx_list_reader_t reader);
 
 // While a catcher lives, lines go to it and nowhere else, and what is counted is not kept: for what
 // one command asks another's rooms. Catchers do not nest.

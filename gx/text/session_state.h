@@ -8,8 +8,6 @@
 #include "gx/text/arguments.h"
 #include "gx/text/records.h"
 
-inline constexpr int gx_batch_stop_status = 3;
-
 struct gx_session_state_t {
   std::FILE* debugfile = nullptr;    // owned by the application
   std::FILE* cursessfile = nullptr;  // session transcript, owned by the application
@@ -25,9 +23,6 @@ struct gx_session_state_t {
   std::int16_t do_ind = 0;  // nesting of command files
   std::array<std::FILE*, 10> commandfile{};
   bool init_done = false;  // gx_init or gx_init_nograph was done
-  // There is neither a window nor a user: nothing is waited for, nothing is asked, messages of a
-  // fatal stop go to standard error and the process ends with gx_batch_stop_status.
-  bool batch = false;
 };
 
 // The part of gx_vext that this room and those above it may touch.

@@ -10,6 +10,7 @@
 
 #include "gx/text/at.h"
 #include "gx/text/debug.h"
+#include "gx/text/front.h"
 #include "gx/text/session_state.h"
 #include "gx/text/status_names.h"
 #include "gx/text/strings.h"
@@ -49,9 +50,8 @@ void gx_set_status(gx_code code) {
   static bool stopping = false;
   const int number = static_cast<int>(code);
   status.all = number + gx_status_base;
-  std::fprintf(gx_session.batch ? stderr : stdout,
-               " ?? error in gx_package  code : %d\n ?? error  : %30s\n", number,
-               gx_error_name(number).data());
+  std::fprintf(gx_front().messages(), " ?? error in gx_package  code : %d\n ?? error  : %30s\n",
+               number, gx_error_name(number).data());
   std::fflush(stdout);
   if (!stopping) {  // a stop inside the stop goes straight to the abort
     stopping = true;
@@ -60,7 +60,7 @@ void gx_set_status(gx_code code) {
     gx_release_all();
   }
   std::fflush(nullptr);
-  if (gx_session.batch) std::_Exit(gx_batch_stop_status);
+  if (!gx_front().aborts) std::_Exit(gx_front().stop_status);
   std::abort();
 }
 
@@ -85,8 +85,7 @@ void gx_release_all() {
 }
 
 void gx_end_process(std::string_view message, int exit_status) {
-  std::fprintf(gx_session.batch ? stderr : stdout, "%.*s\n", static_cast<int>(message.size()),
-               message.data());
+  std::fprintf(gx_front().messages(), "%.*s\n", static_cast<int>(message.size()), message.data());
   close_file(gx_session.debugfile);
   close_file(gx_session.cursessfile);
   gx_release_all();

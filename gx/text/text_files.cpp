@@ -7,12 +7,12 @@
 #include <string>
 
 #include "gx/text/debug.h"
+#include "gx/text/front.h"
 #include "gx/text/record_fill.h"
 #include "gx/text/session_state.h"
 #include "gx/text/strings.h"
 #include "platform/files.h"
 #include "platform/shell.h"
-#include "platform/timing.h"
 
 namespace {
 constexpr std::string_view default_product = "/users/velmoran";
@@ -44,7 +44,7 @@ opening_t open_text(std::string_view path, char mode, bool rdonly) {
   result.probed = probe(resolved, rdonly);
   result.error = errno;
   if (!result.probed) return result;
-  if (!gx_session.batch) xdelayms(10);
+  gx_pause(10);
   const char upper = gx_upper_case(mode);
   if (upper != 'R' && upper != 'W')
     gx_debug("!!! ( gx_popen_file ) rorw invalid  : \"%s\" %c\n", result.path.char_, mode);
@@ -79,7 +79,7 @@ gx_string_record_t gx_resolve_path(std::string_view path) {
 
 std::FILE* gx_popen_file(std::string_view path, char mode, bool rdonly) {
   opening_t opening = open_text(path, mode, rdonly);
-  if (opening.probed && !opening.file && !gx_session.batch) {
+  if (opening.probed && !opening.file && gx_front().ends_without_file) {
     std::printf("?? gx_popen_file : impossible to open file_name :'%s' (for %c) \n",
                 opening.path.char_, opening.writes ? 'W' : 'R');
     std::exit(0);

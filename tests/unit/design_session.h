@@ -5,6 +5,7 @@
 #include <functional>
 #include <vector>
 
+#include "app/sheet/views.h"
 #include "gx/db/file_slots.h"
 #include "gx/db/object_access.h"
 #include "gx/db/queries.h"
@@ -26,10 +27,8 @@ class design_session {
     change(files);
     gxm_write(files, directory_.path());
     std::filesystem::current_path(directory_.path());
-    gx_vext.viewport_edit = gx_vext.viewport_id = 1;
-    gx_vext.viewport_cmd = 2;
-    gx_vext.viewport_list = 3;
-    gx_vext.viewport_context = gx_vext.viewport_activ = 4;
+    kv_set_view_roles();
+    gx_vext.viewport_id = gx_vext.viewport_edit;
     gx_vext.display_on = true;
     auto& level = kv_pext.arrayof_file[0];
     level.file_index = gx_file_open(top, "sheet");

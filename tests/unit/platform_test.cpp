@@ -1,5 +1,7 @@
 // The services of the operating system as the program sees them.
 #include <fcntl.h>
+#include <signal.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdint>
@@ -9,8 +11,10 @@
 
 #include "platform/procedures.h"
 #include "platform/raw_files.h"
+#include "platform/stop_signals.h"
 #include "platform/symbol_table.h"
 #include "platform/timing.h"
+#include "platform/wait.h"
 #include "platform/words.h"
 #include "tests/support/scratch_directory.h"
 #include "tests/unit/fatal_stop.h"
@@ -55,6 +59,34 @@ std::string aout_file(std::uint32_t magic, std::uint64_t header_offset) {
   word(4 + 8);
   bytes += std::string("kvp_run\0", 8);
   return bytes;
+}
+
+// The status is 0 when every wait ended by what came first.
+[[noreturn]] void wait_for_everything() {
+  int quiet[2], full[2];
+  if (pipe(quiet) != 0 || pipe(full) != 0) std::exit(1);
+  const int both[] = {-1, quiet[0], full[0]};
+  if (x_wait(both, 30).by != x_waking::timer) std::exit(2);
+  signal(SIGALRM, [](int) {});
+  alarm(1);  // no signal to end: the wait goes on
+  const auto since = xtimems();
+  if (x_wait(both, 1100).by != x_waking::timer) std::exit(3);
+  if (xdiftimems(since.tv_sec, since.tv_usec) < 1090) std::exit(4);
+  if (write(full[1], "x", 1) != 1) std::exit(5);
+  const x_woken_t readable = x_wait(both, -1);
+  if (readable.by != x_waking::readable || readable.descriptor != full[0]) std::exit(6);
+  close(quiet[1]);  // its end can be read, too
+  if (x_wait(both, -1).descriptor != quiet[0]) std::exit(7);
+
+  x_watch_stop_signals();
+  raise(SIGTERM);
+  if (x_wait(both, -1).by != x_waking::signal || x_stop_signal() != SIGTERM) std::exit(8);
+  if (x_wait(both, -1).by != x_waking::readable) std::exit(9);  // the signal was told
+  std::exit(0);
+}
+
+TEST(Platform, AWaitEndsByWhateverComesFirst) {
+  EXPECT_EXIT(wait_for_everything(), testing::ExitedWithCode(0), "");
 }
 
 TEST(SymbolTable, AoutFilesAreSearched) {

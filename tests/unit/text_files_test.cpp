@@ -93,11 +93,13 @@ TEST(FatalStop, NamesTheCodeAndGivesBackInReverseOrder) {
   expect_stop([&] { gx_check(word); }, gx_code::current_file_invalid,
               " gx_check :  status.all <> gx_operation_ok : 100991020");
   // Without a window there is no core to leave: a status, and the code on standard error.
-  gx_vext.batch = true;
-  const auto ends = testing::ExitedWithCode(gx_batch_stop_status);
+  static constexpr gx_front_t no_user = {
+      .messages = [] { return stderr; }, .aborts = false, .stop_status = 3};
+  gx_set_front(no_user);
+  const auto ends = testing::ExitedWithCode(no_user.stop_status);
   EXPECT_EXIT(gx_set_status(gx_code::invalid_level), ends, "code : 42\n");
   EXPECT_EXIT(kv_error_stop(), ends, "KV_ERROR_STOP");
-  gx_vext.batch = false;
+  gx_set_front(gx_user_front);
 }
 // At a fatal stop the design's name is handed on, as a word of a program's.
 TEST_F(TextFiles, TheDesignsNameReachesNoShell) {

@@ -1,0 +1,70 @@
+#include "app/session/window_front.h"
+
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "app/session/event_loop.h"
+#include "app/session/root.h"
+#include "app/session/root_session.h"
+#include "app/state.h"
+#include "gx/db/file_slots.h"
+#include "gx/display/cmd_viewport.h"
+#include "gx/display/events.h"
+#include "gx/display/pen.h"
+#include "gx/display/viewports.h"
+#include "gx/display/window.h"
+#include "gx/text/front.h"
+#include "gx/text/status.h"
+#include "gx/text/strings.h"
+#include "gx/vext.h"
+
+namespace {
+bool has_typed_stop() {
+  constexpr int key_press = 0;
+  constexpr std::uint32_t keysym_a = 97, control = 4;
+  return gx_find_event(key_press, keysym_a, control);
+}
+
+// In the place of the command line.
+void show_progress(std::string_view line) {
+  const auto& v = gx_vext;
+  if (line.empty()) return gx_display_cmd(gx_view(v.str_cmd));
+  if (!gx_drawing_possible() || !gx_viewport_ok(v.viewport_cmd)) return;
+  {
+    const gx_batch_t batch;
+    gx_viewport_display_text(v.viewport_cmd, line, {v.cmd_x0, v.cmd_y0}, true, v.cmd_color);
+  }
+  gx_sync();
+}
+
+constexpr gx_front_t user = {.show_progress = show_progress, .stop_asked = has_typed_stop};
+
+[[noreturn]] void refuse_start(const std::string& said, const std::string&) {
+  std::fputs(said.c_str(), stdout);
+  gx_set_status(gx_code::file_data_invalid);
+}
+
+bool answer() {
+  kv_run_start_up_file();
+  gx_vext.all_init_done = true;
+  if (!gx_vext.end_flag) kv_process_events(true, kv_pext.ext_arg, kv_pext.top_var);
+  return true;
+}
+
+int end(const kv_ended_t&) {
+  kv_print_summary();
+  return kv_exit_status(0);
+}
+}  // namespace
+
+int kivo_root(int argc, char** argv) {
+  gx_set_front(user);
+  return kv_run({.lines = user,
+                 .open_display = gx_init,
+                 .open_sheet = gx_file_open_sound,
+                 .refuse_start = refuse_start,
+                 .answer = answer,
+                 .end = end},
+                std::span(argv, static_cast<std::size_t>(argc)));
+}
