@@ -5,12 +5,12 @@
 
 namespace {
 
-constexpr char bar = '!', escape = '%';
+constexpr char bar = '~', escape = '%';
 constexpr std::string_view digits = "0123456789ABCDEF";
 
 bool stays(char c) {
   return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') ||
-         std::string_view("_+-#$&@=^|[]<>~").find(c) != std::string_view::npos;
+         std::string_view("_+-#$&@=^|[]<>!").find(c) != std::string_view::npos;
 }
 
 void spell(char c, std::string& spelled) {
@@ -22,6 +22,10 @@ void spell(char c, std::string& spelled) {
   spelled += escape;
   spelled += digits[byte / 16];
   spelled += digits[byte % 16];
+}
+
+bool is_number(std::string_view text) {
+  return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
 // Where the bar that begins at "~{" ends: its "}"; npos when it has none, or a bar within.
@@ -38,15 +42,16 @@ std::size_t end_of_bar(std::string_view name, std::size_t at) {
 
 std::string gx_spelled_name(std::string_view drawn) {
   std::string spelled;
-  std::size_t end = std::string_view::npos;
+  std::size_t begin = 0, end = std::string_view::npos;
   for (std::size_t i = 0; i < drawn.size(); ++i) {
     if (i == end) {
-      if (i + 1 < drawn.size()) spelled += bar;
+      const bool is_last = i + 1 == drawn.size();
+      if (!is_last || is_number(drawn.substr(begin, end - begin))) spelled += bar;
       end = std::string_view::npos;
     } else if (const auto close = end_of_bar(drawn, i); close != std::string_view::npos) {
       spelled += bar;
       end = close;
-      ++i;
+      begin = ++i + 1;
     } else {
       spell(drawn[i], spelled);
     }
@@ -60,6 +65,10 @@ std::string gx_drawn_name(std::string_view spelled) {
   for (std::size_t i = 0; i < spelled.size(); ++i) {
     const auto high = i + 2 < spelled.size() ? digits.find(spelled[i + 1]) : digits.npos;
     const auto low = i + 2 < spelled.size() ? digits.find(spelled[i + 2]) : digits.npos;
+    if (spelled[i] == bar && !in_bar && is_number(spelled.substr(i + 1))) {
+      drawn += spelled.substr(i);
+      break;
+    }
     if (spelled[i] == bar) {
       drawn += in_bar ? "}" : "~{";
       in_bar = !in_bar;

@@ -155,7 +155,6 @@ gxi_kicad_block_sign_t gxi_kicad_block_sign(const gxi_kicad_block_t& block,
                                             const gxi_kicad_aliases_t& aliases) {
   gxi_kicad_block_sign_t made;
   auto& sign = made.symbol;
-  sign.name = block.name();
   const auto corner = gxi_kicad_on_sheet(block.size);
   sign.shapes.push_back({.type = gx_type::rectangle_2d,
                          .points = {{0, 0}, corner},
