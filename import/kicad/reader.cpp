@@ -595,7 +595,7 @@ class kicad_reader {
   }
   // Names that differ in their case stay apart, and a net of the top sheet from one of the design.
   void share_globals() {
-    gxi_names_t taken;
+    gxi_names_t taken('_');
     std::map<std::string, std::string> given;
     const auto global = [&](const std::string& drawn) {
       const auto [found, is_new] = given.emplace(first_name(drawn), std::string());
