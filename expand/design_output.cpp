@@ -7,8 +7,8 @@
 #include "expand/data_listing.h"
 #include "expand/debug.h"
 #include "expand/design_file.h"
+#include "expand/messages.h"
 #include "expand/output_file.h"
-#include "gx/text/message_list.h"
 #include "platform/files.h"
 
 namespace {
@@ -19,10 +19,7 @@ x_file open_listing(const std::string& path) {
   const int fd = kv_open_output(path, O_WRONLY | O_TRUNC, why);
   if (fd >= 0) return x_file(::fdopen(fd, "w"));
   kv_debug("!! ERROR :KV_GEN_DATA  : file_path not open : \"%s\"\n", path.c_str());
-  gx_tell("# RUN ");
-  gx_tell("# !! Error : Impossible to Open the file : ");
-  gx_tell_quoted("# ", path);
-  gx_tell("# !! : ", why);
+  kv_tell(kv_message::listing_not_opened, {}, path, why);
   return nullptr;
 }
 
@@ -30,11 +27,11 @@ x_file open_listing(const std::string& path) {
 
 bool kv_write_design(const kv_design_t& design, int designfile, const std::string& listing_path) {
   if (const int other = kv_other_session(designfile); other != 0) {
-    gx_tell("# !! Another session holds this design : process ", std::to_string(other));
+    kv_tell(kv_message::other_session, {}, std::to_string(other));
   }
   const kv_design_lock lock(designfile);
   if (!lock.is_held()) {
-    gx_tell("# !! Error : The design file is in use by another program ");
+    kv_tell(kv_message::design_in_use);
     return false;
   }
   if (listing_path.empty()) return kv_write_image(design, designfile);

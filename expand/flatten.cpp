@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "expand/debug.h"
+#include "expand/messages.h"
 #include "expand/save_records.h"
 #include "gx/text/at.h"
-#include "gx/text/message_list.h"
 #include "gx/text/session_state.h"
 #include "gx/text/strings.h"
 
@@ -25,9 +25,7 @@ kv_path_step::kv_path_step(kv_flatten_t& run, std::string_view piece)
 
 void kv_end_at_long_path(kv_flatten_t& run, std::string_view path, std::string_view piece) {
   if (run.end) return;
-  gx_tell("# !! Error : Path longer than 100 characters : ");
-  gx_tell("# !! : \"", path, piece, "\"");
-  gx_count_error();
+  kv_tell(kv_message::path_too_long, std::string(path).append(piece));
   run.end = kv_run_result::path_too_long;
 }
 
@@ -58,24 +56,8 @@ bool must_stop(const kv_flatten_t& run) {
 }
 
 void tell_report(const kv_report_t& report) {
-  for (const auto& line : report.lines) gx_tell_as(gx_line_kind::detail, line);
-  gx_count_error();
-}
-
-void tell_different_globals(std::string_view label1, std::string_view name1,
-                            std::string_view label2, std::string_view name2) {
-  gx_tell("# !! Error Different Globals connected --> ");
-  gx_tell_quoted(label1, name1);
-  gx_tell_quoted(label2, name2);
-  gx_count_error();
-}
-
-void tell_bad_init(std::string_view where, std::string_view name_label, std::string_view name,
-                   std::string_view value) {
-  gx_tell(where);
-  gx_tell_quoted(name_label, name);
-  gx_tell_quoted("# !! INIT value  : ", value);
-  gx_count_error();
+  const std::vector<std::string_view> values(report.values.begin(), report.values.end());
+  kv_tell_message({report.code, {}, values});
 }
 
 // Sets the state of the flat net of a group: of every member that a bus of the sheet stands for.
@@ -111,10 +93,9 @@ bool bring_down(const kv_design_t& design, const kv_sheet_pin_t& pin, const kv_f
   return true;
 }
 
-void tell_port(const visit_t& visit, const kv_sheet_port_t& port, std::string_view what) {
-  gx_tell("# !! Pin of INStance : \"", visit.run.path.view(), "/", visit.sheet.view(port.bare_name),
-          "\"", "    : ", what);
-  gx_count_error();
+void tell_port(const visit_t& visit, const kv_sheet_port_t& port, kv_message what) {
+  std::string path(visit.run.path.view());
+  kv_tell(what, path.append("/").append(visit.sheet.view(port.bare_name)));
 }
 
 void process_ports(const visit_t& visit) {
@@ -124,7 +105,7 @@ void process_ports(const visit_t& visit) {
   for (const auto& port : visit.sheet.ports) {
     const std::int32_t place = *pin_of_port++;
     if (place < 0) {
-      tell_port(visit, port, "  not found ? ");
+      tell_port(visit, port, kv_message::port_without_pin);
       continue;
     }
     if (port.group < 0) continue;
@@ -135,7 +116,7 @@ void process_ports(const visit_t& visit) {
     if (flat_above.net == 0) continue;
     if (!bring_down(visit.run.design, pin, flat_above, port, visit.group(port.group),
                     visit.flat(port.group))) {
-      tell_port(visit, port, "  not compatible at level -1 ? ");
+      tell_port(visit, port, kv_message::port_misfit);
     }
   }
 }
@@ -158,8 +139,7 @@ void save_flat_net(const visit_t& visit, std::int32_t group_ind) {
   flat.net = kv_save_net(visit.run, visit.sheet, master, name);
   if (group.width == 0) return;
   kv_debug(" KV_SAVE_BUS  : error : range of bus  : %d\n", master.object_id);
-  gx_tell_quoted("# !! Error : Range of Bus Invalid : ", visit.run.path.view());
-  gx_count_error();
+  kv_tell(kv_message::bus_invalid, visit.run.path.view());
 }
 
 using named_members_t = std::vector<std::int32_t>;  // of buses, by the globals of a visit
@@ -198,8 +178,7 @@ bool is_of_other_global(const visit_t& visit, const kv_net_record_t& net, std::s
                         bool by_sheet) {
   const std::string_view other = kv_text(visit.run.design, net.name);
   if (net.net_kind != kv_kind_global || gx_iden(other, name)) return false;
-  tell_different_globals(by_sheet ? "# !! 1rst Global name:" : "# !!   Top Global name:", other,
-                         by_sheet ? "# !! 2nd  Global name:" : "# !! child Global name:", name);
+  kv_tell(by_sheet ? kv_message::globals_meet : kv_message::globals_meet_below, {}, other, name);
   return true;
 }
 
@@ -224,8 +203,7 @@ std::int32_t process_global_on_bus(const visit_t& visit, const kv_sheet_global_t
   if (flat.net == 0) return 0;
   const std::string_view name = visit.sheet.view(global.name);
   if (global.position < 0) {
-    gx_tell_quoted("# !! Error : Global out of the range of its Bus : ", name);
-    gx_count_error();
+    kv_tell(kv_message::global_beyond_bus, {}, name);
     return 0;
   }
   const std::int32_t first = visit.run.design.nets[flat.net].netind_start;
@@ -265,9 +243,8 @@ void process_globals(const visit_t& visit) {
     if (net != 0 && global.init.what == kv_init_t::valid)
       kv_set_initial_state(visit.run.design, net, global.init);
     if (global.init.what == kv_init_t::invalid) {
-      tell_bad_init("# !! INIT property on PIN of GLOBAL Invalid ",
-                    "# !! Global name  : ", visit.sheet.view(global.name),
-                    visit.sheet.view(global.init.text));
+      kv_tell(kv_message::init_of_global, {}, visit.sheet.view(global.name),
+              visit.sheet.view(global.init.text));
     }
   }
 }
@@ -281,11 +258,9 @@ void process_init(const visit_t& visit, const kv_sheet_net_t& net) {
   const kv_flat_t& flat = visit.flat(net.group);
   if (flat.by_port) {
     const auto& port = gx_at(visit.sheet.ports, visit.group(net.group).port);
-    tell_bad_init("# !! INIT property on NET of PORT Invalid ",
-                  "# !! Port name  : ", visit.sheet.view(port.name), value);
+    kv_tell(kv_message::init_of_port, {}, visit.sheet.view(port.name), value);
   } else {
-    tell_bad_init("# !! INIT property on Local NET Invalid ",
-                  "# !! NET name  : ", visit.name(net.suffix), value);
+    kv_tell(kv_message::init_of_net, {}, visit.name(net.suffix), value);
   }
 }
 
@@ -331,32 +306,21 @@ void process_nets(const visit_t& visit) {
 bool check_symbol(const visit_t& visit, kv_sheet_symbol_t& symbol) {
   const std::string_view path = visit.sheet.view(symbol.path);
   const kv_component_t& component = kv_component_of(visit.run.sheets, visit.sheet, symbol);
-  const auto tell_old = [&](std::string_view headline) {
-    gx_tell(headline);
-    gx_tell_quoted("# !! : ", path);
-    gx_tell("# !! using old symbol version  ");
-    gx_count_error();
-  };
-  if (!symbol.version_valid) tell_old("# !! Error : Invalid Version in pathname of : ");
+  if (!symbol.version_valid) kv_tell(kv_message::symbol_version_invalid, {}, path);
   if (!component.symbol_found) {
-    gx_tell_quoted("# !! Error : Symbol of : ", path, "  not found ? ");
-    gx_count_error();
+    kv_tell(kv_message::symbol_missing, {}, path);
     return false;
   }
-  if (symbol.version_valid && symbol.version != component.symbol_version) {
-    tell_old("# !! Error on Version (not the current) of : ");
-  }
+  if (symbol.version_valid && symbol.version != component.symbol_version)
+    kv_tell(kv_message::symbol_not_current, {}, path);
   return true;
 }
 
 std::int8_t timing_of(const visit_t& visit, const kv_sheet_inst_t& inst) {
   if (inst.timing_state != kv_sheet_inst_t::timing_ok) {
-    gx_tell_quoted("# !! Error on Timing Index : ", visit.run.path.view());
-    gx_tell_quoted("# !! : ", visit.sheet.view(inst.timing_text));
-    if (inst.timing_state == kv_sheet_inst_t::timing_too_big) {
-      gx_tell_quoted("# !! Max value for Timing Index : ", "120");
-    }
-    gx_count_error();
+    const bool is_too_big = inst.timing_state == kv_sheet_inst_t::timing_too_big;
+    kv_tell(is_too_big ? kv_message::timing_too_big : kv_message::timing_invalid,
+            visit.run.path.view(), visit.sheet.view(inst.timing_text));
   }
   return inst.timing_index >= 0 ? inst.timing_index : visit.timing_index;
 }
@@ -369,8 +333,7 @@ void process_macro(const visit_t& visit, kv_sheet_inst_t& inst, kv_sheet_symbol_
   if (run.end) return;
   kv_sheet_t* below = kv_get_sheet_for_expand(run.sheets, visit.sheet, symbol);
   if (below == nullptr) {
-    gx_tell("# !! Error no sheet found for : ");
-    gx_tell_quoted("# !! : ", run.path.view());
+    kv_tell(kv_message::no_sheet_below, run.path.view());
     return;
   }
   const std::int32_t macro_here = run.macro_level;
@@ -391,7 +354,7 @@ void process_inst(const visit_t& visit, kv_sheet_inst_t& inst, kv_sheet_symbol_t
     return;
   }
   kv_save_inst(run, visit.sheet, inst, timing_index, run.flats.data() + visit.flats);
-  if (visit.level == 1) gx_tell_quoted("# Processing : ", run.path.view());
+  if (visit.level == 1) kv_tell(kv_message::processing, run.path.view());
 }
 
 void process_instances(const visit_t& visit) {
@@ -413,11 +376,8 @@ void process_objects(const visit_t& visit) {
     process_instances(visit);
   } catch (const kv_store_full_t& full) {
     kv_debug_full(full);
-    gx_tell("# !! Error : Design too large : more than ", std::to_string(full.limit),
-            " records of the kind : ", full.name);
-    gx_tell("# !! STOre SIZe sets how many ");
-    gx_tell_quoted("# !! Sheet : ", visit.run.path.view());
-    gx_count_error();
+    kv_tell(kv_message::design_too_large, visit.run.path.view(), std::to_string(full.limit),
+            full.name);
     visit.run.end = kv_run_result::design_too_large;
   }
 }
@@ -457,21 +417,20 @@ void kv_process_inst_of_sheet(kv_flatten_t& run, kv_sheet_t& sheet, const kv_ent
                               std::int16_t level, std::int8_t timing_index) {
   if (level < 1 || level > kv_max_levels) {
     std::printf("!! Invalid level = %d\n", level);
-    gx_tell("# !! Error : Too many sheet levels ? : ", run.path.view());
-    gx_count_error();
+    kv_tell(kv_message::too_many_levels, {}, run.path.view());
     run.end = kv_run_result::too_many_levels;
     return;
   }
   run.expand_level = level;
   if (run.watch != nullptr && !run.watch->next_sheet(run.design.insts.count)) {
-    gx_tell("# RUN stopped");
+    kv_tell(kv_message::stopped);
     run.end = kv_run_result::stopped;
     return;
   }
-  if (level <= 2) gx_tell_quoted("# Processing : ", run.path.view());
+  if (level <= 2) kv_tell(kv_message::processing, run.path.view());
   if (sheet.deleted_object != 0) {
     std::printf("!! Invalid  Object ( deleted )  = %d\n", sheet.deleted_object);
-    gx_count_error();
+    kv_tell(kv_message::object_deleted);
     return;
   }
   if (sheet.file_path.size() > kv_max_string) {

@@ -8,35 +8,31 @@
 #include "expand/design_records.h"
 #include "expand/estimate.h"
 #include "expand/flatten.h"
+#include "expand/messages.h"
 #include "gx/db/file_state.h"
 #include "gx/db/object_access.h"
 #include "gx/text/at.h"
 #include "gx/text/date.h"
-#include "gx/text/message_list.h"
 #include "gx/text/session_state.h"
 
 namespace {
-
-void refuse(std::string_view error) {
-  gx_tell("# RUN ");
-  gx_tell(error);
-}
 
 // Every list must have an entry; the first empty one is told.
 bool lists_are_set(const kv_setup_t& setup) {
   struct list_check {
     std::int32_t count;
-    std::string_view error;
+    kv_message refusal;
+    std::string_view object;
   };
   const list_check checks[] = {
-      {setup.primitive.count, "# !! Error : No property to define the PRIMITIVE ? "},
-      {setup.property_instance.count, "# !! Error : No property to keep on INSTANCE ? "},
-      {setup.property_pin.count, "# !! Error : No property to keep on PIN ? "},
-      {setup.property_net.count, "# !! Error : No property to keep on NET ? "},
+      {setup.primitive.count, kv_message::no_primitive, ""},
+      {setup.property_instance.count, kv_message::no_property, "INSTANCE"},
+      {setup.property_pin.count, kv_message::no_property, "PIN"},
+      {setup.property_net.count, kv_message::no_property, "NET"},
   };
   for (const auto& check : checks) {
     if (check.count > 0) continue;
-    refuse(check.error);
+    kv_tell(check.refusal, {}, check.object);
     return false;
   }
   return true;
@@ -54,10 +50,8 @@ void check_nets(kv_design_t& design) {
     kv_debug("  object_id : %d  net_type : %d  net_kind : %d  bus : %d  name : %d\n", net.object_id,
              net.net_type, net.net_kind, net.bus, net.name);
     net.name = empty;
-    gx_count_warning();
-    gx_tell("# !! WARNING : PORT SubNET of BUS NOT USED ?? = ",
+    kv_tell(kv_message::member_unused, kv_text(design, net.sim_path),
             std::to_string(i - net.father_net - 1));
-    gx_tell_quoted("# !! NET name  : ", kv_text(design, net.sim_path));
   }
 }
 
@@ -88,9 +82,7 @@ std::optional<kv_run_result> flatten(const kv_run_t& run,
   kv_sheet_t& sheet = *kv_analysed(*sheets, sheets->top);
   kv_find_tied_globals(*sheets);
   if (sheet.bytes > kv_free_memory()) {
-    gx_tell("# !! Error : Design too large for this memory : about ",
-            std::to_string(sheet.bytes >> 20), " MB ");
-    gx_count_error();
+    kv_tell(kv_message::too_large_for_memory, {}, std::to_string(sheet.bytes >> 20));
     return kv_run_result::design_too_large;
   }
   kv_run_watch watch(run, sheet.visits);
@@ -108,7 +100,7 @@ kv_run_result kv_expand(const kv_run_t& run) {
   if (!lists_are_set(run.setup)) return kv_run_result::no_lists;
   const gx_file_index_t top = run.sheets.front().file_index;
   if (top < 1 || top > gx_max_files || top > gx_files.num_file_open) {
-    refuse("# !! Error : No Sheet available to expand ? ");
+    kv_tell(kv_message::no_sheet);
     return kv_run_result::no_sheet;
   }
   const auto& slot = gx_at(gx_files.filear, top);
@@ -128,7 +120,7 @@ kv_run_result kv_expand_sheets(const kv_run_t& run, const std::shared_ptr<kv_she
   }
   kv_limit_design(run.design, run.setup.store_size);
   run.design.kept = run.setup;
-  gx_tell(" RUN ");
+  kv_tell(kv_message::run_begins);
   if (const auto end = flatten(run, sheets)) {
     if (!run.keeps_part) {  // nobody takes a part of a design for the whole
       kv_empty_design(run.design);
@@ -148,7 +140,6 @@ kv_run_result kv_run_expansion(const kv_run_t& run, int designfile, bool gen_dat
       gx_view(gx_at(gx_files.filear, run.sheets.front().file_index).dirname);
   const std::string listing = gen_data ? std::string(directory) + "/kivo_data" : std::string();
   if (kv_write_design(run.design, designfile, listing)) return kv_run_result::done;
-  gx_tell_quoted("# !! Error : Expanded data not written whole in : ", directory);
-  gx_count_error();
+  kv_tell(kv_message::not_written, {}, directory);
   return kv_run_result::write_failed;
 }

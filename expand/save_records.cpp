@@ -5,28 +5,14 @@
 #include <cstring>
 
 #include "expand/debug.h"
+#include "expand/messages.h"
 #include "expand/pin_chains.h"
 #include "expand/values.h"
 #include "gx/text/at.h"
-#include "gx/text/message_list.h"
 
 namespace {
 
 using kv_prop_list_t = kv_list_t<kv_prop_type_record_t>;
-
-// What a kept property's report calls the path of its object.
-constexpr std::string_view inst_path_label = "#    Instance Path : ";
-constexpr std::string_view pin_path_label = "#    Pin Path : ";
-constexpr std::string_view net_path_label = "#    Net Path : ";
-
-void tell_bad_value(const kv_prop_type_record_t& entry, std::string_view value,
-                    std::string_view path_label, std::string_view path) {
-  gx_tell("# !! Error found on property value ");
-  gx_tell_as(gx_line_kind::detail, path_label, "\"", path, "\"");
-  gx_tell_as(gx_line_kind::detail, "#    Property Name :  \"", gx_view(entry.name), "\"");
-  gx_tell_as(gx_line_kind::detail, "#    Property Value :  \"", value, "\"");
-  gx_count_error();
-}
 
 void save_value(kv_design_t& design, const kv_kept_t& kept, std::string_view text) {
   switch (kept.type) {
@@ -45,23 +31,27 @@ void save_value(kv_design_t& design, const kv_kept_t& kept, std::string_view tex
   }
 }
 
-// Saves the kept properties of an object, which then follow one another in the store.
+// Saves the kept properties of an object ("Net"), which then follow one another in the store.
 template <typename Record>
 void save_kept(kv_flatten_t& run, const kv_sheet_t& sheet, std::int32_t first,
-               const kv_prop_list_t& list, std::string_view path_label, Record& record) {
+               const kv_prop_list_t& list, std::string_view object, Record& record) {
   record.nb_of_property = static_cast<std::int8_t>(list.count);
   record.first_prop = list.count > 0 ? run.design.props.count + 1 : 0;
   const kv_kept_t* kept = sheet.kept.data() + first;
+  const auto save = [&](const kv_prop_type_record_t& entry, const kv_kept_t& value,
+                        std::string_view text) {
+    save_value(run.design, value, text);
+    if (value.error)
+      kv_tell(kv_message::value_invalid, run.path.view(), object, gx_view(entry.name), text);
+  };
   for (const auto& entry : list) {
     const std::string_view text = sheet.view(kept->text);
     if (kept->decode_at_visit) {
       kv_kept_t here = *kept;
       kv_decode_kept(here, text, {run.setup, run.design, run.expand_level, run.macro_level});
-      save_value(run.design, here, text);
-      if (here.error) tell_bad_value(entry, text, path_label, run.path.view());
+      save(entry, here, text);
     } else {
-      save_value(run.design, *kept, text);
-      if (kept->error) tell_bad_value(entry, text, path_label, run.path.view());
+      save(entry, *kept, text);
     }
     ++kept;
   }
@@ -77,17 +67,14 @@ void fill_instance(kv_flatten_t& run, const kv_sheet_t& sheet, const kv_sheet_in
   record.sim_path = kv_save_string(run.design, run.path.view());
   record.file_path = kv_save_string(run.design, sheet.file_path);
   record.nb_of_pin = static_cast<std::int16_t>(inst.nb_of_pin);
-  save_kept(run, sheet, inst.kept, run.setup.property_instance, inst_path_label, record);
+  save_kept(run, sheet, inst.kept, run.setup.property_instance, "Instance", record);
 }
 
 void check_pin_type(const kv_sheet_pin_t& pin, std::string_view path) {
   if (pin.type_state == kv_sheet_pin_t::type_missing) {
-    gx_tell("# ? Warning Pintype Not Defined so \"OUTPUT\" assumed FOR pin : ", path);
-    gx_count_warning();
+    kv_tell(kv_message::pintype_missing, path);
   } else if (pin.type_state == kv_sheet_pin_t::type_invalid) {
-    gx_tell("# ? Error : Invalid Pintype on Pin : ");
-    gx_tell_as(gx_line_kind::detail, "#  Pin Path : \"", path, "\"");
-    gx_count_error();
+    kv_tell(kv_message::pintype_invalid, path);
   }
 }
 
@@ -102,12 +89,11 @@ const kv_flat_t* fill_pin(kv_flatten_t& run, const kv_sheet_t& sheet, const kv_s
   record.pin_start = pin.pin_start;
   record.pin_end = pin.pin_end;
   record.pin_net_start = pin.pin_net_start;
-  save_kept(run, sheet, pin.kept, run.setup.property_pin, pin_path_label, record);
+  save_kept(run, sheet, pin.kept, run.setup.property_pin, "Pin", record);
   const kv_flat_t* flat = pin.group >= 0 ? flats + pin.group : nullptr;
   if (flat == nullptr || flat->net == 0) {
     kv_debug(" %s  : error : net of pin  : %d\n", operation, pin.object_id);
-    gx_tell_quoted("# !! Error : Pin without Net : ", run.path.view());
-    gx_count_error();
+    kv_tell(kv_message::pin_without_net, run.path.view());
     return nullptr;
   }
   record.net_ind = flat->net;
@@ -116,10 +102,7 @@ const kv_flat_t* fill_pin(kv_flatten_t& run, const kv_sheet_t& sheet, const kv_s
     record.pin_net_start =
         static_cast<std::int16_t>(net.net_bus_start + flat->position + pin.position);
   }
-  if (pin.range_error) {
-    gx_tell_quoted("# !! Error : Pin out of the range of its Bus : ", run.path.view());
-    gx_count_error();
-  }
+  if (pin.range_error) kv_tell(kv_message::pin_beyond_bus, run.path.view());
   return flat;
 }
 
@@ -132,11 +115,9 @@ void chain_pin(kv_design_t& design, const kv_sheet_pin_t& pin, const kv_flat_t& 
           ? kv_chain_pin(design, index, flat.net, 1)
           : kv_chain_pin(design, index, net.netind_start + flat.position + pin.position, pin.width);
   if (chained == kv_chained::not_all) {
-    gx_tell_quoted("# !! Error : Pin left off the chain of a Bus member : ", path);
-    gx_count_error();
+    kv_tell(kv_message::pin_off_chain, path);
   } else if (chained == kv_chained::uncounted) {
-    gx_tell_quoted("# !! WARNING : More than 32767 pins on Net : ", kv_text(design, net.sim_path));
-    gx_count_warning();
+    kv_tell(kv_message::pins_uncounted, kv_text(design, net.sim_path));
   }
 }
 
@@ -215,7 +196,7 @@ std::int32_t kv_save_net(kv_flatten_t& run, const kv_sheet_t& sheet, const kv_sh
   record.object_id = master.object_id;
   record.name = kv_save_string(run.design, name);
   record.sim_path = kv_save_string(run.design, run.path.view());
-  save_kept(run, sheet, master.kept, run.setup.property_net, net_path_label, record);
+  save_kept(run, sheet, master.kept, run.setup.property_net, "Net", record);
   return index;
 }
 

@@ -194,8 +194,7 @@ class analysis {
       const auto* property = gx_find_prop_of_two(file_, pin.pinpropfam, pin.pin, "NET");
       const std::string_view name = gx_prop_text(property);
       if (name.empty()) {
-        sheet.port_reports.push_back(
-            {{"# !! Error : PORT without property NET : I_" + std::to_string(inst)}});
+        sheet.port_reports.push_back({kv_message::port_unnamed, {std::to_string(inst)}});
         sheet.ends_at_port = true;
         return;
       }
@@ -241,19 +240,16 @@ class analysis {
       const auto first = sheet.view(gx_at(sheet.ports, group.port).bare_name);
       const auto second = sheet.view(port.bare_name);
       if (!gx_iden(first, second)) {
-        sheet.port_reports.push_back({{two_on_one("ports", group, first, second)}});
+        sheet.port_reports.push_back({kv_message::ports_joined, two_on_one(group, first, second)});
       }
       port.group = -1;
     }
   }
 
-  std::string two_on_one(std::string_view what, const kv_sheet_group_t& group,
-                         std::string_view first, std::string_view second) const {
+  std::vector<std::string> two_on_one(const kv_sheet_group_t& group, std::string_view first,
+                                      std::string_view second) const {
     const int master = gx_at(sheet.nets, group.master).object_id;
-    std::string line = "# !! Error :2 differents ";
-    line.append(what).append(" connected on same equipot: N_").append(std::to_string(master));
-    line.append(" \"").append(first).append("\" \"").append(second).append("\"");
-    return line;
+    return {std::to_string(master), std::string(first), std::string(second)};
   }
 
   void take_global(int inst) {
@@ -269,8 +265,8 @@ class analysis {
     global.init = init_of(gx_find_prop_of_two(file_, pin.pinpropfam, pin.pin, "INIT"));
     const auto* record = gx_object_as<gx_object_pinpropfam_rec_t>(file_, pin.pinpropfam);
     if (record != nullptr && record->pin_start != record->pin_end) {
-      report_global(global, "# !! Error : pin bus used for global : P_" +
-                                std::to_string(pin.pinpropfam) + " \"" + std::string(name) + "\"");
+      report_global(global, {kv_message::global_on_bus_pin,
+                             {std::to_string(pin.pinpropfam), std::string(name)}});
       global.usable = false;
     } else if (global.usable) {
       global.position = position_on(gx_at(sheet.groups, global.group), record->pin_net_start);
@@ -278,9 +274,9 @@ class analysis {
     sheet.globals.push_back(global);
   }
 
-  void report_global(kv_sheet_global_t& global, std::string line) {
+  void report_global(kv_sheet_global_t& global, kv_report_t report) {
     global.report = static_cast<std::int32_t>(sheet.global_reports.size());
-    sheet.global_reports.push_back({{std::move(line)}});
+    sheet.global_reports.push_back(std::move(report));
   }
 
   // Two globals of different names on one equipotential: the first stays.
@@ -298,8 +294,8 @@ class analysis {
       }
       const auto& other = gx_at(sheet.globals, first);
       if (other.run_global == global.run_global) continue;
-      report_global(global,
-                    two_on_one("globals", group, sheet.view(other.name), sheet.view(global.name)));
+      report_global(global, {kv_message::globals_joined,
+                             two_on_one(group, sheet.view(other.name), sheet.view(global.name))});
       global.usable = false;
       global.is_second = true;
     }

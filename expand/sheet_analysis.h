@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "expand/design.h"
+#include "expand/messages.h"
 #include "expand/net_join.h"
 #include "gx/db/file_records.h"
 #include "gx/db/ids.h"
@@ -117,9 +118,10 @@ struct kv_sheet_symbol_t {
   std::int32_t first_inst = 0, nb_of_inst = 0;
 };
 
-// An error of the sheet itself, shown at each visit: its lines.
+// An error of the sheet itself, told at each visit.
 struct kv_report_t {
-  std::vector<std::string> lines;
+  kv_message code;
+  std::vector<std::string> values;
 };
 
 struct kv_sheet_t {

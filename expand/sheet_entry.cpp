@@ -1,18 +1,11 @@
 #include "expand/sheet_entry.h"
 
 #include "expand/estimate.h"
+#include "expand/messages.h"
 #include "gx/text/at.h"
-#include "gx/text/message_list.h"
 #include "gx/text/strings.h"
 
 namespace {
-
-constexpr std::string_view sheet_of_inst = "!! Error : Sheet of INStance ";
-
-void tell_error(std::string_view label, std::string_view path, std::string_view tail) {
-  gx_tell_quoted(label, path, tail);
-  gx_count_error();
-}
 
 std::int32_t pin_of_port(const kv_sheet_t& above, const kv_sheet_inst_t& inst,
                          std::string_view name, std::string_view bare_name) {
@@ -46,31 +39,27 @@ kv_sheet_t* kv_get_sheet_for_expand(kv_sheets_t& sheets, const kv_sheet_t& sheet
   kv_component_t& component = kv_component_of(sheets, sheet, symbol);
   const std::string_view path = sheet.view(symbol.path);
   if (!component.symbol_found) {
-    tell_error("!! Error : Symbol of Symbol  ", path, "   not found ?");
-    if (!component.why_no_symbol.empty()) gx_tell("# !! ", component.why_no_symbol);
+    kv_tell(kv_message::block_symbol_missing, {}, path, component.why_no_symbol);
   } else if (!symbol.version_valid) {
-    tell_error("!! Error : Symbol File Version of ", path, "  Invalid ? ");
+    kv_tell(kv_message::block_version_invalid, {}, path);
   } else if (symbol.version != component.symbol_version) {
-    gx_tell_quoted("!! Warning : using old version of : ", path);
-    gx_count_warning();
+    kv_tell(kv_message::block_version_old, {}, path);
   }
 
   kv_sheet_t* below = kv_analysed(sheets, component);
   if (component.sheet_state == kv_component_t::missing) {
-    tell_error("!! Error : Sheet of INStance  ", path, "  not found ? ");
-    if (!component.why_no_sheet.empty()) gx_tell("# !! ", component.why_no_sheet);
+    kv_tell(kv_message::sheet_missing, {}, path, component.why_no_sheet);
     return nullptr;
   }
   if (component.sheet_state == kv_component_t::damaged) {
-    tell_error(sheet_of_inst, path, "  not found ? ");
-    gx_tell("# !! : ", component.why_no_sheet);
+    kv_tell(kv_message::sheet_damaged, {}, path, component.why_no_sheet);
     return nullptr;
   }
-  if (!component.fault.empty()) tell_error(sheet_of_inst, path, "  Invalid ? ");
-  if (!component.fault.empty() && component.has_primary) gx_tell("# !! : ", component.fault);
-  constexpr std::string_view unchecked = "#  !! Error : Sheet of INStance ";
-  if (!component.is_checked) tell_error(unchecked, path, "  NOT CHECKED ? ");
-  if (!component.has_no_error) tell_error(unchecked, path, "  WITH Error(s) ? ");
+  if (!component.fault.empty())
+    kv_tell(kv_message::sheet_not_whole, {}, path,
+            component.has_primary ? std::string_view(component.fault) : "");
+  if (!component.is_checked) kv_tell(kv_message::sheet_unchecked, {}, path);
+  if (!component.has_no_error) kv_tell(kv_message::sheet_with_errors, {}, path);
   return below;
 }
 

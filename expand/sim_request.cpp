@@ -45,7 +45,7 @@ class no_sigpipe {
 void tell_not_ready(const std::string& path) {
   gx_display_list("# Send Data to SPICE : ");
   gx_display_list("# !! Sorry Spice is not ready ... ", gx_line_kind::error);
-  gx_display_list("# !! Exec again the WaitFor (WF) spice command ...");
+  gx_tell_detail("# !! Exec again the WaitFor (WF) spice command ...");
   kv_debug("  DEbug : kv_send_request :1: Can't create the FIFO (spice Off ?) .  \n%s\n",
            path.c_str());
   std::printf("!! Error : Can't open the Fifo to SPICE  name:'%s'\n", path.c_str());
@@ -80,13 +80,13 @@ void kv_send_request(std::string_view request) {
     tell_not_ready(path);
     // ENOENT and ENXIO: nobody listens. Anything else is told as what it is.
     if (reason != ENOENT && reason != ENXIO)
-      gx_tell_quoted("# !! ", path, std::string(" : ") + std::strerror(reason));
+      gx_tell_detail("# !! \"", path, "\" : ", std::strerror(reason));
     return;
   }
   struct stat file;
   if (::fstat(KivoSpice_fifo_fd, &file) != 0 || !S_ISFIFO(file.st_mode)) {
     tell_not_ready(path);
-    gx_tell_quoted("# !! ", path, " : is no FIFO");
+    gx_tell_detail("# !! \"", path, "\" : is no FIFO");
     ::close(std::exchange(KivoSpice_fifo_fd, -1));
     return;
   }

@@ -5,26 +5,23 @@
 
 namespace {
 
+using enum kv_check_head;
+
 constexpr kv_once_t class_once = {kv_rule::class_twice, "CLASS",
-                                  "# !! Error : more than 1 property \"CLASS\" on the body : "};
+                                  "more than 1 property \"CLASS\" on the body : "};
 constexpr kv_once_t inst_once = {kv_rule::inst_twice, "INST",
-                                 "# !! Error : more than 1 property \"INST\" on the body : "};
+                                 "more than 1 property \"INST\" on the body : "};
 constexpr kv_once_t pin_once = {kv_rule::pin_twice, "PIN",
-                                "# !! Error : more than 1 property \"PIN\" on the pin : "};
+                                "more than 1 property \"PIN\" on the pin : "};
 constexpr kv_once_t pintype_once = {kv_rule::pintype_twice, "PINTYPE",
-                                    "# !! Error : more than 1 property \"PINTYPE\" on the pin : "};
-constexpr kv_wording_t of_body = {
-    kv_rule::body_properties, "# !! Error : Too many properties on the body : ",
-    "# !! Error : properties with same name on the body :", "I_", true};
-constexpr kv_wording_t of_pin = {kv_rule::pin_properties,
-                                 "# !! Error : Too many properties on pins : ",
-                                 "# !! Error : properties with same name on the pin :", "P_", true};
+                                    "more than 1 property \"PINTYPE\" on the pin : "};
+constexpr kv_wording_t of_body = {kv_rule::body_properties, "Too many properties on the body : ",
+                                  "properties with same name on the body :", "I_", true};
+constexpr kv_wording_t of_pin = {kv_rule::pin_properties, "Too many properties on pins : ",
+                                 "properties with same name on the pin :", "P_", true};
 
-// "## !! : I_12 ", the second line of a finding.
-std::string place_line(const std::string& where) { return "## !! : " + where; }
-
-void report_too_many(kv_sheet_check_t& check, const gx_owner_t& where, std::string_view line) {
-  check.add(kv_rule::too_many, where, {std::string(line)});
+void report_too_many(kv_sheet_check_t& check, const gx_owner_t& where, std::string_view words) {
+  check.add(kv_rule::too_many, where, {{error, std::string(words)}});
 }
 
 // --- pins
@@ -39,10 +36,10 @@ void check_pin(kv_sheet_check_t& check, int inst, gx_pin_pair_t pair, kv_check_t
     pin.is_first(pintype_once, property, type);
     if (pin.is_first(pin_once, property, name)) {
       if (!pin_names.add(gx_view(property.nvalue), own)) {
-        report_too_many(check, own, "# !! Error : Too many pins : ");
+        report_too_many(check, own, "Too many pins : ");
       }
       if (property.fixed == 0) {
-        pin.add(kv_rule::pin_loose, "# !! Error : property \"PIN\" NOFIXED on the pin : ").marks = {
+        pin.add(kv_rule::pin_loose, "property \"PIN\" NOFIXED on the pin : ").marks = {
             {kv_mark_t::object, property.gene.object_id}};
       }
     }
@@ -55,12 +52,11 @@ void check_pin(kv_sheet_check_t& check, int inst, gx_pin_pair_t pair, kv_check_t
   const std::vector<kv_mark_t> properties = {{kv_mark_t::properties, pair.pinpropfam},
                                              {kv_mark_t::properties, pair.pin}};
   if (type == nullptr) {
-    pin.add(kv_rule::pintype_missing, "# !! Warning : no property \"PINTYPE\" found on the pin : ")
-        .marks = properties;
+    pin.add(kv_rule::pintype_missing, "no property \"PINTYPE\" found on the pin : ").marks =
+        properties;
   }
   if (name == nullptr) {
-    pin.add(kv_rule::pin_unnamed, "# !! Error : no property \"PIN\" found on the pin : ").marks =
-        properties;
+    pin.add(kv_rule::pin_unnamed, "no property \"PIN\" found on the pin : ").marks = properties;
   }
   pin.report_same_names();
 }
@@ -82,10 +78,10 @@ const gx_object_property_rec_t* port_name(const kv_sheet_check_t& check, int ins
 void check_port(kv_sheet_check_t& check, const gx_owner_t& own) {
   const auto* name = port_name(check, own.inst);
   if (name == nullptr) {
-    check.add(kv_rule::port_name, own, {"# !! Error : PORT without name ( --> property NET ) "})
+    check.add(kv_rule::port_name, own, {{error, "PORT without name ( --> property NET ) "}})
         .marks = {{kv_mark_t::object, own.inst}};
   } else if (!check.port_names.add(gx_view(name->nvalue), own)) {
-    report_too_many(check, own, "# !! Error : Too many PORTS ");
+    report_too_many(check, own, "Too many PORTS ");
   }
 }
 
@@ -104,15 +100,16 @@ void check_symbol_reference(kv_sheet_check_t& check, const gx_owner_t& own) {
     check.report.references.push_back({symbol, path});
     return;
   }
-  const std::string quoted = "# !! \"" + std::string(path) + "\" ";
+  const std::string quoted = "\"" + std::string(path) + "\" ";
   const std::string label = kv_label("S_", symbol);
-  auto& finding = link.link_found
-                      ? check.add(kv_rule::symbol_old, own,
-                                  {"# !! Error : Out Of Date  reference for : " + label,
-                                   "# !! Existing Symbol path  : ", quoted})
-                      : check.add(kv_rule::symbol_missing, own,
-                                  {"# !! Error : invalid Symbol reference for : " + label,
-                                   "# !! Error :  Symbol path  : ", quoted});
+  auto& finding = link.link_found ? check.add(kv_rule::symbol_old, own,
+                                              {{error, "Out Of Date  reference for : " + label},
+                                               {more, "Existing Symbol path  : "},
+                                               {more, quoted}})
+                                  : check.add(kv_rule::symbol_missing, own,
+                                              {{error, "invalid Symbol reference for : " + label},
+                                               {error, " Symbol path  : "},
+                                               {more, quoted}});
   if (const int body = lb_inq_symbol_child_id(file, symbol).body; body != 0) {
     const int graphics = lb_inq_graphics_property_id(file, body).graphics;
     if (graphics != 0) finding.marks.push_back({kv_mark_t::object, graphics});
@@ -133,14 +130,13 @@ void check_missing_inst(kv_sheet_check_t& check, kv_object_check& body, int inst
   if (gx_equal("G", class_value) || gx_equal("P", class_value)) return;
   const auto marks = body_marks(check, inst);
   if (class_seen == nullptr) {
-    body.add(kv_rule::inst_missing, "# !! Error : no property \"INST\" found on the component : ")
-        .marks = marks;
+    body.add(kv_rule::inst_missing, "no property \"INST\" found on the component : ").marks = marks;
     return;
   }
-  auto& finding = body.add(kv_rule::inst_class_only,
-                           "# !! Warning : no property \"INST\" found on the component : ");
-  std::string line = "# !! found property \"CLASS\" instead : \"";
-  finding.lines.push_back(line.append(class_value).append("\" "));
+  auto& finding =
+      body.add(kv_rule::inst_class_only, "no property \"INST\" found on the component : ");
+  std::string words = "found property \"CLASS\" instead : \"";
+  finding.lines.push_back({more, words.append(class_value).append("\" ")});
   finding.marks = marks;
 }
 
@@ -157,13 +153,13 @@ void check_instance(kv_sheet_check_t& check, int inst, kv_check_table_t& pin_nam
     }
     if (body.is_first(inst_once, property, inst_seen)) {
       if (!check.instance_names.add(gx_view(property.nvalue), own)) {
-        report_too_many(check, own, "# !! Error : Too many INSTANCES ");
+        report_too_many(check, own, "Too many INSTANCES ");
       }
       if (on_symbol) {
         check
             .add(kv_rule::inst_on_symbol, own,
-                 {"# !! Warning : property \"INST\" found on symbol: ",
-                  place_line(kv_label("S_", symbol) + "of instance: " + kv_label("I_", inst))})
+                 {{warning, "property \"INST\" found on symbol: "},
+                  {place, kv_label("S_", symbol) + "of instance: " + kv_label("I_", inst)}})
             .marks = {{kv_mark_t::object, property.gene.object_id}};
       }
     }
@@ -178,10 +174,10 @@ void check_instance(kv_sheet_check_t& check, int inst, kv_check_table_t& pin_nam
   pin_names.clear();
   for (const auto pair : lb_pins(file, inst)) check_pin(check, inst, pair, pin_names);
   if (const auto same = kv_same_names(pin_names); !same.empty()) {
-    auto& finding =
-        body.add(kv_rule::pin_same_name, "# !! Error : pin with same name on the Instance :");
-    std::string line = "#    Pin with same name : \"";
-    finding.lines.push_back(line.append(pin_names.names[same.front().first]).append("\" "));
+    auto& finding = body.add(kv_rule::pin_same_name, "pin with same name on the Instance :");
+    std::string words = "Pin with same name : \"";
+    words.append(pin_names.names[same.front().first]).append("\" ");
+    finding.lines.push_back({item, std::move(words)});
     finding.marks = body_marks(check, inst);
   }
   body.report_same_names();

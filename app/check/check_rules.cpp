@@ -7,15 +7,13 @@
 namespace {
 
 constexpr kv_once_t net_once = {kv_rule::net_twice, "NET",
-                                "# !! Error : more than 1 property \"NET\" on the net : "};
+                                "more than 1 property \"NET\" on the net : "};
 constexpr kv_once_t frexp_once = {kv_rule::frexp_twice, "FREXP",
-                                  "# !! Error : more than 1 property \"FREXP\" on the frame : "};
-constexpr kv_wording_t of_net = {
-    kv_rule::net_properties, "# !! Error : Too many properties on Net : ",
-    "# !! Error : properties with same name on the net :", "N_", false};
-constexpr kv_wording_t of_frame = {
-    kv_rule::frame_properties, "# !! Error : Too many properties on Frame : ",
-    "# !! Error : properties with same name on the frame :", "F_", true};
+                                  "more than 1 property \"FREXP\" on the frame : "};
+constexpr kv_wording_t of_net = {kv_rule::net_properties, "Too many properties on Net : ",
+                                 "properties with same name on the net :", "N_", false};
+constexpr kv_wording_t of_frame = {kv_rule::frame_properties, "Too many properties on Frame : ",
+                                   "properties with same name on the frame :", "F_", true};
 
 void check_net(kv_sheet_check_t& check, int net) {
   const gx_owner_t own = {gx_owner_kind::net, net, 0, net};
@@ -24,7 +22,7 @@ void check_net(kv_sheet_check_t& check, int net) {
   gx_visit_properties(check.file, own, [&](const gx_object_property_rec_t& property) {
     if (object.is_first(net_once, property, name) &&
         !check.net_names.add(gx_view(property.nvalue), own)) {
-      check.add(kv_rule::too_many, own, {"# !! Error : Too many nets : "});
+      check.add(kv_rule::too_many, own, {{kv_check_head::error, "Too many nets : "}});
     }
     object.add_name(property);
   });
@@ -38,13 +36,13 @@ void check_frame(kv_sheet_check_t& check, int frame) {
   gx_visit_properties(check.file, own, [&](const gx_object_property_rec_t& property) {
     if (object.is_first(frexp_once, property, expression) &&
         !check.frame_names.add(gx_view(property.nvalue), own)) {
-      check.add(kv_rule::too_many, own, {"# !! Error : Too many frames : "});
+      check.add(kv_rule::too_many, own, {{kv_check_head::error, "Too many frames : "}});
     }
     object.add_name(property);
   });
   if (expression == nullptr) {
-    auto& finding = object.add(kv_rule::frexp_missing,
-                               "# !! Warning : no property \"FREXP\" found on the frame : ");
+    auto& finding =
+        object.add(kv_rule::frexp_missing, "no property \"FREXP\" found on the frame : ");
     const int family = lb_inq_graphics_property_id(check.file, frame).property_family;
     if (family != 0) finding.marks = {{kv_mark_t::properties, family}};
   }
@@ -52,19 +50,20 @@ void check_frame(kv_sheet_check_t& check, int frame) {
 }
 
 kv_sheet_finding_t& add_name(kv_sheet_check_t& check, const kv_check_table_t& table,
-                             const kv_same_name_t& same, kv_rule rule, std::string_view line) {
-  std::string text(line);
+                             const kv_same_name_t& same, kv_rule rule, kv_check_head head,
+                             std::string_view words) {
+  std::string text(words);
   text.append("\"").append(table.names[same.first]).append("\" ");
   // The later one is the one to look at.
-  return check.add(rule, table.owners[same.second], {std::move(text)});
+  return check.add(rule, table.owners[same.second], {{head, std::move(text)}});
 }
 
 // The names of one kind that may stand once.
 void check_names(kv_sheet_check_t& check, const kv_check_table_t& table, kv_rule rule,
-                 std::string_view line) {
+                 std::string_view words) {
   bool is_further = false;
   for (const auto& same : kv_same_names(table)) {
-    add_name(check, table, same, rule, line).is_further = is_further;
+    add_name(check, table, same, rule, kv_check_head::error, words).is_further = is_further;
     is_further = true;
   }
 }
@@ -74,7 +73,7 @@ void check_joined_nets(kv_sheet_check_t& check) {
   const auto same = kv_same_names(check.net_names);
   if (same.empty()) return;
   add_name(check, check.net_names, same.front(), kv_rule::net_same_name,
-           "# !! warning : NETS connected by their name  : ")
+           kv_check_head::soft_warning, "NETS connected by their name  : ")
       .more = static_cast<int>(same.size()) - 1;
 }
 
@@ -99,14 +98,11 @@ void kv_check_frames(kv_sheet_check_t& check) {
 kv_sheet_report_t kv_check_sheet(const gx_file_gene_recf_t& file, kv_links_t& links) {
   kv_sheet_check_t check = {file, links};
   kv_check_instances(check);
-  check_names(check, check.instance_names, kv_rule::inst_same_name,
-              "# !! Error : INSTANCE with same name  : ");
-  check_names(check, check.port_names, kv_rule::port_same_name,
-              "# !! Error : PORT with same name  : ");
+  check_names(check, check.instance_names, kv_rule::inst_same_name, "INSTANCE with same name  : ");
+  check_names(check, check.port_names, kv_rule::port_same_name, "PORT with same name  : ");
   kv_check_nets(check);
   kv_check_frames(check);
   check_joined_nets(check);
-  check_names(check, check.frame_names, kv_rule::frame_same_name,
-              "# !! Error : Frame with same name  : ");
+  check_names(check, check.frame_names, kv_rule::frame_same_name, "Frame with same name  : ");
   return std::move(check.report);
 }

@@ -19,10 +19,17 @@ struct kv_mark_t {
   int id;
 };
 
+// How CHEck SHEet begins a line: the first one of a finding, its place, what else it says.
+enum class kv_check_head : std::uint8_t { error, warning, soft_warning, place, more, item };
+struct kv_check_line_t {
+  kv_check_head head;
+  std::string words;
+};
+
 struct kv_sheet_finding_t {
   kv_rule rule;
-  gx_owner_t where;                // an instance, one of its pins, a net, a frame; none: the sheet
-  std::vector<std::string> lines;  // as CHEck SHEet tells it
+  gx_owner_t where;  // an instance, one of its pins, a net, a frame; none: the sheet
+  std::vector<kv_check_line_t> lines;
   std::vector<kv_mark_t> marks = {};
   bool is_further = false;  // of a name that stands twice on the sheet, but not the first
   int more = 0;             // further names that are told with this one

@@ -19,8 +19,18 @@ constexpr std::string_view echo = "# CHEck  SHEet  ";
 
 void show_unwritable(const std::string& path) {
   gx_debug("!! ERROR :  CHECK_SHEET : file_ref_path not open : \"%s\" \n", path.c_str());
-  gx_tell(" !! impossible to open : ");
-  gx_tell(" !! \"", path, "\" ");
+  gx_tell_detail(" !! impossible to open : ");
+  gx_tell_detail(" !! \"", path, "\" ");
+}
+
+void tell_lines(const kv_sheet_finding_t& finding) {
+  constexpr std::string_view heads[] = {
+      "# !! Error : ", "# !! Warning : ", "# !! warning : ", "## !! : ", "# !! ", "#    "};
+  constexpr gx_line_kind kinds[] = {gx_line_kind::error,   gx_line_kind::warning,
+                                    gx_line_kind::warning, gx_line_kind::detail,
+                                    gx_line_kind::detail,  gx_line_kind::detail};
+  for (const auto& line : finding.lines)
+    gx_tell_as(gx_at(kinds, line.head), gx_at(heads, line.head), line.words);
 }
 
 void select(const kv_view_t& view, const kv_mark_t& mark) {
@@ -69,7 +79,7 @@ void kv_check_sheet_cmd(const kv_command_t& command) {
   for (const auto& finding : report.findings) {
     if (finding.is_further) continue;
     ++(kv_row_of(finding.rule).severity == kv_severity::error ? errors : warnings);
-    for (const auto& line : finding.lines) gx_tell_as(gx_line_kind::detail, line);
+    tell_lines(finding);
     for (const auto& mark : finding.marks) select(view, mark);
   }
   for (const auto& [symbol, path] : report.references) reference.add_symbol(symbol, path);

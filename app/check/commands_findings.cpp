@@ -36,10 +36,10 @@ std::string head_of(std::size_t number) {
   return head;
 }
 
-// In one line.
+// In one line; what nobody waived counts for the session.
 void tell_finding(std::size_t number) {
   const auto& finding = kv_pext.findings[number - 1];
-  gx_tell_as(kind_of(finding), head_of(number), " : ", finding.words);
+  gx_report(kind_of(finding), head_of(number), " : ", finding.words);
 }
 
 // In lines that the list shows whole.
@@ -50,7 +50,7 @@ void show_finding(std::size_t number) {
   for (std::string_view words = finding.words; !words.empty();) {
     std::size_t length = words.size() <= room ? words.size() : words.rfind(' ', room);
     if (length == words.npos || length == 0) length = std::min(room, words.size());
-    gx_tell_as(gx_line_kind::detail, "#    ", words.substr(0, length));
+    gx_tell_detail("#    ", words.substr(0, length));
     words.remove_prefix(length);
     words.remove_prefix(std::min(words.find_first_not_of(' '), words.size()));
   }
@@ -67,22 +67,15 @@ void tell_count(std::string_view one, std::string_view many, int count) {
   gx_tell("# CHEck  DESign > ", count < 2 ? one : many, std::to_string(count), " ");
 }
 
-// Tells every finding and how many there are; those that nobody waived count for the session.
+// Tells every finding and how many there are.
 void tell_findings() {
   const gx_list_batch_t batch;
   int errors = 0, warnings = 0, waived = 0;
   for (std::size_t number = 1; number <= kv_pext.findings.size(); ++number) {
     const auto& finding = kv_pext.findings[number - 1];
     tell_finding(number);
-    if (finding.waived) {
-      ++waived;
-    } else if (finding.severity == kv_severity::error) {
-      ++errors;
-      gx_count_error();
-    } else {
-      ++warnings;
-      gx_count_warning();
-    }
+    const bool is_error = finding.severity == kv_severity::error;
+    ++(finding.waived ? waived : is_error ? errors : warnings);
   }
   tell_count("nb_error    = ", "nb_errors   = ", errors);
   tell_count("nb_warning  = ", "nb_warnings = ", warnings);
@@ -91,11 +84,11 @@ void tell_findings() {
 
 void apply_waivers(const std::string& directory) {
   const kv_waivers_t read = kv_read_waivers(directory);
-  for (const auto& fault : read.faults) gx_tell("# !! Warning : ", fault);
+  for (const auto& fault : read.faults) gx_tell_as(gx_line_kind::warning, "# !! Warning : ", fault);
   for (const auto& idle : kv_apply_waivers(read.waivers, kv_pext.findings)) {
     if (kv_severity_of(kv_pext.severities, idle.rule) == kv_severity::off) continue;
-    gx_tell("# !! Warning : waivers:", std::to_string(idle.line),
-            " : meets nothing : ", kv_row_of(idle.rule).name, " ", idle.path);
+    gx_tell_as(gx_line_kind::warning, "# !! Warning : waivers:", std::to_string(idle.line),
+               " : meets nothing : ", kv_row_of(idle.rule).name, " ", idle.path);
   }
 }
 
@@ -109,8 +102,8 @@ void kv_check_design_cmd(const kv_command_t& command) {
       kv_check_design(kv_sext, gx_view(slot.file_pathname), kv_pext.severities, kv_watch_run);
   kv_echo(check_echo, command, 3);
   if (!check.fault.empty()) {
-    gx_count_error();  // nothing is known of the design
-    return gx_tell("# !! Error : ", check.fault);
+    // Nothing is known of the design.
+    return gx_report(gx_line_kind::error, "# !! Error : ", check.fault);
   }
   kv_pext.findings = std::move(check.findings);
   kv_pext.design_checked = true;
@@ -119,8 +112,7 @@ void kv_check_design_cmd(const kv_command_t& command) {
   apply_waivers(directory);
   tell_findings();
   if (const auto fault = kv_write_findings(directory, kv_pext.findings); !fault.empty()) {
-    gx_count_error();
-    gx_tell("# !! Error : findings.json not written : ", fault);
+    gx_report(gx_line_kind::error, "# !! Error : findings.json not written : ", fault);
   }
   gx_tell(" CHEck  DESign ");
 }
@@ -168,8 +160,11 @@ std::size_t finding_number(std::string_view refused, const kv_command_t& command
 // True after the refusal.
 bool lacks_findings(std::string_view refused, const kv_command_t& command) {
   if (!kv_pext.findings.empty()) return false;
-  kv_refuse(refused, command,
-            kv_pext.design_checked ? "# !! Warning : CHEck DESign found nothing " : no_findings, 3);
+  if (kv_pext.design_checked) {
+    kv_warn(refused, command, "# !! Warning : CHEck DESign found nothing ", 3);
+  } else {
+    kv_refuse(refused, command, no_findings, 3);
+  }
   return true;
 }
 
@@ -199,7 +194,7 @@ void kv_next_finding_cmd(const kv_command_t& command) {
        ++number) {
     if (!kv_pext.findings[number - 1].waived) return go_to(number, " NEXt FINding ", command);
   }
-  kv_refuse(refused, command, "# !! Warning : No more findings ", 3);
+  kv_warn(refused, command, "# !! Warning : No more findings ", 3);
 }
 
 std::string today() {
@@ -221,7 +216,7 @@ void kv_waive_finding_cmd(const kv_command_t& command) {
   if (number == 0) return;
   auto& finding = kv_pext.findings[number - 1];
   if (finding.waived) {
-    return kv_refuse(refused, command, "# !! Warning : This finding is waived ", 3);
+    return kv_warn(refused, command, "# !! Warning : This finding is waived ", 3);
   }
   std::string reason;
   for (int n = 4; n <= command.count(); ++n) {

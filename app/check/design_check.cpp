@@ -5,7 +5,6 @@
 #include "app/check/run_messages.h"
 #include "app/check/sheet_findings.h"
 #include "gx/db/record_codec.h"
-#include "gx/text/message_list.h"
 #include "gx/text/strings.h"
 
 namespace {
@@ -31,14 +30,15 @@ kv_design_check_t kv_check_design(const kv_setup_t& wishes, std::string_view top
   const auto load = gx_load_file(top_path);
   if (!load.file) return {{}, load.message};
 
-  kv_run_messages told;
-  const gx_list_catcher catcher([&](std::string_view line) { told.take(line); });
   kv_design_check_t check;
   const auto sheets = std::make_shared<kv_sheets_t>();
   sheets->setup = setup.get();
   sheets->keeps_files = true;
   kv_set_top(*sheets, *load.file, top_path);
   kv_find_on_sheets(*sheets, severities, check.findings);
+
+  kv_run_messages told;
+  const kv_message_catcher catcher([&](const auto& message) { told.take(message); });
 
   kv_design_t design;
   kv_origins_t origins;
@@ -55,7 +55,6 @@ kv_design_check_t kv_check_design(const kv_setup_t& wishes, std::string_view top
                      .origins = &origins,
                      .keeps_part = true};
   const kv_run_result result = kv_expand_sheets(run, sheets);
-  told.finish();
   if (result == kv_run_result::stopped) return {{}, "stopped "};
   const kv_netlist_findings_t found{design, origins, severities, check.findings};
   if (result == kv_run_result::done) kv_find_on_netlist(found);

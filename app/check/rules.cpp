@@ -1,6 +1,7 @@
 #include "app/check/rules.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "gx/text/at.h"
 #include "gx/text/strings.h"
@@ -54,6 +55,31 @@ constexpr std::array<kv_rule_row_t, kv_rule_count> rows = {{
     // clang-format on
 }};
 
+// The rules of the messages of an expansion; all others are of the rule `run`.
+struct kv_reported_t {
+  kv_message message;
+  kv_rule rule;
+};
+constexpr kv_reported_t reported[] = {
+    {kv_message::symbol_version_invalid, kv_rule::symbol_missing},
+    {kv_message::symbol_missing, kv_rule::symbol_missing},
+    {kv_message::symbol_not_current, kv_rule::symbol_old},
+    {kv_message::block_symbol_missing, kv_rule::symbol_missing},
+    {kv_message::block_version_invalid, kv_rule::symbol_missing},
+    {kv_message::sheet_missing, kv_rule::sheet_missing},
+    {kv_message::sheet_damaged, kv_rule::sheet_missing},
+    {kv_message::sheet_not_whole, kv_rule::sheet_missing},
+    {kv_message::sheet_unchecked, kv_rule::sheet_missing},
+    {kv_message::sheet_with_errors, kv_rule::sheet_missing},
+    {kv_message::port_without_pin, kv_rule::pin_lacking},
+    {kv_message::globals_joined, kv_rule::globals_joined},
+    {kv_message::globals_meet, kv_rule::globals_joined},
+    {kv_message::globals_meet_below, kv_rule::globals_joined},
+    {kv_message::pin_without_net, kv_rule::pin_open},
+    {kv_message::pin_beyond_bus, kv_rule::bus_range},
+    {kv_message::port_misfit, kv_rule::bus_range},
+};
+
 constexpr bool are_in_order() {
   for (std::size_t i = 0; i < rows.size(); ++i) {
     if (rows[i].rule != static_cast<kv_rule>(i)) return false;
@@ -72,6 +98,11 @@ std::optional<kv_rule> kv_rule_named(std::string_view name) {
   const auto row = std::ranges::find_if(rows, [&](const auto& r) { return gx_iden(r.name, name); });
   if (row == rows.end()) return std::nullopt;
   return row->rule;
+}
+
+kv_rule kv_rule_of(kv_message message) {
+  const auto row = std::ranges::find(reported, message, &kv_reported_t::message);
+  return row == std::end(reported) ? kv_rule::run : row->rule;
 }
 
 kv_severities_t kv_default_severities() {

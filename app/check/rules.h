@@ -10,6 +10,7 @@
 #include <span>
 #include <string_view>
 
+#include "expand/messages.h"
 #include "gx/text/at.h"
 
 enum class kv_severity : std::uint8_t { off, warning, error };
@@ -73,6 +74,10 @@ std::span<const kv_rule_row_t, kv_rule_count> kv_rules();
 const kv_rule_row_t& kv_row_of(kv_rule rule);
 // By its whole name, letters in either case.
 std::optional<kv_rule> kv_rule_named(std::string_view name);
+
+// The rule that finds what a message of an expansion reports. Those of `bus_range` and `run` are
+// found by the message alone.
+kv_rule kv_rule_of(kv_message message);
 
 kv_severities_t kv_default_severities();
 inline kv_severity kv_severity_of(const kv_severities_t& severities, kv_rule rule) {

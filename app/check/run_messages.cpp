@@ -1,65 +1,10 @@
 #include "app/check/run_messages.h"
 
 #include <algorithm>
-#include <optional>
-
-#include "gx/text/session_state.h"
 
 namespace {
 
-// How a message begins, and what is in it besides: the rule that it is a finding of. None: a rule
-// of this check, or the check itself, tells the same.
-struct known_t {
-  std::string_view head, part;
-  std::optional<kv_rule> rule;
-};
-constexpr known_t known[] = {
-    {"# !! Error : Pin out of the range of its Bus", "", kv_rule::bus_range},
-    {"# !! Pin of INStance", "not compatible", kv_rule::bus_range},
-    {"# !! Pin of INStance", "not found", std::nullopt},
-    {"# !! Error : Pin without Net", "", std::nullopt},
-    {"# !! Error :2 differents globals", "", std::nullopt},
-    {"# !! Error Different Globals", "", std::nullopt},
-    {"# !! Error : Invalid Version in pathname", "", std::nullopt},
-    {"# !! Error : Symbol of", "", std::nullopt},
-    {"# !! Error on Version", "", std::nullopt},
-    {"!! Error : Symbol of Symbol", "", std::nullopt},
-    {"!! Error : Symbol File Version", "", std::nullopt},
-    {"!! Error : Sheet of INStance", "", std::nullopt},
-    {"#  !! Error : Sheet of INStance", "", std::nullopt},
-    {"", "", kv_rule::run},
-};
-
-// Warnings, lines that count nothing, and those behind a message that was counted already.
-bool is_no_message(std::string_view line) {
-  constexpr std::string_view heads[] = {
-      " RUN ",        "# Processing : ", "# !! Error no sheet found",
-      "# !! : ",      "# ? Warning",     "!! Warning",
-      "# !! WARN",    "# !! NET name",   "# !! STOre SIZe",
-      "# !! Sheet : "};
-  return std::ranges::any_of(heads, [&](std::string_view head) { return line.starts_with(head); });
-}
-
-// The first path in quotes; "" when there is none.
-std::string_view path_in(std::string_view text) {
-  const auto from = text.find("\"/");
-  if (from == text.npos) return {};
-  const auto to = text.find('"', from + 1);
-  return text.substr(from + 1, to == text.npos ? to : to - from - 1);
-}
-
-std::string joined(const std::vector<std::string>& lines) {
-  std::string words;
-  for (std::string_view line : lines) {
-    line.remove_prefix(std::min(line.find_first_not_of("#! ?"), line.size()));
-    if (line.starts_with("Error :"))
-      line.remove_prefix(std::min(line.find_first_not_of(' ', 7), line.size()));
-    while (line.ends_with(' ')) line.remove_suffix(1);
-    if (!words.empty()) words += ' ';
-    words += line;
-  }
-  return words;
-}
+constexpr kv_rule found_by_message[] = {kv_rule::bus_range, kv_rule::run};
 
 // Where a path is drawn: the pin, else the part, else the net; of what the run had not come to, the
 // block that it is in.
@@ -81,35 +26,22 @@ kv_place_t place_of(const kv_netlist_findings_t& found, const kv_path_index_t& p
 
 }  // namespace
 
-void kv_run_messages::take(std::string_view line) {
-  if (gx_session.errors_in_all != errors_) flush();
-  if (lines_.empty() && is_no_message(line)) return;
-  if (lines_.empty()) errors_ = gx_session.errors_in_all;
-  lines_.emplace_back(line);
-}
-
-void kv_run_messages::flush() {
-  const bool is_error = gx_session.errors_in_all != errors_;
-  errors_ = gx_session.errors_in_all;
-  const auto lines = std::move(lines_);
-  lines_.clear();
-  if (!is_error || lines.empty()) return;
-  const auto entry = std::ranges::find_if(known, [&](const known_t& k) {
-    return lines.front().starts_with(k.head) && lines.front().find(k.part) != std::string::npos;
-  });
-  if (entry->rule && known_.insert(joined(lines)).second)
-    messages_.push_back({*entry->rule, lines});
+void kv_run_messages::take(const kv_told_t& told) {
+  const kv_rule rule = kv_rule_of(told.code);
+  const bool is_found = std::ranges::find(found_by_message, rule) != std::end(found_by_message);
+  if (kv_row_of(told.code).kind != kv_message_kind::error || !is_found) return;
+  std::string words = kv_words_of(told);
+  if (words.empty() || !known_.insert(words).second) return;
+  messages_.push_back({rule, std::string(told.path), std::move(words)});
 }
 
 void kv_run_messages::find(const kv_netlist_findings_t& found) const {
   if (messages_.empty()) return;
   const kv_path_index_t paths(found.design);
-  for (const auto rule : {kv_rule::bus_range, kv_rule::run}) {
+  for (const kv_rule rule : found_by_message) {
     for (const auto& message : messages_) {
       if (message.rule != rule) continue;
-      std::string words = joined(message.lines);
-      const std::string path(path_in(words));
-      found.add(rule, path, place_of(found, paths, path), std::move(words));
+      found.add(rule, message.path, place_of(found, paths, message.path), message.words);
     }
   }
 }

@@ -32,16 +32,20 @@ std::vector<kv_same_name_t> kv_same_names(const kv_check_table_t& table) {
   return same;
 }
 
-kv_sheet_finding_t& kv_object_check::add(kv_rule rule, std::string_view line) {
-  const std::string place = kv_label(wording_.label, where_.id);
-  std::string head(line);
-  if (!wording_.place_on_own_line) return check_.add(rule, where_, {head + place});
-  return check_.add(rule, where_, {std::move(head), "## !! : " + place});
+kv_sheet_finding_t& kv_object_check::add(kv_rule rule, std::string_view words) {
+  using enum kv_check_head;
+  const bool is_error = kv_row_of(rule).severity == kv_severity::error;
+  kv_check_line_t line{is_error ? error : warning, std::string(words)};
+  std::string label = kv_label(wording_.label, where_.id);
+  if (wording_.place_on_own_line)
+    return check_.add(rule, where_, {std::move(line), {place, std::move(label)}});
+  line.words += label;
+  return check_.add(rule, where_, {std::move(line)});
 }
 
 void kv_object_check::add_name(const gx_object_property_rec_t& property) {
   if (names_.add(gx_view(property.name), where_)) return;
-  check_.add(kv_rule::too_many, where_, {std::string(wording_.too_many)});
+  check_.add(kv_rule::too_many, where_, {{kv_check_head::error, std::string(wording_.too_many)}});
 }
 
 bool kv_object_check::is_first(const kv_once_t& once, const gx_object_property_rec_t& property,
@@ -59,8 +63,8 @@ kv_sheet_finding_t* kv_object_check::report_same_names() {
   const auto same = kv_same_names(names_);
   if (same.empty()) return nullptr;
   auto& finding = add(wording_.same_name_rule, wording_.same_name);
-  std::string line = "#    properties with same name : \"";
-  line.append(names_.names[same.front().first]).append("\" ");
-  finding.lines.push_back(std::move(line));
+  std::string words = "properties with same name : \"";
+  words.append(names_.names[same.front().first]).append("\" ");
+  finding.lines.push_back({kv_check_head::item, std::move(words)});
   return &finding;
 }

@@ -50,12 +50,13 @@ struct kv_sheet_check_t {
   kv_sheet_report_t report = {};
   kv_check_table_t port_names = {}, instance_names = {}, net_names = {}, frame_names = {};
 
-  kv_sheet_finding_t& add(kv_rule rule, const gx_owner_t& where, std::vector<std::string> lines) {
+  kv_sheet_finding_t& add(kv_rule rule, const gx_owner_t& where,
+                          std::vector<kv_check_line_t> lines) {
     return report.findings.emplace_back(kv_sheet_finding_t{rule, where, std::move(lines)});
   }
 };
 
-// A property that may stand once on an object. `extra` is the error of a second one.
+// A property that may stand once on an object. `extra` is what is said of a second one.
 struct kv_once_t {
   kv_rule rule;
   std::string_view name, extra;
@@ -75,8 +76,8 @@ class kv_object_check {
   kv_object_check(kv_sheet_check_t& check, const kv_wording_t& wording, const gx_owner_t& where)
       : check_(check), wording_(wording), where_(where) {}
 
-  // A finding of the object: the line, and where it is.
-  kv_sheet_finding_t& add(kv_rule rule, std::string_view line);
+  // A finding of the object: the words, and where it is.
+  kv_sheet_finding_t& add(kv_rule rule, std::string_view words);
   void add_name(const gx_object_property_rec_t& property);
   // Whether the property is the one that may stand once, and the first of it. `seen` keeps it.
   bool is_first(const kv_once_t& once, const gx_object_property_rec_t& property,

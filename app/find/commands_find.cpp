@@ -31,7 +31,7 @@ void go_to(kv_drawings_t& drawings, const kv_found_t& found, const kv_command_t&
                                 : "no such sheet : \"" + found.sheet_path + "\"";
   if (!fault.empty()) {
     kv_refuse(refused, command, "# !! Error : Drawing not as it was expanded ? ", 3);
-    return gx_tell("# !! ", fault);
+    return gx_tell_detail("# !! ", fault);
   }
   gx_tell(" FINd PATh ", found.path, "  ", found.what, " ", handle_of(found), " ");
 }
@@ -67,7 +67,7 @@ void kv_find_path_cmd(const kv_command_t& command) {
   const kv_search_t search = kv_search_path(drawings, word, most_listed + 1);
   if (search.found.empty()) {
     kv_refuse(refused, command, "# !! Error : Path not found ? ", 3);
-    return gx_tell_quoted("# !! The longest part that exists : ", search.longest);
+    return kv_tell_search_end("", search);
   }
   if (search.found.size() == 1) return go_to(drawings, search.found.front(), command);
   list_found(search.found, command);
@@ -79,7 +79,7 @@ void kv_view_last_cmd(const kv_command_t& command) {
   if (!view) return kv_refuse(refused_last, command, "# !! Error : NO view to go back to ? ", 3);
   if (const std::string fault = kv_go_back(*view); !fault.empty()) {
     kv_refuse(refused_last, command, "# !! Error : No Sheet Available ? : ", 3);
-    return gx_tell("# !! ", fault);
+    return gx_tell_detail("# !! ", fault);
   }
   gx_tell(" VIEw LASt ");
 }

@@ -35,15 +35,16 @@ class hierarchy_lister {
 
  private:
   // The blocks to go on with.
-  std::vector<int> list_sheet(const kv_walked_t& walked, const std::string& cell) {
-    std::vector<int> blocks;
+  std::vector<kv_next_t> list_sheet(const kv_walked_t& walked, const std::string& cell) {
+    std::vector<kv_next_t> blocks;
     if (is_full()) return blocks;
     const kv_sheet_t& sheet = drawings_.analysed(walked.component);
     tell(std::string(2 * walked.way.size(), ' ') + (walked.path.empty() ? "/" : walked.path) +
          "  " + cell + "  instances " + std::to_string(sheet.insts.size()) + "  nets " +
          std::to_string(sheet.groups.size()));
     for (const auto& inst : sheet.insts) {
-      if (!inst.is_primitive) blocks.push_back(inst.object_id);
+      if (!inst.is_primitive)
+        blocks.push_back({inst.object_id, std::string(sheet.view(inst.suffix).substr(1))});
     }
     return blocks;
   }
@@ -78,8 +79,7 @@ std::optional<root_t> wanted_root(kv_drawings_t& drawings, const kv_command_t& c
     }
   }
   kv_refuse(refused, command, "# !! Error : Path not found ? ", 3);
-  gx_tell_quoted(search.found.empty() ? "# !! The longest part that exists : " : "# !! No block : ",
-                 search.found.empty() ? search.longest : search.found.front().path);
+  kv_tell_search_end("No block", search);
   return std::nullopt;
 }
 
@@ -95,7 +95,7 @@ void kv_list_hierarchy_cmd(const kv_command_t& command) {
   const std::string path = std::string(gx_view(gx_files.filear[top].dirname)) + "/hierarchy";
   const auto not_written = [&] {
     kv_refuse(refused, command, "# !! Error : File not written ? ", 3);
-    gx_tell("# !! ", path, " : ", x_why(errno));
+    gx_tell_detail("# !! ", path, " : ", x_why(errno));
   };
   x_file file = x_create_file(path, false);
   if (!file) return not_written();

@@ -33,13 +33,21 @@ class drawing_walk {
 
   void visit(kv_component_t& component, const std::string& path) {
     const kv_walked_t walked{component, path, way_};
-    const std::vector<int> insts = visitor_(walked);
+    std::vector<kv_next_t> all = visitor_(walked);
     if (static_cast<int>(way_.size()) + 1 >= kv_max_levels) return;
-    for (const int inst : insts) {
-      const auto directory = kv_sheet_directory(walked.sheet(), inst);
-      auto* below = drawings_.component_in(directory);
+    // Instances of one symbol mostly follow one another: its sheet is looked up once.
+    int symbol = -1;
+    gx_string_record_t directory;
+    kv_component_t* below = nullptr;
+    for (auto& next : all) {
+      const auto* inst = gx_object_as<gx_object_instance_rec_t>(walked.sheet(), next.inst);
+      if (inst->symbol != symbol) {
+        symbol = inst->symbol;
+        directory = kv_sheet_directory(walked.sheet(), next.inst);
+        below = drawings_.component_in(directory);
+      }
       if (below == nullptr) continue;
-      way_.push_back({inst, lb_inst_name(walked.sheet(), inst), directory});
+      way_.push_back({next.inst, std::move(next.name), directory});
       visit(*below, path + "/" + way_.back().name);
       way_.pop_back();
     }
@@ -70,18 +78,18 @@ std::optional<kv_way_t> kv_way_to(kv_drawings_t& drawings, std::string_view shee
   std::optional<kv_way_t> way;
   // Names may hold a "/" themselves, so every instance whose name the path goes on with is tried.
   const auto visit = [&](const kv_walked_t& walked) {
-    std::vector<int> insts;
-    if (way) return insts;
+    std::vector<kv_next_t> all;
+    if (way) return all;
     if (walked.path.size() == wanted.size()) {
       way = walked.way;
-      return insts;
+      return all;
     }
     for (const int inst : lb_instances(walked.sheet())) {
       if (gx_inq_object_deleted(walked.sheet(), inst)) continue;
-      if (begins_with(wanted, walked.path + "/" + lb_inst_name(walked.sheet(), inst)))
-        insts.push_back(inst);
+      std::string name = lb_inst_name(walked.sheet(), inst);
+      if (begins_with(wanted, walked.path + "/" + name)) all.push_back({inst, std::move(name)});
     }
-    return insts;
+    return all;
   };
   if (auto* top = drawings.top_component()) kv_walk_drawings(drawings, *top, "", visit);
   return way;

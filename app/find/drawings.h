@@ -44,8 +44,13 @@ struct kv_walked_t {
   const kv_way_t& way;      // from where the walk began
   const gx_file_gene_recf_t& sheet() const { return *component.file; }
 };
-// At each visit of a sheet: the instances to go into, in this order.
-using kv_drawing_visitor_t = std::function<std::vector<int>(const kv_walked_t& walked)>;
+// An instance to go into, and its name.
+struct kv_next_t {
+  int inst;
+  std::string name;
+};
+// At each visit of a sheet: where to go, in this order.
+using kv_drawing_visitor_t = std::function<std::vector<kv_next_t>(const kv_walked_t& walked)>;
 // Visits a sheet, whose path is given, and the sheets below it, each as often as it is used;
 // kv_max_levels at most.
 void kv_walk_drawings(kv_drawings_t& drawings, kv_component_t& from, const std::string& path,

@@ -9,6 +9,7 @@
 #include "gx/db/object_access.h"
 #include "gx/db/objects_of.h"
 #include "gx/db/queries.h"
+#include "gx/text/message_list.h"
 #include "gx/text/strings.h"
 
 namespace {
@@ -116,6 +117,12 @@ kv_search_t kv_search_path(kv_drawings_t& drawings, std::string_view text, std::
   result.found = find(expanded, drawings, wanted, most);
   if (result.found.empty()) result.longest = longest_part(expanded, drawings, wanted);
   return result;
+}
+
+void kv_tell_search_end(std::string_view label, const kv_search_t& search) {
+  const bool is_none = search.found.empty();
+  gx_tell_detail("# !! ", is_none ? "The longest part that exists" : label, " : \"",
+                 is_none ? search.longest : search.found.front().path, "\"");
 }
 
 std::vector<std::int32_t> kv_search_nets(kv_drawings_t& drawings, std::string_view text,

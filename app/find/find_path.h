@@ -19,6 +19,9 @@ struct kv_search_t {
 };
 kv_search_t kv_search_path(kv_drawings_t& drawings, std::string_view text, std::size_t most);
 
+// After a refusal: what exists of the path, or `label` ("No block") and what it is instead.
+void kv_tell_search_end(std::string_view label, const kv_search_t& search);
+
 // The flat nets that bear a path in one of those forms; when none does, those that a pin of that
 // path is on. Each once, in the order of the index. Asks the expansion, which must be there.
 std::vector<std::int32_t> kv_search_nets(kv_drawings_t& drawings, std::string_view text,

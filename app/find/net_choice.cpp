@@ -34,8 +34,7 @@ std::optional<std::vector<std::int32_t>> kv_wanted_nets(std::string_view keyword
     if (!nets.empty()) return nets;
     refuse("# !! Error : Net NOT FOUND ? ");
     const auto search = kv_search_path(drawings, command.word(3), 1);
-    gx_tell_quoted(search.found.empty() ? "# !! The longest part that exists : " : "# !! No net : ",
-                   search.found.empty() ? search.longest : search.found.front().path);
+    kv_tell_search_end("No net", search);
     return std::nullopt;
   }
   const auto view = kv_edit_view();

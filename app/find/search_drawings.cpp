@@ -15,9 +15,10 @@ class drawing_search {
       : drawings_(drawings), key_(key), is_beginning_(is_beginning), most_(most) {}
 
   // Takes what is on a sheet; the blocks below which more may be found.
-  std::vector<int> visit(const kv_walked_t& walked) {
+  std::vector<kv_next_t> visit(const kv_walked_t& walked) {
     const auto& sheet = walked.sheet();
-    std::vector<int> parts, blocks;
+    std::vector<int> parts;
+    std::vector<kv_next_t> blocks;
     if (is_full()) return blocks;
     for (const int inst : lb_instances(sheet)) {
       if (is_part(sheet, inst)) parts.push_back(inst);
@@ -29,8 +30,9 @@ class drawing_search {
     for (const int inst : parts) take_pins(sheet, inst, walked.path);
     for (const int inst : parts) {
       if (is_full()) break;
-      const bool may_hold = may_be_below(walked.path + "/" + lb_inst_name(sheet, inst));
-      if (may_hold && !kv_found_primitive(kv_sext, sheet, inst)) blocks.push_back(inst);
+      std::string name = lb_inst_name(sheet, inst);
+      if (may_be_below(walked.path + "/" + name) && !kv_found_primitive(kv_sext, sheet, inst))
+        blocks.push_back({inst, std::move(name)});
     }
     return blocks;
   }

@@ -17,9 +17,14 @@ void kv_echo(std::string_view keyword, const kv_command_t& command, int first) {
 
 void kv_refuse(std::string_view keyword, const kv_command_t& command, std::string_view error,
                int first) {
-  const bool warns = gx_kind_of_line(error) == gx_line_kind::warning;
   kv_echo(keyword, command, first);
-  gx_display_list(error, warns ? gx_line_kind::warning : gx_line_kind::error);
+  gx_display_list(error, gx_line_kind::error);
+}
+
+void kv_warn(std::string_view keyword, const kv_command_t& command, std::string_view warning,
+             int first) {
+  kv_echo(keyword, command, first);
+  gx_display_list(warning, gx_line_kind::warning);
 }
 
 std::optional<bool> kv_on_or_off(std::string_view word, std::string_view least_off) {

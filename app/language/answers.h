@@ -14,6 +14,9 @@ void kv_echo(std::string_view keyword, const kv_command_t& command, int first = 
 // The same and then the error line.
 void kv_refuse(std::string_view keyword, const kv_command_t& command, std::string_view error,
                int first = 2);
+// The same for what is no error.
+void kv_warn(std::string_view keyword, const kv_command_t& command, std::string_view warning,
+             int first = 2);
 // ON or OFF, of which `least_off` has to be there; nothing for another word.
 std::optional<bool> kv_on_or_off(std::string_view word, std::string_view least_off = "OF");
 // A typed text without its quotes: what lies between the first quote and the next equal one,

@@ -45,10 +45,10 @@ void call_procedure(const procedure_command_t& kind, const kv_command_t& command
   gx_concat_all(symbol, kind.prefix, command.word(2));
   const auto address = xm_get_extid_offset(executable.char_, symbol.char_, entry_section);
   if (address == 0) {
-    gx_count_error();
     gx_debug(kind.not_found, static_cast<int>(command.word(2).size()), command.word(2).data());
     kv_echo(kind.keyword, command);
-    return gx_tell("# !!! Error : Procedure Entry not found : \"", command.word(2), "\" ");
+    return gx_report(gx_line_kind::error, "# !!! Error : Procedure Entry not found : \"",
+                     command.word(2), "\" ");
   }
   kv_echo(kind.keyword, command);
   // Entry 0 holds a blank and word 3, entry k word k + 3.
@@ -83,7 +83,7 @@ void show_help(const kv_command_t& command, std::string_view file, std::string_v
   const gx_string_record_t path = help_path(file);
   if (gx_display_file_invplist(gx_view(path))) return kv_echo(" HELp ", command);
   kv_refuse("# HELp ", command, error);
-  gx_tell("# !! : \"", gx_view(path), "\" ");
+  gx_tell_detail("# !! : \"", gx_view(path), "\" ");
 }
 
 // The help file of the command that the word means: one that it would run, else the first whose
@@ -121,7 +121,7 @@ void kv_showfile_cmd(const kv_command_t& command) {
   if (!gx_display_file_invplist(kv_file_name(command.word(3)), kv_stop_asked)) {
     const int error = errno;
     kv_refuse(refused, command, "# !! Error : File not found  or Invalid ? ", 3);
-    if (error != 0 && !x_is_missing(error)) gx_tell("# !! ", x_why(error));
+    if (error != 0 && !x_is_missing(error)) gx_tell_detail("# !! ", x_why(error));
     return;
   }
   kv_echo(" SHOw FILe ", command, 3);
@@ -132,7 +132,7 @@ void kv_list_object_cmd(const kv_command_t& command) {
   if (kv_pext.file_id_cur < 1) return kv_refuse(refused, command, kv_no_sheet, 3);
   if (const auto why = gx_object_list(kv_pext.file_id_cur); !why.empty()) {
     kv_refuse(refused, command, "# !! Error : impossible to write the file : ", 3);
-    return gx_tell("# !! ", why);
+    return gx_tell_detail("# !! ", why);
   }
   kv_echo(" LIST OBJect ", command, 3);
 }

@@ -61,7 +61,7 @@ void kv_expand_cmd(const gx_string_record_t& line) {
   if (words.count == 0) return;
   const gx_string_record_t result = completed(words);
   if (result.len == 0) {
-    gx_tell("#  !! Unknown Command or not implemented for expand  ?? ");
+    gx_tell_as(gx_line_kind::error, "#  !! Unknown Command or not implemented for expand  ?? ");
     gx_tell("# cmd :  \"", gx_view(text), "\"");
     return;
   }

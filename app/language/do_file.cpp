@@ -18,9 +18,8 @@ constexpr std::int16_t max_do_depth = 10;
 constexpr std::string_view keyword = "# DO ";
 
 void refuse(const kv_command_t& command, std::string_view error) {
-  gx_count_error();
   kv_echo(keyword, command);
-  gx_display_list(error);
+  gx_report(gx_line_kind::error, error);
 }
 
 void refuse_name(const kv_command_t& command, std::string_view error) {
@@ -46,7 +45,7 @@ void kv_do_cmd(const kv_command_t& command) {
     gx_vext.do_ind = depth;  // until the line or the file that says so has ended
     if (x_is_missing(error)) return refuse_name(command, "# !!! Error : file not found : ");
     refuse_name(command, "# !!! Error : impossible to open the file : ");
-    return gx_tell("# !! ", x_why(error));
+    return gx_tell_detail("# !! ", x_why(error));
   }
   if (gx_is_session_file(fileno(file.get())))
     return refuse(command, "# !! Error : File not found  or Invalid ? ");

@@ -50,13 +50,13 @@ void substitute(gx_string_record_t& piece, std::string_view letters,
   const kv_substitution_t result = kv_substitute(piece, letters, values);
   piece = result.text;
   if (result.valid) return;
-  gx_tell("# Error on : \"", gx_view(piece), "\" ");
-  gx_tell_as(gx_line_kind::detail, "# Found invalid ", letters, "(n) in command line ");
+  gx_tell_as(gx_line_kind::error, "# Error on : \"", gx_view(piece), "\" ");
+  gx_tell_detail("# Found invalid ", letters, "(n) in command line ");
 }
 
 void show_unknown(const gx_string_record_t& piece) {
-  gx_tell("#  !!! Unknown Command  ?? ");
-  gx_tell_as(gx_line_kind::detail, "# \"", gx_view(piece), "\" ");
+  gx_tell_as(gx_line_kind::error, "#  !!! Unknown Command  ?? ");
+  gx_tell_detail("# \"", gx_view(piece), "\" ");
 }
 
 bool is_quote(char c) { return c == '\'' || c == '"'; }
@@ -169,9 +169,8 @@ void kv_process_command(const gx_string_record_t& line, kv_array_param_t& args,
   gx_debug(" KV_PROCESS_COMMAND :  cmd :\"%.*s\"\n", text.len, text.char_);
   const depth_guard guard;
   if (guard.depth > max_depth) {
-    gx_count_error();
-    gx_tell("# !!! Error : too many nested commands : \"", gx_view(text), "\" ");
-    return;
+    return gx_report(gx_line_kind::error, "# !!! Error : too many nested commands : \"",
+                     gx_view(text), "\" ");
   }
   set_executing(true);
   std::int32_t pos = 1;

@@ -29,7 +29,7 @@ void refuse(std::string_view text) {
                 static_cast<int>(text.size()), text.data());
     return;
   }
-  gx_tell("!! Warning : Invalid command to exec ....");
+  gx_tell_as(gx_line_kind::warning, "!! Warning : Invalid command to exec ....");
   gx_tell(text);
 }
 
@@ -63,9 +63,8 @@ void kv_exec_cmd(std::string_view text) {
   wait_and_sync(before_start_ms);
   auto shell = std::make_unique<x_shell>(command.c_str(), kv_stop_asked);
   if (shell->output() == nullptr) {
-    gx_count_error();
-    gx_tell("# !!! Error :  Command not found or not executable ?? ");
-    gx_tell("# !!!  \"", command, "\" ");
+    gx_report(gx_line_kind::error, "# !!! Error :  Command not found or not executable ?? ");
+    gx_tell_detail("# !!!  \"", command, "\" ");
     return refuse(command);
   }
   wait_and_sync(after_start_ms);

@@ -142,7 +142,7 @@ void kv_run_cmd(const kv_command_t&) {
   // A key file may say RUN before the session is complete.
   if (kv_sext.designfile == -1) {
     gx_tell("# RUN ");
-    return gx_tell(kv_no_sheet);
+    return gx_display_list(kv_no_sheet, gx_line_kind::error);
   }
   const kv_run_result result = kv_run_expansion({.setup = kv_sext,
                                                  .design = kv_sext,

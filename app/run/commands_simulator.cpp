@@ -64,14 +64,14 @@ void plot_request::add_net(int net) {
   const std::int32_t flat_net = kv_find_net_rel(sheet_path(), name);
   if (flat_net == 0) {
     kv_refuse("# Give ", command_, "# !! Error : Net NOT FOUND ? ");
-    return gx_tell_as(gx_line_kind::detail, "# Net : \"", name, "\"");
+    return gx_tell_detail("# Net : \"", name, "\"");
   }
   add_item(kv_simulator_name(kv_string_view(kv_ptrto_net_rec(flat_net).sim_path)));
 }
 
 void tell_pin_not_found(std::string_view inst_name, std::string_view pin_name) {
-  gx_tell("# !! Error :  Pin NOT FOUND in Data Base? ");
-  gx_tell_as(gx_line_kind::detail, "# INST : \"", inst_name, "\" PIN : \"", pin_name, "\"");
+  gx_tell_as(gx_line_kind::error, "# !! Error :  Pin NOT FOUND in Data Base? ");
+  gx_tell_detail("# INST : \"", inst_name, "\" PIN : \"", pin_name, "\"");
 }
 
 void plot_request::add_pin(std::string_view inst_name, std::string_view pin_name) {
@@ -91,8 +91,9 @@ void plot_request::add_subcircuit_pin(gx_pin_pair_t pair, std::string_view inst_
   if (!imac) imac = lb_get_valueof_prop_pin(file_, pair.pin, "IMAC");
   const std::string_view shape = imac ? without_quotes(gx_view(*imac)) : std::string_view();
   if (shape.empty()) {
-    return gx_tell("# !! Warning : No Valid Property IMAC on selected pin(s) of INSTance '",
-                   inst_name, "' ", " PIN : '", pin_name, "' ?");
+    return gx_tell_as(gx_line_kind::warning,
+                      "# !! Warning : No Valid Property IMAC on selected pin(s) of INSTance '",
+                      inst_name, "' ", " PIN : '", pin_name, "' ?");
   }
   const std::string instance =
       kv_simulator_name(std::string(sheet_path()) + std::string(inst_name));
@@ -120,9 +121,9 @@ void plot_request::add_pins(int inst) {
     auto name = lb_get_valueof_prop_pin(file_, pair.pin, "PIN");
     if (!name) name = lb_get_valueof_prop_pinpropfam(file_, pair.pinpropfam, "PIN");
     if (!name || name->len == 0) {
-      gx_tell("# !! Error : Property 'PIN' NOT FOUND on pin selected ? ");
-      gx_tell_as(gx_line_kind::detail, "# INST : \"", inst_name, "\" Pin selected : \"P_",
-                 std::to_string(pair.pinpropfam), "\"");
+      gx_tell_as(gx_line_kind::error, "# !! Error : Property 'PIN' NOT FOUND on pin selected ? ");
+      gx_tell_detail("# INST : \"", inst_name, "\" Pin selected : \"P_",
+                     std::to_string(pair.pinpropfam), "\"");
       continue;
     }
     any_named = true;
@@ -133,8 +134,9 @@ void plot_request::add_pins(int inst) {
     }
   }
   if (any_selected && !any_named) {
-    gx_tell("# !! Warning : No Valid Property Pin on selected pin(s) of the INSTance '", inst_name,
-            "' ?");
+    gx_tell_as(gx_line_kind::warning,
+               "# !! Warning : No Valid Property Pin on selected pin(s) of the INSTance '",
+               inst_name, "' ?");
   }
 }
 

@@ -132,7 +132,8 @@ void run_helper(std::string_view program) {
     const cleared_screen_t cleared;
     kv_exec_cmd(program);
   } else {
-    gx_display_list("!! Warning : Your Caps Lock Key in ON , So RELEASE IT FIRST Please !! ");
+    gx_display_list("!! Warning : Your Caps Lock Key in ON , So RELEASE IT FIRST Please !! ",
+                    gx_line_kind::warning);
   }
 }
 

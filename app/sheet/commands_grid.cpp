@@ -81,7 +81,7 @@ void kv_grid_step_cmd(const kv_command_t& command) {
   if (step.error) return kv_refuse(refused, command, "# ! Grid step INVALID ? ", 3);
   if (step.value < gx_snap_step) {
     step.value = gx_snap_step;
-    gx_tell("# ! Grid step : Too Small (change to minimum step) ? ");
+    gx_tell_detail("# ! Grid step : Too Small (change to minimum step) ? ");
   }
   gx_set_grid_step(view.file(), step.value);
   kv_redraw_views();

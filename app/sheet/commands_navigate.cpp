@@ -37,7 +37,7 @@ void refuse_quoted(std::string_view keyword, const kv_command_t& command, std::s
     line += "\"" + std::string(command.word(n)) + "\"   ";
   }
   gx_tell(line);
-  gx_tell(error);
+  gx_display_list(error, gx_line_kind::error);
 }
 
 void refuse_down(const kv_command_t& command, std::string_view error) {
@@ -78,7 +78,7 @@ gx_string_record_t directory_of(const gx_file_gene_recf_t& file, int inst,
   const auto& symbol = gx_symbol_info_ptr(file, gx_instance_info_ptr(file, inst).symbol);
   gx_trace(" VIEW_DOWN_CMD  :invalid : file path  : \"", gx_view(symbol.path), "\"");
   refuse_down(command, "# !! Error : Symbol path without version ? : ");
-  gx_tell("# !! \"", gx_view(symbol.path), "\" ");
+  gx_tell_detail("# !! \"", gx_view(symbol.path), "\" ");
   return {};
 }
 
@@ -89,13 +89,13 @@ bool open_at(int level, const gx_string_record_t& directory, const kv_command_t&
   if (opened == kv_opened::yes) return true;
   if (fault) {
     kv_refuse("# VIEw DOWn  ", command, "# !! Error : No Sheet Available ? : ", 3);
-    if (!why.empty()) gx_tell("# !! ", gx_view(directory), "/sheet.gx : ", why);
+    if (!why.empty()) gx_tell_detail("# !! ", gx_view(directory), "/sheet.gx : ", why);
     return false;
   }
   refuse_down(command, reopened ? "# !! Error : Sheet not found ? : "
                                 : "# !! Error : Sheet not found or Invalid ? : ");
-  gx_tell(reopened ? "# !! \"" : "# !! : \"", gx_view(directory), "\" ");
-  if (!why.empty()) gx_tell("# !! ", why);
+  gx_tell_detail(reopened ? "# !! \"" : "# !! : \"", gx_view(directory), "\" ");
+  if (!why.empty()) gx_tell_detail("# !! ", why);
   return false;
 }
 

@@ -68,7 +68,7 @@ void run_area(const area_command_t& what, const kv_command_t& command) {
   if (!area) return;
   gx_undo_define_new_step();
   if (!what.scan(*kind, view->file_index, area->p1, area->p2)) {
-    return kv_refuse(what.refused, command, what.nothing, 3);
+    return kv_warn(what.refused, command, what.nothing, 3);
   }
   kv_redraw_views();
   kv_echo(std::string(what.done) + std::string(view->name()), command, 3);

@@ -84,7 +84,8 @@ void kv_change_prop_switches_cmd(const kv_command_t& command) {
   const bool visible = gx_equal("V", command.word(4));
   if (!visible && !gx_equal("N", command.word(4))) {
     kv_echo(refused, command, 4);
-    return gx_tell("# !! Error : switches invalid : \"", command.word(4), "\" ");
+    return gx_tell_as(gx_line_kind::error, "# !! Error : switches invalid : \"", command.word(4),
+                      "\" ");
   }
   const auto view = kv_edit_view();
   if (!view.has_sheet()) return kv_refuse(refused, command, kv_no_sheet, 4);
@@ -110,7 +111,7 @@ void kv_change_prop_switches_cmd(const kv_command_t& command) {
     gx_set_object_unvisible(file, id, !visible);
   }
   if (!found) {
-    return kv_refuse(refused, command, "# !! Warning : Nothing Valid Selected  ? ", 4);
+    return kv_warn(refused, command, "# !! Warning : Nothing Valid Selected  ? ", 4);
   }
   kv_redraw_views();
   gx_tell(" CHAnge PROperty SWItches ", visible ? " Visible " : " Novisible ");

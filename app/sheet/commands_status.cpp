@@ -221,7 +221,8 @@ void kv_status_object_cmd(const kv_command_t& command) {
     const auto id = gx_string_to_int16(command.word(4));
     if (id.error) {
       kv_echo(refused, command, 3);
-      return gx_tell("# !! Error :  4 th  parameter incorrect ? \"", command.word(4), "\" ");
+      return gx_tell_as(gx_line_kind::error, "# !! Error :  4 th  parameter incorrect ? \"",
+                        command.word(4), "\" ");
     }
     if (!gx_object_id_ok(file, id.value) || gx_inq_object_deleted(file, id.value)) {
       return kv_refuse(refused, command,
@@ -258,7 +259,7 @@ void kv_status_prop_cmd(const kv_command_t& command) {
                       .symbol = "# !! You Cannot Status the activate symbol ?  "});
   if (!view) return;
   if (!show_selected_properties(view->file())) {
-    return kv_refuse(refused, command, nothing_valid, 3);
+    return kv_warn(refused, command, nothing_valid, 3);
   }
   gx_tell(" STAtus PROperty ", view->name());
 }
@@ -267,7 +268,7 @@ void kv_show_link_cmd(const kv_command_t& command) {
   constexpr std::string_view refused = "# SHOw LINk ";
   const auto view = view_to_inspect(refused, command);
   if (!view) return;
-  if (!show_links(*view)) return kv_refuse(refused, command, nothing_valid, 3);
+  if (!show_links(*view)) return kv_warn(refused, command, nothing_valid, 3);
   gx_tell(" SHOw LINk ", view->name());
 }
 

@@ -34,8 +34,8 @@ gx_string_record_t searched_path(const kv_command_t& command) {
 void refuse_file(std::string_view keyword, const kv_command_t& command, std::string_view error,
                  const gx_string_record_t& path, const std::string& why) {
   kv_echo(keyword, command, 3);
-  gx_tell(error, "\"", gx_view(path), "\" ");
-  if (!why.empty()) gx_tell("# !! ", why);
+  gx_tell_as(gx_line_kind::error, error, "\"", gx_view(path), "\" ");
+  if (!why.empty()) gx_tell_detail("# !! ", why);
 }
 
 void show_in_context(gx_file_index_t file_index) {

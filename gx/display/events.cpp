@@ -159,7 +159,8 @@ std::uint32_t key_meaning(XKeyEvent& key, const char* too_long) {
 void caps_lock_pressed(std::uint32_t modifiers) {
   gx_vext.CapsLockState = static_cast<std::int32_t>(modifiers);
   if (modifiers == 0) {
-    gx_display_list("!! Warning : Your Caps Lock Key in ON , So RELEASE IT PLEASE !! ");
+    gx_display_list("!! Warning : Your Caps Lock Key in ON , So RELEASE IT PLEASE !! ",
+                    gx_line_kind::warning);
   }
 }
 

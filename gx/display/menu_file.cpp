@@ -27,9 +27,8 @@ std::string quoted(std::string_view head, std::string_view text) {
 }
 
 void show_error(std::string_view echo, std::string_view message, std::string_view text) {
-  gx_count_error();
   gx_display_list(echo);
-  gx_display_list(quoted(message, text), gx_line_kind::error);
+  gx_report(gx_line_kind::error, quoted(message, text));
 }
 
 void refuse_line(std::string_view trace, std::string_view message, std::string_view line) {
@@ -125,7 +124,7 @@ void gx_read_menu(std::string_view path) {
                is_missing ? "# !!! error : file not found : "
                           : "# !!! error : impossible to open the file : ",
                path);
-    if (!is_missing) gx_tell("# !! ", x_why(error));
+    if (!is_missing) gx_tell_detail("# !! ", x_why(error));
     return;
   }
   gx_clear_menus();

@@ -7,7 +7,8 @@
 #include <cstdlib>
 #include <string_view>
 
-// What a line means to the one who reads it; the worse the larger.
+// What a line means to the one who reads it; the worse the larger. A detail says more about the
+// warning or error before.
 enum class gx_line_kind : std::uint8_t { plain, detail, warning, error };
 
 // The defaults are those of a user at a window.

@@ -8,7 +8,6 @@
 #include <deque>
 #include <limits>
 #include <string>
-#include <utility>
 
 #include "gx/text/at.h"
 #include "gx/text/debug.h"
@@ -22,7 +21,6 @@ constexpr std::size_t max_line_length = 199;
 constexpr int lines_between_looks = 100;
 
 gx_list_drawer_t draw_list = nullptr;
-gx_list_catcher::take_t catcher;
 
 std::deque<std::string> waiting;  // the last lines of a batch
 bool is_batch = false;
@@ -111,23 +109,10 @@ void record(std::string_view text, gx_line_kind kind) {
 
 }  // namespace
 
-gx_line_kind gx_kind_of_line(std::string_view text) {
-  const std::size_t mark = text.find_first_not_of("# ");
-  const std::size_t word = text.find_first_not_of("# !?");
-  const bool is_marked = mark != std::string_view::npos && (text[mark] == '!' || text[mark] == '?');
-  if (word == std::string_view::npos) return gx_line_kind::plain;
-  const std::string_view words = text.substr(word);
-  if (text[0] == '#' && words.starts_with("Error on")) return gx_line_kind::error;
-  if (!is_marked) return gx_line_kind::plain;
-  if (gx_equal("ERROR", words) || gx_equal("UNKNOWN COMMAND", words)) return gx_line_kind::error;
-  return gx_equal("WARNING", words) ? gx_line_kind::warning : gx_line_kind::detail;
-}
-
-void gx_display_list(std::string_view text, gx_line_kind at_least) {
+void gx_display_list(std::string_view text, gx_line_kind kind) {
   text = text.substr(0, max_line_length);
   if (text.empty()) return;
-  if (catcher) return catcher(text);
-  record(text, std::max(gx_kind_of_line(text), at_least));
+  record(text, kind);
   if (!is_kept()) return;
   if (is_batch) {
     waiting.emplace_back(text);
@@ -149,10 +134,10 @@ gx_list_batch_t::~gx_list_batch_t() {
   waiting.clear();
 }
 
-void gx_tell_parts(std::span<const std::string_view> parts, gx_line_kind at_least) {
+void gx_tell_parts(std::span<const std::string_view> parts, gx_line_kind kind) {
   std::string line;
   for (const std::string_view part : parts) line += part;
-  gx_display_list(line, at_least);
+  gx_display_list(line, kind);
 }
 
 // The listing of a session file would itself make it grow.
@@ -189,24 +174,13 @@ bool gx_display_file_invplist(std::string_view path, bool (*stop_asked)()) {
 
 void gx_list_follow() { gx_list.nlinlist_held = 0; }
 
-void gx_count_error() {
-  ++gx_session.errors_in_all;
-  count(gx_session.num_errors);
-}
-void gx_count_warning() { count(gx_session.num_warnings); }
-
-gx_list_catcher::gx_list_catcher(take_t take)
-    : errors_(gx_session.num_errors),
-      warnings_(gx_session.num_warnings),
-      errors_in_all_(gx_session.errors_in_all) {
-  catcher = std::move(take);
-}
-
-gx_list_catcher::~gx_list_catcher() {
-  catcher = nullptr;
-  gx_session.num_errors = errors_;
-  gx_session.num_warnings = warnings_;
-  gx_session.errors_in_all = errors_in_all_;
+void gx_count_kind(gx_line_kind kind) {
+  if (kind == gx_line_kind::error) {
+    ++gx_session.errors_in_all;
+    count(gx_session.num_errors);
+  } else if (kind == gx_line_kind::warning) {
+    count(gx_session.num_warnings);
+  }
 }
 
 void gx_set_list_drawer(gx_list_drawer_t drawer) { draw_list = drawer; }

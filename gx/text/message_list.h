@@ -4,7 +4,6 @@
 
 #include <array>
 #include <cstdint>
-#include <functional>
 #include <span>
 #include <string_view>
 
@@ -28,30 +27,35 @@ struct gx_list_state_t {
 // The part of gx_vext that this room and those above it may touch.
 extern gx_list_state_t& gx_list;
 
-// The kind of a line by the words that all messages begin with: "# !! Error : ...", "# !! Warning :
-// ...", "#  !!! Unknown Command ..."; a detail is another line behind such marks.
-gx_line_kind gx_kind_of_line(std::string_view text);
-
 // Tells one line (at most 199 characters are kept): always written to the session file; kept in
-// the scroll-back and drawn while the transcript is on. An empty text does nothing. The line is of
-// the kind that its words say, or of the kind `at_least`.
-void gx_display_list(std::string_view text, gx_line_kind at_least = gx_line_kind::plain);
+// the scroll-back and drawn while the transcript is on. An empty text does nothing.
+void gx_display_list(std::string_view text, gx_line_kind kind = gx_line_kind::plain);
 
 // The parts joined, as one line.
-void gx_tell_parts(std::span<const std::string_view> parts, gx_line_kind at_least);
+void gx_tell_parts(std::span<const std::string_view> parts, gx_line_kind kind);
 template <typename... Part>
-void gx_tell_as(gx_line_kind at_least, const Part&... part) {
+void gx_tell_as(gx_line_kind kind, const Part&... part) {
   const std::string_view parts[] = {std::string_view(part)...};
-  gx_tell_parts(parts, at_least);
+  gx_tell_parts(parts, kind);
 }
 template <typename... Part>
 void gx_tell(const Part&... part) {
   gx_tell_as(gx_line_kind::plain, part...);
 }
-// `label`, then `text` in double quotes, then `tail`.
-inline void gx_tell_quoted(std::string_view label, std::string_view text,
-                           std::string_view tail = {}) {
-  gx_tell(label, "\"", text, "\"", tail);
+// A line that says more about the one before.
+template <typename... Part>
+void gx_tell_detail(const Part&... part) {
+  gx_tell_as(gx_line_kind::detail, part...);
+}
+
+// Counts an error or a warning for the session; the counters stop at their largest value.
+void gx_count_kind(gx_line_kind kind);
+inline void gx_count_error() { gx_count_kind(gx_line_kind::error); }
+// A line that counts as what it is.
+template <typename... Part>
+void gx_report(gx_line_kind kind, const Part&... part) {
+  gx_tell_as(kind, part...);
+  gx_count_kind(kind);
 }
 
 // While one lives, the lines that are told are gathered, and written to the session file and drawn
@@ -77,25 +81,6 @@ bool gx_display_file_invplist(std::string_view path, bool (*stop_asked)() = null
 
 // The list shows its end again when the next line comes: a new command begins.
 void gx_list_follow();
-
-// The counters of the session stop at their largest value.
-void gx_count_error();
-void gx_count_warning();
-
-// While a catcher lives, lines go to it and nowhere else, and what is counted is not kept: for what
-// one command asks another's rooms. Catchers do not nest.
-class gx_list_catcher {
- public:
-  using take_t = std::function<void(std::string_view line)>;
-  explicit gx_list_catcher(take_t take);
-  ~gx_list_catcher();
-  gx_list_catcher(const gx_list_catcher&) = delete;
-  gx_list_catcher& operator=(const gx_list_catcher&) = delete;
-
- private:
-  std::int16_t errors_, warnings_;
-  std::int64_t errors_in_all_;
-};
 
 // What draws the list after it changed; none at first.
 using gx_list_drawer_t = void (*)();
