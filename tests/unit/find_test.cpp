@@ -2,6 +2,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <fstream>
+
 #include "app/find/go_to.h"
 #include "expand/store.h"
 #include "gx/db/geometry.h"
@@ -104,6 +106,8 @@ sheet top
     wire XR.Q XS.D
   net GROUND
     wire XS.Q 22,5
+  net L%2FN%2520
+    wire 2,20 22,20
 )";
 
 // A session with a design that may be expanded.
@@ -135,6 +139,7 @@ class Find : public testing::TestWithParam<bool> {
 };
 
 TEST_P(Find, AnyFormOfAPathLeadsToItsPlace) {
+  std::ofstream("references") << "/XR/MP2 Q6\n/XS/MP2 Q7\n";
   struct {
     const char* typed;
     const char* found;  // path and what it is
@@ -149,6 +154,13 @@ TEST_P(Find, AnyFormOfAPathLeadsToItsPlace) {
       {"/XR/d", "/XR/D  pin", "1 "},
       {"0", "/GROUND  net", "1 "},
       {"/XS/MID*", "/XS/MID  net", "2 XS/"},
+      {"'/xr/mp1'", "/XR/MP1  instance", "2 XR/"},
+      {"/XR/", "/XR  block", "1 "},
+      {"*s/mp1*", "/XS/MP1  instance", "2 XS/"},
+      {"*lin*", "/LINK  net", "1 "},
+      {"L/N%20", "/L%2FN%2520  net", "1 "},
+      {"Q7", "/XS/MP2  instance", "2 XS/"},
+      {"q7.d", "/XS/MP2/D  pin", "2 XS/"},
   };
   for (const auto& [typed, found, at] : cases) {
     const auto lines = s.run("find path " + std::string(typed));
@@ -254,7 +266,7 @@ TEST_P(Find, AHighlightFollowsTheViewAndTheRuns) {
 }
 
 TEST_P(Find, TheTreeOfBlocksIsListedAndWritten) {
-  const lines_t tree = {"# /  top  instances 2  nets 3", "#   /XR  bit  instances 2  nets 3",
+  const lines_t tree = {"# /  top  instances 2  nets 4", "#   /XR  bit  instances 2  nets 3",
                         "#   /XS  bit  instances 2  nets 3", " LIST HIErarchy "};
   EXPECT_EQ(s.run("list hierarchy"), tree);
   lines_t written = s.directory().lines("top/hierarchy");
