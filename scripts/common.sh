@@ -1,9 +1,9 @@
 # What run-example and run-tests share: Debian packages, the build, a private X server.
 # Sourced, with the top of the project as current directory.
 
-packages=(cmake ninja-build g++ ccache pkg-config libx11-dev libxtst-dev libgtest-dev
+packages=(cmake ninja-build g++ ccache pkg-config libx11-dev libxtst-dev libgtest-dev libsqlite3-dev
           libbenchmark-dev xvfb xauth xdotool imagemagick ngspice hp2xx
-          python3 clang-format)
+          python3 clang-format iverilog)
 
 # Installs what is missing of the packages; touches nothing when all are there.
 install_packages() {
