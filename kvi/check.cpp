@@ -260,7 +260,7 @@ class soundness_check {
     return n == 0 || (n > 0 && first >= 1 && first <= design_.count(array) - n + 1);
   }
   template <typename Record>
-  bool properties(const Record& record, const kv_list_t<kv_prop_type_record_t>& list) const {
+  bool properties(const Record& record, const kv_prop_list_t& list) const {
     return record.nb_of_property <= list.count &&
            range(record.first_prop, record.nb_of_property, kv_array::props);
   }
