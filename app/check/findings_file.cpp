@@ -4,27 +4,9 @@
 
 #include "gx/text/strings.h"
 #include "platform/files.h"
+#include "platform/json.h"
 
 namespace {
-
-void append_text(std::string& json, std::string_view value) {
-  constexpr std::string_view digits = "0123456789abcdef";
-  json += '"';
-  for (const char c : value) {
-    const auto code = static_cast<unsigned char>(c);
-    if (c == '"' || c == '\\') {
-      json += '\\';
-      json += c;
-    } else if (code < 32 || code > 126) {  // of a file's name: bytes, each told as itself
-      json += "\\u00";
-      json += digits[code >> 4U];
-      json += digits[code & 15U];
-    } else {
-      json += c;
-    }
-  }
-  json += '"';
-}
 
 void append(std::string& json, std::size_t number, const kv_finding_t& f) {
   json += " {\"number\": ";
@@ -33,7 +15,7 @@ void append(std::string& json, std::size_t number, const kv_finding_t& f) {
       f.severity == kv_severity::error ? R"(, "severity": "error")" : R"(, "severity": "warning")";
   const auto add = [&](std::string_view name, std::string_view value) {
     json.append(", \"").append(name).append("\": ");
-    append_text(json, value);
+    x_append_json(json, value);
   };
   add("rule", kv_row_of(f.rule).name);
   add("path", f.path);
