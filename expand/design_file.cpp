@@ -27,6 +27,7 @@ bool write_at(int fd, std::span<const std::uint8_t> bytes, off_t offset) {
   while (!bytes.empty()) {
     const ssize_t written = ::pwrite(fd, bytes.data(), bytes.size(), offset);
     if (written < 0 && errno == EINTR) continue;
+    if (written == 0) errno = ENOSPC;
     if (written <= 0) return false;
     bytes = bytes.subspan(static_cast<std::size_t>(written));
     offset += written;

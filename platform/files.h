@@ -20,7 +20,7 @@ using x_file = std::unique_ptr<std::FILE, x_file_closer>;
 // Closes the file; false when not all that was written to it reached it.
 bool x_close(x_file file);
 
-// What an errno says: "No such file or directory".
+// What an errno says: "No such file or directory"; of a link: "is a symbolic link".
 std::string x_why(int error);
 // The same of x_open_regular and x_read_regular: "Not a regular file" for a pipe or a device.
 std::string x_why_unread(int error);

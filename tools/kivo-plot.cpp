@@ -1,5 +1,6 @@
 // kivo-plot DESIGN SHEET OUT.plt: writes one sheet of a design as a plot file, without a display.
-// SHEET is the directory of the sheet, from the current directory; "." is the design's own sheet.
+// SHEET is the directory of the sheet, from the current directory; "." or the name of the design is
+// the design's own sheet.
 #include <algorithm>
 #include <cstdio>
 #include <string>
@@ -18,9 +19,15 @@ constexpr tool_t tool = {
     "kivo-plot",
     "usage: kivo-plot [-landscape] DESIGN SHEET OUT.plt\n"
     "  DESIGN   design directory\n"
-    "  SHEET    directory of the sheet, from here; \".\" for the design's own\n"
+    "  SHEET    directory of the sheet, from here; \".\" or the design's name: its own\n"
     "  OUT.plt  plot file to write (HP-GL/2 in PCL)\n"
     "  --help, --version\n"};
+
+// "top" of "designs/top/".
+std::string_view last_name(std::string_view path) {
+  while (path.size() > 1 && path.ends_with('/')) path.remove_suffix(1);
+  return path.substr(path.rfind('/') + 1);
+}
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -29,7 +36,8 @@ int main(int argc, char** argv) {
   const tool_option_t options[] = {{.name = "-landscape", .flag = &plot.landscape}};
   if (const auto ended = tool_read(tool, argc, argv, options, words)) return *ended;
   if (words.size() != 3) return tool_usage_error(tool, "DESIGN, SHEET and OUT.plt are wanted");
-  const std::string sheet(words[1] == "." ? words[0] : words[1]);
+  const bool is_own = words[1] == "." || words[1] == last_name(words[0]);
+  const std::string sheet(is_own ? words[0] : words[1]);
   const std::string path(words[2]);
   plot.path = path;
   if (sheet.size() >= gx_max_string_length - 16) {

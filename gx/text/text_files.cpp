@@ -82,6 +82,7 @@ std::FILE* gx_popen_file(std::string_view path, char mode, bool rdonly) {
   if (opening.probed && !opening.file && gx_front().ends_without_file) {
     std::printf("?? gx_popen_file : impossible to open file_name :'%s' (for %c) \n",
                 opening.path.char_, opening.writes ? 'W' : 'R');
+    std::printf("?? %s\n", x_why(opening.error).c_str());
     std::exit(0);
   }
   errno = opening.error;
