@@ -187,7 +187,7 @@ void check_instance(kv_sheet_check_t& check, int inst, kv_check_table_t& pin_nam
 }  // namespace
 
 void kv_check_instances(kv_sheet_check_t& check) {
-  kv_check_table_t pin_names;
+  kv_check_table_t pin_names{check.most_names};
   for (const int inst : lb_instances(check.file)) {
     if (!gx_inq_object_deleted(check.file, inst)) check_instance(check, inst, pin_names);
   }

@@ -3,7 +3,7 @@ _kivo_programs() {
   local current=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]} options=
   COMPREPLY=()
   case ${1##*/} in
-    kivo) options='--batch --quiet -q --strict --trace' ;;
+    kivo) options='--batch --quiet -q --strict --trace --json --mark' ;;
     gxmake) options='-o -a -q --array --variants' ;;
     gxdump) options='-C --source --all --format' ;;
     gximport) options='-o -L --format --number --absolute -q --quiet' ;;
@@ -16,7 +16,7 @@ _kivo_programs() {
     return
   fi
   case $before in
-    --array | --variants | --number) return ;;
+    --array | --variants | --number | --mark) return ;;
     --format) [[ $1 == *gximport ]] && mapfile -t COMPREPLY < <(compgen -W "xschem lepton" -- "$current")
               return ;;
   esac
