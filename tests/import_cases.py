@@ -15,7 +15,7 @@ What is expected follows, in any choice and order; all lines of a section are co
   === sheet CELL PATTERN  the lines of `gxdump --source CELL` in which the regular expression is found;
   === symbols CELL PATTERN  the same of the symbols that it names
   === expand PATTERN      lines of expand.do
-  === check PATTERN       lines of check.do
+  === beside NAME         the lines of that file of the design directory
   === notes               what gximport.log tells, sorted, without the directory of the case
   === refused             what gximport says when it ends with status 1
 The status is 1 where anything differs; then both are shown.
@@ -79,12 +79,12 @@ class Import:
         lines = open(self.design + "/gximport.log", encoding="latin-1").read().replace(self.here + "/", "")
         return sorted(lines.splitlines()[5:])
 
-    def expand(self, words, commands="expand.do"):
-        lines = open(f"{self.design}/{commands}", encoding="latin-1").read().splitlines()
-        return [line for line in lines if re.search(words[0], line)]
+    def beside(self, words):
+        return open(f"{self.design}/{words[0]}", encoding="latin-1").read().splitlines()
 
-    def check(self, words):
-        return self.expand(words, "check.do")
+    def expand(self, words):
+        lines = open(self.design + "/expand.do", encoding="latin-1").read().splitlines()
+        return [line for line in lines if re.search(words[0], line)]
 
     def sheet(self, words, of_symbols=False):
         cell, pattern = words[0].split(" ", 1)

@@ -12,8 +12,8 @@
 #include <utility>
 #include <vector>
 
-#include "expand/block_memory.h"
 #include "gx/text/at.h"
+#include "netlist/block_memory.h"
 
 inline constexpr int kv_block_size = 1000;
 inline constexpr std::int32_t kv_min_records = 1000;           // the least that may be allowed
