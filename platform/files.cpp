@@ -59,12 +59,14 @@ void x_file_closer::operator()(std::FILE* file) const { std::fclose(file); }
 
 bool x_close(x_file file) { return file != nullptr && std::fclose(file.release()) == 0; }
 
-std::string x_why(int error) {
-  return error == ELOOP ? "is a symbolic link" : std::strerror(error);
-}
+std::string x_why(int error) { return std::strerror(error); }
 
 std::string x_why_unread(int error) {
   return error == EINVAL ? "Not a regular file" : x_why(error);
+}
+
+std::string x_why_unwritten(int error) {
+  return error == ELOOP ? "is a symbolic link" : x_why(error);
 }
 
 bool x_is_missing(int error) {

@@ -20,10 +20,12 @@ using x_file = std::unique_ptr<std::FILE, x_file_closer>;
 // Closes the file; false when not all that was written to it reached it.
 bool x_close(x_file file);
 
-// What an errno says: "No such file or directory"; of a link: "is a symbolic link".
+// What an errno says: "No such file or directory".
 std::string x_why(int error);
 // The same of x_open_regular and x_read_regular: "Not a regular file" for a pipe or a device.
 std::string x_why_unread(int error);
+// The same of a file that is made or written, which is never done through a link.
+std::string x_why_unwritten(int error);
 // Whether it says that there is no such file to read. All else stands in the way of one.
 bool x_is_missing(int error);
 

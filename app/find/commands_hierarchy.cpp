@@ -99,7 +99,7 @@ void kv_list_hierarchy_cmd(const kv_command_t& command) {
   const auto not_written = [&] {
     const int error = errno;  // before the lines are written
     kv_refuse(refused, command, "# !! Error : File not written ? ", 3);
-    gx_tell_detail("# !! ", path, " : ", x_why(error));
+    gx_tell_detail("# !! ", path, " : ", x_why_unwritten(error));
   };
   x_file file = x_create_file(path, false);
   if (!file) return not_written();

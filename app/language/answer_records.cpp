@@ -14,7 +14,7 @@ void take_message(const kv_told_t& told) {
 }
 }  // namespace
 
-void kv_record(std::string_view type, std::initializer_list<kv_field_t> fields) {
+void kv_record(std::string_view type, std::initializer_list<kv_named_value_t> fields) {
   if (take != nullptr) take(type, {fields.begin(), fields.size()});
 }
 

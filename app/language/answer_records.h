@@ -10,14 +10,15 @@
 #include <variant>
 
 // A named value of a record. Texts are the caller's, and hold while the record is taken.
-struct kv_field_t {
-  kv_field_t(std::string_view the_name, std::string_view text) : name(the_name), value(text) {}
-  kv_field_t(std::string_view the_name, std::span<const std::string_view> texts)
+struct kv_named_value_t {
+  kv_named_value_t(std::string_view the_name, std::string_view text)
+      : name(the_name), value(text) {}
+  kv_named_value_t(std::string_view the_name, std::span<const std::string_view> texts)
       : name(the_name), value(texts) {}
   template <std::same_as<bool> Flag>
-  kv_field_t(std::string_view the_name, Flag flag) : name(the_name), value(flag) {}
+  kv_named_value_t(std::string_view the_name, Flag flag) : name(the_name), value(flag) {}
   template <std::integral Number>
-  requires(!std::same_as<Number, bool>) kv_field_t(std::string_view the_name, Number number)
+  requires(!std::same_as<Number, bool>) kv_named_value_t(std::string_view the_name, Number number)
       : name(the_name), value(static_cast<std::int64_t>(number)) {}
 
   std::string_view name;
@@ -25,8 +26,8 @@ struct kv_field_t {
 };
 
 // Gives a record of a type ("finding") to the one who takes them; does nothing when nobody does.
-void kv_record(std::string_view type, std::initializer_list<kv_field_t> fields);
+void kv_record(std::string_view type, std::initializer_list<kv_named_value_t> fields);
 
 // Who takes records, those of the messages of an expansion, too; nobody at first.
-using kv_record_taker_t = void (*)(std::string_view type, std::span<const kv_field_t> fields);
+using kv_record_taker_t = void (*)(std::string_view type, std::span<const kv_named_value_t> fields);
 void kv_set_record_taker(kv_record_taker_t taker);

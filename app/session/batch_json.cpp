@@ -36,7 +36,7 @@ struct appender_t {
   void operator()(std::span<const std::string_view> texts) const { append_texts(json, texts); }
 };
 
-void take_record(std::string_view type, std::span<const kv_field_t> fields) {
+void take_record(std::string_view type, std::span<const kv_named_value_t> fields) {
   std::string& json = next_of(answer.records);
   json += R"({"type": )";
   gx_append_json(json, type);

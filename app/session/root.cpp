@@ -51,7 +51,7 @@ void open_debug_file(bool greets) {
   gx_concat_const("/debug_kivo", name);
   gx_vext.debugfile = x_create_file(name.char_, false).release();
   if (gx_vext.debugfile == nullptr) {
-    const std::string why = x_why(errno);
+    const std::string why = x_why_unwritten(errno);
     refuse("!!! ( kivo_root ) impossible to open debugfile_name  : \"" +
            std::string(gx_view(name)) + "\" \n !! " + why);
   }

@@ -94,7 +94,7 @@ void open_transcript(const kv_front_t& front) {
   const gx_string_record_t name = gx_vext.cursessname = design_file("/current_session");
   gx_vext.cursessfile = gx_popen_file(gx_view(name), 'W', false);
   if (gx_vext.cursessfile != nullptr) return;
-  const std::string why = x_why(errno);
+  const std::string why = x_why_unwritten(errno);
   refuse_start(front, failure, name, why,
                "!!! ( INITIALIZE ) " + std::string(failure) + "  : " + quoted(name) + " \n");
 }
@@ -113,7 +113,7 @@ void open_engine_trace(const kv_front_t& front) {
   const gx_string_record_t trace = gx_string("debug_kivo2");
   kv_debf = gx_popen_file(gx_view(trace), 'W', false);
   if (kv_debf == nullptr)
-    refuse_start(front, "impossible to open  DEBUG file  2 ", trace, x_why(errno), "");
+    refuse_start(front, "impossible to open  DEBUG file  2 ", trace, x_why_unwritten(errno), "");
 }
 
 void take_start_up_file(const kv_front_t& front) {

@@ -184,9 +184,10 @@ sheet top
   net C
     wire B3.O 30,20 30,28 18,28 18,24 B4.I
 )");
-  EXPECT_EQ(c.findings(),
-            (lines_t{"no-driver /D_0", "no-driver /D_2", "pin-open /B1/I", "pin-unused /B2/O",
-                     "pin-unused /B4/O", "single-pin /D_0", "single-pin /D_2"}));
+  EXPECT_EQ(c.findings(), (lines_t{"no-driver /D", "pin-open /B1/I", "pin-unused /B2/O",
+                                   "pin-unused /B4/O", "single-pin /D_0", "single-pin /D_2"}));
+  EXPECT_EQ(kv_pext.findings[0].words,
+            "nothing drives its bits 4, 6 : the first input is \"/B2/I\"");
 }
 
 TEST(CheckDesign, PinsWithoutTypeAreTakenForNoDrivers) {
@@ -317,10 +318,10 @@ TEST(CheckDesign, EveryFindingIsPlacedAtItsOwnObject) {
 TEST(CheckDesign, NamesThatTheDrawingRepeatsAreNoFinding) {
   const std::string sheet =
       "sheet top\n part R res 4,4\n part S res 4,8\n global VDD vdd 20,20\n"
-      " port Q in 50,50\n net Q\n  wire 50,50 54,50\n net Q\n  wire 60,60 64,60\n"
       " net A\n  wire R.1 0,4\n net A\n  wire S.1 0,8\n"
       " net VDD\n  wire R.2 20,4\n net VDD\n  wire 20,20 20,24\n"
-      " net H\n  wire S.2 10,8\n net H\n  wire 30,30 34,30\n";
+      " net H\n  wire S.2 10,8\n net H\n  wire 30,30 34,30\n"
+      " port Q in 50,50\n net Q\n  wire 50,50 54,50\n net Q\n  wire 60,60 64,60\n";
   // Both nets A show their name, of the nets H one does.
   bool is_hidden = false;
   checked c(sheet, [&](auto& files) {

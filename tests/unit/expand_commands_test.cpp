@@ -120,7 +120,8 @@ TEST_F(FlattenTest, AFullDiskIsTold) {
   ::close(kv_sext.designfile);
   kv_sext.designfile = ::open("/dev/full", O_RDWR);
   EXPECT_EQ(run("sheet top\n part R r 2,0\n net A\n  wire R.1 R.2\n"),
-            lines_t{"# !! Error : Expanded data not written whole in : \"top\""});
+            (lines_t{"# !! Error : Expanded data not written whole in : \"top\"",
+                     "# !! design_kv : No space left on device"}));
   EXPECT_EQ(gx_vext.num_errors, 1);
 }
 
