@@ -34,7 +34,7 @@ void tell_lines(const kv_sheet_finding_t& finding) {
     gx_tell_as(gx_at(kinds, line.head), gx_at(heads, line.head), line.words);
 }
 
-void record(const kv_sheet_finding_t& finding) {
+void record_sheet_finding(const kv_sheet_finding_t& finding) {
   kv_record("finding", {{"severity", kv_severity_word(kv_row_of(finding.rule).severity)},
                         {"rule", kv_row_of(finding.rule).name},
                         {"object_id", finding.where.on_sheet},
@@ -88,7 +88,7 @@ void kv_check_sheet_cmd(const kv_command_t& command) {
     if (finding.is_further) continue;
     ++(kv_row_of(finding.rule).severity == kv_severity::error ? errors : warnings);
     tell_lines(finding);
-    record(finding);
+    record_sheet_finding(finding);
     for (const auto& mark : finding.marks) select(view, mark);
   }
   for (const auto& [symbol, path] : report.references) reference.add_symbol(symbol, path);
@@ -105,7 +105,7 @@ void kv_check_sheet_cmd(const kv_command_t& command) {
   kv_redraw_views();
 }
 
-constexpr kv_command_row_t rows[] = {
+constexpr kv_command_row_t check_rows[] = {
     // clang-format off
     {{"CHE", "SHE"}, "CHEck SHEet [comment]", kv_check_sheet_cmd, echo, 3},
     // clang-format on
@@ -113,4 +113,4 @@ constexpr kv_command_row_t rows[] = {
 
 }  // namespace
 
-kv_command_rows_t kv_check_commands() { return rows; }
+kv_command_rows_t kv_check_commands() { return check_rows; }

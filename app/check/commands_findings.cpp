@@ -39,7 +39,7 @@ std::string head_of(std::size_t number) {
   return head;
 }
 
-void record(std::size_t number) {
+void record_finding(std::size_t number) {
   const auto& f = kv_pext.findings[number - 1];
   kv_record("finding", {{"number", number},
                         {"severity", kv_severity_word(f.severity)},
@@ -56,7 +56,7 @@ void tell_finding(std::size_t number) {
   const auto& finding = kv_pext.findings[number - 1];
   gx_tell_wrapped(head_of(number) + " : " + finding.words, kind_of(finding));
   gx_count_kind(kind_of(finding));
-  record(number);
+  record_finding(number);
 }
 
 // What it is, then its words.
@@ -64,7 +64,7 @@ void show_finding(std::size_t number) {
   const auto& finding = kv_pext.findings[number - 1];
   gx_tell_wrapped(head_of(number), kind_of(finding));
   gx_tell_wrapped("#    " + finding.words, gx_line_kind::detail);
-  record(number);
+  record_finding(number);
 }
 
 // --- CHEck DESign
@@ -275,7 +275,7 @@ void kv_waive_finding_cmd(const kv_command_t& command) {
   kv_echo(" WAIve FINding ", command, 3);
 }
 
-constexpr kv_command_row_t rows[] = {
+constexpr kv_command_row_t finding_rows[] = {
     // clang-format off
     {{"CHE", "DES"}, "CHEck DESign [SARif] [JUNit]", kv_check_design_cmd, check_echo, 3},
     {{"RUL"}, "RULe [name ERRor or WARning or OFF]", kv_rule_cmd, "# RULe "},
@@ -287,4 +287,4 @@ constexpr kv_command_row_t rows[] = {
 
 }  // namespace
 
-kv_command_rows_t kv_finding_commands() { return rows; }
+kv_command_rows_t kv_finding_commands() { return finding_rows; }

@@ -20,7 +20,7 @@
 
 namespace {
 
-constexpr std::string_view refused = "# EXPlain NET ";
+constexpr std::string_view explain_net_words = "# EXPlain NET ";
 
 std::string quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
 
@@ -176,7 +176,7 @@ std::optional<extent_t> wanted_extent(const kv_command_t& command, const kv_expa
   if (command.count() < 4) return extent;
   const bool is_all = gx_equal("AL", command.word(4)) && command.count() == 4;
   if (!is_all && (!gx_iden("IN", command.word(4)) || command.count() != 5)) {
-    kv_refuse(refused, command, "# !! Error :  4th parameter incorrect ? ", 3);
+    kv_refuse(explain_net_words, command, "# !! Error :  4th parameter incorrect ? ", 3);
     return std::nullopt;
   }
   if (is_all) {
@@ -188,16 +188,16 @@ std::optional<extent_t> wanted_extent(const kv_command_t& command, const kv_expa
   if (!block.empty() && !block.starts_with('/')) block.insert(0, "/");
   extent.share = {block};
   if (block.empty() || kv_visit_at(expanded, block + "/") >= 0) return extent;
-  kv_refuse(refused, command, "# !! Error :  5th parameter incorrect ? ", 3);
+  kv_refuse(explain_net_words, command, "# !! Error :  5th parameter incorrect ? ", 3);
   return std::nullopt;
 }
 
 void kv_explain_net_cmd(const kv_command_t& command) {
   const auto expanded = kv_expanded();
-  if (!expanded) return kv_refuse(refused, command, kv_no_expansion, 3);
+  if (!expanded) return kv_refuse(explain_net_words, command, kv_no_expansion, 3);
   const auto extent = wanted_extent(command, *expanded);
   if (!extent) return;
-  const auto nets = kv_wanted_nets(refused, command, *expanded);
+  const auto nets = kv_wanted_nets(explain_net_words, command, *expanded);
   if (!nets) return;
   const gx_list_batch_t batch;
   kv_explainer_t explainer(expanded->netlist, expanded->origins);
@@ -206,10 +206,14 @@ void kv_explain_net_cmd(const kv_command_t& command) {
   kv_echo(" EXPlain NET ", command, 3);
 }
 
-constexpr kv_command_row_t rows[] = {
-    {{"EXP", "NET"}, "EXPlain NET [path [ALl or IN [block]]]", kv_explain_net_cmd, refused, 3},
+constexpr kv_command_row_t explain_rows[] = {
+    {{"EXP", "NET"},
+     "EXPlain NET [path [ALl or IN [block]]]",
+     kv_explain_net_cmd,
+     explain_net_words,
+     3},
 };
 
 }  // namespace
 
-kv_command_rows_t kv_explain_commands() { return rows; }
+kv_command_rows_t kv_explain_commands() { return explain_rows; }

@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr std::string_view refused = "# LIST HIErarchy ";
+constexpr std::string_view list_hierarchy_words = "# LIST HIErarchy ";
 constexpr std::size_t most_lines = 500000;  // a design may hold more blocks than fit anywhere
 
 // Writes the tree line by line, each sheet analysed once.
@@ -81,7 +81,7 @@ std::optional<root_t> wanted_root(kv_drawings_t& drawings, const kv_command_t& c
       return root_t{std::move(*way), found.path, cell};
     }
   }
-  kv_refuse(refused, command, "# !! Error : Path not found ? ", 3);
+  kv_refuse(list_hierarchy_words, command, "# !! Error : Path not found ? ", 3);
   kv_tell_search_end("No block", search);
   return std::nullopt;
 }
@@ -89,7 +89,7 @@ std::optional<root_t> wanted_root(kv_drawings_t& drawings, const kv_command_t& c
 void kv_list_hierarchy_cmd(const kv_command_t& command) {
   kv_drawings_t drawings(&kv_sext);
   auto* component = drawings.top_component();
-  if (component == nullptr) return kv_refuse(refused, command, kv_no_sheet, 3);
+  if (component == nullptr) return kv_refuse(list_hierarchy_words, command, kv_no_sheet, 3);
   const auto root = wanted_root(drawings, command);
   if (!root) return;
   if (!root->way.empty()) component = drawings.component_in(root->way.back().directory);
@@ -98,7 +98,7 @@ void kv_list_hierarchy_cmd(const kv_command_t& command) {
   const std::string path = std::string(gx_view(gx_files.filear[top].dirname)) + "/hierarchy";
   const auto not_written = [&] {
     const int error = errno;  // before the lines are written
-    kv_refuse(refused, command, "# !! Error : File not written ? ", 3);
+    kv_refuse(list_hierarchy_words, command, "# !! Error : File not written ? ", 3);
     gx_tell_detail("# !! ", path, " : ", x_why_unwritten(error));
   };
   x_file file = x_create_file(path, false);
@@ -112,10 +112,10 @@ void kv_list_hierarchy_cmd(const kv_command_t& command) {
   kv_echo(" LIST HIErarchy ", command, 3);
 }
 
-constexpr kv_command_row_t rows[] = {
-    {{"LIST", "HIE"}, "LIST HIErarchy [path]", kv_list_hierarchy_cmd, refused, 3},
+constexpr kv_command_row_t hierarchy_rows[] = {
+    {{"LIST", "HIE"}, "LIST HIErarchy [path]", kv_list_hierarchy_cmd, list_hierarchy_words, 3},
 };
 
 }  // namespace
 
-kv_command_rows_t kv_hierarchy_commands() { return rows; }
+kv_command_rows_t kv_hierarchy_commands() { return hierarchy_rows; }

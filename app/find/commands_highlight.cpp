@@ -7,12 +7,12 @@
 
 namespace {
 
-constexpr std::string_view refused = "# HIGhlight NET ";
+constexpr std::string_view highlight_net_words = "# HIGhlight NET ";
 
 void kv_highlight_net_cmd(const kv_command_t& command) {
   const auto expanded = kv_expanded();
-  if (!expanded) return kv_refuse(refused, command, kv_no_expansion, 3);
-  const auto nets = kv_wanted_nets(refused, command, *expanded);
+  if (!expanded) return kv_refuse(highlight_net_words, command, kv_no_expansion, 3);
+  const auto nets = kv_wanted_nets(highlight_net_words, command, *expanded);
   if (!nets) return;
   for (const std::int32_t net : *nets) {
     kv_highlight(*expanded, net);
@@ -27,11 +27,11 @@ void kv_highlight_off_cmd(const kv_command_t&) {
   gx_tell(" HIGhlight OFF ");
 }
 
-constexpr kv_command_row_t rows[] = {
-    {{"HIG", "NET"}, "HIGhlight NET [path]", kv_highlight_net_cmd, refused, 3},
+constexpr kv_command_row_t highlight_rows[] = {
+    {{"HIG", "NET"}, "HIGhlight NET [path]", kv_highlight_net_cmd, highlight_net_words, 3},
     {{"HIG", "OFF"}, "HIGhlight OFF", kv_highlight_off_cmd, "# HIGhlight OFF ", 3},
 };
 
 }  // namespace
 
-kv_command_rows_t kv_highlight_commands() { return rows; }
+kv_command_rows_t kv_highlight_commands() { return highlight_rows; }

@@ -8,7 +8,7 @@ namespace {
 struct answer_t {
   std::string lines, records;
 };
-answer_t answer;
+answer_t json_answer;
 
 std::string& next_of(std::string& list) {
   if (!list.empty()) list += ", ";
@@ -37,7 +37,7 @@ struct appender_t {
 };
 
 void take_record(std::string_view type, std::span<const kv_named_value_t> fields) {
-  std::string& json = next_of(answer.records);
+  std::string& json = next_of(json_answer.records);
   json += R"({"type": )";
   gx_append_json(json, type);
   for (const auto& field : fields) {
@@ -50,13 +50,13 @@ void take_record(std::string_view type, std::span<const kv_named_value_t> fields
 }  // namespace
 
 void kv_begin_json() {
-  answer = {};
+  json_answer = {};
   kv_set_record_taker(take_record);
 }
 
 void kv_take_json_line(std::string_view line, gx_line_kind kind) {
   constexpr std::string_view kinds[] = {"plain", "detail", "warning", "error"};
-  std::string& json = next_of(answer.lines);
+  std::string& json = next_of(json_answer.lines);
   json += R"({"kind": ")";
   json.append(gx_at(kinds, kind)).append(R"(", "text": )");
   gx_append_json(json, line);
@@ -67,10 +67,10 @@ std::string kv_end_json_answer(std::string_view command, bool is_fault) {
   std::string json = R"({"command": )";
   gx_append_json(json, command);
   json += is_fault ? R"(, "status": 1, "lines": [)" : R"(, "status": 0, "lines": [)";
-  json += answer.lines;
+  json += json_answer.lines;
   json += R"(], "records": [)";
-  json += answer.records;
+  json += json_answer.records;
   json += "]}\n";
-  answer = {};
+  json_answer = {};
   return json;
 }

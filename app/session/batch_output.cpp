@@ -94,7 +94,7 @@ void keep_output_for_data() {
 
 // Somebody may look at a terminal: there the line is written over the one before it, and a line of
 // the list over it.
-void show_progress(std::string_view line) {
+void show_on_terminal(std::string_view line) {
   static bool is_shown = false;
   if (line.empty() && !is_shown) return;
   is_shown = !line.empty();
@@ -106,7 +106,7 @@ constexpr int fatal_stop_status = 3;
 constexpr gx_front_t lines = {.take_line = take_line,
                               .keeps_lines = false,
                               .flush = [] { kv_flush_batch_output(); },
-                              .show_progress = show_progress,
+                              .show_progress = show_on_terminal,
                               .shows_pictures = false,
                               .may_wait = false,
                               .messages = [] { return stderr; },

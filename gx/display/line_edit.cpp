@@ -15,7 +15,6 @@
 namespace {
 
 constexpr int prompt_length = 6;  // of " cmd >"
-constexpr int line_columns = 60;  // characters shown of a line
 
 int cmd_step() { return std::max<int>(gx_vext.cmd_step, 1); }
 
@@ -37,7 +36,7 @@ void gx_set_command_line(std::string_view text) {
   auto& v = gx_vext;
   v.str_cmd = gx_string(text);
   if (v.viewport_id != v.viewport_cmd) {
-    const int past = prompt_length + v.str_cmd.len + 2 - line_columns;  // the caret is shown, too
+    const int past = prompt_length + v.str_cmd.len + 2 - gx_cmd_columns;  // the caret is shown, too
     v.istart_cmd = static_cast<std::int16_t>(std::max(past, 1));
   }
   gx_display_cmd(gx_view(v.str_cmd));
@@ -72,7 +71,7 @@ void gx_again_action(gx_vpid_t vpid, gx_point16_t pixel) {
   line = std::clamp(line, 1, gx_max_list_lines);
 
   const int under = (pixel.x - corner.x - gx_vext.listb_x0 + 6) / cmd_step() + gx_vext.istart_list;
-  const int column = std::clamp(under, 1, gx_vext.istart_list + line_columns - 1);
+  const int column = std::clamp(under, 1, gx_vext.istart_list + gx_cmd_columns - 1);
   const std::string_view text = gx_view(gx_at(gx_vext.line_list, line - 1));
   if (static_cast<std::size_t>(column) <= text.size()) {
     gx_concat_const(text.substr(static_cast<std::size_t>(column - 1)), gx_vext.str_cmd);

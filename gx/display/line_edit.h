@@ -6,6 +6,8 @@
 
 #include "gx/display/screen_state.h"
 
+inline constexpr int gx_cmd_columns = 60;  // characters of a line that are shown
+
 // Makes the text the command line and shows it. While the pointer is elsewhere the line scrolls so
 // that its end is seen.
 void gx_set_command_line(std::string_view text);

@@ -29,9 +29,8 @@ constexpr int min_width = 200, min_height = 100;
 constexpr unsigned border_width = 1;
 // The pointer shapes, by pattern: X cursor, crosshair, four arrows, thin cross, I-beam, watch.
 constexpr std::array<unsigned, 9> cursor_shapes = {0, 34, 106, 110, 112, 114, 130, 152, 150};
-constexpr std::uint32_t white = 7;
 
-struct size_t16 {
+struct pixel_size_t {
   int width = 0, height = 0;
 };
 
@@ -109,7 +108,7 @@ void open_display(const char* name) {
 }
 
 // Size of a drawable; false when the server does not tell.
-bool ask_geometry(Drawable drawable, int& x, int& y, size_t16& size) {
+bool ask_geometry(Drawable drawable, int& x, int& y, pixel_size_t& size) {
   Window root = 0;
   unsigned width = 0, height = 0, border = 0, depth = 0;
   if (XGetGeometry(gx_vext.dpy, drawable, &root, &x, &y, &width, &height, &border, &depth) == 0)
@@ -120,7 +119,7 @@ bool ask_geometry(Drawable drawable, int& x, int& y, size_t16& size) {
 
 void check_root() {
   int x = 0, y = 0;
-  size_t16 size;
+  pixel_size_t size;
   if (!ask_geometry(gx_vext.root, x, y, size))
     refuse_start(" !! xerror :  cannot  get display geometry ? ");
   gx_debug(" gx_init :  root geometry : %d  %d  %d  %d\n", x, y, size.width, size.height);
@@ -216,7 +215,7 @@ XRectangle make_window(std::string_view window_name) {
                               static_cast<unsigned>(place.height), border_width,
                               v.colorrec[6].pixel, v.colorrec[0].pixel);
   int x = 0, y = 0;
-  size_t16 size;
+  pixel_size_t size;
   if (!ask_geometry(v.win, x, y, size))
     refuse_start(" !! xerror : cannot get new window geometry ? ");
   v.window_size = {static_cast<std::int16_t>(size.width), static_cast<std::int16_t>(size.height)};
@@ -274,7 +273,7 @@ void make_menu_pixmaps(int width, int height) {
 void make_cursors() {
   auto& v = gx_vext;
   for (std::size_t i = 0; i < cursor_shapes.size(); ++i)
-    v.cursor_array[i] = {cursor_shapes[i], XCreateFontCursor(v.dpy, cursor_shapes[i]), white};
+    v.cursor_array[i] = {cursor_shapes[i], XCreateFontCursor(v.dpy, cursor_shapes[i]), gx_white};
   XColor foreground{}, background{};
   foreground.red = foreground.green = foreground.blue = 65535;
   XRecolorCursor(v.dpy, v.cursor_array[0].cursid, &foreground, &background);
