@@ -16,6 +16,7 @@
 #include "netlist/block_memory.h"
 
 inline constexpr int kv_block_size = 1000;
+inline constexpr std::int32_t kv_min_records = 1000;           // the least that may be allowed
 inline constexpr std::int32_t kv_start_records = 500'000;      // what an array may hold at first
 inline constexpr std::int32_t kv_max_records = 2'000'000'000;  // what it may be allowed to hold
 

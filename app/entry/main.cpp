@@ -25,13 +25,18 @@ namespace {
 constexpr tool_t program = {
     "kivo",
     "usage: kivo DESIGN [DO-FILE [ARGUMENT]...]\n"
-    "       kivo --batch [-q] [--strict] [--trace] DESIGN DO-FILE [ARGUMENT]...\n"
+    "       kivo --batch [-q] [--strict] [--trace] [--json] [--mark TEXT] DESIGN DO-FILE "
+    "[ARGUMENT]...\n"
     "Opens the design directory DESIGN in a window on the X display and runs the commands of\n"
     "DO-FILE, in which $ARG1 to $ARG28 stand for the ARGUMENTs.\n"
     "  --batch      without a window: runs the commands, prints what they answer and ends; a\n"
     "               DO-FILE \"-\" is standard input, each line answered at once\n"
     "  -q, --quiet  prints only errors and warnings\n"
     "  --strict     takes warnings as errors\n"
+    "  --json       prints one JSON object for each command line, with its lines and what they "
+    "say\n"
+    "               as data\n"
+    "  --mark TEXT  prints the line TEXT after each answer\n"
     "  --trace      writes the traces debug_kivo and debug_kivo2, as the window does\n"
     "  --help, --version\n"
     "Exit status of a batch: 0 no error, 1 errors, 2 nothing to begin with, 3 a fatal stop.\n"};
@@ -93,11 +98,11 @@ int run_with_options(int argc, char** argv) {
   bool is_batch = false;
   kv_batch_t batch{.program = argv[0]};
   std::vector<std::string_view> words;
-  const tool_option_t options[] = {{.name = "--batch", .flag = &is_batch},
-                                   {.name = "--quiet", .flag = &batch.quiet},
-                                   {.name = "-q", .flag = &batch.quiet},
-                                   {.name = "--strict", .flag = &batch.strict},
-                                   {.name = "--trace", .flag = &batch.trace}};
+  const tool_option_t options[] = {
+      {.name = "--batch", .flag = &is_batch},    {.name = "--quiet", .flag = &batch.quiet},
+      {.name = "-q", .flag = &batch.quiet},      {.name = "--strict", .flag = &batch.strict},
+      {.name = "--trace", .flag = &batch.trace}, {.name = "--json", .flag = &batch.json},
+      {.name = "--mark", .value = &batch.mark}};
   if (const auto ended = tool_read(program, argc, argv, options, words, 2)) return *ended;
   if (!is_batch) return tool_usage_error(program, "options are for --batch");
   if (words.size() < 2) return tool_usage_error(program, "--batch wants a DESIGN and a DO-FILE");

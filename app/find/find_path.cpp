@@ -124,8 +124,10 @@ kv_search_t kv_search_path(kv_drawings_t& drawings, std::string_view text, std::
 
 void kv_tell_search_end(std::string_view label, const kv_search_t& search) {
   const bool is_none = search.found.empty();
-  gx_tell_detail("# !! ", is_none ? "The longest part that exists" : label, " : \"",
-                 is_none ? search.longest : search.found.front().path, "\"");
+  std::string line = "# !! ";
+  line.append(is_none ? "The longest part that exists" : label).append(" : \"");
+  line.append(is_none ? search.longest : search.found.front().path).append("\"");
+  gx_tell_wrapped(line, gx_line_kind::detail);
 }
 
 std::vector<std::int32_t> kv_search_nets(kv_drawings_t& drawings, std::string_view text,

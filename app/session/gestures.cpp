@@ -5,6 +5,7 @@
 #include "app/sheet/command_viewport.h"
 #include "app/sheet/last_views.h"
 #include "app/sheet/pick.h"
+#include "app/sheet/select_area.h"
 #include "app/sheet/views.h"
 #include "gx/db/object_access.h"
 #include "gx/display/grid.h"
@@ -45,17 +46,11 @@ bool is_only_selected(const gx_file_gene_recf_t& file, int wanted) {
   return true;
 }
 
-bool has_selected(const gx_file_gene_recf_t& file) {
-  for (int id = 1; id <= file.object_id_max; ++id)
-    if (gx_inq_object_selected(file, id)) return true;
-  return false;
-}
-
 void select(const kv_view_t& view, std::string_view handle, int id, bool adds,
             const std::function<void(std::string_view)>& run) {
   if (is_only_selected(view.file(), id)) return;
   const std::string name(view.vpid == gx_vext.viewport_edit ? "Edit" : "Context");
-  if (!adds && has_selected(view.file())) run("UNSELECT ALL " + name + " ");
+  if (!adds) kv_unselect_all(view.file_index);
   run("SELECT OBJECT " + name + " " + std::string(handle) + std::to_string(id) + " ");
 }
 

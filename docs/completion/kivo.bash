@@ -3,7 +3,7 @@ _kivo_programs() {
   local current=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]} options=
   COMPREPLY=()
   case ${1##*/} in
-    kivo) options='--batch --quiet -q --strict --trace' ;;
+    kivo) options='--batch --quiet -q --strict --trace --json --mark' ;;
     gxmake) options='-o -a -q --array --variants' ;;
     gxdump) options='-C --source --all --format' ;;
     gximport) options='-o -L --format --number --absolute -q --quiet' ;;
@@ -17,7 +17,7 @@ _kivo_programs() {
     return
   fi
   case $before in
-    --array | --variants | --number | --primitive | --top) return ;;
+    --array | --variants | --number | --primitive | --top | --mark) return ;;
     --paper) mapfile -t COMPREPLY < <(compgen -W "A5 A4 A3 A2 A1 A0 letter legal tabloid fit" -- "$current")
              return ;;
     --colours | --colors) mapfile -t COMPREPLY < <(compgen -W "screen print mono" -- "$current")

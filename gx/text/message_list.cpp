@@ -72,7 +72,7 @@ void tell_lost_session() {
   const bool was_lost = session.cursess_lost;
   session.cursess_lost = std::ferror(session.cursessfile) != 0;
   if (!session.cursess_lost) return;
-  const int error = errno;
+  const int error = session.cursess_error = errno;
   if (gx_front().keeps_lines) std::clearerr(session.cursessfile);
   if (was_lost) return;
   gx_count_error();
@@ -138,6 +138,23 @@ void gx_tell_parts(std::span<const std::string_view> parts, gx_line_kind kind) {
   std::string line;
   for (const std::string_view part : parts) line += part;
   gx_display_list(line, kind);
+}
+
+void gx_tell_wrapped(std::string_view text, gx_line_kind kind) {
+  constexpr std::string_view further = "#    ";
+  std::string line;
+  while (line.size() + text.size() > gx_list_columns) {
+    const std::size_t room = gx_list_columns - line.size();
+    const std::size_t words = std::min(text.find_first_not_of("# "), text.size());
+    std::size_t length = text.rfind(' ', room);
+    if (length == text.npos || length <= words) length = room;
+    gx_display_list(line + std::string(text.substr(0, length)), kind);
+    text.remove_prefix(length);
+    text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
+    line = further;
+    if (kind != gx_line_kind::plain) kind = gx_line_kind::detail;
+  }
+  if (!text.empty()) gx_display_list(line + std::string(text), kind);
 }
 
 // The listing of a session file would itself make it grow.

@@ -11,7 +11,8 @@
 #include "gx/text/records.h"
 
 inline constexpr int gx_max_list_lines = 500;
-inline constexpr int gx_max_text_length = 60;  // characters that a line of a viewport shows
+inline constexpr int gx_max_text_length = 60;       // characters that a line of a viewport shows
+inline constexpr std::size_t gx_list_columns = 57;  // of them the list has room for
 
 struct gx_list_state_t {
   bool transcript_state = true;
@@ -47,6 +48,10 @@ template <typename... Part>
 void gx_tell_detail(const Part&... part) {
   gx_tell_as(gx_line_kind::detail, part...);
 }
+
+// Tells a text of any length in lines that the list shows whole, broken at blanks; the further ones
+// begin with "#    ".
+void gx_tell_wrapped(std::string_view text, gx_line_kind kind = gx_line_kind::plain);
 
 // Counts an error or a warning for the session; the counters stop at their largest value.
 void gx_count_kind(gx_line_kind kind);

@@ -223,6 +223,7 @@ TEST_F(Interactive, AClickSelectsAndADoubleClickWalks) {
   s.wait_for_head(" SELect AREa ");
   pause(700);
   EXPECT_EQ(count_lines(" SELect OBJect Edit "), 3);
+  EXPECT_EQ(count_lines(" UNSelect ALL "), 1) << "that of the command: a click echoes its SELect";
   bye();
 }
 
