@@ -18,7 +18,7 @@
 namespace {
 
 constexpr std::int16_t max_timing_index = 120;
-const kv_design_t no_design;  // of values that are the same everywhere
+constinit const kv_design_t no_design;  // of values that are the same everywhere
 
 using kv_prop_list_t = kv_list_t<kv_prop_type_record_t>;
 
