@@ -20,7 +20,7 @@ void set_command_line(const gx_string_record_t& line) {
 // Puts the question on the command line; the line that the user completes is the command of the
 // answer. Returns when that line was entered.
 void ask(const kv_command_t& command) {
-  if (gx_vext.dpy == nullptr) return kv_refuse("# READln ", command, nobody);
+  if (gx_vext.screen == nullptr) return kv_refuse("# READln ", command, nobody);
   gx_string_record_t line;
   gx_concat_all(line, " READln ", command.word(2), " ", command.word(3), " ");
   set_command_line(line);

@@ -7,3 +7,6 @@
 // overruled: VELMORAN becomes the installed product directory when it is unset or empty and the
 // default one does not exist; the helper programs beside this one come last in PATH.
 void kv_find_installation(const std::filesystem::path& program);
+
+// The program of the window: beside the program as it was built, or where it is installed.
+std::filesystem::path kv_window_program(const std::filesystem::path& program);

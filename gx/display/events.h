@@ -45,4 +45,3 @@ gx_event_t gx_input_event_wait();
 // Removes a queued key press (kind 0) or release (kind 1) with that keysym and modifiers; false
 // when there is none, for other kinds, and without a display.
 bool gx_find_event(int kind, std::uint32_t keysym, std::uint32_t modifiers);
-void gx_input_enable(long mask);

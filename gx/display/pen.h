@@ -30,10 +30,6 @@ void gx_pen_flush();
 void gx_pen_clip(int x, int y, int width, int height);
 void gx_pen_clear(int x, int y, int width, int height);
 
-// Prepares the graphics context for requests made past the pen: colour, style, thin lines.
-// A style outside 0..4 stops with invalid_style.
-void gx_set_line_dashed(int style, int color);
-
 // The pixel operation of what follows: copy, or exclusive-or (the rubber rectangle).
 void gx_pixel_op_replace();
 void gx_pixel_op_xor();

@@ -15,6 +15,7 @@ struct _XDisplay;
 struct _XGC;
 
 struct gx_pen_t;          // gx/display/pen.cpp
+struct gx_screen_t;       // gx/display/screen.h
 struct gx_scaled_font_t;  // gx/display/stroke_text.cpp
 
 using gx_vpid_t = std::int8_t;  // 1..16; 0 = none
@@ -35,6 +36,8 @@ struct gx_viewport_rec_t {
   gx_bounds16_t pixel_bounds;       // the same in pixels
   gx_object_id_t object_id = 0;     // root of the picture
   gx_boundsreal_t bounds_part;      // part of the design shown, design units
+  gx_boundsreal_t fit_box;          // that was shown whole last,
+  gx_boundsreal_t fit_part;         // and what was shown then
   gx_bounds16_t clip_wind;          // clip rectangle, pixels
   std::int32_t object_scale = 100;  // design units per pixel, at least 1
   gx_border_info border;
@@ -80,7 +83,8 @@ struct gx_view_roles_t {
 };
 
 struct gx_screen_state_t : gx_view_roles_t {
-  _XDisplay* dpy = nullptr;  // null without a display
+  const gx_screen_t* screen = nullptr;  // null without a display
+  _XDisplay* dpy = nullptr;             // what follows is of X, see gx/window
   int scrid = 0;
   unsigned long root = 0, win = 0;
   gx_point16_t window_size;  // pixels, when it was made or last seen

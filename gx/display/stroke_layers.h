@@ -35,6 +35,7 @@ struct gx_arc16_t {
 struct gx_box16_t {
   std::int16_t x = 0, y = 0;
   std::uint16_t width = 0, height = 0;
+  friend bool operator==(const gx_box16_t&, const gx_box16_t&) = default;
 };
 
 // Strokes of one colour and dash list in one layer.

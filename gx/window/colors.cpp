@@ -1,4 +1,4 @@
-#include "gx/display/colors.h"
+#include "gx/window/colors.h"
 
 #include <X11/Xlib.h>
 
