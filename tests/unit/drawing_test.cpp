@@ -220,6 +220,18 @@ TEST(DrawnNet, AMarkedNetStandsOutWithItsName) {
   EXPECT_EQ(net_drawn(board, green), lines_t{});
 }
 
+TEST(DrawnNet, AMarkedNetWithoutAWireShowsItsPinsAndName) {
+  const drawing_board board(placed("", stub));
+  const int net = board.id(gx_type::net);
+  gx_highlight_net(1, net, "AB");
+  const auto with_wire = net_drawn(board, white);
+  gx_set_object_deleted(board.file(), board.id(gx_type::segment), true);
+  EXPECT_EQ(net_drawn(board, green).size(), 4U) << "the diamond of its pin";
+  EXPECT_EQ(net_drawn(board, white), with_wire) << "the name at the same place";
+  gx_highlight_clear_all();
+  EXPECT_EQ(net_drawn(board, green).size() + net_drawn(board, white).size(), 0U);
+}
+
 // --- what lies on top
 
 TEST(Drawing, WhatIsDrawnLaterLiesOnTop) {
