@@ -72,7 +72,7 @@ TEST_F(FindProgram, AJumpShowsThePartInTheMiddleAndShiftF8GoesBack) {
   s.command("find path u1.x1");
   s.wait_for_head(" FINd PATh /U1/X1  instance ");
   point_at(in_edit);
-  EXPECT_EQ(s.title(), "kivo  top /U1/");
+  EXPECT_EQ(s.title(), "kivo  top /U1");
   const auto jumped = s.picture();
   constexpr int x = 618, y = 346;  // the middle of the viewport
   EXPECT_GT(jumped.count(green, x - 120, y - 120, x + 120, y + 120), 100);
@@ -95,7 +95,7 @@ TEST_F(FindProgram, AJumpShowsThePartInTheMiddleAndShiftF8GoesBack) {
   EXPECT_EQ(edit(), before);
   go_back();
   EXPECT_EQ(edit(), whole);
-  EXPECT_EQ(s.title(), "kivo  top /");
+  EXPECT_EQ(s.title(), "kivo  top");
   go_back();  // before the area of the start
   s.command("view last");
   s.wait_for_line("# !! Error : NO view to go back to ? ");

@@ -5,6 +5,8 @@
 #include "app/find/go_to.h"
 #include "expand/store.h"
 #include "gx/db/geometry.h"
+#include "gx/display/viewports.h"
+#include "tests/support/counting_screen.h"
 #include "tests/unit/design_session.h"
 
 namespace {
@@ -35,6 +37,20 @@ sheet deep
 
 std::string place() {
   return std::to_string(kv_pext.file_level_cur) + " " + std::string(gx_view(kv_pext.cur_sim_path));
+}
+
+TEST(GoTo, BackIsDrawnOnce) {
+  design_session s(hierarchy);
+  gx_vext.bitmap_size = gx_nominal_size;
+  for (const auto& viewport : set_viewports()) gx_viewport_create(viewport.bounds, viewport.border);
+  kv_display_picture_all(gx_vext.viewport_edit, kv_pext.file_id_cur);
+  const gx_shown_t top = gx_viewport_shown(gx_vext.viewport_edit);
+  EXPECT_EQ(kv_go_to("/X1/Y1", 0), "");
+  const counting_screen screen;
+  EXPECT_EQ(s.run("view last"), lines_t{" VIEw LASt "});
+  EXPECT_EQ(screen.pictures, 1);
+  EXPECT_EQ(place(), "1 ");
+  EXPECT_EQ(gx_viewport_shown(gx_vext.viewport_edit), top);
 }
 
 TEST(GoTo, WalksUpAndDownSelectsAndSaysWhatIsMissing) {
