@@ -9,6 +9,7 @@ struct counting_screen {
 
   counting_screen() {
     pictures = 0;
+    gx_vext.cursor_ind_cur = 1;
     static constexpr gx_screen_t nothing = {
         .draw = [](const gx_stroke_group_t&) {},
         .clip = [](const gx_box16_t&) {},
