@@ -16,8 +16,8 @@
 #include <thread>
 #include <type_traits>
 
-#include "expand/design_records.h"
 #include "expand/output_file.h"
+#include "netlist/design_records.h"
 
 namespace {
 

@@ -69,40 +69,36 @@ kv_explainer_t::place_t kv_explainer_t::place_of(const kv_drawn_t& drawn) {
 
 // --- what is drawn
 
-// Whether a flat net was saved for a net of a sheet and bears its object: not so the members of a
+// Whether a flat net was saved for a net of a sheet and has its object: not so the members of a
 // bus, and what a global brought.
 bool kv_explainer_t::is_saved_by_net(std::int32_t net) const {
-  const auto& record = kv_record(design_.nets, net);
-  if (record.bus != 0) return false;
+  if (netlist_.bus(net) != 0) return false;
   const kv_sheet_t& of = sheet(kv_visit_of_net(origins_, net));
-  const std::int32_t place = find_net(of, record.object_id);
+  const std::int32_t place = find_net(of, netlist_.object_id({kv_named::net, net}));
   return place >= 0 && global_of(of, net_at(of, place).group) == nullptr;
 }
 
 void kv_explainer_t::add_drawn(std::int32_t net, std::vector<kv_drawn_t>& drawn) const {
-  const auto& record = kv_record(design_.nets, net);
   if (is_saved_by_net(net))
-    drawn.push_back({kv_visit_of_net(origins_, net), record.object_id, net, 0});
+    drawn.push_back(
+        {kv_visit_of_net(origins_, net), netlist_.object_id({kv_named::net, net}), net, 0});
   std::int32_t visit = -1, after = 0;  // children of a visit follow one another
-  for (std::int32_t child = record.first_child; child != 0;) {
-    const auto& each = kv_record(design_.net_childs, child);
+  for (const std::int32_t child : netlist_.children(net)) {
     if (visit < 0 || child > after) {
       visit = kv_visit_of_child(origins_, child);
       const auto next = static_cast<std::size_t>(visit) + 1;
       after = next < origins_.visits.size() ? origins_.visits[next].children_before
-                                            : design_.net_childs.count;
+                                            : netlist_.count(kv_named::net_child);
     }
-    drawn.push_back({visit, each.object_id, net, child});
-    child = each.next_child;
+    drawn.push_back({visit, netlist_.object_id({kv_named::net_child, child}), net, child});
   }
 }
 
 std::vector<kv_drawn_t> kv_explainer_t::drawn(std::int32_t net) const {
   std::vector<kv_drawn_t> result;
-  const auto& record = kv_record(design_.nets, net);
-  if (record.bus != 0) {
-    add_drawn(record.bus, result);
-    const std::int32_t bit = kv_record(design_.nets, record.bus).net_bus_start + record.posinbus;
+  if (const std::int32_t bus = netlist_.bus(net); bus != 0) {
+    add_drawn(bus, result);
+    const std::int32_t bit = netlist_.bit(net);
     std::erase_if(result, [&](const kv_drawn_t& each) { return !has_bit(each, bit); });
   }
   add_drawn(net, result);
@@ -111,54 +107,52 @@ std::vector<kv_drawn_t> kv_explainer_t::drawn(std::int32_t net) const {
 
 // Whether a net that is a bus, or a part of one brought by a port, holds that bit of it.
 bool kv_explainer_t::has_bit(const kv_drawn_t& drawn, std::int32_t bit) const {
-  if (drawn.child == 0) return true;
-  if (kv_record(design_.net_childs, drawn.child).net_kind != kv_kind_port) return true;
+  if (drawn.child == 0 || netlist_.child_kind(drawn.child) != kv_kind_port) return true;
   const kv_sheet_t& of = sheet(drawn.visit);
   const std::int32_t net = find_net(of, drawn.object_id);
   if (net < 0) return false;
   const auto& group = gx_at(of.groups, net_at(of, net).group);
-  const auto* pin = pin_into(drawn.visit, group.port);
-  return pin != nullptr && bit >= pin->pin_net_start && bit < pin->pin_net_start + group.width;
+  const kv_object_t pin = pin_into(drawn.visit, group.port);
+  const std::int32_t first = netlist_.net_first_bit(pin);
+  return pin.index != 0 && bit >= first && bit < first + group.width;
 }
 
 // --- words
 
-// The pin of the block that a port of its sheet stands for; null when there is none.
-const kv_pinm_record_t* kv_explainer_t::pin_into(std::int32_t visit, std::int32_t port) const {
+// The pin of the block that a port of its sheet stands for; none when there is none.
+kv_object_t kv_explainer_t::pin_into(std::int32_t visit, std::int32_t port) const {
+  constexpr kv_object_t none{kv_named::pinm, 0};
   const kv_visit_t& here = gx_at(origins_.visits, visit);
-  if (here.above < 0 || port < 0) return nullptr;
-  const auto& macro = kv_record(design_.macros, here.macro);
+  if (here.above < 0 || port < 0) return none;
+  const kv_object_t macro{kv_named::macro, here.macro};
   const kv_sheet_t& above = sheet(here.above);
-  const auto inst = std::ranges::find(above.insts, macro.object_id, &kv_sheet_inst_t::object_id);
-  if (inst == above.insts.end() || inst->port_pins < 0) return nullptr;
+  const auto inst =
+      std::ranges::find(above.insts, netlist_.object_id(macro), &kv_sheet_inst_t::object_id);
+  if (inst == above.insts.end() || inst->port_pins < 0) return none;
   const std::int32_t pin = gx_at(above.port_pins, inst->port_pins + port);
-  return pin < 0 ? nullptr : &kv_record(design_.pinms, macro.first_pin_ind + pin);
+  return pin < 0 ? none : netlist_.pin(macro, pin);
 }
 
 std::string kv_explainer_t::bit_words(std::int32_t net) const {
-  const auto& record = kv_record(design_.nets, net);
-  if (record.bus == 0) return "";
-  const auto& bus = kv_record(design_.nets, record.bus);
-  return "bit " + std::to_string(bus.net_bus_start + record.posinbus) + " of bus " +
-         std::string(kv_text(design_, bus.name));
+  const std::int32_t bus = netlist_.bus(net);
+  if (bus == 0) return "";
+  return "bit " + std::to_string(netlist_.bit(net)) + " of bus " + std::string(netlist_.name(bus));
 }
 
 std::string kv_explainer_t::port_words(std::int32_t net, const place_t& place) const {
   const auto& port = gx_at(place.sheet.ports, place.group().port);
-  const auto* pin = pin_into(place.visit, place.group().port);
+  const kv_object_t pin = pin_into(place.visit, place.group().port);
   std::string words = "port " + std::string(place.sheet.view(port.name)) + " of " +
-                      std::string(kv_visit_path(design_, origins_, place.visit));
-  if (pin == nullptr) return words;
-  words += ", pin " + std::string(kv_text(design_, pin->sim_path));
-  const auto& record = kv_record(design_.nets, net);
+                      std::string(kv_visit_path(netlist_, origins_, place.visit));
+  if (pin.index == 0) return words;
+  words += ", pin " + std::string(netlist_.path(pin));
   const std::int32_t width = place.group().width;
-  if (record.bus != 0) {
+  if (netlist_.bus(net) != 0) {
     words += ", " + bit_words(net);
-  } else if (record.net_type == kv_net_bus &&
-             width < record.net_bus_end - record.net_bus_start + 1) {
-    words += ", bits " + std::to_string(pin->pin_net_start) + " to " +
-             std::to_string(pin->pin_net_start + width - 1) + " of bus " +
-             std::string(kv_text(design_, record.name));
+  } else if (width < netlist_.width(net)) {
+    const std::int32_t first = netlist_.net_first_bit(pin);
+    words += ", bits " + std::to_string(first) + " to " + std::to_string(first + width - 1) +
+             " of bus " + std::string(netlist_.name(net));
   }
   return words;
 }
@@ -168,7 +162,7 @@ std::string kv_explainer_t::tied_words(const place_t& place) const {
   const std::int32_t tied = place.group().tied_global;
   if (tied < 0) return "";
   const std::string name = gx_at(origins_.sheets->globals, tied).nvalue;
-  const std::string path(kv_visit_path(design_, origins_, place.visit));
+  const std::string path(kv_visit_path(netlist_, origins_, place.visit));
   for (const auto& inst : place.sheet.insts) {
     if (inst.is_primitive || inst.port_pins < 0) continue;
     const auto& symbol = gx_at(place.sheet.symbols, inst.symbol);
@@ -193,8 +187,7 @@ std::string kv_explainer_t::root_words(std::int32_t net, const kv_drawn_t& drawn
                                        const place_t& place, std::int32_t& root) const {
   const auto& group = place.group();
   root = group.master;
-  if (drawn.child != 0 && kv_record(design_.net_childs, drawn.child).net_kind == kv_kind_port &&
-      group.port >= 0) {
+  if (drawn.child != 0 && netlist_.child_kind(drawn.child) == kv_kind_port && group.port >= 0) {
     root = gx_at(place.sheet.ports, group.port).net;
     return port_words(net, place);
   }
@@ -204,7 +197,7 @@ std::string kv_explainer_t::root_words(std::int32_t net, const kv_drawn_t& drawn
   }
   const bool is_saved_here =
       kv_visit_of_net(origins_, net) == place.visit &&
-      kv_record(design_.nets, net).object_id == net_at(place.sheet, group.master).object_id;
+      netlist_.object_id({kv_named::net, net}) == net_at(place.sheet, group.master).object_id;
   return is_saved_here ? "" : tied_words(place);
 }
 
@@ -236,7 +229,7 @@ const kv_explainer_t::group_reasons_t& kv_explainer_t::group_reasons(const kv_sh
 std::string kv_explainer_t::reason(std::int32_t net, const kv_drawn_t& drawn) {
   const place_t place = place_of(drawn);
   if (drawn.net != net) {  // the bus that it is a bit of
-    const std::int32_t position = kv_record(design_.nets, net).posinbus;
+    const std::int32_t position = netlist_.position(net);
     const auto named = std::ranges::find_if(place.sheet.globals, [&](const auto& global) {
       return global.usable && global.net == place.net && global.position == position &&
              place.group().width > 0;

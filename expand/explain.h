@@ -7,7 +7,6 @@
 #include <utility>
 #include <vector>
 
-#include "expand/design.h"
 #include "expand/origins.h"
 #include "gx/text/at.h"
 
@@ -22,8 +21,8 @@ struct kv_drawn_t {
 class kv_explainer_t {
  public:
   // Of a design and where it comes from, which must stay as they are.
-  kv_explainer_t(const kv_design_t& design, const kv_origins_t& origins)
-      : design_(design), origins_(origins) {}
+  kv_explainer_t(const kv_memory_netlist_t& netlist, const kv_origins_t& origins)
+      : netlist_(netlist), origins_(origins) {}
 
   // Every net of a sheet in the flat net, in the order of joining; for a bit of a bus first those
   // of the bus that hold it.
@@ -45,7 +44,7 @@ class kv_explainer_t {
   void add_drawn(std::int32_t net, std::vector<kv_drawn_t>& drawn) const;
   bool has_bit(const kv_drawn_t& drawn, std::int32_t bit) const;
   bool is_saved_by_net(std::int32_t net) const;
-  const kv_pinm_record_t* pin_into(std::int32_t visit, std::int32_t port) const;
+  kv_object_t pin_into(std::int32_t visit, std::int32_t port) const;
   std::string port_words(std::int32_t net, const place_t& place) const;
   std::string bit_words(std::int32_t net) const;
   std::string tied_words(const place_t& place) const;
@@ -54,7 +53,7 @@ class kv_explainer_t {
   const group_reasons_t& group_reasons(const kv_sheet_t& sheet, std::int32_t root);
   const std::vector<std::int32_t>& nets_by_id(const kv_sheet_t& sheet);
 
-  const kv_design_t& design_;
+  const kv_memory_netlist_t netlist_;
   const kv_origins_t& origins_;
   std::map<std::pair<const kv_sheet_t*, std::int32_t>, group_reasons_t> reasons_;
   std::map<const kv_sheet_t*, std::vector<std::int32_t>> by_id_;  // place in the list of nets

@@ -51,31 +51,30 @@ std::int32_t kv_visit_inside(const kv_origins_t& origins, std::int32_t macro) {
   return visit >= 0 && at(origins, visit).macro == macro ? visit : -1;
 }
 
-kv_place_t kv_place_of(const kv_design_t& design, const kv_origins_t& origins, kv_hit_t hit) {
-  const std::int32_t index = hit.index;
-  switch (hit.what) {
-    case kv_named::inst:
-      return {visit_of_inst(origins, index), design.insts[index].object_id};
-    case kv_named::macro:
-      return {visit_of_macro(origins, index), design.macros[index].object_id};
-    case kv_named::net:
-      return {kv_visit_of_net(origins, index), design.nets[index].object_id};
-    case kv_named::net_child:
-      return {kv_visit_of_child(origins, index), design.net_childs[index].object_id};
-    case kv_named::pin: {
-      const auto& pin = design.pins[index];
-      return {visit_of_inst(origins, pin.instance_ind), pin.object_id};
+kv_place_t kv_place_of(const kv_memory_netlist_t& netlist, const kv_origins_t& origins,
+                       kv_object_t object) {
+  const auto visit = [&] {
+    switch (object.what) {
+      case kv_named::inst:
+        return visit_of_inst(origins, object.index);
+      case kv_named::macro:
+        return visit_of_macro(origins, object.index);
+      case kv_named::net:
+        return kv_visit_of_net(origins, object.index);
+      case kv_named::net_child:
+        return kv_visit_of_child(origins, object.index);
+      case kv_named::pin:
+        return visit_of_inst(origins, netlist.owner(object).index);
+      case kv_named::pinm:
+        break;
     }
-    case kv_named::pinm: {
-      const auto& pin = design.pinms[index];
-      return {visit_of_macro(origins, pin.macro_ind), pin.object_id};
-    }
-  }
-  return {};
+    return visit_of_macro(origins, netlist.owner(object).index);
+  };
+  return {visit(), netlist.object_id(object)};
 }
 
-std::string_view kv_visit_path(const kv_design_t& design, const kv_origins_t& origins,
+std::string_view kv_visit_path(const kv_memory_netlist_t& netlist, const kv_origins_t& origins,
                                std::int32_t visit) {
   const std::int32_t macro = visit >= 0 ? at(origins, visit).macro : 0;
-  return macro > 0 ? kv_text(design, kv_record(design.macros, macro).sim_path) : std::string_view{};
+  return netlist.path({kv_named::macro, macro});
 }

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "expand/design.h"
-#include "expand/path_index.h"
 #include "expand/sheets.h"
+#include "netlist/netlist.h"
 
 // One visit. What it saved lies between the counts of the arrays before and after: nets and
 // children of its own alone, leaf instances and macros also of the visits below it.
@@ -39,8 +39,9 @@ struct kv_place_t {
   std::int32_t visit = -1;  // of the sheet; -1: nowhere
   int object_id = 0;        // on it
 };
-kv_place_t kv_place_of(const kv_design_t& design, const kv_origins_t& origins, kv_hit_t hit);
+kv_place_t kv_place_of(const kv_memory_netlist_t& netlist, const kv_origins_t& origins,
+                       kv_object_t object);
 
 // The simulation path of the sheet: "" at the top.
-std::string_view kv_visit_path(const kv_design_t& design, const kv_origins_t& origins,
+std::string_view kv_visit_path(const kv_memory_netlist_t& netlist, const kv_origins_t& origins,
                                std::int32_t visit);

@@ -5,7 +5,6 @@
 
 #include "expand/debug.h"
 #include "expand/design_output.h"
-#include "expand/design_records.h"
 #include "expand/estimate.h"
 #include "expand/flatten.h"
 #include "expand/messages.h"
@@ -14,6 +13,7 @@
 #include "gx/text/at.h"
 #include "gx/text/date.h"
 #include "gx/text/session_state.h"
+#include "netlist/design_records.h"
 
 namespace {
 

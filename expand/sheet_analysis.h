@@ -11,11 +11,12 @@
 #include <string_view>
 #include <vector>
 
-#include "expand/design.h"
 #include "expand/messages.h"
 #include "expand/net_join.h"
+#include "expand/setup.h"
 #include "gx/db/file_records.h"
 #include "gx/db/ids.h"
+#include "netlist/records.h"
 
 // A piece of kv_sheet_t::text.
 struct kv_text_t {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "import/kicad/reader.h"
 #include "import/lepton/reader.h"
 #include "import/xschem/reader.h"
 
@@ -10,6 +11,7 @@ namespace {
 constexpr gxi_format_t formats[] = {
     {"xschem", "xschem", gxi_is_xschem, gxi_read_xschem},
     {"lepton", "Lepton EDA and gEDA", gxi_is_lepton, gxi_read_lepton},
+    {"kicad", "KiCad 6 and later", gxi_is_kicad, gxi_read_kicad},
 };
 
 const gxi_format_t* found(auto fits) {

@@ -198,14 +198,14 @@ class soundness_check {
   }
   bool sound(std::int32_t i, const kv_inst_record_t& inst) const {
     return in_place(i, inst) && range(inst.first_pin_ind, inst.nb_of_pin, kv_array::pins) &&
-           properties(inst, design_.property_instance());
+           properties(inst, design_.kept().property_instance);
   }
   bool sound(std::int32_t i, const kv_pin_record_t& pin) {
     if (!in_place(i, pin)) return false;
     pins_in_.take(i, pin.next_pin_in_ind);
     pins_out_.take(i, pin.next_pin_out_ind);
     return with_owner<kv_inst_record_t>(i, pin.instance_ind) &&
-           properties(pin, design_.property_pin());
+           properties(pin, design_.kept().property_pin);
   }
   bool sound(std::int32_t i, const kv_net_child_record_t& child) {
     if (!in_place(i, child)) return false;
@@ -219,18 +219,18 @@ class soundness_check {
       const int width = std::abs(net.net_bus_end - net.net_bus_start) + 1;
       if (!range(net.netind_start, width, kv_array::nets)) return false;
     }
-    return properties(net, design_.property_net()) &&
+    return properties(net, design_.kept().property_net) &&
            pins_in_.counted(net.first_pin_in_ind, net.nb_pin_in) &&
            pins_out_.counted(net.first_pin_out_ind, net.nb_pin_out) &&
            children_.length(net.first_child) == net.nb_of_child;
   }
   bool sound(std::int32_t i, const kv_macro_record_t& macro) const {
     return in_place(i, macro) && range(macro.first_pin_ind, macro.nb_of_pin, kv_array::pinms) &&
-           properties(macro, design_.property_instance());
+           properties(macro, design_.kept().property_instance);
   }
   bool sound(std::int32_t i, const kv_pinm_record_t& pin) {
     return in_place(i, pin) && with_owner<kv_macro_record_t>(i, pin.macro_ind) &&
-           properties(pin, design_.property_pin());
+           properties(pin, design_.kept().property_pin);
   }
 
   template <typename Record>

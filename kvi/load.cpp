@@ -83,10 +83,11 @@ kvi_load_result kvi_design_t::map(int fd) {
 
 void kvi_design_t::decode_lists() {
   std::size_t at = header_size;
-  for (std::size_t part = 0; part < lists_.size(); ++part) {
-    lists_[part].count = info_.*kv_list_parts[part].count;
-    for (std::int32_t i = 0; i < lists_[part].count; ++i, at += entry_size) {
-      kv_decode_record(file_.bytes() + at, gx_at(lists_[part].entry, i));
+  for (const kv_list_part_t& part : kv_list_parts) {
+    auto& list = kept_.*part.list;
+    list.count = info_.*part.count;
+    for (std::int32_t i = 0; i < list.count; ++i, at += entry_size) {
+      kv_decode_record(file_.bytes() + at, gx_at(list.entry, i));
     }
   }
   std::size_t k = 0;

@@ -6,8 +6,8 @@
 #include <iterator>
 #include <string>
 
-#include "expand/design_records.h"
 #include "gx/text/at.h"
+#include "netlist/netlist.h"
 #include "platform/mapped_file.h"
 
 enum class kvi_load_result {
@@ -33,10 +33,10 @@ class kvi_design_t {
   bool is_unchanged() const;
 
   const kv_general_info_record_t& info() const { return info_; }
-  const kv_list_t<kv_prop_type_record_t>& list(std::size_t part) const { return lists_[part]; }
-  const auto& property_instance() const { return lists_[0]; }
-  const auto& property_pin() const { return lists_[1]; }
-  const auto& property_net() const { return lists_[2]; }
+  const kv_kept_lists_t& kept() const { return kept_; }
+  const kv_list_t<kv_prop_type_record_t>& list(std::size_t part) const {
+    return kept_.*gx_at(kv_list_parts, part).list;
+  }
 
   std::int32_t count(kv_array array) const { return gx_at(count_, array); }
   template <typename Record>
@@ -53,6 +53,14 @@ class kvi_design_t {
     Record record;
     kv_decode_record(file_.bytes() + place_of<Record>(index), record);
     return record;
+  }
+  // One field of record `index`, which the design holds.
+  template <auto Member>
+  auto number(std::int32_t index) const {
+    using record = typename kv_member_t<Member>::record;
+    typename kv_member_t<Member>::value value{};
+    kv_decode_value(file_.bytes() + place_of<record>(index) + kv_offset_of<Member>(), value);
+    return value;
   }
   // The characters of a string; "" for 0.
   std::string_view text(std::int32_t string_index) const {
@@ -83,11 +91,33 @@ class kvi_design_t {
 
   kv_general_info_record_t info_;
   std::array<std::uint8_t, header_size> header_{};
-  std::array<kv_list_t<kv_prop_type_record_t>, std::size(kv_list_parts)> lists_;
+  kv_kept_lists_t kept_;
   std::array<std::int32_t, parts> count_{};
   std::array<std::size_t, parts> offset_{};  // of each part, from the start of the file
   x_mapped_file file_;
 };
+
+// The mapped design as a netlist.
+template <>
+struct kv_source_t<kvi_design_t> {
+  template <typename Record>
+  static std::int32_t count(const kvi_design_t& design) {
+    return design.count<Record>();
+  }
+  template <auto Member>
+  static auto number(const kvi_design_t& design, std::int32_t index) {
+    return design.number<Member>(index);
+  }
+  static kv_prop_record_t property(const kvi_design_t& design, std::int32_t index) {
+    return design.get<kv_prop_record_t>(index);
+  }
+  static std::string_view text(const kvi_design_t& design, std::int32_t index) {
+    return design.text(index);
+  }
+  static const kv_kept_lists_t& kept(const kvi_design_t& design) { return design.kept(); }
+  static const kv_general_info_record_t& info(const kvi_design_t& design) { return design.info(); }
+};
+using kvi_netlist_t = kv_netlist_t<kvi_design_t>;
 
 // How the loading of a file went, and in words, with its name, when it failed.
 struct kvi_loaded_t {

@@ -2,15 +2,11 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <iterator>
 #include <string>
 
-#include "gx/text/at.h"
 #include "kvi/state.h"
 
 namespace {
-
-using prop_list = kv_list_t<kv_prop_type_record_t>;
 
 void set(kvi_string_record_t& string, std::string_view text) {
   kvi_copy_string(static_cast<std::int32_t>(text.size()), text.data(), &string);
@@ -23,53 +19,66 @@ Record* allocated(Record** record) {
   return *record;
 }
 
-void fill_property(const kv_prop_record_t& from, std::string_view name, kvi_prop_record_t& to) {
-  set(to.name, name);
-  to.vtype = from.prop_type;
-  switch (from.prop_type) {
+void fill_property(const kv_property_t& from, kvi_prop_record_t& to) {
+  set(to.name, from.name);
+  to.vtype = from.type;
+  switch (from.type) {
     case kv_prop_string:
       to.value.svalue.charp = to.text;
-      set(to.value.svalue, kvi_text(from.valuec));
+      set(to.value.svalue, from.text);
       to.text = to.value.svalue.charp;
       break;
     case kv_prop_int:
-      std::copy_n(from.valuei, 3, to.value.ivalue);
+      std::copy_n(from.whole, 3, to.value.ivalue);
       break;
     case kv_prop_time:
-      std::copy_n(from.valuet, 3, to.value.tvalue);
+      std::copy_n(from.whole, 3, to.value.tvalue);
       break;
     case kv_prop_real:
-      std::copy_n(from.valuer, 3, to.value.rvalue);
+      std::copy_n(from.real, 3, to.value.rvalue);
       break;
   }
 }
 
-// What all three kinds of records have: properties, path and name. The name is `stored`, or the
-// value of the string property `name_property`, or `fallback`.
-template <typename Record, typename Stored>
-void fill_common(Record& to, const Stored& from, std::int32_t index, const prop_list& list,
+// What all kinds of records have: properties, path and name. The name is `stored`, or the value of
+// the string property `name_property`, or `fallback`.
+template <typename Record>
+void fill_common(Record& to, const kvi_netlist_t& netlist, kv_object_t from,
                  std::string_view stored, std::string_view name_property,
                  std::string_view fallback) {
-  to.self_id = index;
-  set(to.sim_path, kvi_text(from.sim_path));
+  to.self_id = from.index;
+  set(to.sim_path, netlist.path(from));
   to.nb_of_property = 0;
-  std::string name(stored);
-  const std::int32_t nb_of_property = std::min<std::int32_t>(from.nb_of_property, list.count);
-  for (std::int32_t k = 0; k < nb_of_property; ++k) {
-    const std::int32_t prop_ind = from.first_prop + k;
-    if (!kvi_state.design.holds<kv_prop_record_t>(prop_ind) || !allocated(&to.prop[k])) break;
-    const auto prop = kvi_state.design.get<kv_prop_record_t>(prop_ind);
-    const std::string_view prop_name = gx_view(gx_at(list.entry, k).name);
-    fill_property(prop, prop_name, *to.prop[k]);
+  std::string_view name = stored;
+  const std::int32_t nb_of_properties = netlist.nb_of_properties(from);
+  for (std::int32_t k = 0; k < nb_of_properties; ++k) {
+    if (!allocated(&to.prop[k])) break;
+    const kv_property_t property = netlist.property(from, k);
+    fill_property(property, *to.prop[k]);
     ++to.nb_of_property;
-    const bool names_it = prop.prop_type == kv_prop_string &&
-                          prop_name.size() == name_property.size() &&
-                          std::equal(prop_name.begin(), prop_name.end(), name_property.begin(),
-                                     [](char a, char b) { return kvi_upper_case(a) == b; });
-    if (name.empty() && names_it) name = kvi_text(prop.valuec);
+    const bool names_it = property.type == kv_prop_string &&
+                          std::ranges::equal(property.name, name_property, {}, kvi_upper_case);
+    if (name.empty() && names_it) name = property.text;
   }
-  if (name.empty()) name = fallback;
-  set(to.name, name);
+  set(to.name, name.empty() ? fallback : name);
+}
+
+// What instances and macros have.
+template <typename Record>
+void fill_owner(Record& to, const kvi_netlist_t& netlist, kv_object_t from) {
+  set(to.file_path, netlist.file_path(from));
+  to.timing_index = netlist.timing_index(from);
+  fill_common(to, netlist, from, {}, "INST", "I_" + std::to_string(from.index));
+}
+
+// What pins of both have.
+template <typename Record>
+void fill_pin(Record& to, const kvi_netlist_t& netlist, kv_object_t from) {
+  to.net = netlist.net(from);
+  to.pin_start = netlist.first_bit(from);
+  to.pin_end = netlist.last_bit(from);
+  to.pin_net_start = netlist.net_first_bit(from);
+  fill_common(to, netlist, from, {}, "PIN", "N_" + std::to_string(from.index));
 }
 
 template <typename Record>
@@ -103,80 +112,56 @@ void free_common(Record** record) {
 }  // namespace
 
 void kvi_get_net_record(std::int32_t net, kvi_net_record_t** record) {
-  const auto& design = kvi_loaded();
-  if (!design.holds<kv_net_record_t>(net)) return;
-  if (!allocated(record)) return;
-  const auto from = design.get<kv_net_record_t>(net);
+  const kvi_netlist_t netlist = kvi_loaded_netlist();
+  if (!netlist.holds({kv_named::net, net}) || !allocated(record)) return;
   kvi_net_record_t& to = **record;
-  const bool is_bus = from.net_type == kv_net_bus;
-  to.net_type = from.net_type;
-  to.net_kind = from.net_kind;
-  to.net_bus_start = is_bus ? from.net_bus_start : std::int16_t{0};
-  to.net_bus_end = is_bus ? from.net_bus_end : std::int16_t{0};
-  to.netind_start = is_bus ? from.netind_start : 0;
-  to.first_sub_net = is_bus ? from.first_sub_net : 0;
-  to.bus = is_bus ? 0 : from.bus;
-  to.father_net = is_bus ? 0 : from.father_net;
-  to.next_sub_net = is_bus ? 0 : from.next_sub_net;
-  const bool is_member = !is_bus && from.bus != 0;
-  fill_common(to, from, net, design.property_net(), kvi_text(from.name), "NET",
-              is_member ? "_" + std::to_string(from.posinbus) : "N_" + std::to_string(net));
+  const bool is_bus = netlist.is_bus(net);
+  to.net_type = netlist.net_type(net);
+  to.net_kind = netlist.net_kind(net);
+  to.net_bus_start = netlist.bus_start(net);
+  to.net_bus_end = netlist.bus_end(net);
+  to.netind_start = netlist.first_member(net);
+  to.first_sub_net = is_bus ? netlist.first_named(net) : 0;
+  to.bus = is_bus ? 0 : netlist.bus(net);
+  to.father_net = is_bus ? 0 : netlist.father(net);
+  to.next_sub_net = is_bus ? 0 : netlist.next_named(net);
+  fill_common(
+      to, netlist, {kv_named::net, net}, netlist.name(net), "NET",
+      to.bus != 0 ? "_" + std::to_string(netlist.position(net)) : "N_" + std::to_string(net));
 }
 
 void kvi_get_instance_record(std::int32_t instance, kvi_instance_record_t** record) {
-  const auto& design = kvi_loaded();
-  if (!design.holds<kv_inst_record_t>(instance)) return;
-  if (!allocated(record)) return;
-  const auto from = design.get<kv_inst_record_t>(instance);
-  kvi_instance_record_t& to = **record;
-  set(to.file_path, kvi_text(from.file_path));
-  to.primitive = 1;
-  to.owning_instance = 0;
-  to.timing_index = from.timing_index;
-  fill_common(to, from, instance, design.property_instance(), {}, "INST",
-              "I_" + std::to_string(instance));
+  const kvi_netlist_t netlist = kvi_loaded_netlist();
+  const kv_object_t from{kv_named::inst, instance};
+  if (!netlist.holds(from) || !allocated(record)) return;
+  (*record)->primitive = 1;
+  (*record)->owning_instance = 0;
+  fill_owner(**record, netlist, from);
 }
 
 void kvi_get_pin_record(std::int32_t pin, kvi_pin_record_t** record) {
-  const auto& design = kvi_loaded();
-  if (!design.holds<kv_pin_record_t>(pin)) return;
-  if (!allocated(record)) return;
-  const auto from = design.get<kv_pin_record_t>(pin);
-  kvi_pin_record_t& to = **record;
-  to.pin_type = from.io_type;
-  to.instance = from.instance_ind;
-  to.net = from.net_ind;
-  to.pin_start = from.pin_start;
-  to.pin_end = from.pin_end;
-  to.pin_net_start = from.pin_net_start;
-  to.location = {0, 0};
-  fill_common(to, from, pin, design.property_pin(), {}, "PIN", "N_" + std::to_string(pin));
+  const kvi_netlist_t netlist = kvi_loaded_netlist();
+  const kv_object_t from{kv_named::pin, pin};
+  if (!netlist.holds(from) || !allocated(record)) return;
+  (*record)->pin_type = netlist.io_type(from);
+  (*record)->instance = netlist.owner(from).index;
+  (*record)->location = {0, 0};
+  fill_pin(**record, netlist, from);
 }
 
 void kvi_get_macro_record(std::int32_t macro, kvi_macro_record_t** record) {
-  const auto& design = kvi_loaded();
-  if (!design.holds<kv_macro_record_t>(macro)) return;
-  if (!allocated(record)) return;
-  const auto from = design.get<kv_macro_record_t>(macro);
-  kvi_macro_record_t& to = **record;
-  set(to.file_path, kvi_text(from.file_path));
-  to.timing_index = from.timing_index;
-  fill_common(to, from, macro, design.property_instance(), {}, "INST",
-              "I_" + std::to_string(macro));
+  const kvi_netlist_t netlist = kvi_loaded_netlist();
+  const kv_object_t from{kv_named::macro, macro};
+  if (!netlist.holds(from) || !allocated(record)) return;
+  fill_owner(**record, netlist, from);
 }
 
 void kvi_get_macro_pin_record(std::int32_t pin, kvi_macro_pin_record_t** record) {
-  const auto& design = kvi_loaded();
-  if (!design.holds<kv_pinm_record_t>(pin)) return;
-  if (!allocated(record)) return;
-  const auto from = design.get<kv_pinm_record_t>(pin);
-  kvi_macro_pin_record_t& to = **record;
-  to.macro = from.macro_ind;
-  to.net = from.net_ind;
-  to.pin_start = from.pin_start;
-  to.pin_end = from.pin_end;
-  to.pin_net_start = from.pin_net_start;
-  fill_common(to, from, pin, design.property_pin(), {}, "PIN", "N_" + std::to_string(pin));
+  const kvi_netlist_t netlist = kvi_loaded_netlist();
+  const kv_object_t from{kv_named::pinm, pin};
+  if (!netlist.holds(from) || !allocated(record)) return;
+  (*record)->macro = netlist.owner(from).index;
+  fill_pin(**record, netlist, from);
 }
 
 void kvi_free_net_record(kvi_net_record_t** record) {

@@ -29,6 +29,7 @@ void kvi_debug(const char* text);
 // The loaded design; an empty one when there is none, or when its file is no longer what was
 // loaded.
 const kvi_design_t& kvi_loaded();
+inline kvi_netlist_t kvi_loaded_netlist() { return kvi_netlist_t(kvi_loaded()); }
 
 // The characters of a string of the loaded design; "" for 0.
 inline std::string_view kvi_text(std::int32_t string_index) {

@@ -15,6 +15,7 @@ What is expected follows, in any choice and order; all lines of a section are co
   === sheet CELL PATTERN  the lines of `gxdump --source CELL` in which the regular expression is found;
   === symbols CELL PATTERN  the same of the symbols that it names
   === expand PATTERN      lines of expand.do
+  === beside NAME         the lines of that file of the design directory
   === notes               what gximport.log tells, sorted, without the directory of the case
   === refused             what gximport says when it ends with status 1
 The status is 1 where anything differs; then both are shown.
@@ -77,6 +78,9 @@ class Import:
     def notes(self, _):
         lines = open(self.design + "/gximport.log", encoding="latin-1").read().replace(self.here + "/", "")
         return sorted(lines.splitlines()[5:])
+
+    def beside(self, words):
+        return open(f"{self.design}/{words[0]}", encoding="latin-1").read().splitlines()
 
     def expand(self, words):
         lines = open(self.design + "/expand.do", encoding="latin-1").read().splitlines()

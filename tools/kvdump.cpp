@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <iterator>
 
-#include "expand/design_records.h"
 #include "kvi/load.h"
+#include "netlist/design_records.h"
 #include "platform/usage.h"
 #include "tools/escape.h"
 

@@ -1,7 +1,6 @@
 #include "app/check/netlist_findings.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <unordered_map>
 #include <vector>
 
@@ -16,32 +15,16 @@ struct net_pins_t {
   std::int32_t first_out = 0, second_out = 0;
 };
 
-struct members_t {
-  std::int32_t first, count;
-};
-
-// The nets that a pin is on: one, or members of a bus.
-template <typename Pin>
-members_t nets_of(const kv_design_t& design, const Pin& pin) {
-  const auto& net = design.nets[pin.net_ind];
-  if (net.net_type != kv_net_bus) return {pin.net_ind, 1};
-  const std::int32_t width = net.net_bus_end - net.net_bus_start + 1;
-  const std::int32_t from = pin.pin_net_start - net.net_bus_start;
-  const std::int32_t to = std::min(from + std::abs(pin.pin_end - pin.pin_start) + 1, width);
-  const std::int32_t first = std::clamp(from, 0, width);
-  return {net.netind_start + first, std::max(to - first, 0)};
-}
-
 class netlist_check {
  public:
   explicit netlist_check(const kv_netlist_findings_t& found)
-      : design_(found.design), found_(found) {}
+      : netlist_(found.design), found_(found) {}
 
   void run() {
     take_pins();
     take_ports();
     const auto each_net = [this](void (netlist_check::*check)(std::int32_t)) {
-      for (std::int32_t net = 1; net <= design_.nets.count; ++net) (this->*check)(net);
+      for (std::int32_t net = 1; net <= nb_of_nets(); ++net) (this->*check)(net);
     };
     if (is_on(kv_rule::no_driver)) each_net(&netlist_check::check_driver);
     if (is_on(kv_rule::many_drivers)) each_net(&netlist_check::check_drivers);
@@ -55,22 +38,22 @@ class netlist_check {
   bool is_on(kv_rule rule) const {
     return kv_severity_of(found_.severities, rule) != kv_severity::off;
   }
-  std::string_view text(std::int32_t string) const { return kv_text(design_, string); }
+  std::int32_t nb_of_nets() const { return netlist_.count(kv_named::net); }
   std::string quoted(std::int32_t pin) const {
-    return "\"" + std::string(text(design_.pins[pin].sim_path)) + "\"";
+    return "\"" + std::string(netlist_.path({kv_named::pin, pin})) + "\"";
   }
 
   void take_pins() {
-    nets_.resize(static_cast<std::size_t>(design_.nets.count) + 1);
-    for (std::int32_t ind = 1; ind <= design_.pins.count; ++ind) {
-      const auto& pin = design_.pins[ind];
-      if (pin.net_ind == 0) continue;
-      const auto [first, count] = nets_of(design_, pin);
-      for (std::int32_t i = 0; i < count; ++i) {
-        auto& net = gx_at(nets_, first + i);
+    nets_.resize(static_cast<std::size_t>(nb_of_nets()) + 1);
+    for (std::int32_t ind = 1; ind <= netlist_.count(kv_named::pin); ++ind) {
+      const kv_object_t pin{kv_named::pin, ind};
+      const kv_bits_t bits = netlist_.bits(pin);
+      const std::int16_t type = netlist_.io_type(pin);
+      for (std::int32_t i = bits.met_first(); i < bits.met_after(); ++i) {
+        auto& net = gx_at(nets_, i);
         if (net.pins++ == 0) net.first = ind;
-        if (pin.io_type == kv_io_in) ++net.in;
-        if (pin.io_type != kv_io_out) continue;
+        if (type == kv_io_in) ++net.in;
+        if (type != kv_io_out) continue;
         if (++net.out == 1) net.first_out = ind;
         if (net.out == 2) net.second_out = ind;
       }
@@ -89,14 +72,14 @@ class netlist_check {
   }
 
   // How the outside meets a net: 0 when it does not.
-  std::int16_t outside(const kv_net_record_t& net) const {
-    const auto& whole = net.bus != 0 ? design_.nets[net.bus] : net;
-    const auto port = outside_.find(text(whole.sim_path));
+  std::int16_t outside(std::int32_t net) const {
+    const std::int32_t bus = netlist_.bus(net);
+    const auto port = outside_.find(netlist_.path({kv_named::net, bus != 0 ? bus : net}));
     return port == outside_.end() ? std::int16_t{0} : port->second;
   }
 
   kv_place_t place_of(kv_named what, std::int32_t ind) const {
-    return kv_place_of(design_, found_.origins, {what, ind});
+    return kv_place_of(netlist_, found_.origins, {what, ind});
   }
 
   const kv_sheet_pin_t& pin_at(kv_place_t place) {
@@ -107,16 +90,15 @@ class netlist_check {
   }
 
   void add_net(kv_rule rule, std::int32_t ind, std::string words) const {
-    found_.add(rule, text(design_.nets[ind].sim_path), place_of(kv_named::net, ind),
+    found_.add(rule, netlist_.path({kv_named::net, ind}), place_of(kv_named::net, ind),
                std::move(words));
   }
 
   // A global stands for a supply, whose source need not be drawn.
   void check_driver(std::int32_t ind) {
-    const auto& net = design_.nets[ind];
     const auto& pins = gx_at(nets_, ind);
-    if (pins.in == 0 || pins.in < pins.pins || net.net_kind == kv_kind_global) return;
-    const std::int16_t port = outside(net);
+    if (pins.in == 0 || pins.in < pins.pins || netlist_.net_kind(ind) == kv_kind_global) return;
+    const std::int16_t port = outside(ind);
     if (port == kv_io_in || port == kv_io_io) return;
     add_net(kv_rule::no_driver, ind,
             "nothing drives it : " + std::to_string(pins.in) +
@@ -134,9 +116,9 @@ class netlist_check {
     std::int32_t first = pins.first_out, second = pins.second_out, more = pins.out - 2;
     if (!is_declared(first) || !is_declared(second)) {
       std::vector<std::int32_t> declared;
-      for (auto pin = design_.nets[ind].first_pin_out_ind; pin != 0;
-           pin = design_.pins[pin].next_pin_out_ind) {
-        if (design_.pins[pin].io_type == kv_io_out && is_declared(pin)) declared.push_back(pin);
+      for (const std::int32_t pin : netlist_.pins_out(ind)) {
+        if (netlist_.io_type({kv_named::pin, pin}) == kv_io_out && is_declared(pin))
+          declared.push_back(pin);
       }
       std::ranges::sort(declared);
       if (declared.size() < 2) return;
@@ -151,63 +133,62 @@ class netlist_check {
 
   void check_open(kv_rule rule) {
     if (!is_on(rule)) return;
-    const auto each = [&](const auto& pins, kv_named what, const char* words) {
-      for (std::int32_t ind = 1; ind <= pins.count; ++ind) {
-        if (pins[ind].net_ind != 0) continue;
+    const auto each = [&](kv_named what, const char* words) {
+      for (std::int32_t ind = 1; ind <= netlist_.count(what); ++ind) {
+        if (netlist_.net({what, ind}) != 0) continue;
         const auto place = place_of(what, ind);
         const bool is_input = pin_at(place).io_type == kv_io_in;
         if (is_input == (rule == kv_rule::pin_open))
-          found_.add(rule, text(pins[ind].sim_path), place, words);
+          found_.add(rule, netlist_.path({what, ind}), place, words);
       }
     };
-    each(design_.pins, kv_named::pin, "the pin is on no net");
-    each(design_.pinms, kv_named::pinm, "the pin of the block is on no net");
+    each(kv_named::pin, "the pin is on no net");
+    each(kv_named::pinm, "the pin of the block is on no net");
   }
 
   void check_single(std::int32_t ind) {
     const auto& pins = gx_at(nets_, ind);
-    if (pins.pins != 1 || outside(design_.nets[ind]) != 0) return;
+    if (pins.pins != 1 || outside(ind) != 0) return;
     add_net(kv_rule::single_pin, ind, "its only pin is " + quoted(pins.first));
   }
 
   // Pins of single bits are taps of a bus, not pins of its width.
   void check_widths() {
     struct seen_t {
-      std::int32_t width = 0, path = 0, other_width = 0, other_path = 0;
+      std::int32_t width = 0, other_width = 0;
+      kv_object_t pin, other_pin;
     };
     std::unordered_map<std::int32_t, seen_t> buses;
-    const auto take = [&](const auto& pins) {
-      for (std::int32_t ind = 1; ind <= pins.count; ++ind) {
-        const auto& pin = pins[ind];
-        if (pin.net_ind == 0 || pin.pin_start == pin.pin_end) continue;
-        if (design_.nets[pin.net_ind].net_type != kv_net_bus) continue;
-        const std::int32_t width = std::abs(pin.pin_end - pin.pin_start) + 1;
-        auto& seen = buses[pin.net_ind];
+    for (const kv_named what : {kv_named::pinm, kv_named::pin}) {
+      for (std::int32_t ind = 1; ind <= netlist_.count(what); ++ind) {
+        const kv_object_t pin{what, ind};
+        const std::int32_t width = netlist_.width(pin);
+        if (width == 1 || !netlist_.is_bus(netlist_.net(pin))) continue;
+        auto& seen = buses[netlist_.net(pin)];
         if (seen.width == 0) {
-          seen = {width, pin.sim_path};
+          seen.width = width;
+          seen.pin = pin;
         } else if (width != seen.width && seen.other_width == 0) {
           seen.other_width = width;
-          seen.other_path = pin.sim_path;
+          seen.other_pin = pin;
         }
       }
-    };
-    take(design_.pinms);
-    take(design_.pins);
-    for (std::int32_t ind = 1; ind <= design_.nets.count; ++ind) {
-      if (design_.nets[ind].net_type != kv_net_bus) continue;
+    }
+    for (std::int32_t ind = 1; ind <= nb_of_nets(); ++ind) {
+      if (!netlist_.is_bus(ind)) continue;
       const auto at = buses.find(ind);
       if (at == buses.end() || at->second.other_width == 0) continue;
       const auto& seen = at->second;
-      const auto pin = [&](std::int32_t width, std::int32_t path) {
-        return std::to_string(width) + " bits at \"" + std::string(text(path)) + "\"";
+      const auto words = [&](std::int32_t width, kv_object_t pin) {
+        return std::to_string(width) + " bits at \"" + std::string(netlist_.path(pin)) + "\"";
       };
       add_net(kv_rule::bus_widths, ind,
-              "pins of different widths : " + pin(seen.width, seen.path) + ", " +
-                  pin(seen.other_width, seen.other_path));
+              "pins of different widths : " + words(seen.width, seen.pin) + ", " +
+                  words(seen.other_width, seen.other_pin));
     }
   }
 
-  const kv_design_t& design_;
+  const kv_memory_netlist_t netlist_;
   const kv_netlist_findings_t& found_;
   std::vector<net_pins_t> nets_;                                // by flat net
   std::unordered_map<std::string_view, std::int16_t> outside_;  // by path: kv_io_type of the port

@@ -2,13 +2,15 @@
 
 #include <algorithm>
 
+#include "netlist/path_index.h"
+
 namespace {
 
 constexpr kv_rule found_by_message[] = {kv_rule::bus_range, kv_rule::run};
 
 // Where a path is drawn: the pin, else the part, else the net; of what the run had not come to, the
 // block that it is in.
-kv_place_t place_of(const kv_netlist_findings_t& found, const kv_path_index_t& paths,
+kv_place_t place_of(const kv_netlist_findings_t& found, const kv_memory_paths_t& paths,
                     std::string_view path) {
   constexpr kv_named first_to_last[] = {kv_named::pin,   kv_named::pinm, kv_named::inst,
                                         kv_named::macro, kv_named::net,  kv_named::net_child};
@@ -17,7 +19,7 @@ kv_place_t place_of(const kv_netlist_findings_t& found, const kv_path_index_t& p
     const auto hits = paths.find({&key, 1}, SIZE_MAX);
     for (const kv_named what : first_to_last) {
       const auto hit = std::ranges::find_if(
-          hits, [&](kv_hit_t h) { return h.what == what && paths.path(h) == path; });
+          hits, [&](kv_object_t h) { return h.what == what && paths.path(h) == path; });
       if (hit != hits.end()) return kv_place_of(found.design, found.origins, *hit);
     }
   }
@@ -37,7 +39,7 @@ void kv_run_messages::take(const kv_told_t& told) {
 
 void kv_run_messages::find(const kv_netlist_findings_t& found) const {
   if (messages_.empty()) return;
-  const kv_path_index_t paths(found.design);
+  const kv_memory_paths_t paths(found.design);
   for (const kv_rule rule : found_by_message) {
     for (const auto& message : messages_) {
       if (message.rule != rule) continue;

@@ -16,8 +16,7 @@ void kv_highlight_net_cmd(const kv_command_t& command) {
   if (!nets) return;
   for (const std::int32_t net : *nets) {
     kv_highlight(*expanded, net);
-    gx_tell(" HIGhlight NET ",
-            kv_text(expanded->design, kv_record(expanded->design.nets, net).sim_path), " ");
+    gx_tell(" HIGhlight NET ", expanded->netlist.path({kv_named::net, net}), " ");
   }
   kv_redraw_views();
 }

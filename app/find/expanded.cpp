@@ -12,7 +12,7 @@ std::optional<kv_expanded_t> kv_expanded() {
   const auto& origins = kv_sext.origins;
   if (origins.visits.empty() || kv_sext.strings.count == 0) return std::nullopt;
   if (kv_pext.paths == nullptr || kv_pext.paths_of_run != origins.run) {
-    kv_pext.paths = std::make_shared<const kv_path_index_t>(kv_sext);
+    kv_pext.paths = std::make_shared<const kv_memory_paths_t>(kv_memory_netlist_t(kv_sext));
     kv_pext.paths_of_run = origins.run;
   }
   return kv_expanded_t{kv_sext, origins, *kv_pext.paths};
@@ -29,18 +29,19 @@ std::int32_t kv_visit_at(const kv_expanded_t& expanded, std::string_view sheet_p
 }
 
 std::int32_t kv_flat_net_of(const kv_expanded_t& expanded, std::int32_t visit, int net_id) {
-  const auto& [design, origins, paths] = expanded;
+  const auto& [netlist, origins, paths] = expanded;
   const auto after = static_cast<std::size_t>(visit) + 1;
   const bool is_last = after == origins.visits.size();
   const auto& here = expanded.visit(visit);
   const std::int32_t children_after =
-      is_last ? design.net_childs.count : origins.visits[after].children_before;
+      is_last ? netlist.count(kv_named::net_child) : origins.visits[after].children_before;
   for (std::int32_t child = here.children_before + 1; child <= children_after; ++child)
-    if (design.net_childs[child].object_id == net_id) return paths.net_of_child(child);
-  // The members of a bus bear its object, too, and stand behind it.
-  const std::int32_t nets_after = is_last ? design.nets.count : origins.visits[after].nets_before;
+    if (netlist.object_id({kv_named::net_child, child}) == net_id) return paths.net_of_child(child);
+  // The members of a bus have its object, too, and come after it.
+  const std::int32_t nets_after =
+      is_last ? netlist.count(kv_named::net) : origins.visits[after].nets_before;
   for (std::int32_t net = here.nets_before + 1; net <= nets_after; ++net)
-    if (design.nets[net].object_id == net_id) return net;
+    if (netlist.object_id({kv_named::net, net}) == net_id) return net;
   return 0;
 }
 
@@ -48,8 +49,8 @@ std::optional<kv_way_t> kv_way_of_visit(const kv_expanded_t& expanded, kv_drawin
                                         std::int32_t visit) {
   kv_way_t way;
   for (; visit > 0; visit = expanded.visit(visit).above) {
-    const auto& macro = kv_record(expanded.design.macros, expanded.visit(visit).macro);
-    way.push_back({macro.object_id, {}, {}});
+    const kv_object_t macro{kv_named::macro, expanded.visit(visit).macro};
+    way.push_back({expanded.netlist.object_id(macro), {}, {}});
   }
   std::ranges::reverse(way);
   const auto* sheet = drawings.top();

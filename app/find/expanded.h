@@ -6,15 +6,15 @@
 
 #include "app/find/drawings.h"
 #include "expand/origins.h"
-#include "expand/path_index.h"
 #include "gx/text/at.h"
+#include "netlist/path_index.h"
 
 inline constexpr std::string_view kv_no_expansion = "# !! Error : No expanded design ? ";
 
 struct kv_expanded_t {
-  const kv_design_t& design;
+  kv_memory_netlist_t netlist;
   const kv_origins_t& origins;
-  const kv_path_index_t& paths;  // made at the first question after a run
+  const kv_memory_paths_t& paths;  // made at the first question after a run
 
   const kv_visit_t& visit(std::int32_t index) const { return gx_at(origins.visits, index); }
 };

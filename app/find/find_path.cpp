@@ -49,22 +49,22 @@ wanted_t readings(kv_drawings_t& drawings, std::string_view text) {
 
 // --- in the expansion
 
-kv_found_t found_at(const kv_expanded_t& expanded, kv_hit_t hit) {
+kv_found_t found_at(const kv_expanded_t& expanded, kv_object_t hit) {
   constexpr std::string_view words[] = {"instance", "block", "net", "net", "pin", "pin"};
-  const auto& [design, origins, paths] = expanded;
-  const auto place = kv_place_of(design, origins, hit);
-  const bool is_bit = hit.what == kv_named::net && design.nets[hit.index].bus != 0;
+  const auto& [netlist, origins, paths] = expanded;
+  const auto place = kv_place_of(netlist, origins, hit);
+  const bool is_bit = hit.what == kv_named::net && netlist.bus(hit.index) != 0;
   kv_found_t found;
   found.path = paths.path(hit);
   found.what = is_bit ? "bit of a bus" : gx_at(words, hit.what);
   found.object_id = place.object_id;
-  found.sheet_path = kv_visit_path(design, origins, place.visit);
+  found.sheet_path = kv_visit_path(netlist, origins, place.visit);
   found.visit = place.visit;
   return found;
 }
 
-std::vector<kv_hit_t> hits_of(const kv_expanded_t& expanded, const wanted_t& wanted,
-                              std::size_t most) {
+std::vector<kv_object_t> hits_of(const kv_expanded_t& expanded, const wanted_t& wanted,
+                                 std::size_t most) {
   return wanted.is_beginning ? expanded.paths.find_beginning(wanted.keys, most)
                              : expanded.paths.find(wanted.keys, most);
 }
@@ -98,14 +98,10 @@ std::string longest_part(const std::optional<kv_expanded_t>& expanded, kv_drawin
 }
 
 // The flat net of a pin; a pin of one bit on a bus is on that bit of it.
-template <typename Record>
-std::int32_t net_of_pin(const kv_design_t& design, const Record& pin) {
-  if (pin.net_ind == 0) return 0;
-  const auto& net = kv_record(design.nets, pin.net_ind);
-  const bool is_bit = net.net_type == kv_net_bus && pin.pin_start == pin.pin_end &&
-                      pin.pin_net_start >= net.net_bus_start &&
-                      pin.pin_net_start <= net.net_bus_end;
-  return is_bit ? net.netind_start + pin.pin_net_start - net.net_bus_start : pin.net_ind;
+std::int32_t net_of_pin(const kv_memory_netlist_t& netlist, kv_object_t pin) {
+  const kv_bits_t bits = netlist.bits(pin);
+  const std::int32_t bit = bits.count == 1 ? bits.net(0) : 0;
+  return bit != 0 ? bit : netlist.net(pin);
 }
 
 }  // namespace
@@ -129,15 +125,12 @@ std::vector<std::int32_t> kv_search_nets(kv_drawings_t& drawings, std::string_vi
                                          std::size_t most) {
   const auto expanded = kv_expanded();
   std::vector<std::int32_t> nets;
-  const auto& design = expanded->design;
   std::vector<std::int32_t> nets_of_pins;
   for (const auto hit : hits_of(*expanded, readings(drawings, text), SIZE_MAX)) {
     if (hit.what == kv_named::net) nets.push_back(hit.index);
     if (hit.what == kv_named::net_child) nets.push_back(expanded->paths.net_of_child(hit.index));
-    if (hit.what == kv_named::pin)
-      nets_of_pins.push_back(net_of_pin(design, design.pins[hit.index]));
-    if (hit.what == kv_named::pinm)
-      nets_of_pins.push_back(net_of_pin(design, design.pinms[hit.index]));
+    if (hit.what == kv_named::pin || hit.what == kv_named::pinm)
+      nets_of_pins.push_back(net_of_pin(expanded->netlist, hit));
   }
   if (nets.empty()) nets = std::move(nets_of_pins);
   std::erase(nets, 0);

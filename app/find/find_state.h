@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "expand/path_index.h"
 #include "gx/db/ids.h"
+#include "netlist/path_index.h"
 
 // A place that FINd PATh found.
 struct kv_found_t {
@@ -20,7 +20,7 @@ struct kv_found_t {
 };
 
 struct kv_find_state_t {
-  std::shared_ptr<const kv_path_index_t> paths;  // of the expansion `paths_of_run`
+  std::shared_ptr<const kv_memory_paths_t> paths;  // of the expansion `paths_of_run`
   std::uint64_t paths_of_run = 0;
   std::vector<kv_found_t> found;  // of the last FINd PATh that found several
   std::uint64_t found_of_run = 0;

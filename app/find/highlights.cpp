@@ -41,8 +41,8 @@ const kv_sheet_t* viewed_sheet(const kv_expanded_t& expanded) {
 // Marks the net on the sheets in view; its name stands once on each.
 void mark(const kv_expanded_t& expanded, const std::vector<std::int32_t>& visits,
           const kv_sheet_t* viewed, std::int32_t net) {
-  const auto name = kv_text(expanded.design, kv_record(expanded.design.nets, net).sim_path);
-  const kv_explainer_t explainer(expanded.design, expanded.origins);
+  const auto name = expanded.netlist.path({kv_named::net, net});
+  const kv_explainer_t explainer(expanded.netlist, expanded.origins);
   std::vector<bool> is_named(visits.size());
   bool is_viewed_named = false;
   for (const auto& drawn : explainer.drawn(net)) {
@@ -78,7 +78,7 @@ void mark_all() {
 }  // namespace
 
 void kv_highlight(const kv_expanded_t& expanded, std::int32_t net) {
-  const auto path = kv_text(expanded.design, kv_record(expanded.design.nets, net).sim_path);
+  const auto path = expanded.netlist.path({kv_named::net, net});
   auto& marked = kv_pext.highlighted;
   if (std::ranges::find(marked, path) == marked.end()) marked.emplace_back(path);
   kv_set_level_follower(mark_all);

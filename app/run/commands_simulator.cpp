@@ -11,6 +11,7 @@
 #include "gx/display/window.h"
 #include "gx/text/message_list.h"
 #include "gx/text/strings.h"
+#include "netlist/simulator_names.h"
 
 namespace {
 

@@ -9,6 +9,7 @@
 
 #include "gx/db/geometry.h"
 #include "gx/text/at.h"
+#include "gx/text/spelling.h"
 #include "gx/text/strings.h"
 #include "import/drawing/ascii.h"
 #include "import/drawing/names.h"
@@ -79,6 +80,31 @@ class fitter {
     return result;
   }
 
+  // A name of the netlist: spelled, and cut where it is too long.
+  std::string fit_name(const std::string& drawn, const gxm_source_t& source,
+                       std::string_view what) {
+    std::string name = gx_spelled_name(drawn);
+    if (name.size() > longest_value) {
+      warn(source, std::string(what) + " is cut at " + std::to_string(longest_value) +
+                       " characters: " + name.substr(0, 40) + "...");
+      name.resize(longest_value);
+    }
+    return name;
+  }
+
+  // A name that is spelled otherwise than drawn is a text of the sheet, as it was drawn.
+  static void show_as_drawn(const std::string& drawn, const std::string& name,
+                            std::optional<gxi_look_t>& look, gxi_sheet_t& sheet) {
+    std::string seen;
+    for (std::size_t i = 0; i < drawn.size(); ++i) {
+      if (drawn[i] == '}' || (drawn[i] == '{' && i > 0 && drawn[i - 1] == '~')) continue;
+      seen += drawn[i];
+    }
+    if (!look || seen == name) return;
+    sheet.texts.push_back({gxi_ascii(seen), *look});
+    look.reset();
+  }
+
   void fit_properties(std::vector<gxi_property_t>& properties, const gxm_source_t& source,
                       gxi_names_t& taken) {
     for (auto& property : properties) {
@@ -103,7 +129,7 @@ class fitter {
     gxi_names_t taken;
     for (auto& pin : symbol.pins) {
       const std::string drawn = pin.name;
-      pin.name = fit_text(pin.name, longest_value, symbol.source, "the name of a pin");
+      pin.name = fit_name(pin.name, symbol.source, "the name of a pin");
       pin.name = taken.take(pin.name.empty() ? "P" : pin.name, longest_value);
       pin_names_[cell].emplace(drawn, pin.name);
       fit_properties(pin.properties, symbol.source);
@@ -117,7 +143,7 @@ class fitter {
     for (auto& text : sheet.texts) text.value = gxi_ascii(text.value);
     place_undrawn_below(sheet);
     // Names of their own first, so that those come through unchanged.
-    for (auto& net : sheet.nets) fit_net(net);
+    for (auto& net : sheet.nets) fit_net(net, sheet);
     fit_instances(sheet);
     said_.assign(sheet.nets.size(), {});
     for (auto& instance : sheet.instances) note_said(instance);
@@ -131,15 +157,16 @@ class fitter {
     net_names_ = gxi_names_t();
   }
 
-  void fit_net(gxi_net_t& net) {
+  void fit_net(gxi_net_t& net, gxi_sheet_t& sheet) {
     fit_properties(net.properties, net.source);
     if (!net.name.empty()) {
-      const std::string name = fit_text(net.name, longest_value, net.source, "the name of a net");
+      const std::string drawn = net.name, name = fit_name(drawn, net.source, "the name of a net");
+      show_as_drawn(drawn, name, net.name_look, sheet);
       net.name = net_names_.take(name, longest_value);
       if (net.name != name)
         warn(net.source, "a second net " + name + " (letter case ignored) becomes " + net.name);
     }
-    net.global = fit_text(net.global, longest_value, net.source, "the name of a global");
+    net.global = fit_name(net.global, net.source, "the name of a global");
     if (net.port.empty()) return;
     const auto pin = pin_names_[here_].find(net.port);
     if (pin == pin_names_[here_].end()) {
@@ -169,7 +196,9 @@ class fitter {
         instance.name = pin->second;
         classify(symbol, "PORTIO");
       } else {
-        instance.name = fit_text(instance.name, longest_value, instance.source, "a name");
+        const std::string drawn = instance.name;
+        instance.name = fit_name(drawn, instance.source, "a name");
+        show_as_drawn(drawn, instance.name, instance.name_look, sheet);
         if (instance.kind == gxi_kind::global) classify(symbol, "G");
       }
       if (instance.kind == gxi_kind::part && !instance.name.empty()) {

@@ -51,6 +51,7 @@ class writer {
     try {
       write_cells();
       add(output_.root / "expand.do", do_file());
+      for (const auto& file : design_.beside) add(output_.root / file.name, file.text);
       add(output_.root / "gximport.log", log());
       come_into_place();
     } catch (...) {

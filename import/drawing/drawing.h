@@ -136,6 +136,11 @@ struct gxi_cell_t {
   std::string notes{};
 };
 
+// A text file of the design directory that only this format needs.
+struct gxi_beside_t {
+  std::string name{}, text{};
+};
+
 struct gxi_design_t {
   std::vector<gxi_cell_t> cells{};  // none contains itself; a cell may stand before what it uses
   int top = 0;
@@ -143,6 +148,7 @@ struct gxi_design_t {
   std::vector<std::string> kept_of_instances{}, kept_of_pins{}, kept_of_nets{};
   // An instance that has this property is a primitive.
   std::string primitive{"CLASS"};
+  std::vector<gxi_beside_t> beside{};
   gxm_messages_t warnings{};       // what was read otherwise than drawn, or left out
   std::list<std::string> files{};  // the names that sources point to: a design is moved, not copied
 };

@@ -146,6 +146,15 @@ std::string gxi_lepton_plain(std::string_view text) {
   return std::move(plain.text);
 }
 
+std::string gxi_lepton_name(std::string_view text) {
+  auto plain = barred(text);
+  for (auto bar = plain.bars.rbegin(); bar != plain.bars.rend(); ++bar) {
+    plain.text.insert(bar->second, 1, '}');
+    plain.text.insert(bar->first, "~{");
+  }
+  return std::move(plain.text);
+}
+
 gxi_look_t gxi_lepton_look(const gxi_lepton_text_t& text) {
   const double size = std::min(text.size, largest_text);
   gxi_look_t look;

@@ -22,6 +22,8 @@ std::string gxi_lepton_seen(const gxi_lepton_text_t& text);
 // Without the marks of an overbar: "\_RESET\_" is "~RESET" for a name, where it must stay told
 // from RESET.
 std::string gxi_lepton_plain(std::string_view text);
+// A name with its bars, as gx/text/spelling.h has them in drawn names.
+std::string gxi_lepton_name(std::string_view text);
 
 gxi_look_t gxi_lepton_look(const gxi_lepton_text_t& text);
 // The lines of `seen` at the place of the text, each a text, with their overbars.

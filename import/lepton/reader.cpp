@@ -111,7 +111,7 @@ class lepton_reader {
     gx_at(commons_.names, index) = std::move(common);
     commons_.order.push_back(index);
     sheet.nets = std::move(nets.nets);
-    for (auto& net : sheet.nets) net.name = gxi_lepton_plain(net.name);
+    for (auto& net : sheet.nets) net.name = gxi_lepton_name(net.name);
     cell(index).sheet = std::move(sheet);
   }
 
@@ -154,7 +154,7 @@ class lepton_reader {
       auto& net = gx_at(nets.nets, nets.of_pin[i].front());
       second[i] = !net.port.empty();
       if (second[i]) continue;
-      net.port = gxi_lepton_plain(placed[i].name);
+      net.port = gxi_lepton_name(placed[i].name);
       net.port_type = gxi_lepton_port_class(placed[i]).substr(4);
     }
     return second;
@@ -211,7 +211,7 @@ class lepton_reader {
     instance.at = moved(gxi_lepton_point(placed.component->at), placed.shift);
     instance.rotate = static_cast<std::uint8_t>(placed.component->rotate);
     instance.mirror = placed.component->mirror;
-    const std::string name = gxi_lepton_plain(placed.name);
+    const std::string name = gxi_lepton_name(placed.name);
     gxi_lepton_dress(placed, instance, sheet);
     if (cell_index < 0) {
       if (instance.name_look) sheet.texts.push_back({name, *instance.name_look});
@@ -255,7 +255,7 @@ class lepton_reader {
     const bool as_link = first.of_link && !(project.netname_wins && first.of_wire);
     const bool is_local = as_link ? project.net_is_local : project.netname_is_local;
     gxi_common_name_t common{.is_named = true};
-    if (index == 0 || !is_local) common.name = gxi_lepton_plain(first.name);
+    if (index == 0 || !is_local) common.name = gxi_lepton_name(first.name);
     common.always = !is_local && (index != 0 || as_link);
     return common;
   }

@@ -75,7 +75,7 @@ gxi_lepton_text_t shifted(gxi_lepton_text_t text, gxi_lepton_point_t by) {
 }  // namespace
 
 std::string gxi_lepton_label(const gxi_lepton_pin_t& pin) {
-  return gxi_lepton_plain(gxi_lepton_value(pin.attributes, "pinlabel"));
+  return gxi_lepton_name(gxi_lepton_value(pin.attributes, "pinlabel"));
 }
 
 gxi_symbol_t gxi_lepton_sign(const gxi_lepton_placed_t& placed) {

@@ -7,9 +7,9 @@
 #include <atomic>
 #include <thread>
 
-#include "expand/net_names.h"
 #include "expand/sim_request.h"
 #include "expand/store.h"
+#include "netlist/simulator_names.h"
 #include "tests/unit/design_session.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "expand/block_memory.h"
+#include "netlist/block_memory.h"
 
 #include <sys/mman.h>
 

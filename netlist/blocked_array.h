@@ -12,8 +12,8 @@
 #include <utility>
 #include <vector>
 
-#include "expand/block_memory.h"
 #include "gx/text/at.h"
+#include "netlist/block_memory.h"
 
 inline constexpr int kv_block_size = 1000;
 inline constexpr std::int32_t kv_start_records = 500'000;      // what an array may hold at first

@@ -17,7 +17,7 @@
 #include <tuple>
 #include <type_traits>
 
-#include "expand/design.h"
+#include "netlist/records.h"
 
 // A field of `Record`. `target` is set for an index: the array in which 1..count is valid.
 template <typename Record, typename Member>
@@ -362,6 +362,32 @@ constexpr void kv_for_each_field(const Record& record, Visit visit) {
         ((variant.holds(record) ? std::apply(all, variant.fields) : void()), ...);
       },
       kv_layout<Record>::variants);
+}
+
+// The record and the type of a member, and where the member begins in the file's record. Members of
+// variants are found, too: whether the record has them is the caller's to know.
+template <auto Member>
+struct kv_member_t;
+template <typename Record, typename Value, Value Record::*Member>
+struct kv_member_t<Member> {
+  using record = Record;
+  using value = Value;
+};
+template <auto Member>
+constexpr std::size_t kv_offset_of() {
+  constexpr std::size_t none = ~std::size_t{0};
+  std::size_t found = none;
+  const auto one = [&](const auto& field) {
+    if constexpr (std::is_same_v<std::remove_cvref_t<decltype(field.member)>,
+                                 std::remove_const_t<decltype(Member)>>)
+      if (field.member == Member) found = field.offset;
+  };
+  const auto all = [&](const auto&... field) { (one(field), ...); };
+  using layout = kv_layout<typename kv_member_t<Member>::record>;
+  std::apply(all, layout::fields);
+  std::apply([&](const auto&... variant) { (std::apply(all, variant.fields), ...); },
+             layout::variants);
+  return found;
 }
 
 // --- bytes of one value

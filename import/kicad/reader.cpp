@@ -1,0 +1,668 @@
+// From the sheets of KiCad to a drawing: cells, references, names of the whole design.
+#include "import/kicad/reader.h"
+
+#include <algorithm>
+#include <list>
+#include <memory>
+#include <set>
+#include <utility>
+
+#include "gx/text/at.h"
+#include "gx/text/spelling.h"
+#include "import/drawing/hierarchy.h"
+#include "import/drawing/kept_properties.h"
+#include "import/drawing/names.h"
+#include "import/drawing/placement.h"
+#include "import/drawing/source_file.h"
+#include "import/kicad/nets.h"
+#include "import/kicad/picture.h"
+#include "import/kicad/signs.h"
+#include "import/kicad/variables.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using kind_t = gxi_kicad_label;
+
+// Up to here a power symbol names the net of its hidden pin, later that of its value.
+constexpr int version_of_values = 20230221;
+constexpr std::size_t most_visits = 200'000;
+
+// A sheet file, read once.
+struct loaded_t {
+  fs::path path{};
+  std::string_view name{};  // for messages
+  gxi_kicad_file_t records{};
+};
+
+// What an instance of a cell is called, and where its reference is found.
+struct part_t {
+  const gxi_kicad_placed_t* placed = nullptr;
+  std::string name{};
+};
+struct below_t {
+  const gxi_kicad_block_t* block = nullptr;
+  std::string name{};
+  int cell = 0;
+};
+struct cell_t {
+  const loaded_t* from = nullptr;
+  std::vector<part_t> parts{};
+  std::vector<below_t> blocks{};
+};
+
+// The block that a sheet is read for, and the names of its pins here.
+struct seen_from_above_t {
+  std::vector<std::string> pins{};
+  std::vector<std::vector<std::string>> names{};
+};
+
+class kicad_reader {
+ public:
+  explicit kicad_reader(const gxi_input_t& input) : input_(input) {}
+
+  gxi_design_t run() {
+    if (input_.pages.size() > 1)
+      gxi_refuse({input_.pages[1].native(), 1}, "a drawing of KiCad has one top sheet");
+    const auto path = fs::absolute(input_.pages.front()).lexically_normal();
+    variables_ = gxi_kicad_project_variables(path);
+    top_ = &load(path);
+    load_all(*top_);
+    design_.cells.emplace_back().name = path.stem().string();
+    read_sheet(0, *top_, {}, "/" + top_->records.id);
+    share_globals();
+    write_references();
+    gxi_keep_most_used(design_, std::move(uses_));
+    design_.kept_of_pins = {"FUNCTION", "ELECTRICAL"};
+    return std::move(design_);
+  }
+
+ private:
+  gxi_cell_t& cell(int index) { return gx_at(design_.cells, index); }
+  void warn(const loaded_t& from, int line, const std::string& what) {
+    gxm_complain(design_.warnings, {from.name, line}, what);
+  }
+
+  // --- files
+  const loaded_t& load(const fs::path& path) {
+    const auto [found, is_new] = files_.emplace(path.string(), nullptr);
+    if (!is_new) return *found->second;
+    found->second = std::make_unique<loaded_t>();
+    auto& loaded = *found->second;
+    loaded.path = path;
+    loaded.name = design_.files.emplace_back(path.string());
+    loaded.records = gxi_kicad_read_records(gxi_read_source(path), loaded.name);
+    if (loaded.records.images > 0)
+      warn(loaded, 1, std::to_string(loaded.records.images) + " pictures are left out");
+    return loaded;
+  }
+
+  fs::path path_of(const loaded_t& from, const gxi_kicad_block_t& block) const {
+    const fs::path file = gxi_kicad_substitute(
+        block.file(), [&](std::string_view name) { return project_variable(name); });
+    return file.is_absolute() ? file : (from.path.parent_path() / file).lexically_normal();
+  }
+
+  // Aliases of buses count in the whole design.
+  void load_all(const loaded_t& from) {
+    if (!walked_.insert(&from).second) return;
+    for (const auto& [name, members] : from.records.aliases) aliases_.emplace(name, members);
+    for (const auto& block : from.records.blocks) load_all(load_below(from, block));
+  }
+  const loaded_t& load_below(const loaded_t& from, const gxi_kicad_block_t& block) {
+    const auto path = path_of(from, block);
+    std::error_code none;
+    if (!fs::exists(path, none))
+      gxi_refuse({from.name, block.line}, "the sheet " + path.string() + " is missing");
+    return load(path);
+  }
+
+  // --- variables
+  std::optional<std::string> project_variable(std::string_view name) const {
+    const auto found = variables_.find(name);
+    return found == variables_.end() ? std::nullopt : std::optional(found->second);
+  }
+  std::optional<std::string> variable(const loaded_t& from, std::string_view name) const {
+    static constexpr std::pair<std::string_view, std::string_view> of_title[] = {
+        {"TITLE", "title"},       {"ISSUE_DATE", "date"},   {"REVISION", "rev"},
+        {"COMPANY", "company"},   {"COMMENT1", "comment1"}, {"COMMENT2", "comment2"},
+        {"COMMENT3", "comment3"}, {"COMMENT4", "comment4"}, {"COMMENT5", "comment5"},
+        {"COMMENT6", "comment6"}, {"COMMENT7", "comment7"}, {"COMMENT8", "comment8"},
+        {"COMMENT9", "comment9"}};
+    if (name == "FILENAME") return from.path.filename().string();
+    for (const auto& [variable, keyword] : of_title)
+      if (variable == name)
+        for (const auto& [key, value] : from.records.title)
+          if (key == keyword) return value;
+    return project_variable(name);
+  }
+  std::string name_of(const loaded_t& from, std::string_view text) const {
+    return gxi_kicad_unescaped(text_of(from, text));
+  }
+  std::string text_of(const loaded_t& from, std::string_view text) const {
+    return gxi_kicad_substitute(text, [&](std::string_view name) { return variable(from, name); });
+  }
+  // Of a symbol's or a block's field: the other fields count, too.
+  std::string field_text(const loaded_t& from, const std::vector<gxi_kicad_field_t>& fields,
+                         const std::string& reference, std::string_view text) const {
+    return gxi_kicad_substitute(text, [&](std::string_view name) -> std::optional<std::string> {
+      if (name == "REFERENCE") return reference;
+      for (const auto& field : fields) {
+        const bool same =
+            std::equal(name.begin(), name.end(), field.name.begin(), field.name.end(),
+                       [](char a, char b) { return gx_upper_case(a) == gx_upper_case(b); });
+        if (same) return field.value.text;
+      }
+      return variable(from, name);
+    });
+  }
+
+  // --- references
+  std::string reference_of(const gxi_kicad_placed_t& placed, const std::string& path) const {
+    for (const auto& use : placed.uses)
+      if (use.path == path) return use.reference;
+    // Of the older kind, without the root's own id.
+    const auto old = path.substr(1 + top_->records.id.size()) + "/" + placed.id;
+    if (const auto found = old_uses_.find(old); found != old_uses_.end())
+      return found->second->reference;
+    for (const auto& field : placed.fields)
+      if (field.name == "Reference" && (placed.uses.empty() || !field.value.text.empty()))
+        return field.value.text;
+    return placed.uses.empty() ? std::string() : placed.uses.front().reference;
+  }
+  int unit_of(const gxi_kicad_placed_t& placed, const std::string& path) const {
+    for (const auto& use : placed.uses)
+      if (use.path == path && use.unit > 0) return use.unit;
+    const auto old = path.substr(1 + top_->records.id.size()) + "/" + placed.id;
+    if (const auto found = old_uses_.find(old);
+        placed.uses.empty() && found != old_uses_.end() && found->second->unit > 0)
+      return found->second->unit;
+    return placed.unit;
+  }
+  // A, B ... Z, AA ...
+  static std::string letters_of(int unit) {
+    std::string letters;
+    for (; unit > 0; unit = (unit - 1) / 26)
+      letters.insert(letters.begin(), static_cast<char>('A' + (unit - 1) % 26));
+    return letters;
+  }
+
+  // --- sheets
+  struct sheet_t {
+    const loaded_t& from;
+    const std::string& path;  // the ids down to its first use
+    gxi_kicad_sheet_t joins{};
+    std::vector<const gxi_kicad_symbol_t*> symbols{};  // by symbol placed; nullptr: missing
+    std::vector<int> units{};
+    std::vector<std::string> references{};
+    std::vector<int> blocks{};  // their cells
+    std::vector<gxi_kicad_block_sign_t> signs{};
+  };
+
+  void read_sheet(int index, const loaded_t& from, const seen_from_above_t& above,
+                  const std::string& path) {
+    const fs::path paths[] = {from.path};
+    const auto level = hierarchy_.enter(paths);
+    if (gx_at(cells_, index).from == nullptr) gx_at(cells_, index).from = &from;
+    if (&from == top_)
+      for (const auto& use : from.records.all_uses) old_uses_.emplace(use.path, &use);
+    sheet_t here{.from = from, .path = path};
+    here.joins.file = &from.records;
+    here.joins.aliases = aliases_;
+    for (const auto& label : from.records.labels)
+      here.joins.labels.push_back(name_of(from, label.text.text));
+    for (const auto& placed : from.records.placed) place(here, placed);
+    for (const auto& block : from.records.blocks) read_block(here, block);
+    const auto joined = gxi_kicad_join(here.joins);
+    faces_.insert_or_assign(&from, gxi_kicad_face(joined));
+    cell(index).sheet = draw(here, joined, above, index);
+  }
+
+  static gxi_kicad_point_t placed_at(const gxi_kicad_placed_t& placed, gxi_kicad_point_t p) {
+    p.y = -p.y;
+    for (int i = 0; i < placed.rotate; ++i) p = {p.y, -p.x};
+    if (placed.mirror == 'x') p.y = -p.y;
+    if (placed.mirror == 'y') p.x = -p.x;
+    return {placed.at.x + p.x, placed.at.y + p.y};
+  }
+
+  void place(sheet_t& here, const gxi_kicad_placed_t& placed) {
+    const auto& library = here.from.records.symbols;
+    const auto found = library.find(placed.symbol);
+    const auto* const symbol = found == library.end() ? nullptr : found->second.get();
+    if (symbol == nullptr)
+      warn(here.from, placed.line, "the symbol " + placed.symbol + " is not in the sheet");
+    const int unit = unit_of(placed, here.path);
+    here.symbols.push_back(symbol);
+    here.units.push_back(unit);
+    here.references.push_back(reference_of(placed, here.path));
+    auto& met = here.joins.pins.emplace_back();
+    auto& joined = here.joins.joined.emplace_back();
+    if (symbol == nullptr) return;
+    const auto value =
+        field_text(here.from, placed.fields, here.references.back(), value_of(placed));
+    for (const auto* const pin : gxi_kicad_pins(*symbol, unit, placed.style)) {
+      auto& one = met.emplace_back();
+      one.pin = pin;
+      one.at = placed_at(placed, pin->at);
+      if (pin->type != "power_in" || (!symbol->power && !pin->hidden)) continue;
+      one.everywhere = !symbol->local_power;
+      const bool by_pin =
+          !symbol->power || (pin->hidden && here.from.records.version < version_of_values);
+      one.power = gxi_kicad_unescaped(by_pin ? pin->name : value);
+    }
+    join_jumpers(*symbol, met, joined);
+  }
+
+  static void join_jumpers(const gxi_kicad_symbol_t& symbol,
+                           const std::vector<gxi_kicad_met_t>& pins,
+                           std::vector<std::pair<int, int>>& joined) {
+    const auto join = [&](const auto& is_one) {
+      int first = -1;
+      for (std::size_t i = 0; i < pins.size(); ++i) {
+        if (!is_one(pins[i].pin->number)) continue;
+        if (first >= 0) joined.emplace_back(first, static_cast<int>(i));
+        first = static_cast<int>(i);
+      }
+    };
+    for (const auto& group : symbol.jumpers)
+      join([&](const std::string& number) {
+        return std::find(group.begin(), group.end(), number) != group.end();
+      });
+    if (!symbol.same_numbers_joined) return;
+    std::set<std::string> numbers;
+    for (const auto& pin : pins) numbers.insert(pin.pin->number);
+    for (const auto& one : numbers) join([&](const std::string& number) { return number == one; });
+  }
+
+  static std::string_view value_of(const gxi_kicad_placed_t& placed) {
+    for (const auto& field : placed.fields)
+      if (field.name == "Value") return field.value.text;
+    return {};
+  }
+
+  void read_block(sheet_t& here, const gxi_kicad_block_t& block) {
+    std::vector<std::string> pins;
+    for (const auto& pin : block.pins) pins.push_back(name_of(here.from, pin.text.text));
+    auto sign = gxi_kicad_block_sign(block, pins, aliases_);
+    const auto& below = load_below(here.from, block);
+    const fs::path paths[] = {below.path};
+    const auto [index, is_new] = hierarchy_.cell(&below, gxi_kicad_sign_key(sign.symbol), paths,
+                                                 {here.from.name, block.line});
+    cells_.resize(design_.cells.size());
+    if (is_new) {
+      cell(index).name = below.path.stem().string();
+      cell(index).symbol = sign.symbol;
+      cell(index).symbol.source = {here.from.name, block.line};
+      read_sheet(index, below, {pins, sign.names}, here.path + "/" + block.id);
+    }
+    here.blocks.push_back(index);
+    here.signs.push_back(std::move(sign));
+    here.joins.faces.push_back(&faces_.at(&below));
+    here.joins.block_pins.push_back(std::move(pins));
+  }
+
+  // --- drawing
+  gxi_sheet_t draw(const sheet_t& here, const gxi_kicad_joined_t& joined,
+                   const seen_from_above_t& above, int index) {
+    gxi_sheet_t sheet;
+    sheet.source = {here.from.name, 1};
+    for (const auto& net : joined.nets) {
+      auto& made = sheet.nets.emplace_back();
+      made.name = net.name;
+      made.source = {here.from.name, net.line};
+      take_port(net, above, made);
+      if (made.port.empty() && !net.globals.empty()) {
+        made.global = net.globals.front();
+        join_globals(net.globals);
+      }
+      if (net.no_connect) made.properties.push_back({"NOCONNECT", "yes", {}});
+    }
+    draw_wires(here, joined, sheet);
+    std::set<std::string> ports;
+    for (std::size_t i = 0; i < here.from.records.labels.size(); ++i)
+      draw_label(here, joined, i, ports, sheet);
+    for (std::size_t i = 0; i < here.from.records.placed.size(); ++i)
+      draw_placed(here, joined, i, index, sheet);
+    for (std::size_t i = 0; i < here.from.records.blocks.size(); ++i)
+      draw_block(here, joined, i, index, sheet);
+    for (const auto& shape : here.from.records.shapes)
+      for (auto& line : gxi_kicad_drawn(shape, false, gxi_kicad_colors.note))
+        sheet.shapes.push_back(std::move(line));
+    for (const auto& text : here.from.records.texts)
+      if (!text.hidden) write(here.from, text, gxi_kicad_colors.note, sheet);
+    return sheet;
+  }
+
+  // The pin of the cell that brings the net in: the first that the block has.
+  static void take_port(const gxi_kicad_net_t& net, const seen_from_above_t& above,
+                        gxi_net_t& made) {
+    for (const auto& port : net.ports) {
+      const auto pin = std::find(above.pins.begin(), above.pins.end(), port.name);
+      if (pin == above.pins.end()) continue;
+      made.port = gx_at(gx_at(above.names, pin - above.pins.begin()), port.member);
+      return;
+    }
+  }
+
+  void write(const loaded_t& from, gxi_kicad_text_t text, std::uint8_t color, gxi_sheet_t& sheet) {
+    text.rotate %= 2;
+    gxi_kicad_write(text_of(from, text.text), gxi_kicad_look(text, false, color), sheet.texts,
+                    sheet.shapes);
+  }
+
+  void draw_wires(const sheet_t& here, const gxi_kicad_joined_t& joined, gxi_sheet_t& sheet) {
+    const auto& records = here.from.records;
+    const auto ends = [](const gxi_kicad_wire_t& wire) {
+      return std::pair(gxi_kicad_on_sheet(wire.from), gxi_kicad_on_sheet(wire.to));
+    };
+    for (std::size_t i = 0; i < records.wires.size(); ++i) {
+      const auto [from, to] = ends(records.wires[i]);
+      gx_at(sheet.nets, joined.of_wire[i]).segments.push_back({from, to});
+    }
+    for (const auto* const lines : {&records.buses, &records.entries})
+      for (const auto& line : *lines) {
+        const auto [from, to] = ends(line);
+        sheet.shapes.push_back(
+            {.type = gx_type::line_2d,
+             .points = {from, to},
+             .color = gxi_kicad_colors.bus,
+             .width = static_cast<std::uint8_t>(lines == &records.buses ? 3 : 1)});
+      }
+    constexpr int arm = 6'350;
+    for (const auto& at : records.no_connects)
+      for (const int way : {-1, 1})
+        sheet.shapes.push_back({.type = gx_type::line_2d,
+                                .points = {gxi_kicad_on_sheet({at.x - arm, at.y - way * arm}),
+                                           gxi_kicad_on_sheet({at.x + arm, at.y + way * arm})},
+                                .color = gxi_kicad_colors.mark});
+  }
+
+  void draw_label(const sheet_t& here, const gxi_kicad_joined_t& joined, std::size_t i,
+                  std::set<std::string>& ports, gxi_sheet_t& sheet) {
+    const auto& label = here.from.records.labels[i];
+    const auto& text = here.joins.labels[i];
+    const auto look = gxi_kicad_label_look(label);
+    const int net_index = joined.of_label[i];
+    if (label.kind == kind_t::other) return;
+    if (net_index >= 0) {
+      auto& net = gx_at(sheet.nets, net_index);
+      const bool brings_in = label.kind == kind_t::hierarchical && !net.port.empty() &&
+                             net.port == text && ports.insert(net.port).second;
+      if (brings_in && gx_spelled_name(net.port) == net.port) {
+        auto sign = gxi_kicad_port_sign(label);
+        gxi_instance_t port{.kind = gxi_kind::port,
+                            .name = net.port,
+                            .name_look = look,
+                            .symbol = cell_of(std::move(sign), {here.from.name, label.text.line}),
+                            .source = {here.from.name, label.text.line},
+                            .at = gxi_kicad_on_sheet(label.text.at),
+                            .rotate = static_cast<std::uint8_t>(label.text.rotate),
+                            .nets = {net_index}};
+        sheet.instances.push_back(std::move(port));
+        return;
+      }
+      if (label.kind == kind_t::local && !net.name_look && gx_spelled_name(text) == net.name) {
+        net.name_look = look;
+        return;
+      }
+    }
+    if (label.kind != kind_t::local)
+      sheet.shapes.push_back(gxi_kicad_flag(
+          label, label.kind == kind_t::global ? gxi_kicad_readable(text).size() : 0));
+    gxi_kicad_write(text, look, sheet.texts, sheet.shapes);
+  }
+
+  int cell_of(gxi_symbol_t sign, const gxm_source_t& source) {
+    const auto [index, is_new] = hierarchy_.cell(nullptr, gxi_kicad_sign_key(sign), {}, source);
+    cells_.resize(design_.cells.size());
+    if (is_new) {
+      cell(index).name = sign.name;
+      sign.source = source;
+      cell(index).symbol = std::move(sign);
+    }
+    return index;
+  }
+
+  static gxi_instance_t instance_of(const loaded_t& from, const gxi_kicad_placed_t& placed) {
+    gxi_instance_t instance;
+    instance.source = {from.name, placed.line};
+    instance.at = gxi_kicad_on_sheet(placed.at);
+    // Here the mirror comes before the turn.
+    const int turns = placed.mirror == 'x'   ? 6 - placed.rotate
+                      : placed.mirror == 'y' ? 4 - placed.rotate
+                                             : placed.rotate;
+    instance.rotate = static_cast<std::uint8_t>(turns % 4);
+    instance.mirror = placed.mirror != 0;
+    return instance;
+  }
+
+  // A field turns with its symbol about its own place.
+  static gxi_look_t look_of(const gxi_instance_t& instance, const gxi_kicad_text_t& text) {
+    auto look = gxi_kicad_look(text, false, gxi_kicad_colors.note);
+    const auto at = look.at;
+    look.at = {};
+    auto turned = instance;
+    turned.at = {};
+    look = gxi_on_sheet(turned, look);
+    look.at = at;
+    return look;
+  }
+
+  void draw_placed(const sheet_t& here, const gxi_kicad_joined_t& joined, std::size_t i, int index,
+                   gxi_sheet_t& sheet) {
+    const auto& placed = here.from.records.placed[i];
+    const auto* const symbol = here.symbols[i];
+    const auto& reference = here.references[i];
+    auto instance = instance_of(here.from, placed);
+    if (symbol == nullptr) {
+      gxi_draw_apart(gxi_kicad_missing_sign(placed.symbol), instance, sheet);
+      return;
+    }
+    const int unit = here.units[i];
+    if (symbol->power) return draw_power(here, joined, i, std::move(instance), sheet);
+    // What a netlist leaves out.
+    if (reference.starts_with('#') || !placed.on_board) {
+      if (!placed.on_board)
+        warn(here.from, placed.line, reference + " is not on the board: it is drawn, not joined");
+      gxi_draw_apart(gxi_kicad_part_sign(*symbol, unit, placed.style), instance, sheet);
+      draw_fields(here, placed, reference, instance, sheet);
+      return;
+    }
+    auto sign = gxi_kicad_part_sign(*symbol, unit, placed.style);
+    instance.symbol = cell_of(std::move(sign), instance.source);
+    const std::string drawn =
+        reference + (symbol->number_of_units > 1 ? letters_of(unit) : std::string());
+    instance.name = drawn;
+    const auto pins = gxi_kicad_pins(*symbol, unit, placed.style);
+    for (const auto pin : gxi_kicad_kept_pins(pins))
+      instance.nets.push_back(gx_at(joined.of_pin[i], pin));
+    instance.properties.push_back({"CLASS", gxi_kicad_class(reference), {}});
+    take_fields(here, placed, reference, instance, sheet);
+    for (const auto& property : instance.properties) ++uses_[property.name];
+    auto& named = gx_at(cells_, index);
+    named.parts.push_back({&placed, take_name(index, drawn)});
+    sheet.instances.push_back(std::move(instance));
+  }
+
+  // As the builder will call it.
+  std::string take_name(int index, const std::string& drawn) {
+    return taken_[index].take(gx_spelled_name(drawn));
+  }
+
+  void take_fields(const sheet_t& here, const gxi_kicad_placed_t& placed,
+                   const std::string& reference, gxi_instance_t& instance, gxi_sheet_t& sheet) {
+    for (const auto& field : placed.fields) {
+      const auto look = look_of(instance, field.value);
+      if (field.name == "Reference") {
+        if (field.value.hidden) continue;
+        if (gx_spelled_name(instance.name) == instance.name)
+          instance.name_look = look;
+        else
+          gxi_kicad_write(instance.name, look, sheet.texts, sheet.shapes);
+        continue;
+      }
+      auto value =
+          gxi_kicad_readable(field_text(here.from, placed.fields, reference, field.value.text));
+      if (value.empty() || value == "~") continue;
+      gxi_property_t property{gxi_property_name(field.name), std::move(value), {}};
+      if (!field.value.hidden) property.look = look;
+      instance.properties.push_back(std::move(property));
+    }
+    const std::pair<bool, const char*> flags[] = {{!placed.populated, "DNP"},
+                                                  {!placed.in_bom, "NOT_IN_BOM"},
+                                                  {!placed.in_simulation, "NOT_IN_SIMULATION"}};
+    for (const auto& [is_set, name] : flags)
+      if (is_set) instance.properties.push_back({name, "yes", {}});
+  }
+
+  void draw_fields(const sheet_t& here, const gxi_kicad_placed_t& placed,
+                   const std::string& reference, const gxi_instance_t& instance,
+                   gxi_sheet_t& sheet) {
+    for (const auto& field : placed.fields)
+      if (!field.value.hidden)
+        gxi_kicad_write(field.name == "Reference"
+                            ? reference
+                            : field_text(here.from, placed.fields, reference, field.value.text),
+                        look_of(instance, field.value), sheet.texts, sheet.shapes);
+  }
+
+  // A power symbol is an instance where its net is one of the whole design on this sheet; where
+  // the net comes from above, or is the sheet's own, it is only drawn.
+  void draw_power(const sheet_t& here, const gxi_kicad_joined_t& joined, std::size_t i,
+                  gxi_instance_t instance, gxi_sheet_t& sheet) {
+    const auto& placed = here.from.records.placed[i];
+    auto sign = gxi_kicad_power_sign(*here.symbols[i], here.units[i], placed.style);
+    const auto& met = here.joins.pins[i];
+    const bool names = !met.empty() && met.front().everywhere && !met.front().power.empty();
+    const int net = names ? joined.of_pin[i].front() : -1;
+    if (net < 0 || gx_at(sheet.nets, net).global.empty()) {
+      sign.pins.clear();
+      gxi_draw_apart(sign, instance, sheet);
+    } else {
+      instance.kind = gxi_kind::global;
+      instance.symbol = cell_of(std::move(sign), instance.source);
+      instance.name = gx_at(sheet.nets, net).global;
+      instance.nets = {net};
+      sheet.instances.push_back(instance);
+    }
+    draw_fields(here, hidden_reference(placed), here.references[i], instance, sheet);
+  }
+  static gxi_kicad_placed_t hidden_reference(gxi_kicad_placed_t placed) {
+    std::erase_if(placed.fields, [](const auto& field) { return field.name == "Reference"; });
+    return placed;
+  }
+
+  void draw_block(const sheet_t& here, const gxi_kicad_joined_t& joined, std::size_t i, int index,
+                  gxi_sheet_t& sheet) {
+    const auto& block = here.from.records.blocks[i];
+    gxi_instance_t instance;
+    instance.symbol = here.blocks[i];
+    instance.source = {here.from.name, block.line};
+    instance.at = gxi_kicad_on_sheet(block.at);
+    instance.name = field_text(here.from, block.fields, {}, block.name());
+    for (const auto& members : joined.of_block[i])
+      instance.nets.insert(instance.nets.end(), members.begin(), members.end());
+    for (const auto& field : block.fields) {
+      if (field.value.hidden) continue;
+      auto text = field.value;
+      text.rotate %= 2;
+      const auto look = gxi_kicad_look(text, false, gxi_kicad_colors.block);
+      const bool is_name = field.name == "Sheetname" || field.name == "Sheet name";
+      if (is_name && gx_spelled_name(instance.name) == instance.name)
+        instance.name_look = look;
+      else
+        gxi_kicad_write(field_text(here.from, block.fields, {}, field.value.text), look,
+                        sheet.texts, sheet.shapes);
+    }
+    gx_at(cells_, index)
+        .blocks.push_back({&block, take_name(index, instance.name), here.blocks[i]});
+    sheet.instances.push_back(std::move(instance));
+  }
+
+  // --- names of the whole design: those of one net somewhere are one everywhere
+  const std::string& first_name(const std::string& name) {
+    auto found = same_.find(name);
+    if (found == same_.end()) found = same_.emplace(name, name).first;
+    while (found->second != found->first) found = same_.find(found->second);
+    return found->first;
+  }
+  void join_globals(const std::vector<std::string>& names) {
+    for (const auto& name : names) {
+      const auto &a = first_name(names.front()), &b = first_name(name);
+      if (a != b) same_[std::max(a, b)] = std::min(a, b);
+    }
+  }
+  // Names that differ in their case stay apart, and a net of the top sheet from one of the design.
+  void share_globals() {
+    gxi_names_t taken('_');
+    std::map<std::string, std::string> given;
+    const auto global = [&](const std::string& drawn) {
+      const auto [found, is_new] = given.emplace(first_name(drawn), std::string());
+      if (is_new) found->second = taken.take(found->first);
+      return found->second;
+    };
+    for (auto& one : design_.cells) {
+      if (!one.sheet) continue;
+      for (auto& net : one.sheet->nets)
+        if (!net.global.empty()) net.global = global(net.global);
+      for (auto& instance : one.sheet->instances)
+        if (instance.kind == gxi_kind::global)
+          instance.name = gx_at(one.sheet->nets, instance.nets.front()).global;
+    }
+    for (auto& net : cell(0).sheet->nets)
+      if (net.global.empty() && !net.name.empty() && taken.has(net.name)) {
+        if (net.name_look) cell(0).sheet->texts.push_back({net.name, *net.name_look});
+        net.name_look.reset();
+        net.name = taken.take(net.name);
+      }
+  }
+
+  // --- references of the whole design
+  void write_references() {
+    std::string lines;
+    std::size_t visits = 0;
+    visit(0, "/" + top_->records.id, "", lines, visits);
+    if (visits > most_visits)
+      design_.warnings.push_back("more than " + std::to_string(most_visits) +
+                                 " sheets in use: the references of further ones are left out");
+    if (!lines.empty()) design_.beside.push_back({"references", std::move(lines)});
+  }
+  void visit(int index, const std::string& path, const std::string& names, std::string& lines,
+             std::size_t& visits) {
+    if (++visits > most_visits) return;
+    for (const auto& part : gx_at(cells_, index).parts) {
+      const auto reference = reference_of(*part.placed, path);
+      if (reference != part.name) lines += names + "/" + part.name + " " + reference + "\n";
+    }
+    for (const auto& below : gx_at(cells_, index).blocks)
+      visit(below.cell, path + "/" + below.block->id, names + "/" + below.name, lines, visits);
+  }
+
+  const gxi_input_t& input_;
+  gxi_design_t design_{};
+  gxi_hierarchy_t hierarchy_{design_};
+  gxi_kicad_variables_t variables_{};
+  std::map<std::string, std::unique_ptr<loaded_t>> files_{};
+  const loaded_t* top_ = nullptr;
+  std::set<const loaded_t*> walked_{};
+  gxi_kicad_aliases_t aliases_{};
+  std::map<std::string, const gxi_kicad_use_t*, std::less<>> old_uses_{};
+  std::map<const loaded_t*, gxi_kicad_face_t> faces_{};
+  std::vector<cell_t> cells_{1};
+  std::map<int, gxi_names_t> taken_{};  // by cell
+  std::map<std::string, std::string> same_{};
+  std::map<std::string, int> uses_{};
+};
+
+}  // namespace
+
+gxi_design_t gxi_read_kicad(const gxi_input_t& input) { return kicad_reader(input).run(); }
+
+bool gxi_is_kicad(std::string_view text) {
+  if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
+  const auto begin = text.find_first_not_of(" \t\r\n");
+  if (begin == std::string_view::npos) return false;
+  text.remove_prefix(begin);
+  return text.starts_with("(kicad_sch") || text.starts_with("EESchema Schematic File");
+}

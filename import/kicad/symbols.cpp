@@ -1,0 +1,222 @@
+#include "import/kicad/symbols.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+
+#include "gx/text/at.h"
+
+namespace {
+
+using kind_t = gxi_kicad_shape_t::kind_t;
+
+constexpr int pieces_of_curve = 16;
+
+int whole(std::string_view text) {
+  int value = 0;
+  std::from_chars(text.data(), text.data() + text.size(), value);
+  return value;
+}
+
+void take_stroke(const gxi_kicad_list_t& item, gxi_kicad_shape_t& shape) {
+  const auto stroke = item.child("stroke");
+  if (const auto width = stroke.child("width")) shape.width = width.length(1);
+  const auto style = stroke.child("type").word(1);
+  shape.dashed = style.starts_with("da") || style.starts_with("do");  // dash, dot, dash_dot ...
+  const auto fill = item.child("fill").child("type").word(1);
+  shape.fill = fill == "outline" || fill == "color" ? gxi_kicad_fill::outline
+               : fill == "background"               ? gxi_kicad_fill::background
+                                                    : gxi_kicad_fill::none;
+}
+
+std::vector<gxi_kicad_point_t> points_of(const gxi_kicad_list_t& item) {
+  std::vector<gxi_kicad_point_t> points;
+  for (const auto& point : item.child("pts").children())
+    if (point.keyword() == "xy") points.push_back(gxi_kicad_point(point));
+  return points;
+}
+
+// A cubic curve in straight pieces.
+std::vector<gxi_kicad_point_t> along_curve(const std::vector<gxi_kicad_point_t>& control) {
+  if (control.size() != 4) return control;
+  std::vector<gxi_kicad_point_t> points;
+  for (int i = 0; i <= pieces_of_curve; ++i) {
+    const double t = static_cast<double>(i) / pieces_of_curve, s = 1 - t;
+    const auto at = [&](auto part) {
+      return static_cast<int>(
+          std::lround(s * s * s * part(control[0]) + 3 * s * s * t * part(control[1]) +
+                      3 * s * t * t * part(control[2]) + t * t * t * part(control[3])));
+    };
+    points.push_back(
+        {at([](const auto& p) { return p.x; }), at([](const auto& p) { return p.y; })});
+  }
+  return points;
+}
+
+gxi_kicad_pin_t pin_of(const gxi_kicad_list_t& item, const gxi_kicad_symbol_t& symbol) {
+  gxi_kicad_pin_t pin{.line = item.line(),
+                      .type = std::string(item.word(1)),
+                      .shape = std::string(item.word(2)),
+                      .at = gxi_kicad_point(item.child("at")),
+                      .rotate = gxi_kicad_quarters(item.child("at"))};
+  if (const auto length = item.child("length")) pin.length = length.length(1);
+  pin.hidden = item.flag("hide");
+  const auto name = gxi_kicad_text(item.child("name"), item.child("name").word(1));
+  const auto number = gxi_kicad_text(item.child("number"), item.child("number").word(1));
+  pin.name = name.text == "~" ? std::string() : name.text;
+  pin.number = number.text == "~" ? std::string() : number.text;
+  pin.name_size = symbol.names_hidden || name.hidden ? 0 : name.size;
+  pin.number_size = symbol.numbers_hidden || number.hidden ? 0 : number.size;
+  for (const auto& list : item.children())
+    if (list.keyword() == "alternate")
+      pin.alternates.emplace(list.word(1), std::string(list.word(2)));
+  return pin;
+}
+
+// NAME_UNIT_STYLE.
+gxi_kicad_unit_t unit_of(const gxi_kicad_list_t& item, const gxi_kicad_symbol_t& symbol) {
+  gxi_kicad_unit_t unit;
+  const auto name = item.word(1);
+  const auto second = name.rfind('_');
+  const auto first = second == 0 || second == std::string_view::npos ? std::string_view::npos
+                                                                     : name.rfind('_', second - 1);
+  if (first == std::string_view::npos)
+    item.refuse("the unit \"" + std::string(name) + "\" has no numbers in its name");
+  unit.unit = whole(name.substr(first + 1, second - first - 1));
+  unit.style = whole(name.substr(second + 1));
+  for (const auto& list : item.children()) {
+    if (list.keyword() == "pin")
+      unit.pins.push_back(pin_of(list, symbol));
+    else if (list.keyword() == "text")
+      unit.texts.push_back(gxi_kicad_text(list, list.word(1)));
+    else
+      gxi_kicad_shape(list, unit.shapes);
+    if (list.keyword() == "text_box") unit.texts.push_back(gxi_kicad_text(list, list.word(1)));
+  }
+  return unit;
+}
+
+std::shared_ptr<gxi_kicad_symbol_t> symbol_of(const gxi_kicad_list_t& item) {
+  auto symbol = std::make_shared<gxi_kicad_symbol_t>();
+  symbol->line = item.line();
+  symbol->name = item.word(1);
+  if (const auto power = item.child("power")) {
+    symbol->power = true;
+    symbol->local_power = power.word(1) == "local";
+  }
+  const auto names = item.child("pin_names");
+  symbol->names_hidden = names.flag("hide");
+  if (const auto offset = names.child("offset")) symbol->name_offset = offset.length(1);
+  symbol->numbers_hidden = item.child("pin_numbers").flag("hide");
+  symbol->same_numbers_joined = item.flag("duplicate_pin_numbers_are_jumpers");
+  for (const auto& list : item.children()) {
+    if (list.keyword() == "property") symbol->fields.push_back(gxi_kicad_field(list));
+    if (list.keyword() == "symbol") symbol->units.push_back(unit_of(list, *symbol));
+    if (list.keyword() != "jumper_pin_groups") continue;
+    for (const auto& group : list.children()) {
+      auto& numbers = symbol->jumpers.emplace_back();
+      for (int i = 0; !group.word(i).empty(); ++i) numbers.emplace_back(group.word(i));
+    }
+  }
+  for (const auto& unit : symbol->units)
+    symbol->number_of_units = std::max(symbol->number_of_units, unit.unit);
+  return symbol;
+}
+
+}  // namespace
+
+gxi_kicad_point_t gxi_kicad_point(const gxi_kicad_list_t& at) {
+  return at ? gxi_kicad_point_t{at.length(1), at.length(2)} : gxi_kicad_point_t{};
+}
+
+int gxi_kicad_quarters(const gxi_kicad_list_t& at) {
+  if (!at || at.word(3).empty()) return 0;
+  const int turns = static_cast<int>(std::lround(at.number(3) / 90));
+  return (turns % 4 + 4) % 4;
+}
+
+gxi_kicad_text_t gxi_kicad_text(const gxi_kicad_list_t& item, std::string_view text) {
+  gxi_kicad_text_t result{.line = item.line(), .text = std::string(text)};
+  result.at = gxi_kicad_point(item.child("at"));
+  result.rotate = gxi_kicad_quarters(item.child("at"));
+  const auto effects = item.child("effects");
+  if (const auto size = effects.child("font").child("size")) result.size = std::abs(size.length(1));
+  result.hidden = effects.flag("hide") || item.flag("hide");
+  const auto justify = effects.child("justify");
+  if (justify.has_word("left")) result.across = gxi_align::start;
+  if (justify.has_word("right")) result.across = gxi_align::end;
+  if (justify.has_word("bottom")) result.up = gxi_align::start;
+  if (justify.has_word("top")) result.up = gxi_align::end;
+  return result;
+}
+
+gxi_kicad_field_t gxi_kicad_field(const gxi_kicad_list_t& property) {
+  // "private" may come before the name.
+  const int first = property.word(1) == "private" && !property.word(3).empty() ? 2 : 1;
+  gxi_kicad_field_t field{std::string(property.word(first)),
+                          gxi_kicad_text(property, property.word(first + 1))};
+  return field;
+}
+
+bool gxi_kicad_shape(const gxi_kicad_list_t& item, std::vector<gxi_kicad_shape_t>& shapes) {
+  gxi_kicad_shape_t shape;
+  const auto keyword = item.keyword();
+  if (keyword == "polyline") {
+    shape.points = points_of(item);
+  } else if (keyword == "bezier") {
+    shape.points = along_curve(points_of(item));
+  } else if (keyword == "rectangle") {
+    shape.kind = kind_t::rectangle;
+    shape.points = {gxi_kicad_point(item.child("start")), gxi_kicad_point(item.child("end"))};
+  } else if (keyword == "text_box") {
+    shape.kind = kind_t::rectangle;
+    const auto at = gxi_kicad_point(item.child("at")), size = gxi_kicad_point(item.child("size"));
+    shape.points = {at, {at.x + size.x, at.y + size.y}};
+  } else if (keyword == "arc") {
+    shape.kind = kind_t::arc;
+    for (const auto* const end : {"start", "mid", "end"})
+      shape.points.push_back(gxi_kicad_point(item.child(end)));
+  } else if (keyword == "circle") {
+    shape.kind = kind_t::circle;
+    shape.points = {gxi_kicad_point(item.child("center"))};
+    shape.radius = item.child("radius") ? item.child("radius").length(1) : 0;
+  } else {
+    return false;
+  }
+  take_stroke(item, shape);
+  if (shape.points.size() > 1 || shape.kind == kind_t::circle) shapes.push_back(std::move(shape));
+  return true;
+}
+
+gxi_kicad_symbols_t gxi_kicad_read_symbols(const gxi_kicad_list_t& library) {
+  gxi_kicad_symbols_t symbols;
+  std::map<std::string, std::pair<std::string, gxi_kicad_list_t>, std::less<>> derived;
+  for (const auto& list : library.children()) {
+    if (list.keyword() != "symbol") continue;
+    auto symbol = symbol_of(list);
+    if (const auto base = list.child("extends"))
+      derived.emplace(symbol->name, std::pair(std::string(base.word(1)), list));
+    auto name = symbol->name;
+    symbols.emplace(std::move(name), std::move(symbol));
+  }
+  // The base stands in the same library, by its name without that of the library.
+  for (auto& [name, from] : derived) {
+    auto base = symbols.find(from.first);
+    const auto colon = name.find(':');
+    if (base == symbols.end() && colon != std::string::npos)
+      base = symbols.find(name.substr(0, colon + 1) + from.first);
+    if (base == symbols.end())
+      from.second.refuse("the symbol " + name + " extends " + from.first + ", which is not here");
+    if (derived.contains(base->first))
+      from.second.refuse("the symbol " + name + " extends " + from.first +
+                         ", which extends another one");
+    auto whole = std::make_shared<gxi_kicad_symbol_t>(*base->second);
+    const auto& own = *symbols.at(name);
+    whole->name = own.name;
+    whole->line = own.line;
+    whole->fields = own.fields;
+    whole->power = whole->power || own.power;
+    symbols[name] = std::move(whole);
+  }
+  return symbols;
+}
