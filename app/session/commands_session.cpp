@@ -1,9 +1,12 @@
 // Commands that steer the session: questions, the command line, switches, and the end.
+#include <algorithm>
+
 #include "app/language/command_row.h"
 #include "app/language/substitution.h"
 #include "app/session/event_loop.h"
 #include "app/sheet/views.h"
 #include "gx/display/cmd_viewport.h"
+#include "gx/display/theme.h"
 #include "gx/text/at.h"
 #include "gx/text/message_list.h"
 #include "gx/text/strings.h"
@@ -64,6 +67,27 @@ void kv_display_cmd(const kv_command_t& command) {
   kv_update_viewport_context();
 }
 
+// By the letters that its name has in capitals, or more of them.
+const gx_theme_t* theme_named(std::string_view word) {
+  for (const gx_theme_t& theme : gx_themes()) {
+    const auto least = std::ranges::count_if(theme.name, [](char c) { return c <= 'Z'; });
+    if (word.size() >= static_cast<std::size_t>(least) && word.size() <= theme.name.size() &&
+        gx_iden(theme.name.substr(0, word.size()), word))
+      return &theme;
+  }
+  return nullptr;
+}
+
+void kv_display_theme_cmd(const kv_command_t& command) {
+  const gx_theme_t* const theme = theme_named(command.word(3));
+  if (theme == nullptr)
+    return kv_refuse("# DISplay THEme ", command,
+                     "# !! Error : No such theme (CLAssic, DARk or LIGht) ? ", 3);
+  gx_set_theme(*theme);
+  if (gx_vext.screen != nullptr) kv_draw_window(false);
+  gx_tell(" DISplay THEme ", theme->name, " ");
+}
+
 void kv_transcript_cmd(const kv_command_t& command) {
   const auto on = kv_on_or_off(command.word(2));
   if (!on) return kv_refuse("# TRANScript ", command, kv_bad_second);
@@ -96,6 +120,7 @@ constexpr kv_command_row_t rows[] = {
     {{"QUIT"}, "QUIT", kv_quit_cmd, "# QUIT ", 2, 4},
     {{"READ"}, "READln $VARn prompt [answer]", kv_readln_cmd, "# READln "},
     {{"COM"}, "COMmand text", kv_command_cmd, "# COMmand "},
+    {{"DISP", "THE"}, "DISPlay THEme CLAssic or DARk or LIGht", kv_display_theme_cmd, "# DISplay THEme ", 3},
     {{"DISP"}, "DISPlay ON or OFF", kv_display_cmd, "# DISplay "},
     {{"TRANS", "O"}, "TRANScript ON or OFF", kv_transcript_cmd, "# TRANScript "},
     {{"HAR"}, "HARDcopy [word]", kv_hardcopy_cmd, "# HARDcopy "},

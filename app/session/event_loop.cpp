@@ -39,9 +39,7 @@ namespace {
 constexpr int max_lost_events = 20;
 constexpr std::uint32_t control = 4;
 constexpr std::uint32_t insert_char_key = 0xFF72, delete_char_key = 0xFF73;  // older keyboards
-constexpr int active_width = 3, active_color = 6;
-constexpr int inactive_width = 1, inactive_color = 3;
-constexpr int wheel_lines = 3;  // that the list moves
+constexpr int wheel_lines = 3;                                               // that the list moves
 constexpr std::int32_t max_typed_length = 193;
 
 // One running loop: the tables of its commands, and whether it is to be left now.
@@ -242,9 +240,9 @@ int pointer_shape(gx_vpid_t vpid) {
 void enter_viewport(gx_vpid_t vpid) {
   gx_cursor_set_pattern(pointer_shape(vpid));
   if (gx_viewport_ok(kv_pext.prev_viewport_id)) {
-    gx_draw_new_viewport_border(kv_pext.prev_viewport_id, inactive_width, inactive_color);
+    kv_frame_quiet(kv_pext.prev_viewport_id);
   }
-  gx_draw_new_viewport_border(vpid, active_width, active_color);
+  kv_frame_active(vpid);
   kv_pext.prev_viewport_id = vpid;
 }
 
@@ -291,31 +289,12 @@ void on_pointer_at_rest(loop_t&, const gx_event_t& event) {
 
 // --- the window
 
-void draw_window(bool resized) {
-  gx_clear_window();
-  if (kv_pext.file_id_cur > 0 && resized) {
-    kv_expose_viewport_edit();
-    kv_expose_viewport_context();
-  } else if (kv_pext.file_id_cur > 0) {
-    kv_update_viewport_edit();
-    kv_update_viewport_context();
-  }
-  for (const gx_vpid_t vpid :
-       {gx_vext.viewport_edit, gx_vext.viewport_context, gx_vext.viewport_list}) {
-    gx_draw_new_viewport_border(vpid, inactive_width, inactive_color);
-  }
-  gx_regen_display_list();
-  kv_pext.prev_viewport_id = gx_vext.viewport_cmd;
-  gx_display_cmd(gx_view(gx_vext.str_cmd));
-  gx_draw_new_viewport_border(gx_vext.viewport_cmd, active_width, active_color);
-}
-
 void on_exposed(loop_t&, const gx_event_t& event) {
   gx_vext.display_rectangle_todo = false;
   gx_hide_menus();
   {
     const gx_offscreen_t picture({0, 0, gx_vext.bitmap_size.x, gx_vext.bitmap_size.y});
-    draw_window(event.resized);
+    kv_draw_window(event.resized);
   }
   gx_redraw_menus(gx_vext.viewport_edit);
 }
@@ -362,6 +341,25 @@ void put_pointer_into_edit_viewport() {
 }
 
 }  // namespace
+
+void kv_draw_window(bool resized) {
+  gx_clear_window();
+  if (kv_pext.file_id_cur > 0 && resized) {
+    kv_expose_viewport_edit();
+    kv_expose_viewport_context();
+  } else if (kv_pext.file_id_cur > 0) {
+    kv_update_viewport_edit();
+    kv_update_viewport_context();
+  }
+  for (const gx_vpid_t vpid :
+       {gx_vext.viewport_edit, gx_vext.viewport_context, gx_vext.viewport_list}) {
+    kv_frame_quiet(vpid);
+  }
+  gx_regen_display_list();
+  kv_pext.prev_viewport_id = gx_vext.viewport_cmd;
+  gx_display_cmd(gx_view(gx_vext.str_cmd));
+  kv_frame_active(gx_vext.viewport_cmd);
+}
 
 void kv_process_events(bool first, kv_array_param_t& args, kv_array_param_t& vars) {
   gx_debug_line(" KV_PROCESS_EVENTS  : START ");

@@ -9,6 +9,7 @@
 #include "gx/display/offscreen.h"
 #include "gx/display/pen.h"
 #include "gx/display/screen_state.h"
+#include "gx/display/theme.h"
 #include "gx/display/viewports.h"
 #include "gx/display/window.h"
 #include "gx/text/arguments.h"
@@ -113,6 +114,15 @@ std::array<gx_viewport_init_rec_t, 4> set_viewports() {
 
 void kv_set_view_roles() { static_cast<gx_view_roles_t&>(gx_vext) = kv_view_roles; }
 
+void kv_frame_active(gx_vpid_t vpid) {
+  const int width = gx_theme().has_roles ? 1 : 3;
+  gx_draw_new_viewport_border(vpid, width, gx_color_of(gx_role::active_pane, 6));
+}
+
+void kv_frame_quiet(gx_vpid_t vpid) {
+  gx_draw_new_viewport_border(vpid, 1, gx_color_of(gx_role::pane, 3));
+}
+
 void kv_display_picture_all(gx_vpid_t vpid, gx_file_index_t file_index) {
   show_part(
       vpid, file_index, [&](const gx_boundsreal_t& page) { gx_viewport_fit(vpid, page); },
@@ -123,14 +133,12 @@ void kv_display_picture_all(gx_vpid_t vpid, gx_file_index_t file_index) {
 void kv_display_picture_area(gx_vpid_t vpid, gx_file_index_t file_index, gx_pointreal_t p1,
                              gx_pointreal_t p2) {
   show_part(
-      vpid, file_index,
-      [&](const gx_boundsreal_t&) { gx_viewport_fit(vpid, gx_area_of(p1, p2)); },
+      vpid, file_index, [&](const gx_boundsreal_t&) { gx_viewport_fit(vpid, gx_area_of(p1, p2)); },
       " KV_DISPLAY_PICTURE_AREA : file index (invalid) : %12d\n",
       " KV_DISPLAY_PICTURE_AREA : grid_id (invalid) : %12d\n");
 }
 
-void kv_display_picture_shown(gx_vpid_t vpid, gx_file_index_t file_index,
-                              const gx_shown_t& shown) {
+void kv_display_picture_shown(gx_vpid_t vpid, gx_file_index_t file_index, const gx_shown_t& shown) {
   show_part(
       vpid, file_index, [&](const gx_boundsreal_t&) { gx_viewport_show(vpid, shown); },
       " KV_DISPLAY_PICTURE_SHOWN : file index (invalid) : %12d\n",

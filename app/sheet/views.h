@@ -18,6 +18,10 @@ inline constexpr gx_view_roles_t kv_view_roles = {.viewport_edit = 1,
                                                   .viewport_activ = 4};
 void kv_set_view_roles();
 
+// The frame of a viewport: where the pointer is, and elsewhere.
+void kv_frame_active(gx_vpid_t vpid);
+void kv_frame_quiet(gx_vpid_t vpid);
+
 // Draws a sheet whole, or a part of it, in a viewport (only while the display is on).
 void kv_display_picture_all(gx_vpid_t vpid, gx_file_index_t file_index);
 void kv_display_picture_area(gx_vpid_t vpid, gx_file_index_t file_index, gx_pointreal_t p1,

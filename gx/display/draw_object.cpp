@@ -11,6 +11,7 @@
 #include "gx/display/offscreen.h"
 #include "gx/display/probe.h"
 #include "gx/display/screen_state.h"
+#include "gx/display/theme.h"
 #include "gx/display/viewports.h"
 #include "gx/picture/object_shapes.h"
 #include "gx/picture/sheet_shapes.h"
@@ -142,6 +143,13 @@ gx_sink_t gx_screen_sink(const gx_picture_t& picture) {
     return !gx_viewport_rec(picture.vpid).vp_blocked &&
            gx_part_object_inside_vp_bounds(picture.vpid, *picture.file, id, inst);
   };
+  if (gx_theme().has_roles) {  // what is joined needs no sign
+    sink.marks_pin = [&picture](int pinpropfam) {
+      const auto* const family =
+          gx_object_as<gx_object_pinpropfam_rec_t>(*picture.file, pinpropfam);
+      return family == nullptr || family->net == 0;
+    };
+  }
   sink.opens = [&picture](int id) {
     if (gx_object_id_ptr(*picture.file, id).object_type != gx_type::net) return;
     const auto* const probe = gx_net_info_ptr(*picture.file, id).ptrto_probe;

@@ -7,12 +7,14 @@
 #include <numbers>
 
 #include "gx/db/geometry.h"
+#include "gx/db/object_access.h"
 #include "gx/display/clipping.h"
 #include "gx/display/grid.h"
 #include "gx/display/highlight.h"
 #include "gx/display/markers.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/stroke_text.h"
+#include "gx/display/theme.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
@@ -29,7 +31,20 @@ struct item_t {
   bool is_marked = false;  // a segment of a highlighted net
 
   gx_vpid_t vpid() const { return picture.vpid; }
-  int color() const { return gx_drawn_color(picture, shape.color, shape.selected || is_marked); }
+  int color() const {
+    const int chosen = gx_vext.color_obj_selected;
+    if (!picture.erases() && shape.selected) return gx_color_of(gx_role::selection, chosen);
+    if (!picture.erases() && is_marked) return gx_color_of(gx_role::highlight, chosen);
+    return gx_drawn_color(picture, gx_color_of(role(), gx_file_color(shape.color)), false);
+  }
+  gx_role role() const {
+    if (shape.kind == gx_shape_kind::text) return gx_role::text;
+    if (shape.net != 0) return gx_role::wire;
+    const auto& file = *picture.file;
+    if (gx_object_id_ptr(file, shape.object).object_type == gx_type::pin) return gx_role::pin;
+    const bool is_sheet = file.grid_obj_id != 0;
+    return is_sheet && shape.inst == 0 ? gx_role::frame : gx_role::symbol;
+  }
   // Checked also where it is not used.
   int style() const {
     if (shape.style < 0 || shape.style >= gx_nb_of_styles) {

@@ -7,6 +7,7 @@
 
 #include "gx/display/draw_strokes.h"
 #include "gx/display/screen_state.h"
+#include "gx/display/theme.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
@@ -87,7 +88,7 @@ void gx_display_half_cross(gx_vpid_t vpid, gx_pointreal_t p) {
 }
 
 void gx_display_selvertex(gx_vpid_t vpid, gx_pointreal_t p) {
-  draw_mark(vpid, p, selected_vertex, green);
+  draw_mark(vpid, p, selected_vertex, gx_color_of(gx_role::selection, green));
 }
 
 void gx_display_pin_nocon(gx_vpid_t vpid, gx_pointreal_t p) {

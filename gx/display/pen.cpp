@@ -10,7 +10,7 @@
 
 namespace {
 int sound_color(int color) {
-  return color >= 0 && color < gx_nb_of_colors ? color : gx_nb_of_colors - 1;
+  return color >= 0 && color < gx_nb_of_colors ? color : gx_nb_of_file_colors - 1;
 }
 
 int dash_index(int style, bool border) {

@@ -17,7 +17,8 @@ class gx_batch_t {
   gx_batch_t& operator=(const gx_batch_t&) = delete;
 };
 
-// Colours outside 0..7 are taken as 7. Styles are 0..4; `border` picks the dashes of the borders.
+// Colours are 0..7 and those of roles (gx_color_of); others are taken as 7. Styles are 0..4;
+// `border` picks the dashes of the borders.
 void gx_pen_line(int color, int style, gx_line16_t line, bool border = false);
 void gx_pen_arc(int color, int style, const gx_arc16_t& arc);
 void gx_pen_box(int color, int x, int y, int width, int height);

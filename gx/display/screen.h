@@ -3,10 +3,12 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string_view>
 
 #include "gx/display/events.h"
 #include "gx/display/stroke_layers.h"
+#include "gx/display/theme.h"
 #include "gx/text/records.h"
 
 struct gx_screen_t {
@@ -37,6 +39,7 @@ struct gx_screen_t {
   bool (*find_key)(int kind, std::uint32_t keysym, std::uint32_t modifiers);
 
   // --- the window
+  void (*set_colors)(std::span<const gx_rgb_t> colors);  // by number; 0 is the ground
   void (*set_title)(std::string_view title);
   int (*number_of_planes)();
   void (*close)();

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "gx/db/ids.h"
+#include "gx/display/stroke_layers.h"
 #include "gx/text/records.h"
 
 struct _XDisplay;
@@ -16,6 +17,7 @@ struct _XGC;
 
 struct gx_pen_t;          // gx/display/pen.cpp
 struct gx_screen_t;       // gx/display/screen.h
+struct gx_theme_t;        // gx/display/theme.h
 struct gx_scaled_font_t;  // gx/display/stroke_text.cpp
 
 using gx_vpid_t = std::int8_t;  // 1..16; 0 = none
@@ -96,7 +98,8 @@ struct gx_screen_state_t : gx_view_roles_t {
   unsigned long wm_protocols = 0, wm_delete_window = 0;  // atoms: the user closes the window
   std::shared_ptr<gx_pen_t> pen;                         // strokes not yet sent
   std::shared_ptr<const gx_scaled_font_t> strpt;         // glyphs at the size of the screen texts
-  std::array<gx_color_t, 9> colorrec;
+  const gx_theme_t* theme = nullptr;                     // null: the classic one
+  std::array<gx_color_t, gx_nb_of_colors> colorrec;
   unsigned long backgrpixel = 0, foregrpixel = 0;
   gx_point16_t bitmap_size;         // drawable width - 1, height - 1
   std::int16_t cursor_ind_cur = 0;  // 1..12

@@ -139,7 +139,7 @@ void gx_draw_new_viewport_border(gx_vpid_t vpid, int pixel_width, int color) {
   const gx_batch_t batch;
   draw_border(vp, vp.border.background_color);
   vp.border.pixel_width = static_cast<std::uint8_t>(std::clamp(pixel_width, 0, 255));
-  vp.border.border_color = static_cast<std::uint8_t>(std::clamp(color, 0, 7));
+  vp.border.border_color = static_cast<std::uint8_t>(std::clamp(color, 0, gx_nb_of_colors - 1));
   gx_pen_flush();
   draw_border(vp, vp.border.border_color);
   gx_viewport_select(vpid);

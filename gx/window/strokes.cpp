@@ -34,6 +34,7 @@ constexpr std::array<dash_list_t, gx_nb_of_dash_lists> dash_lists = {{
 // What the graphics context holds; -1: not known.
 struct context_t {
   int color = -1, dashes = -1;
+  bool is_exclusive_or = false;
 };
 context_t state;
 
@@ -44,7 +45,9 @@ unsigned short to_size(int v) { return static_cast<unsigned short>(std::clamp(v,
 void use_color(int color) {
   if (state.color == color) return;
   state.color = color;
-  XSetForeground(gx_vext.dpy, gx_vext.our_gc, gx_at(gx_vext.colorrec, color).pixel);
+  // Put over the ground by exclusive-or it is the colour itself.
+  const unsigned long under = state.is_exclusive_or ? gx_vext.backgrpixel : 0;
+  XSetForeground(gx_vext.dpy, gx_vext.our_gc, gx_at(gx_vext.colorrec, color).pixel ^ under);
 }
 
 void use_dashes(int dashes) {
@@ -68,6 +71,8 @@ std::vector<Request>& requests_of(const std::vector<Stroke>& strokes, Convert co
 }  // namespace
 
 void gx_begin_strokes() { state = {}; }
+
+void gx_forget_context() { state.color = -1; }
 
 void gx_draw_strokes(const gx_stroke_group_t& group) {
   auto* const dpy = gx_vext.dpy;
@@ -111,6 +116,8 @@ void gx_clear_area(int x, int y, int width, int height) {
 }
 
 void gx_set_exclusive_or(bool on) {
+  state.is_exclusive_or = on;
+  state.color = -1;
   XSetFunction(gx_vext.dpy, gx_vext.our_gc, on ? GXxor : GXcopy);
 }
 
@@ -120,6 +127,6 @@ void gx_set_line_dashed(int style, int color) {
   if (style < 0 || style >= gx_nb_of_styles) gx_set_status(gx_code::invalid_style);
   gx_pen_flush();
   if (gx_vext.dpy == nullptr) return;
-  use_color(color >= 0 && color < gx_nb_of_colors ? color : gx_nb_of_colors - 1);
+  use_color(color >= 0 && color < gx_nb_of_colors ? color : gx_nb_of_file_colors - 1);
   use_dashes(style);
 }

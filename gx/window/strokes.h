@@ -3,8 +3,9 @@
 
 #include "gx/display/stroke_layers.h"
 
-// For a new graphics context, of which nothing is known.
+// For a new graphics context, of which nothing is known, and after a change of the colours.
 void gx_begin_strokes();
+void gx_forget_context();
 
 void gx_draw_strokes(const gx_stroke_group_t& group);
 void gx_clip_strokes(const gx_box16_t& box);

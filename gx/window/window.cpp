@@ -296,6 +296,7 @@ constexpr gx_screen_t x_screen = {.draw = gx_draw_strokes,
                                   .put_pointer_near = gx_put_pointer_near,
                                   .wait_event = gx_wait_x_event,
                                   .find_key = gx_find_key,
+                                  .set_colors = gx_set_colors,
                                   .set_title = set_title,
                                   .number_of_planes = number_of_planes,
                                   .close = release_display};
