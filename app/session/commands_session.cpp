@@ -4,8 +4,13 @@
 #include "app/language/command_row.h"
 #include "app/language/substitution.h"
 #include "app/session/event_loop.h"
+#include "app/session/menu_actions.h"
+#include "app/session/recall.h"
 #include "app/sheet/views.h"
 #include "gx/display/cmd_viewport.h"
+#include "gx/display/events.h"
+#include "gx/display/line_edit.h"
+#include "gx/display/menu_draw.h"
 #include "gx/display/theme.h"
 #include "gx/text/at.h"
 #include "gx/text/message_list.h"
@@ -56,6 +61,20 @@ void kv_command_cmd(const kv_command_t& command) {
   kv_echo("# COMmand ", command);
   set_command_line(kv_unquote(command.word(2)));
 }
+
+void kv_cut_before_cmd(const kv_command_t&) { gx_cut_line(gx_cut::before); }
+void kv_cut_word_cmd(const kv_command_t&) { gx_cut_line(gx_cut::word); }
+void kv_paste_cmd(const kv_command_t&) { gx_ask_for_text(true); }
+
+// On the command line what another program has selected; elsewhere the menu.
+void kv_paste_or_menu_cmd(const kv_command_t&) {
+  if (gx_vext.viewport_id == gx_vext.viewport_cmd) return gx_ask_for_text(false);
+  gx_draw_menu1(gx_vext.viewport_edit, kv_menu_position);
+}
+
+// Nothing is told: the keys that run them would fill the list.
+void kv_recall_back_cmd(const kv_command_t&) { kv_recall(true); }
+void kv_recall_forward_cmd(const kv_command_t&) { kv_recall(false); }
 
 void kv_display_cmd(const kv_command_t& command) {
   const auto on = kv_on_or_off(command.word(2));
@@ -119,6 +138,12 @@ constexpr kv_command_row_t rows[] = {
     {{"BYE"}, "BYE", kv_bye_cmd, "# BYE ", 2, 3},
     {{"QUIT"}, "QUIT", kv_quit_cmd, "# QUIT ", 2, 4},
     {{"READ"}, "READln $VARn prompt [answer]", kv_readln_cmd, "# READln "},
+    {{"REC", "BAC"}, "RECall BACk", kv_recall_back_cmd, "# RECall BACk ", 3},
+    {{"REC", "FOR"}, "RECall FORward", kv_recall_forward_cmd, "# RECall FORward ", 3},
+    {{"$CUTW"}, "$CUTW", kv_cut_word_cmd},
+    {{"$CUT"}, "$CUT", kv_cut_before_cmd},
+    {{"$PASTE"}, "$PASTE", kv_paste_cmd},
+    {{"$PDM1"}, "$PDM1", kv_paste_or_menu_cmd},
     {{"COM"}, "COMmand text", kv_command_cmd, "# COMmand "},
     {{"DISP", "THE"}, "DISPlay THEme CLAssic or DARk or LIGht", kv_display_theme_cmd, "# DISplay THEme ", 3},
     {{"DISP"}, "DISPlay ON or OFF", kv_display_cmd, "# DISplay "},

@@ -14,6 +14,7 @@
 #include "app/language/shell_escape.h"
 #include "app/session/gestures.h"
 #include "app/session/menu_actions.h"
+#include "app/session/recall.h"
 #include "app/sheet/last_views.h"
 #include "app/sheet/views.h"
 #include "gx/display/cmd_viewport.h"
@@ -140,27 +141,34 @@ void run_helper(std::string_view program) {
 bool is_return(std::uint32_t keysym) { return keysym == XK_Return || keysym == XK_Linefeed; }
 bool is_printable(std::uint32_t keysym) { return keysym >= 32 && keysym <= 126; }
 
-// With the pointer elsewhere the last character goes.
 void delete_before_caret() {
   if (gx_vext.viewport_id == gx_vext.viewport_cmd)
     return gx_backsp_action(gx_vext.viewport_id, gx_vext.pixel_pos);
   std::string text(gx_view(gx_vext.str_cmd));
-  if (text.empty()) return;
-  text.pop_back();
-  gx_set_command_line(text);
+  const int caret = gx_caret();
+  if (caret < 2) return;
+  text.erase(static_cast<std::size_t>(caret - 2), 1);
+  gx_set_command_line(text, caret - 1);
 }
 
 void on_control_key(loop_t& loop, std::uint32_t keysym) {
   const std::uint32_t letter = keysym >= 'A' && keysym <= 'Z' ? keysym - 'A' + 'a' : keysym;
-  if (letter >= 'n' && letter <= 'z') {
+  const std::string_view line = gx_view(gx_vext.str_cmd);
+  if (letter == 'a') {
+    gx_set_command_line(line, 1);
+  } else if (letter == 'e') {
+    gx_set_command_line(line, 0);
+  } else if (letter == 'k') {
+    gx_cut_line(gx_cut::behind);
+  } else if (letter >= 'n' && letter <= 'z') {
     run_binding(loop, gx_vext.action_ck[letter - 'n']);
   } else if (letter == 'c') {
     run_and_leave(loop, "BYE ");
   } else if (letter == 'd') {
     run_and_leave(loop, "QUIT ");
   } else if (letter == '/' || letter == '?') {
-    const gx_string_record_t line = gx_vext.str_cmd;
-    kv_expand_cmd(line);
+    const gx_string_record_t present = gx_vext.str_cmd;
+    kv_expand_cmd(present);
   }
 }
 
@@ -299,6 +307,14 @@ void on_exposed(loop_t&, const gx_event_t& event) {
   gx_redraw_menus(gx_vext.viewport_edit);
 }
 
+// The first line of it, as far as there is room.
+void on_pasted(loop_t&, const gx_event_t& event) {
+  std::string text = event.text.substr(0, event.text.find_first_of("\r\n"));
+  std::erase_if(text, [](char c) { return c < ' ' || c > '~'; });
+  const int room = std::max(max_typed_length + 1 - gx_vext.str_cmd.len, 0);
+  gx_insert_text(std::string_view(text).substr(0, static_cast<std::size_t>(room)));
+}
+
 void on_close_asked(loop_t& loop, const gx_event_t&) { run_and_leave(loop, "BYE "); }
 
 void on_menu_line(loop_t&, const gx_event_t&) { kv_locator_in_menu(); }
@@ -325,6 +341,7 @@ constexpr std::pair<gx_event_kind, action_t> actions[] = {
     {gx_event_kind::menu_opening, on_menu_opening},
     {gx_event_kind::exposed, on_exposed},
     {gx_event_kind::close_asked, on_close_asked},
+    {gx_event_kind::pasted, on_pasted},
 };
 
 void act_on(loop_t& loop, const gx_event_t& event) {
@@ -395,6 +412,7 @@ void kv_ascii_action(std::uint32_t keysym, kv_array_param_t& args, kv_array_para
     if (gx_is_blank(gx_view(line))) return;
     const gx_string_record_t typed = line;
     gx_set_command_line("");
+    kv_remember_typed(gx_view(typed));
     kv_process_line(typed, args, vars);
     return;
   }
@@ -406,10 +424,5 @@ void kv_ascii_action(std::uint32_t keysym, kv_array_param_t& args, kv_array_para
   if (line.len > max_typed_length) return;
 
   const char typed = static_cast<char>(keysym);
-  const bool under_pointer = gx_vext.viewport_id == gx_vext.viewport_cmd;
-  const int column = under_pointer ? gx_cmd_column(gx_vext.pixel_pos) : line.len + 1;
-  const auto at = static_cast<std::size_t>(std::clamp(column, 1, line.len + 1) - 1);
-  std::string text(gx_view(line));
-  gx_set_command_line(text.insert(at, 1, typed));
-  if (under_pointer) gx_cursor_set_position(gx_cmd_column_pixel(static_cast<int>(at) + 2));
+  gx_insert_text({&typed, 1});
 }

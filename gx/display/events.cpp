@@ -14,6 +14,10 @@ gx_event_t gx_input_event_wait() {
   return gx_vext.screen->wait_event();
 }
 
+void gx_ask_for_text(bool from_clipboard) {
+  if (gx_vext.screen != nullptr) gx_vext.screen->ask_for_text(from_clipboard);
+}
+
 bool gx_find_event(int kind, std::uint32_t keysym, std::uint32_t modifiers) {
   if (gx_vext.screen == nullptr || (kind != 0 && kind != 1)) return false;
   return gx_vext.screen->find_key(kind, keysym, modifiers);

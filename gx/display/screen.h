@@ -36,6 +36,7 @@ struct gx_screen_t {
 
   // --- events
   gx_event_t (*wait_event)();
+  void (*ask_for_text)(bool from_clipboard);
   bool (*find_key)(int kind, std::uint32_t keysym, std::uint32_t modifiers);
 
   // --- the window

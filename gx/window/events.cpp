@@ -2,6 +2,7 @@
 // what to do about an event is the application's part.
 #include "gx/window/events.h"
 
+#include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/keysym.h>
 
@@ -444,6 +445,28 @@ bool asks_to_close(const XClientMessageEvent& message) {
          static_cast<Atom>(message.data.l[0]) == gx_vext.wm_delete_window;
 }
 
+constexpr char selection_property[] = "KIVO_SELECTION";
+
+// Nothing when the other program has no text.
+void read_selection(const XSelectionEvent& selection, gx_event_t& event) {
+  constexpr long most_words = 250;  // of four bytes
+  if (selection.property == None) return;
+  Atom type = None;
+  int format = 0;
+  unsigned long count = 0, rest = 0;
+  unsigned char* data = nullptr;
+  if (XGetWindowProperty(gx_vext.dpy, gx_vext.win, selection.property, 0, most_words, True,
+                         AnyPropertyType, &type, &format, &count, &rest, &data) != Success)
+    return;
+  if (data == nullptr) return;
+  if (rest > 0) XDeleteProperty(gx_vext.dpy, gx_vext.win, selection.property);
+  if (type == XA_STRING && format == 8 && count > 0) {
+    event.kind = gx_event_kind::pasted;
+    event.text.assign(reinterpret_cast<const char*>(data), count);
+  }
+  XFree(data);
+}
+
 void read_other(int type) {
   const auto index = static_cast<std::size_t>(type);
   const std::string_view name = index < event_name.size() ? event_name[index] : "Unknown??";
@@ -519,6 +542,9 @@ gx_event_t gx_wait_x_event() {
     case MappingNotify:
       XRefreshKeyboardMapping(&x.xmapping);
       break;
+    case SelectionNotify:
+      read_selection(x.xselection, event);
+      break;
     case ClientMessage:
       if (asks_to_close(x.xclient)) {
         event.kind = gx_event_kind::close_asked;
@@ -530,6 +556,14 @@ gx_event_t gx_wait_x_event() {
       break;
   }
   return event;
+}
+
+void gx_ask_selection(bool from_clipboard) {
+  auto* const dpy = gx_vext.dpy;
+  const Atom from = from_clipboard ? XInternAtom(dpy, "CLIPBOARD", False) : XA_PRIMARY;
+  XConvertSelection(dpy, from, XA_STRING, XInternAtom(dpy, selection_property, False), gx_vext.win,
+                    CurrentTime);
+  XFlush(dpy);
 }
 
 bool gx_find_key(int kind, std::uint32_t keysym, std::uint32_t modifiers) {

@@ -26,6 +26,7 @@ struct counting_screen {
         .put_pointer = [](gx_point16_t) {},
         .put_pointer_near = [](gx_point16_t, gx_point16_t, int) {},
         .wait_event = [] { return gx_event_t{}; },
+        .ask_for_text = [](bool) {},
         .find_key = [](int, std::uint32_t, std::uint32_t) { return false; },
         .set_colors = [](std::span<const gx_rgb_t>) {},
         .set_title = [](std::string_view) {},
