@@ -40,7 +40,9 @@ class FindProgram : public Interactive {
  protected:
   FindProgram() {
     make_design(directory_, two_level_net);
-    open("display theme classic;primitive class;prop inst s class;prop pin s pin;prop net s net;run", KIVO_PRODUCT_DIR);
+    open(
+        "display theme classic;primitive class;prop inst s class;prop pin s pin;prop net s net;run",
+        KIVO_PRODUCT_DIR);
     session().wait_for_line("# End of DO ");
     // Without the cross that marks the start.
     session().command("view area edit 0.1 0.1 3.9 1.9");
