@@ -18,6 +18,7 @@
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
+#include "gx/vext.h"
 
 namespace {
 constexpr int largest_diamond = 5;        // radius in pixels; larger circles are round
