@@ -43,18 +43,19 @@ void visit_pins(const gx_file_gene_recf_t& file, int net_id, Visit visit) {
   }
 }
 
-// Of a marked net without a wire in view: its pins and texts as if they were selected, and its name
-// at the first pin where there is room for it.
+// Of a marked net without a wire in view: its pins and texts in the colour of the mark, and its
+// name at the first pin where there is room for it.
 void draw_mark_without_wire(const gx_picture_t& picture, int net_id, const gx_highlight_t& mark) {
   const auto& file = *picture.file;
-  const gx_sink_t sink = gx_screen_sink(picture);
+  gx_sink_t sink = gx_screen_sink(picture);
+  sink.draw = [&](const gx_shape_t& shape) { gx_draw_shape(picture, shape, &mark); };
   for (int id = gx_inq_first_net_property_id(file, net_id); id > 0;
        id = gx_inq_next_net_property_id(file, net_id, id))
-    if (!gx_is_deleted(gx_object_id_ptr(file, id))) gx_primitive_shape(file, id, 0, true, sink);
+    if (!gx_is_deleted(gx_object_id_ptr(file, id))) gx_primitive_shape(file, id, 0, false, sink);
   bool is_named = mark.name.len < 1;
   visit_pins(file, net_id, [&](int inst, int pin, int pinpropfam) {
-    gx_tree_shapes(file, pinpropfam, inst, true, sink);
-    gx_tree_shapes(file, pin, inst, true, sink);
+    gx_tree_shapes(file, pinpropfam, inst, false, sink);
+    gx_tree_shapes(file, pin, inst, false, sink);
     if (is_named) return;
     gx_display_probe_rec_t probe;
     probe.name = mark.name;

@@ -63,11 +63,14 @@ struct gx_cursor_rec_t {
 };
 
 // A net, or one segment of a net, that every picture of its sheet marks (gx/display/highlight.h).
+inline constexpr int gx_nb_of_highlights = 6;  // colours
+
 struct gx_highlight_t {
   gx_file_index_t file_index = 0;
   gx_object_id_t id = 0;
   gx_object_id_t vertex = 0;  // where its probe stands; 0: at the first end of its first segment
   gx_string_record_t name;    // in the probe; empty: no probe
+  std::uint8_t color = 1;     // 1..gx_nb_of_highlights, see gx/display/theme.h
 };
 
 // A cross or a link that a command has marked (gx/display/markers.h).

@@ -16,7 +16,7 @@
 #include "gx/text/records.h"
 
 inline constexpr int gx_nb_of_file_colors = 8;  // that a file has numbers for
-inline constexpr int gx_nb_of_roles = 10;       // with colours of a theme (gx/display/theme.h)
+inline constexpr int gx_nb_of_roles = 15;       // with colours of a theme (gx/display/theme.h)
 inline constexpr int gx_nb_of_colors = gx_nb_of_file_colors + gx_nb_of_roles;
 inline constexpr int gx_nb_of_styles = 5;  // 0 solid, 1..4 dashed
 // The dashes of a line on the sheet, then those of a border.

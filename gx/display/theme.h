@@ -24,7 +24,12 @@ enum class gx_role : std::uint8_t {
   frame,
   page,
   selection,
-  highlight,
+  highlight,  // the first of the six colours of highlighted nets, which follow each other
+  highlight2,
+  highlight3,
+  highlight4,
+  highlight5,
+  highlight6,
   pane,         // the frame of a viewport
   active_pane,  // of the one where the pointer is
 };
@@ -44,6 +49,8 @@ void gx_set_theme(const gx_theme_t& theme);
 
 // The number of the colour that a role has, for the pen; `classic` where the theme has no roles.
 int gx_color_of(gx_role role, int classic);
+// The same of colour 1..6 of a highlighted net; the first is classically that of what is selected.
+int gx_highlight_color(int number);
 // A colour number of a file as the pen takes it: the unknown ones are white.
 inline int gx_file_color(int color) {
   return color >= 0 && color < gx_nb_of_file_colors ? color : gx_nb_of_file_colors - 1;

@@ -129,6 +129,20 @@ TEST_F(FindProgram, AHighlightIsSeenOnBothLevelsUntilItIsOff) {
   s.command("highlight off");
   s.wait_for_line(" HIGhlight OFF ");
   EXPECT_EQ(edit(), plain);
+
+  // A theme gives each net its colour, three pixels wide.
+  s.command("display theme dark");
+  s.command("view down U1");
+  s.command("highlight net u1.p");
+  s.command("highlight net u1.b");
+  s.wait_for_line("#   colour 2 : /U1/B ");
+  const auto both = edit();
+  const auto count = [&](std::uint32_t color) {
+    return std::count(both.begin(), both.end(), color);
+  };
+  EXPECT_GT(count(0xf05fc4), 500) << "the first";
+  EXPECT_GT(count(0x33ff00), 50) << "the second";
+  EXPECT_EQ(count(green), 0);
   bye();
 }
 

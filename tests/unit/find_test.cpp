@@ -237,6 +237,36 @@ TEST(Expanded, AHighlightNamesANetOnceOnASheet) {
   split.s.run("highlight off");
 }
 
+TEST(Expanded, HighlightsHaveColours) {
+  find_session split(true,
+                     "sheet split\n part R leaf 4,4\n"
+                     " net K\n  wire R.Q 10,4\n"
+                     " net L\n  wire 20,4 30,4\n",
+                     "split");
+  auto& s = split.s;
+  const auto colors = [] {
+    std::vector<int> found;
+    for (const auto& mark : gx_vext.highlights) found.push_back(mark.color);
+    return found;
+  };
+  s.run("highlight net /K");
+  EXPECT_EQ(s.run("highlight net /L"), lines_t{" HIGhlight NET /L "}) << "classically in one";
+  EXPECT_EQ(colors(), (std::vector{1, 1}));
+  s.run("highlight off");
+  s.run("display theme light");
+  s.run("highlight net /K");
+  EXPECT_EQ(s.run("hig net /L"),
+            (lines_t{" HIGhlight NET /L ", "#   colour 1 : /K ", "#   colour 2 : /L "}));
+  EXPECT_EQ(s.run("highlight net /K colour 6"),
+            (lines_t{" HIGhlight NET /K ", "#   colour 6 : /K ", "#   colour 2 : /L "}));
+  s.run("run");
+  EXPECT_EQ(colors(), (std::vector{6, 2}));
+  for (const char* const wrong : {"col 7", "col 0", "col x", "dark 1"})
+    EXPECT_EQ(s.run(std::string("highlight net /K ") + wrong).back(),
+              "# !! Error : Colour not within COLour 1 to 6 ? ");
+  s.run("highlight off");
+}
+
 TEST_P(Find, AHighlightFollowsTheViewAndTheRuns) {
   if (!GetParam()) {
     EXPECT_EQ(s.run("highlight net /LINK"),

@@ -71,14 +71,18 @@ TEST(Themes, StandOutFromTheGroundAndFromEachOther) {
     EXPECT_GE(contrast(color(gx_role::active_pane), ground), 4.5);
     const gx_role told_apart[] = {gx_role::wire, gx_role::symbol,    gx_role::pin,
                                   gx_role::text, gx_role::selection, gx_role::highlight};
-    for (const gx_role a : told_apart)
-      for (const gx_role b : told_apart) {
-        if (a >= b) continue;
-        for (const eyes_t& eyes : {without_green, without_red})
-          EXPECT_GE(distance(lab(seen(linear(color(a)), eyes)), lab(seen(linear(color(b)), eyes))),
-                    15)
-              << static_cast<int>(a) << " " << static_cast<int>(b);
-      }
+    const gx_role highlights[] = {gx_role::highlight,  gx_role::highlight2, gx_role::highlight3,
+                                  gx_role::highlight4, gx_role::highlight5, gx_role::highlight6};
+    for (const gx_role role : highlights) EXPECT_GE(contrast(color(role), ground), 3);
+    for (const std::span<const gx_role> group : {std::span(told_apart), std::span(highlights)})
+      for (const gx_role a : group)
+        for (const gx_role b : group) {
+          if (a >= b) continue;
+          for (const eyes_t& eyes : {without_green, without_red})
+            EXPECT_GE(
+                distance(lab(seen(linear(color(a)), eyes)), lab(seen(linear(color(b)), eyes))), 15)
+                << static_cast<int>(a) << " " << static_cast<int>(b);
+        }
   }
 }
 
@@ -121,7 +125,9 @@ TEST(Themes, GiveEachPartItsColour) {
             4U)
       << "a selected pin is seen though it is joined";
   gx_highlight_net(1, board.id(gx_type::net), "");
-  EXPECT_EQ(count(role(gx_role::highlight)), 2U);
+  EXPECT_EQ(count(role(gx_role::highlight)), 2U * 3) << "three pixels wide";
+  gx_highlight_net(1, board.id(gx_type::net), "", 0, 6);
+  EXPECT_EQ(count(role(gx_role::highlight6)), 2U * 3);
 
   gx_highlight_clear_all();
   gx_set_object_selected(board.file(), board.id(gx_type::pinpropfam), false);
