@@ -19,7 +19,7 @@ constexpr std::int64_t string_bytes = sizeof(kv_string_record_t) + 8;
 
 // A record with the properties that are kept of it.
 template <typename Record>
-std::int64_t bytes_of(const kv_list_t<kv_prop_type_record_t>& kept) {
+std::int64_t bytes_of(const kv_prop_list_t& kept) {
   constexpr std::int64_t own = sizeof(Record), property = sizeof(kv_prop_record_t);
   return own + kept.count * property;
 }

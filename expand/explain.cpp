@@ -13,7 +13,7 @@ const kv_sheet_net_t& net_at(const kv_sheet_t& sheet, std::int32_t place) {
 }
 
 // The net of that object; -1 when the sheet has none.
-std::int32_t find_net(const kv_sheet_t& sheet, int object_id) {
+std::int32_t net_of_object(const kv_sheet_t& sheet, int object_id) {
   const auto at = std::ranges::find(sheet.nets, object_id, &kv_sheet_net_t::object_id);
   return at == sheet.nets.end() ? -1 : static_cast<std::int32_t>(at - sheet.nets.begin());
 }
@@ -74,7 +74,7 @@ kv_explainer_t::place_t kv_explainer_t::place_of(const kv_drawn_t& drawn) {
 bool kv_explainer_t::is_saved_by_net(std::int32_t net) const {
   if (netlist_.bus(net) != 0) return false;
   const kv_sheet_t& of = sheet(kv_visit_of_net(origins_, net));
-  const std::int32_t place = find_net(of, netlist_.object_id({kv_named::net, net}));
+  const std::int32_t place = net_of_object(of, netlist_.object_id({kv_named::net, net}));
   return place >= 0 && global_of(of, net_at(of, place).group) == nullptr;
 }
 
@@ -109,7 +109,7 @@ std::vector<kv_drawn_t> kv_explainer_t::drawn(std::int32_t net) const {
 bool kv_explainer_t::has_bit(const kv_drawn_t& drawn, std::int32_t bit) const {
   if (drawn.child == 0 || netlist_.child_kind(drawn.child) != kv_kind_port) return true;
   const kv_sheet_t& of = sheet(drawn.visit);
-  const std::int32_t net = find_net(of, drawn.object_id);
+  const std::int32_t net = net_of_object(of, drawn.object_id);
   if (net < 0) return false;
   const auto& group = gx_at(of.groups, net_at(of, net).group);
   const kv_object_t pin = pin_into(drawn.visit, group.port);

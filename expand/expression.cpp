@@ -32,7 +32,7 @@ bool is_operator(const piece& p) { return p.c == '+' || p.c == '-' || p.c == '*'
 bool is_product(char op) { return op == '*' || op == '/'; }
 bool starts_name(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; }
 
-kv_values_t<float> failed() {
+kv_values_t<float> failed_value() {
   kv_values_t<float> result;
   result.error_found = true;
   return result;
@@ -178,20 +178,20 @@ kv_values_t<float> kv_conv_complex_expr(std::string_view text, const kv_scope_t&
   if (nbl != nbr) {
     kv_debug(" KV_CONV_COMPLEX_EXPR : ERROR :2: nbl : %d  : nbr : %d\n", static_cast<int>(nbl),
              static_cast<int>(nbr));
-    return failed();
+    return failed_value();
   }
   expression expr;
   for (char c : compact) expr.piece_[expr.size++].c = c == 0 ? '?' : c;
   for (auto group = nbl; group > 0; --group) {
     if (!expr.fold_last_group(scope)) {
       kv_debug(" KV_CONV_COMPLEX_EXPR :5: ERROR  FOUND \n");
-      return failed();
+      return failed_value();
     }
   }
   const auto result = kv_conv_simple_expr(expr.part(0, expr.size), scope);
   if (!result) {
     kv_debug(" KV_CONV_COMPLEX_EXPR :6: ERROR  FOUND \n");
-    return failed();
+    return failed_value();
   }
   return found((*result)[0], (*result)[1], (*result)[2]);
 }
@@ -202,7 +202,7 @@ kv_values_t<float> kv_find_parameter_value(std::string_view name, const kv_setup
       return found(parameter.nvalue[0], parameter.nvalue[1], parameter.nvalue[2]);
     }
   }
-  return failed();
+  return failed_value();
 }
 
 kv_values_t<float> kv_find_property_inst_value(std::string_view name, const kv_scope_t& scope) {
@@ -210,7 +210,7 @@ kv_values_t<float> kv_find_property_inst_value(std::string_view name, const kv_s
   const auto entry = std::find_if(list.begin(), list.end(), [name](const auto& prop) {
     return gx_iden(name, gx_view(prop.name));
   });
-  if (entry == list.end() || scope.expand_level < 2) return failed();
+  if (entry == list.end() || scope.expand_level < 2) return failed_value();
   if (!scope.design.macros.holds(scope.macro_level)) {
     kv_debug(" KV_FIND_PROPERTY_INST_VALUE : macro_level  : %d   : max_macro_cur  : %d\n",
              scope.macro_level, scope.design.macros.count);
@@ -229,6 +229,6 @@ kv_values_t<float> kv_find_property_inst_value(std::string_view name, const kv_s
     case kv_prop_real:
       return found(prop.valuer[0], prop.valuer[1], prop.valuer[2]);
     default:
-      return failed();
+      return failed_value();
   }
 }

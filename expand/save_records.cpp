@@ -12,8 +12,6 @@
 
 namespace {
 
-using kv_prop_list_t = kv_list_t<kv_prop_type_record_t>;
-
 void save_value(kv_design_t& design, const kv_kept_t& kept, std::string_view text) {
   switch (kept.type) {
     case kv_prop_string:

@@ -20,8 +20,6 @@ namespace {
 constexpr std::int16_t max_timing_index = 120;
 constinit const kv_design_t no_design;  // of values that are the same everywhere
 
-using kv_prop_list_t = kv_list_t<kv_prop_type_record_t>;
-
 kv_prop_type type_of_letter(std::string_view prop_type) {
   switch (prop_type.empty() ? ' ' : gx_upper_case(prop_type.front())) {
     case 'I':

@@ -26,7 +26,7 @@ std::string_view trimmed(std::string_view text) {
 }
 
 template <typename Number>
-kv_values_t<Number> failed() {
+kv_values_t<Number> failed_values() {
   kv_values_t<Number> values;
   values.error_found = true;
   return values;
@@ -58,7 +58,7 @@ kv_values_t<typename Kind::type> decode_list(std::string_view text) {
   while (pos != std::string_view::npos && n < 3) {
     const std::size_t end = std::min(text.find_first_of(separators, pos), text.size());
     const auto read = Kind::read(text.substr(pos, end - pos));
-    if (read.error) return failed<Number>();
+    if (read.error) return failed_values<Number>();
     gx_at(number, n++) = read.value;
     pos = text.find_first_not_of(separators, end);
   }
@@ -69,12 +69,12 @@ kv_values_t<typename Kind::type> decode_list(std::string_view text) {
 }
 
 kv_values_t<float> decode_expression(std::string_view text, const kv_scope_t& scope) {
-  return text.back() == ')' ? kv_conv_complex_expr(text, scope) : failed<float>();
+  return text.back() == ')' ? kv_conv_complex_expr(text, scope) : failed_values<float>();
 }
 
 // The nearest whole number of each value; an error when one lies outside [least, most].
 kv_values_t<std::int32_t> rounded(const kv_values_t<float>& values, double least, double most) {
-  if (values.error_found) return failed<std::int32_t>();
+  if (values.error_found) return failed_values<std::int32_t>();
   kv_values_t<std::int32_t> result;
   result.num_values = values.num_values;
   const auto round = [&](float value, std::int32_t& whole) {
@@ -87,7 +87,7 @@ kv_values_t<std::int32_t> rounded(const kv_values_t<float>& values, double least
       round(values.value3, result.value3)) {
     return result;
   }
-  return failed<std::int32_t>();
+  return failed_values<std::int32_t>();
 }
 
 }  // namespace
@@ -106,7 +106,7 @@ kv_values_t<float> kv_decode_3_valuer(std::string_view text, const kv_scope_t& s
 
 kv_values_t<std::int32_t> kv_decode_3_valuet(std::string_view text, const kv_scope_t& scope) {
   kv_values_t<float> times = kv_decode_3_valuer(text, scope);
-  if (times.error_found) return failed<std::int32_t>();
+  if (times.error_found) return failed_values<std::int32_t>();
   if (scope.setup.time_step <= 0) {
     kv_values_t<std::int32_t> none;
     none.num_values = times.num_values;

@@ -16,14 +16,14 @@ namespace {
 
 // What a statement may belong to; the last one of its kind is meant.
 enum scope_t : unsigned {
-  top = 1,
+  at_top = 1,
   in_symbol = 2,
   in_sheet = 4,
   in_part = 8,
   in_net = 16,
   in_frame = 32,
   in_file = 64,
-  nowhere_drawn = top | in_file,
+  nowhere_drawn = at_top | in_file,
   anywhere_in_sheet = in_sheet | in_part | in_net | in_frame,
 };
 
@@ -175,7 +175,7 @@ class parser {
   static const keyword_t keywords[];
   gxm_input_t& input_;
   std::string_view file_;
-  unsigned scope_ = top;
+  unsigned scope_ = at_top;
   int texts_ = 0;  // texts of the symbol or sheet so far
   gxm_open_objects_t open_objects_;
 };
@@ -292,11 +292,11 @@ void parser::include_file(statement_t& s) {
   const std::filesystem::path path = word(s, "the file name");
   gxm_parse_file(path.is_absolute() ? path : std::filesystem::path(file_).parent_path() / path,
                  input_);
-  scope_ = top;
+  scope_ = at_top;
 }
 
 void parser::start_symbol(statement_t& s) {
-  scope_ = top;  // where the statement is refused, what follows belongs to nothing
+  scope_ = at_top;  // where the statement is refused, what follows belongs to nothing
   gxm_symbol_t symbol{.name = name(s, "the symbol's name"), .source = s.source};
   options(s, "");
   input_.design.symbols.push_back(std::move(symbol));
@@ -305,7 +305,7 @@ void parser::start_symbol(statement_t& s) {
 }
 
 void parser::start_sheet(statement_t& s) {
-  scope_ = top;
+  scope_ = at_top;
   gxm_sheet_t sheet{.name = name(s, "the sheet's name"), .source = s.source};
   options(s, "");
   input_.design.sheets.push_back(std::move(sheet));
@@ -527,7 +527,7 @@ void parser::frame(statement_t& s) {
 // ------------------------------------------------------------------------ files
 
 void parser::start_file(statement_t& s) {
-  scope_ = top;
+  scope_ = at_top;
   gxm_object_file_t file{.source = s.source};
   if (auto wrong = gxm_read_file_line(std::span(s.words).subspan(1), file); !wrong.empty())
     throw complaint_t{std::move(wrong)};

@@ -85,9 +85,9 @@ class piece_t {
  private:
   void read(int fd, std::size_t end) {
     constexpr std::size_t piece_size = std::size_t{1} << 18;
-    bytes_.resize(piece_size);
     end_ = end;
     begin_ = end - std::min(end, piece_size);
+    bytes_.resize(end_ - begin_);
     std::size_t place = begin_;
     while (place < end) {
       const auto n =
@@ -255,7 +255,7 @@ class soundness_check {
     return n == 0 || (n > 0 && first >= 1 && first <= design_.count(array) - n + 1);
   }
   template <typename Record>
-  bool properties(const Record& record, const kv_list_t<kv_prop_type_record_t>& list) const {
+  bool properties(const Record& record, const kv_prop_list_t& list) const {
     return record.nb_of_property <= list.count &&
            range(record.first_prop, record.nb_of_property, kv_array::props);
   }

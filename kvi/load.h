@@ -34,7 +34,7 @@ class kvi_design_t {
 
   const kv_general_info_record_t& info() const { return info_; }
   const kv_kept_lists_t& kept() const { return kept_; }
-  const kv_list_t<kv_prop_type_record_t>& list(std::size_t part) const {
+  const kv_prop_list_t& list(std::size_t part) const {
     return kept_.*gx_at(kv_list_parts, part).list;
   }
 

@@ -8,10 +8,6 @@
 
 namespace {
 
-void set(kvi_string_record_t& string, std::string_view text) {
-  kvi_copy_string(static_cast<std::int32_t>(text.size()), text.data(), &string);
-}
-
 // The record behind `record`, allocated (all zero) on first use; null without memory.
 template <typename Record>
 Record* allocated(Record** record) {
@@ -20,12 +16,12 @@ Record* allocated(Record** record) {
 }
 
 void fill_property(const kv_property_t& from, kvi_prop_record_t& to) {
-  set(to.name, from.name);
+  kvi_set_string(to.name, from.name);
   to.vtype = from.type;
   switch (from.type) {
     case kv_prop_string:
       to.value.svalue.charp = to.text;
-      set(to.value.svalue, from.text);
+      kvi_set_string(to.value.svalue, from.text);
       to.text = to.value.svalue.charp;
       break;
     case kv_prop_int:
@@ -47,7 +43,7 @@ void fill_common(Record& to, const kvi_netlist_t& netlist, kv_object_t from,
                  std::string_view stored, std::string_view name_property,
                  std::string_view fallback) {
   to.self_id = from.index;
-  set(to.sim_path, netlist.path(from));
+  kvi_set_string(to.sim_path, netlist.path(from));
   to.nb_of_property = 0;
   std::string_view name = stored;
   const std::int32_t nb_of_properties = netlist.nb_of_properties(from);
@@ -60,13 +56,13 @@ void fill_common(Record& to, const kvi_netlist_t& netlist, kv_object_t from,
                           std::ranges::equal(property.name, name_property, {}, kvi_upper_case);
     if (name.empty() && names_it) name = property.text;
   }
-  set(to.name, name.empty() ? fallback : name);
+  kvi_set_string(to.name, name.empty() ? fallback : name);
 }
 
 // What instances and macros have.
 template <typename Record>
 void fill_owner(Record& to, const kvi_netlist_t& netlist, kv_object_t from) {
-  set(to.file_path, netlist.file_path(from));
+  kvi_set_string(to.file_path, netlist.file_path(from));
   to.timing_index = netlist.timing_index(from);
   fill_common(to, netlist, from, {}, "INST", "I_" + std::to_string(from.index));
 }

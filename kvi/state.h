@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "kvi/kvi.h"
 #include "kvi/load.h"
@@ -30,6 +31,9 @@ void kvi_debug(const char* text);
 // loaded.
 const kvi_design_t& kvi_loaded();
 inline kvi_netlist_t kvi_loaded_netlist() { return kvi_netlist_t(kvi_loaded()); }
+
+// strings.cpp: makes the text the value of the string.
+void kvi_set_string(kvi_string_record_t& string, std::string_view text);
 
 // The characters of a string of the loaded design; "" for 0.
 inline std::string_view kvi_text(std::int32_t string_index) {

@@ -27,11 +27,11 @@ bool same_letters(std::string_view a, std::string_view b) {
                     [](char c, char d) { return kvi_upper_case(c) == kvi_upper_case(d); });
 }
 
-void set(kvi_string_record_t* string, std::string_view text) {
-  kvi_copy_string(static_cast<std::int32_t>(text.size()), text.data(), string);
-}
-
 }  // namespace
+
+void kvi_set_string(kvi_string_record_t& string, std::string_view text) {
+  kvi_copy_string(static_cast<std::int32_t>(text.size()), text.data(), &string);
+}
 
 void kvi_get_date(std::int16_t* day, std::int16_t* month, std::int16_t* year, std::int16_t* hour,
                   std::int16_t* minute) {
@@ -82,11 +82,11 @@ void kvi_copy_string(std::int32_t len, const char* chars, kvi_string_record_t* s
 }
 
 void kvi_copy_const(const char* text, kvi_string_record_t* string) {
-  set(string, text ? std::string_view(text) : std::string_view());
+  kvi_set_string(*string, text ? std::string_view(text) : std::string_view());
 }
 
 void kvi_copy_string_kv_kvi(std::int32_t string_index, kvi_string_record_t* string) {
-  set(string, kvi_text(string_index));
+  kvi_set_string(*string, kvi_text(string_index));
 }
 
 void kvi_copy_string_kv_gx(std::int32_t string_index, kvi_gx_string_t* string) {
@@ -97,15 +97,15 @@ void kvi_copy_string_kv_gx(std::int32_t string_index, kvi_gx_string_t* string) {
 }
 
 void kvi_coprec_gx_kvi(const kvi_gx_string_t* from, kvi_string_record_t* string) {
-  set(string, view(from));
+  kvi_set_string(*string, view(from));
 }
 
 void kvi_integer_to_string(std::int32_t value, kvi_string_record_t* string) {
-  set(string, std::to_string(value));
+  kvi_set_string(*string, std::to_string(value));
 }
 
 void kvi_real_to_string(float value, kvi_string_record_t* string) {
-  if (value == 0) return set(string, "0.0");
+  if (value == 0) return kvi_set_string(*string, "0.0");
   const double size = std::fabs(static_cast<double>(value));
   double whole = std::trunc(size + 0.0001);
   double decimals = std::trunc(std::fabs(size - std::trunc(size + 0.0001)) * 100 + 0.5);
@@ -115,7 +115,7 @@ void kvi_real_to_string(float value, kvi_string_record_t* string) {
   }
   char text[64];
   std::snprintf(text, sizeof text, "%s%.0f.%02.0f", value < 0 ? "-" : "", whole, decimals);
-  set(string, text);
+  kvi_set_string(*string, text);
 }
 
 std::int32_t kvistring_iden_gxstring(const kvi_string_record_t* string, const kvi_gx_string_t* gx) {
@@ -145,7 +145,7 @@ std::int32_t kvi_rd_string_t(const kvi_string_record_t* string, const char* set_
                              kvi_string_record_t* token, std::int32_t* pos) {
   const std::string_view text = view(string);
   if (*pos < 1 || *pos > 200 || static_cast<std::size_t>(*pos) > text.size()) {
-    set(token, {});
+    kvi_set_string(*token, {});
     return 0;
   }
   const char first = kvi_findchar(string, set_of_chars, pos);
@@ -156,7 +156,7 @@ std::int32_t kvi_rd_string_t(const kvi_string_record_t* string, const char* set_
     end = quote == std::string_view::npos ? text.find_last_not_of(' ') + 1 : quote + 1;
   }
   end = std::min(end, text.size());
-  set(token, first == 0 ? std::string_view() : text.substr(start, end - start));
+  kvi_set_string(*token, first == 0 ? std::string_view() : text.substr(start, end - start));
   *pos = static_cast<std::int32_t>(end) + 1;
   return 1;
 }
@@ -168,11 +168,11 @@ std::int32_t kvi_get_arg(std::int32_t n, kvi_string_record_t* word) {
   for (std::int32_t i = 1; start < words.size(); ++i) {
     const std::size_t end = std::min(words.find('\0', start), words.size());
     if (i == n) {
-      set(word, std::string_view(words).substr(start, end - start));
+      kvi_set_string(*word, std::string_view(words).substr(start, end - start));
       return 1;
     }
     start = end + 1;
   }
-  set(word, {});
+  kvi_set_string(*word, {});
   return 0;
 }

@@ -278,7 +278,7 @@ struct kv_layout<kv_pinm_record_t> {
 // A property list: where it is in the store and which counter tells its length.
 struct kv_list_part_t {
   std::string_view name;
-  kv_list_t<kv_prop_type_record_t> kv_kept_lists_t::*list;
+  kv_prop_list_t kv_kept_lists_t::*list;
   std::int32_t kv_general_info_record_t::*count;
 };
 inline constexpr kv_list_part_t kv_list_parts[] = {

@@ -19,8 +19,9 @@ struct kv_list_t {
   const Entry* begin() const { return entry.data(); }
   const Entry* end() const { return entry.data() + count; }
 };
+using kv_prop_list_t = kv_list_t<kv_prop_type_record_t>;
 
 // The properties to keep; their order is that of the values of every stored object.
 struct kv_kept_lists_t {
-  kv_list_t<kv_prop_type_record_t> property_instance, property_pin, property_net;
+  kv_prop_list_t property_instance, property_pin, property_net;
 };

@@ -422,7 +422,7 @@ class kv_netlist_t {
   }
   bool falls(std::int32_t bus) const { return bus_end(bus) < bus_start(bus); }
 
-  const kv_list_t<kv_prop_type_record_t>& kept(kv_named what) const {
+  const kv_prop_list_t& kept(kv_named what) const {
     const kv_kept_lists_t& lists = source::kept(*design_);
     if (what == kv_named::inst || what == kv_named::macro) return lists.property_instance;
     return what == kv_named::pin || what == kv_named::pinm ? lists.property_pin

@@ -20,7 +20,7 @@ constexpr std::array suffixes{
     suffix_t{0, "", ""},     suffix_t{3, "k", "k"},   suffix_t{6, "M", "meg"},
     suffix_t{9, "G", "g"},   suffix_t{12, "T", "t"}};
 
-bool is_letter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
+bool is_unit_letter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 
 // The power of ten that letters after a number mean.
 int power_of(std::string_view letters) {
@@ -79,7 +79,7 @@ std::optional<double> rs_read_number(std::string_view text) {
   const auto read = std::from_chars(text.data(), end, number);
   if (read.ec != std::errc() || !std::isfinite(number)) return std::nullopt;
   const std::string_view letters(read.ptr, static_cast<std::size_t>(end - read.ptr));
-  if (!std::ranges::all_of(letters, is_letter)) return std::nullopt;
+  if (!std::ranges::all_of(letters, is_unit_letter)) return std::nullopt;
   number *= std::pow(10.0, power_of(letters));
   return std::isfinite(number) ? std::optional(number) : std::nullopt;
 }

@@ -1,15 +1,18 @@
-# What run-example and run-tests share: Debian packages, the build, a private X server.
+# What the scripts share: Debian packages, the build, a private X server.
 # Sourced, with the top of the project as current directory.
 
-packages=(cmake ninja-build g++ ccache pkg-config libx11-dev libxtst-dev libgtest-dev
-          libbenchmark-dev xvfb xauth xdotool imagemagick ngspice hp2xx
-          python3 clang-format)
+example_packages=(cmake ninja-build g++ libx11-dev)
+test_packages=("${example_packages[@]}" pkg-config libxtst-dev libgtest-dev xvfb xauth xdotool
+               imagemagick ngspice hp2xx python3)
+ci_packages=("${test_packages[@]}" ccache git libbenchmark-dev clang-format)
 
-# Installs what is missing of the packages; touches nothing when all are there.
+build_dir=build
+
+# Installs what is missing of these packages; needs no root when all are there.
 install_packages() {
-  command -v dpkg-query >/dev/null || return 0   # not Debian: the build tells what it misses
+  command -v dpkg-query >/dev/null || return 0   # not Debian: the build reports what it misses
   local package missing=() as_root=()
-  for package in "${packages[@]}"; do
+  for package; do
     [[ "$(dpkg-query -W -f='${Status}' "$package" 2>/dev/null)" == *" installed" ]] ||
       missing+=("$package")
   done
@@ -27,15 +30,59 @@ install_packages() {
     --no-install-recommends "${missing[@]}" >/dev/null
 }
 
-# build PRESET [TARGET...]: configures and builds; quiet unless something is wrong.
+# Passes the output of a build or of tests on to a file, and shows how far it is: on a terminal in
+# one line that counts, in a log by a line every half minute.
+show_progress() {
+  local what=$1 log=$2 line part='' steps='' shown=$SECONDS began=$SECONDS state
+  local step='^ *\[?([0-9]+)/([0-9]+)[] ]'
+  : >"$log"
+  while :; do
+    state=0
+    IFS= read -r -t 1 line || state=$?
+    if (( state == 0 )); then
+      printf '%s\n' "$part$line" >>"$log"
+      [[ $part$line =~ $step ]] && steps=" ${BASH_REMATCH[1]} of ${BASH_REMATCH[2]}"
+      part=''
+    else
+      part+=$line
+      (( state > 128 )) || break
+    fi
+    if [[ -t 1 ]]; then
+      (( SECONDS == shown )) || printf '\r%s:%s, %d s\e[K' "$what" "$steps" $((SECONDS - began))
+      shown=$SECONDS
+    elif (( SECONDS - shown >= 30 )); then
+      echo "$what:$steps, $((SECONDS - began)) s"
+      shown=$SECONDS
+    fi
+  done
+  printf '%s' "$part" >>"$log"
+  [[ ! -t 1 ]] || printf '\r\e[K'
+}
+
+# Makes the build folder this process's own: a second build waits for the first.
+lock_build() {
+  mkdir -p "$build_dir" 2>/dev/null && [[ -w $build_dir ]] || {
+    echo "$build_dir cannot be written; --build-dir DIRECTORY names another one" >&2
+    return 1
+  }
+  build_dir=$(cd "$build_dir" && pwd)
+  command -v flock >/dev/null || return 0
+  exec 8>"$build_dir/lock"
+  flock -n 8 || { echo "waiting for another build in $build_dir"; flock 8; }
+}
+unlock_build() { exec 8>&-; }
+
+# build PRESET [-DOPTION=VALUE...] [TARGET...]: configures and builds; shows the end of its log when
+# it fails.
 build() {
-  local preset=$1 log
+  local preset=$1 log=$build_dir/$1.log options=() began=$SECONDS
   shift
-  mkdir -p build
-  log=build/$preset.log
-  echo "building ($preset)"
-  { cmake --preset "$preset" && cmake --build "build/$preset" ${1:+--target "$@"}; } \
-    >"$log" 2>&1 || { tail -40 "$log" >&2; return 1; }
+  while [[ ${1:-} == -D* ]]; do options+=("$1"); shift; done
+  echo "building ($preset), log: ${log#"$PWD"/}"
+  { cmake --preset "$preset" -B "$build_dir/$preset" "${options[@]}" &&
+      cmake --build "$build_dir/$preset" ${1:+--target "$@"}; } 2>&1 |
+    show_progress "building ($preset)" "$log" || { tail -40 "$log" >&2; return 1; }
+  echo "built in $((SECONDS - began)) s"
 }
 
 # Starts an X server of its own and sets DISPLAY; it ends with the script.

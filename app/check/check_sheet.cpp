@@ -95,7 +95,7 @@ void kv_check_sheet_cmd(const kv_command_t& command) {
   kv_redraw_views();
 }
 
-constexpr kv_command_row_t rows[] = {
+constexpr kv_command_row_t check_rows[] = {
     // clang-format off
     {{"CHE", "SHE"}, "CHEck SHEet [comment]", kv_check_sheet_cmd, echo, 3},
     // clang-format on
@@ -103,4 +103,4 @@ constexpr kv_command_row_t rows[] = {
 
 }  // namespace
 
-kv_command_rows_t kv_check_commands() { return rows; }
+kv_command_rows_t kv_check_commands() { return check_rows; }

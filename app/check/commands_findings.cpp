@@ -231,7 +231,7 @@ void kv_waive_finding_cmd(const kv_command_t& command) {
   kv_echo(" WAIve FINding ", command, 3);
 }
 
-constexpr kv_command_row_t rows[] = {
+constexpr kv_command_row_t finding_rows[] = {
     // clang-format off
     {{"CHE", "DES"}, "CHEck DESign", kv_check_design_cmd, check_echo, 3},
     {{"RUL"}, "RULe [name ERRor or WARning or OFF]", kv_rule_cmd, "# RULe "},
@@ -243,4 +243,4 @@ constexpr kv_command_row_t rows[] = {
 
 }  // namespace
 
-kv_command_rows_t kv_finding_commands() { return rows; }
+kv_command_rows_t kv_finding_commands() { return finding_rows; }

@@ -10,7 +10,7 @@
 namespace {
 
 // A run wants something to keep; a check does not.
-void fill_list(kv_list_t<kv_prop_type_record_t>& list, std::string_view name) {
+void fill_list(kv_prop_list_t& list, std::string_view name) {
   if (list.count > 0) return;
   list.entry[0] = {gx_string(name), gx_string("S")};
   list.count = 1;

@@ -10,7 +10,7 @@ namespace {
 
 using enum kv_severity;
 
-constexpr std::array<kv_rule_row_t, kv_rule_count> rows = {{
+constexpr std::array<kv_rule_row_t, kv_rule_count> rule_rows = {{
     // clang-format off
     {kv_rule::class_twice, "class-twice", error, "more than one CLASS on an instance"},
     {kv_rule::port_name, "port-name", error, "a port of CLASS P without NET on its first pin"},
@@ -81,8 +81,8 @@ constexpr kv_reported_t reported[] = {
 };
 
 constexpr bool are_in_order() {
-  for (std::size_t i = 0; i < rows.size(); ++i) {
-    if (rows[i].rule != static_cast<kv_rule>(i)) return false;
+  for (std::size_t i = 0; i < rule_rows.size(); ++i) {
+    if (rule_rows[i].rule != static_cast<kv_rule>(i)) return false;
   }
   return true;
 }
@@ -90,13 +90,14 @@ static_assert(are_in_order());
 
 }  // namespace
 
-std::span<const kv_rule_row_t, kv_rule_count> kv_rules() { return rows; }
+std::span<const kv_rule_row_t, kv_rule_count> kv_rules() { return rule_rows; }
 
-const kv_rule_row_t& kv_row_of(kv_rule rule) { return gx_at(rows, rule); }
+const kv_rule_row_t& kv_row_of(kv_rule rule) { return gx_at(rule_rows, rule); }
 
 std::optional<kv_rule> kv_rule_named(std::string_view name) {
-  const auto row = std::ranges::find_if(rows, [&](const auto& r) { return gx_iden(r.name, name); });
-  if (row == rows.end()) return std::nullopt;
+  const auto row =
+      std::ranges::find_if(rule_rows, [&](const auto& r) { return gx_iden(r.name, name); });
+  if (row == rule_rows.end()) return std::nullopt;
   return row->rule;
 }
 
@@ -107,7 +108,7 @@ kv_rule kv_rule_of(kv_message message) {
 
 kv_severities_t kv_default_severities() {
   kv_severities_t severities;
-  std::ranges::transform(rows, severities.begin(), &kv_rule_row_t::severity);
+  std::ranges::transform(rule_rows, severities.begin(), &kv_rule_row_t::severity);
   return severities;
 }
 

@@ -13,7 +13,7 @@ namespace {
 constexpr std::size_t most_bytes = 16U << 20;
 constexpr std::string_view file_name = "waivers";
 
-std::string path_in(const std::string& directory) {
+std::string path_of_file(const std::string& directory) {
   return directory + "/" + std::string(file_name);
 }
 
@@ -114,7 +114,7 @@ kv_waivers_t kv_parse_waivers(std::string_view text) {
 }
 
 kv_waivers_t kv_read_waivers(const std::string& directory) {
-  const x_descriptor file = x_open_regular(path_in(directory));
+  const x_descriptor file = x_open_regular(path_of_file(directory));
   if (!file && errno == ENOENT) return {};
   std::string text;
   if (!file || !x_read_whole(file.get(), text, most_bytes + 1)) {
@@ -156,7 +156,7 @@ std::string kv_waiver_line(const kv_waiver_t& waiver) {
 }
 
 std::string kv_add_waiver(const std::string& directory, const kv_waiver_t& waiver) {
-  const std::string path = path_in(directory);
+  const std::string path = path_of_file(directory);
   std::string text;
   if (const x_descriptor file = x_open_regular(path)) {
     if (!x_read_whole(file.get(), text, most_bytes)) return x_why(errno);

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr std::string_view refused = "# EXPlain NET ";
+constexpr std::string_view explain_net_words = "# EXPlain NET ";
 constexpr std::size_t longest_line = 199;
 
 std::string quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
@@ -68,8 +68,8 @@ void tell_pins(const kv_memory_netlist_t& netlist, std::int32_t net) {
 
 void kv_explain_net_cmd(const kv_command_t& command) {
   const auto expanded = kv_expanded();
-  if (!expanded) return kv_refuse(refused, command, kv_no_expansion, 3);
-  const auto nets = kv_wanted_nets(refused, command, *expanded);
+  if (!expanded) return kv_refuse(explain_net_words, command, kv_no_expansion, 3);
+  const auto nets = kv_wanted_nets(explain_net_words, command, *expanded);
   if (!nets) return;
   const gx_list_batch_t batch;
   const kv_memory_netlist_t& netlist = expanded->netlist;
@@ -82,10 +82,10 @@ void kv_explain_net_cmd(const kv_command_t& command) {
   kv_echo(" EXPlain NET ", command, 3);
 }
 
-constexpr kv_command_row_t rows[] = {
-    {{"EXP", "NET"}, "EXPlain NET [path]", kv_explain_net_cmd, refused, 3},
+constexpr kv_command_row_t explain_rows[] = {
+    {{"EXP", "NET"}, "EXPlain NET [path]", kv_explain_net_cmd, explain_net_words, 3},
 };
 
 }  // namespace
 
-kv_command_rows_t kv_explain_commands() { return rows; }
+kv_command_rows_t kv_explain_commands() { return explain_rows; }

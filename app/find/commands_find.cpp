@@ -16,7 +16,7 @@
 namespace {
 
 constexpr std::size_t most_listed = 20;
-constexpr std::string_view refused = "# FINd PATh ";
+constexpr std::string_view find_path_words = "# FINd PATh ";
 
 std::string handle_of(const kv_found_t& found) {
   const bool is_inst = found.what == "instance" || found.what == "block";
@@ -30,7 +30,7 @@ void go_to(kv_drawings_t& drawings, const kv_found_t& found, const kv_command_t&
   const std::string fault = way ? kv_go_along(drawings, *way, found.object_id)
                                 : "no such sheet : \"" + found.sheet_path + "\"";
   if (!fault.empty()) {
-    kv_refuse(refused, command, "# !! Error : Drawing not as it was expanded ? ", 3);
+    kv_refuse(find_path_words, command, "# !! Error : Drawing not as it was expanded ? ", 3);
     return gx_tell_detail("# !! ", fault);
   }
   gx_tell(" FINd PATh ", found.path, "  ", found.what, " ", handle_of(found), " ");
@@ -61,12 +61,12 @@ const kv_found_t* listed(std::string_view word) {
 
 void kv_find_path_cmd(const kv_command_t& command) {
   kv_drawings_t drawings;
-  if (drawings.top() == nullptr) return kv_refuse(refused, command, kv_no_sheet, 3);
+  if (drawings.top() == nullptr) return kv_refuse(find_path_words, command, kv_no_sheet, 3);
   const std::string_view word = command.word(3);
   if (const auto* found = listed(word)) return go_to(drawings, *found, command);
   const kv_search_t search = kv_search_path(drawings, word, most_listed + 1);
   if (search.found.empty()) {
-    kv_refuse(refused, command, "# !! Error : Path not found ? ", 3);
+    kv_refuse(find_path_words, command, "# !! Error : Path not found ? ", 3);
     return kv_tell_search_end("", search);
   }
   if (search.found.size() == 1) return go_to(drawings, search.found.front(), command);
@@ -84,11 +84,11 @@ void kv_view_last_cmd(const kv_command_t& command) {
   gx_tell(" VIEw LASt ");
 }
 
-constexpr kv_command_row_t rows[] = {
-    {{"FIN", "PAT"}, "FINd PATh path or number", kv_find_path_cmd, refused, 3},
+constexpr kv_command_row_t find_rows[] = {
+    {{"FIN", "PAT"}, "FINd PATh path or number", kv_find_path_cmd, find_path_words, 3},
     {{"VIE", "LAS"}, "VIEw LASt", kv_view_last_cmd, "# VIEw LASt ", 3},
 };
 
 }  // namespace
 
-kv_command_rows_t kv_find_commands() { return rows; }
+kv_command_rows_t kv_find_commands() { return find_rows; }

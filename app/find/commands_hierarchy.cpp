@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr std::string_view refused = "# LIST HIErarchy ";
+constexpr std::string_view list_hierarchy_words = "# LIST HIErarchy ";
 constexpr std::size_t most_lines = 500000;  // a design may hold more blocks than fit anywhere
 
 // Writes the tree line by line, each sheet analysed once.
@@ -78,7 +78,7 @@ std::optional<root_t> wanted_root(kv_drawings_t& drawings, const kv_command_t& c
       return root_t{std::move(*way), found.path, cell};
     }
   }
-  kv_refuse(refused, command, "# !! Error : Path not found ? ", 3);
+  kv_refuse(list_hierarchy_words, command, "# !! Error : Path not found ? ", 3);
   kv_tell_search_end("No block", search);
   return std::nullopt;
 }
@@ -86,7 +86,7 @@ std::optional<root_t> wanted_root(kv_drawings_t& drawings, const kv_command_t& c
 void kv_list_hierarchy_cmd(const kv_command_t& command) {
   kv_drawings_t drawings(&kv_sext);
   auto* component = drawings.top_component();
-  if (component == nullptr) return kv_refuse(refused, command, kv_no_sheet, 3);
+  if (component == nullptr) return kv_refuse(list_hierarchy_words, command, kv_no_sheet, 3);
   const auto root = wanted_root(drawings, command);
   if (!root) return;
   if (!root->way.empty()) component = drawings.component_in(root->way.back().directory);
@@ -94,7 +94,7 @@ void kv_list_hierarchy_cmd(const kv_command_t& command) {
   const auto top = static_cast<std::size_t>(kv_at_level(1).file_index);
   const std::string path = std::string(gx_view(gx_files.filear[top].dirname)) + "/hierarchy";
   const auto not_written = [&] {
-    kv_refuse(refused, command, "# !! Error : File not written ? ", 3);
+    kv_refuse(list_hierarchy_words, command, "# !! Error : File not written ? ", 3);
     gx_tell_detail("# !! ", path, " : ", x_why(errno));
   };
   x_file file = x_create_file(path, false);
@@ -108,10 +108,10 @@ void kv_list_hierarchy_cmd(const kv_command_t& command) {
   kv_echo(" LIST HIErarchy ", command, 3);
 }
 
-constexpr kv_command_row_t rows[] = {
-    {{"LIST", "HIE"}, "LIST HIErarchy [path]", kv_list_hierarchy_cmd, refused, 3},
+constexpr kv_command_row_t hierarchy_rows[] = {
+    {{"LIST", "HIE"}, "LIST HIErarchy [path]", kv_list_hierarchy_cmd, list_hierarchy_words, 3},
 };
 
 }  // namespace
 
-kv_command_rows_t kv_hierarchy_commands() { return rows; }
+kv_command_rows_t kv_hierarchy_commands() { return hierarchy_rows; }

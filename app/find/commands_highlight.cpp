@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr std::string_view refused = "# HIGhlight NET ";
+constexpr std::string_view highlight_net_words = "# HIGhlight NET ";
 
 // Word 5; 0 where none is typed, nothing where it is none of the colours.
 std::optional<int> wanted_color(const kv_command_t& command) {
@@ -35,11 +35,11 @@ void tell_colors() {
 
 void kv_highlight_net_cmd(const kv_command_t& command) {
   const auto expanded = kv_expanded();
-  if (!expanded) return kv_refuse(refused, command, kv_no_expansion, 3);
+  if (!expanded) return kv_refuse(highlight_net_words, command, kv_no_expansion, 3);
   const auto color = wanted_color(command);
   if (!color)
-    return kv_refuse(refused, command, "# !! Error : Colour not within COLour 1 to 6 ? ", 3);
-  const auto nets = kv_wanted_nets(refused, command, *expanded);
+    return kv_refuse(highlight_net_words, command, "# !! Error : Colour not within COLour 1 to 6 ? ", 3);
+  const auto nets = kv_wanted_nets(highlight_net_words, command, *expanded);
   if (!nets) return;
   for (const std::int32_t net : *nets) {
     kv_highlight(*expanded, net, *color);
@@ -55,11 +55,11 @@ void kv_highlight_off_cmd(const kv_command_t&) {
   gx_tell(" HIGhlight OFF ");
 }
 
-constexpr kv_command_row_t rows[] = {
-    {{"HIG", "NET"}, "HIGhlight NET [path [COLour n]]", kv_highlight_net_cmd, refused, 3},
+constexpr kv_command_row_t highlight_rows[] = {
+    {{"HIG", "NET"}, "HIGhlight NET [path [COLour n]]", kv_highlight_net_cmd, highlight_net_words, 3},
     {{"HIG", "OFF"}, "HIGhlight OFF", kv_highlight_off_cmd, "# HIGhlight OFF ", 3},
 };
 
 }  // namespace
 
-kv_command_rows_t kv_highlight_commands() { return rows; }
+kv_command_rows_t kv_highlight_commands() { return highlight_rows; }

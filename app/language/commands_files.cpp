@@ -136,7 +136,7 @@ void kv_list_object_cmd(const kv_command_t& command) {
   kv_echo(" LIST OBJect ", command, 3);
 }
 
-constexpr kv_command_row_t rows[] = {
+constexpr kv_command_row_t file_rows[] = {
     // clang-format off
     {{"DO"}, "DO file [word ...]", kv_do_cmd, "# DO ", 2, 2},
     {{"DOB"}, "DOBin name [word ...]", kv_dobin_cmd, "# DOBin "},
@@ -149,4 +149,4 @@ constexpr kv_command_row_t rows[] = {
 
 }  // namespace
 
-kv_command_rows_t kv_file_commands() { return rows; }
+kv_command_rows_t kv_file_commands() { return file_rows; }

@@ -31,7 +31,7 @@ kv_outcome_t kv_system(const kv_command_t& command) {
   return {};
 }
 
-constexpr kv_command_row_t rows[] = {
+constexpr kv_command_row_t variable_rows[] = {
     // clang-format off
     {.keywords = {"ASSI"}, .syntax = "ASSIgn $VARn [value]", .refusal = "# ASSIgn ", .deciding = kv_assign, .refused = {.unknown = true, .ends_line = true}},
     {.keywords = {"SYST"}, .syntax = "SYSTem 'command'", .refusal = "# SYSTem ", .deciding = kv_system, .refused = {.unknown = true}},
@@ -40,4 +40,4 @@ constexpr kv_command_row_t rows[] = {
 
 }  // namespace
 
-kv_command_rows_t kv_variable_commands() { return rows; }
+kv_command_rows_t kv_variable_commands() { return variable_rows; }

@@ -17,14 +17,14 @@ namespace {
 constexpr std::int16_t max_do_depth = 10;
 constexpr std::string_view keyword = "# DO ";
 
-void refuse(const kv_command_t& command, std::string_view error) {
+void refuse_do(const kv_command_t& command, std::string_view error) {
   kv_echo(keyword, command);
   gx_report(gx_line_kind::error, error);
 }
 
 void refuse_name(const kv_command_t& command, std::string_view error) {
-  refuse(command,
-         std::string(error).append("\"").append(kv_file_name(command.word(2))).append("\" "));
+  refuse_do(command,
+            std::string(error).append("\"").append(kv_file_name(command.word(2))).append("\" "));
 }
 }  // namespace
 
@@ -48,7 +48,7 @@ void kv_do_cmd(const kv_command_t& command) {
     return gx_tell_detail("# !! ", x_why(error));
   }
   if (gx_is_session_file(fileno(file.get())))
-    return refuse(command, "# !! Error : File not found  or Invalid ? ");
+    return refuse_do(command, "# !! Error : File not found  or Invalid ? ");
   gx_vext.do_ind = depth;
   auto& slot = gx_at(gx_vext.commandfile, depth - 1);
   slot = file.get();

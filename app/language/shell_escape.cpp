@@ -23,7 +23,7 @@ constexpr std::size_t max_shown = 192;
 constexpr std::int32_t before_start_ms = 100;
 constexpr std::int32_t after_start_ms = 150;
 
-void refuse(std::string_view text) {
+void refuse_text(std::string_view text) {
   if (text.size() > max_listed) {
     std::printf("# !!! Error :  Invalid Command ??  len:%d '%.*s'\n", static_cast<int>(text.size()),
                 static_cast<int>(text.size()), text.data());
@@ -57,7 +57,7 @@ bool next_line(x_shell& shell, gx_string_record_t& line) {
 }  // namespace
 
 void kv_exec_cmd(std::string_view text) {
-  if (text.empty() || text.size() > max_text) return refuse(text);
+  if (text.empty() || text.size() > max_text) return refuse_text(text);
   gx_debug("#  kv_exec_cmd : START : \"%.*s\" \n", static_cast<int>(text.size()), text.data());
   const std::string command = shell_command(text);
   wait_and_sync(before_start_ms);
@@ -65,7 +65,7 @@ void kv_exec_cmd(std::string_view text) {
   if (shell->output() == nullptr) {
     gx_report(gx_line_kind::error, "# !!! Error :  Command not found or not executable ?? ");
     gx_tell_detail("# !!!  \"", command, "\" ");
-    return refuse(command);
+    return refuse_text(command);
   }
   wait_and_sync(after_start_ms);
   gx_tell("# ", std::string_view(command).substr(0, max_shown), " ");

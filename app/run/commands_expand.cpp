@@ -38,8 +38,8 @@ Entry& add_entry(kv_list_t<Entry>& list) {
   return gx_at(list.entry, list.count++);
 }
 
-void keep_properties(const kv_command_t& command, kv_list_t<kv_prop_type_record_t>& list,
-                     std::string_view what, std::string_view echo) {
+void keep_properties(const kv_command_t& command, kv_prop_list_t& list, std::string_view what,
+                     std::string_view echo) {
   constexpr int first = 3;
   const std::string_view type = command.word(3);
   if (type.empty() ||
@@ -156,7 +156,7 @@ void kv_run_cmd(const kv_command_t&) {
   kv_follow_run();
 }
 
-constexpr kv_command_row_t rows[] = {
+constexpr kv_command_row_t expand_rows[] = {
     // clang-format off
     {{"PARAM"}, "PARAMeter name low [[typical] high]", kv_parameter_cmd, "# PARAMeter "},
     {{"PRIMI"}, "PRIMItive property [value]", kv_primitive_cmd, "# PRIMitive "},
@@ -172,4 +172,4 @@ constexpr kv_command_row_t rows[] = {
 
 }  // namespace
 
-kv_command_rows_t kv_expand_commands() { return rows; }
+kv_command_rows_t kv_expand_commands() { return expand_rows; }

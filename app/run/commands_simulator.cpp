@@ -178,7 +178,7 @@ void kv_give_cmd(const kv_command_t& command) {
   kv_echo(" GIVE ", command);
 }
 
-constexpr kv_command_row_t rows[] = {
+constexpr kv_command_row_t simulator_rows[] = {
     // clang-format off
     {{"GIV"}, "GIVE [function]", kv_give_cmd, "# GIVE "},
     {{"G"}, "GIVE [function]", kv_give_cmd, "# GIVE ", 2, 1},
@@ -188,4 +188,4 @@ constexpr kv_command_row_t rows[] = {
 
 }  // namespace
 
-kv_command_rows_t kv_simulator_commands() { return rows; }
+kv_command_rows_t kv_simulator_commands() { return simulator_rows; }

@@ -59,7 +59,7 @@ void take_line_quietly(std::string_view line, gx_line_kind kind) {
 
 // Somebody may look at a terminal: there the line is written over the one before it, and a line of
 // the list over it.
-void show_progress(std::string_view line) {
+void show_on_terminal(std::string_view line) {
   static bool is_shown = false;
   if (line.empty() && !is_shown) return;
   is_shown = !line.empty();
@@ -71,7 +71,7 @@ constexpr int fatal_stop_status = 3;
 constexpr gx_front_t lines = {.take_line = take_line,
                               .keeps_lines = false,
                               .flush = [] { kv_flush_batch_output(); },
-                              .show_progress = show_progress,
+                              .show_progress = show_on_terminal,
                               .shows_pictures = false,
                               .may_wait = false,
                               .messages = [] { return stderr; },

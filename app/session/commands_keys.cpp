@@ -27,7 +27,7 @@ void kv_status_key_cmd(const kv_command_t& command) {
   }
 }
 
-constexpr kv_command_row_t rows[] = {
+constexpr kv_command_row_t key_rows[] = {
     // clang-format off
     {{"DEF", "KEY"}, "DEFine KEY name 'command'", kv_define_key_cmd, "# DEFine KEY ", 3},
     {{"STA", "KEY"}, "STAtus KEY [name]", kv_status_key_cmd, "# STAtus KEY ", 3},
@@ -36,4 +36,4 @@ constexpr kv_command_row_t rows[] = {
 
 }  // namespace
 
-kv_command_rows_t kv_key_commands() { return rows; }
+kv_command_rows_t kv_key_commands() { return key_rows; }

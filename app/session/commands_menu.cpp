@@ -116,7 +116,7 @@ void kv_read_menu_cmd(const kv_command_t& command) {
   gx_read_menu(kv_file_name(command.word(2)));
 }
 
-constexpr kv_command_row_t rows[] = {
+constexpr kv_command_row_t menu_rows[] = {
     // clang-format off
     {{"DEF", "MEN", "I"}, item_syntax, kv_define_item_cmd, "# DEFine MENu Item", 4},
     {{"DEF", "MEN", "A"}, "DEFine MENu Action 'label' 'command' i [j [k [l]]]", kv_define_action_cmd, "# DEFine MENu Action", 4},
@@ -131,4 +131,4 @@ constexpr kv_command_row_t rows[] = {
 
 }  // namespace
 
-kv_command_rows_t kv_menu_commands() { return rows; }
+kv_command_rows_t kv_menu_commands() { return menu_rows; }

@@ -133,7 +133,7 @@ void kv_plot_cmd(const kv_command_t& command) {
   kv_refuse("# PLOt ", command, "# !! Please Use \"lorb\" to Plot .\"");
 }
 
-constexpr kv_command_row_t rows[] = {
+constexpr kv_command_row_t session_rows[] = {
     // clang-format off
     {{"BYE"}, "BYE", kv_bye_cmd, "# BYE ", 2, 3},
     {{"QUIT"}, "QUIT", kv_quit_cmd, "# QUIT ", 2, 4},
@@ -155,4 +155,4 @@ constexpr kv_command_row_t rows[] = {
 
 }  // namespace
 
-kv_command_rows_t kv_session_commands() { return rows; }
+kv_command_rows_t kv_session_commands() { return session_rows; }

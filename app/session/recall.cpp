@@ -3,11 +3,11 @@
 #include <fcntl.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <system_error>
 
+#include "app/session/installation.h"
 #include "app/state.h"
 #include "gx/display/line_edit.h"
 #include "gx/text/strings.h"
@@ -20,15 +20,10 @@ namespace fs = std::filesystem;
 constexpr std::size_t largest_file = std::size_t{1} << 20U;
 constexpr mode_t own_file = 0600;
 
-std::string environment(const char* name) {
-  const char* const value = std::getenv(name);
-  return value == nullptr ? "" : value;
-}
-
 // Empty when nobody knows the user's place. Only absolute paths count.
 fs::path state_file() {
-  fs::path directory = environment("XDG_STATE_HOME");
-  if (!directory.is_absolute()) directory = fs::path(environment("HOME")) / ".local" / "state";
+  fs::path directory = kv_environment("XDG_STATE_HOME");
+  if (!directory.is_absolute()) directory = fs::path(kv_environment("HOME")) / ".local" / "state";
   if (!directory.is_absolute()) return {};
   return directory / "kivo" / "typed_lines";
 }

@@ -101,7 +101,7 @@ void kv_snap_cmd(const kv_command_t& command) {
   gx_tell(*on ? " SNAp ON " : " SNAp OFF ");
 }
 
-constexpr kv_command_row_t rows[] = {
+constexpr kv_command_row_t grid_rows[] = {
     // clang-format off
     {{"BASE"}, "BASEpoint [Edit x y]", kv_base_point_cmd, base_point_refused},
     {{"GRID", "O"}, "GRID ON or OFF", kv_grid_state_cmd, "# GRID "},
@@ -112,4 +112,4 @@ constexpr kv_command_row_t rows[] = {
 
 }  // namespace
 
-kv_command_rows_t kv_grid_commands() { return rows; }
+kv_command_rows_t kv_grid_commands() { return grid_rows; }

@@ -88,7 +88,7 @@ void kv_search_cmd(const kv_command_t& command) {
   kv_echo(" SEArch ", command);
 }
 
-constexpr kv_command_row_t rows[] = {
+constexpr kv_command_row_t mark_rows[] = {
     // clang-format off
     {{"MARK", "RECT"}, "MARK RECTangle [Edit x y]", kv_mark_rectangle_cmd, "# MARK RECTangle ", 3, 4},
     {{"MARK"}, "MARK [Edit x y]", kv_mark_cmd, "# MARK ", 2, 4, kv_counts_of("MARK [word] [Edit x y]")},
@@ -99,4 +99,4 @@ constexpr kv_command_row_t rows[] = {
 
 }  // namespace
 
-kv_command_rows_t kv_mark_commands() { return rows; }
+kv_command_rows_t kv_mark_commands() { return mark_rows; }

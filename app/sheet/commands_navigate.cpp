@@ -162,7 +162,7 @@ void kv_view_up_cmd(const kv_command_t& command) {
   gx_tell(" VIEw UP  ");
 }
 
-constexpr kv_command_row_t rows[] = {
+constexpr kv_command_row_t navigate_rows[] = {
     // clang-format off
     {.keywords = {"VIE", "DOW"}, .syntax = "VIEw DOWn [instance]", .handler = kv_view_down_cmd, .refusal = down_refused, .first_echoed = 3, .refuse = refuse_quoted},
     {{"VIE", "UP"}, "VIEw UP", kv_view_up_cmd, "# VIEw UP ", 3},
@@ -171,4 +171,4 @@ constexpr kv_command_row_t rows[] = {
 
 }  // namespace
 
-kv_command_rows_t kv_navigate_commands() { return rows; }
+kv_command_rows_t kv_navigate_commands() { return navigate_rows; }

@@ -137,7 +137,7 @@ void kv_unselect_all_cmd(const kv_command_t& command) {
   gx_tell(" UNSelect ALL ");
 }
 
-constexpr kv_command_row_t rows[] = {
+constexpr kv_command_row_t select_rows[] = {
     // clang-format off
     {.keywords = {"SEL", "ARE"}, .syntax = "SELect AREa kind [Edit x1 y1 x2 y2]", .handler = kv_select_area_cmd, .refusal = select_area.refused, .first_echoed = 3, .ends_rectangle = true},
     {.keywords = {"UNS", "AR"}, .syntax = "UNSelect AREa kind [Edit x1 y1 x2 y2]", .handler = kv_unselect_area_cmd, .refusal = unselect_area.refused, .first_echoed = 3, .ends_rectangle = true},
@@ -148,4 +148,4 @@ constexpr kv_command_row_t rows[] = {
 
 }  // namespace
 
-kv_command_rows_t kv_select_commands() { return rows; }
+kv_command_rows_t kv_select_commands() { return select_rows; }

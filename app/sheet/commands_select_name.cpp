@@ -117,7 +117,7 @@ void kv_change_prop_switches_cmd(const kv_command_t& command) {
   gx_tell(" CHAnge PROperty SWItches ", visible ? " Visible " : " Novisible ");
 }
 
-constexpr kv_command_row_t rows[] = {
+constexpr kv_command_row_t name_rows[] = {
     // clang-format off
     {{"SEL", "PIN"}, "SELect PIN Edit instance pin", kv_select_pin_cmd, "# SELect PIN ", 3},
     {{"SEL", "PRO"}, "SELect PROperty Edit name [value]", kv_select_prop_cmd, "# SELect PROperty ", 3},
@@ -127,4 +127,4 @@ constexpr kv_command_row_t rows[] = {
 
 }  // namespace
 
-kv_command_rows_t kv_name_commands() { return rows; }
+kv_command_rows_t kv_name_commands() { return name_rows; }

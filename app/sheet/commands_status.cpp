@@ -177,7 +177,8 @@ bool show_selected_properties(const gx_file_gene_recf_t& file) {
 // --- SHOw LINk
 
 // Where the owner of a property is; nothing when it is nowhere.
-std::optional<gx_pointreal_t> place_of(const gx_file_gene_recf_t& file, const gx_owner_t& owner) {
+std::optional<gx_pointreal_t> place_of_owner(const gx_file_gene_recf_t& file,
+                                             const gx_owner_t& owner) {
   switch (owner.kind) {
     case gx_owner_kind::body:
       return lb_inq_inst_origin(file, owner.id);
@@ -203,7 +204,7 @@ bool show_links(const kv_view_t& view) {
     gx_visit_properties(file, owner, [&](const gx_object_property_rec_t& property) {
       if (!gx_is_selected(property.gene) || gx_is_unvisible(property.gene)) return;
       found = true;
-      if (const auto to = place_of(file, owner)) {
+      if (const auto to = place_of_owner(file, owner)) {
         const int id = property.gene.object_id;
         gx_keep_link(view.vpid, gx_object_abs_origin(file, id, owner.inst), *to);
       }
@@ -272,7 +273,7 @@ void kv_show_link_cmd(const kv_command_t& command) {
   gx_tell(" SHOw LINk ", view->name());
 }
 
-constexpr kv_command_row_t rows[] = {
+constexpr kv_command_row_t status_rows[] = {
     // clang-format off
     {{"STA", "OBJ"}, "STAtus OBJect [Edit or Context [id]]", kv_status_object_cmd, "# STAtus OBJect ", 3},
     {{"STA", "NET"}, "STAtus NET [Edit or Context]", kv_status_net_cmd, "# STAtus NET ", 3},
@@ -283,4 +284,4 @@ constexpr kv_command_row_t rows[] = {
 
 }  // namespace
 
-kv_command_rows_t kv_status_commands() { return rows; }
+kv_command_rows_t kv_status_commands() { return status_rows; }

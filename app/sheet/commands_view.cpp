@@ -186,7 +186,7 @@ void kv_view_area_cmd(const kv_command_t& command) {
   gx_tell(" VIEw AREa ", view->name());
 }
 
-constexpr kv_command_row_t rows[] = {
+constexpr kv_command_row_t view_rows[] = {
     // clang-format off
     {{"ACT", "SYM"}, "ACTivate SYMbol path", kv_activate_symbol_cmd, "# ACTivate SYMbol ", 3},
     {{"POP"}, "POP", kv_pop_cmd, "# POP "},
@@ -198,4 +198,4 @@ constexpr kv_command_row_t rows[] = {
 
 }  // namespace
 
-kv_command_rows_t kv_view_commands() { return rows; }
+kv_command_rows_t kv_view_commands() { return view_rows; }

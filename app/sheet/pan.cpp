@@ -148,7 +148,7 @@ kv_outcome_t kv_move(const kv_command_t& command) {
   return {};
 }
 
-constexpr kv_command_row_t rows[] = {
+constexpr kv_command_row_t move_rows[] = {
     {.keywords = {"$C"},
      .syntax = "$CU1, $CD1, $CL1, $CR1 and with 4",
      .exact = 4,
@@ -159,4 +159,4 @@ constexpr kv_command_row_t rows[] = {
 };
 }  // namespace
 
-kv_command_rows_t kv_move_commands() { return rows; }
+kv_command_rows_t kv_move_commands() { return move_rows; }

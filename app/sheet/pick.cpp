@@ -14,7 +14,7 @@ bool is_there(const gx_file_gene_recf_t& file, int id) {
 }
 
 // An end of a segment: a vertex, or a pin of an instance.
-std::optional<gx_pointreal_t> place_of(const gx_file_gene_recf_t& file, int end) {
+std::optional<gx_pointreal_t> place_of_end(const gx_file_gene_recf_t& file, int end) {
   if (!gx_object_id_ok(file, end) || gx_inq_object_deleted(file, end)) return std::nullopt;
   switch (gx_object_id_ptr(file, end).object_type) {
     case gx_type::vertex_2d:
@@ -59,7 +59,7 @@ int kv_pick_net(const gx_file_gene_recf_t& file, gx_pointreal_t point, std::int3
     for (const int id : lb_segments(file, net)) {
       if (gx_inq_object_deleted(file, id)) continue;
       const auto& segment = gx_segment_info_ptr(file, id);
-      const auto a = place_of(file, segment.vertex1), b = place_of(file, segment.vertex2);
+      const auto a = place_of_end(file, segment.vertex1), b = place_of_end(file, segment.vertex2);
       if (!a || !b) continue;
       const double away = distance(point, *a, *b);
       if (away > nearest || (found != 0 && away == nearest)) continue;

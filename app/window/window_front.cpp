@@ -28,7 +28,7 @@ bool has_typed_stop() {
 }
 
 // In the place of the command line.
-void show_progress(std::string_view line) {
+void show_in_window(std::string_view line) {
   const auto& v = gx_vext;
   if (line.empty()) return gx_display_cmd(gx_view(v.str_cmd));
   if (!gx_drawing_possible() || !gx_viewport_ok(v.viewport_cmd)) return;
@@ -39,9 +39,9 @@ void show_progress(std::string_view line) {
   gx_sync();
 }
 
-constexpr gx_front_t user = {.show_progress = show_progress, .stop_asked = has_typed_stop};
+constexpr gx_front_t user = {.show_progress = show_in_window, .stop_asked = has_typed_stop};
 
-[[noreturn]] void refuse_start(const std::string& said, const std::string&) {
+[[noreturn]] void refuse_session(const std::string& said, const std::string&) {
   std::fputs(said.c_str(), stdout);
   gx_set_status(gx_code::file_data_invalid);
 }
@@ -64,7 +64,7 @@ int kivo_root(int argc, char** argv) {
   return kv_run({.lines = user,
                  .open_display = gx_init,
                  .open_sheet = gx_file_open_sound,
-                 .refuse_start = refuse_start,
+                 .refuse_start = refuse_session,
                  .answer = answer,
                  .end = end},
                 std::span(argv, static_cast<std::size_t>(argc)));

@@ -65,7 +65,7 @@ std::string_view named(gx_refers refers) {
 }
 
 // What the reader asks of the value; "" where anything goes.
-std::string holds(const gx_field_t& field) {
+std::string value_rule(const gx_field_t& field) {
   if (field.kind == gx_kind::id)
     return "id of " + std::string(named(field.refers)) + (field.never_0 ? "" : ", 0: none");
   if (field.kind == gx_kind::flag) return "0 or 1";
@@ -82,7 +82,8 @@ std::string table(gx_fields_t fields) {
     const bool is_text = gx_kind_capacity(field.kind) > 0;
     const auto bytes = std::to_string(gx_kind_size(field.kind)) + (is_text ? " + length" : "");
     text += "| " + std::to_string(offset) + behind + " | " + bytes + " | `" +
-            std::string(field.name) + "` | " + coding(field.kind) + " | " + holds(field) + " |\n";
+            std::string(field.name) + "` | " + coding(field.kind) + " | " + value_rule(field) +
+            " |\n";
     offset += gx_kind_size(field.kind);
     if (is_text) behind += " + length of " + std::string(field.name);
   }

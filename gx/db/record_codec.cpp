@@ -150,7 +150,7 @@ gx_load_t refused(gx_code code, gx_load_fault fault, std::string message) {
   return load;
 }
 
-std::string object_fault(std::string_view name, int id, std::string_view what) {
+std::string fault_text(std::string_view name, int id, std::string_view what) {
   return std::string(name) + ": object " + std::to_string(id) + ": " + std::string(what);
 }
 
@@ -160,7 +160,7 @@ gx_load_t refused_data(std::string message) {
 
 gx_load_t refused_kind(std::string_view name, int id, std::int16_t type, std::string_view what) {
   auto load = refused(gx_code::object_structure_invalid, gx_load_fault::record_kind,
-                      object_fault(name, id, what));
+                      fault_text(name, id, what));
   load.object_id = id;
   load.value = type;
   return load;
@@ -179,12 +179,12 @@ gx_load_t read_object(reader_t& in, gx_file_gene_recf_t& file, int id, std::stri
   object = general;
   gx_at(read_tail, type)(in, &object);
   if (in.bad_text != 0) {
-    return refused_data(object_fault(
+    return refused_data(fault_text(
         name, id, "a text of " + std::to_string(in.bad_text) + " characters is too long"));
   }
   if (in.is_short) return refused_kind(name, id, -1, "the file ends early");
   if (in.bad_character) {
-    return refused_data(object_fault(name, id, "a text holds unprintable characters"));
+    return refused_data(fault_text(name, id, "a text holds unprintable characters"));
   }
   file.ptr_to_ar_objindex.push_back(&object);
   return {};
@@ -315,7 +315,7 @@ gx_load_t gx_decode_file(std::string_view bytes, std::string_view name) {
     auto& object = *gx_at(file.ptr_to_ar_objindex, id - 1);
     if (gx_is_deleted(object)) {
       auto load = refused(gx_code::file_close_invalid, gx_load_fault::deleted,
-                          object_fault(name, id, "stored although deleted"));
+                          fault_text(name, id, "stored although deleted"));
       load.object_id = id;
       load.value = object.status;
       return load;

@@ -29,7 +29,7 @@ std::string field_text(int id, std::string_view field, int value) {
 struct holds_t {
   gx_type holder, child;
 };
-constexpr holds_t holds[] = {
+constexpr holds_t held_types[] = {
     {gx_type::component_family, gx_type::component},
     {gx_type::instance_family, gx_type::instance},
     {gx_type::symbol_family, gx_type::symbol},
@@ -45,7 +45,7 @@ constexpr holds_t holds[] = {
 // By holder's type; nil where anything goes.
 constexpr auto child_of = [] {
   std::array<gx_type, gx_max_type + 1> table{};
-  for (const auto& [holder, child] : holds) gx_at(table, holder) = child;
+  for (const auto& [holder, child] : held_types) gx_at(table, holder) = child;
   return table;
 }();
 
@@ -199,7 +199,7 @@ const gx_object_instance_rec_t* as_instance(const gx_object_gene_rec_t& object) 
              : nullptr;
 }
 
-std::string object_fault(const gx_file_gene_recf_t& file, int id) {
+std::string reference_fault(const gx_file_gene_recf_t& file, int id) {
   const auto& object = object_of(file, id);
   if (object.object_id != id) {
     return object_text(id) + ": its stored id is " + std::to_string(object.object_id);
@@ -219,7 +219,7 @@ std::string gx_reference_fault(const gx_file_gene_recf_t& file) {
     return field_fault(bad, "header", &file, gx_header_fields());
   }
   for (int id = 1; id <= file.object_id_max; ++id) {
-    if (auto fault = object_fault(file, id); !fault.empty()) return fault;
+    if (auto fault = reference_fault(file, id); !fault.empty()) return fault;
   }
   for (int id = 1; id <= file.object_id_max; ++id) {
     if (auto fault = tree_fault(file, object_of(file, id)); !fault.empty()) return fault;

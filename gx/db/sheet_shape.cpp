@@ -16,7 +16,7 @@ std::string without(const gx_object_gene_rec_t& object, std::string_view what) {
          std::string(gx_type_name(object.object_type)) + " without " + std::string(what);
 }
 
-std::string object_fault(const gx_file_gene_recf_t& file, const gx_object_gene_rec_t& object) {
+std::string shape_fault(const gx_file_gene_recf_t& file, const gx_object_gene_rec_t& object) {
   const int id = object.object_id;
   if (object.object_type == gx_type::symbol) {
     if (gx_first_child_of(file, id, gx_type::pin_family) == 0) return without(object, "pins");
@@ -44,7 +44,7 @@ std::string gx_sheet_fault(const gx_file_gene_recf_t& file) {
   }
   if (gx_object_as<gx_object_grid_rec_t>(file, file.grid_obj_id) == nullptr) return "no grid";
   for (const auto* object : file.ptr_to_ar_objindex) {
-    if (auto fault = object_fault(file, *object); !fault.empty()) return fault;
+    if (auto fault = shape_fault(file, *object); !fault.empty()) return fault;
   }
   return {};
 }

@@ -12,14 +12,13 @@
 
 namespace {
 constexpr std::string_view prompt = " cmd >";
-constexpr int line_columns = 60;
 constexpr std::size_t max_typed_part = 54;  // the characters of a line behind the prompt
 
 // A thin upright between two characters.
 void draw_caret(int column) {
   const auto& v = gx_vext;
   const int cell = static_cast<int>(prompt.size()) + column - v.istart_cmd;
-  if (cell < 0 || cell > line_columns) return;
+  if (cell < 0 || cell > gx_cmd_columns) return;
   const gx_point16_t corner = gx_viewport_inq_pixel_min(v.viewport_cmd);
   const auto x =
       static_cast<std::int16_t>(corner.x + v.cmd_x0 + cell * v.cmd_step - v.cmd_step / 4);

@@ -13,7 +13,7 @@ bool is_before(const mark_t& a, const mark_t& b) {
 }
 
 // Where the mark stands, or would stand, in the ordered list.
-auto place_of(gx_file_index_t file_index, int id) {
+auto place_of_mark(gx_file_index_t file_index, int id) {
   auto& marks = gx_vext.highlights;
   mark_t wanted;
   wanted.file_index = file_index;
@@ -21,11 +21,11 @@ auto place_of(gx_file_index_t file_index, int id) {
   return std::lower_bound(marks.begin(), marks.end(), wanted, is_before);
 }
 
-void put(gx_file_index_t file_index, int id, int vertex, std::string_view name, int color) {
+void put_mark(gx_file_index_t file_index, int id, int vertex, std::string_view name, int color) {
   const mark_t mark{file_index, static_cast<gx_object_id_t>(id),
                     static_cast<gx_object_id_t>(vertex), gx_string(name),
                     static_cast<std::uint8_t>(std::clamp(color, 1, gx_nb_of_highlights))};
-  const auto at = place_of(file_index, id);
+  const auto at = place_of_mark(file_index, id);
   if (at != gx_vext.highlights.end() && !is_before(mark, *at))
     *at = mark;
   else
@@ -35,11 +35,11 @@ void put(gx_file_index_t file_index, int id, int vertex, std::string_view name, 
 
 void gx_highlight_net(gx_file_index_t file_index, int net_id, std::string_view name, int vertex,
                       int color) {
-  put(file_index, net_id, vertex, name, color);
+  put_mark(file_index, net_id, vertex, name, color);
 }
 
 void gx_highlight_segment(gx_file_index_t file_index, int segment_id) {
-  put(file_index, segment_id, 0, {}, 1);
+  put_mark(file_index, segment_id, 0, {}, 1);
 }
 
 void gx_highlight_clear(gx_file_index_t file_index) {
@@ -51,7 +51,7 @@ void gx_highlight_clear_all() { gx_vext.highlights.clear(); }
 
 const gx_highlight_t* gx_highlight_of(gx_file_index_t file_index, int id) {
   if (gx_vext.highlights.empty()) return nullptr;
-  const auto at = place_of(file_index, id);
+  const auto at = place_of_mark(file_index, id);
   return at != gx_vext.highlights.end() && at->file_index == file_index && at->id == id ? &*at
                                                                                         : nullptr;
 }

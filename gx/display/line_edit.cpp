@@ -15,7 +15,6 @@
 namespace {
 
 constexpr int prompt_length = 6;  // of " cmd >"
-constexpr int line_columns = 60;  // characters shown of a line
 
 bool is_under_pointer() { return gx_vext.viewport_id == gx_vext.viewport_cmd; }
 
@@ -40,7 +39,7 @@ void gx_set_command_line(std::string_view text) {
   v.str_cmd = gx_string(text);
   v.caret_at = 0;
   if (!is_under_pointer()) {
-    const int past = prompt_length + v.str_cmd.len + 2 - line_columns;  // the caret is shown, too
+    const int past = prompt_length + v.str_cmd.len + 2 - gx_cmd_columns;  // the caret is shown, too
     v.istart_cmd = static_cast<std::int16_t>(std::max(past, 1));
   }
   gx_display_cmd(gx_view(v.str_cmd));
@@ -53,7 +52,7 @@ void gx_set_command_line(std::string_view text, int caret) {
   v.caret_at = caret < 1 || caret >= end ? 0 : caret;
   const int column = v.caret_at == 0 ? end : v.caret_at;
   if (!is_under_pointer()) {
-    const int first_seen = prompt_length + column + 1 - line_columns;
+    const int first_seen = prompt_length + column + 1 - gx_cmd_columns;
     v.istart_cmd = static_cast<std::int16_t>(std::max(first_seen, 1));
     return gx_display_cmd(gx_view(v.str_cmd));
   }
@@ -121,7 +120,7 @@ void gx_again_action(gx_vpid_t vpid, gx_point16_t pixel) {
   line = std::clamp(line, 1, gx_max_list_lines);
 
   const int under = (pixel.x - corner.x - gx_vext.listb_x0 + 6) / cmd_step() + gx_vext.istart_list;
-  const int column = std::clamp(under, 1, gx_vext.istart_list + line_columns - 1);
+  const int column = std::clamp(under, 1, gx_vext.istart_list + gx_cmd_columns - 1);
   const std::string_view text = gx_view(gx_at(gx_vext.line_list, line - 1));
   if (static_cast<std::size_t>(column) <= text.size()) {
     gx_concat_const(text.substr(static_cast<std::size_t>(column - 1)), gx_vext.str_cmd);

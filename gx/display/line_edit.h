@@ -6,6 +6,8 @@
 
 #include "gx/display/screen_state.h"
 
+inline constexpr int gx_cmd_columns = 60;  // characters of a line that are shown
+
 // Makes the text the command line and shows it, with the caret before a character (from 1), or
 // behind the last one. While the pointer is elsewhere the line scrolls so that the caret is seen;
 // while it is on the line the caret is where the pointer is, which is put there.

@@ -34,18 +34,18 @@ constexpr std::array<step_t, 6> selected_vertex{
     {{0, 0}, {-2, -1}, {-2, 1}, {2, -1}, {2, 1}, {0, 0}}};
 constexpr std::array<step_t, 5> diamond{{{-1, 0}, {0, 1}, {1, 0}, {0, -1}, {-1, 0}}};
 
-constexpr int green = 2, white = 7;
+constexpr int green = 2;
 
 // Pixels of one step in the edit and in the context viewport, and the room kept to the edge.
-struct size_t16 {
+struct steps_t {
   int edit, context;
   int of(gx_vpid_t vpid) const { return vpid == gx_vext.viewport_edit ? edit : context; }
 };
-constexpr size_t16 mark_step{4, 2}, mark_margin{8, 4}, pin_step{6, 3};
+constexpr steps_t mark_step{4, 2}, mark_margin{8, 4}, pin_step{6, 3};
 
 // Where a marker may be drawn: its pixel; false when it lies outside or too near to the edge. Only
 // the selected viewport is drawn in.
-bool place(gx_vpid_t vpid, gx_pointreal_t point, int margin, gx_point16_t& pixel) {
+bool place_marker(gx_vpid_t vpid, gx_pointreal_t point, int margin, gx_point16_t& pixel) {
   if (!gx_viewport_ok(vpid) || vpid != gx_vext.viewport_current) {
     gx_debug(" marker : view port invalid : %d  file_index : %d   at : %d  %d\n", vpid,
              gx_viewport_ok(vpid) ? gx_viewport_rec(vpid).file_index : 0, point.x, point.y);
@@ -72,40 +72,40 @@ void draw_marker(std::span<const step_t> steps, gx_point16_t at, int step, int c
   }
 }
 
-void draw_mark(gx_vpid_t vpid, gx_pointreal_t p, std::span<const step_t> steps, int color) {
+void draw_marker(gx_vpid_t vpid, gx_pointreal_t p, std::span<const step_t> steps, int color) {
   if (!gx_drawing_possible()) return;
   gx_point16_t pixel;
-  if (!place(vpid, p, mark_margin.of(vpid), pixel)) return;
+  if (!place_marker(vpid, p, mark_margin.of(vpid), pixel)) return;
   const gx_batch_t batch;
   draw_marker(steps, pixel, mark_step.of(vpid), color);
 }
 }  // namespace
 
-void gx_display_cross(gx_vpid_t vpid, gx_pointreal_t p) { draw_mark(vpid, p, cross, white); }
+void gx_display_cross(gx_vpid_t vpid, gx_pointreal_t p) { draw_marker(vpid, p, cross, gx_white); }
 
 void gx_display_half_cross(gx_vpid_t vpid, gx_pointreal_t p) {
-  draw_mark(vpid, p, half_cross, white);
+  draw_marker(vpid, p, half_cross, gx_white);
 }
 
 void gx_display_selvertex(gx_vpid_t vpid, gx_pointreal_t p) {
-  draw_mark(vpid, p, selected_vertex, gx_color_of(gx_role::selection, green));
+  draw_marker(vpid, p, selected_vertex, gx_color_of(gx_role::selection, green));
 }
 
 void gx_display_pin_nocon(gx_vpid_t vpid, gx_pointreal_t p) {
   if (!gx_drawing_possible()) return;
   const int size = pin_step.of(vpid);
   gx_point16_t pixel;
-  if (!place(vpid, p, size, pixel)) return;
+  if (!place_marker(vpid, p, size, pixel)) return;
   const gx_batch_t batch;
-  draw_marker(diamond, pixel, size, white);
-  draw_marker(diamond, pixel, size + 1, white);
+  draw_marker(diamond, pixel, size, gx_white);
+  draw_marker(diamond, pixel, size + 1, gx_white);
 }
 
 void gx_display_link(gx_vpid_t vpid, gx_pointreal_t from, gx_pointreal_t to) {
   if (!gx_drawing_possible() || !gx_is_picture_viewport(vpid)) return;
   const gx_batch_t batch;
   gx_viewport_select(vpid);
-  gx_draw_line(vpid, white, 1, gx_viewport_pt_real_to_pixel(vpid, from),
+  gx_draw_line(vpid, gx_white, 1, gx_viewport_pt_real_to_pixel(vpid, from),
                gx_viewport_pt_real_to_pixel(vpid, to));
 }
 

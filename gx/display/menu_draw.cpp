@@ -12,6 +12,7 @@
 #include "gx/display/screen.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/stroke_text.h"
+#include "gx/display/theme.h"
 #include "gx/display/viewports.h"
 #include "gx/display/window.h"
 #include "gx/text/at.h"
@@ -21,7 +22,7 @@
 
 namespace {
 
-constexpr int white = 7, red = 1;
+constexpr int red = 1;
 constexpr std::size_t max_shown_length = 199;
 
 std::int16_t pixel(int v) { return static_cast<std::int16_t>(std::clamp(v, -32768, 32767)); }
@@ -109,7 +110,7 @@ void copy_picture_back(int level) {
 
 // --- painting
 
-void draw_box(const gx_bounds16_t& box, int color) {
+void draw_bounds(const gx_bounds16_t& box, int color) {
   const gx_line16_t sides[] = {{box.xmin, box.ymin, box.xmax, box.ymin},
                                {box.xmax, box.ymin, box.xmax, box.ymax},
                                {box.xmax, box.ymax, box.xmin, box.ymax},
@@ -120,7 +121,7 @@ void draw_box(const gx_bounds16_t& box, int color) {
 void draw_highlight(int level, int line, int color) {
   const gx_bounds16_t& ext = gx_vext.menu_lev_extbounds[entry(level)];
   const int top = ext.ymin + 2 + (line - 1) * line_pitch();
-  draw_box({pixel(ext.xmin + 2), pixel(top), pixel(ext.xmax - 2), pixel(top + line_pitch() - 4)},
+  draw_bounds({pixel(ext.xmin + 2), pixel(top), pixel(ext.xmax - 2), pixel(top + line_pitch() - 4)},
            color);
 }
 
@@ -137,9 +138,9 @@ void paint_level(gx_vpid_t vpid, int level, int x, int y) {
     const std::string_view text = shown_text(lines[entry(line)]);
     if (text.empty()) continue;
     gx_hortext(vpid, text, 1, x + 3 * gx_vext.cmd_step / 4, y + 7 + (line - 1) * line_pitch(),
-               false, white);
+               false, gx_white);
   }
-  draw_box({pixel(x), pixel(y), pixel(x + at.width), pixel(y + at.height)}, white);
+  draw_bounds({pixel(x), pixel(y), pixel(x + at.width), pixel(y + at.height)}, gx_white);
   gx_pen_flush();
   gx_vext.menu_drawn = true;
   gx_vext.menu_level = level;

@@ -89,7 +89,9 @@ bool read_entry(std::string_view line, line_place_t& place) {
 
 constexpr std::string_view line_heads[] = {"1 '", "2   '", "3     '", "4       '"};
 
-void put(std::FILE* file, std::string_view text) { std::fwrite(text.data(), 1, text.size(), file); }
+void put_text(std::FILE* file, std::string_view text) {
+  std::fwrite(text.data(), 1, text.size(), file);
+}
 
 // Writes the lines below `index`, depth first.
 void print_below(std::FILE* file, std::array<int, gx_max_menu_levels>& index, std::size_t level) {
@@ -97,15 +99,15 @@ void print_below(std::FILE* file, std::array<int, gx_max_menu_levels>& index, st
   for (int i = 1; i <= gx_max_menu_lines; ++i) {
     index[level - 1] = i;
     if (const gx_menu_rec_t* record = gx_ptrto_menu_rec(std::span(index).first(level))) {
-      put(file, line_heads[level - 1]);
-      put(file, gx_view(record->str));
-      put(file, "' ");
+      put_text(file, line_heads[level - 1]);
+      put_text(file, gx_view(record->str));
+      put_text(file, "' ");
       if (record->cmd_on) {
-        put(file, " '");
-        put(file, gx_view(record->cmd));
-        put(file, "' ");
+        put_text(file, " '");
+        put_text(file, gx_view(record->cmd));
+        put_text(file, "' ");
       }
-      put(file, "\n");
+      put_text(file, "\n");
     }
     print_below(file, index, level + 1);
   }

@@ -41,7 +41,7 @@ int bad_index(std::span<const int> index) {
   return bad == index.end() ? 0 : static_cast<int>(bad - index.begin()) + 1;
 }
 
-record_ptr& place(std::span<const int> index) {
+record_ptr& record_at(std::span<const int> index) {
   std::size_t offset = 0;
   for (const int i : index) {
     offset = offset * std::size_t{gx_max_menu_lines} + static_cast<std::size_t>(i - 1);
@@ -69,7 +69,7 @@ void gx_def_menu_rec(std::span<const int> index, std::string_view str, bool cmd_
     gx_debug(" !! error in gx_def_menu%d_rec : level %d : %d\n", level, bad, gx_at(index, bad - 1));
     gx_set_status(gx_code::invalid_level);
   }
-  record_ptr& record = place(index);
+  record_ptr& record = record_at(index);
   if (!record) record = std::make_unique<gx_menu_rec_t>();
   const gx_string_record_t display = checked(str, level, "str");
   record->cmd_on = cmd_on;
@@ -85,7 +85,7 @@ gx_menu_rec_t gx_get_menu_rec(std::span<const int> index) {
              gx_at(index, bad - 1), gx_max_menu_lines);
     return {};
   }
-  const record_ptr& record = place(index);
+  const record_ptr& record = record_at(index);
   return record ? *record : gx_menu_rec_t{};
 }
 
@@ -97,7 +97,7 @@ gx_menu_rec_t* gx_ptrto_menu_rec(std::span<const int> index) {
              gx_at(index, bad - 1), gx_max_menu_lines);
     gx_set_status(gx_code::invalid_level);
   }
-  return place(index).get();
+  return record_at(index).get();
 }
 
 void gx_clear_menus() {

@@ -4,6 +4,7 @@
 
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
+#include "gx/display/theme.h"
 #include "gx/display/draw_strokes.h"
 #include "gx/display/stroke_text.h"
 #include "gx/display/viewports.h"
@@ -12,7 +13,6 @@
 #include "gx/vext.h"
 
 namespace {
-constexpr int white = 7;
 constexpr std::int32_t step = 5000;     // of its line and box, design units
 constexpr std::int32_t advance = 6250;  // a character of its name
 constexpr int margin = 3;               // pixels left free at the viewport's edge
@@ -23,8 +23,8 @@ struct place_t {
   bool begins_inside = false, ends_inside = false;
 };
 
-place_t place_of(gx_vpid_t vpid, const gx_file_gene_recf_t& file,
-                 const gx_display_probe_rec_t& probe) {
+place_t place_of_probe(gx_vpid_t vpid, const gx_file_gene_recf_t& file,
+                       const gx_display_probe_rec_t& probe) {
   const bool is_vertex = gx_object_id_ptr(file, probe.vertex).object_type == gx_type::vertex_2d;
   const gx_pointreal_t p = is_vertex ? gx_object_abs_origin(file, probe.vertex, 0)
                                      : gx_pin_abs_origin(file, probe.vertex);
@@ -47,7 +47,7 @@ place_t place_of(gx_vpid_t vpid, const gx_file_gene_recf_t& file,
 
 bool gx_probe_fits(gx_vpid_t vpid, gx_file_index_t file_index,
                    const gx_display_probe_rec_t& probe) {
-  const place_t place = place_of(vpid, gx_ptrto_gene_file_buf(file_index), probe);
+  const place_t place = place_of_probe(vpid, gx_ptrto_gene_file_buf(file_index), probe);
   return place.begins_inside && place.ends_inside;
 }
 
@@ -71,17 +71,17 @@ void gx_display_probe(gx_vpid_t vpid, gx_file_index_t file_index,
     gx_set_status(gx_code::object_type_invalid);
   }
   if (gx_is_deleted(object)) return;
-  const place_t place = place_of(vpid, file, probe);
+  const place_t place = place_of_probe(vpid, file, probe);
   if (!place.begins_inside) return;
   const gx_batch_t batch;
-  gx_draw_line(vpid, white, 0, place.start, place.near);
+  gx_draw_line(vpid, gx_white, 0, place.start, place.near);
   if (!place.ends_inside) {
     gx_debug_line("  gx_display_probe : point_pt2_outside  : ");
     return;
   }
   const gx_point16_t near = place.near, far = place.far;
   const std::array<gx_point16_t, 5> box{near, {far.x, near.y}, far, {near.x, far.y}, near};
-  gx_draw_polyline(vpid, white, 0, box);
+  gx_draw_polyline(vpid, gx_white, 0, box);
   gx_text(vpid, gx_view(probe.name), place.text.x, place.text.y,
-          gx_viewport_obj2d_to_pixel(vpid, step), 0, white);
+          gx_viewport_obj2d_to_pixel(vpid, step), 0, gx_white);
 }

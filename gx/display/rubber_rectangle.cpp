@@ -2,21 +2,16 @@
 // drawing it twice leaves the picture as it was.
 #include "gx/display/rubber_rectangle.h"
 
-#include <cstdlib>
-
 #include "gx/display/draw_strokes.h"
 #include "gx/display/pen.h"
 #include "gx/display/screen_state.h"
+#include "gx/display/viewport_coords.h"
 #include "gx/display/viewports.h"
 #include "gx/vext.h"
 
 namespace {
 
 constexpr int rectangle_color = 7, dot_size = 3;
-
-bool is_near(gx_point16_t a, gx_point16_t b, int pixels) {
-  return std::abs(a.x - b.x) <= pixels && std::abs(a.y - b.y) <= pixels;
-}
 
 // The pointer is in the viewport where the rectangle began, away from its edges.
 bool in_start_viewport(gx_vpid_t vpid) {
@@ -40,8 +35,8 @@ void flip_rectangle() {
 
 void gx_rectangle_action() {
   if (gx_vext.screen == nullptr || !in_start_viewport(gx_vext.viewport_id)) return;
-  if (is_near(gx_vext.pixel_pos, gx_vext.pixel_ptr2, 2)) return;
-  if (is_near(gx_vext.pixel_pos, gx_vext.pixel_ptr1, 1)) return;
+  if (gx_pixels_near(gx_vext.pixel_pos, gx_vext.pixel_ptr2, 2)) return;
+  if (gx_pixels_near(gx_vext.pixel_pos, gx_vext.pixel_ptr1, 1)) return;
   gx_viewport_select(gx_vext.viewport_id);
   if (gx_vext.display_rectangle_todo) flip_rectangle();
   gx_vext.pixel_ptr2 = gx_vext.pixel_pos;

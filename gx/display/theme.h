@@ -11,6 +11,8 @@
 
 #include "gx/display/stroke_layers.h"
 
+inline constexpr int gx_white = 7;  // the number in files
+
 struct gx_rgb_t {
   std::uint8_t red = 0, green = 0, blue = 0;
   friend bool operator==(const gx_rgb_t&, const gx_rgb_t&) = default;

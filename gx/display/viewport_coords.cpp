@@ -1,6 +1,7 @@
 #include "gx/display/viewport_coords.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
@@ -93,6 +94,10 @@ int gx_viewport_obj2d_to_pixel(gx_vpid_t vpid, std::int32_t length) {
   if (!shows_open_file(vp)) return 0;
   const std::int64_t pixels = std::int64_t{length} / vp.object_scale;
   return static_cast<int>(std::min(pixels < 0 ? -pixels : pixels, max_pixel));
+}
+
+bool gx_pixels_near(gx_point16_t a, gx_point16_t b, int pixels) {
+  return std::abs(a.x - b.x) <= pixels && std::abs(a.y - b.y) <= pixels;
 }
 
 gx_boundsreal_t gx_area_of(gx_pointreal_t p1, gx_pointreal_t p2) {

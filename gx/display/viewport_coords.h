@@ -13,6 +13,9 @@ gx_vpid_t gx_viewport_pixel_to_obj2d(gx_point16_t pixel, gx_pointreal_t& point);
 gx_point16_t gx_viewport_pt_real_to_pixel(gx_vpid_t vpid, gx_pointreal_t p);
 int gx_viewport_obj2d_to_pixel(gx_vpid_t vpid, std::int32_t length);
 
+// Neither coordinate differs by more than so many pixels.
+bool gx_pixels_near(gx_point16_t a, gx_point16_t b, int pixels);
+
 // The rectangle between two corners; one without width or height is widened to 5000 units.
 gx_boundsreal_t gx_area_of(gx_pointreal_t p1, gx_pointreal_t p2);
 

@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -19,6 +18,7 @@
 #include "gx/display/menu_tree.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/stroke_text.h"
+#include "gx/display/viewport_coords.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"
 #include "gx/text/message_list.h"
@@ -104,10 +104,6 @@ void stay_in_a_viewport() {
   if (v.last_viewport_id != 0) v.pixel_pos = v.last_viewport_pixel;
 }
 
-bool is_near(gx_point16_t a, gx_point16_t b, int pixels) {
-  return std::abs(a.x - b.x) <= pixels && std::abs(a.y - b.y) <= pixels;
-}
-
 void discard(int type) {
   XEvent event;
   while (XCheckTypedWindowEvent(gx_vext.dpy, gx_vext.win, type, &event) != False) {
@@ -190,8 +186,8 @@ void read_key(XKeyEvent& key, gx_event_t& event) {
 
 // What a press does may put the pointer elsewhere: that is no move of the user.
 bool is_in_place(gx_point16_t pixel, gx_point16_t from) {
-  return is_near(pixel, from, click_pixels) ||
-         (gx_vext.was_put && is_near(pixel, gx_vext.pointer_put, click_pixels));
+  return gx_pixels_near(pixel, from, click_pixels) ||
+         (gx_vext.was_put && gx_pixels_near(pixel, gx_vext.pointer_put, click_pixels));
 }
 
 void press_button1(const gx_event_t& event) {
@@ -265,7 +261,7 @@ void clear_menu_lines_below(std::size_t level) {
 // to another line of the level before.
 bool waits_for_pointer(std::size_t depth, gx_point16_t at) {
   auto& v = gx_vext;
-  if (v.menu_entered[depth - 1] || !is_near(at, v.menu_outside, jump_pixels)) return false;
+  if (v.menu_entered[depth - 1] || !gx_pixels_near(at, v.menu_outside, jump_pixels)) return false;
   v.menu_outside = at;
   if (depth == 1) return true;
   const gx_bounds16_t& before = v.menu_lev_extbounds[depth - 2];

@@ -5,19 +5,19 @@
 #include <algorithm>
 #include <array>
 
+#include "gx/display/theme.h"
 #include "gx/text/at.h"
 #include "gx/vext.h"
 
 namespace {
 // The pointer shapes, by pattern: X cursor, crosshair, four arrows, thin cross, I-beam, watch.
 constexpr std::array<unsigned, 9> cursor_shapes = {0, 34, 106, 110, 112, 114, 130, 152, 150};
-constexpr std::uint32_t white = 7;
 }  // namespace
 
 void gx_make_pointers() {
   auto& v = gx_vext;
   for (std::size_t i = 0; i < cursor_shapes.size(); ++i)
-    v.cursor_array[i] = {cursor_shapes[i], XCreateFontCursor(v.dpy, cursor_shapes[i]), white};
+    v.cursor_array[i] = {cursor_shapes[i], XCreateFontCursor(v.dpy, cursor_shapes[i]), gx_white};
   XColor foreground{}, background{};
   foreground.red = foreground.green = foreground.blue = 65535;
   XRecolorCursor(v.dpy, v.cursor_array[0].cursid, &foreground, &background);

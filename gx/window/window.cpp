@@ -30,7 +30,7 @@ constexpr int window_x = 40, window_y = 100;
 constexpr int min_width = 200, min_height = 100;
 constexpr unsigned border_width = 1;
 
-struct size_t16 {
+struct pixel_size_t {
   int width = 0, height = 0;
 };
 
@@ -118,7 +118,7 @@ void open_display(const char* name) {
 }
 
 // Size of a drawable; false when the server does not tell.
-bool ask_geometry(Drawable drawable, int& x, int& y, size_t16& size) {
+bool ask_geometry(Drawable drawable, int& x, int& y, pixel_size_t& size) {
   Window root = 0;
   unsigned width = 0, height = 0, border = 0, depth = 0;
   if (XGetGeometry(gx_vext.dpy, drawable, &root, &x, &y, &width, &height, &border, &depth) == 0)
@@ -129,7 +129,7 @@ bool ask_geometry(Drawable drawable, int& x, int& y, size_t16& size) {
 
 void check_root() {
   int x = 0, y = 0;
-  size_t16 size;
+  pixel_size_t size;
   if (!ask_geometry(gx_vext.root, x, y, size))
     refuse_start(" !! xerror :  cannot  get display geometry ? ");
   gx_debug(" gx_init :  root geometry : %d  %d  %d  %d\n", x, y, size.width, size.height);
@@ -225,7 +225,7 @@ XRectangle make_window(std::string_view window_name) {
                               static_cast<unsigned>(place.height), border_width,
                               v.colorrec[6].pixel, v.colorrec[0].pixel);
   int x = 0, y = 0;
-  size_t16 size;
+  pixel_size_t size;
   if (!ask_geometry(v.win, x, y, size))
     refuse_start(" !! xerror : cannot get new window geometry ? ");
   v.window_size = {static_cast<std::int16_t>(size.width), static_cast<std::int16_t>(size.height)};

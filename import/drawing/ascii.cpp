@@ -45,7 +45,7 @@ static_assert(std::is_sorted(letters.begin(), letters.end(),
                              [](const letter_t& a, const letter_t& b) { return a.code < b.code; }));
 
 // The letters 0xC0..0x17F without their marks; a blank where the table above says it.
-constexpr std::string_view plain =
+constexpr std::string_view plain_letters =
     "AAAAAA CEEEEIIII NOOOOO  UUUUY  aaaaaa ceeeeiiii nooooo  uuuuy y"
     "AaAaAaCcCcCcCcDdDdEeEeEeEeEeGgGgGgGgHhHhIiIiIiIiIi  JjKk LlLlLlLl  NnNnNn   OoOoOo  "
     "RrRrRrSsSsSsSsTtTtTtUuUuUuUuUuUuWwYyYZzZzZz ";
@@ -54,8 +54,8 @@ std::string_view ascii_of(char32_t code) {
   const auto found = std::lower_bound(letters.begin(), letters.end(), code,
                                       [](const letter_t& l, char32_t c) { return l.code < c; });
   if (found != letters.end() && found->code == code) return found->text;
-  if (code >= 0xC0 && code - 0xC0 < plain.size() && plain[code - 0xC0] != ' ') {
-    return plain.substr(code - 0xC0, 1);
+  if (code >= 0xC0 && code - 0xC0 < plain_letters.size() && plain_letters[code - 0xC0] != ' ') {
+    return plain_letters.substr(code - 0xC0, 1);
   }
   return "?";
 }

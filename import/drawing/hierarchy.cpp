@@ -8,7 +8,7 @@ namespace fs = std::filesystem;
 
 constexpr int most_levels = 28;
 
-std::string plain(const fs::path& sheet) { return sheet.lexically_normal().string(); }
+std::string normal_name(const fs::path& sheet) { return sheet.lexically_normal().string(); }
 
 }  // namespace
 
@@ -16,7 +16,8 @@ gxi_hierarchy_t::found_t gxi_hierarchy_t::cell(const void* symbol, const std::st
                                                std::span<const fs::path> sheets,
                                                const gxm_source_t& component) {
   for (const auto& sheet : sheets)
-    if (open_.contains(plain(sheet))) gxi_refuse(component, plain(sheet) + " contains itself");
+    if (open_.contains(normal_name(sheet)))
+      gxi_refuse(component, normal_name(sheet) + " contains itself");
   const auto [found, is_new] =
       cells_.emplace(std::pair(symbol, key), static_cast<int>(design_.cells.size()));
   if (is_new) design_.cells.emplace_back();
@@ -25,9 +26,10 @@ gxi_hierarchy_t::found_t gxi_hierarchy_t::cell(const void* symbol, const std::st
 
 gxi_hierarchy_t::level_t gxi_hierarchy_t::enter(std::span<const fs::path> sheets) {
   if (levels_ >= most_levels)
-    gxi_refuse({plain(sheets.front()), 1}, "more than " + std::to_string(most_levels) + " levels");
+    gxi_refuse({normal_name(sheets.front()), 1},
+               "more than " + std::to_string(most_levels) + " levels");
   std::set<std::string> files;
-  for (const auto& sheet : sheets) files.insert(plain(sheet));
+  for (const auto& sheet : sheets) files.insert(normal_name(sheet));
   return {*this, std::move(files)};
 }
 

@@ -12,7 +12,7 @@ constexpr std::pair<std::string_view, char> escapes[] = {
     {"lt", '<'},     {"gt", '>'},         {"bar", '|'},   {"space", ' '},    {"tab", '\t'},
     {"return", ' '}, {"amp", '&'},        {"brace", '{'},
 };
-constexpr int most_depth = 8;
+constexpr int most_groups_deep = 8;
 
 struct vector_t {
   std::string_view prefix{}, suffix{};
@@ -97,7 +97,7 @@ void expand_group(std::string_view inside, std::string_view before,
     const auto alias = aliases.find(word);
     if (alias != aliases.end()) {
       for (const auto& member : alias->second)
-        if (depth < most_depth) expand_group(member, before, aliases, depth + 1, bus);
+        if (depth < most_groups_deep) expand_group(member, before, aliases, depth + 1, bus);
     } else if (const auto vector = vector_of(word)) {
       expand_vector(*vector, before, bus);
     } else {

@@ -10,8 +10,6 @@
 
 namespace {
 
-using kind_t = gxi_kicad_shape_t::kind_t;
-
 constexpr double scale = static_cast<double>(gxm_step) / 12'700;
 constexpr double letter_height = 0.7;  // letters here are wider, and are kept at the width
 constexpr int largest_text = 500'000, thin = 3'000, thick = 6'000;
@@ -68,17 +66,17 @@ std::vector<gxm_shape_t> gxi_kicad_drawn(const gxi_kicad_shape_t& shape, bool in
   for (const auto& point : shape.points)
     drawn.points.push_back(in_symbol ? gxi_kicad_in_symbol(point) : gxi_kicad_on_sheet(point));
   switch (shape.kind) {
-    case kind_t::polyline:
+    case gxi_kicad_shape_t::kind_t::polyline:
       drawn.type = gx_type::polyline_2d;
       break;
-    case kind_t::rectangle:
+    case gxi_kicad_shape_t::kind_t::rectangle:
       drawn.type = gx_type::rectangle_2d;
       break;
-    case kind_t::arc:
+    case gxi_kicad_shape_t::kind_t::arc:
       drawn.type = gx_type::arc3p_2d;
       drawn.filled = false;
       break;
-    case kind_t::circle:
+    case gxi_kicad_shape_t::kind_t::circle:
       drawn.type = gx_type::circle_2d;
       drawn.radius = std::max(scaled(shape.radius), 1);
       break;

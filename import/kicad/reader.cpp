@@ -22,7 +22,6 @@
 namespace {
 
 namespace fs = std::filesystem;
-using kind_t = gxi_kicad_label;
 
 // Up to here a power symbol names the net of its hidden pin, later that of its value.
 constexpr int version_of_values = 20230221;
@@ -384,10 +383,10 @@ class kicad_reader {
     const auto& text = here.joins.labels[i];
     const auto look = gxi_kicad_label_look(label);
     const int net_index = joined.of_label[i];
-    if (label.kind == kind_t::other) return;
+    if (label.kind == gxi_kicad_label::other) return;
     if (net_index >= 0) {
       auto& net = gx_at(sheet.nets, net_index);
-      const bool brings_in = label.kind == kind_t::hierarchical && !net.port.empty() &&
+      const bool brings_in = label.kind == gxi_kicad_label::hierarchical && !net.port.empty() &&
                              net.port == text && ports.insert(net.port).second;
       if (brings_in && gx_spelled_name(net.port) == net.port) {
         auto sign = gxi_kicad_port_sign(label);
@@ -402,14 +401,15 @@ class kicad_reader {
         sheet.instances.push_back(std::move(port));
         return;
       }
-      if (label.kind == kind_t::local && !net.name_look && gx_spelled_name(text) == net.name) {
+      if (label.kind == gxi_kicad_label::local && !net.name_look &&
+          gx_spelled_name(text) == net.name) {
         net.name_look = look;
         return;
       }
     }
-    if (label.kind != kind_t::local)
+    if (label.kind != gxi_kicad_label::local)
       sheet.shapes.push_back(gxi_kicad_flag(
-          label, label.kind == kind_t::global ? gxi_kicad_readable(text).size() : 0));
+          label, label.kind == gxi_kicad_label::global ? gxi_kicad_readable(text).size() : 0));
     gxi_kicad_write(text, look, sheet.texts, sheet.shapes);
   }
 

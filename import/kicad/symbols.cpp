@@ -8,8 +8,6 @@
 
 namespace {
 
-using kind_t = gxi_kicad_shape_t::kind_t;
-
 constexpr int pieces_of_curve = 16;
 
 int whole(std::string_view text) {
@@ -166,25 +164,26 @@ bool gxi_kicad_shape(const gxi_kicad_list_t& item, std::vector<gxi_kicad_shape_t
   } else if (keyword == "bezier") {
     shape.points = along_curve(points_of(item));
   } else if (keyword == "rectangle") {
-    shape.kind = kind_t::rectangle;
+    shape.kind = gxi_kicad_shape_t::kind_t::rectangle;
     shape.points = {gxi_kicad_point(item.child("start")), gxi_kicad_point(item.child("end"))};
   } else if (keyword == "text_box") {
-    shape.kind = kind_t::rectangle;
+    shape.kind = gxi_kicad_shape_t::kind_t::rectangle;
     const auto at = gxi_kicad_point(item.child("at")), size = gxi_kicad_point(item.child("size"));
     shape.points = {at, {at.x + size.x, at.y + size.y}};
   } else if (keyword == "arc") {
-    shape.kind = kind_t::arc;
+    shape.kind = gxi_kicad_shape_t::kind_t::arc;
     for (const auto* const end : {"start", "mid", "end"})
       shape.points.push_back(gxi_kicad_point(item.child(end)));
   } else if (keyword == "circle") {
-    shape.kind = kind_t::circle;
+    shape.kind = gxi_kicad_shape_t::kind_t::circle;
     shape.points = {gxi_kicad_point(item.child("center"))};
     shape.radius = item.child("radius") ? item.child("radius").length(1) : 0;
   } else {
     return false;
   }
   take_stroke(item, shape);
-  if (shape.points.size() > 1 || shape.kind == kind_t::circle) shapes.push_back(std::move(shape));
+  if (shape.points.size() > 1 || shape.kind == gxi_kicad_shape_t::kind_t::circle)
+    shapes.push_back(std::move(shape));
   return true;
 }
 

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr int most_depth = 8;
+constexpr int most_variables_deep = 8;
 
 // Reads as much of JSON as it takes to find the strings of one object.
 class json_t {
@@ -89,7 +89,7 @@ std::string substitute(
     if (close == text.npos) break;
     const auto value = value_of(text.substr(open + 2, close - open - 2));
     result += text.substr(0, open);
-    if (value && depth < most_depth)
+    if (value && depth < most_variables_deep)
       result += substitute(*value, value_of, depth + 1);
     else
       result += text.substr(open, close + 1 - open);

@@ -10,7 +10,7 @@
 
 namespace {
 
-gx_pointreal_t shifted(gxi_lepton_point_t p, gxi_lepton_point_t by) {
+gx_pointreal_t shifted_end(gxi_lepton_point_t p, gxi_lepton_point_t by) {
   return gxi_lepton_point({p.x + by.x, p.y + by.y});
 }
 
@@ -54,7 +54,8 @@ class joiner {
     std::vector<gxi_span_t> spans;
     std::vector<gxi_met_pin_t> pins;
     for (const auto& wire : wires_)
-      spans.push_back({shifted(wire.net->from, wire.shift), shifted(wire.net->to, wire.shift)});
+      spans.push_back(
+          {shifted_end(wire.net->from, wire.shift), shifted_end(wire.net->to, wire.shift)});
     for (std::size_t i = 0; i < components_.size(); ++i)
       for (std::size_t pin = 0; takes_part(i) && pin < components_[i].pins.size(); ++pin)
         pins.push_back({gxi_lepton_tip(components_[i], pin), pin_member(i, pin)});
@@ -135,7 +136,7 @@ class joiner {
 
 gx_pointreal_t gxi_lepton_tip(const gxi_lepton_placed_t& placed, std::size_t pin) {
   gxi_instance_t instance;
-  instance.at = shifted(placed.component->at, placed.shift);
+  instance.at = shifted_end(placed.component->at, placed.shift);
   instance.rotate = static_cast<std::uint8_t>(placed.component->rotate);
   instance.mirror = placed.component->mirror;
   return gxi_on_sheet(instance, gxi_lepton_point(placed.pins[pin]->tip));

@@ -19,7 +19,6 @@
 namespace {
 
 namespace fs = std::filesystem;
-using role_t = gxi_lepton_role_t;
 
 class lepton_reader {
  public:
@@ -52,15 +51,15 @@ class lepton_reader {
   // --- cells
   int cell_of(const gxi_lepton_placed_t& placed) {
     std::span<const fs::path> sheets;
-    if (placed.role == role_t::block) sheets = placed.sheets;
+    if (placed.role == gxi_lepton_role_t::block) sheets = placed.sheets;
     const auto [index, is_new] =
         hierarchy_.cell(placed.symbol, gxi_lepton_sign_key(placed), sheets, placed.source());
     if (!is_new) return index;
     auto& made = cell(index);
-    made.name =
-        placed.role == role_t::block ? placed.sheets.front().stem().string() : placed.symbol->name;
+    made.name = placed.role == gxi_lepton_role_t::block ? placed.sheets.front().stem().string()
+                                                        : placed.symbol->name;
     made.symbol = gxi_lepton_sign(placed);
-    if (placed.role == role_t::block) read_sheet(index, &placed, placed.sheets);
+    if (placed.role == gxi_lepton_role_t::block) read_sheet(index, &placed, placed.sheets);
     return index;
   }
 
@@ -93,7 +92,8 @@ class lepton_reader {
     gxi_lepton_joined_t joined;
     for (const auto& one : placed) {
       cells.push_back(has_cell(one) ? cell_of(one) : -1);
-      joined.push_back(one.role == role_t::block ? blocks_[cells.back()].joined : block_t{}.joined);
+      joined.push_back(one.role == gxi_lepton_role_t::block ? blocks_[cells.back()].joined
+                                                            : block_t{}.joined);
     }
     auto nets = gxi_lepton_join(placed, wires, joined, library_.project().netname_wins);
     std::vector<gxi_common_name_t> common;
@@ -101,7 +101,7 @@ class lepton_reader {
     const auto second = bring_in(placed, nets);
     for (std::size_t i = 0; i < placed.size(); ++i) {
       const bool as_instance = cells[i] >= 0 && !second[i] &&
-                               (placed[i].role != role_t::power ||
+                               (placed[i].role != gxi_lepton_role_t::power ||
                                 is_shown_global(nets, common, nets.of_pin[i].front()));
       add(sheet, placed[i], i, as_instance ? cells[i] : -1, nets);
     }
@@ -118,13 +118,13 @@ class lepton_reader {
   // A power symbol stands for a net of the whole design when such nets are; else it is drawn.
   bool has_cell(const gxi_lepton_placed_t& placed) const {
     switch (placed.role) {
-      case role_t::power:
+      case gxi_lepton_role_t::power:
         return !library_.project().net_is_local && placed.pins.size() == 1 &&
                placed.link_of(0) != nullptr;
-      case role_t::port:
+      case gxi_lepton_role_t::port:
         return placed.pins.size() == 1;
       default:
-        return placed.role != role_t::picture;
+        return placed.role != gxi_lepton_role_t::picture;
     }
   }
 
@@ -135,13 +135,14 @@ class lepton_reader {
       const std::string label(gxi_lepton_value(pin->attributes, "pinlabel"));
       if (label.empty() || !found.insert(label).second) continue;
       const auto port = std::find_if(placed.begin(), placed.end(), [&](const auto& one) {
-        return (one.role == role_t::part || one.role == role_t::block) && one.name == label;
+        return (one.role == gxi_lepton_role_t::part || one.role == gxi_lepton_role_t::block) &&
+               one.name == label;
       });
       if (port == placed.end() || port->pins.empty())
         warn(block.source(), "no component of the sheet " + block.sheets.front().string() +
                                  " bears the name of the pin " + label);
       else
-        port->role = role_t::port;
+        port->role = gxi_lepton_role_t::port;
     }
   }
 
@@ -150,7 +151,7 @@ class lepton_reader {
                                     gxi_lepton_nets_t& nets) {
     std::vector<bool> second(placed.size());
     for (std::size_t i = 0; i < placed.size(); ++i) {
-      if (placed[i].role != role_t::port) continue;
+      if (placed[i].role != gxi_lepton_role_t::port) continue;
       auto& net = gx_at(nets.nets, nets.of_pin[i].front());
       second[i] = !net.port.empty();
       if (second[i]) continue;
@@ -221,9 +222,9 @@ class lepton_reader {
     instance.symbol = cell_index;
     instance.name = name;
     instance.nets = nets.of_pin[i];
-    if (placed.role == role_t::port) instance.kind = gxi_kind::port;
-    if (placed.role == role_t::power) instance.kind = gxi_kind::global;
-    if (placed.role == role_t::part) {
+    if (placed.role == gxi_lepton_role_t::port) instance.kind = gxi_kind::port;
+    if (placed.role == gxi_lepton_role_t::power) instance.kind = gxi_kind::global;
+    if (placed.role == gxi_lepton_role_t::part) {
       instance.nets.insert(instance.nets.end(), nets.of_hidden[i].begin(), nets.of_hidden[i].end());
       instance.properties.insert(instance.properties.begin(),
                                  {"CLASS", gxi_lepton_class(placed), {}});
@@ -239,7 +240,7 @@ class lepton_reader {
     std::map<int, std::size_t> first_on;
     for (std::size_t pin = 0; pin < block.pins.size(); ++pin)
       for (std::size_t i = 0; i < placed.size(); ++i) {
-        if (placed[i].role != role_t::port ||
+        if (placed[i].role != gxi_lepton_role_t::port ||
             placed[i].name != gxi_lepton_value(block.pins[pin]->attributes, "pinlabel"))
           continue;
         const auto [on, is_new] = first_on.emplace(nets.of_pin[i].front(), pin);

@@ -12,8 +12,6 @@
 
 namespace {
 
-using role_t = gxi_lepton_role_t;
-
 // Attributes that become something else here.
 constexpr std::array<std::string_view, 4> told_otherwise{"refdes", "net", "graphical", "slotdef"};
 // Those that tell of the symbol in its library: they are not the instances'.
@@ -67,7 +65,7 @@ void add_hidden_pins(const gxi_lepton_placed_t& placed, gxi_symbol_t& sign) {
     sign.pins.push_back({.name = link->pin, .at = below.next()});
 }
 
-gxi_lepton_text_t shifted(gxi_lepton_text_t text, gxi_lepton_point_t by) {
+gxi_lepton_text_t shifted_text(gxi_lepton_text_t text, gxi_lepton_point_t by) {
   text.at = {text.at.x + by.x, text.at.y + by.y};
   return text;
 }
@@ -90,15 +88,15 @@ gxi_symbol_t gxi_lepton_sign(const gxi_lepton_placed_t& placed) {
     gxi_lepton_draw(text, gxi_lepton_seen(text), sign.texts, sign.shapes);
   if (placed.symbol->missing) gxi_draw_missing(placed.component->symbol, sign);
   draw_pins(placed, sign);
-  if (placed.role != role_t::part && placed.role != role_t::block) {
+  if (placed.role != gxi_lepton_role_t::part && placed.role != gxi_lepton_role_t::block) {
     if (placed.pins.empty()) return sign;
     sign.pins.push_back({.name = "P", .at = gxi_lepton_point(placed.pins.front()->tip)});
-    if (placed.role == role_t::port)
+    if (placed.role == gxi_lepton_role_t::port)
       sign.properties.push_back({"CLASS", std::string(gxi_lepton_port_class(placed)), {}});
     return sign;
   }
   for (std::size_t i = 0; i < placed.pins.size(); ++i)
-    sign.pins.push_back(pin_of(*placed.pins[i], placed.role == role_t::part
+    sign.pins.push_back(pin_of(*placed.pins[i], placed.role == gxi_lepton_role_t::part
                                                     ? placed.numbers[i]
                                                     : gxi_lepton_label(*placed.pins[i])));
   for (const auto& text : records.texts) {
@@ -107,16 +105,16 @@ gxi_symbol_t gxi_lepton_sign(const gxi_lepton_placed_t& placed) {
     (is_among(of_library, name) ? sign.properties : sign.defaults)
         .push_back({gxi_property_name(name), property_value(text.value()), {}});
   }
-  if (placed.role == role_t::part) add_hidden_pins(placed, sign);
+  if (placed.role == gxi_lepton_role_t::part) add_hidden_pins(placed, sign);
   return sign;
 }
 
 std::string gxi_lepton_sign_key(const gxi_lepton_placed_t& placed) {
   std::string key = std::to_string(static_cast<int>(placed.role));
-  if (placed.role == role_t::port) key += gxi_lepton_port_class(placed);
-  if (placed.role == role_t::block)
+  if (placed.role == gxi_lepton_role_t::port) key += gxi_lepton_port_class(placed);
+  if (placed.role == gxi_lepton_role_t::block)
     for (const auto& sheet : placed.sheets) key += "\n" + sheet.lexically_normal().string();
-  if (placed.role == role_t::part) {
+  if (placed.role == gxi_lepton_role_t::part) {
     for (const auto& number : placed.numbers) key += "\n" + number;
     for (const auto* const link : placed.hidden_links()) key += "\n:" + link->pin;
   }
@@ -125,16 +123,18 @@ std::string gxi_lepton_sign_key(const gxi_lepton_placed_t& placed) {
 
 void gxi_lepton_dress(const gxi_lepton_placed_t& placed, gxi_instance_t& instance,
                       gxi_sheet_t& sheet) {
-  const bool has_properties = placed.role == role_t::part || placed.role == role_t::block;
+  const bool has_properties =
+      placed.role == gxi_lepton_role_t::part || placed.role == gxi_lepton_role_t::block;
   int composed = 0;
   for (const auto& on_page : placed.component->attributes) {
-    const auto text = shifted(on_page, placed.shift);
+    const auto text = shifted_text(on_page, placed.shift);
     const auto name = text.name();
     const auto seen = gxi_lepton_seen(text);
     const bool value_alone = !seen.empty() && text.show == gxi_lepton_text_t::show_t::value &&
                              seen.find('\n') == std::string::npos;
     if (name.empty() || !has_properties) {
-      if (name == "refdes" && placed.role == role_t::port && value_alone && !instance.name_look)
+      if (name == "refdes" && placed.role == gxi_lepton_role_t::port && value_alone &&
+          !instance.name_look)
         instance.name_look = gxi_lepton_look(text);
       else
         gxi_lepton_draw(text, seen, sheet.texts, sheet.shapes);
@@ -156,7 +156,7 @@ void gxi_lepton_dress(const gxi_lepton_placed_t& placed, gxi_instance_t& instanc
 }
 
 void gxi_lepton_write(gxi_lepton_text_t text, gxi_lepton_point_t shift, gxi_sheet_t& sheet) {
-  text = shifted(std::move(text), shift);
+  text = shifted_text(std::move(text), shift);
   gxi_lepton_draw(text, gxi_lepton_seen(text), sheet.texts, sheet.shapes);
 }
 

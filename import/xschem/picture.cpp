@@ -21,7 +21,7 @@ constexpr auto colors = std::to_array<std::uint8_t>(
     {gxm_white,  gxm_cyan,  gxm_white,   gxm_white,  gxm_green, gxm_red,    gxm_cyan,  gxm_red,
      gxm_yellow, gxm_white, gxm_magenta, gxm_green,  gxm_blue,  gxm_yellow, gxm_white, gxm_red,
      gxm_green,  gxm_cyan,  gxm_magenta, gxm_yellow, gxm_red,   gxm_yellow});
-constexpr int pin_layer = 5, text_layer = 3;
+constexpr int text_layer = 3;
 
 std::int32_t length(double v) { return static_cast<std::int32_t>(std::lround(v * scale)); }
 
@@ -54,7 +54,7 @@ bool gxi_xschem_shape(const gxi_xschem_shape_t& shape, gxm_shape_t& drawn) {
     case 'B':
       drawn.type = gx_type::rectangle_2d;
       drawn.filled = attributes.get("fill") == "full";
-      return shape.layer != pin_layer || attributes.find("name") == nullptr;
+      return shape.layer != gxi_xschem_pin_layer || attributes.find("name") == nullptr;
     case 'P':
       drawn.type = gx_type::polyline_2d;
       return drawn.points.size() > 1;

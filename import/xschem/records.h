@@ -9,6 +9,8 @@
 
 #include "gxmake/description.h"
 
+inline constexpr int gxi_xschem_pin_layer = 5;  // boxes on it are pins
+
 struct gxi_xschem_point_t {
   double x = 0, y = 0;
 };

@@ -15,8 +15,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int pin_layer = 5;
-
 std::vector<std::string> words_of(std::string_view text) {
   std::vector<std::string> words;
   std::istringstream in{std::string(text)};
@@ -160,7 +158,7 @@ std::unique_ptr<gxi_xschem_symbol_t> gxi_xschem_library_t::make(const std::strin
   symbol->defaults = gxi_xschem_attributes_t(symbol->attributes.get("template"));
   symbol->type = symbol->attributes.get("type");
   for (const auto& shape : symbol->records.shapes) {
-    if (shape.kind != 'B' || shape.layer != pin_layer) continue;
+    if (shape.kind != 'B' || shape.layer != gxi_xschem_pin_layer) continue;
     gxi_xschem_attributes_t attributes(shape.attributes);
     if (attributes.find("name") == nullptr) continue;
     auto& pin = symbol->pins.emplace_back();
