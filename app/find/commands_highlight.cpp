@@ -38,7 +38,8 @@ void kv_highlight_net_cmd(const kv_command_t& command) {
   if (!expanded) return kv_refuse(highlight_net_words, command, kv_no_expansion, 3);
   const auto color = wanted_color(command);
   if (!color)
-    return kv_refuse(highlight_net_words, command, "# !! Error : Colour not within COLour 1 to 6 ? ", 3);
+    return kv_refuse(highlight_net_words, command,
+                     "# !! Error : Colour not within COLour 1 to 6 ? ", 3);
   const auto nets = kv_wanted_nets(highlight_net_words, command, *expanded);
   if (!nets) return;
   for (const std::int32_t net : *nets) {
@@ -56,7 +57,11 @@ void kv_highlight_off_cmd(const kv_command_t&) {
 }
 
 constexpr kv_command_row_t highlight_rows[] = {
-    {{"HIG", "NET"}, "HIGhlight NET [path [COLour n]]", kv_highlight_net_cmd, highlight_net_words, 3},
+    {{"HIG", "NET"},
+     "HIGhlight NET [path [COLour n]]",
+     kv_highlight_net_cmd,
+     highlight_net_words,
+     3},
     {{"HIG", "OFF"}, "HIGhlight OFF", kv_highlight_off_cmd, "# HIGhlight OFF ", 3},
 };
 

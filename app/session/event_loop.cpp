@@ -49,6 +49,7 @@ struct loop_t {
   kv_array_param_t& vars;
   bool leave = false;
   kv_gestures_t gestures = {};
+  std::string place = {};  // that the line under a pressed button 1 names, as a command
 };
 
 // While it lives the menus and the rubber rectangle are off the screen: a command draws below them.
@@ -229,11 +230,19 @@ void on_key_release(loop_t& loop, const gx_event_t& event) {
               event.code - XK_F1, event);
 }
 
+// A click on a line of the list goes to what the line names, and the list stays where it is. What
+// the button does besides, it does as ever.
 void on_button(loop_t& loop, const gx_event_t& event) {
+  if (event.kind == gx_event_kind::button1_down) loop.place = kv_place_at(event.pixel);
+  if (!loop.place.empty()) gx_list_stay();
   const auto first = static_cast<std::size_t>(gx_event_kind::button1_down);
   run_binding(loop, gx_vext.action_but[static_cast<std::size_t>(event.kind) - first]);
   if (event.kind == gx_event_kind::button1_up)
     kv_click(event, [&](std::string_view command) { run_command(loop, gx_string(command)); });
+  if (event.kind != gx_event_kind::button1_up || loop.place.empty()) return;
+  if (event.clicks == 1) run_command(loop, gx_string(loop.place));
+  loop.place.clear();
+  gx_list_leave();
 }
 
 // --- the pointer

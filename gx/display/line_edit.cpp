@@ -5,6 +5,7 @@
 
 #include "gx/display/cmd_viewport.h"
 #include "gx/display/cursor.h"
+#include "gx/display/list_viewport.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
 #include "gx/text/at.h"
@@ -113,12 +114,7 @@ void gx_pixel_pos_action() {
 void gx_again_action(gx_vpid_t vpid, gx_point16_t pixel) {
   if (vpid != gx_vext.viewport_list || !gx_viewport_ok(vpid)) return;
   const gx_point16_t corner = gx_viewport_inq_pixel_min(vpid);
-  const int list_step = std::max<int>(gx_vext.list_step, 1);
-  const int row = (pixel.y - corner.y - gx_vext.listb_y0) / list_step + 1;
-  int line = std::clamp(row, 1, std::max<int>(gx_vext.nb_line_in_listviewp, 1));
-  if (gx_vext.nlinlist_disp > 1) line += gx_vext.nlinlist_disp - 1;
-  line = std::clamp(line, 1, gx_max_list_lines);
-
+  const int line = gx_list_line_at(pixel);
   const int under = (pixel.x - corner.x - gx_vext.listb_x0 + 6) / cmd_step() + gx_vext.istart_list;
   const int column = std::clamp(under, 1, gx_vext.istart_list + gx_cmd_columns - 1);
   const std::string_view text = gx_view(gx_at(gx_vext.line_list, line - 1));

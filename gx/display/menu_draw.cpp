@@ -122,7 +122,7 @@ void draw_highlight(int level, int line, int color) {
   const gx_bounds16_t& ext = gx_vext.menu_lev_extbounds[entry(level)];
   const int top = ext.ymin + 2 + (line - 1) * line_pitch();
   draw_bounds({pixel(ext.xmin + 2), pixel(top), pixel(ext.xmax - 2), pixel(top + line_pitch() - 4)},
-           color);
+              color);
 }
 
 void paint_level(gx_vpid_t vpid, int level, int x, int y) {

@@ -104,6 +104,34 @@ TEST_F(FindProgram, AJumpShowsThePartInTheMiddleAndShiftF8GoesBack) {
   bye();
 }
 
+// The lines of the list stand 24 pixels apart from pixel 706 on, the newest one last.
+TEST_F(FindProgram, AClickOnALineGoesToWhatItNames) {
+  auto& s = session();
+  s.command("list hierarchy");
+  s.wait_for_line(" LIST HIErarchy ");
+  s.settle();
+  const auto list = [&] {
+    s.settle();
+    const auto picture = s.picture();
+    std::vector<std::uint32_t> pixels;
+    for (int y = 706; y < 870; ++y)
+      for (int x = 12; x < 900; ++x) pixels.push_back(picture.at(x, y));
+    return pixels;
+  };
+  s.move(300, 800);
+  const auto before = list();
+  // The tree of two blocks is told in the last lines but one: "/", "/U1".
+  constexpr int last_line = 706 + 6 * 24 + 6, u1 = last_line - 24;
+  s.click(300, u1);
+  s.wait_for_head(" FINd PATh /U1  block ");
+  EXPECT_EQ(list(), before) << "it stays where it is";
+  s.click(300, last_line);  // it names nothing
+  s.command("grid on");
+  s.wait_for_head(" GRI");
+  EXPECT_NE(list(), before) << "a new command shows the end";
+  bye();
+}
+
 TEST_F(FindProgram, AHighlightIsSeenOnBothLevelsUntilItIsOff) {
   auto& s = session();
   const auto plain = edit();
