@@ -37,7 +37,7 @@ TEST_F(Recall, TypedLinesComeBackAndOutliveTheSession) {
   s.command("snap off");                 // once
   s.command("");                         // nothing
   s.key(XK_F12, test_session::control);  // a key is not typed
-  s.wait_for_line(" DISPlay ON ");
+  s.wait_for_line(" DISplay ON ");
   s.type("grid o");
   s.key(XK_Up);
   s.key(XK_Up);
@@ -55,14 +55,14 @@ TEST_F(Recall, TypedLinesComeBackAndOutliveTheSession) {
   s.key(XK_Down);
   s.key(XK_Down);
   s.type("n\n");  // what was begun is there again
-  s.wait_for_line(" GRId ON ");
+  s.wait_for_line(" GRID ON ");
   end();
 
   auto& next = begin();
   next.key(XK_Up);  // bye
   next.key(XK_Up);
   next.type("\n");
-  next.wait_for_line(" GRId ON ");
+  next.wait_for_line(" GRID ON ");
   end();
   std::string kept;
   ASSERT_TRUE(x_read_regular((directory_.path() / "state/kivo/typed_lines").string(), kept, 1000));

@@ -86,11 +86,10 @@ TEST(Themes, StandOutFromTheGroundAndFromEachOther) {
   }
 }
 
-// A symbol of a line, a text and two pins, one of them on a wire; a frame; file colours of all
-// sorts.
+// A symbol of a line and two pins, one of them on a wire.
 constexpr char sheet[] = R"(
 symbol s
-  line 0.4,0.2 1,0.4 color 9
+  line 0.4,0.2 1,0.4 color white
   pin A 1.2,0.6
   pin B 2.2,0.6
 sheet top
@@ -121,7 +120,7 @@ TEST(Themes, GiveEachPartItsColour) {
   EXPECT_EQ(count(role(gx_role::pin)), 4U) << "the loose one only";
   EXPECT_EQ(count(white) + count(red) + count(cyan), 0U);
   gx_set_object_selected(board.file(), board.id(gx_type::pinpropfam), true);
-  EXPECT_EQ(lines_of(role(gx_role::selection), 0, [] { lb_display_all_inst(1, 1, draws); }).size(),
+  EXPECT_EQ(lines_of(role(gx_role::selection), 3, [] { lb_display_all_inst(1, 1, draws); }).size(),
             4U)
       << "a selected pin is seen though it is joined";
   gx_highlight_net(1, board.id(gx_type::net), "");
@@ -144,6 +143,6 @@ TEST(Themes, AreChosenByName) {
                      "# !! Error : No such theme (CLAssic, DARk or LIGht) ? "}));
   EXPECT_EQ(s.run("display theme da").size(), 2U) << "less than its least form";
   EXPECT_EQ(s.run("display theme classic"), lines_t{" DISplay THEme CLAssic "});
-  EXPECT_EQ(s.run("display on"), lines_t{" DISPlay ON "});
+  EXPECT_EQ(s.run("display on"), lines_t{" DISplay ON "});
 }
 }  // namespace
