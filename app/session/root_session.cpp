@@ -45,8 +45,6 @@ namespace {
 constexpr std::int16_t lines_in_view = 7;
 constexpr std::string_view sheet_type = "sheet";
 constexpr float default_time_step = 0.1F;
-constexpr int active_border_width = 3;
-constexpr int active_border_color = 6;
 constexpr char fence[] = "@@@@@@@@@@@@@@@@@@@@@@@@@@";
 
 gx_string_record_t design_file(std::string_view name) {
@@ -204,7 +202,7 @@ void show_first_picture() {
   }
   gx_vext.pixel_pos = gx_viewport_pt_real_to_pixel(gx_vext.viewport_edit, gx_vext.obj_pos);
   kv_pext.prev_viewport_id = 1;
-  gx_draw_new_viewport_border(gx_vext.viewport_edit, active_border_width, active_border_color);
+  kv_frame_active(gx_vext.viewport_edit);
 }
 
 // False when not all that was written reached the file.

@@ -21,7 +21,9 @@ struct gx_list_state_t {
   std::int16_t nlinlist_end = 0;      // last line of the list
   std::int16_t nlinlist_disp = 0;     // first line shown
   std::int16_t nlinlist_held = 0;  // the line that stays the first one shown; 0: the end is shown
+  bool is_read = false;            // the user is at a line: a new command shows no end
   std::array<gx_string_record_t, gx_max_list_lines> line_list;  // line n at entry n - 1
+  std::array<gx_line_kind, gx_max_list_lines> line_kind{};      // and what it means
   gx_line_kind worst = gx_line_kind::plain;                     // of all lines told
 };
 
@@ -84,8 +86,11 @@ bool gx_is_session_file(int descriptor);
 // gx_list_follow. `stop_asked` is asked now and then, true ends it there.
 bool gx_display_file_invplist(std::string_view path, bool (*stop_asked)() = nullptr);
 
-// The list shows its end again when the next line comes: a new command begins.
+// The list shows its end again when the next line comes: a new command begins. While the user is
+// at a line it stays where it is.
 void gx_list_follow();
+void gx_list_stay();  // the user is at a line, until
+void gx_list_leave();
 
 // What draws the list after it changed; none at first.
 using gx_list_drawer_t = void (*)();

@@ -7,6 +7,8 @@
 #include "app/find/go_to.h"
 #include "expand/store.h"
 #include "gx/db/geometry.h"
+#include "gx/display/viewports.h"
+#include "tests/support/counting_screen.h"
 #include "tests/unit/design_session.h"
 
 namespace {
@@ -37,6 +39,20 @@ sheet deep
 
 std::string place() {
   return std::to_string(kv_pext.file_level_cur) + " " + std::string(gx_view(kv_pext.cur_sim_path));
+}
+
+TEST(GoTo, BackIsDrawnOnce) {
+  design_session s(hierarchy);
+  gx_vext.bitmap_size = gx_nominal_size;
+  for (const auto& viewport : set_viewports()) gx_viewport_create(viewport.bounds, viewport.border);
+  kv_display_picture_all(gx_vext.viewport_edit, kv_pext.file_id_cur);
+  const gx_shown_t top = gx_viewport_shown(gx_vext.viewport_edit);
+  EXPECT_EQ(kv_go_to("/X1/Y1", 0), "");
+  const counting_screen screen;
+  EXPECT_EQ(s.run("view last"), lines_t{" VIEw LASt "});
+  EXPECT_EQ(screen.pictures, 1);
+  EXPECT_EQ(place(), "1 ");
+  EXPECT_EQ(gx_viewport_shown(gx_vext.viewport_edit), top);
 }
 
 TEST(GoTo, WalksUpAndDownSelectsAndSaysWhatIsMissing) {
@@ -231,6 +247,36 @@ TEST(Expanded, AHighlightNamesANetOnceOnASheet) {
   EXPECT_EQ(split.s.run("highlight net /K"), lines_t{" HIGhlight NET /K "});
   EXPECT_EQ(marks(split.s), (lines_t{"1 K /K", "1 K "}));
   split.s.run("highlight off");
+}
+
+TEST(Expanded, HighlightsHaveColours) {
+  find_session split(true,
+                     "sheet split\n part R leaf 4,4\n"
+                     " net K\n  wire R.Q 10,4\n"
+                     " net L\n  wire 20,4 30,4\n",
+                     "split");
+  auto& s = split.s;
+  const auto colors = [] {
+    std::vector<int> found;
+    for (const auto& mark : gx_vext.highlights) found.push_back(mark.color);
+    return found;
+  };
+  s.run("highlight net /K");
+  EXPECT_EQ(s.run("highlight net /L"), lines_t{" HIGhlight NET /L "}) << "classically in one";
+  EXPECT_EQ(colors(), (std::vector{1, 1}));
+  s.run("highlight off");
+  s.run("display theme light");
+  s.run("highlight net /K");
+  EXPECT_EQ(s.run("hig net /L"),
+            (lines_t{" HIGhlight NET /L ", "#   colour 1 : /K ", "#   colour 2 : /L "}));
+  EXPECT_EQ(s.run("highlight net /K colour 6"),
+            (lines_t{" HIGhlight NET /K ", "#   colour 6 : /K ", "#   colour 2 : /L "}));
+  s.run("run");
+  EXPECT_EQ(colors(), (std::vector{6, 2}));
+  for (const char* const wrong : {"col 7", "col 0", "col x", "dark 1"})
+    EXPECT_EQ(s.run(std::string("highlight net /K ") + wrong).back(),
+              "# !! Error : Colour not within COLour 1 to 6 ? ");
+  s.run("highlight off");
 }
 
 TEST_P(Find, AHighlightFollowsTheViewAndTheRuns) {

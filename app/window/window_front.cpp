@@ -1,4 +1,4 @@
-#include "app/session/window_front.h"
+#include "app/window/window_front.h"
 
 #include <span>
 #include <string>
@@ -17,6 +17,7 @@
 #include "gx/text/status.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
+#include "gx/window/window.h"
 
 namespace {
 bool has_typed_stop() {
