@@ -124,7 +124,7 @@ TEST_F(Batch, AFullDiskUnderARunIsNamed) {
   std::string commands = "PRIMI CLASS\nPRO INS S CLASS\nPRO PIN S PIN\nPRO NET S NET\nRUN\n";
   for (int i = 0; i < 30; ++i) commands += "har " + std::string(80, 'x') + "\n";
   directory_.write("do", commands);
-  const auto ended = run("trap '' XFSZ; ulimit -f 1; kivo top do");
+  const auto ended = run("set -o pipefail; (trap '' XFSZ; ulimit -f 1; kivo top do) | cat");
   EXPECT_EQ(ended.status, 1);
   const auto lines = split_lines(ended.out);
   const auto at =
