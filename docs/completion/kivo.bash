@@ -17,7 +17,7 @@ _kivo_programs() {
   fi
   case $before in
     --array | --variants | --number) return ;;
-    --format) [[ $1 == *gximport ]] && mapfile -t COMPREPLY < <(compgen -W "xschem lepton" -- "$current")
+    --format) [[ $1 == *gximport ]] && mapfile -t COMPREPLY < <(compgen -W "xschem lepton kicad" -- "$current")
               return ;;
   esac
   # A design is a directory; so is the first word of most of these programs.
