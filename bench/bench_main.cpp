@@ -76,7 +76,8 @@ void listing(benchmark::State& state) {
   bench_design design(static_cast<int>(state.range(0)), 1);
   design.run();
   for (auto _ : state) {
-    if (!kv_write_design(kv_sext, kv_sext.designfile, "array/kivo_data"))
+    std::string why;
+    if (!kv_write_design(kv_sext, kv_sext.designfile, "array/kivo_data", why))
       state.SkipWithError("not written");
   }
   state.counters["bytes"] = static_cast<double>(std::filesystem::file_size("array/kivo_data"));

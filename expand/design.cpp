@@ -51,7 +51,11 @@ std::int32_t save_prop(kv_design_t& design, kv_prop_type type, Fill fill) {
 }  // namespace
 
 void kv_empty_design(kv_design_t& design) {
-  each_array(design, [](auto& array) { array.set_count(0); });
+  if (!design.memory) design.memory = std::make_shared<kv_block_memory>();
+  each_array(design, [&](auto& array) {
+    array.share(design.memory);
+    array.set_count(0);
+  });
 }
 
 void kv_limit_design(kv_design_t& design, std::int32_t limit) {

@@ -10,7 +10,8 @@
 
 #include "netlist/records.h"
 
-// Sets the nine counters to 0; blocks are kept for the next run.
+// Sets the nine counters to 0; blocks are kept for the next run. A fresh design has no memory yet:
+// from now on its arrays share theirs.
 void kv_empty_design(kv_design_t& design);
 // How many records each array may hold from now on.
 void kv_limit_design(kv_design_t& design, std::int32_t limit);

@@ -27,6 +27,7 @@ bool write_at(int fd, std::span<const std::uint8_t> bytes, off_t offset) {
   while (!bytes.empty()) {
     const ssize_t written = ::pwrite(fd, bytes.data(), bytes.size(), offset);
     if (written < 0 && errno == EINTR) continue;
+    if (written == 0) errno = ENOSPC;
     if (written <= 0) return false;
     bytes = bytes.subspan(static_cast<std::size_t>(written));
     offset += written;
@@ -46,10 +47,12 @@ class image_writer {
     return buffer_.get() + used_ - n;
   }
   bool flush() {
-    if (offset_ == header_size) ok_ = write_at(fd_, std::array<std::uint8_t, header_size>{}, 0);
+    if (ok_ && offset_ == header_size)
+      ok_ = write_at(fd_, std::array<std::uint8_t, header_size>{}, 0);
     ok_ = ok_ && write_at(fd_, {buffer_.get(), used_}, offset_);
     offset_ += static_cast<off_t>(used_);
     used_ = 0;
+    if (!ok_) return false;  // what the system said is told
     // The disk begins while the next records are encoded.
     ::sync_file_range(fd_, sent_, offset_ - sent_, SYNC_FILE_RANGE_WRITE);
     sent_ = offset_;

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 
+#include <cerrno>
 #include <cstdio>
 
 #include "expand/data_listing.h"
@@ -25,7 +26,12 @@ x_file open_listing(const std::string& path) {
 
 }  // namespace
 
-bool kv_write_design(const kv_design_t& design, int designfile, const std::string& listing_path) {
+bool kv_write_design(const kv_design_t& design, int designfile, const std::string& listing_path,
+                     std::string& why) {
+  const auto written = [&](std::string_view file, bool is_written) {
+    if (!is_written && why.empty()) why = std::string(file) + " : " + x_why(errno);
+    return is_written;
+  };
   if (const int other = kv_other_session(designfile); other != 0) {
     kv_tell(kv_message::other_session, {}, std::to_string(other));
   }
@@ -34,13 +40,15 @@ bool kv_write_design(const kv_design_t& design, int designfile, const std::strin
     kv_tell(kv_message::design_in_use);
     return false;
   }
-  if (listing_path.empty()) return kv_write_image(design, designfile);
+  constexpr std::string_view image = "design_kv";
+  if (listing_path.empty()) return written(image, kv_write_image(design, designfile));
   const x_file listing = open_listing(listing_path);
   if (!listing) {
     kv_write_image_header(design, designfile);
     return false;
   }
-  const bool has_head = kv_write_listing_head(design, listing.get(), listing_path);
-  return kv_write_image(design, designfile) && has_head &&
-         kv_write_listing_body(design, listing.get());
+  const std::string_view name = std::string_view(listing_path).substr(listing_path.rfind('/') + 1);
+  const bool has_head = written(name, kv_write_listing_head(design, listing.get(), listing_path));
+  return written(image, kv_write_image(design, designfile)) && has_head &&
+         written(name, kv_write_listing_body(design, listing.get()));
 }

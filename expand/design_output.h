@@ -6,6 +6,7 @@
 #include "expand/design.h"
 
 // Writes the image of a design to an open design file and, when a path is given, the listing there.
-// False when something could not be written; a listing that cannot be opened is told, and its image
-// then ends behind the header.
-bool kv_write_design(const kv_design_t& design, int designfile, const std::string& listing_path);
+// False when something could not be written, `why` then names the file and what the system said; a
+// listing that cannot be opened is told, and its image then ends behind the header.
+bool kv_write_design(const kv_design_t& design, int designfile, const std::string& listing_path,
+                     std::string& why);

@@ -105,6 +105,36 @@ std::vector<kv_drawn_t> kv_explainer_t::drawn(std::int32_t net) const {
   return result;
 }
 
+// When a net was joined to those of its group on its sheet.
+std::size_t kv_explainer_t::order_of(std::int32_t net, const kv_drawn_t& drawn) {
+  if (drawn.net != net) return 0;  // of the bus that it is a bit of
+  const place_t place = place_of(drawn);
+  std::int32_t root = 0;
+  root_words(net, drawn, place, root);
+  const auto& reasons = group_reasons(place.sheet, root);
+  const auto at = reasons.find(place.net);
+  return at == reasons.end() ? 0 : at->second.order;
+}
+
+std::vector<kv_drawn_t> kv_explainer_t::joined(std::int32_t net) {
+  std::vector<kv_drawn_t> result = drawn(net);
+  // The nets of a visit follow one another.
+  std::vector<std::pair<std::size_t, kv_drawn_t>> ordered;
+  for (auto from = result.begin(); from != result.end();) {
+    const auto to = std::find_if(from, result.end(), [&](const auto& each) {
+      return each.visit != from->visit || each.net != from->net;
+    });
+    if (to - from > 1) {
+      ordered.clear();
+      for (auto each = from; each != to; ++each) ordered.emplace_back(order_of(net, *each), *each);
+      std::ranges::stable_sort(ordered, {}, &std::pair<std::size_t, kv_drawn_t>::first);
+      std::ranges::transform(ordered, from, &std::pair<std::size_t, kv_drawn_t>::second);
+    }
+    from = to;
+  }
+  return result;
+}
+
 // Whether a net that is a bus, or a part of one brought by a port, holds that bit of it.
 bool kv_explainer_t::has_bit(const kv_drawn_t& drawn, std::int32_t bit) const {
   if (drawn.child == 0 || netlist_.child_kind(drawn.child) != kv_kind_port) return true;
@@ -213,13 +243,16 @@ const kv_explainer_t::group_reasons_t& kv_explainer_t::group_reasons(const kv_sh
     joins.emplace(join.b, &join);
   }
   std::vector<std::int32_t> reached{root};
-  reasons[root] = "";
+  reasons[root] = {"", 0};
   for (std::size_t i = 0; i < reached.size(); ++i) {
     const std::int32_t from = reached[i];
     const auto [first, last] = joins.equal_range(from);
     for (auto join = first; join != last; ++join) {
       const std::int32_t to = join->second->a == from ? join->second->b : join->second->a;
-      if (!reasons.emplace(to, join_words(sheet, *join->second, from)).second) continue;
+      const bool is_first =
+          reasons.try_emplace(to, joined_t{join_words(sheet, *join->second, from), reached.size()})
+              .second;
+      if (!is_first) continue;
       reached.push_back(to);
     }
   }
@@ -242,5 +275,5 @@ std::string kv_explainer_t::reason(std::int32_t net, const kv_drawn_t& drawn) {
   if (root == place.net) return words;
   const auto& reasons = group_reasons(place.sheet, root);
   const auto at = reasons.find(place.net);
-  return at == reasons.end() ? words : at->second;
+  return at == reasons.end() ? words : at->second.words;
 }

@@ -24,9 +24,11 @@ class kv_explainer_t {
   kv_explainer_t(const kv_memory_netlist_t& netlist, const kv_origins_t& origins)
       : netlist_(netlist), origins_(origins) {}
 
-  // Every net of a sheet in the flat net, in the order of joining; for a bit of a bus first those
-  // of the bus that hold it.
+  // Every net of a sheet in the flat net, sheet by sheet as they were visited; of a bit of a bus
+  // first those of the bus that hold it.
   std::vector<kv_drawn_t> drawn(std::int32_t net) const;
+  // The same, on each sheet in the order of joining: a reason names only nets before it.
+  std::vector<kv_drawn_t> joined(std::int32_t net);
 
   // In words what joined one of them: "port D of /XR/X0, pin /XR/X0/D", "global VDD, instance I_7",
   // "same NET name as N_31", "shared vertex 112", "bit 2 of bus Q". Empty for the net that the flat
@@ -36,11 +38,17 @@ class kv_explainer_t {
   const kv_sheet_t& sheet(std::int32_t visit) const { return *gx_at(origins_.visits, visit).sheet; }
 
  private:
-  // What joined each net of a group to the one that begins it; by place in the list of nets.
-  using group_reasons_t = std::map<std::int32_t, std::string>;
+  // What joined each net of a group to the one that begins it, and when; by place in the list of
+  // nets.
+  struct joined_t {
+    std::string words;
+    std::size_t order;
+  };
+  using group_reasons_t = std::map<std::int32_t, joined_t>;
 
   struct place_t;
   place_t place_of(const kv_drawn_t& drawn);
+  std::size_t order_of(std::int32_t net, const kv_drawn_t& drawn);
   void add_drawn(std::int32_t net, std::vector<kv_drawn_t>& drawn) const;
   bool has_bit(const kv_drawn_t& drawn, std::int32_t bit) const;
   bool is_saved_by_net(std::int32_t net) const;

@@ -50,7 +50,7 @@ constexpr std::array<kv_message_row_t, kv_message_count> rows = {{
     {kv_message::design_in_use, "design-in-use", refusal,
      {{{fault, "The design file is in use by another program "}}}},
     {kv_message::not_written, "not-written", error,
-     {{{fault, "Expanded data not written whole in : \"%1\""}}}},
+     {{{fault, "Expanded data not written whole in : \"%1\""}, {mark, "%2", true}}}},
 
     {kv_message::symbol_version_invalid, "symbol-version-invalid", error,
      {{{fault, "Invalid Version in pathname of : "}, {mark, ": \"%1\""},

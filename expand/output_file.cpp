@@ -5,7 +5,8 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
+
+#include "platform/files.h"
 
 int kv_open_output(const std::string& path, int flags, std::string& why) {
   constexpr mode_t rights = 0660;
@@ -14,7 +15,7 @@ int kv_open_output(const std::string& path, int flags, std::string& why) {
     fd = ::open(path.c_str(), flags | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, rights);
   } while (fd < 0 && errno == EINTR);
   if (fd < 0) {
-    why = errno == ELOOP ? "is a symbolic link" : std::strerror(errno);
+    why = x_why_unwritten(errno);
     return -1;
   }
   struct stat file;

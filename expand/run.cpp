@@ -139,7 +139,8 @@ kv_run_result kv_run_expansion(const kv_run_t& run, int designfile, bool gen_dat
   const std::string_view directory =
       gx_view(gx_at(gx_files.filear, run.sheets.front().file_index).dirname);
   const std::string listing = gen_data ? std::string(directory) + "/kivo_data" : std::string();
-  if (kv_write_design(run.design, designfile, listing)) return kv_run_result::done;
-  kv_tell(kv_message::not_written, {}, directory);
+  std::string why;
+  if (kv_write_design(run.design, designfile, listing, why)) return kv_run_result::done;
+  kv_tell(kv_message::not_written, {}, directory, why);
   return kv_run_result::write_failed;
 }

@@ -20,5 +20,6 @@ struct kv_setup_t : kv_kept_lists_t {
   kv_list_t<kv_prim_in_record_t> primitive;
   kv_list_t<kv_param_in_record_t> parameter;
   float time_step = 0;
-  std::int32_t store_size = kv_start_records;  // records of each kind, 1..kv_max_records
+  std::int32_t store_size =
+      kv_start_records;  // records of each kind, kv_min_records..kv_max_records
 };

@@ -18,7 +18,7 @@
 namespace {
 
 constexpr std::int16_t max_timing_index = 120;
-const kv_design_t no_design;  // of values that are the same everywhere
+constinit const kv_design_t no_design;  // of values that are the same everywhere
 
 kv_prop_type type_of_letter(std::string_view prop_type) {
   switch (prop_type.empty() ? ' ' : gx_upper_case(prop_type.front())) {

@@ -7,7 +7,7 @@
 #include "expand/debug.h"
 #include "gx/text/status.h"
 
-kv_defref_exp_rec_t kv_sext;
+constinit kv_defref_exp_rec_t kv_sext;  // costs a start nothing
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "gx/vext.h"
 
-gx_defref_var_rec_t gx_vext;
+constinit gx_defref_var_rec_t gx_vext;  // costs a start nothing
 
 gx_session_state_t& gx_session = gx_vext;
 gx_list_state_t& gx_list = gx_vext;

@@ -10,7 +10,6 @@
 #include <limits>
 #include <memory>
 #include <new>
-#include <vector>
 
 #include "gx/text/at.h"
 #include "kvi/load.h"
@@ -73,34 +72,39 @@ class chain_lengths {
   bool all_known_ = true;
 };
 
-// A piece of the file at a time, for a reader that goes towards the start of the file.
+// A piece of a part of the file at a time, for a reader that goes towards the start of the part.
 class piece_t {
  public:
-  // The `size` bytes at `place`; zeros where the file ends before.
-  const std::uint8_t* at(int fd, std::size_t place, std::size_t size) {
-    if (place < begin_ || place + size > end_) read(fd, place + size);
-    return bytes_.data() + (place - begin_);
+  // The `size` bytes at `place` of the part that begins at `part`; zeros where the file ends
+  // before.
+  const std::uint8_t* at(int fd, std::size_t part, std::size_t place, std::size_t size) {
+    if (place < begin_ || place + size > end_) read(fd, part, place + size);
+    return bytes_.get() + (place - begin_);
   }
 
  private:
-  void read(int fd, std::size_t end) {
-    constexpr std::size_t piece_size = std::size_t{1} << 18;
+  void read(int fd, std::size_t part, std::size_t end) {
+    constexpr std::size_t most = std::size_t{1} << 18;
+    const std::size_t wanted = std::min(end - part, most);
+    if (wanted > room_) {
+      bytes_ = std::make_unique_for_overwrite<std::uint8_t[]>(wanted);
+      room_ = wanted;
+    }
     end_ = end;
-    begin_ = end - std::min(end, piece_size);
-    bytes_.resize(end_ - begin_);
+    begin_ = end - wanted;
     std::size_t place = begin_;
     while (place < end) {
       const auto n =
-          ::pread(fd, bytes_.data() + (place - begin_), end - place, static_cast<off_t>(place));
+          ::pread(fd, bytes_.get() + (place - begin_), end - place, static_cast<off_t>(place));
       if (n < 0 && errno == EINTR) continue;
       if (n <= 0) break;
       place += static_cast<std::size_t>(n);
     }
-    std::fill(bytes_.begin() + static_cast<std::ptrdiff_t>(place - begin_), bytes_.end(), 0);
+    std::fill(bytes_.get() + (place - begin_), bytes_.get() + wanted, std::uint8_t{0});
   }
 
-  std::vector<std::uint8_t> bytes_;
-  std::size_t begin_ = 0, end_ = 0;
+  std::unique_ptr<std::uint8_t[]> bytes_;
+  std::size_t room_ = 0, begin_ = 0, end_ = 0;
 };
 
 class soundness_check {
@@ -145,7 +149,8 @@ class soundness_check {
   template <typename Record>
   const std::uint8_t* bytes(std::int32_t i) {
     constexpr auto part = static_cast<std::size_t>(kv_part_of<Record>());
-    return pieces_[part].at(fd_, design_.place_of<Record>(i), kv_layout<Record>::size);
+    return pieces_[part].at(fd_, design_.place_of<Record>(1), design_.place_of<Record>(i),
+                            kv_layout<Record>::size);
   }
   template <typename Record>
   Record read(std::int32_t i) {

@@ -228,6 +228,62 @@ int32_t kvi_find_instance_property(const kvi_instance_record_t* record, int32_t 
 int32_t kvi_find_pin_property(const kvi_pin_record_t* record, int32_t len, const char* name,
                               kvi_prop_record_t** property);
 
+/* --- by path, and where it is drawn --------------------------------------------------------- */
+
+enum { KVI_INSTANCE = 0, KVI_MACRO = 1, KVI_NET = 2, KVI_PIN = 4, KVI_MACRO_PIN = 5 };
+
+/* The object of a kind that has the path ("/XR/X2/MP1", "xr.x2.mp1": letters in either case, "."
+ * and
+ * ":" as "/"), the first when several have; 0 when none has. A net has the paths of all the nets of
+ * sheets that are in it, too. The first call makes an index of the design. */
+int32_t kvi_find(int32_t kind, int32_t len, const char* path);
+
+/* The sheet is a file path without a 0 byte: the library's, valid until the design is unloaded; ""
+ * when the file does not hold it, as that of a net in a block without parts. */
+typedef struct {
+  int32_t object_id; /* of the object on its sheet, 1..30000; of a pin, of its place on the part */
+  int32_t macro;     /* the block whose sheet it is; 0: the primary sheet */
+  int32_t sheet_len;
+  const char* sheet;
+} kvi_place_t;
+/* Where an object is drawn; 0 when there is no such object. */
+int32_t kvi_get_place(int32_t kind, int32_t index, kvi_place_t* place);
+
+/* --- many pins at once ---------------------------------------------------------------------- */
+
+/* Texts are `at` and `len` in the characters of the design, which kvi_get_characters gives. */
+typedef struct {
+  int32_t at, len;
+} kvi_span_t;
+typedef struct {
+  int32_t instance, net;
+  int16_t pin_type, pin_start, pin_end, pin_net_start;
+  kvi_span_t path;
+} kvi_pin_row_t;
+/* The value of one kept property. */
+typedef struct {
+  int32_t vtype; /* KVI_STRING .. KVI_REAL */
+  kvi_span_t text;
+  int32_t whole[3]; /* of KVI_INTEGER and KVI_TIME */
+  float real[3];
+} kvi_value_row_t;
+
+/* All characters of the design, without a 0 byte at their end; valid until it is unloaded. */
+const char* kvi_get_characters(int32_t* len);
+int32_t kvi_get_nb_of_pins(void);
+/* Fills the rows of pins first .. first + count - 1 of leaf instances; how many there were. */
+int32_t kvi_get_pins(int32_t first, int32_t count, kvi_pin_row_t* rows);
+/* The name of kept property `place` (from 0) of pins; NULL after the last. The library's, valid
+ * until the next call. */
+const char* kvi_get_pin_property_name(int32_t place);
+/* Their values of it, likewise; a pin without the property has an empty text. */
+int32_t kvi_get_pin_values(int32_t place, int32_t first, int32_t count, kvi_value_row_t* rows);
+
+/* The size in bytes of a structure of this header, as the library was built; 0 when the name is
+ * none of: "net", "instance", "pin", "macro", "macro_pin", "property", "place", "pin_row",
+ * "value_row". For callers of other languages, who describe the structures themselves. */
+int32_t kvi_get_size_of(const char* name);
+
 /* --- helpers ------------------------------------------------------------------------------ */
 
 /* The date now, UTC. */

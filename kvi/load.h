@@ -74,6 +74,11 @@ class kvi_design_t {
     return {chars + place_of<char>(string.index), static_cast<std::size_t>(string.len)};
   }
 
+  // The bytes of a record that the design holds, in the mapped file.
+  template <typename Record>
+  const std::uint8_t* bytes_of(std::int32_t index) const {
+    return file_.bytes() + place_of<Record>(index);
+  }
   // Where record `index` begins in the file.
   template <typename Record>
   std::size_t place_of(std::int32_t index) const {

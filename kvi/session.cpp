@@ -57,6 +57,8 @@ std::int32_t status_of(kvi_load_result result) {
 // Notes how the loading of `path` into kvi_state went.
 std::int32_t note(const std::string& path, const kvi_loaded_t& loaded) {
   kvi_state.path = path;
+  kvi_state.paths.reset();
+  kvi_state.blocks.reset();
   kvi_state.load_error = loaded.message;
   kvi_state.kv_ner = kvi_state.design.info().num_errors;
   kvi_state.kv_nwa = kvi_state.design.info().num_warnings;

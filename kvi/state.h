@@ -8,14 +8,19 @@
 
 #include "kvi/kvi.h"
 #include "kvi/load.h"
+#include "netlist/hierarchy.h"
+#include "netlist/path_index.h"
 
 struct kvi_file_closer {
   void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
 struct kvi_state_t {
-  kvi_design_t design;                                // empty unless a design is loaded
-  std::string path;                                   // of its file
+  kvi_design_t design;  // empty unless a design is loaded
+  std::string path;     // of its file
+  // Made when they are first asked; null before, and for another design.
+  std::unique_ptr<const kv_path_index_t<kvi_design_t>> paths;
+  std::unique_ptr<const kv_hierarchy_t<kvi_design_t>> blocks;
   std::string load_error;                             // why the last loading failed
   int designfile = -1;                                // descriptor of the design file
   std::unique_ptr<std::FILE, kvi_file_closer> debug;  // "debug_kvdfi"

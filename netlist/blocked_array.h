@@ -16,6 +16,7 @@
 #include "netlist/block_memory.h"
 
 inline constexpr int kv_block_size = 1000;
+inline constexpr std::int32_t kv_min_records = 1000;           // the least that may be allowed
 inline constexpr std::int32_t kv_start_records = 500'000;      // what an array may hold at first
 inline constexpr std::int32_t kv_max_records = 2'000'000'000;  // what it may be allowed to hold
 
@@ -37,10 +38,15 @@ class kv_blocked_t {
  public:
   std::int32_t count = 0;  // records in use; set_count() changes it
 
-  // Its blocks lie in memory that others may share.
-  explicit kv_blocked_t(std::shared_ptr<kv_block_memory> memory) : memory_(std::move(memory)) {}
+  constexpr kv_blocked_t() = default;
   kv_blocked_t(kv_blocked_t&&) = default;
   kv_blocked_t& operator=(kv_blocked_t&&) = default;
+
+  // The blocks of an array that has none yet will lie in memory that others use, too; else in
+  // memory of its own.
+  void share(const std::shared_ptr<kv_block_memory>& memory) {
+    if (blocks_.empty()) memory_ = memory;
+  }
 
   // Record `index` (from 1), which the caller has checked.
   Record& operator[](std::int32_t index) {
@@ -95,6 +101,7 @@ class kv_blocked_t {
   // Makes the place of the next record ready.
   void reach() {
     if (count >= limit_) throw full(limit_ + 1);
+    if (!memory_) memory_ = std::make_shared<kv_block_memory>();
     const auto block = static_cast<std::uint32_t>(count) / kv_block_size;
     while (blocks_.size() <= block) {
       blocks_.push_back(reinterpret_cast<Record*>(memory_->take(kv_block_size * sizeof(Record))));

@@ -33,6 +33,8 @@ class kv_path_index_t {
   // The same for paths that begin with a key: looks at all but the pins of what cannot.
   std::vector<kv_object_t> find_beginning(std::span<const std::string> keys,
                                           std::size_t most) const;
+  // Instances, macros and nets that have the key in their names (kv_path_has).
+  std::vector<kv_object_t> find_containing(std::string_view key, std::size_t most) const;
 
   std::string_view path(kv_object_t object) const { return netlist_.path(object); }
   // The flat net that a child belongs to.
@@ -171,4 +173,14 @@ std::vector<kv_object_t> kv_path_index_t<Design>::find_beginning(std::span<const
   const auto first =
       std::ranges::find_if(found, [](const auto& of_key) { return !of_key.empty(); });
   return first == found.end() ? std::vector<kv_object_t>{} : std::move(*first);
+}
+
+template <typename Design>
+std::vector<kv_object_t> kv_path_index_t<Design>::find_containing(std::string_view key,
+                                                                  std::size_t most) const {
+  std::vector<kv_object_t> found;
+  for (const kv_named what : own_kinds)
+    for (std::int32_t index = 1; index <= netlist_.count(what) && found.size() < most; ++index)
+      if (kv_path_has(path({what, index}), key)) found.push_back({what, index});
+  return found;
 }

@@ -31,6 +31,19 @@ inline bool kv_path_begins(std::string_view path, std::string_view key) {
                     [](char wanted, char c) { return kv_path_folded(c) == wanted; });
 }
 
+// Whether the last name of a path has `key` in it, or the whole path where `key` has a separator.
+inline bool kv_path_has(std::string_view path, std::string_view key) {
+  const auto is_separator = [](char c) { return kv_path_folded(c) == '/'; };
+  if (std::ranges::none_of(key, is_separator)) {
+    auto begin = path.size();
+    while (begin > 0 && !is_separator(path[begin - 1])) --begin;
+    path.remove_prefix(begin);
+  }
+  return !std::ranges::search(path, key, [](char c, char wanted) {
+            return kv_path_folded(c) == wanted;
+          }).empty();
+}
+
 // The same for all texts that `folded` makes the same.
 template <typename Folded>
 std::size_t kv_hash_of(std::string_view text, Folded folded) {

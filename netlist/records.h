@@ -189,16 +189,16 @@ struct kv_general_info_record_t {
 };
 
 struct kv_design_t {
-  std::shared_ptr<kv_block_memory> memory = std::make_shared<kv_block_memory>();
-  kv_blocked_t<char> chars{memory};
-  kv_blocked_t<kv_string_record_t> strings{memory};
-  kv_blocked_t<kv_prop_record_t> props{memory};
-  kv_blocked_t<kv_pin_record_t> pins{memory};
-  kv_blocked_t<kv_inst_record_t> insts{memory};
-  kv_blocked_t<kv_net_record_t> nets{memory};
-  kv_blocked_t<kv_net_child_record_t> net_childs{memory};
-  kv_blocked_t<kv_pinm_record_t> pinms{memory};
-  kv_blocked_t<kv_macro_record_t> macros{memory};
+  std::shared_ptr<kv_block_memory> memory;  // of all arrays, from kv_empty_design on
+  kv_blocked_t<char> chars;
+  kv_blocked_t<kv_string_record_t> strings;
+  kv_blocked_t<kv_prop_record_t> props;
+  kv_blocked_t<kv_pin_record_t> pins;
+  kv_blocked_t<kv_inst_record_t> insts;
+  kv_blocked_t<kv_net_record_t> nets;
+  kv_blocked_t<kv_net_child_record_t> net_childs;
+  kv_blocked_t<kv_pinm_record_t> pinms;
+  kv_blocked_t<kv_macro_record_t> macros;
   kv_general_info_record_t general_info;
   kv_kept_lists_t kept;  // as the run found them
 };

@@ -84,7 +84,6 @@ class kv_simulator_names_t {
 
   void join_globals();
   bool take_apart();
-  bool take_apart(std::int32_t net, std::int32_t other);
 
   kv_netlist_t<Design> netlist_;
   std::vector<std::int32_t> node_;
@@ -116,34 +115,33 @@ void kv_simulator_names_t<Design>::join_globals() {
   for (const std::int32_t net : nets) gx_at(node_, net) = globals.at(upper(netlist_.name(net))).net;
 }
 
-// Changes the names of nodes that have the same one; false when there are none.
+// Changes the names of all nodes that have the same one; false when there are none.
 template <typename Design>
 bool kv_simulator_names_t<Design>::take_apart() {
   std::vector<std::int32_t> last_with(std::bit_ceil(node_.size())), before(node_.size());
-  bool any = false;
+  std::vector<std::pair<std::int32_t, std::int32_t>> same;
   for (std::int32_t net = 1; net <= netlist_.count(kv_named::net); ++net) {
     if (node(net) != net || netlist_.is_bus(net) || gx_at(form_, net) == form_t::numbered) continue;
     const std::string_view name = part(net);
     auto& last = gx_at(last_with, kv_hash_of(name, folded) & (last_with.size() - 1));
     for (std::int32_t other = last; other != 0; other = gx_at(before, other)) {
-      const bool same = std::ranges::equal(name, part(other), {}, folded, folded);
-      if (same) any = take_apart(net, other) || any;
+      if (!std::ranges::equal(name, part(other), {}, folded, folded)) continue;
+      same.emplace_back(net, other);
+      break;
     }
     gx_at(before, net) = std::exchange(last, net);
   }
-  return any;
-}
-
-template <typename Design>
-bool kv_simulator_names_t<Design>::take_apart(std::int32_t net, std::int32_t other) {
-  form_t &form = gx_at(form_, net), &other_form = gx_at(form_, other);
-  const bool both_whole = form != form_t::plain && other_form != form_t::plain;
-  if (!both_whole) {
-    form = other_form = form_t::whole;
-  } else if (!kv_is_ground(path(net))) {
-    form = form_t::numbered;
-  } else {
-    other_form = form_t::numbered;
+  // First all that can have their whole paths, so that the order of the nets does not count.
+  bool any_plain = false;
+  for (const auto& [net, other] : same) {
+    for (const std::int32_t each : {net, other}) {
+      form_t& form = gx_at(form_, each);
+      any_plain = any_plain || form == form_t::plain;
+      if (form == form_t::plain) form = form_t::whole;
+    }
   }
-  return true;
+  if (!any_plain)
+    for (const auto& [net, other] : same)
+      gx_at(form_, kv_is_ground(path(net)) ? other : net) = form_t::numbered;
+  return !same.empty();
 }

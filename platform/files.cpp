@@ -65,6 +65,10 @@ std::string x_why_unread(int error) {
   return error == EINVAL ? "Not a regular file" : x_why(error);
 }
 
+std::string x_why_unwritten(int error) {
+  return error == ELOOP ? "is a symbolic link" : x_why(error);
+}
+
 bool x_is_missing(int error) {
   constexpr int missing[] = {ENOENT, ENOTDIR, ENAMETOOLONG, EISDIR, EINVAL};
   return std::ranges::find(missing, error) != std::end(missing);

@@ -25,6 +25,8 @@ std::string x_why(int error);
 // The same of x_open_regular, x_read_regular and x_replace_file: "Not a regular file" for a pipe or
 // a device.
 std::string x_why_unread(int error);
+// The same of a file that is made or written, which is never done through a link.
+std::string x_why_unwritten(int error);
 // Whether it says that there is no such file to read. All else stands in the way of one.
 bool x_is_missing(int error);
 

@@ -1,6 +1,6 @@
 #!/bin/bash
-# Installs libkvi from a build folder and builds a client against it in the three ways a user may:
-# with the CMake package, and with pkg-config, shared and static. Then loads its Python module.
+# Installs libkvi from a build folder and builds a client against it in the four ways a user may:
+# with the CMake package and with pkg-config, shared and static, each from C alone. Then loads its Python module.
 #   kvi_install.sh BUILD SOURCE
 set -e
 build=$1 source=$2
@@ -11,6 +11,14 @@ client=$source/examples/list_nets
 
 cmake -G Ninja -S "$client" -B "$work/cmake" -DCMAKE_PREFIX_PATH="$work/prefix" >/dev/null
 cmake --build "$work/cmake" >/dev/null
+cp -r "$client" "$work/static_client"
+sed -i 's/PRIVATE kvi::kvi)/PRIVATE kvi::kvi_static)/' "$work/static_client/CMakeLists.txt"
+cmake -G Ninja -S "$work/static_client" -B "$work/cmake_static" \
+  -DCMAKE_PREFIX_PATH="$work/prefix" >/dev/null
+cmake --build "$work/cmake_static" >/dev/null
+if ldd "$work/cmake_static/list_nets" | grep -q libkvi; then
+  echo "kvi::kvi_static links the shared library" && exit 1
+fi
 
 PKG_CONFIG_PATH=$(dirname "$(find "$work/prefix" -name kvi.pc)")
 export PKG_CONFIG_PATH
@@ -28,7 +36,7 @@ cc -Wall -Werror "$client/list_nets.c" -o "$work/static/list_nets" \
 cd "$work"
 mkdir design
 cp "$source/fuzz/corpus/kvi/half_written" design/design_kv
-for way in cmake shared static; do
+for way in cmake cmake_static shared static; do
   answer=$("$work/$way/list_nets" design 2>&1) && exit 1
   [[ $answer == "list_nets: status "*"design/design_kv"* ]] || {
     echo "$way: $answer"; exit 1; }

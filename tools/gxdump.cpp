@@ -115,10 +115,12 @@ class source_printer {
  public:
   explicit source_printer(bool all) : all_(all) {}
 
-  // Prints the file and those it names, each once; false when one cannot be read.
-  bool print(const std::string& path) {
-    const std::string name = name_below(path);
+  // Prints the file and those it names, each once; false when one cannot be read. A file that lies
+  // elsewhere has its whole path for a name when it is the one asked for, else it is only named.
+  bool print(const std::string& path, bool is_asked = true) {
+    std::string name = name_below(path);
     if (!seen_.insert(name.empty() ? path : name).second) return true;
+    if (name.empty() && is_asked) name = path;
     if (name.empty()) {
       std::printf("# %s lies elsewhere\n", path.c_str());
       return true;
@@ -139,10 +141,10 @@ class source_printer {
 
  private:
   bool print_symbol(const std::string& path) {
-    bool all_there = print(path);
+    bool all_there = print(path, false);
     const auto sheet =
         gx_file_get_file_version(std::filesystem::path(path).parent_path().string(), "sheet");
-    if (all_ && sheet.found) all_there &= print(std::string(gx_view(sheet.file_pathname)));
+    if (all_ && sheet.found) all_there &= print(std::string(gx_view(sheet.file_pathname)), false);
     return all_there;
   }
 

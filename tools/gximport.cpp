@@ -26,6 +26,7 @@ const std::string help =
     "usage: gximport [OPTION]... -o DIRECTORY TOP.sch [PAGE.sch...]\n"
     "Makes DIRECTORY/CELL/symbol.gx and sheet.gx of a drawing and of all cells below it, and\n"
     "DIRECTORY/expand.do, which expands the design: cd DIRECTORY && kivo TOP expand.do\n"
+    "DIRECTORY/check.do, which checks it, is made, too.\n"
     "  -o DIRECTORY   where the design goes; a file there is replaced by a new version only where\n"
     "                 its contents changed\n"
     "  -L LIBRARY     where symbols are looked for first; may be given again\n"

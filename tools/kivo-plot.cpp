@@ -27,7 +27,7 @@ constexpr tool_t tool = {
     "       kivo-plot [OPTION]... -o OUT DESIGN [SHEET]\n"
     "Writes a sheet of a design, or all of them, as a plot file (HP-GL/2 in PCL), SVG or PDF.\n"
     "  DESIGN   design directory\n"
-    "  SHEET    directory of the sheet, from here; \".\" for the design's own\n"
+    "  SHEET    directory of the sheet, from here; \".\" or the design's name: its own\n"
     "  -o OUT   the file to write; with --all and not PDF a directory, for a file a sheet\n"
     "  -landscape, --landscape  turns the page of a plot file\n"
     "  --svg, --pdf     writes SVG or PDF; blocks lead to their sheets, titles to the one above\n"
@@ -40,6 +40,12 @@ constexpr tool_t tool = {
     "  --colours NAME   screen, print (default) or mono; also --colors\n"
     "  --help, --version\n"
     "Exit status: 0 written, 1 not all could be written, 2 wrong options.\n"};
+
+// "top" of "designs/top/".
+std::string_view last_name(std::string_view path) {
+  while (path.size() > 1 && path.ends_with('/')) path.remove_suffix(1);
+  return path.substr(path.rfind('/') + 1);
+}
 
 enum class format_t { plot, svg, pdf };
 
@@ -233,7 +239,8 @@ int main(int argc, char** argv) {
   if (std::ssize(wishes.primitives) > kv_max_list)
     return tool_usage_error(tool, "--primitive: at most " + std::to_string(kv_max_list));
   if (wishes.primitives.empty()) wishes.primitives.push_back("CLASS");
-  wishes.sheet = words.size() == 1 || words[1] == "." ? words[0] : words[1];
+  const bool is_own = words.size() == 1 || words[1] == "." || words[1] == last_name(words[0]);
+  wishes.sheet = is_own ? words[0] : words[1];
   wishes.out = out;
   if (wishes.sheet.size() >= gx_max_string_length - 16) {
     tool_complain(tool, "path too long: " + wishes.sheet);

@@ -3,20 +3,31 @@
 #include <concepts>
 #include <cstdio>
 #include <iterator>
+#include <string>
+#include <vector>
 
+#include "export/csv.h"
+#include "export/json.h"
+#include "export/sqlite/sqlite.h"
 #include "kvi/load.h"
 #include "netlist/design_records.h"
+#include "platform/files.h"
 #include "platform/usage.h"
 #include "tools/escape.h"
 
 namespace {
 
 constexpr tool_t tool{"kvdump",
-                      "usage: kvdump DESIGN\n"
+                      "usage: kvdump [FORM] DESIGN\n"
                       "       kvdump --format\n"
-                      "Prints the design file of the directory DESIGN, or the design file DESIGN, "
-                      "as text: every field\n"
-                      "of every record, in the order of the file.\n"
+                      "Prints the design file of the directory DESIGN, or the design file DESIGN: "
+                      "as text, every field\n"
+                      "of every record in the order of the file, or in another FORM:\n"
+                      "  --json           as JSON\n"
+                      "  --format yosys   as JSON of the form that Yosys reads\n"
+                      "  --csv DIRECTORY  as tables, a file each in that directory\n"
+                      "  --sqlite FILE    as an SQLite database\n"
+                      "Other options:\n"
                       "  --format   prints the format of design files, as tables in Markdown\n"
                       "  --help     prints this\n"
                       "  --version  prints the version\n"};
@@ -157,18 +168,41 @@ void print_format() {
   print_layout<kv_signal_state_rec>("signal");
 }
 
+// The findings of the last check of a design directory; "" when there are none.
+std::string findings_of(const std::string& directory) {
+  constexpr std::size_t most = std::size_t{1} << 30U;
+  std::string findings;
+  return x_read_regular(directory + "/findings.json", findings, most) ? findings : "";
+}
+
+// The name of the design: the last of its path, without that of the file.
+std::string name_of(std::string path) {
+  if (path.ends_with("/design_kv")) path.resize(path.size() - 10);
+  while (path.size() > 1 && path.ends_with('/')) path.pop_back();
+  return path.substr(path.rfind('/') + 1);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-  bool format = false;
+  bool format = false, json = false;
+  std::string_view csv, sqlite;
   std::vector<std::string_view> words;
-  const tool_option_t options[] = {{.name = "--format", .flag = &format}};
+  const tool_option_t options[] = {{.name = "--format", .flag = &format},
+                                   {.name = "--json", .flag = &json},
+                                   {.name = "--csv", .value = &csv},
+                                   {.name = "--sqlite", .value = &sqlite}};
   if (const auto status = tool_read(tool, argc, argv, options, words)) return *status;
-  if (words.size() != (format ? 0 : 1)) return tool_usage_error(tool, "give one DESIGN");
-  if (format) {
+  const bool yosys = format && !words.empty();
+  if (format + json + !csv.empty() + !sqlite.empty() > 1)
+    return tool_usage_error(tool, "one form at a time");
+  if (format && !yosys) {
     print_format();
     return tool_end(tool, 0);
   }
+  if (yosys && words[0] != "yosys") return tool_usage_error(tool, "no form but yosys has a name");
+  if (yosys) words.erase(words.begin());
+  if (words.size() != 1) return tool_usage_error(tool, "give one DESIGN");
   const std::string path(words[0]);
   kvi_design_t design;
   const kvi_loaded_t loaded = kvi_open_design(design, path);
@@ -176,8 +210,20 @@ int main(int argc, char** argv) {
     tool_complain(tool, loaded.message);
     return 1;
   }
-  print_design(design);
-  if (design.is_unchanged()) return tool_end(tool, 0);
-  tool_complain(tool, kvi_changed_message(path));
+  std::string trouble;
+  if (json) {
+    kv_write_json(design, stdout);
+  } else if (yosys) {
+    kv_write_yosys(design, name_of(path), stdout);
+  } else if (!csv.empty()) {
+    trouble = kv_write_csv(design, std::string(csv));
+  } else if (!sqlite.empty()) {
+    trouble = kv_write_sqlite(design, findings_of(path), std::string(sqlite));
+  } else {
+    print_design(design);
+  }
+  if (trouble.empty() && !design.is_unchanged()) trouble = kvi_changed_message(path);
+  if (trouble.empty()) return tool_end(tool, 0);
+  tool_complain(tool, trouble);
   return tool_end(tool, 1);
 }

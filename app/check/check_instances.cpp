@@ -5,8 +5,6 @@
 
 namespace {
 
-using enum kv_check_head;
-
 constexpr kv_once_t class_once = {kv_rule::class_twice, "CLASS",
                                   "more than 1 property \"CLASS\" on the body : "};
 constexpr kv_once_t inst_once = {kv_rule::inst_twice, "INST",
@@ -21,7 +19,7 @@ constexpr kv_wording_t of_pin = {kv_rule::pin_properties, "Too many properties o
                                  "properties with same name on the pin :", "P_", true};
 
 void report_too_many(kv_sheet_check_t& check, const gx_owner_t& where, std::string_view words) {
-  check.add(kv_rule::too_many, where, {{error, std::string(words)}});
+  check.add(kv_rule::too_many, where, {{kv_check_head::error, std::string(words)}});
 }
 
 // --- pins
@@ -78,7 +76,9 @@ const gx_object_property_rec_t* port_name(const kv_sheet_check_t& check, int ins
 void check_port(kv_sheet_check_t& check, const gx_owner_t& own) {
   const auto* name = port_name(check, own.inst);
   if (name == nullptr) {
-    check.add(kv_rule::port_name, own, {{error, "PORT without name ( --> property NET ) "}})
+    check
+        .add(kv_rule::port_name, own,
+             {{kv_check_head::error, "PORT without name ( --> property NET ) "}})
         .marks = {{kv_mark_t::object, own.inst}};
   } else if (!check.port_names.add(gx_view(name->nvalue), own)) {
     report_too_many(check, own, "Too many PORTS ");
@@ -102,14 +102,16 @@ void check_symbol_reference(kv_sheet_check_t& check, const gx_owner_t& own) {
   }
   const std::string quoted = "\"" + std::string(path) + "\" ";
   const std::string label = kv_label("S_", symbol);
-  auto& finding = link.link_found ? check.add(kv_rule::symbol_old, own,
-                                              {{error, "Out Of Date  reference for : " + label},
-                                               {more, "Existing Symbol path  : "},
-                                               {more, quoted}})
-                                  : check.add(kv_rule::symbol_missing, own,
-                                              {{error, "invalid Symbol reference for : " + label},
-                                               {error, " Symbol path  : "},
-                                               {more, quoted}});
+  auto& finding =
+      link.link_found
+          ? check.add(kv_rule::symbol_old, own,
+                      {{kv_check_head::error, "Out Of Date  reference for : " + label},
+                       {kv_check_head::more, "Existing Symbol path  : "},
+                       {kv_check_head::more, quoted}})
+          : check.add(kv_rule::symbol_missing, own,
+                      {{kv_check_head::error, "invalid Symbol reference for : " + label},
+                       {kv_check_head::error, " Symbol path  : "},
+                       {kv_check_head::more, quoted}});
   if (const int body = lb_inq_symbol_child_id(file, symbol).body; body != 0) {
     const int graphics = lb_inq_graphics_property_id(file, body).graphics;
     if (graphics != 0) finding.marks.push_back({kv_mark_t::object, graphics});
@@ -136,7 +138,7 @@ void check_missing_inst(kv_sheet_check_t& check, kv_object_check& body, int inst
   auto& finding =
       body.add(kv_rule::inst_class_only, "no property \"INST\" found on the component : ");
   std::string words = "found property \"CLASS\" instead : \"";
-  finding.lines.push_back({more, words.append(class_value).append("\" ")});
+  finding.lines.push_back({kv_check_head::more, words.append(class_value).append("\" ")});
   finding.marks = marks;
 }
 
@@ -158,8 +160,9 @@ void check_instance(kv_sheet_check_t& check, int inst, kv_check_table_t& pin_nam
       if (on_symbol) {
         check
             .add(kv_rule::inst_on_symbol, own,
-                 {{warning, "property \"INST\" found on symbol: "},
-                  {place, kv_label("S_", symbol) + "of instance: " + kv_label("I_", inst)}})
+                 {{kv_check_head::warning, "property \"INST\" found on symbol: "},
+                  {kv_check_head::place,
+                   kv_label("S_", symbol) + "of instance: " + kv_label("I_", inst)}})
             .marks = {{kv_mark_t::object, property.gene.object_id}};
       }
     }
@@ -177,7 +180,7 @@ void check_instance(kv_sheet_check_t& check, int inst, kv_check_table_t& pin_nam
     auto& finding = body.add(kv_rule::pin_same_name, "pin with same name on the Instance :");
     std::string words = "Pin with same name : \"";
     words.append(pin_names.names[same.front().first]).append("\" ");
-    finding.lines.push_back({item, std::move(words)});
+    finding.lines.push_back({kv_check_head::item, std::move(words)});
     finding.marks = body_marks(check, inst);
   }
   body.report_same_names();
@@ -187,7 +190,7 @@ void check_instance(kv_sheet_check_t& check, int inst, kv_check_table_t& pin_nam
 }  // namespace
 
 void kv_check_instances(kv_sheet_check_t& check) {
-  kv_check_table_t pin_names;
+  kv_check_table_t pin_names{check.most_names};
   for (const int inst : lb_instances(check.file)) {
     if (!gx_inq_object_deleted(check.file, inst)) check_instance(check, inst, pin_names);
   }

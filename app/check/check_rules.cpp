@@ -2,6 +2,7 @@
 #include "app/check/check_rules.h"
 
 #include "app/check/sheet_check.h"
+#include "expand/sheet_analysis.h"
 #include "gx/text/strings.h"
 
 namespace {
@@ -68,13 +69,63 @@ void check_names(kv_sheet_check_t& check, const kv_check_table_t& table, kv_rule
   }
 }
 
-// Nets may be joined by their names: one finding says that there are some.
+bool is_supply(std::string_view name) {
+  constexpr std::string_view beginnings[] = {"GND", "AGND", "DGND", "VGND", "VDD",  "AVDD", "DVDD",
+                                             "VCC", "AVCC", "VSS",  "AVSS", "VPWR", "VEE",  "VBAT"};
+  const bool is_signed = name.size() > 1 && (name[0] == '+' || name[0] == '-');
+  if (is_signed && name[1] >= '0' && name[1] <= '9') return true;
+  return std::ranges::any_of(beginnings, [&](auto head) { return gx_equal(head, name); });
+}
+
+// Whether a port or a global of the sheet has the name.
+bool is_name_of_sign(const gx_file_gene_recf_t& file, std::string_view name) {
+  for (const int inst : lb_instances(file)) {
+    if (gx_inq_object_deleted(file, inst)) continue;
+    const kv_inst_role role = kv_role_of(file, inst);
+    if (role == kv_inst_role::part) continue;
+    const auto pair = lb_inq_inst_first_pin_id(file, inst);
+    const auto* property = role == kv_inst_role::global ? gx_find_inst_prop(file, inst, "GLOBAL")
+                           : pair ? gx_find_prop_of_two(file, pair.pinpropfam, pair.pin, "NET")
+                                  : nullptr;
+    if (gx_iden(name, gx_prop_text(property))) return true;
+  }
+  return false;
+}
+
+// Whether each net of the name shows it.
+bool is_shown_everywhere(const kv_sheet_check_t& check, std::string_view name) {
+  const auto& [most, names, owners, overflowed] = check.net_names;
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    if (!gx_iden(names[i], name)) continue;
+    bool is_shown = false;
+    gx_visit_properties(check.file, owners[i], [&](const gx_object_property_rec_t& property) {
+      is_shown |= gx_iden("NET", gx_view(property.name)) && property.visible != 0;
+    });
+    if (!is_shown) return false;
+  }
+  return true;
+}
+
+// Nets may be joined by their names: one finding says that there are some, another that there are
+// some which are meant so: supplies, names of ports and globals, and labels that the drawing
+// repeats.
 void check_joined_nets(kv_sheet_check_t& check) {
   const auto same = kv_same_names(check.net_names);
-  if (same.empty()) return;
-  add_name(check, check.net_names, same.front(), kv_rule::net_same_name,
-           kv_check_head::soft_warning, "NETS connected by their name  : ")
-      .more = static_cast<int>(same.size()) - 1;
+  std::vector<kv_same_name_t> doubtful, meant;
+  for (const auto& each : same) {
+    const auto name = check.net_names.names[each.first];
+    const bool is_meant =
+        is_supply(name) || is_shown_everywhere(check, name) || is_name_of_sign(check.file, name);
+    (is_meant ? meant : doubtful).push_back(each);
+  }
+  for (const auto* names : {&doubtful, &meant}) {
+    if (names->empty()) continue;
+    auto& finding = add_name(check, check.net_names, names->front(),
+                             names == &meant ? kv_rule::net_repeated : kv_rule::net_same_name,
+                             kv_check_head::soft_warning, "NETS connected by their name  : ");
+    finding.more = static_cast<int>(names->size()) - 1;
+    finding.is_further = names->front().first != same.front().first;
+  }
 }
 
 }  // namespace
@@ -95,8 +146,9 @@ void kv_check_frames(kv_sheet_check_t& check) {
   }
 }
 
-kv_sheet_report_t kv_check_sheet(const gx_file_gene_recf_t& file, kv_links_t& links) {
-  kv_sheet_check_t check = {file, links};
+kv_sheet_report_t kv_check_sheet(const gx_file_gene_recf_t& file, kv_links_t& links,
+                                 std::size_t most_names) {
+  kv_sheet_check_t check = {file, links, most_names};
   kv_check_instances(check);
   check_names(check, check.instance_names, kv_rule::inst_same_name, "INSTANCE with same name  : ");
   check_names(check, check.port_names, kv_rule::port_same_name, "PORT with same name  : ");

@@ -35,6 +35,9 @@ struct kv_sheet_finding_t {
   int more = 0;             // further names that are told with this one
 };
 
+// All that CHEck SHEet says of a finding, in one line without heads.
+std::string kv_words_of(const kv_sheet_finding_t& finding);
+
 struct kv_symbol_reference_t {
   int symbol;
   std::string_view path;  // the sheet's own
@@ -49,8 +52,13 @@ struct kv_sheet_report_t {
 // The references from symbols to their files, looked up once each.
 using kv_links_t = std::unordered_map<std::string, gx_link_test_t>;
 
-// All rules over a sheet that is whole (gx_sheet_fault). Changes nothing.
-kv_sheet_report_t kv_check_sheet(const gx_file_gene_recf_t& file, kv_links_t& links);
+// How many names of a kind CHEck SHEet compares.
+inline constexpr std::size_t kv_names_compared = 999;
+
+// All rules over a sheet that is whole (gx_sheet_fault). Changes nothing. More names of a kind than
+// `most_names` are a finding.
+kv_sheet_report_t kv_check_sheet(const gx_file_gene_recf_t& file, kv_links_t& links,
+                                 std::size_t most_names);
 
 // "I_12 ".
 std::string kv_label(std::string_view kind, int id);

@@ -4,6 +4,7 @@
 
 #include "app/check/check_reference.h"
 #include "app/check/check_rules.h"
+#include "app/language/answer_records.h"
 #include "app/language/command_row.h"
 #include "app/sheet/command_viewport.h"
 #include "gx/db/undo.h"
@@ -31,6 +32,13 @@ void tell_lines(const kv_sheet_finding_t& finding) {
                                     gx_line_kind::detail,  gx_line_kind::detail};
   for (const auto& line : finding.lines)
     gx_tell_as(gx_at(kinds, line.head), gx_at(heads, line.head), line.words);
+}
+
+void record_sheet_finding(const kv_sheet_finding_t& finding) {
+  kv_record("finding", {{"severity", kv_severity_word(kv_row_of(finding.rule).severity)},
+                        {"rule", kv_row_of(finding.rule).name},
+                        {"object_id", finding.where.on_sheet},
+                        {"words", kv_words_of(finding)}});
 }
 
 void select(const kv_view_t& view, const kv_mark_t& mark) {
@@ -74,17 +82,19 @@ void kv_check_sheet_cmd(const kv_command_t& command) {
 
   gx_undo_define_new_step();
   kv_links_t links;
-  const auto report = kv_check_sheet(view.file(), links);
+  const auto report = kv_check_sheet(view.file(), links, kv_names_compared);
   int errors = 0, warnings = 0;
   for (const auto& finding : report.findings) {
     if (finding.is_further) continue;
     ++(kv_row_of(finding.rule).severity == kv_severity::error ? errors : warnings);
     tell_lines(finding);
+    record_sheet_finding(finding);
     for (const auto& mark : finding.marks) select(view, mark);
   }
   for (const auto& [symbol, path] : report.references) reference.add_symbol(symbol, path);
   delete_unused_symbols(view);
 
+  kv_record("counts", {{"errors", errors}, {"warnings", warnings}});
   show_count("nb_error    = ", "nb_errors   = ", errors);
   show_count("nb_warning  = ", "nb_warnings = ", warnings);
   if (reference.finish()) {

@@ -1,11 +1,14 @@
 // CHEck DESign and what is done with its findings: RULe, SHOw FINding, NEXt FINding, WAIve FINding.
 #include <algorithm>
+#include <optional>
 #include <string>
 
 #include "app/check/design_check.h"
 #include "app/check/findings_file.h"
+#include "app/check/findings_forms.h"
 #include "app/check/waivers.h"
 #include "app/find/go_to.h"
+#include "app/language/answer_records.h"
 #include "app/language/command_row.h"
 #include "app/run/run_progress.h"
 #include "expand/store.h"
@@ -36,24 +39,32 @@ std::string head_of(std::size_t number) {
   return head;
 }
 
-// In one line; what nobody waived counts for the session.
-void tell_finding(std::size_t number) {
-  const auto& finding = kv_pext.findings[number - 1];
-  gx_report(kind_of(finding), head_of(number), " : ", finding.words);
+void record_finding(std::size_t number) {
+  const auto& f = kv_pext.findings[number - 1];
+  kv_record("finding", {{"number", number},
+                        {"severity", kv_severity_word(f.severity)},
+                        {"rule", kv_row_of(f.rule).name},
+                        {"path", f.path},
+                        {"sheet", f.sheet},
+                        {"object_id", f.object_id},
+                        {"words", f.words},
+                        {"waived", f.waived}});
 }
 
-// In lines that the list shows whole.
-void show_finding(std::size_t number) {
-  constexpr std::size_t room = gx_max_text_length - 5;
+// What nobody waived counts for the session.
+void tell_finding(std::size_t number) {
   const auto& finding = kv_pext.findings[number - 1];
-  gx_tell_as(kind_of(finding), head_of(number));
-  for (std::string_view words = finding.words; !words.empty();) {
-    std::size_t length = words.size() <= room ? words.size() : words.rfind(' ', room);
-    if (length == words.npos || length == 0) length = std::min(room, words.size());
-    gx_tell_detail("#    ", words.substr(0, length));
-    words.remove_prefix(length);
-    words.remove_prefix(std::min(words.find_first_not_of(' '), words.size()));
-  }
+  gx_tell_wrapped(head_of(number) + " : " + finding.words, kind_of(finding));
+  gx_count_kind(kind_of(finding));
+  record_finding(number);
+}
+
+// What it is, then its words.
+void show_finding(std::size_t number) {
+  const auto& finding = kv_pext.findings[number - 1];
+  gx_tell_wrapped(head_of(number), kind_of(finding));
+  gx_tell_wrapped("#    " + finding.words, gx_line_kind::detail);
+  record_finding(number);
 }
 
 // --- CHEck DESign
@@ -77,6 +88,7 @@ void tell_findings() {
     const bool is_error = finding.severity == kv_severity::error;
     ++(finding.waived ? waived : is_error ? errors : warnings);
   }
+  kv_record("counts", {{"errors", errors}, {"warnings", warnings}, {"waived", waived}});
   tell_count("nb_error    = ", "nb_errors   = ", errors);
   tell_count("nb_warning  = ", "nb_warnings = ", warnings);
   tell_count("nb_waived   = ", "nb_waived   = ", waived);
@@ -84,15 +96,41 @@ void tell_findings() {
 
 void apply_waivers(const std::string& directory) {
   const kv_waivers_t read = kv_read_waivers(directory);
-  for (const auto& fault : read.faults) gx_tell_as(gx_line_kind::warning, "# !! Warning : ", fault);
+  for (const auto& fault : read.faults)
+    gx_tell_wrapped("# !! Warning : " + fault, gx_line_kind::warning);
   for (const auto& idle : kv_apply_waivers(read.waivers, kv_pext.findings)) {
     if (kv_severity_of(kv_pext.severities, idle.rule) == kv_severity::off) continue;
-    gx_tell_as(gx_line_kind::warning, "# !! Warning : waivers:", std::to_string(idle.line),
-               " : meets nothing : ", kv_row_of(idle.rule).name, " ", idle.path);
+    gx_tell_wrapped("# !! Warning : waivers:" + std::to_string(idle.line) + " : meets nothing : " +
+                        std::string(kv_row_of(idle.rule).name) + " " + idle.path,
+                    gx_line_kind::warning);
   }
 }
 
+// The forms besides findings.json, by the words; nothing for another word.
+struct forms_t {
+  bool sarif = false, junit = false;
+};
+std::optional<forms_t> wanted_forms(const kv_command_t& command) {
+  forms_t forms;
+  for (int n = 3; n <= command.count(); ++n) {
+    const bool is_sarif = gx_equal("SAR", command.word(n)),
+               is_junit = gx_equal("JUN", command.word(n));
+    if (!is_sarif && !is_junit) return std::nullopt;
+    forms.sarif |= is_sarif;
+    forms.junit |= is_junit;
+  }
+  return forms;
+}
+
+void write_findings(const std::string& directory, std::string_view file, const std::string& text) {
+  if (const auto fault = kv_write_findings(directory, file, text); !fault.empty())
+    gx_report(gx_line_kind::error, "# !! Error : ", file, " not written : ", fault);
+}
+
 void kv_check_design_cmd(const kv_command_t& command) {
+  const auto wanted = wanted_forms(command);
+  if (!wanted) return kv_refuse(check_echo, command, bad_third, 3);
+  const forms_t forms = *wanted;
   const auto top = kv_pext.arrayof_file.front().file_index;
   if (top < 1 || top > gx_max_files) {
     return kv_refuse(check_echo, command, "# !! Error : No Valid current sheet ? : ", 3);
@@ -111,10 +149,12 @@ void kv_check_design_cmd(const kv_command_t& command) {
   const std::string directory = design_directory();
   apply_waivers(directory);
   tell_findings();
-  if (const auto fault = kv_write_findings(directory, kv_pext.findings); !fault.empty()) {
-    gx_report(gx_line_kind::error, "# !! Error : findings.json not written : ", fault);
-  }
-  gx_tell(" CHEck  DESign ");
+  write_findings(directory, "findings.json", kv_findings_json(kv_pext.findings));
+  if (forms.sarif) write_findings(directory, "findings.sarif", kv_findings_sarif(kv_pext.findings));
+  if (forms.junit)
+    write_findings(directory, "findings.xml",
+                   kv_findings_junit(kv_pext.findings, kv_pext.severities));
+  kv_echo(" CHEck  DESign ", command, 3);
 }
 
 // --- RULe
@@ -128,7 +168,11 @@ void kv_rule_cmd(const kv_command_t& command) {
       std::string severity(kv_severity_name(kv_severity_of(kv_pext.severities, row.rule)));
       name.resize(name_width, ' ');
       severity.resize(severity_width, ' ');
-      gx_tell("# ", name, severity, row.meaning);
+      gx_tell_wrapped("# " + name + severity + std::string(row.meaning));
+      kv_record("rule",
+                {{"name", row.name},
+                 {"severity", kv_severity_word(kv_severity_of(kv_pext.severities, row.rule))},
+                 {"meaning", row.meaning}});
     }
     return gx_tell(" RULe ");
   }
@@ -233,7 +277,7 @@ void kv_waive_finding_cmd(const kv_command_t& command) {
 
 constexpr kv_command_row_t finding_rows[] = {
     // clang-format off
-    {{"CHE", "DES"}, "CHEck DESign", kv_check_design_cmd, check_echo, 3},
+    {{"CHE", "DES"}, "CHEck DESign [SARif] [JUNit]", kv_check_design_cmd, check_echo, 3},
     {{"RUL"}, "RULe [name ERRor or WARning or OFF]", kv_rule_cmd, "# RULe "},
     {{"SHO", "FIN"}, "SHOw FINding [n]", kv_show_finding_cmd, "# SHOw FINding ", 3},
     {{"NEX", "FIN"}, "NEXt FINding", kv_next_finding_cmd, "# NEXt FINding ", 3},

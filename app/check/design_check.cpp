@@ -25,6 +25,7 @@ kv_design_check_t kv_check_design(const kv_setup_t& wishes, std::string_view top
   fill_list(setup->property_instance, "INST");
   fill_list(setup->property_pin, "PIN");
   fill_list(setup->property_net, "NET");
+  setup->store_size = kv_max_records;  // the memory is the limit
 
   // From the file: what a command has marked on the sheet in memory is no part of the design.
   const auto load = gx_load_file(top_path);

@@ -2,39 +2,19 @@
 
 #include <cerrno>
 
-#include "gx/text/strings.h"
 #include "platform/files.h"
+#include "platform/json.h"
 
 namespace {
-
-void append_text(std::string& json, std::string_view value) {
-  constexpr std::string_view digits = "0123456789abcdef";
-  json += '"';
-  for (const char c : value) {
-    const auto code = static_cast<unsigned char>(c);
-    if (c == '"' || c == '\\') {
-      json += '\\';
-      json += c;
-    } else if (code < 32 || code > 126) {  // of a file's name: bytes, each told as itself
-      json += "\\u00";
-      json += digits[code >> 4U];
-      json += digits[code & 15U];
-    } else {
-      json += c;
-    }
-  }
-  json += '"';
-}
 
 void append(std::string& json, std::size_t number, const kv_finding_t& f) {
   json += " {\"number\": ";
   json += std::to_string(number);
-  json +=
-      f.severity == kv_severity::error ? R"(, "severity": "error")" : R"(, "severity": "warning")";
   const auto add = [&](std::string_view name, std::string_view value) {
     json.append(", \"").append(name).append("\": ");
-    append_text(json, value);
+    x_append_json(json, value);
   };
+  add("severity", kv_severity_word(f.severity));
   add("rule", kv_row_of(f.rule).name);
   add("path", f.path);
   add("sheet", f.sheet);
@@ -59,7 +39,7 @@ std::string kv_findings_json(const kv_findings_t& findings) {
   return json += "\n]\n";
 }
 
-std::string kv_write_findings(const std::string& directory, const kv_findings_t& findings) {
-  return x_replace_file(directory + "/findings.json", kv_findings_json(findings)) ? ""
-                                                                                  : x_why(errno);
+std::string kv_write_findings(const std::string& directory, std::string_view file,
+                              std::string_view text) {
+  return x_replace_file(directory + "/" + std::string(file), text) ? "" : x_why(errno);
 }

@@ -26,7 +26,7 @@ class netlist_check {
     const auto each_net = [this](void (netlist_check::*check)(std::int32_t)) {
       for (std::int32_t net = 1; net <= nb_of_nets(); ++net) (this->*check)(net);
     };
-    if (is_on(kv_rule::no_driver)) each_net(&netlist_check::check_driver);
+    if (is_on(kv_rule::no_driver)) check_drivers_of_all();
     if (is_on(kv_rule::many_drivers)) each_net(&netlist_check::check_drivers);
     check_open(kv_rule::pin_open);
     check_open(kv_rule::pin_unused);
@@ -95,11 +95,46 @@ class netlist_check {
   }
 
   // A global stands for a supply, whose source need not be drawn.
-  void check_driver(std::int32_t ind) {
+  bool lacks_driver(std::int32_t ind) const {
     const auto& pins = gx_at(nets_, ind);
-    if (pins.in == 0 || pins.in < pins.pins || netlist_.net_kind(ind) == kv_kind_global) return;
+    if (pins.in == 0 || pins.in < pins.pins || netlist_.net_kind(ind) == kv_kind_global)
+      return false;
     const std::int16_t port = outside(ind);
-    if (port == kv_io_in || port == kv_io_io) return;
+    return port != kv_io_in && port != kv_io_io;
+  }
+
+  void check_drivers_of_all() {
+    std::vector<std::int32_t> bits;
+    for (std::int32_t ind = 1; ind <= nb_of_nets(); ++ind) {
+      if (!lacks_driver(ind)) continue;
+      // The members of a bus follow one another.
+      if (!bits.empty() && netlist_.bus(bits.back()) != netlist_.bus(ind)) add_undriven(bits);
+      bits.push_back(ind);
+      if (netlist_.bus(ind) == 0) add_undriven(bits);
+    }
+    add_undriven(bits);
+  }
+
+  // One net, or bits of one bus in their order; they are taken away.
+  void add_undriven(std::vector<std::int32_t>& bits) {
+    if (bits.size() == 1) add_undriven(bits.front());
+    if (bits.size() > 1) {
+      std::string words = "nothing drives its bits";
+      for (std::size_t i = 0; i < bits.size();) {
+        std::size_t last = i;
+        while (last + 1 < bits.size() && bits[last + 1] == bits[last] + 1) ++last;
+        words += (i == 0 ? " " : ", ") + std::to_string(netlist_.bit(bits[i]));
+        if (last > i) words += " to " + std::to_string(netlist_.bit(bits[last]));
+        i = last + 1;
+      }
+      add_net(kv_rule::no_driver, netlist_.bus(bits.front()),
+              words + " : the first input is " + quoted(gx_at(nets_, bits.front()).first));
+    }
+    bits.clear();
+  }
+
+  void add_undriven(std::int32_t ind) const {
+    const auto& pins = gx_at(nets_, ind);
     add_net(kv_rule::no_driver, ind,
             "nothing drives it : " + std::to_string(pins.in) +
                 (pins.in == 1 ? " input, " : " inputs, the first ") + quoted(pins.first));

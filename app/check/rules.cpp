@@ -35,9 +35,10 @@ constexpr std::array<kv_rule_row_t, kv_rule_count> rule_rows = {{
     {kv_rule::frexp_twice, "frexp-twice", error, "more than one FREXP on a frame"},
     {kv_rule::frexp_missing, "frexp-missing", warning, "a frame without FREXP"},
     {kv_rule::frame_properties, "frame-properties", error, "properties of one name on a frame"},
-    {kv_rule::net_same_name, "net-same-name", warning, "nets of a sheet joined by their name"},
+    {kv_rule::net_same_name, "net-same-name", warning, "nets joined by a name that one of them hides"},
+    {kv_rule::net_repeated, "net-repeated", off, "nets joined by a supply, a port or a label"},
     {kv_rule::frame_same_name, "frame-same-name", error, "frames of one FREXP on a sheet"},
-    {kv_rule::too_many, "too-many", error, "more names than a check compares (999)"},
+    {kv_rule::too_many, "too-many", error, "CHEck SHEet: more than 999 names of a kind"},
 
     {kv_rule::sheet_missing, "sheet-missing", error, "a block without a sheet that can be read"},
     {kv_rule::port_lacking, "port-lacking", error, "a pin of a block: its sheet lacks the port"},
@@ -115,4 +116,9 @@ kv_severities_t kv_default_severities() {
 std::string_view kv_severity_name(kv_severity severity) {
   constexpr std::string_view names[] = {"Off", "Warning", "Error"};
   return gx_at(names, severity);
+}
+
+std::string_view kv_severity_word(kv_severity severity) {
+  constexpr std::string_view words[] = {"off", "warning", "error"};
+  return gx_at(words, severity);
 }

@@ -41,6 +41,7 @@ enum class kv_rule : std::uint8_t {
   frexp_missing,
   frame_properties,
   net_same_name,
+  net_repeated,
   frame_same_name,
   too_many,
   // of a sheet and those below it
@@ -83,5 +84,6 @@ kv_severities_t kv_default_severities();
 inline kv_severity kv_severity_of(const kv_severities_t& severities, kv_rule rule) {
   return gx_at(severities, rule);
 }
-// "Error", "Warning", "Off".
+// "Error", "Warning", "Off"; "error", "warning", "off".
 std::string_view kv_severity_name(kv_severity severity);
+std::string_view kv_severity_word(kv_severity severity);

@@ -14,6 +14,18 @@ bool less_without_case(std::string_view a, std::string_view b) {
 
 }  // namespace
 
+std::string kv_words_of(const kv_sheet_finding_t& finding) {
+  std::string words;
+  for (const auto& line : finding.lines) {
+    std::string_view part = line.words;
+    part.remove_prefix(std::min(part.find_first_not_of(' '), part.size()));
+    if (!words.empty()) words += ' ';
+    words += part;
+    while (words.ends_with(' ')) words.pop_back();
+  }
+  return words;
+}
+
 std::vector<kv_same_name_t> kv_same_names(const kv_check_table_t& table) {
   const auto& names = table.names;
   std::vector<std::size_t> order(names.size());

@@ -9,17 +9,16 @@
 #include "app/check/check_rules.h"
 
 // The names of one kind in the order they were met.
-inline constexpr std::size_t kv_check_table_size = 999;
-
 // The views are those of the sheet's own records.
 struct kv_check_table_t {
-  std::vector<std::string_view> names;
-  std::vector<gx_owner_t> owners;  // of each name
+  std::size_t most;  // names
+  std::vector<std::string_view> names = {};
+  std::vector<gx_owner_t> owners = {};  // of each name
   bool overflowed = false;
 
   // False when this is the first name that finds the table full.
   bool add(std::string_view name, const gx_owner_t& owner) {
-    if (names.size() < kv_check_table_size) {
+    if (names.size() < most) {
       names.push_back(name);
       owners.push_back(owner);
       return true;
@@ -47,8 +46,10 @@ std::vector<kv_same_name_t> kv_same_names(const kv_check_table_t& table);
 struct kv_sheet_check_t {
   const gx_file_gene_recf_t& file;
   kv_links_t& links;
+  std::size_t most_names;
   kv_sheet_report_t report = {};
-  kv_check_table_t port_names = {}, instance_names = {}, net_names = {}, frame_names = {};
+  kv_check_table_t port_names{most_names}, instance_names{most_names}, net_names{most_names},
+      frame_names{most_names};
 
   kv_sheet_finding_t& add(kv_rule rule, const gx_owner_t& where,
                           std::vector<kv_check_line_t> lines) {
@@ -74,7 +75,7 @@ struct kv_wording_t {
 class kv_object_check {
  public:
   kv_object_check(kv_sheet_check_t& check, const kv_wording_t& wording, const gx_owner_t& where)
-      : check_(check), wording_(wording), where_(where) {}
+      : check_(check), wording_(wording), where_(where), names_{check.most_names} {}
 
   // A finding of the object: the words, and where it is.
   kv_sheet_finding_t& add(kv_rule rule, std::string_view words);

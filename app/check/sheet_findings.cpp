@@ -30,24 +30,11 @@ std::string piece_of(const gx_file_gene_recf_t& file, const gx_owner_t& owner) {
   return "/" + lb_inst_name(file, owner.inst) + "/" + lb_pin_name(file, pin);
 }
 
-// All that CHEck SHEet says of a finding.
-std::string words_of(const kv_sheet_finding_t& finding) {
-  std::string words;
-  for (const auto& line : finding.lines) {
-    std::string_view part = line.words;
-    part.remove_prefix(std::min(part.find_first_not_of(' '), part.size()));
-    if (!words.empty()) words += ' ';
-    words += part;
-    while (words.ends_with(' ')) words.pop_back();
-  }
-  return words;
-}
-
 void check_sheet(const gx_file_gene_recf_t& file, kv_links_t& links, kv_cell_findings_t found) {
   const std::string fault = gx_sheet_fault(file);
   if (!fault.empty()) return found.add(kv_rule::sheet_missing, "", 0, "not whole : " + fault);
-  for (const auto& finding : kv_check_sheet(file, links).findings) {
-    std::string words = words_of(finding);
+  for (const auto& finding : kv_check_sheet(file, links, SIZE_MAX).findings) {
+    std::string words = kv_words_of(finding);
     if (finding.more > 0) words += " and " + std::to_string(finding.more) + " more";
     found.add(finding.rule, piece_of(file, finding.where), finding.where.on_sheet,
               std::move(words));

@@ -1,16 +1,26 @@
 // EXPlain NET: why a flat net is what it is.
+#include <map>
+#include <optional>
+#include <set>
 #include <string>
+#include <vector>
 
 #include "app/find/net_choice.h"
+#include "app/language/answer_records.h"
 #include "app/language/command_row.h"
+#include "app/sheet/command_viewport.h"
 #include "expand/explain.h"
+#include "gx/db/geometry.h"
+#include "gx/db/objects_of.h"
+#include "gx/db/placement.h"
+#include "gx/db/record_codec.h"
 #include "gx/text/message_list.h"
 #include "gx/text/records.h"
+#include "gx/text/strings.h"
 
 namespace {
 
 constexpr std::string_view explain_net_words = "# EXPlain NET ";
-constexpr std::size_t longest_line = 199;
 
 std::string quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
 
@@ -31,59 +41,177 @@ std::string kind_words(const kv_memory_netlist_t& netlist, std::int32_t net) {
   return words;
 }
 
-void tell_net(const kv_memory_netlist_t& netlist, std::int32_t net) {
-  gx_tell("# NET ", std::to_string(net), " : ", quoted(netlist.path({kv_named::net, net})),
-          " name ", quoted(netlist.name(net)));
-  gx_tell("#   kind ", kind_words(netlist, net), " ; pins in ",
-          std::to_string(netlist.nb_of_pins_in(net)), " out ",
-          std::to_string(netlist.nb_of_pins_out(net)));
-}
+// What of a net is told: all of it, or the share of a block and what is below it.
+struct share_t {
+  std::string block;  // "": all
 
-// One line, or two where one would be cut.
-void tell_joined(std::string_view path, std::string_view place, std::string_view reason) {
-  const std::string first = "#   " + std::string(path) + " : " + std::string(place);
-  if (first.size() + 3 + reason.size() <= longest_line) return gx_tell(first, " : ", reason);
-  gx_tell(first);
-  gx_tell("#     ", reason);
-}
-
-void tell_drawn(const kv_memory_netlist_t& netlist, kv_explainer_t& explainer, std::int32_t net) {
-  for (const auto& drawn : explainer.drawn(net)) {
-    const kv_object_t object = drawn.child != 0 ? kv_object_t{kv_named::net_child, drawn.child}
-                                                : kv_object_t{kv_named::net, drawn.net};
-    const std::string reason = explainer.reason(net, drawn);
-    tell_joined(netlist.path(object),
-                explainer.sheet(drawn.visit).file_path + " N_" + std::to_string(drawn.object_id),
-                reason.empty() ? "the net itself" : reason);
+  bool holds(std::string_view path) const {
+    const bool is_below = path.size() == block.size() || path.substr(block.size(), 1) == "/";
+    return block.empty() || (gx_equal(block, path) && is_below);
   }
-}
+};
 
-void tell_pins(const kv_memory_netlist_t& netlist, std::int32_t net) {
-  constexpr std::string_view ways[] = {"", "in", "out", "in/out", "in/out"};  // by kv_io_type
-  for (const std::int32_t index : netlist.pins(net)) {
-    const kv_object_t pin{kv_named::pin, index};
-    gx_tell("#   pin ", gx_at(ways, netlist.io_type(pin)), " ", netlist.path(pin));
+// Where the wires of a net are drawn, for nets whose name no drawing shows; each sheet read once.
+class places_t {
+ public:
+  // " at 1.25 0.8"; empty when that is not to be found.
+  std::string of(const std::string& sheet, int net) {
+    const auto [at, is_new] = files_.try_emplace(sheet);
+    if (is_new) at->second = gx_load_file(sheet);
+    if (!at->second.file) return "";
+    const auto& file = *at->second.file;
+    if (gx_object_as<gx_object_net_rec_t>(file, net) == nullptr) return "";
+    for (const int segment : lb_segments(file, net)) {
+      const auto box = gx_object_abs_origin_bounds(file, segment, 0).bounds;
+      if (gx_bounds_empty(box)) continue;
+      std::string text(gx_view(kv_point_text({box.xmin, box.ymin})));
+      while (text.ends_with(' ')) text.pop_back();
+      return " at " + text;
+    }
+    return "";
   }
+
+ private:
+  std::map<std::string, gx_load_t> files_;
+};
+
+// The answer about one net.
+class explanation_t {
+ public:
+  explanation_t(const kv_memory_netlist_t& netlist, kv_explainer_t& explainer, const share_t& share,
+                std::size_t most_lines)
+      : netlist_(netlist), explainer_(explainer), share_(share), most_lines_(most_lines) {}
+
+  void tell(std::int32_t net) {
+    std::vector<kv_drawn_t> drawn;
+    for (const auto& each : explainer_.joined(net))
+      if (share_.holds(path_of(each))) drawn.push_back(each);
+    std::vector<kv_object_t> pins;
+    for (const std::int32_t index : netlist_.pins(net)) {
+      const kv_object_t pin{kv_named::pin, index};
+      if (share_.holds(netlist_.path(pin))) pins.push_back(pin);
+    }
+    tell_summary(net, drawn, pins);
+    lines_ = 0;
+    for (const auto& each : drawn)
+      if (has_room()) tell_drawn(net, each);
+    for (const kv_object_t pin : pins)
+      if (has_room()) tell_pin(pin);
+    if (lines_ > most_lines_) {
+      gx_tell_wrapped("# ... and " + std::to_string(lines_ - most_lines_) + " more : EXPlain NET " +
+                      std::string(netlist_.path({kv_named::net, net})) + " ALl ");
+    }
+  }
+
+ private:
+  // Counts a line; false when it is one too many.
+  bool has_room() { return ++lines_ <= most_lines_; }
+
+  std::string_view path_of(const kv_drawn_t& drawn) const {
+    return netlist_.path(drawn.child != 0 ? kv_object_t{kv_named::net_child, drawn.child}
+                                          : kv_object_t{kv_named::net, drawn.net});
+  }
+
+  void tell_summary(std::int32_t net, const std::vector<kv_drawn_t>& drawn,
+                    const std::vector<kv_object_t>& pins) const {
+    std::set<std::int32_t> visits;
+    for (const auto& each : drawn) visits.insert(each.visit);
+    int in = 0, out = 0, both = 0;
+    for (const kv_object_t pin : pins) {
+      const std::int16_t type = netlist_.io_type(pin);
+      ++(type == kv_io_in ? in : type == kv_io_out ? out : both);
+    }
+    const std::string path(netlist_.path({kv_named::net, net})), kind = kind_words(netlist_, net);
+    gx_tell_wrapped("# NET " + std::to_string(net) + " : " + quoted(path) + " name " +
+                    quoted(netlist_.name(net)));
+    gx_tell_wrapped("#   kind " + kind);
+    gx_tell_wrapped("#   nets " + std::to_string(drawn.size()) + " on sheets " +
+                    std::to_string(visits.size()) + " ; pins in " + std::to_string(in) + " out " +
+                    std::to_string(out) + " both " + std::to_string(both));
+    kv_record("net", {{"index", net},
+                      {"path", path},
+                      {"name", netlist_.name(net)},
+                      {"kind", kind},
+                      {"nets", drawn.size()},
+                      {"sheets", visits.size()},
+                      {"pins_in", in},
+                      {"pins_out", out},
+                      {"pins_both", both}});
+  }
+
+  void tell_drawn(std::int32_t net, const kv_drawn_t& drawn) {
+    const std::string& sheet = explainer_.sheet(drawn.visit).file_path;
+    const std::string path(path_of(drawn)), id = "N_" + std::to_string(drawn.object_id);
+    std::string reason = explainer_.reason(net, drawn);
+    if (reason.empty()) reason = "the net itself";
+    const std::string at = path.ends_with("/" + id) ? places_.of(sheet, drawn.object_id) : "";
+    gx_tell_wrapped("#   " + path + " : " + sheet + " " + id + at + " : " + reason);
+    kv_record(
+        "joined",
+        {{"path", path}, {"sheet", sheet}, {"object_id", drawn.object_id}, {"reason", reason}});
+  }
+
+  void tell_pin(kv_object_t pin) const {
+    constexpr std::string_view ways[] = {"", "in", "out", "in/out", "in/out"};  // by kv_io_type
+    const std::string_view way = gx_at(ways, netlist_.io_type(pin));
+    const std::string path(netlist_.path(pin));
+    gx_tell_wrapped("#   pin " + std::string(way) + " " + path);
+    kv_record("pin", {{"path", path}, {"way", way}});
+  }
+
+  const kv_memory_netlist_t& netlist_;
+  kv_explainer_t& explainer_;
+  const share_t& share_;
+  std::size_t most_lines_, lines_ = 0;
+  places_t places_;
+};
+
+// Words 4 and 5: ALl, or IN and a block. Nothing after the refusal.
+struct extent_t {
+  share_t share;
+  std::size_t most_lines = 200;
+};
+std::optional<extent_t> wanted_extent(const kv_command_t& command, const kv_expanded_t& expanded) {
+  extent_t extent;
+  if (command.count() < 4) return extent;
+  const bool is_all = gx_equal("AL", command.word(4)) && command.count() == 4;
+  if (!is_all && (!gx_iden("IN", command.word(4)) || command.count() != 5)) {
+    kv_refuse(explain_net_words, command, "# !! Error :  4th parameter incorrect ? ", 3);
+    return std::nullopt;
+  }
+  if (is_all) {
+    extent.most_lines = SIZE_MAX;
+    return extent;
+  }
+  std::string block(kv_file_name(command.word(5)));
+  while (block.ends_with('/')) block.pop_back();
+  if (!block.empty() && !block.starts_with('/')) block.insert(0, "/");
+  extent.share = {block};
+  if (block.empty() || kv_visit_at(expanded, block + "/") >= 0) return extent;
+  kv_refuse(explain_net_words, command, "# !! Error :  5th parameter incorrect ? ", 3);
+  return std::nullopt;
 }
 
 void kv_explain_net_cmd(const kv_command_t& command) {
   const auto expanded = kv_expanded();
   if (!expanded) return kv_refuse(explain_net_words, command, kv_no_expansion, 3);
+  const auto extent = wanted_extent(command, *expanded);
+  if (!extent) return;
   const auto nets = kv_wanted_nets(explain_net_words, command, *expanded);
   if (!nets) return;
   const gx_list_batch_t batch;
-  const kv_memory_netlist_t& netlist = expanded->netlist;
-  kv_explainer_t explainer(netlist, expanded->origins);
-  for (const std::int32_t net : *nets) {
-    tell_net(netlist, net);
-    tell_drawn(netlist, explainer, net);
-    tell_pins(netlist, net);
-  }
+  kv_explainer_t explainer(expanded->netlist, expanded->origins);
+  explanation_t explanation(expanded->netlist, explainer, extent->share, extent->most_lines);
+  for (const std::int32_t net : *nets) explanation.tell(net);
   kv_echo(" EXPlain NET ", command, 3);
 }
 
 constexpr kv_command_row_t explain_rows[] = {
-    {{"EXP", "NET"}, "EXPlain NET [path]", kv_explain_net_cmd, explain_net_words, 3},
+    {{"EXP", "NET"},
+     "EXPlain NET [path [ALl or IN [block]]]",
+     kv_explain_net_cmd,
+     explain_net_words,
+     3},
 };
 
 }  // namespace

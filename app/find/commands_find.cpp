@@ -4,6 +4,7 @@
 #include "app/find/expanded.h"
 #include "app/find/find_path.h"
 #include "app/find/go_to.h"
+#include "app/language/answer_records.h"
 #include "app/language/command_row.h"
 #include "app/sheet/command_viewport.h"
 #include "app/sheet/last_views.h"
@@ -23,6 +24,15 @@ std::string handle_of(const kv_found_t& found) {
   return (is_inst ? "I_" : found.what == "pin" ? "P_" : "N_") + std::to_string(found.object_id);
 }
 
+// "/XR/X2/MP1  instance I_27".
+std::string words_of(const kv_found_t& found) {
+  return found.path + "  " + std::string(found.what) + " " + handle_of(found);
+}
+
+void record(const kv_found_t& found) {
+  kv_record("place", {{"path", found.path}, {"what", found.what}, {"handle", handle_of(found)}});
+}
+
 void go_to(kv_drawings_t& drawings, const kv_found_t& found, const kv_command_t& command) {
   const auto expanded = kv_expanded();
   const auto way = found.visit >= 0 && expanded ? kv_way_of_visit(*expanded, drawings, found.visit)
@@ -33,7 +43,8 @@ void go_to(kv_drawings_t& drawings, const kv_found_t& found, const kv_command_t&
     kv_refuse(find_path_words, command, "# !! Error : Drawing not as it was expanded ? ", 3);
     return gx_tell_detail("# !! ", fault);
   }
-  gx_tell(" FINd PATh ", found.path, "  ", found.what, " ", handle_of(found), " ");
+  gx_tell_wrapped(" FINd PATh " + words_of(found) + " ");
+  record(found);
 }
 
 void list_found(const std::vector<kv_found_t>& found, const kv_command_t& command) {
@@ -43,8 +54,8 @@ void list_found(const std::vector<kv_found_t>& found, const kv_command_t& comman
   int number = 0;
   for (const auto& each : kv_pext.found) {
     const std::string count = std::to_string(++number);
-    gx_tell("# ", std::string(count.size() < 2 ? 1 : 0, ' '), count, "  ", each.path, "  ",
-            each.what, " ", handle_of(each));
+    gx_tell_wrapped((count.size() < 2 ? "#  " : "# ") + count + "  " + words_of(each));
+    record(each);
   }
   if (found.size() > most_listed) gx_tell("# ... and more ");
   kv_echo(" FINd PATh ", command, 3);

@@ -4,6 +4,7 @@
 
 #include "app/find/drawings.h"
 #include "app/find/find_path.h"
+#include "app/language/answer_records.h"
 #include "app/language/command_row.h"
 #include "app/language/interpreter.h"
 #include "app/sheet/command_viewport.h"
@@ -39,9 +40,11 @@ class hierarchy_lister {
     std::vector<kv_next_t> blocks;
     if (is_full()) return blocks;
     const kv_sheet_t& sheet = drawings_.analysed(walked.component);
-    tell(std::string(2 * walked.way.size(), ' ') + (walked.path.empty() ? "/" : walked.path) +
-         "  " + cell + "  instances " + std::to_string(sheet.insts.size()) + "  nets " +
-         std::to_string(sheet.groups.size()));
+    const std::string path = walked.path.empty() ? "/" : walked.path;
+    const std::size_t insts = sheet.insts.size(), nets = sheet.groups.size();
+    tell(std::string(2 * walked.way.size(), ' ') + path + "  " + cell + "  instances " +
+         std::to_string(insts) + "  nets " + std::to_string(nets));
+    kv_record("block", {{"path", path}, {"cell", cell}, {"instances", insts}, {"nets", nets}});
     for (const auto& inst : sheet.insts) {
       if (!inst.is_primitive)
         blocks.push_back({inst.object_id, std::string(sheet.view(inst.suffix).substr(1))});
@@ -51,7 +54,7 @@ class hierarchy_lister {
 
   void tell(const std::string& line) {
     constexpr std::size_t lines_between_looks = 1024;
-    gx_tell("# ", line);
+    gx_tell_wrapped("# " + line);
     is_written_ = is_written_ && std::fprintf(file_, "%s\n", line.c_str()) > 0;
     if (++lines_ % lines_between_looks == 0) is_stopped_ = kv_stop_asked();
   }
@@ -94,8 +97,9 @@ void kv_list_hierarchy_cmd(const kv_command_t& command) {
   const auto top = static_cast<std::size_t>(kv_at_level(1).file_index);
   const std::string path = std::string(gx_view(gx_files.filear[top].dirname)) + "/hierarchy";
   const auto not_written = [&] {
+    const int error = errno;  // before the lines are written
     kv_refuse(list_hierarchy_words, command, "# !! Error : File not written ? ", 3);
-    gx_tell_detail("# !! ", path, " : ", x_why(errno));
+    gx_tell_detail("# !! ", path, " : ", x_why_unwritten(error));
   };
   x_file file = x_create_file(path, false);
   if (!file) return not_written();

@@ -2,23 +2,22 @@
 
 #include <algorithm>
 #include <optional>
+#include <set>
+#include <tuple>
 
 #include "app/find/expanded.h"
+#include "app/find/readings.h"
 #include "app/find/search_drawings.h"
 #include "app/sheet/walk.h"
+#include "app/state.h"
 #include "gx/db/object_access.h"
 #include "gx/db/objects_of.h"
 #include "gx/db/queries.h"
 #include "gx/text/message_list.h"
 #include "gx/text/strings.h"
+#include "gx/vext.h"
 
 namespace {
-
-// What is asked for: the keys of its readings, the plainest first.
-struct wanted_t {
-  std::vector<std::string> keys;
-  bool is_beginning = false;  // of a path
-};
 
 // The first letters of all names at the top.
 std::string first_letters(kv_drawings_t& drawings) {
@@ -32,19 +31,13 @@ std::string first_letters(kv_drawings_t& drawings) {
   return letters;
 }
 
-wanted_t readings(kv_drawings_t& drawings, std::string_view text) {
-  const bool is_beginning = text.ends_with('*');
-  if (is_beginning) text.remove_suffix(1);
-  const std::string key = kv_path_key(text);
-  if (key.starts_with('/')) return {{key}, is_beginning};
-  wanted_t wanted{{"/" + key}, is_beginning};
-  if (key == "0") wanted.keys.emplace_back("/GROUND");
-  const auto separator = key.find('/');
-  if (separator == key.npos) return wanted;
-  for (const char letter : first_letters(drawings))
-    wanted.keys.push_back(std::string("/") + letter + key);
-  if (separator == 1) wanted.keys.push_back(key.substr(1));
-  return wanted;
+kv_readings_t readings(kv_drawings_t& drawings, std::string_view text) {
+  std::vector<kv_reference_t> references;
+  if (drawings.top() != nullptr) {
+    const int top = kv_pext.arrayof_file.front().file_index;
+    references = kv_read_references(std::string(gx_view(gx_at(gx_vext.filear, top).dirname)));
+  }
+  return kv_readings_of(text, first_letters(drawings), references);
 }
 
 // --- in the expansion
@@ -63,22 +56,36 @@ kv_found_t found_at(const kv_expanded_t& expanded, kv_object_t hit) {
   return found;
 }
 
-std::vector<kv_object_t> hits_of(const kv_expanded_t& expanded, const wanted_t& wanted,
+std::vector<kv_object_t> hits_of(const kv_expanded_t& expanded, const kv_readings_t& wanted,
                                  std::size_t most) {
-  return wanted.is_beginning ? expanded.paths.find_beginning(wanted.keys, most)
-                             : expanded.paths.find(wanted.keys, most);
+  switch (wanted.match) {
+    case kv_match::whole:
+      return expanded.paths.find(wanted.keys, most);
+    case kv_match::beginning:
+      return expanded.paths.find_beginning(wanted.keys, most);
+    case kv_match::anywhere:
+      break;
+  }
+  return expanded.paths.find_containing(wanted.keys.front(), most);
 }
 
 std::vector<kv_found_t> find(const std::optional<kv_expanded_t>& expanded, kv_drawings_t& drawings,
-                             const wanted_t& wanted, std::size_t most) {
+                             const kv_readings_t& wanted, std::size_t most) {
   std::vector<kv_found_t> found;
   if (expanded) {
-    for (const auto hit : hits_of(*expanded, wanted, most))
-      found.push_back(found_at(*expanded, hit));
+    // A flat net that is global and its child on a sheet are one place.
+    const auto hits = hits_of(*expanded, wanted, most > SIZE_MAX / 2 ? most : 2 * most);
+    std::set<std::tuple<std::string_view, std::int32_t, int>> seen;
+    for (const auto hit : hits) {
+      const auto place = kv_place_of(expanded->netlist, expanded->origins, hit);
+      if (found.size() < most &&
+          seen.emplace(expanded->paths.path(hit), place.visit, place.object_id).second)
+        found.push_back(found_at(*expanded, hit));
+    }
     return found;
   }
   for (const auto& key : wanted.keys) {
-    found = kv_search_drawings(drawings, key, wanted.is_beginning, most);
+    found = kv_search_drawings(drawings, key, wanted.match, most);
     if (!found.empty()) break;
   }
   return found;
@@ -86,8 +93,8 @@ std::vector<kv_found_t> find(const std::optional<kv_expanded_t>& expanded, kv_dr
 
 // The longest part that exists, names left out from the end; "/" at least.
 std::string longest_part(const std::optional<kv_expanded_t>& expanded, kv_drawings_t& drawings,
-                         wanted_t wanted) {
-  wanted.is_beginning = false;
+                         kv_readings_t wanted) {
+  wanted.match = kv_match::whole;
   while (!wanted.keys.empty()) {
     for (auto& key : wanted.keys) key.resize(std::min(key.rfind('/'), key.size()));
     std::erase(wanted.keys, "");
@@ -117,8 +124,10 @@ kv_search_t kv_search_path(kv_drawings_t& drawings, std::string_view text, std::
 
 void kv_tell_search_end(std::string_view label, const kv_search_t& search) {
   const bool is_none = search.found.empty();
-  gx_tell_detail("# !! ", is_none ? "The longest part that exists" : label, " : \"",
-                 is_none ? search.longest : search.found.front().path, "\"");
+  std::string line = "# !! ";
+  line.append(is_none ? "The longest part that exists" : label).append(" : \"");
+  line.append(is_none ? search.longest : search.found.front().path).append("\"");
+  gx_tell_wrapped(line, gx_line_kind::detail);
 }
 
 std::vector<std::int32_t> kv_search_nets(kv_drawings_t& drawings, std::string_view text,

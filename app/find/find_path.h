@@ -3,7 +3,8 @@
 //
 // "/XR/X2/MP1" as RUN stores it, "xr.x2.mp1", "R:X2:X" as GIVE sends it (the first letter of the
 // top instance left out), "m.xr.x2.mp1" (the letter of the part set before it), "0" for the net
-// GROUND; letters in either case. A "*" at the end stands for any further letters.
+// GROUND; letters in either case. A "*" at the end stands for any further letters, one at both
+// ends for a part of a name. app/find/readings.h has all forms.
 #pragma once
 
 #include <string>

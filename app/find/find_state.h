@@ -19,10 +19,16 @@ struct kv_found_t {
   std::int32_t visit = -1;  // of that sheet in the expansion; -1: found in the drawings
 };
 
+// A flat net that HIGhlight marks.
+struct kv_highlighted_t {
+  std::string path;
+  int color = 1;  // 1..gx_nb_of_highlights
+};
+
 struct kv_find_state_t {
   std::shared_ptr<const kv_memory_paths_t> paths;  // of the expansion `paths_of_run`
   std::uint64_t paths_of_run = 0;
   std::vector<kv_found_t> found;  // of the last FINd PATh that found several
   std::uint64_t found_of_run = 0;
-  std::vector<std::string> highlighted;  // paths of flat nets
+  std::vector<kv_highlighted_t> highlighted;  // in the order of HIGhlight
 };

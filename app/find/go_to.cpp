@@ -10,7 +10,6 @@
 #include "gx/db/object_access.h"
 #include "gx/db/objects_of.h"
 #include "gx/db/undo.h"
-#include "gx/display/grid.h"
 #include "gx/display/viewports.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
@@ -156,13 +155,14 @@ std::string kv_go_back(const kv_last_view_t& view) {
   const std::string_view path = gx_view(view.path);
   const auto way = kv_way_to(drawings, path);
   if (!way) return no_sheet(path);
-  const std::string fault = walk(*way);
-  kv_show_level();
+  std::string fault = walk(*way);
   const auto vpid = gx_vext.viewport_edit;
-  if (!fault.empty() || !gx_vext.display_on || !gx_viewport_ok(vpid)) return fault;
-  gx_viewport_show(vpid, view.shown);
-  gx_set_grid_visibility(kv_pext.file_id_cur, vpid);
-  kv_update_viewport_edit();
+  if (!fault.empty() || !gx_viewport_ok(vpid)) {
+    kv_show_level();
+    return fault;
+  }
+  kv_display_picture_shown(vpid, kv_pext.file_id_cur, view.shown);
+  kv_show_title();
   return "";
 }
 

@@ -7,6 +7,7 @@
 #include "expand/explain.h"
 #include "gx/db/file_state.h"
 #include "gx/display/highlight.h"
+#include "gx/display/theme.h"
 #include "gx/text/at.h"
 #include "gx/text/strings.h"
 
@@ -40,7 +41,7 @@ const kv_sheet_t* viewed_sheet(const kv_expanded_t& expanded) {
 
 // Marks the net on the sheets in view; its name stands once on each.
 void mark(const kv_expanded_t& expanded, const std::vector<std::int32_t>& visits,
-          const kv_sheet_t* viewed, std::int32_t net) {
+          const kv_sheet_t* viewed, std::int32_t net, int color) {
   const auto name = expanded.netlist.path({kv_named::net, net});
   const kv_explainer_t explainer(expanded.netlist, expanded.origins);
   std::vector<bool> is_named(visits.size());
@@ -49,7 +50,8 @@ void mark(const kv_expanded_t& expanded, const std::vector<std::int32_t>& visits
     const kv_sheet_t& sheet = explainer.sheet(drawn.visit);
     const auto view = kv_pext.file_id_views;
     if (&sheet == viewed && gx_highlight_of(view, drawn.object_id) == nullptr) {
-      gx_highlight_net(view, drawn.object_id, is_viewed_named ? std::string_view{} : name);
+      gx_highlight_net(view, drawn.object_id, is_viewed_named ? std::string_view{} : name, 0,
+                       color);
       is_viewed_named = true;
     }
     const auto at = std::ranges::lower_bound(visits, drawn.visit);
@@ -57,7 +59,7 @@ void mark(const kv_expanded_t& expanded, const std::vector<std::int32_t>& visits
     const auto place = static_cast<std::size_t>(at - visits.begin());
     const auto slot = kv_at_level(static_cast<int>(place) + 1).file_index;
     if (!holds(slot, sheet)) continue;
-    gx_highlight_net(slot, drawn.object_id, is_named[place] ? std::string_view{} : name);
+    gx_highlight_net(slot, drawn.object_id, is_named[place] ? std::string_view{} : name, 0, color);
     is_named[place] = true;
   }
 }
@@ -68,19 +70,32 @@ void mark_all() {
   if (!expanded) return;
   const auto visits = visits_in_view(*expanded);
   const kv_sheet_t* viewed = viewed_sheet(*expanded);
-  for (const auto& path : kv_pext.highlighted) {
+  for (const auto& [path, color] : kv_pext.highlighted) {
     const std::string key = kv_path_key(path);
     for (const auto hit : expanded->paths.find({&key, 1}, SIZE_MAX))
-      if (hit.what == kv_named::net) mark(*expanded, visits, viewed, hit.index);
+      if (hit.what == kv_named::net) mark(*expanded, visits, viewed, hit.index, color);
   }
+}
+
+// One that no net has yet, or in turn.
+int free_color(const std::vector<kv_highlighted_t>& marked) {
+  if (!gx_theme().has_roles) return 1;
+  for (int color = 1; color <= gx_nb_of_highlights; ++color)
+    if (std::ranges::find(marked, color, &kv_highlighted_t::color) == marked.end()) return color;
+  return static_cast<int>(marked.size()) % gx_nb_of_highlights + 1;
 }
 
 }  // namespace
 
-void kv_highlight(const kv_expanded_t& expanded, std::int32_t net) {
+void kv_highlight(const kv_expanded_t& expanded, std::int32_t net, int color) {
   const auto path = expanded.netlist.path({kv_named::net, net});
   auto& marked = kv_pext.highlighted;
-  if (std::ranges::find(marked, path) == marked.end()) marked.emplace_back(path);
+  const auto at = std::ranges::find(marked, path, &kv_highlighted_t::path);
+  if (at == marked.end()) {
+    marked.push_back({std::string(path), color != 0 ? color : free_color(marked)});
+  } else if (color != 0) {
+    at->color = color;
+  }
   kv_set_level_follower(mark_all);
   mark_all();
 }

@@ -11,8 +11,8 @@ namespace {
 
 class drawing_search {
  public:
-  drawing_search(kv_drawings_t& drawings, std::string_view key, bool is_beginning, std::size_t most)
-      : drawings_(drawings), key_(key), is_beginning_(is_beginning), most_(most) {}
+  drawing_search(kv_drawings_t& drawings, std::string_view key, kv_match match, std::size_t most)
+      : drawings_(drawings), key_(key), match_(match), most_(most) {}
 
   // Takes what is on a sheet; the blocks below which more may be found.
   std::vector<kv_next_t> visit(const kv_walked_t& walked) {
@@ -27,7 +27,8 @@ class drawing_search {
     for (const int net : lb_nets(sheet)) {
       if (!gx_inq_object_deleted(sheet, net)) take_net(sheet, net, walked.path);
     }
-    for (const int inst : parts) take_pins(sheet, inst, walked.path);
+    for (const int inst : parts)
+      if (match_ != kv_match::anywhere) take_pins(sheet, inst, walked.path);
     for (const int inst : parts) {
       if (is_full()) break;
       std::string name = lb_inst_name(sheet, inst);
@@ -52,13 +53,17 @@ class drawing_search {
 
   bool may_be_below(const std::string& path) const {
     const std::string key = kv_path_key(path);
-    if (is_beginning_ && key.starts_with(key_)) return true;
+    if (match_ == kv_match::anywhere) return true;
+    if (match_ == kv_match::beginning && key.starts_with(key_)) return true;
     return key_.size() > key.size() && key_.starts_with(key) && key_[key.size()] == '/';
   }
 
   void take(const std::string& path, std::string_view what, int id, const std::string& sheet_path) {
     const std::string key = kv_path_key(path);
-    if (is_full() || !(is_beginning_ ? key.starts_with(key_) : key == key_)) return;
+    const bool fits = match_ == kv_match::whole       ? key == key_
+                      : match_ == kv_match::beginning ? key.starts_with(key_)
+                                                      : kv_path_has(key, key_);
+    if (is_full() || !fits) return;
     found.push_back({path, what, id, sheet_path});
   }
 
@@ -79,22 +84,24 @@ class drawing_search {
     const std::string path = sheet_path + "/" + lb_net_name(sheet, net);
     take(path, "net", net, sheet_path);
     const auto* record = gx_object_as<gx_object_net_rec_t>(sheet, net);
-    if (record->is_bus == 0 || !key_.starts_with(kv_path_key(path) + "_")) return;
+    if (match_ == kv_match::anywhere || record->is_bus == 0 ||
+        !key_.starts_with(kv_path_key(path) + "_"))
+      return;
     for (int i = 0; i <= record->bus_end - record->bus_start; ++i)
       take(path + "_" + std::to_string(i), "bit of a bus", net, sheet_path);
   }
 
   kv_drawings_t& drawings_;
   std::string_view key_;
-  bool is_beginning_;
+  kv_match match_;
   std::size_t most_;
 };
 
 }  // namespace
 
 std::vector<kv_found_t> kv_search_drawings(kv_drawings_t& drawings, std::string_view key,
-                                           bool is_beginning, std::size_t most) {
-  drawing_search search(drawings, key, is_beginning, most);
+                                           kv_match match, std::size_t most) {
+  drawing_search search(drawings, key, match, most);
   const auto visit = [&](const kv_walked_t& walked) { return search.visit(walked); };
   if (auto* top = drawings.top_component()) kv_walk_drawings(drawings, *top, "", visit);
   return std::move(search.found);

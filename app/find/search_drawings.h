@@ -6,8 +6,9 @@
 
 #include "app/find/drawings.h"
 #include "app/find/find_state.h"
+#include "app/find/readings.h"
 
-// What bears the path with this key (kv_path_key), or one that begins with it: at most `most`, the
-// sheets in the order of the walk.
+// What has a path that matches this key: at most `most`, the sheets in the order of the walk. Pins
+// and bits are left out of what matches anywhere.
 std::vector<kv_found_t> kv_search_drawings(kv_drawings_t& drawings, std::string_view key,
-                                           bool is_beginning, std::size_t most);
+                                           kv_match match, std::size_t most);

@@ -36,14 +36,13 @@ constexpr procedure_command_t dobin = {"# DOBin ", "kvp_",
 constexpr procedure_command_t dodirbin = {
     "# DODIRectbin ", "", "!!! DODIRectbin Entry not found : \"%.*s\" \n", "# End of DODIRectbin "};
 // Only what was written as an entry may be called: any other function expects other arguments.
+constexpr char own_executable[] = "";
 constexpr std::string_view entry_section = "kv_procedures";
 
 void call_procedure(const procedure_command_t& kind, const kv_command_t& command) {
-  gx_string_record_t executable, symbol;
-  gx_get_arg(1, executable);
-  if (executable.len > x_max_text) executable = {};  // found as this process's executable
+  gx_string_record_t symbol;
   gx_concat_all(symbol, kind.prefix, command.word(2));
-  const auto address = xm_get_extid_offset(executable.char_, symbol.char_, entry_section);
+  const auto address = xm_get_extid_offset(own_executable, symbol.char_, entry_section);
   if (address == 0) {
     gx_debug(kind.not_found, static_cast<int>(command.word(2).size()), command.word(2).data());
     kv_echo(kind.keyword, command);

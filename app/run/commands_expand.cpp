@@ -2,6 +2,7 @@
 #include <iterator>
 #include <string>
 
+#include "app/language/answer_records.h"
 #include "app/language/command_row.h"
 #include "app/run/run_progress.h"
 #include "app/sheet/command_viewport.h"
@@ -120,8 +121,10 @@ void kv_time_step_cmd(const kv_command_t& command) {
 void kv_store_size_cmd(const kv_command_t& command) {
   constexpr std::string_view echo = " STOre SIZe ";
   const auto size = gx_string_to_int32(command.word(3));
-  if (size.error || size.value < 1 || size.value > kv_max_records) {
-    return refuse(echo, command, "# !! Error :  3rd parameter incorrect ? ", 3);
+  if (size.error || size.value < kv_min_records || size.value > kv_max_records) {
+    refuse(echo, command, "# !! Error :  3rd parameter incorrect ? ", 3);
+    return gx_tell_detail("# !! STOre SIZe takes ", std::to_string(kv_min_records), " to ",
+                          std::to_string(kv_max_records), " ");
   }
   kv_sext.store_size = size.value;
   kv_echo(echo, command, 3);
@@ -138,6 +141,17 @@ void kv_generate_data_cmd(const kv_command_t& command) {
   gx_tell(echo, *on ? "ON " : "OFF ");
 }
 
+void record_counts() {
+  const auto& info = kv_sext.general_info;
+  kv_record("counts", {{"instances", kv_sext.insts.count},
+                       {"macros", kv_sext.macros.count},
+                       {"pins", kv_sext.pins.count},
+                       {"macro_pins", kv_sext.pinms.count},
+                       {"nets", kv_sext.nets.count},
+                       {"errors", info.num_errors},
+                       {"warnings", info.num_warnings}});
+}
+
 void kv_run_cmd(const kv_command_t&) {
   // A key file may say RUN before the session is complete.
   if (kv_sext.designfile == -1) {
@@ -152,6 +166,7 @@ void kv_run_cmd(const kv_command_t&) {
                                                  .watcher = kv_watch_run,
                                                  .origins = &kv_sext.origins},
                                                 kv_sext.designfile, kv_pext.gen_data);
+  if (result == kv_run_result::done) record_counts();
   if (result == kv_run_result::done || result == kv_run_result::write_failed) anchor_sim_path();
   kv_follow_run();
 }

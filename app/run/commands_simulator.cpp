@@ -1,5 +1,6 @@
 // The commands that talk to the simulator: SENd passes the user's words on, GIVE asks for a plot of
 // the selected nets and pins under their flat names.
+#include <optional>
 #include <string>
 
 #include "app/language/command_row.h"
@@ -49,6 +50,7 @@ class plot_request {
   const kv_command_t& command_;
   const gx_file_gene_recf_t& file_;
   std::string text_ = "plot ";
+  std::optional<kv_simulator_names_t<kv_design_t>> names_;  // of nets; made for the first
 };
 
 void plot_request::add_item(std::string_view item) {
@@ -67,7 +69,8 @@ void plot_request::add_net(int net) {
     kv_refuse("# Give ", command_, "# !! Error : Net NOT FOUND ? ");
     return gx_tell_detail("# Net : \"", name, "\"");
   }
-  add_item(kv_simulator_name(kv_string_view(kv_ptrto_net_rec(flat_net).sim_path)));
+  if (!names_) names_.emplace(kv_memory_netlist_t(kv_sext));
+  add_item(names_->of(flat_net));
 }
 
 void tell_pin_not_found(std::string_view inst_name, std::string_view pin_name) {

@@ -79,24 +79,39 @@ x_file take_standard_input() {
 }
 
 // False when it could not be read to its end.
-bool answer_standard_input(std::FILE* commands) {
+bool answer_standard_input(std::FILE* commands, bool strict) {
   const auto next_line = [&](gx_string_record_t& line) {
     if (gx_vext.end_flag || x_stop_signal() != 0) return false;
     gx_front().flush();
     std::fflush(gx_vext.cursessfile);
     return gx_read_one_line(commands, line);
   };
-  for (gx_string_record_t line; next_line(line);)
+  for (gx_string_record_t line; next_line(line);) {
     kv_process_line(line, kv_pext.ext_arg, kv_pext.top_var);
+    kv_end_batch_answer(gx_view(line), strict);
+  }
   if (std::ferror(commands) == 0) return true;
   std::fprintf(stderr, "kivo: standard input: %s\n", x_why(errno).c_str());
   return false;
 }
 
-// `inherited` errors are those that the sheet's own header tells of.
-bool has_faults(const kv_batch_t& batch, int inherited) {
-  if (gx_vext.num_errors > inherited || gx_vext.worst == gx_line_kind::error) return true;
-  return batch.strict && (gx_vext.num_warnings > 0 || gx_vext.worst == gx_line_kind::warning);
+std::string words_of(const kv_batch_faults_t& faults, const std::string& what, int counted) {
+  if (faults.lines == 0)
+    return std::to_string(counted) + " counted as " + what + ", without a line";
+  const std::string first = "\"" + faults.first + "\"";
+  if (faults.lines == 1) return "1 line of " + what + ": " + first;
+  return std::to_string(faults.lines) + " lines of " + what + ", the first: " + first;
+}
+
+// Why the commands make the status 1; empty: they do not. `inherited` errors are those that the
+// sheet's own header tells of.
+std::string faults_of(const kv_batch_t& batch, int inherited) {
+  const int errors = gx_vext.num_errors - inherited;
+  if (errors > 0 || gx_vext.worst == gx_line_kind::error)
+    return words_of(kv_batch_errors(), "error", errors);
+  if (batch.strict && (gx_vext.num_warnings > 0 || gx_vext.worst == gx_line_kind::warning))
+    return words_of(kv_batch_warnings(), "warning", gx_vext.num_warnings);
+  return {};
 }
 
 bool tell_whether_written(const kv_batch_t& batch, bool all_written) {
@@ -107,7 +122,7 @@ bool tell_whether_written(const kv_batch_t& batch, bool all_written) {
 }  // namespace
 
 int kv_run_batch(const kv_batch_t& batch) {
-  gx_set_front(kv_batch_lines(batch.quiet));
+  gx_set_front(kv_batch_lines({batch.quiet, batch.json, batch.mark}));
   check_design(batch.design);
   check_do_file(batch.do_file);
   check_arguments(batch.arguments);
@@ -116,17 +131,22 @@ int kv_run_batch(const kv_batch_t& batch) {
   int inherited = 0;
   const auto answer = [&] {
     inherited = gx_ptrto_gene_file_buf(kv_pext.file_id_cur).num_errors;
-    if (commands) return answer_standard_input(commands.get());
+    kv_end_batch_answer("", batch.strict);
+    if (commands) return answer_standard_input(commands.get(), batch.strict);
     kv_run_start_up_file();
+    kv_end_batch_answer("do " + std::string(batch.do_file), batch.strict);
     return true;
   };
   const auto end = [&](const kv_ended_t& ended) {
     if (!ended.had_sheet) return gx_front().refused_status;
     const bool is_written = tell_whether_written(batch, ended.all_written);
-    if (!batch.quiet) kv_print_summary();
+    if (!batch.quiet && !batch.json) kv_print_summary();
     const bool is_printed = kv_flush_batch_output();
     const bool is_done = ended.all_read && is_written && is_printed;
-    return kv_exit_status(is_done && !has_faults(batch, inherited) ? 0 : 1);
+    const std::string faults = faults_of(batch, inherited);
+    const bool is_told = gx_vext.cursess_error != 0 && kv_batch_errors().lines == 0;
+    if (!faults.empty() && !is_told && x_stop_signal() == 0) gx_complain("status 1: " + faults);
+    return kv_exit_status(is_done && faults.empty() ? 0 : 1);
   };
   const std::vector<std::string> words = words_of(batch);
   std::vector<const char*> pointers;
@@ -136,7 +156,6 @@ int kv_run_batch(const kv_batch_t& batch) {
                  .traces = batch.trace,
                  .takes_empty_words = true,
                  .open_display = [](auto viewports, auto) { gx_init_noview(viewports); },
-                 .open_sheet = gx_file_try_open,
                  .refuse_start = [](const auto&, const auto& refusal) { kv_refuse_run(refusal); },
                  .answer = answer,
                  .end = end},

@@ -7,6 +7,8 @@
 
 struct kv_batch_t {
   bool quiet = false;             // of the lines only errors and warnings are printed
+  bool json = false;              // an object is printed for each command line
+  std::string_view mark = {};     // printed after each answer; empty: nothing
   bool strict = false;            // a warning makes the status that of an error
   bool trace = false;             // the debug files are written
   const char* program = "";       // word 0 of the command line

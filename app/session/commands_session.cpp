@@ -6,10 +6,16 @@
 #include "app/language/command_row.h"
 #include "app/language/substitution.h"
 #include "app/session/event_loop.h"
+#include "app/session/menu_actions.h"
+#include "app/session/recall.h"
 #include "app/sheet/views.h"
 #include "app/state.h"
 #include "gx/db/object_access.h"
 #include "gx/display/cmd_viewport.h"
+#include "gx/display/events.h"
+#include "gx/display/line_edit.h"
+#include "gx/display/menu_draw.h"
+#include "gx/display/theme.h"
 #include "gx/text/at.h"
 #include "gx/text/message_list.h"
 #include "gx/text/string_compare.h"
@@ -30,7 +36,7 @@ void set_command_line(const gx_string_record_t& line) {
 // Puts the question on the command line; the line that the user completes is the command of the
 // answer. Returns when that line was entered.
 void ask(const kv_command_t& command) {
-  if (gx_vext.dpy == nullptr) return kv_refuse("# READln ", command, nobody);
+  if (gx_vext.screen == nullptr) return kv_refuse("# READln ", command, nobody);
   gx_string_record_t line;
   gx_concat_all(line, " READln ", command.word(2), " ", command.word(3), " ");
   set_command_line(line);
@@ -64,6 +70,20 @@ void kv_command_cmd(const kv_command_t& command) {
   set_command_line(kv_unquote(command.word(2)));
 }
 
+void kv_cut_before_cmd(const kv_command_t&) { gx_cut_line(gx_cut::before); }
+void kv_cut_word_cmd(const kv_command_t&) { gx_cut_line(gx_cut::word); }
+void kv_paste_cmd(const kv_command_t&) { gx_ask_for_text(true); }
+
+// On the command line what another program has selected; elsewhere the menu.
+void kv_paste_or_menu_cmd(const kv_command_t&) {
+  if (gx_vext.viewport_id == gx_vext.viewport_cmd) return gx_ask_for_text(false);
+  gx_draw_menu1(gx_vext.viewport_edit, kv_menu_position);
+}
+
+// Nothing is told: the keys that run them would fill the list.
+void kv_recall_back_cmd(const kv_command_t&) { kv_recall(true); }
+void kv_recall_forward_cmd(const kv_command_t&) { kv_recall(false); }
+
 void kv_display_cmd(const kv_command_t& command) {
   const auto on = kv_on_or_off(command.word(2));
   if (!on) return kv_refuse("# DISplay ", command, kv_bad_second);
@@ -72,6 +92,27 @@ void kv_display_cmd(const kv_command_t& command) {
   if (!*on) return;
   kv_update_viewport_edit();
   kv_update_viewport_context();
+}
+
+// By the letters that its name has in capitals, or more of them.
+const gx_theme_t* theme_named(std::string_view word) {
+  for (const gx_theme_t& theme : gx_themes()) {
+    const auto least = std::ranges::count_if(theme.name, [](char c) { return c <= 'Z'; });
+    if (word.size() >= static_cast<std::size_t>(least) && word.size() <= theme.name.size() &&
+        gx_iden(theme.name.substr(0, word.size()), word))
+      return &theme;
+  }
+  return nullptr;
+}
+
+void kv_display_theme_cmd(const kv_command_t& command) {
+  const gx_theme_t* const theme = theme_named(command.word(3));
+  if (theme == nullptr)
+    return kv_refuse("# DISplay THEme ", command,
+                     "# !! Error : No such theme (CLAssic, DARk or LIGht) ? ", 3);
+  gx_set_theme(*theme);
+  if (gx_vext.screen != nullptr) kv_draw_window(false);
+  gx_tell(" DISplay THEme ", theme->name, " ");
 }
 
 void kv_transcript_cmd(const kv_command_t& command) {
@@ -140,7 +181,14 @@ constexpr kv_command_row_t session_rows[] = {
     {{"BYE"}, "BYE", kv_bye_cmd, "# BYE ", 2, 3},
     {{"QUIT"}, "QUIT", kv_quit_cmd, "# QUIT ", 2, 4},
     {{"READ"}, "READln $VARn prompt [answer]", kv_readln_cmd, "# READln "},
+    {{"REC", "BAC"}, "RECall BACk", kv_recall_back_cmd, "# RECall BACk ", 3},
+    {{"REC", "FOR"}, "RECall FORward", kv_recall_forward_cmd, "# RECall FORward ", 3},
+    {{"$CUTW"}, "$CUTW", kv_cut_word_cmd},
+    {{"$CUT"}, "$CUT", kv_cut_before_cmd},
+    {{"$PASTE"}, "$PASTE", kv_paste_cmd},
+    {{"$PDM1"}, "$PDM1", kv_paste_or_menu_cmd},
     {{"COM"}, "COMmand text", kv_command_cmd, "# COMmand "},
+    {{"DISP", "THE"}, "DISPlay THEme CLAssic or DARk or LIGht", kv_display_theme_cmd, "# DISplay THEme ", 3},
     {{"DISP"}, "DISPlay ON or OFF", kv_display_cmd, "# DISplay "},
     {{"TRANS", "O"}, "TRANScript ON or OFF", kv_transcript_cmd, "# TRANScript "},
     {{"HAR"}, "HARDcopy [word]", kv_hardcopy_cmd, "# HARDcopy "},

@@ -14,6 +14,7 @@
 #include "app/language/shell_escape.h"
 #include "app/session/gestures.h"
 #include "app/session/menu_actions.h"
+#include "app/session/recall.h"
 #include "app/sheet/last_views.h"
 #include "app/sheet/views.h"
 #include "gx/display/cmd_viewport.h"
@@ -39,9 +40,7 @@ namespace {
 constexpr int max_lost_events = 20;
 constexpr std::uint32_t control = 4;
 constexpr std::uint32_t insert_char_key = 0xFF72, delete_char_key = 0xFF73;  // older keyboards
-constexpr int active_width = 3, active_color = 6;
-constexpr int inactive_width = 1, inactive_color = 3;
-constexpr int wheel_lines = 3;  // that the list moves
+constexpr int wheel_lines = 3;                                               // that the list moves
 constexpr std::int32_t max_typed_length = 193;
 
 // One running loop: the tables of its commands, and whether it is to be left now.
@@ -50,6 +49,7 @@ struct loop_t {
   kv_array_param_t& vars;
   bool leave = false;
   kv_gestures_t gestures = {};
+  std::string place = {};  // that the line under a pressed button 1 names, as a command
 };
 
 // While it lives the menus and the rubber rectangle are off the screen: a command draws below them.
@@ -142,27 +142,34 @@ void run_helper(std::string_view program) {
 bool is_return(std::uint32_t keysym) { return keysym == XK_Return || keysym == XK_Linefeed; }
 bool is_printable(std::uint32_t keysym) { return keysym >= 32 && keysym <= 126; }
 
-// With the pointer elsewhere the last character goes.
 void delete_before_caret() {
   if (gx_vext.viewport_id == gx_vext.viewport_cmd)
     return gx_backsp_action(gx_vext.viewport_id, gx_vext.pixel_pos);
   std::string text(gx_view(gx_vext.str_cmd));
-  if (text.empty()) return;
-  text.pop_back();
-  gx_set_command_line(text);
+  const int caret = gx_caret();
+  if (caret < 2) return;
+  text.erase(static_cast<std::size_t>(caret - 2), 1);
+  gx_set_command_line(text, caret - 1);
 }
 
 void on_control_key(loop_t& loop, std::uint32_t keysym) {
   const std::uint32_t letter = keysym >= 'A' && keysym <= 'Z' ? keysym - 'A' + 'a' : keysym;
-  if (letter >= 'n' && letter <= 'z') {
+  const std::string_view line = gx_view(gx_vext.str_cmd);
+  if (letter == 'a') {
+    gx_set_command_line(line, 1);
+  } else if (letter == 'e') {
+    gx_set_command_line(line, 0);
+  } else if (letter == 'k') {
+    gx_cut_line(gx_cut::behind);
+  } else if (letter >= 'n' && letter <= 'z') {
     run_binding(loop, gx_vext.action_ck[letter - 'n']);
   } else if (letter == 'c') {
     run_and_leave(loop, "BYE ");
   } else if (letter == 'd') {
     run_and_leave(loop, "QUIT ");
   } else if (letter == '/' || letter == '?') {
-    const gx_string_record_t line = gx_vext.str_cmd;
-    kv_expand_cmd(line);
+    const gx_string_record_t present = gx_vext.str_cmd;
+    kv_expand_cmd(present);
   }
 }
 
@@ -223,11 +230,19 @@ void on_key_release(loop_t& loop, const gx_event_t& event) {
               event.code - XK_F1, event);
 }
 
+// A click on a line of the list goes to what the line names, and the list stays where it is. What
+// the button does besides, it does as ever.
 void on_button(loop_t& loop, const gx_event_t& event) {
+  if (event.kind == gx_event_kind::button1_down) loop.place = kv_place_at(event.pixel);
+  if (!loop.place.empty()) gx_list_stay();
   const auto first = static_cast<std::size_t>(gx_event_kind::button1_down);
   run_binding(loop, gx_vext.action_but[static_cast<std::size_t>(event.kind) - first]);
   if (event.kind == gx_event_kind::button1_up)
     kv_click(event, [&](std::string_view command) { run_command(loop, gx_string(command)); });
+  if (event.kind != gx_event_kind::button1_up || loop.place.empty()) return;
+  if (event.clicks == 1) run_command(loop, gx_string(loop.place));
+  loop.place.clear();
+  gx_list_leave();
 }
 
 // --- the pointer
@@ -242,9 +257,9 @@ int pointer_shape(gx_vpid_t vpid) {
 void enter_viewport(gx_vpid_t vpid) {
   gx_cursor_set_pattern(pointer_shape(vpid));
   if (gx_viewport_ok(kv_pext.prev_viewport_id)) {
-    gx_draw_new_viewport_border(kv_pext.prev_viewport_id, inactive_width, inactive_color);
+    kv_frame_quiet(kv_pext.prev_viewport_id);
   }
-  gx_draw_new_viewport_border(vpid, active_width, active_color);
+  kv_frame_active(vpid);
   kv_pext.prev_viewport_id = vpid;
 }
 
@@ -291,33 +306,22 @@ void on_pointer_at_rest(loop_t&, const gx_event_t& event) {
 
 // --- the window
 
-void draw_window(bool resized) {
-  gx_clear_window();
-  if (kv_pext.file_id_cur > 0 && resized) {
-    kv_expose_viewport_edit();
-    kv_expose_viewport_context();
-  } else if (kv_pext.file_id_cur > 0) {
-    kv_update_viewport_edit();
-    kv_update_viewport_context();
-  }
-  for (const gx_vpid_t vpid :
-       {gx_vext.viewport_edit, gx_vext.viewport_context, gx_vext.viewport_list}) {
-    gx_draw_new_viewport_border(vpid, inactive_width, inactive_color);
-  }
-  gx_regen_display_list();
-  kv_pext.prev_viewport_id = gx_vext.viewport_cmd;
-  gx_display_cmd(gx_view(gx_vext.str_cmd));
-  gx_draw_new_viewport_border(gx_vext.viewport_cmd, active_width, active_color);
-}
-
 void on_exposed(loop_t&, const gx_event_t& event) {
   gx_vext.display_rectangle_todo = false;
   gx_hide_menus();
   {
     const gx_offscreen_t picture({0, 0, gx_vext.bitmap_size.x, gx_vext.bitmap_size.y});
-    draw_window(event.resized);
+    kv_draw_window(event.resized);
   }
   gx_redraw_menus(gx_vext.viewport_edit);
+}
+
+// The first line of it, as far as there is room.
+void on_pasted(loop_t&, const gx_event_t& event) {
+  std::string text = event.text.substr(0, event.text.find_first_of("\r\n"));
+  std::erase_if(text, [](char c) { return c < ' ' || c > '~'; });
+  const int room = std::max(max_typed_length + 1 - gx_vext.str_cmd.len, 0);
+  gx_insert_text(std::string_view(text).substr(0, static_cast<std::size_t>(room)));
 }
 
 void on_close_asked(loop_t& loop, const gx_event_t&) { run_and_leave(loop, "BYE "); }
@@ -346,6 +350,7 @@ constexpr std::pair<gx_event_kind, action_t> actions[] = {
     {gx_event_kind::menu_opening, on_menu_opening},
     {gx_event_kind::exposed, on_exposed},
     {gx_event_kind::close_asked, on_close_asked},
+    {gx_event_kind::pasted, on_pasted},
 };
 
 void act_on(loop_t& loop, const gx_event_t& event) {
@@ -362,6 +367,25 @@ void put_pointer_into_edit_viewport() {
 }
 
 }  // namespace
+
+void kv_draw_window(bool resized) {
+  gx_clear_window();
+  if (kv_pext.file_id_cur > 0 && resized) {
+    kv_expose_viewport_edit();
+    kv_expose_viewport_context();
+  } else if (kv_pext.file_id_cur > 0) {
+    kv_update_viewport_edit();
+    kv_update_viewport_context();
+  }
+  for (const gx_vpid_t vpid :
+       {gx_vext.viewport_edit, gx_vext.viewport_context, gx_vext.viewport_list}) {
+    kv_frame_quiet(vpid);
+  }
+  gx_regen_display_list();
+  kv_pext.prev_viewport_id = gx_vext.viewport_cmd;
+  gx_display_cmd(gx_view(gx_vext.str_cmd));
+  kv_frame_active(gx_vext.viewport_cmd);
+}
 
 void kv_process_events(bool first, kv_array_param_t& args, kv_array_param_t& vars) {
   gx_debug_line(" KV_PROCESS_EVENTS  : START ");
@@ -397,6 +421,7 @@ void kv_ascii_action(std::uint32_t keysym, kv_array_param_t& args, kv_array_para
     if (gx_is_blank(gx_view(line))) return;
     const gx_string_record_t typed = line;
     gx_set_command_line("");
+    kv_remember_typed(gx_view(typed));
     kv_process_line(typed, args, vars);
     return;
   }
@@ -408,10 +433,5 @@ void kv_ascii_action(std::uint32_t keysym, kv_array_param_t& args, kv_array_para
   if (line.len > max_typed_length) return;
 
   const char typed = static_cast<char>(keysym);
-  const bool under_pointer = gx_vext.viewport_id == gx_vext.viewport_cmd;
-  const int column = under_pointer ? gx_cmd_column(gx_vext.pixel_pos) : line.len + 1;
-  const auto at = static_cast<std::size_t>(std::clamp(column, 1, line.len + 1) - 1);
-  std::string text(gx_view(line));
-  gx_set_command_line(text.insert(at, 1, typed));
-  if (under_pointer) gx_cursor_set_position(gx_cmd_column_pixel(static_cast<int>(at) + 2));
+  gx_insert_text({&typed, 1});
 }

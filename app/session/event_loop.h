@@ -16,5 +16,8 @@ void kv_init_menu_action();
 void kv_set_default_bindings();
 void kv_set_default_menus();
 
+// All that the window shows, menus aside; `resized`: sheets are fitted into its new size.
+void kv_draw_window(bool resized);
+
 // The loop, until the session ends or, when it is not the first, until a line was answered.
 void kv_process_events(bool first, kv_array_param_t& args, kv_array_param_t& vars);

@@ -24,8 +24,6 @@ struct kv_front_t {
   bool takes_empty_words =
       false;  // as arguments of the start-up file; else the first one ends them
   std::function<void(std::span<const gx_viewport_init_rec_t>, std::string_view title)> open_display;
-  // As gx_file_open_sound and gx_file_try_open.
-  gx_file_index_t (*open_sheet)(std::string_view design, std::string_view type, std::string& why);
   // Ends the process before its session: a file cannot be opened. `said` is the whole message, with
   // its line end, of one who sees `what` and `name` nowhere else.
   std::function<void(const std::string& said, const std::string& refusal)> refuse_start;

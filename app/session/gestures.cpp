@@ -5,11 +5,15 @@
 #include "app/sheet/command_viewport.h"
 #include "app/sheet/last_views.h"
 #include "app/sheet/pick.h"
+#include "app/sheet/select_area.h"
 #include "app/sheet/views.h"
 #include "gx/db/object_access.h"
 #include "gx/display/grid.h"
+#include "gx/display/list_viewport.h"
 #include "gx/display/rubber_rectangle.h"
+#include "gx/display/viewport_coords.h"
 #include "gx/display/viewports.h"
+#include "gx/text/at.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
 
@@ -45,17 +49,11 @@ bool is_only_selected(const gx_file_gene_recf_t& file, int wanted) {
   return true;
 }
 
-bool has_selected(const gx_file_gene_recf_t& file) {
-  for (int id = 1; id <= file.object_id_max; ++id)
-    if (gx_inq_object_selected(file, id)) return true;
-  return false;
-}
-
 void select(const kv_view_t& view, std::string_view handle, int id, bool adds,
             const std::function<void(std::string_view)>& run) {
   if (is_only_selected(view.file(), id)) return;
   const std::string name(view.vpid == gx_vext.viewport_edit ? "Edit" : "Context");
-  if (!adds && has_selected(view.file())) run("UNSELECT ALL " + name + " ");
+  if (!adds) kv_unselect_all(view.file_index);
   run("SELECT OBJECT " + name + " " + std::string(handle) + std::to_string(id) + " ");
 }
 
@@ -110,4 +108,33 @@ void kv_click(const gx_event_t& event, const std::function<void(std::string_view
     select(*view, "N_", net, shifted, run);
   else if (const int inst = kv_pick_instance(view->file(), point))
     select(*view, "I_", inst, shifted, run);
+}
+
+std::string kv_place_of_line(std::string_view line) {
+  std::size_t digits = 0;
+  if (line.starts_with("# ")) digits = line.find_first_not_of("0123456789", 2);
+  if (digits != line.npos && digits > 2) {
+    const std::string_view rest = line.substr(digits);
+    for (const std::string_view word : {" Error ", " Warning ", " Waived "})
+      if (rest.starts_with(word))
+        return "SHOW FINDING " + std::string(line.substr(2, digits - 2)) + " ";
+  }
+  // A path stands alone or in quotes.
+  for (std::size_t at = line.find('/'); at != line.npos; at = line.find('/', at + 1)) {
+    if (at == 0 || (line[at - 1] != ' ' && line[at - 1] != '"')) continue;
+    std::string_view path = line.substr(at);
+    path = path.substr(0, path.find_first_of(" \",;:"));
+    if (path.size() > 1 && path.ends_with('/')) path.remove_suffix(1);
+    if (path.size() > 1) return "FIND PATH " + std::string(path) + " ";
+  }
+  return {};
+}
+
+std::string kv_place_at(gx_point16_t pixel) {
+  const auto& v = gx_vext;
+  if (!gx_viewport_ok(v.viewport_list) || gx_viewport_pixel_to_vpid(pixel) != v.viewport_list)
+    return {};
+  const int line = gx_list_line_at(pixel);
+  return line > v.nlinlist_end ? std::string()
+                               : kv_place_of_line(gx_view(gx_at(v.line_list, line - 1)));
 }

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <functional>
+#include <string>
 #include <string_view>
 
 #include "gx/display/events.h"
@@ -16,6 +17,12 @@ struct kv_gestures_t {
   gx_vpid_t panned = 0;  // viewport; 0: none
   gx_point16_t from;     // pointer of the last event
 };
+
+// The command that goes to what a line of the list names: FINd PATh for a path, SHOw FINding for
+// the head of a finding. Empty when it names neither.
+std::string kv_place_of_line(std::string_view line);
+// The same for the line under a window pixel; empty elsewhere than in the list.
+std::string kv_place_at(gx_point16_t pixel);
 
 // True when the event begins, moves or ends a pan: nothing else is to be done about it.
 bool kv_pan(kv_gestures_t& gestures, const gx_event_t& event);

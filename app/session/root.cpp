@@ -1,8 +1,7 @@
 // The first phase of a run: arguments, banner and debug file; then the phases in their order.
 #include "app/session/root.h"
 
-#include <fcntl.h>
-
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -16,11 +15,10 @@
 #include "gx/text/message_list.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
-#include "platform/raw_files.h"
+#include "platform/files.h"
 #include "platform/stop_signals.h"
 
 namespace {
-constexpr mode_t debug_file_mode = 0660;
 constexpr char version_text[] = "######    KIVO  version 2.02  22 mar 2004    ######";
 
 // The design directory as the argument store keeps it.
@@ -51,11 +49,12 @@ void open_debug_file(bool greets) {
 
   gx_string_record_t name = design;
   gx_concat_const("/debug_kivo", name);
-  const x_descriptor created(xfopen(name.char_, O_RDWR | O_CREAT | O_CLOEXEC, debug_file_mode));
-  gx_vext.debugfile = created ? std::fopen(name.char_, "we") : nullptr;
-  if (gx_vext.debugfile == nullptr)
+  gx_vext.debugfile = x_create_file(name.char_, false).release();
+  if (gx_vext.debugfile == nullptr) {
+    const std::string why = x_why_unwritten(errno);
     refuse("!!! ( kivo_root ) impossible to open debugfile_name  : \"" +
-           std::string(gx_view(name)) + "\" ");
+           std::string(gx_view(name)) + "\" \n !! " + why);
+  }
   gx_debug(" kivo_root : strfile_name   : \"%s\" \n", design.char_);
   gx_trace("# kivo_root : debugfile_name : \"", gx_view(name), "\"");
   gx_debug("\n# INITIALIZE : date : %d-%d-%d**%d-%d\n\n", date.day, date.month, date.year,
@@ -73,6 +72,9 @@ int kv_exit_status(int without_signal) {
 void kv_print_summary() {
   if (const int signal = x_stop_signal(); signal != 0)
     std::printf("\n !! Ended by signal %d : %s\n", signal, strsignal(signal));
+  if (gx_vext.cursess_error != 0)
+    std::printf("\n !! The session file is not whole : \"%s\" : %s\n", gx_vext.cursessname.char_,
+                x_why(gx_vext.cursess_error).c_str());
   const int errors = gx_vext.num_errors, warnings = gx_vext.num_warnings;
   std::printf("\n -- KIVO  Execution complete...%d %s, %d %s --\n", errors,
               errors < 2 ? "error" : "errors", warnings, warnings < 2 ? "warning" : "warnings");

@@ -45,8 +45,6 @@ namespace {
 constexpr std::int16_t lines_in_view = 7;
 constexpr std::string_view sheet_type = "sheet";
 constexpr float default_time_step = 0.1F;
-constexpr int active_border_width = 3;
-constexpr int active_border_color = 6;
 constexpr char fence[] = "@@@@@@@@@@@@@@@@@@@@@@@@@@";
 
 gx_string_record_t design_file(std::string_view name) {
@@ -94,7 +92,7 @@ void open_transcript(const kv_front_t& front) {
   const gx_string_record_t name = gx_vext.cursessname = design_file("/current_session");
   gx_vext.cursessfile = gx_popen_file(gx_view(name), 'W', false);
   if (gx_vext.cursessfile != nullptr) return;
-  const std::string why = x_why(errno);
+  const std::string why = x_why_unwritten(errno);
   refuse_start(front, failure, name, why,
                "!!! ( INITIALIZE ) " + std::string(failure) + "  : " + quoted(name) + " \n");
 }
@@ -113,7 +111,7 @@ void open_engine_trace(const kv_front_t& front) {
   const gx_string_record_t trace = gx_string("debug_kivo2");
   kv_debf = gx_popen_file(gx_view(trace), 'W', false);
   if (kv_debf == nullptr)
-    refuse_start(front, "impossible to open  DEBUG file  2 ", trace, x_why(errno), "");
+    refuse_start(front, "impossible to open  DEBUG file  2 ", trace, x_why_unwritten(errno), "");
 }
 
 void take_start_up_file(const kv_front_t& front) {
@@ -129,11 +127,11 @@ void take_start_up_file(const kv_front_t& front) {
 }
 
 // False, and an error counted, when the sheet's data are not sound.
-bool open_primary_sheet(const kv_front_t& front, const gx_string_record_t& design) {
+bool open_primary_sheet(const gx_string_record_t& design) {
   auto& level1 = kv_pext.arrayof_file[0];
   kv_pext.file_level_max = kv_pext.file_level_cur = 1;
   std::string why;
-  level1.file_index = front.open_sheet(gx_view(design), sheet_type, why);
+  level1.file_index = gx_file_try_open(gx_view(design), sheet_type, why);
   if (level1.file_index == 0) {
     tell_unusable("!! error in open file : " + why);
     gx_debug("!!! error : INITIALIZE  : %s\n", why.c_str());
@@ -164,8 +162,9 @@ bool show_whether_sheet(const gx_string_record_t& design) {
   if (primary < 0 || primary > sheet.object_id_max) {
     gx_debug_line("!!! ( INITIALIZE ) INVALID FILE : primary \"");
     debug_names(design);
-    gx_count_error();
-    gx_set_status(gx_code::invalid_string);
+    tell_unusable("!! error : Sheet not whole : " + quoted(design) + " : primary object " +
+                  std::to_string(primary) + " outside 1.." + std::to_string(sheet.object_id_max));
+    return false;
   }
   if (primary != 0) return show_whether_whole(sheet);
   tell_unusable("!! error : No sheet Found : " + quoted(design));
@@ -203,7 +202,7 @@ void show_first_picture() {
   }
   gx_vext.pixel_pos = gx_viewport_pt_real_to_pixel(gx_vext.viewport_edit, gx_vext.obj_pos);
   kv_pext.prev_viewport_id = 1;
-  gx_draw_new_viewport_border(gx_vext.viewport_edit, active_border_width, active_border_color);
+  kv_frame_active(gx_vext.viewport_edit);
 }
 
 // False when not all that was written reached the file.
@@ -222,7 +221,7 @@ bool kv_open_session(const kv_front_t& front) {
   open_outputs(front);
   if (front.traces) open_engine_trace(front);
   take_start_up_file(front);
-  const bool has_sheet = open_primary_sheet(front, design) && show_whether_sheet(design);
+  const bool has_sheet = open_primary_sheet(design) && show_whether_sheet(design);
   if (has_sheet) prepare_sheet();
   debug_roles();
   return has_sheet;
@@ -259,5 +258,7 @@ bool kv_finish_session() {
   gx_debug_line("@@@@@@ FINALIZE  after gx_terminate  ");
   close_file(kv_debf);
   close_file(gx_vext.debugfile);
-  return close_file(gx_vext.cursessfile);
+  if (close_file(gx_vext.cursessfile)) return true;
+  gx_vext.cursess_error = errno;
+  return false;
 }

@@ -2,12 +2,22 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
+#include <vector>
 
 #include "app/language/parameters.h"
 #include "gx/db/ids.h"
 #include "gx/display/screen_state.h"
 
-struct kv_session_state_t {
+// Lines that were typed (app/session/recall.h).
+struct kv_recall_state_t {
+  std::vector<std::string> lines;  // the newest last
+  bool is_read = false;            // with those of earlier sessions
+  std::size_t back = 0;            // how far back the line is that was recalled; 0: none was
+  std::string draft;               // what stood on the command line before
+};
+
+struct kv_session_state_t : kv_recall_state_t {
   gx_vpid_t prev_viewport_id = 0;  // viewport of the previous input event
   gx_point16_t last_pixel_pos;     // of the pointer, when it last moved
   std::int32_t line_position = 0;  // how far back in the list a line was recalled, at most 0

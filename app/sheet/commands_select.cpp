@@ -130,9 +130,7 @@ void kv_unselect_all_cmd(const kv_command_t& command) {
   const auto view = command.count() == 3 ? kv_view_named(command.word(3)) : kv_edit_view();
   if (!view) return kv_refuse(refused, command, kv_3rd_not_edit_context, 3);
   if (!view->has_sheet()) return kv_refuse(refused, command, kv_no_sheet, 3);
-  gx_undo_define_new_step();
-  const auto& file = view->file();
-  for (int id = 1; id <= file.object_id_max; ++id) gx_set_object_selected(file, id, false);
+  kv_unselect_all(view->file_index);
   kv_redraw_views();
   gx_tell(" UNSelect ALL ");
 }

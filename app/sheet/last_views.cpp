@@ -28,7 +28,7 @@ bool is_same(const kv_last_view_t& a, const kv_last_view_t& b) {
 void kv_remember_view() {
   auto& views = kv_pext.last_views;
   views.push_back(present());
-  if (views.size() > most_views) views.pop_front();
+  if (views.size() > most_views) views.erase(views.begin());
 }
 
 std::optional<kv_last_view_t> kv_take_last_view() {

@@ -8,6 +8,7 @@
 #include "app/state.h"
 #include "gx/db/geometry.h"
 #include "gx/db/owners.h"
+#include "gx/db/undo.h"
 #include "gx/display/draw.h"
 #include "gx/vext.h"
 
@@ -159,6 +160,12 @@ bool kv_select_area(kv_area_kind kind, gx_file_index_t file_index, gx_pointreal_
 bool kv_unselect_area(kv_area_kind kind, gx_file_index_t file_index, gx_pointreal_t p1,
                       gx_pointreal_t p2) {
   return scan_area(kind, file_index, p1, p2, false);
+}
+
+void kv_unselect_all(gx_file_index_t file_index) {
+  gx_undo_define_new_step();
+  const auto& file = gx_ptrto_gene_file_buf(file_index);
+  for (int id = 1; id <= file.object_id_max; ++id) gx_set_object_selected(file, id, false);
 }
 
 void kv_select_instance(gx_file_index_t file_index, int inst) {

@@ -23,6 +23,9 @@ bool kv_select_area(kv_area_kind kind, gx_file_index_t file_index, gx_pointreal_
 bool kv_unselect_area(kv_area_kind kind, gx_file_index_t file_index, gx_pointreal_t p1,
                       gx_pointreal_t p2);
 
+// Clears the selected flag of all objects, as a step of its own of what can be taken back.
+void kv_unselect_all(gx_file_index_t file_index);
+
 // Selects an instance, and while SMAsh is on its body and the properties there too.
 void kv_select_instance(gx_file_index_t file_index, int inst);
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
+#include <vector>
 
 #include "expand/sheet_slots.h"
 #include "gx/db/ids.h"
@@ -30,7 +30,7 @@ struct kv_sheets_state_t {
   gx_object_id_t act_symb_id = 0;     // its component
   gx_string_record_t act_file_path;
 
-  std::deque<kv_last_view_t> last_views;  // the last one at the end
+  std::vector<kv_last_view_t> last_views;  // the last one at the end
 
   bool disp_pic_area = false;  // VIEw AREa: an area is in force, between the two corners
   gx_pointreal_t pt_pic_area1, pt_pic_area2;

@@ -9,6 +9,7 @@
 #include "gx/display/offscreen.h"
 #include "gx/display/pen.h"
 #include "gx/display/screen_state.h"
+#include "gx/display/theme.h"
 #include "gx/display/viewports.h"
 #include "gx/display/window.h"
 #include "gx/text/arguments.h"
@@ -37,9 +38,11 @@ void draw_sheet(gx_vpid_t vpid, gx_file_index_t file_index, int grid, bool keep_
   gx_display_kept_marks(vpid);
 }
 
-// What kv_display_picture_all and _area share; `name` begins their messages.
-void show_part(gx_vpid_t vpid, gx_file_index_t file_index, const gx_boundsreal_t* box,
-               const char* bad_file, const char* bad_grid) {
+// What the kv_display_picture functions share. `place` has the viewport show a part of the sheet,
+// given its page.
+template <typename Place>
+void show_part(gx_vpid_t vpid, gx_file_index_t file_index, Place place, const char* bad_file,
+               const char* bad_grid) {
   if (!gx_vext.display_on || !gx_drawing_possible()) return;
   if (file_index < 1 ||
       (file_index != kv_pext.file_id_cur && file_index != kv_pext.file_id_context)) {
@@ -49,7 +52,7 @@ void show_part(gx_vpid_t vpid, gx_file_index_t file_index, const gx_boundsreal_t
   const auto& file = gx_ptrto_gene_file_buf(file_index);
   const int grid = grid_of(file, bad_grid);
   gx_forget_marks(vpid);
-  gx_viewport_fit(vpid, box != nullptr ? *box : gx_object_abs_origin_bounds(file, grid, 0).bounds);
+  place(gx_object_abs_origin_bounds(file, grid, 0).bounds);
   const gx_offscreen_t picture(gx_viewport_rec(vpid).pixel_bounds);
   gx_clear_viewport(vpid);
   draw_sheet(vpid, file_index, grid, true);
@@ -111,16 +114,35 @@ std::array<gx_viewport_init_rec_t, 4> set_viewports() {
 
 void kv_set_view_roles() { static_cast<gx_view_roles_t&>(gx_vext) = kv_view_roles; }
 
+void kv_frame_active(gx_vpid_t vpid) {
+  const int width = gx_theme().has_roles ? 1 : 3;
+  gx_draw_new_viewport_border(vpid, width, gx_color_of(gx_role::active_pane, 6));
+}
+
+void kv_frame_quiet(gx_vpid_t vpid) {
+  gx_draw_new_viewport_border(vpid, 1, gx_color_of(gx_role::pane, 3));
+}
+
 void kv_display_picture_all(gx_vpid_t vpid, gx_file_index_t file_index) {
-  show_part(vpid, file_index, nullptr, " KV_DISPLAY_PICTURE_ALL : file index (invalid) : %12d\n",
-            " KV_DISPLAY_PICTURE_ALL : grid_id (invalid) : %12d\n");
+  show_part(
+      vpid, file_index, [&](const gx_boundsreal_t& page) { gx_viewport_fit(vpid, page); },
+      " KV_DISPLAY_PICTURE_ALL : file index (invalid) : %12d\n",
+      " KV_DISPLAY_PICTURE_ALL : grid_id (invalid) : %12d\n");
 }
 
 void kv_display_picture_area(gx_vpid_t vpid, gx_file_index_t file_index, gx_pointreal_t p1,
                              gx_pointreal_t p2) {
-  const gx_boundsreal_t box = gx_area_of(p1, p2);
-  show_part(vpid, file_index, &box, " KV_DISPLAY_PICTURE_AREA : file index (invalid) : %12d\n",
-            " KV_DISPLAY_PICTURE_AREA : grid_id (invalid) : %12d\n");
+  show_part(
+      vpid, file_index, [&](const gx_boundsreal_t&) { gx_viewport_fit(vpid, gx_area_of(p1, p2)); },
+      " KV_DISPLAY_PICTURE_AREA : file index (invalid) : %12d\n",
+      " KV_DISPLAY_PICTURE_AREA : grid_id (invalid) : %12d\n");
+}
+
+void kv_display_picture_shown(gx_vpid_t vpid, gx_file_index_t file_index, const gx_shown_t& shown) {
+  show_part(
+      vpid, file_index, [&](const gx_boundsreal_t&) { gx_viewport_show(vpid, shown); },
+      " KV_DISPLAY_PICTURE_SHOWN : file index (invalid) : %12d\n",
+      " KV_DISPLAY_PICTURE_SHOWN : grid_id (invalid) : %12d\n");
 }
 
 void kv_update_viewport_edit() {
@@ -155,7 +177,11 @@ void kv_show_title() {
   gx_string_record_t design, title = gx_string("kivo  ");
   gx_get_arg(2, design);
   gx_concat_line(design, title);
-  if (kv_pext.cur_sim_path.len > 0) gx_concat_all(title, " ", gx_view(kv_pext.cur_sim_path));
+  // RUN puts a "/" before the path of the sheet in view.
+  std::string_view names = gx_view(kv_pext.cur_sim_path);
+  if (names.starts_with('/')) names.remove_prefix(1);
+  if (names.ends_with('/')) names.remove_suffix(1);
+  if (!names.empty()) gx_concat_all(title, " /", names);
   gx_set_title(gx_view(title));
 }
 

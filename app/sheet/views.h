@@ -5,6 +5,7 @@
 
 #include "gx/db/file_records.h"
 #include "gx/display/screen_state.h"
+#include "gx/display/viewport_coords.h"
 
 // The four viewports of the window, in the order of their ids: edit, cmd, list, context.
 std::array<gx_viewport_init_rec_t, 4> set_viewports();
@@ -17,11 +18,16 @@ inline constexpr gx_view_roles_t kv_view_roles = {.viewport_edit = 1,
                                                   .viewport_activ = 4};
 void kv_set_view_roles();
 
-// Draws a sheet whole, or the part between two corners, in a viewport (only while the display
-// is on).
+// The frame of a viewport: where the pointer is, and elsewhere.
+void kv_frame_active(gx_vpid_t vpid);
+void kv_frame_quiet(gx_vpid_t vpid);
+
+// Draws a sheet whole, or a part of it, in a viewport (only while the display is on).
 void kv_display_picture_all(gx_vpid_t vpid, gx_file_index_t file_index);
 void kv_display_picture_area(gx_vpid_t vpid, gx_file_index_t file_index, gx_pointreal_t p1,
                              gx_pointreal_t p2);
+// What a viewport showed before, as gx_viewport_shown has told it.
+void kv_display_picture_shown(gx_vpid_t vpid, gx_file_index_t file_index, const gx_shown_t& shown);
 
 // Draws the viewport again: `update` keeps the zoom, `expose` follows a new window size.
 void kv_update_viewport_edit();
@@ -30,7 +36,8 @@ void kv_update_viewport_context();
 void kv_expose_viewport_context();
 void kv_update_basept_edit_cmd();
 
-// The window's title tells the place: the design's path, and below the top the simulation path.
+// The window's title says the place: the design's path, and below the top the names down to the
+// sheet, "/X1/X2", whether there was a RUN or not.
 void kv_show_title();
 
 // Puts a cross (gx_display_cross, gx_keep_cross) at the origin of every component of a symbol file.

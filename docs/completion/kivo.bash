@@ -3,11 +3,12 @@ _kivo_programs() {
   local current=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]} options=
   COMPREPLY=()
   case ${1##*/} in
-    kivo) options='--batch --quiet -q --strict --trace' ;;
+    kivo) options='--batch --quiet -q --strict --trace --json --mark' ;;
     gxmake) options='-o -a -q --array --variants' ;;
     gxdump) options='-C --source --all --format' ;;
     gximport) options='-o -L --format --number --absolute -q --quiet' ;;
-    kvdump) options='--format' ;;
+    kvdump) options='--json --format --csv --sqlite' ;;
+    kvverilog) options='--flat --top -o' ;;
     kvspice) options='-o' ;;
     kivo-plot) options='-landscape --landscape -o --svg --pdf --all --per-instance --primitive --paper --colours --colors' ;;
   esac
@@ -16,12 +17,13 @@ _kivo_programs() {
     return
   fi
   case $before in
-    --array | --variants | --number | --primitive) return ;;
+    --array | --variants | --number | --primitive | --top | --mark) return ;;
     --paper) mapfile -t COMPREPLY < <(compgen -W "A5 A4 A3 A2 A1 A0 letter legal tabloid fit" -- "$current")
              return ;;
     --colours | --colors) mapfile -t COMPREPLY < <(compgen -W "screen print mono" -- "$current")
                           return ;;
-    --format) [[ $1 == *gximport ]] && mapfile -t COMPREPLY < <(compgen -W "xschem lepton" -- "$current")
+    --format) [[ $1 == *kvdump ]] && mapfile -t COMPREPLY < <(compgen -W yosys -- "$current")
+              [[ $1 == *gximport ]] && mapfile -t COMPREPLY < <(compgen -W "xschem lepton kicad" -- "$current")
               return ;;
   esac
   # A design is a directory; so is the first word of most of these programs.
@@ -34,5 +36,5 @@ _kivo_programs() {
   esac
   compopt -o filenames 2>/dev/null
 }
-complete -F _kivo_programs kivo gxmake gxdump gximport kvdump kvspice kivo-plot kivo-simlink \
+complete -F _kivo_programs kivo gxmake gxdump gximport kvdump kvspice kvverilog kivo-plot kivo-simlink \
   kivoMenuDB kivoKeysDB

@@ -196,15 +196,6 @@ gx_file_index_t gx_file_open(std::string_view dirname, std::string_view filetype
   return file_index;
 }
 
-gx_file_index_t gx_file_open_sound(std::string_view dirname, std::string_view filetype,
-                                   std::string& why) {
-  attempt_t attempt;
-  const auto file_index = open_slot(dirname, filetype, attempt);
-  if (file_index == 0 && attempt.load.fault != gx_load_fault::other) stop_with(attempt, op_open);
-  why = attempt.load.message;
-  return file_index;
-}
-
 gx_file_index_t gx_file_try_open(std::string_view dirname, std::string_view filetype,
                                  std::string& why) {
   attempt_t attempt;

@@ -10,9 +10,6 @@
 // Opens the current version of directory/base into a new slot, or an empty file when there is no
 // link file; every failure stops the program.
 gx_file_index_t gx_file_open(std::string_view dirname, std::string_view filetype);
-// The same, but a file whose data are not sound (gx_load_fault::other) gives 0 and the reason.
-gx_file_index_t gx_file_open_sound(std::string_view dirname, std::string_view filetype,
-                                   std::string& why);
 // The same, but a file that is there and cannot be used gives 0 and the reason, and takes no slot.
 gx_file_index_t gx_file_try_open(std::string_view dirname, std::string_view filetype,
                                  std::string& why);

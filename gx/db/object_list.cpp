@@ -79,7 +79,7 @@ std::string gx_object_list(gx_file_index_t file_index) {
   gx_string_record_t path = gx_at(gx_files.filear, file_index).dirname;
   gx_concat_const("/list_obj_file", path);
   const auto refused = [&path] {
-    return std::string("\"").append(gx_view(path)).append("\" : ").append(x_why(errno));
+    return std::string("\"").append(gx_view(path)).append("\" : ").append(x_why_unwritten(errno));
   };
   x_file file_owner = x_create_file(std::string(gx_view(path)), false);
   std::FILE* const out = file_owner.get();

@@ -190,9 +190,11 @@ gx_load_t read_object(reader_t& in, gx_file_gene_recf_t& file, int id, std::stri
   return {};
 }
 
+constexpr std::size_t header_size = gx_tables::disk_size(gx_tables::header_fields);
+
 // Reads the header; where the bytes end, the rest of it reads as all ones and fails its checks.
 void read_header(reader_t& in, gx_file_gene_recf_t& file) {
-  std::array<unsigned char, gx_tables::disk_size(gx_tables::header_fields)> bytes;
+  std::array<unsigned char, header_size> bytes;
   bytes.fill(0xff);
   const auto size = std::min(bytes.size(), static_cast<std::size_t>(in.end - in.at));
   std::copy_n(in.at, size, bytes.begin());
@@ -289,9 +291,12 @@ gx_load_t gx_decode_file(std::string_view bytes, std::string_view name) {
   auto& file = *storage;
   read_header(in, file);
   if (!(file.software_revision == 2.0F)) {
-    auto load = refused(gx_code::file_open_invalid, gx_load_fault::revision,
-                        std::string(name) + ": software revision " +
-                            revision_text(file.software_revision) + " instead of 2.0");
+    auto load = refused(
+        gx_code::file_open_invalid, gx_load_fault::revision,
+        std::string(name) + (bytes.size() < header_size
+                                 ? ": the file ends early"
+                                 : ": software revision " + revision_text(file.software_revision) +
+                                       " instead of 2.0"));
     load.revision = file.software_revision;
     return load;
   }

@@ -14,13 +14,6 @@ namespace {
 constexpr std::string_view prompt = " cmd >";
 constexpr std::size_t max_typed_part = 54;  // the characters of a line behind the prompt
 
-// The character of the text before which the next one goes.
-int caret_column(std::string_view text) {
-  const auto& v = gx_vext;
-  const int end = static_cast<int>(text.size()) + 1;
-  return v.viewport_id == v.viewport_cmd ? std::clamp(gx_cmd_column(v.pixel_pos), 1, end) : end;
-}
-
 // A thin upright between two characters.
 void draw_caret(int column) {
   const auto& v = gx_vext;
@@ -42,14 +35,14 @@ void gx_display_cmd(std::string_view text) {
   gx_string_record_t line;
   gx_concat_all(line, prompt, text);
   gx_viewport_display_text(v.viewport_cmd, gx_view(line), {v.cmd_x0, v.cmd_y0}, true, v.cmd_color);
-  v.caret_column = caret_column(text);
+  v.caret_column = gx_caret();
   draw_caret(v.caret_column);
 }
 
 void gx_follow_caret() {
   const std::string_view text = gx_view(gx_vext.str_cmd);
   if (!gx_drawing_possible() || !gx_viewport_ok(gx_vext.viewport_cmd)) return;
-  if (caret_column(text) != gx_vext.caret_column) gx_display_cmd(text);
+  if (gx_caret() != gx_vext.caret_column) gx_display_cmd(text);
 }
 
 void gx_display_cmd_part(std::string_view text) {

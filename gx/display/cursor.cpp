@@ -1,11 +1,9 @@
 #include "gx/display/cursor.h"
 
-#include <X11/Xlib.h>
-
 #include <algorithm>
 
 #include "gx/display/pen.h"
-#include "gx/text/at.h"
+#include "gx/display/screen.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
 #include "gx/vext.h"
@@ -27,26 +25,12 @@ void show_cursor(const char* operation) {
     gx_debug(" !! error : %s : ind_curs : %2d\n", operation, v.cursor_ind_cur);
     gx_set_status(gx_code::draw_cursor_invalid);
   }
-  if (v.dpy == nullptr) return;
-  const int pattern = v.cmd_executing ? watch_pattern : v.cursor_ind_cur;
-  const auto& cursor = gx_at(v.cursor_array, pattern - 1);
-  if (cursor.cursid != 0) {
-    const auto& shade = v.colorrec[std::min<std::size_t>(cursor.color, 7)];
-    XColor foreground{}, background{};
-    foreground.red = shade.red;
-    foreground.green = shade.green;
-    foreground.blue = shade.blue;
-    XRecolorCursor(v.dpy, cursor.cursid, &foreground, &background);
-  }
-  XDefineCursor(v.dpy, v.win, cursor.cursid);
-  XFlush(v.dpy);
+  if (v.screen != nullptr)
+    v.screen->show_pointer(v.cmd_executing ? watch_pattern : v.cursor_ind_cur);
 }
 
-// Puts the pointer at a pixel; with a window, only while it is near `from` there, which the server
-// looks at: what a user does meanwhile is not undone.
-void warp(Window window, gx_point16_t from, gx_point16_t pixel) {
-  check_ready();
-  if (gx_vext.dpy == nullptr) return;
+// Where the pointer is put for a pixel; the shape that it has is shown. Only with a screen.
+gx_point16_t place_for(gx_point16_t pixel) {
   show_cursor("gx_cursor_set_position ");
   const auto kept = [](int at, int size) {
     return std::clamp(at, pointer_margin, std::max(size - pointer_margin, pointer_margin));
@@ -56,10 +40,7 @@ void warp(Window window, gx_point16_t from, gx_point16_t pixel) {
                    static_cast<std::int16_t>(kept(pixel.y, v.bitmap_size.y))};
   v.was_put = true;
   gx_pen_flush();
-  constexpr unsigned near = 2 * pointer_margin + 1;
-  XWarpPointer(v.dpy, window, v.win, from.x - pointer_margin, from.y - pointer_margin, near, near,
-               v.pointer_put.x, v.pointer_put.y);
-  XFlush(v.dpy);
+  return v.pointer_put;
 }
 }  // namespace
 
@@ -75,19 +56,21 @@ void gx_cursor_set_pattern(int index) {
 
 void gx_cursor_active() {
   check_ready();
-  if (gx_vext.dpy == nullptr) return;
-  show_cursor("gx_cursor_active");
+  if (gx_vext.screen != nullptr) show_cursor("gx_cursor_active");
 }
 
 void gx_cursor_erase() {
   check_ready();
-  if (gx_vext.dpy == nullptr) return;
-  XUndefineCursor(gx_vext.dpy, gx_vext.win);
-  XFlush(gx_vext.dpy);
+  if (gx_vext.screen != nullptr) gx_vext.screen->hide_pointer();
 }
 
-void gx_cursor_set_position(gx_point16_t pixel) { warp(None, {}, pixel); }
+void gx_cursor_set_position(gx_point16_t pixel) {
+  check_ready();
+  if (gx_vext.screen != nullptr) gx_vext.screen->put_pointer(place_for(pixel));
+}
 
 void gx_cursor_set_position(gx_point16_t pixel, gx_point16_t from) {
-  warp(gx_vext.win, from, pixel);
+  check_ready();
+  if (gx_vext.screen != nullptr)
+    gx_vext.screen->put_pointer_near(place_for(pixel), from, pointer_margin);
 }

@@ -11,6 +11,7 @@
 #include "gx/display/offscreen.h"
 #include "gx/display/probe.h"
 #include "gx/display/screen_state.h"
+#include "gx/display/theme.h"
 #include "gx/display/viewports.h"
 #include "gx/picture/object_shapes.h"
 #include "gx/picture/sheet_shapes.h"
@@ -19,10 +20,58 @@
 #include "gx/vext.h"
 
 namespace {
+bool has_segment_in_view(const gx_picture_t& picture, int net_id) {
+  const auto& file = *picture.file;
+  for (int id = gx_inq_first_net_segment_id(file, net_id); id > 0;
+       id = gx_inq_next_net_segment_id(file, net_id, id))
+    if (!gx_is_deleted(gx_object_id_ptr(file, id)) &&
+        gx_part_object_inside_vp_bounds(picture.vpid, file, id, 0))
+      return true;
+  return false;
+}
+
+// Calls visit(instance, pin, pinpropfam) for the pins of a net that are not deleted.
+template <typename Visit>
+void visit_pins(const gx_file_gene_recf_t& file, int net_id, Visit visit) {
+  for (const int inst : lb_instances(file)) {
+    if (gx_inq_object_deleted(file, inst)) continue;
+    for (const auto [pin, pinpropfam] : lb_pins(file, inst)) {
+      const auto* const family = gx_object_as<gx_object_pinpropfam_rec_t>(file, pinpropfam);
+      if (family != nullptr && family->net == net_id && !gx_inq_object_deleted(file, pinpropfam))
+        visit(inst, pin, pinpropfam);
+    }
+  }
+}
+
+// Of a marked net without a wire in view: its pins and texts in the colour of the mark, and its
+// name at the first pin where there is room for it.
+void draw_mark_without_wire(const gx_picture_t& picture, int net_id, const gx_highlight_t& mark) {
+  const auto& file = *picture.file;
+  gx_sink_t sink = gx_screen_sink(picture);
+  sink.draw = [&](const gx_shape_t& shape) { gx_draw_shape(picture, shape, &mark); };
+  for (int id = gx_inq_first_net_property_id(file, net_id); id > 0;
+       id = gx_inq_next_net_property_id(file, net_id, id))
+    if (!gx_is_deleted(gx_object_id_ptr(file, id))) gx_primitive_shape(file, id, 0, false, sink);
+  bool is_named = mark.name.len < 1;
+  visit_pins(file, net_id, [&](int inst, int pin, int pinpropfam) {
+    gx_tree_shapes(file, pinpropfam, inst, false, sink);
+    gx_tree_shapes(file, pin, inst, false, sink);
+    if (is_named) return;
+    gx_display_probe_rec_t probe;
+    probe.name = mark.name;
+    probe.vertex = static_cast<gx_object_id_t>(pinpropfam);
+    is_named = gx_probe_fits(picture.vpid, picture.file_index, probe);
+    if (is_named) gx_display_probe(picture.vpid, picture.file_index, probe);
+  });
+}
+
 // The name of a marked net, at the first end of a segment where there is room for it.
 void draw_mark(const gx_picture_t& picture, int net_id, const gx_highlight_t& mark) {
-  if (mark.name.len < 1) return;
   const auto& file = *picture.file;
+  const bool is_net = gx_object_id_ptr(file, net_id).object_type == gx_type::net;
+  if (is_net && !has_segment_in_view(picture, net_id))
+    return draw_mark_without_wire(picture, net_id, mark);
+  if (mark.name.len < 1) return;
   gx_display_probe_rec_t probe;
   probe.name = mark.name;
   const auto is_end = [&](int id) {
@@ -95,6 +144,13 @@ gx_sink_t gx_screen_sink(const gx_picture_t& picture) {
     return !gx_viewport_rec(picture.vpid).vp_blocked &&
            gx_part_object_inside_vp_bounds(picture.vpid, *picture.file, id, inst);
   };
+  if (gx_theme().has_roles) {  // what is joined needs no sign
+    sink.marks_pin = [&picture](int pinpropfam) {
+      const auto* const family =
+          gx_object_as<gx_object_pinpropfam_rec_t>(*picture.file, pinpropfam);
+      return family == nullptr || family->net == 0;
+    };
+  }
   sink.opens = [&picture](int id) {
     if (gx_object_id_ptr(*picture.file, id).object_type != gx_type::net) return;
     const auto* const probe = gx_net_info_ptr(*picture.file, id).ptrto_probe;

@@ -7,15 +7,18 @@
 #include <numbers>
 
 #include "gx/db/geometry.h"
+#include "gx/db/object_access.h"
 #include "gx/display/clipping.h"
 #include "gx/display/grid.h"
 #include "gx/display/highlight.h"
 #include "gx/display/markers.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/stroke_text.h"
+#include "gx/display/theme.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
+#include "gx/vext.h"
 
 namespace {
 constexpr int largest_diamond = 5;        // radius in pixels; larger circles are round
@@ -26,10 +29,23 @@ constexpr int selected_style = 3;
 struct item_t {
   const gx_picture_t& picture;
   const gx_shape_t& shape;
-  bool is_marked = false;  // a segment of a highlighted net
+  const gx_highlight_t* mark = nullptr;  // it is of a highlighted net
 
   gx_vpid_t vpid() const { return picture.vpid; }
-  int color() const { return gx_drawn_color(picture, shape.color, shape.selected || is_marked); }
+  int color() const {
+    const int chosen = gx_vext.color_obj_selected;
+    if (!picture.erases() && shape.selected) return gx_color_of(gx_role::selection, chosen);
+    if (!picture.erases() && mark != nullptr) return gx_highlight_color(mark->color);
+    return gx_drawn_color(picture, gx_color_of(role(), gx_file_color(shape.color)), false);
+  }
+  gx_role role() const {
+    if (shape.kind == gx_shape_kind::text) return gx_role::text;
+    if (shape.net != 0) return gx_role::wire;
+    const auto& file = *picture.file;
+    if (gx_object_id_ptr(file, shape.object).object_type == gx_type::pin) return gx_role::pin;
+    const bool is_sheet = file.grid_obj_id != 0;
+    return is_sheet && shape.inst == 0 ? gx_role::frame : gx_role::symbol;
+  }
   // Checked also where it is not used.
   int style() const {
     if (shape.style < 0 || shape.style >= gx_nb_of_styles) {
@@ -38,7 +54,12 @@ struct item_t {
                  shape.net, shape.object);
       gx_set_status(gx_code::invalid_style);
     }
-    return shape.selected ? selected_style : is_marked ? 0 : shape.style;
+    return shape.selected ? selected_style : mark != nullptr ? 0 : shape.style;
+  }
+  int width() const {
+    constexpr int marked_width = 3;
+    return mark != nullptr && gx_theme().has_roles ? std::max(shape.width, marked_width)
+                                                   : shape.width;
   }
   gx_point16_t pixel(std::size_t i = 0) const {
     return gx_viewport_pt_real_to_pixel(vpid(), shape.points[i]);
@@ -123,15 +144,17 @@ void draw_box(const item_t& item) {
 }
 }  // namespace
 
-void gx_draw_shape(const gx_picture_t& picture, const gx_shape_t& shape) {
-  item_t item{picture, shape};
-  const auto is_marked = [&](int id) { return gx_highlight_of(picture.file_index, id) != nullptr; };
-  if (shape.net != 0 && !picture.erases())
-    item.is_marked = is_marked(shape.net) || is_marked(shape.object);
+void gx_draw_shape(const gx_picture_t& picture, const gx_shape_t& shape,
+                   const gx_highlight_t* mark) {
+  item_t item{picture, shape, mark};
+  if (shape.net != 0 && !picture.erases() && mark == nullptr) {
+    item.mark = gx_highlight_of(picture.file_index, shape.net);
+    if (item.mark == nullptr) item.mark = gx_highlight_of(picture.file_index, shape.object);
+  }
   switch (shape.kind) {
     case gx_shape_kind::line:
       gx_draw_thick_line(picture.vpid, item.color(), item.style(), item.pixel(0), item.pixel(1),
-                         shape.width);
+                         item.width());
       break;
     case gx_shape_kind::polyline:
       draw_polyline(item);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "gx/display/screen_state.h"
 
@@ -23,6 +24,7 @@ enum class gx_event_kind {
   modifier_key = 14,
   nothing = 15,
   close_asked = 16,  // the desktop asks to close the window, or a signal to end
+  pasted = 17,       // the text that gx_ask_for_text asked for is there
 };
 
 struct gx_event_t {
@@ -37,12 +39,14 @@ struct gx_event_t {
   int clicks = 0;
   gx_point16_t pressed;
   bool resized = false;  // exposed: the window has another size
+  std::string text;      // pasted: what another program has, at most 1000 bytes
 };
 
 // Blocks until one event has been read. Keeps the pointer state, the key state and the window size
 // in gx_vext up to date on the way.
 gx_event_t gx_input_event_wait();
+// Asks for what another program has selected, or put into the clipboard: an event will bring it.
+void gx_ask_for_text(bool from_clipboard);
 // Removes a queued key press (kind 0) or release (kind 1) with that keysym and modifiers; false
 // when there is none, for other kinds, and without a display.
 bool gx_find_event(int kind, std::uint32_t keysym, std::uint32_t modifiers);
-void gx_input_enable(long mask);

@@ -8,6 +8,7 @@
 #include "gx/db/object_access.h"
 #include "gx/display/draw_strokes.h"
 #include "gx/display/screen_state.h"
+#include "gx/display/theme.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
@@ -45,7 +46,7 @@ void draw_dots(const gx_picture_t& picture, const gx_object_grid_rec_t& grid, gx
   const axis_t y = axis_of(step, vp.object_scale, vp.bounds_part.ymin, vp.pixel_bounds.ymin,
                            clip.ymin, clip.ymax, near.y, far.y);
   if (x.pitch < smallest_pitch || y.pitch < smallest_pitch) return;
-  const int color = gx_drawn_color(picture, dot_color, false);
+  const int color = gx_drawn_color(picture, gx_color_of(gx_role::page, dot_color), false);
   for (std::int64_t py = y.start; py / 1000 < y.high; py += y.pitch) {
     const int pixel_y = static_cast<int>(py / 1000);
     if (pixel_y <= y.low) continue;
@@ -86,6 +87,8 @@ void gx_draw_grid(const gx_picture_t& picture, const gx_shape_t& page) {
   const gx_point16_t near = gx_viewport_pt_real_to_pixel(picture.vpid, page.points[0]);
   const gx_point16_t far = gx_viewport_pt_real_to_pixel(picture.vpid, page.points[1]);
   const std::array<gx_point16_t, 5> frame{near, {far.x, near.y}, far, {near.x, far.y}, near};
-  gx_draw_polyline(picture.vpid, gx_drawn_color(picture, page.color, false), 0, frame);
+  gx_draw_polyline(picture.vpid,
+                   gx_drawn_color(picture, gx_color_of(gx_role::page, page.color), false), 0,
+                   frame);
   if (!gx_is_unvisible(grid.gene) && grid.grid_on != 0) draw_dots(picture, grid, near, far);
 }

@@ -21,9 +21,10 @@ auto place_of_mark(gx_file_index_t file_index, int id) {
   return std::lower_bound(marks.begin(), marks.end(), wanted, is_before);
 }
 
-void put_mark(gx_file_index_t file_index, int id, int vertex, std::string_view name) {
+void put_mark(gx_file_index_t file_index, int id, int vertex, std::string_view name, int color) {
   const mark_t mark{file_index, static_cast<gx_object_id_t>(id),
-                    static_cast<gx_object_id_t>(vertex), gx_string(name)};
+                    static_cast<gx_object_id_t>(vertex), gx_string(name),
+                    static_cast<std::uint8_t>(std::clamp(color, 1, gx_nb_of_highlights))};
   const auto at = place_of_mark(file_index, id);
   if (at != gx_vext.highlights.end() && !is_before(mark, *at))
     *at = mark;
@@ -32,12 +33,13 @@ void put_mark(gx_file_index_t file_index, int id, int vertex, std::string_view n
 }
 }  // namespace
 
-void gx_highlight_net(gx_file_index_t file_index, int net_id, std::string_view name, int vertex) {
-  put_mark(file_index, net_id, vertex, name);
+void gx_highlight_net(gx_file_index_t file_index, int net_id, std::string_view name, int vertex,
+                      int color) {
+  put_mark(file_index, net_id, vertex, name, color);
 }
 
 void gx_highlight_segment(gx_file_index_t file_index, int segment_id) {
-  put_mark(file_index, segment_id, 0, {});
+  put_mark(file_index, segment_id, 0, {}, 1);
 }
 
 void gx_highlight_clear(gx_file_index_t file_index) {

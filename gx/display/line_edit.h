@@ -8,9 +8,19 @@
 
 inline constexpr int gx_cmd_columns = 60;  // characters of a line that are shown
 
-// Makes the text the command line and shows it. While the pointer is elsewhere the line scrolls so
-// that its end is seen.
+// Makes the text the command line and shows it, with the caret before a character (from 1), or
+// behind the last one. While the pointer is elsewhere the line scrolls so that the caret is seen;
+// while it is on the line the caret is where the pointer is, which is put there.
 void gx_set_command_line(std::string_view text);
+void gx_set_command_line(std::string_view text, int caret);
+
+// The character before which the next one goes: that under the pointer, else that of the caret.
+int gx_caret();
+// The text goes in at the caret.
+void gx_insert_text(std::string_view text);
+// What is before the caret, behind it, or the word before it goes.
+enum class gx_cut { before, behind, word };
+void gx_cut_line(gx_cut what);
 
 // The character of the command line under the pixel, from 1; below 1 and past the end too.
 int gx_cmd_column(gx_point16_t pixel);

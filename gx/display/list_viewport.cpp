@@ -4,10 +4,25 @@
 
 #include "gx/display/pen.h"
 #include "gx/display/stroke_text.h"
+#include "gx/display/theme.h"
 #include "gx/display/viewports.h"
 #include "gx/text/at.h"
 #include "gx/text/message_list.h"
 #include "gx/vext.h"
+
+namespace {
+// In a theme with colours of its own: errors, warnings, echoes of commands and what they answer.
+int color_of(int line) {
+  constexpr int red = 1, cyan = 4, yellow = 5;
+  const auto& v = gx_vext;
+  if (!gx_theme().has_roles) return v.list_color;
+  const gx_line_kind kind = gx_at(v.line_kind, line - 1);
+  if (kind == gx_line_kind::error) return red;
+  if (kind == gx_line_kind::warning) return yellow;
+  const bool is_echo = gx_view(gx_at(v.line_list, line - 1)).starts_with(' ');
+  return is_echo ? cyan : v.list_color;
+}
+}  // namespace
 
 void gx_upd_display_list(bool up, int lines) {
   auto& v = gx_vext;
@@ -16,6 +31,15 @@ void gx_upd_display_list(bool up, int lines) {
   v.nlinlist_disp =
       static_cast<std::int16_t>(std::clamp(v.nlinlist_disp + (up ? -lines : lines), 1, last_page));
   gx_regen_display_list();
+}
+
+int gx_list_line_at(gx_point16_t pixel) {
+  const auto& v = gx_vext;
+  const gx_point16_t corner = gx_viewport_inq_pixel_min(v.viewport_list);
+  const int row = (pixel.y - corner.y - v.listb_y0) / std::max<int>(v.list_step, 1) + 1;
+  int line = std::clamp(row, 1, std::max<int>(v.nb_line_in_listviewp, 1));
+  if (v.nlinlist_disp > 1) line += v.nlinlist_disp - 1;
+  return std::clamp(line, 1, gx_max_list_lines);
 }
 
 void gx_regen_display_list() {
@@ -28,6 +52,6 @@ void gx_regen_display_list() {
   for (int line = first; line <= last; ++line) {
     const int y = v.listb_y0 + (line - first) * v.list_step;
     gx_viewport_display_text(v.viewport_list, gx_view(gx_at(v.line_list, line - 1)),
-                             {v.listb_x0, static_cast<std::int16_t>(y)}, true, v.list_color);
+                             {v.listb_x0, static_cast<std::int16_t>(y)}, true, color_of(line));
   }
 }

@@ -5,9 +5,9 @@
 #include <array>
 #include <span>
 
-#include "gx/display/colors.h"
 #include "gx/display/draw_strokes.h"
 #include "gx/display/screen_state.h"
+#include "gx/display/theme.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
@@ -88,7 +88,7 @@ void gx_display_half_cross(gx_vpid_t vpid, gx_pointreal_t p) {
 }
 
 void gx_display_selvertex(gx_vpid_t vpid, gx_pointreal_t p) {
-  draw_marker(vpid, p, selected_vertex, green);
+  draw_marker(vpid, p, selected_vertex, gx_color_of(gx_role::selection, green));
 }
 
 void gx_display_pin_nocon(gx_vpid_t vpid, gx_pointreal_t p) {

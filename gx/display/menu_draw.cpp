@@ -2,18 +2,17 @@
 // level's pixmap and copied back when the level closes. One code path serves the four levels.
 #include "gx/display/menu_draw.h"
 
-#include <X11/Xlib.h>
-
 #include <algorithm>
 #include <array>
 
-#include "gx/display/colors.h"
 #include "gx/display/cursor.h"
 #include "gx/display/menu_state.h"
 #include "gx/display/menu_tree.h"
 #include "gx/display/pen.h"
+#include "gx/display/screen.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/stroke_text.h"
+#include "gx/display/theme.h"
 #include "gx/display/viewports.h"
 #include "gx/display/window.h"
 #include "gx/text/at.h"
@@ -24,7 +23,6 @@
 namespace {
 
 constexpr int red = 1;
-constexpr int pixmap_margin = 10;  // the picture is kept at this place in its pixmap
 constexpr std::size_t max_shown_length = 199;
 
 std::int16_t pixel(int v) { return static_cast<std::int16_t>(std::clamp(v, -32768, 32767)); }
@@ -94,32 +92,11 @@ void record_bounds(int level, const level_place_t& at) {
 
 // --- the pixels under a level
 
-// Room for the area in the level's pixmap; a window that has grown needs more than at the start.
-Pixmap pixmap_with_room(int level, int width, int height) {
-  Window root = 0;
-  int x = 0, y = 0;
-  unsigned int has_width = 0, has_height = 0, border = 0, depth = 0;
-  unsigned long& pixmap = gx_vext.menu_pixid[entry(level)];
-  const auto needs_width = static_cast<unsigned int>(width + pixmap_margin);
-  const auto needs_height = static_cast<unsigned int>(height + pixmap_margin);
-  if (XGetGeometry(gx_vext.dpy, pixmap, &root, &x, &y, &has_width, &has_height, &border, &depth) !=
-          False &&
-      (has_width < needs_width || has_height < needs_height)) {
-    XFreePixmap(gx_vext.dpy, pixmap);
-    pixmap = XCreatePixmap(gx_vext.dpy, gx_vext.win, needs_width, needs_height, depth);
-  }
-  return pixmap;
-}
-
 void clip_to_window() { gx_pen_clip(0, 0, gx_vext.bitmap_size.x + 1, gx_vext.bitmap_size.y + 1); }
 
 void save_picture(int level, const level_place_t& at) {
-  const Pixmap pixmap = pixmap_with_room(level, at.saved_width, at.saved_height);
-  gx_pen_clip(0, 0, at.saved_width + pixmap_margin, at.saved_height + pixmap_margin);
-  gx_pixel_op_replace();
-  XCopyArea(gx_vext.dpy, gx_vext.win, pixmap, gx_vext.our_gc, at.x - 1, at.y - 1,
-            static_cast<unsigned int>(at.saved_width), static_cast<unsigned int>(at.saved_height),
-            pixmap_margin, pixmap_margin);
+  gx_pen_flush();
+  gx_vext.screen->keep_area(level, at.x - 1, at.y - 1, at.saved_width, at.saved_height);
 }
 
 void copy_picture_back(int level) {
@@ -127,10 +104,8 @@ void copy_picture_back(int level) {
   const int width = ext.xmax - ext.xmin + gx_vext.cmd_step;
   const int height = 13 * line_pitch() + 2;
   clip_to_window();
-  gx_pixel_op_replace();
-  XCopyArea(gx_vext.dpy, gx_vext.menu_pixid[entry(level)], gx_vext.win, gx_vext.our_gc,
-            pixmap_margin, pixmap_margin, static_cast<unsigned int>(std::max(width, 1)),
-            static_cast<unsigned int>(std::max(height, 1)), ext.xmin, ext.ymin);
+  gx_pen_flush();
+  gx_vext.screen->put_area_back(level, ext.xmin, ext.ymin, std::max(width, 1), std::max(height, 1));
 }
 
 // --- painting
@@ -198,7 +173,7 @@ int middle_of_line(int level, int line) {
 
 bool can_draw(gx_vpid_t vpid, int level) {
   if (!gx_vext.init_done) gx_set_status(gx_code::init_not_done);
-  if (gx_vext.dpy == nullptr) return false;
+  if (gx_vext.screen == nullptr) return false;
   if (!gx_viewport_ok(vpid)) gx_set_status(gx_code::viewport_id_invalid);
   if (gx_viewport_rec(vpid).vp_blocked) {
     gx_debug(" gx_draw_menu%d : view port blocked : %d\n", level, vpid);
@@ -239,7 +214,7 @@ void gx_draw_menu(gx_vpid_t vpid, int level) {
 }
 
 void gx_select_line_menu(gx_vpid_t vpid, int level) {
-  if (gx_vext.dpy == nullptr) return;
+  if (gx_vext.screen == nullptr) return;
   check_shown("gx_select_line_menu", vpid, level);
   const int line = gx_vext.menuline_lev[entry(level)];
   int& highlighted = gx_vext.prelinsel_lev[entry(level)];
@@ -254,7 +229,7 @@ void gx_select_line_menu(gx_vpid_t vpid, int level) {
 }
 
 void gx_restore_menu(gx_vpid_t vpid, int level) {
-  if (gx_vext.dpy == nullptr) return;
+  if (gx_vext.screen == nullptr) return;
   check_shown("gx_restore_menu", vpid, level);
   if (!gx_vext.menu_hidden) copy_picture_back(level);
   const int parent = level - 1;
@@ -277,13 +252,13 @@ void gx_close_menus(gx_vpid_t vpid) {
 }
 
 void gx_hide_menus() {
-  if (gx_vext.dpy == nullptr || !gx_vext.menu_drawn || gx_vext.menu_hidden) return;
+  if (gx_vext.screen == nullptr || !gx_vext.menu_drawn || gx_vext.menu_hidden) return;
   for (int level = gx_vext.menu_level; level >= 1; --level) copy_picture_back(level);
   gx_vext.menu_hidden = true;
 }
 
 void gx_redraw_menus(gx_vpid_t vpid) {
-  if (gx_vext.dpy == nullptr || !gx_vext.menu_hidden || !gx_viewport_ok(vpid)) return;
+  if (gx_vext.screen == nullptr || !gx_vext.menu_hidden || !gx_viewport_ok(vpid)) return;
   gx_vext.menu_hidden = false;
   const gx_point16_t pointer = gx_vext.pixel_pos;
   const int deepest = gx_vext.menu_level;

@@ -17,7 +17,8 @@ class gx_batch_t {
   gx_batch_t& operator=(const gx_batch_t&) = delete;
 };
 
-// Colours outside 0..7 are taken as 7. Styles are 0..4; `border` picks the dashes of the borders.
+// Colours are 0..7 and those of roles (gx_color_of); others are taken as 7. Styles are 0..4;
+// `border` picks the dashes of the borders.
 void gx_pen_line(int color, int style, gx_line16_t line, bool border = false);
 void gx_pen_arc(int color, int style, const gx_arc16_t& arc);
 void gx_pen_box(int color, int x, int y, int width, int height);
@@ -29,10 +30,6 @@ void gx_pen_flush();
 // background. An empty box clears nothing.
 void gx_pen_clip(int x, int y, int width, int height);
 void gx_pen_clear(int x, int y, int width, int height);
-
-// Prepares the graphics context for requests made past the pen: colour, style, thin lines.
-// A style outside 0..4 stops with invalid_style.
-void gx_set_line_dashed(int style, int color);
 
 // The pixel operation of what follows: copy, or exclusive-or (the rubber rectangle).
 void gx_pixel_op_replace();

@@ -4,9 +4,9 @@
 
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
-#include "gx/display/colors.h"
 #include "gx/display/draw_strokes.h"
 #include "gx/display/stroke_text.h"
+#include "gx/display/theme.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"

@@ -34,7 +34,7 @@ void flip_rectangle() {
 }  // namespace
 
 void gx_rectangle_action() {
-  if (gx_vext.dpy == nullptr || !in_start_viewport(gx_vext.viewport_id)) return;
+  if (gx_vext.screen == nullptr || !in_start_viewport(gx_vext.viewport_id)) return;
   if (gx_pixels_near(gx_vext.pixel_pos, gx_vext.pixel_ptr2, 2)) return;
   if (gx_pixels_near(gx_vext.pixel_pos, gx_vext.pixel_ptr1, 1)) return;
   gx_viewport_select(gx_vext.viewport_id);
@@ -44,7 +44,7 @@ void gx_rectangle_action() {
 }
 
 void gx_rectangle_erase() {
-  if (gx_vext.dpy == nullptr || !gx_vext.display_rectangle_todo) return;
+  if (gx_vext.screen == nullptr || !gx_vext.display_rectangle_todo) return;
   gx_vext.display_rectangle_todo = false;
   if (!gx_viewport_ok(gx_vext.viewport_id_start)) return;
   gx_viewport_select(gx_vext.viewport_id_start);

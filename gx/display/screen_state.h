@@ -9,12 +9,15 @@
 #include <vector>
 
 #include "gx/db/ids.h"
+#include "gx/display/stroke_layers.h"
 #include "gx/text/records.h"
 
 struct _XDisplay;
 struct _XGC;
 
 struct gx_pen_t;          // gx/display/pen.cpp
+struct gx_screen_t;       // gx/display/screen.h
+struct gx_theme_t;        // gx/display/theme.h
 struct gx_scaled_font_t;  // gx/display/stroke_text.cpp
 
 using gx_vpid_t = std::int8_t;  // 1..16; 0 = none
@@ -35,6 +38,8 @@ struct gx_viewport_rec_t {
   gx_bounds16_t pixel_bounds;       // the same in pixels
   gx_object_id_t object_id = 0;     // root of the picture
   gx_boundsreal_t bounds_part;      // part of the design shown, design units
+  gx_boundsreal_t fit_box;          // that was shown whole last,
+  gx_boundsreal_t fit_part;         // and what was shown then
   gx_bounds16_t clip_wind;          // clip rectangle, pixels
   std::int32_t object_scale = 100;  // design units per pixel, at least 1
   gx_border_info border;
@@ -58,11 +63,14 @@ struct gx_cursor_rec_t {
 };
 
 // A net, or one segment of a net, that every picture of its sheet marks (gx/display/highlight.h).
+inline constexpr int gx_nb_of_highlights = 6;  // colours
+
 struct gx_highlight_t {
   gx_file_index_t file_index = 0;
   gx_object_id_t id = 0;
   gx_object_id_t vertex = 0;  // where its probe stands; 0: at the first end of its first segment
   gx_string_record_t name;    // in the probe; empty: no probe
+  std::uint8_t color = 1;     // 1..gx_nb_of_highlights, see gx/display/theme.h
 };
 
 // A cross or a link that a command has marked (gx/display/markers.h).
@@ -80,7 +88,8 @@ struct gx_view_roles_t {
 };
 
 struct gx_screen_state_t : gx_view_roles_t {
-  _XDisplay* dpy = nullptr;  // null without a display
+  const gx_screen_t* screen = nullptr;  // null without a display
+  _XDisplay* dpy = nullptr;             // what follows is of X, see gx/window
   int scrid = 0;
   unsigned long root = 0, win = 0;
   gx_point16_t window_size;  // pixels, when it was made or last seen
@@ -92,7 +101,8 @@ struct gx_screen_state_t : gx_view_roles_t {
   unsigned long wm_protocols = 0, wm_delete_window = 0;  // atoms: the user closes the window
   std::shared_ptr<gx_pen_t> pen;                         // strokes not yet sent
   std::shared_ptr<const gx_scaled_font_t> strpt;         // glyphs at the size of the screen texts
-  std::array<gx_color_t, 9> colorrec;
+  const gx_theme_t* theme = nullptr;                     // null: the classic one
+  std::array<gx_color_t, gx_nb_of_colors> colorrec;
   unsigned long backgrpixel = 0, foregrpixel = 0;
   gx_point16_t bitmap_size;         // drawable width - 1, height - 1
   std::int16_t cursor_ind_cur = 0;  // 1..12
@@ -117,6 +127,7 @@ struct gx_screen_state_t : gx_view_roles_t {
   bool cmd_executing = false;
   gx_string_record_t str_cmd;  // the command line being typed
   int caret_column = 0;        // of the caret on the screen
+  int caret_at = 0;            // character before which it stands, from 1; 0: behind the last
   std::vector<gx_kept_mark_t> kept_marks;
   std::vector<gx_highlight_t> highlights;  // ordered by file, then id
 };

@@ -15,7 +15,9 @@
 #include "gx/text/at.h"
 #include "gx/text/records.h"
 
-inline constexpr int gx_nb_of_colors = 8;
+inline constexpr int gx_nb_of_file_colors = 8;  // that a file has numbers for
+inline constexpr int gx_nb_of_roles = 15;       // with colours of a theme (gx/display/theme.h)
+inline constexpr int gx_nb_of_colors = gx_nb_of_file_colors + gx_nb_of_roles;
 inline constexpr int gx_nb_of_styles = 5;  // 0 solid, 1..4 dashed
 // The dashes of a line on the sheet, then those of a border.
 inline constexpr int gx_nb_of_dash_lists = 2 * gx_nb_of_styles;
@@ -35,6 +37,7 @@ struct gx_arc16_t {
 struct gx_box16_t {
   std::int16_t x = 0, y = 0;
   std::uint16_t width = 0, height = 0;
+  friend bool operator==(const gx_box16_t&, const gx_box16_t&) = default;
 };
 
 // Strokes of one colour and dash list in one layer.

@@ -116,6 +116,8 @@ void gx_viewport_fit(gx_vpid_t vpid, const gx_boundsreal_t& box) {
   const std::int64_t largest = 2 * max_design / std::max(pixel_width(vp), pixel_height(vp));
   vp.object_scale = static_cast<std::int32_t>(std::clamp<std::int64_t>(scale, 1, largest));
   centre(vp, box.xmin / 2 + box.xmax / 2, box.ymin / 2 + box.ymax / 2);
+  vp.fit_box = box;
+  vp.fit_part = vp.bounds_part;
 }
 
 gx_shown_t gx_viewport_shown(gx_vpid_t vpid) {

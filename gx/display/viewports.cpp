@@ -53,7 +53,7 @@ void draw_border(const gx_viewport_rec_t& vp, int color) {
 }
 }  // namespace
 
-bool gx_drawing_possible() { return gx_vext.dpy != nullptr || gx_vext.viewport_id_max > 0; }
+bool gx_drawing_possible() { return gx_vext.screen != nullptr || gx_vext.viewport_id_max > 0; }
 
 bool gx_is_seen() { return gx_front().shows_pictures; }
 
@@ -139,7 +139,7 @@ void gx_draw_new_viewport_border(gx_vpid_t vpid, int pixel_width, int color) {
   const gx_batch_t batch;
   draw_border(vp, vp.border.background_color);
   vp.border.pixel_width = static_cast<std::uint8_t>(std::clamp(pixel_width, 0, 255));
-  vp.border.border_color = static_cast<std::uint8_t>(std::clamp(color, 0, 7));
+  vp.border.border_color = static_cast<std::uint8_t>(std::clamp(color, 0, gx_nb_of_colors - 1));
   gx_pen_flush();
   draw_border(vp, vp.border.border_color);
   gx_viewport_select(vpid);
@@ -166,6 +166,9 @@ void gx_viewports_update() {
     auto& vp = gx_at(gx_vext.viewport, i);
     vp.pixel_bounds = pixels_of(vp.bounds_vp);
     vp.clip_wind = gx_bounds_to_clipping_window(vp.bounds_vp, vp.border);
+    // What was fitted into the old size and not moved since fits into the new one.
+    if (vp.file_index > 0 && vp.bounds_part == vp.fit_part)
+      gx_viewport_fit(static_cast<gx_vpid_t>(i), vp.fit_box);
   }
 }
 

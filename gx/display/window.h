@@ -1,40 +1,33 @@
-// The X connection, the one window and its shared resources.
+// A window's share of the package: its state when there is no window, and what is asked of one.
+// gx/window opens the one of X.
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <span>
 #include <string_view>
 
 #include "gx/display/screen_state.h"
 
-// Opens the display, makes the window, colours, cursors and menu pixmaps, and creates the
-// viewports (1..16 of them). No or wrong DISPLAY ends the process with status 1; other failures
-// stop the program.
-void gx_init(std::span<const gx_viewport_init_rec_t> viewports, std::string_view window_name);
-int gx_number_of_planes();
-void gx_set_title(std::string_view title);  // of the window and its icon
-
-// The events of the user, and with them the window's own changes of size: a window that shrinks
-// loses nothing and so is not exposed.
-inline constexpr long gx_event_mask = 0x20804F;
-inline constexpr long gx_structure_mask = 0x20000;
-
-// The same package state without a display: no viewport, nothing is drawn.
+// The package state without a display: no viewport, nothing is drawn.
 void gx_init_nograph();
 
 // The same, with viewports (1..16) over a drawable of `size` pixels that nobody sees: every view
-// and conversion computes as in a window of that size, and what is drawn goes nowhere.
+// and conversion computes as in a window of that size, and what is drawn goes nowhere. The state
+// must be fresh.
 inline constexpr gx_point16_t gx_nominal_size = {983, 667};  // the window of a 1024x768 screen
 void gx_init_noview(std::span<const gx_viewport_init_rec_t> viewports,
                     gx_point16_t size = gx_nominal_size);
 
-// Makes X requests and waits for them; false when the server refused one. X errors never end the
-// program: they are traced.
-bool gx_without_x_error(const std::function<void()>& requests);
+// For who opens a screen: stops when one is open already or the number of viewports is wrong; makes
+// the state fresh; takes the drawable's size, sets the texts that follow it and makes the
+// viewports.
+void gx_check_start(std::span<const gx_viewport_init_rec_t> viewports);
+void gx_reset_package();
+void gx_lay_out(int width, int height, std::span<const gx_viewport_init_rec_t> viewports);
 
-// Closes the display connection.
-void gx_terminate();
+int gx_number_of_planes();                  // 0 without a display
+void gx_set_title(std::string_view title);  // of the window and its icon
+void gx_terminate();                        // closes the display connection
 
 // Waits until the server has done all requests; nothing without a display.
 void gx_sync();

@@ -52,6 +52,9 @@ struct gx_sink_t {
   // Whether an object, placed by the instance (0 for none), is to be drawn: asked before anything
   // of it is worked out.
   std::function<bool(int object, int inst)> sees = {};
+  // Whether the sign of a pin is drawn, asked with its property family; empty: always. One that is
+  // selected always is.
+  std::function<bool(int pinpropfam)> marks_pin = {};
   // Before the first shape of a net or instance, and after its last one.
   std::function<void(int object)> opens = {}, closes = {};
 };

@@ -112,7 +112,11 @@ void lb_instance_shapes(const gx_file_gene_recf_t& file, int inst, const gx_sink
     const bool selected =
         gx_inq_object_selected(file, pinpropfam) || gx_inq_object_selected(file, pin);
     gx_tree_shapes(file, pinpropfam, inst, selected, sink);
-    gx_tree_shapes(file, pin, inst, selected, sink);
+    if (selected || !sink.marks_pin || sink.marks_pin(pinpropfam)) {
+      gx_tree_shapes(file, pin, inst, selected, sink);
+    } else {
+      for (const int id : gx_children(file, pin)) gx_tree_shapes(file, id, inst, selected, sink);
+    }
   }
   if (properties > 0) gx_tree_shapes(file, properties, inst, false, sink);
   if (sink.closes) sink.closes(inst);

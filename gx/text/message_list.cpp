@@ -22,7 +22,11 @@ constexpr int lines_between_looks = 100;
 
 gx_list_drawer_t draw_list = nullptr;
 
-std::deque<std::string> waiting;  // the last lines of a batch
+struct line_t {
+  std::string text;
+  gx_line_kind kind;
+};
+std::deque<line_t> waiting;  // the last lines of a batch
 bool is_batch = false;
 
 void count(std::int16_t& counter) {
@@ -38,7 +42,7 @@ gx_string_record_t printable(std::string_view text) {
 
 // Puts a line at the end of the scroll-back. A line longer than the viewport is wide takes two
 // slots: it goes into the second, the first keeps what it held.
-void keep(std::string_view text) {
+void keep(std::string_view text, gx_line_kind kind) {
   auto& v = gx_list;
   const int slots = text.size() > gx_max_text_length ? 2 : 1;
   const int last = std::min<int>(v.nb_list_line_max, gx_max_list_lines);
@@ -47,12 +51,15 @@ void keep(std::string_view text) {
   if (end > last) {
     const auto first = v.line_list.begin();
     std::move(first + slots, first + last, first);
+    const auto kinds = v.line_kind.begin();
+    std::move(kinds + slots, kinds + last, kinds);
     if (v.nlinlist_held > 0)
       v.nlinlist_held = static_cast<std::int16_t>(std::max(v.nlinlist_held - (end - last), 1));
     end = last;
   }
   v.nlinlist_end = static_cast<std::int16_t>(end);
   gx_at(v.line_list, end - 1) = printable(text);
+  gx_at(v.line_kind, end - 1) = kind;
 }
 
 void show_end() {
@@ -72,7 +79,7 @@ void tell_lost_session() {
   const bool was_lost = session.cursess_lost;
   session.cursess_lost = std::ferror(session.cursessfile) != 0;
   if (!session.cursess_lost) return;
-  const int error = errno;
+  const int error = session.cursess_error = errno;
   if (gx_front().keeps_lines) std::clearerr(session.cursessfile);
   if (was_lost) return;
   gx_count_error();
@@ -81,7 +88,8 @@ void tell_lost_session() {
   keep(std::string("# !! Error : impossible to write the session file : \"")
            .append(gx_view(session.cursessname))
            .append("\" : ")
-           .append(x_why(error)));
+           .append(x_why(error)),
+       gx_line_kind::error);
 }
 
 // The file is read while the session goes on, and after one that ended badly: what a user sees is
@@ -115,11 +123,11 @@ void gx_display_list(std::string_view text, gx_line_kind kind) {
   record(text, kind);
   if (!is_kept()) return;
   if (is_batch) {
-    waiting.emplace_back(text);
+    waiting.push_back({std::string(text), kind});
     if (waiting.size() > gx_max_list_lines) waiting.pop_front();
     return;
   }
-  keep(text);
+  keep(text, kind);
   show_end();
 }
 
@@ -129,7 +137,7 @@ gx_list_batch_t::~gx_list_batch_t() {
   if (!is_outer_) return;
   is_batch = false;
   end_session_lines();
-  for (const auto& line : waiting) keep(line);
+  for (const auto& [text, kind] : waiting) keep(text, kind);
   if (!waiting.empty()) show_end();
   waiting.clear();
 }
@@ -138,6 +146,23 @@ void gx_tell_parts(std::span<const std::string_view> parts, gx_line_kind kind) {
   std::string line;
   for (const std::string_view part : parts) line += part;
   gx_display_list(line, kind);
+}
+
+void gx_tell_wrapped(std::string_view text, gx_line_kind kind) {
+  constexpr std::string_view further = "#    ";
+  std::string line;
+  while (line.size() + text.size() > gx_list_columns) {
+    const std::size_t room = gx_list_columns - line.size();
+    const std::size_t words = std::min(text.find_first_not_of("# "), text.size());
+    std::size_t length = text.rfind(' ', room);
+    if (length == text.npos || length <= words) length = room;
+    gx_display_list(line + std::string(text.substr(0, length)), kind);
+    text.remove_prefix(length);
+    text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
+    line = further;
+    if (kind != gx_line_kind::plain) kind = gx_line_kind::detail;
+  }
+  if (!text.empty()) gx_display_list(line + std::string(text), kind);
 }
 
 // The listing of a session file would itself make it grow.
@@ -165,14 +190,23 @@ bool gx_display_file_invplist(std::string_view path, bool (*stop_asked)()) {
     gx_concat_all(shown, "# \"", gx_view(line), "\" ");
     record(gx_view(shown), gx_line_kind::plain);
     if (!is_kept()) continue;
-    keep(gx_view(shown));
+    keep(gx_view(shown), gx_line_kind::plain);
     if (gx_list.nlinlist_held == 0) gx_list.nlinlist_held = gx_list.nlinlist_end;
   }
   if (is_kept()) show_end();  // once: only one page stays in sight
   return true;
 }
 
-void gx_list_follow() { gx_list.nlinlist_held = 0; }
+void gx_list_follow() {
+  if (!gx_list.is_read) gx_list.nlinlist_held = 0;
+}
+
+void gx_list_stay() {
+  gx_list.is_read = true;
+  gx_list.nlinlist_held = std::max<std::int16_t>(gx_list.nlinlist_disp, 1);
+}
+
+void gx_list_leave() { gx_list.is_read = false; }
 
 void gx_count_kind(gx_line_kind kind) {
   if (kind == gx_line_kind::error) {

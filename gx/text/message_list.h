@@ -11,7 +11,8 @@
 #include "gx/text/records.h"
 
 inline constexpr int gx_max_list_lines = 500;
-inline constexpr int gx_max_text_length = 60;  // characters that a line of a viewport shows
+inline constexpr int gx_max_text_length = 60;       // characters that a line of a viewport shows
+inline constexpr std::size_t gx_list_columns = 57;  // of them the list has room for
 
 struct gx_list_state_t {
   bool transcript_state = true;
@@ -20,7 +21,9 @@ struct gx_list_state_t {
   std::int16_t nlinlist_end = 0;      // last line of the list
   std::int16_t nlinlist_disp = 0;     // first line shown
   std::int16_t nlinlist_held = 0;  // the line that stays the first one shown; 0: the end is shown
+  bool is_read = false;            // the user is at a line: a new command shows no end
   std::array<gx_string_record_t, gx_max_list_lines> line_list;  // line n at entry n - 1
+  std::array<gx_line_kind, gx_max_list_lines> line_kind{};      // and what it means
   gx_line_kind worst = gx_line_kind::plain;                     // of all lines told
 };
 
@@ -47,6 +50,10 @@ template <typename... Part>
 void gx_tell_detail(const Part&... part) {
   gx_tell_as(gx_line_kind::detail, part...);
 }
+
+// Tells a text of any length in lines that the list shows whole, broken at blanks; the further ones
+// begin with "#    ".
+void gx_tell_wrapped(std::string_view text, gx_line_kind kind = gx_line_kind::plain);
 
 // Counts an error or a warning for the session; the counters stop at their largest value.
 void gx_count_kind(gx_line_kind kind);
@@ -79,8 +86,11 @@ bool gx_is_session_file(int descriptor);
 // gx_list_follow. `stop_asked` is asked now and then, true ends it there.
 bool gx_display_file_invplist(std::string_view path, bool (*stop_asked)() = nullptr);
 
-// The list shows its end again when the next line comes: a new command begins.
+// The list shows its end again when the next line comes: a new command begins. While the user is
+// at a line it stays where it is.
 void gx_list_follow();
+void gx_list_stay();  // the user is at a line, until
+void gx_list_leave();
 
 // What draws the list after it changed; none at first.
 using gx_list_drawer_t = void (*)();

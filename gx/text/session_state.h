@@ -13,6 +13,7 @@ struct gx_session_state_t {
   std::FILE* cursessfile = nullptr;  // session transcript, owned by the application
   gx_string_record_t cursessname;    // its path
   bool cursess_lost = false;         // it takes no more lines, which was told
+  int cursess_error = 0;             // why lines were lost, the last time
   std::int16_t num_errors = 0;       // of the whole session
   std::int16_t num_warnings = 0;
   std::int64_t errors_in_all = 0;  // goes on where num_errors stops

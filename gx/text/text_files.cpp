@@ -82,6 +82,8 @@ std::FILE* gx_popen_file(std::string_view path, char mode, bool rdonly) {
   if (opening.probed && !opening.file && gx_front().ends_without_file) {
     std::printf("?? gx_popen_file : impossible to open file_name :'%s' (for %c) \n",
                 opening.path.char_, opening.writes ? 'W' : 'R');
+    const auto why = opening.writes ? x_why_unwritten(opening.error) : x_why(opening.error);
+    std::printf("?? %s\n", why.c_str());
     std::exit(0);
   }
   errno = opening.error;

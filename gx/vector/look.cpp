@@ -9,7 +9,7 @@
 #include "gx/text/strings.h"
 
 namespace {
-using palette_t = std::array<gx_rgb_t, gx_nb_of_inks>;
+using palette_t = std::array<gx_ink_t, gx_nb_of_inks>;
 
 // black, red, green, blue, cyan, yellow, magenta, white
 constexpr palette_t screen_inks{{{0, 0, 0},
@@ -84,14 +84,14 @@ std::optional<gx_colours> gx_colours_of(std::string_view name) {
   return std::nullopt;
 }
 
-gx_rgb_t gx_ink(gx_colours colours, int color) {
+gx_ink_t gx_ink(gx_colours colours, int color) {
   if (color < 0 || color >= gx_nb_of_inks) color = gx_nb_of_inks - 1;
   if (colours == gx_colours::mono) return {0, 0, 0};
   return gx_at(colours == gx_colours::screen ? screen_inks : print_inks, color);
 }
 
-gx_rgb_t gx_paper_color(gx_colours colours) {
-  return colours == gx_colours::screen ? gx_rgb_t{0, 0, 0} : gx_rgb_t{255, 255, 255};
+gx_ink_t gx_paper_color(gx_colours colours) {
+  return colours == gx_colours::screen ? gx_ink_t{0, 0, 0} : gx_ink_t{255, 255, 255};
 }
 
 std::optional<gx_paper_t> gx_paper_of(std::string_view name) {

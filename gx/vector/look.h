@@ -18,9 +18,9 @@ std::optional<gx_colours> gx_colours_of(std::string_view name);
 inline constexpr int gx_nb_of_inks = 8;
 
 // Red, green, blue, 0..255. Colours outside 0..7 are taken as 7, as on the screen.
-using gx_rgb_t = std::array<int, 3>;
-gx_rgb_t gx_ink(gx_colours colours, int color);
-gx_rgb_t gx_paper_color(gx_colours colours);
+using gx_ink_t = std::array<int, 3>;
+gx_ink_t gx_ink(gx_colours colours, int color);
+gx_ink_t gx_paper_color(gx_colours colours);
 
 // Millimetres, the longer side first; 0 by 0 is as large as the sheet: a step of the snap grid is a
 // tenth of an inch.

@@ -105,7 +105,7 @@ class pdf_writer {
   }
 
   void fill(int color, gx_pointreal_t p, gx_pointreal_t q) { fill(gx_ink(colours_, color), p, q); }
-  void fill(gx_rgb_t color, gx_pointreal_t p, gx_pointreal_t q) {
+  void fill(gx_ink_t color, gx_pointreal_t p, gx_pointreal_t q) {
     flush();
     use_fill(color);
     add_box(p, q);
@@ -171,15 +171,15 @@ class pdf_writer {
     is_stroking_ = true;
   }
 
-  void use_color(gx_rgb_t color, gx_rgb_t& used, std::string_view op) {
+  void use_color(gx_ink_t color, gx_ink_t& used, std::string_view op) {
     if (color == used) return;
     used = color;
     append_numbers(out_, {color[0] / 255.0, color[1] / 255.0, color[2] / 255.0}, op);
   }
-  void use_fill(gx_rgb_t color) { use_color(color, state_.fill, "rg"); }
+  void use_fill(gx_ink_t color) { use_color(color, state_.fill, "rg"); }
 
   void use_stroke(const gx_shape_t& shape) {
-    const gx_rgb_t color = gx_ink(colours_, shape.color);
+    const gx_ink_t color = gx_ink(colours_, shape.color);
     const int style = gx_dashes(shape.style).empty() ? 0 : shape.style;
     if (color == state_.stroke && style == state_.style && shape.width == state_.width) return;
     flush();
@@ -198,7 +198,7 @@ class pdf_writer {
 
   // What the operators before have set; -1 and 0 for what is not known.
   struct state_t {
-    gx_rgb_t stroke{-1, -1, -1}, fill{-1, -1, -1};
+    gx_ink_t stroke{-1, -1, -1}, fill{-1, -1, -1};
     int style = -1, width = -1;
     std::int32_t text_height = 0;
   };

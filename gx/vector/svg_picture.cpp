@@ -186,7 +186,7 @@ class svg_writer {
   gx_pointreal_t last_;      // its last point
 };
 
-std::string hex_of(gx_rgb_t color) {
+std::string hex_of(gx_ink_t color) {
   constexpr char digits[] = "0123456789abcdef";
   std::string hex = "#";
   for (const int part : color) {

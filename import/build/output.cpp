@@ -51,6 +51,7 @@ class writer {
     try {
       write_cells();
       add(output_.root / "expand.do", do_file());
+      add(output_.root / "check.do", check_file());
       for (const auto& file : design_.beside) add(output_.root / file.name, file.text);
       add(output_.root / "gximport.log", log());
       come_into_place();
@@ -219,6 +220,10 @@ class writer {
            kept("INStance", design_.kept_of_instances, design_.primitive) +
            kept("PIN", design_.kept_of_pins, "PINTYPE") + kept("NET", design_.kept_of_nets, "NET") +
            store_size() + "GENerate DATa ON\nRUN\nBYE\n";
+  }
+
+  std::string check_file() const {
+    return "PRIMitive " + design_.primitive + "\n" + store_size() + "CHEck DESign\nBYE\n";
   }
 
   // Where the design needs more room than there is at the start.

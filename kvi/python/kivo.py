@@ -14,10 +14,17 @@ a second design closes the first. It is looked for at the path in the variable K
 beside this module's installation, then where the system's loader looks.
 """
 
+from __future__ import annotations
+
 import ctypes
 import os
 import pathlib
+import struct
+from collections.abc import Iterator
 from ctypes import POINTER, byref, c_char_p, c_float, c_int8, c_int16, c_int32
+from typing import Union
+
+Value = Union[str, "tuple[int, int, int]", "tuple[float, float, float]"]
 
 __all__ = ["Design", "Error", "Instance", "Macro", "MacroPin", "Net", "Pin", "load"]
 
@@ -87,11 +94,56 @@ class _MacroPinRecord(ctypes.Structure):
                 ("macro", c_int32), ("net", c_int32)] + _RANGE + _PROPERTIES
 
 
+class _Place(ctypes.Structure):
+    _fields_ = [("object_id", c_int32), ("macro", c_int32), ("sheet_len", c_int32),
+                ("sheet", POINTER(ctypes.c_char))]
+
+
+class _Bulk:
+    """The rows of all pins of a design, read in three calls or so."""
+
+    _PIN, _VALUE = struct.Struct("2i4h2i"), struct.Struct("6i3f")
+
+    def __init__(self, kvi):
+        kvi.kvi_get_characters.restype = POINTER(ctypes.c_char)
+        kvi.kvi_get_pin_property_name.restype = c_char_p
+        length = c_int32()
+        characters = kvi.kvi_get_characters(byref(length))
+        self.text = ctypes.string_at(characters, length.value).decode("latin-1")
+        self.count = kvi.kvi_get_nb_of_pins()
+        rows = ctypes.create_string_buffer(max(self.count, 1) * self._PIN.size)
+        self.read = kvi.kvi_get_pins(1, self.count, rows)
+        self.pins = self._PIN.iter_unpack(rows.raw[:self.read * self._PIN.size])
+        self.names, columns = [], []
+        while name := kvi.kvi_get_pin_property_name(len(self.names)):
+            rows = ctypes.create_string_buffer(max(self.count, 1) * self._VALUE.size)
+            kvi.kvi_get_pin_values(len(self.names), 1, self.count, rows)
+            columns.append(self._VALUE.iter_unpack(rows.raw[:self.read * self._VALUE.size]))
+            self.names.append(name.decode("latin-1"))
+        self.values = zip(*columns) if columns else iter([()] * self.read)
+
+    def properties(self, values):
+        """The properties of a pin, from its rows."""
+        properties = {}
+        for name, (kind, at, length, *numbers) in zip(self.names, values):
+            value = (self.text[at:at + length] if kind == 0 else
+                     tuple(numbers[3:] if kind == 3 else numbers[:3]))
+            properties.setdefault(name, value)
+        return properties
+
+
 # --- what users get
 
 class _Object:
     """`index` (from 1), `name`, `path` and `properties`: by name a text, or three numbers
-    (integers; whole time steps; reals)."""
+    (integers; whole time steps; reals). Asked of the design while it is open: `object_id`, its
+    number on the sheet that it is drawn on; `sheet`, the path of that sheet's file; `block`, the
+    macro whose sheet it is, None for the primary one."""
+
+    index: int
+    name: str
+    path: str
+    properties: dict[str, Value]
 
     def __init__(self, design, record):
         self._design = design
@@ -105,13 +157,33 @@ class _Object:
     def __repr__(self):
         return f"<kivo.{type(self).__name__} {self.index} {self.path!r}>"
 
+    @property
+    def object_id(self) -> int:
+        return self._design._place(self).object_id
+
+    @property
+    def sheet(self) -> str:
+        place = self._design._place(self)
+        return ctypes.string_at(place.sheet, place.sheet_len).decode("latin-1")
+
+    @property
+    def block(self) -> Macro | None:
+        macro = self._design._place(self).macro
+        return self._design.macro(macro) if macro else None
+
 
 class Net(_Object):
     """A flat net. `type`: 1 a net (members of a bus too), 2 a named member of a bus, 3 a bus, which
     has the range `first_bit`..`last_bit`. `kind`: 0 local, 1 bus or member, 2 port, 3 other child,
     4 global. `bus` is the index of the bus of a member, else 0."""
 
-    _record, _get = _NetRecord, "net"
+    _record, _get, _kind = _NetRecord, "net", 2
+
+    type: int
+    kind: int
+    bus: int
+    first_bit: int
+    last_bit: int
 
     def __init__(self, design, record):
         super().__init__(design, record)
@@ -119,22 +191,32 @@ class Net(_Object):
         self.first_bit, self.last_bit = record.net_bus_start, record.net_bus_end
         self._first_member = record.netind_start
 
-    def inputs(self):
+    def inputs(self) -> Iterator[Pin]:
         """Its input pins; a bidirectional pin is among inputs and outputs."""
         return self._design._chain(self.index, "in")
 
-    def outputs(self):
+    def outputs(self) -> Iterator[Pin]:
         """Its output pins."""
         return self._design._chain(self.index, "out")
 
-    def pins(self):
+    def pins(self) -> Iterator[Pin]:
         """All its pins, each once."""
         yield from self.inputs()
         yield from (pin for pin in self.outputs() if pin.type == 2)
 
-    def members(self):
+    @property
+    def drivers(self) -> list[Pin]:
+        """The pins that may drive it: its outputs, bidirectional ones among them."""
+        return list(self.outputs())
+
+    @property
+    def loads(self) -> list[Pin]:
+        """The pins that it drives: its inputs, bidirectional ones among them."""
+        return list(self.inputs())
+
+    def members(self) -> Iterator[Net]:
         """Of a bus: its nets, from the first bit on."""
-        for i in range(self.last_bit - self.first_bit + 1 if self.type == 3 else 0):
+        for i in range(abs(self.last_bit - self.first_bit) + 1 if self.type == 3 else 0):
             yield self._design.net(self._first_member + i)
 
 
@@ -142,7 +224,14 @@ class Pin(_Object):
     """A pin of an instance. `type`: 1 input, 2 output, 3 and 4 bidirectional. Its bits
     `first_bit`..`last_bit` meet those of its net from `net_first_bit` on."""
 
-    _record, _get = _PinRecord, "pin"
+    _record, _get, _kind = _PinRecord, "pin", 4
+
+    type: int
+    first_bit: int
+    last_bit: int
+    net_first_bit: int
+    net_index: int
+    owner_index: int
 
     def __init__(self, design, record):
         super().__init__(design, record)
@@ -152,21 +241,46 @@ class Pin(_Object):
         self.net_index = record.net
         self.owner_index = record.macro if isinstance(record, _MacroPinRecord) else record.instance
 
-    def net(self):
+    def net(self) -> Net | None:
         """Its net; None when it is on none. Of a bus, its bits are the members."""
         return self._design.net(self.net_index) if self.net_index else None
 
-    def instance(self):
+    def instance(self) -> Instance:
         """The instance that it belongs to."""
         return self._design.instance(self.owner_index)
+
+
+class _BulkPin(Pin):
+    """A pin of pins(): made of rows, its properties and name when they are asked for."""
+
+    def __init__(self, design, index, row, values, bulk):
+        self._design, self._values, self._bulk = design, values, bulk
+        self.index = index
+        (self.owner_index, self.net_index, self.type, self.first_bit, self.last_bit,
+         self.net_first_bit, at, length) = row
+        self.path = bulk.text[at:at + length]
+
+    def __getattr__(self, name):
+        if name == "properties":
+            self.properties = self._bulk.properties(self._values)
+            return self.properties
+        if name == "name":
+            named = (value for key, value in self.properties.items()
+                     if key.upper() == "PIN" and isinstance(value, str) and value)
+            self.name = next(named, f"N_{self.index}")
+            return self.name
+        raise AttributeError(name)
+
+    def __repr__(self):
+        return f"<kivo.Pin {self.index} {self.path!r}>"
 
 
 class MacroPin(Pin):
     """A pin of a macro; its `type` is 0: the file does not hold it."""
 
-    _record, _get = _MacroPinRecord, "macro_pin"
+    _record, _get, _kind = _MacroPinRecord, "macro_pin", 5
 
-    def instance(self):
+    def instance(self) -> Macro:
         """The macro that it belongs to."""
         return self._design.macro(self.owner_index)
 
@@ -174,14 +288,17 @@ class MacroPin(Pin):
 class Instance(_Object):
     """A leaf of the design. `file` is the sheet that it stands on."""
 
-    _record, _get = _InstanceRecord, "instance"
+    _record, _get, _kind = _InstanceRecord, "instance", 0
     _pin = Pin
+
+    file: str
+    timing_index: int
 
     def __init__(self, design, record):
         super().__init__(design, record)
         self.file, self.timing_index = record.file_path.text(), record.timing_index
 
-    def pins(self):
+    def pins(self) -> Iterator[Pin]:
         """Its pins."""
         return self._design._walk(self._pin, f"pin_of_{self._get}", self.index)
 
@@ -189,7 +306,7 @@ class Instance(_Object):
 class Macro(Instance):
     """An instance that stands for a sheet. Its pins are macro pins, with indexes of their own."""
 
-    _record, _get = _MacroRecord, "macro"
+    _record, _get, _kind = _MacroRecord, "macro", 1
     _pin = MacroPin
 
 
@@ -230,38 +347,79 @@ class Design:
         if hasattr(self, "_records"):
             self.close()
 
-    def nets(self):
+    def nets(self) -> Iterator[Net]:
         """All flat nets: a bus, then its members."""
         return self._walk(Net, "net")
 
-    def instances(self):
+    def instances(self) -> Iterator[Instance]:
         """All leaves."""
         return self._walk(Instance, "instance")
 
-    def macros(self):
+    def macros(self) -> Iterator[Macro]:
         """All instances that stand for sheets."""
         return self._walk(Macro, "macro")
 
-    def pins(self):
-        """All pins of the leaves."""
-        for instance in self.instances():
-            yield from instance.pins()
+    def pins(self) -> Iterator[Pin]:
+        """All pins of the leaves, read at once."""
+        self._check()
+        bulk = _Bulk(self._kvi)
+        self._check()
+        for index, (row, values) in enumerate(zip(bulk.pins, bulk.values), 1):
+            yield _BulkPin(self, index, row, values, bulk)
 
-    def net(self, index):
-        """The net of that index; IndexError when there is none. Likewise the next four."""
-        return self._read(Net, index)
+    def net(self, which: int | str) -> Net:
+        """The net of an index, or of a path, its own or that of a net joined into it ("/XR/CKB",
+        "xr.ckb"); IndexError or KeyError when there is none. Likewise the next four."""
+        return self._one(Net, which)
 
-    def instance(self, index):
-        return self._read(Instance, index)
+    def instance(self, which: int | str) -> Instance:
+        return self._one(Instance, which)
 
-    def macro(self, index):
-        return self._read(Macro, index)
+    def macro(self, which: int | str) -> Macro:
+        return self._one(Macro, which)
 
-    def pin(self, index):
-        return self._read(Pin, index)
+    def pin(self, which: int | str) -> Pin:
+        return self._one(Pin, which)
 
-    def macro_pin(self, index):
-        return self._read(MacroPin, index)
+    def macro_pin(self, which: int | str) -> MacroPin:
+        return self._one(MacroPin, which)
+
+    def to_dict(self) -> dict:
+        """The whole design as dictionaries and lists, as `kvdump --json` writes it."""
+        def common(thing):
+            return {"path": thing.path, "properties": thing.properties}
+
+        def pin(of):
+            return {**common(of), "type": of.type, "net": of.net_index,
+                    "bits": [of.first_bit, of.last_bit], "net_bit": of.net_first_bit}
+
+        def part(of):
+            return {**common(of), "sheet": of.file, "pins": [pin(each) for each in of.pins()]}
+
+        return {
+            "errors": self.errors, "warnings": self.warnings, "time_step": self.time_step,
+            "instances": [part(inst) for inst in self.instances()],
+            "macros": [part(macro) for macro in self.macros()],
+            "nets": [{**common(net), "name": net.name, "type": net.type, "kind": net.kind,
+                      "bus": net.bus, "range": [net.first_bit, net.last_bit],
+                      "pins": [each.index for each in net.pins()]} for net in self.nets()],
+        }
+
+    def _one(self, kind, which):
+        if isinstance(which, int):
+            return self._read(kind, which)
+        self._check()
+        path = which.encode("latin-1", "replace")
+        index = self._kvi.kvi_find(kind._kind, len(path), path)
+        if index == 0:
+            raise KeyError(which)
+        return self._read(kind, index)
+
+    def _place(self, thing):
+        self._check()
+        place = _Place()
+        self._kvi.kvi_get_place(thing._kind, thing.index, byref(place))
+        return place
 
     def _message(self):
         return os.fsdecode(self._kvi.kvi_load_error())
@@ -307,7 +465,7 @@ class Design:
         self._check()
 
 
-def load(path):
+def load(path: str | os.PathLike) -> Design:
     """The design of the directory `path`, or of the design file `path`. Raises Error, with what is
     wrong, when there is none or it is damaged."""
     return Design(path)
@@ -325,6 +483,19 @@ def _candidates():
     yield "libkvi.so.1"
 
 
+def _check_sizes(kvi):
+    """The structures here are those of the library, or they are not used."""
+    for name, size in (("net", ctypes.sizeof(_NetRecord)), ("pin", ctypes.sizeof(_PinRecord)),
+                       ("instance", ctypes.sizeof(_InstanceRecord)),
+                       ("macro", ctypes.sizeof(_MacroRecord)),
+                       ("macro_pin", ctypes.sizeof(_MacroPinRecord)),
+                       ("property", ctypes.sizeof(_Property)), ("place", ctypes.sizeof(_Place)),
+                       ("pin_row", _Bulk._PIN.size), ("value_row", _Bulk._VALUE.size)):
+        if kvi.kvi_get_size_of(name.encode()) != size:
+            _library.loaded = None
+            raise Error(f"libkvi and this module differ in the structure {name}")
+
+
 def _library():
     """libkvi, loaded at the first use."""
     if _library.loaded is None:
@@ -339,6 +510,7 @@ def _library():
             raise Error("libkvi is not found: " + "; ".join(reasons))
         _library.loaded.kvi_load_error.restype = c_char_p
         _library.loaded.kvi_get_time_step.restype = c_float
+        _check_sizes(_library.loaded)
     return _library.loaded
 
 

@@ -101,6 +101,86 @@ TEST_F(Batch, TheStatusIsThatOfTheWorstLine) {
   }
 }
 
+TEST_F(Batch, AStatusOfOneIsExplained) {
+  const struct {
+    const char *commands, *options, *said;
+  } cases[] = {
+      {"har a", "--strict", ""},
+      {"nosuch", "", "kivo: status 1: 1 line of error: \"#  !!! Unknown Command  ?? \"\n"},
+      {"run\nnosuch", "--quiet",
+       "kivo: status 1: 2 lines of error, the first: "
+       "\"# !! Error : No property to define the PRIMITIVE ? \"\n"},
+      {"sel area inst edit 1.8 .8 1.9 .9", "--strict",
+       "kivo: status 1: 1 line of warning: \"# !! Warning : Nothing Selected  ? \"\n"},
+  };
+  for (const auto& c : cases) {
+    const auto ended = run_commands(c.commands, c.options);
+    EXPECT_EQ(ended.err, c.said) << ended.out;
+    EXPECT_EQ(ended.status, *c.said == 0 ? 0 : 1);
+  }
+}
+
+TEST_F(Batch, AFullDiskUnderARunIsNamed) {
+  std::string commands = "PRIMI CLASS\nPRO INS S CLASS\nPRO PIN S PIN\nPRO NET S NET\nRUN\n";
+  for (int i = 0; i < 30; ++i) commands += "har " + std::string(80, 'x') + "\n";
+  directory_.write("do", commands);
+  const auto ended = run("set -o pipefail; (trap '' XFSZ; ulimit -f 1; kivo top do) | cat");
+  EXPECT_EQ(ended.status, 1);
+  const auto lines = split_lines(ended.out);
+  const auto at =
+      std::ranges::find(lines, "# !! Error : Expanded data not written whole in : \"top\"");
+  ASSERT_NE(at, lines.end()) << ended.out;
+  EXPECT_EQ(at[1], "# !! design_kv : File too large");
+  EXPECT_EQ(std::ranges::count(lines,
+                               " !! The session file is not whole : \"top/current_session\" : File "
+                               "too large"),
+            1)
+      << ended.out;
+}
+
+// What python's json makes of the objects, "command status records" in a line each.
+std::string read_by_python(const std::string& what) {
+  return "python3 -c '\nimport json, sys\nfor line in sys.stdin:\n a = json.loads(line)\n"
+         " print(" +
+         what + ")'";
+}
+
+TEST_F(Batch, EachLineIsAnsweredByOneObject) {
+  directory_.write(
+      "lines",
+      "primi CLASS\npro ins S CLASS;pro pin S PIN;pro net S NET\nrun\nnosuch \\ \"x\"\n"
+      "find path /X1\nrule single-pin off\n!echo har a\n"
+      "sel area inst edit 1.8 .8 1.9 .9\nbye\n");
+  const auto kinds = run("kivo --json --strict top - < lines | " +
+                         read_by_python("a[\"command\"][:9], a[\"status\"], "
+                                        "[r[\"type\"] for r in a[\"records\"]][-1:], "
+                                        "a[\"lines\"][-1][\"kind\"]"));
+  EXPECT_EQ(split_lines(kinds.out),
+            (lines_t{" 0 [] plain", "primi CLA 0 [] plain", "pro ins S 0 [] plain",
+                     "run 1 ['counts'] plain", "nosuch \\  1 [] detail",
+                     "find path 0 ['place'] plain", "rule sing 0 [] plain", "!echo har 0 [] plain",
+                     "sel area  1 [] warning", "bye 0 [] plain"}))
+      << kinds.err;
+  // Of the run: a message with its path, and what came out.
+  const auto run_said = run("kivo --json top - < lines | sed -n 4p | " +
+                            read_by_python("[r for r in a[\"records\"] if r[\"type\"] == "
+                                           "\"counts\"], len(a[\"lines\"])"));
+  EXPECT_EQ(run_said.out.substr(0, run_said.out.find(',')), "[{'type': 'counts'");
+  EXPECT_NE(run_said.out.find("'instances': "), run_said.out.npos) << run_said.out;
+  // A command file is one command line, and nothing else is printed.
+  directory_.write("do", "har a\nsystem 'echo printed'\nrun\n");
+  const auto whole = run("kivo --json top do 2>/dev/null | " +
+                         read_by_python("a[\"command\"], len(a[\"lines\"]) > 0"));
+  EXPECT_EQ(split_lines(whole.out), (lines_t{" True", "do do True"})) << whole.out;
+}
+
+TEST_F(Batch, AMarkEndsEachAnswer) {
+  const auto ended =
+      run("printf 'har a\\nnosuch\\nhar b\\n' | kivo --quiet --mark '--end 1' top -");
+  EXPECT_EQ(split_lines(ended.out), (lines_t{"--end 1", "#  !!! Unknown Command  ?? ",
+                                             "# \"nosuch\" ", "--end 1", "--end 1"}));
+}
+
 TEST_F(Batch, QuietLeavesErrorsAndWarnings) {
   const auto ended = run_commands(
       "har a\nnosuch\nhar b\ngrid step x\ndo none\nsel area inst edit 1.8 .8 1.9 .9\n", "--quiet");
@@ -197,7 +277,8 @@ TEST_F(Batch, LostOutputIsToldAndTheRunGoesOn) {
     directory_.write("top/design_kv", "");
     const auto ended = run(c.script);
     EXPECT_EQ(ended.status, 1) << c.script;
-    EXPECT_EQ(ended.err, "kivo: " + c.said) << c.script;
+    // Then what made the status 1 besides: the run has errors.
+    EXPECT_EQ(ended.err.substr(0, ended.err.find('\n') + 1), "kivo: " + c.said) << c.script;
     EXPECT_GT(directory_.read("top/design_kv").size(), 500U) << c.script;
   }
 }

@@ -207,7 +207,7 @@ TEST_F(Interactive, AClickSelectsAndADoubleClickWalks) {
   s.click(block_x, block_y);
   s.wait_for_line(" VIEw DOWn  U1");
   s.settle();
-  EXPECT_EQ(s.title(), "kivo  top U1/");
+  EXPECT_EQ(s.title(), "kivo  top /U1");
   pause(700);
   s.key_down(XK_Shift_L);
   s.click(1000, 600);
@@ -223,6 +223,7 @@ TEST_F(Interactive, AClickSelectsAndADoubleClickWalks) {
   s.wait_for_head(" SELect AREa ");
   pause(700);
   EXPECT_EQ(count_lines(" SELect OBJect Edit "), 3);
+  EXPECT_EQ(count_lines(" UNSelect ALL "), 1) << "that of the command: a click echoes its SELect";
   bye();
 }
 

@@ -179,10 +179,28 @@ with kivo.load("register") as design:
                for pin in macro.pins())
     members = {net.index for bus in design.nets() for net in bus.members()}
     assert members == {net.index for net in design.nets() if net.bus}, members
-    for index in (0, -1, 1 << 40):
+    for index in (0, -1, 1 << 40, "/XR/NONE"):
         try: design.net(index)
-        except IndexError: continue
+        except (IndexError, KeyError): continue
         assert False, index
+    # Pins read at once and one by one, by path, where they are drawn; a child has its net's pins.
+    fields = lambda pin: (pin.index, pin.path, pin.name, pin.properties, pin.type, pin.first_bit,
+                          pin.last_bit, pin.net_first_bit, pin.net_index, pin.owner_index)
+    kept = list(design.pins())
+    assert list(map(fields, kept)) == [fields(p) for i in design.instances() for p in i.pins()]
+    assert all(design.pin(pin.path).index == pin.index for pin in kept)
+    net = design.net("xr:ckb")
+    assert (net.path, design.net("/XR/X0/CKB").path) == ("/XR/CKB", "/XR/CKB")
+    assert sorted(p.path for p in net.drivers) == ["/XR/XCK/MN1/D", "/XR/XCK/MP1/D"]
+    assert {p.path for p in net.pins()} == {p.path for p in (*net.drivers, *net.loads)}
+    assert (net.block.path, net.sheet) == ("/XR", "reg4/sheet.gx_1"), (net.block, net.sheet)
+    part = design.instance("/XR/X2/MP1")
+    assert (part.block.path, part.sheet, part.sheet) == ("/XR/X2", part.file, "dlatch/sheet.gx_1")
+    assert design.pin("/XR/X2/MP1/G").block.path == "/XR/X2"
+    assert design.macro("/XR").block is None and 0 < part.object_id <= 30000
+    whole = design.to_dict()
+    assert [pin["path"] for part in whole["instances"] for pin in part["pins"]] == [
+        pin.path for pin in kept]
     unread = design.nets()
     next(unread)
     open("register/design_kv", "r+b").write(bytes(68))
@@ -190,6 +208,7 @@ with kivo.load("register") as design:
         try: use()
         except kivo.Error as error: assert str(error), error
         else: assert False
+assert kept[0].properties["PINTYPE"] and kept[0].path  # as they were
 )");
   const auto read =
       run_program(shared_display(), {.directory = directory.path(),

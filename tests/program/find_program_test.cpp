@@ -40,7 +40,9 @@ class FindProgram : public Interactive {
  protected:
   FindProgram() {
     make_design(directory_, two_level_net);
-    open("primitive class;prop inst s class;prop pin s pin;prop net s net;run", KIVO_PRODUCT_DIR);
+    open(
+        "display theme classic;primitive class;prop inst s class;prop pin s pin;prop net s net;run",
+        KIVO_PRODUCT_DIR);
     session().wait_for_line("# End of DO ");
     // Without the cross that marks the start.
     session().command("view area edit 0.1 0.1 3.9 1.9");
@@ -72,7 +74,7 @@ TEST_F(FindProgram, AJumpShowsThePartInTheMiddleAndShiftF8GoesBack) {
   s.command("find path u1.x1");
   s.wait_for_head(" FINd PATh /U1/X1  instance ");
   point_at(in_edit);
-  EXPECT_EQ(s.title(), "kivo  top /U1/");
+  EXPECT_EQ(s.title(), "kivo  top /U1");
   const auto jumped = s.picture();
   constexpr int x = 618, y = 346;  // the middle of the viewport
   EXPECT_GT(jumped.count(green, x - 120, y - 120, x + 120, y + 120), 100);
@@ -95,10 +97,38 @@ TEST_F(FindProgram, AJumpShowsThePartInTheMiddleAndShiftF8GoesBack) {
   EXPECT_EQ(edit(), before);
   go_back();
   EXPECT_EQ(edit(), whole);
-  EXPECT_EQ(s.title(), "kivo  top /");
+  EXPECT_EQ(s.title(), "kivo  top");
   go_back();  // before the area of the start
   s.command("view last");
   s.wait_for_line("# !! Error : NO view to go back to ? ");
+  bye();
+}
+
+// The lines of the list stand 24 pixels apart from pixel 706 on, the newest one last.
+TEST_F(FindProgram, AClickOnALineGoesToWhatItNames) {
+  auto& s = session();
+  s.command("list hierarchy");
+  s.wait_for_line(" LIST HIErarchy ");
+  s.settle();
+  const auto list = [&] {
+    s.settle();
+    const auto picture = s.picture();
+    std::vector<std::uint32_t> pixels;
+    for (int y = 706; y < 870; ++y)
+      for (int x = 12; x < 900; ++x) pixels.push_back(picture.at(x, y));
+    return pixels;
+  };
+  s.move(300, 800);
+  const auto before = list();
+  // The tree of two blocks is told in the last lines but one: "/", "/U1".
+  constexpr int last_line = 706 + 6 * 24 + 6, u1 = last_line - 24;
+  s.click(300, u1);
+  s.wait_for_head(" FINd PATh /U1  block ");
+  EXPECT_EQ(list(), before) << "it stays where it is";
+  s.click(300, last_line);  // it names nothing
+  s.command("grid on");
+  s.wait_for_head(" GRI");
+  EXPECT_NE(list(), before) << "a new command shows the end";
   bye();
 }
 
@@ -127,6 +157,20 @@ TEST_F(FindProgram, AHighlightIsSeenOnBothLevelsUntilItIsOff) {
   s.command("highlight off");
   s.wait_for_line(" HIGhlight OFF ");
   EXPECT_EQ(edit(), plain);
+
+  // A theme gives each net its colour, three pixels wide.
+  s.command("display theme dark");
+  s.command("view down U1");
+  s.command("highlight net u1.p");
+  s.command("highlight net u1.b");
+  s.wait_for_line("#   colour 2 : /U1/B ");
+  const auto both = edit();
+  const auto count = [&](std::uint32_t color) {
+    return std::count(both.begin(), both.end(), color);
+  };
+  EXPECT_GT(count(0xf05fc4), 500) << "the first";
+  EXPECT_GT(count(0x33ff00), 50) << "the second";
+  EXPECT_EQ(count(green), 0);
   bye();
 }
 

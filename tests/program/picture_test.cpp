@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <string>
+#include <vector>
 
 #include "tests/program/program_fixture.h"
 #include "tests/support/make_design.h"
@@ -168,5 +169,55 @@ TEST_F(Picture, SelectedObjectsStandOut) {
   EXPECT_GE(view.count(green, 8, 12, 12), 12) << "dashes";
   EXPECT_EQ(view.count(green, 11, 12), 25);
   EXPECT_GE(view.count(red, 22.5, 14), 5) << "the other one is as it was";
+}
+
+// Of the edit viewport without its frame.
+std::vector<std::uint32_t> pixels_of(const page_view& view) {
+  std::vector<std::uint32_t> pixels;
+  for (int y = view.ymin() + 4; y < view.ymax() - 4; ++y)
+    for (int x = view.xmin() + 4; x < view.xmax() - 4; ++x)
+      pixels.push_back(view.picture().at(x, y));
+  return pixels;
+}
+
+TEST_P(PictureOfDepth, AThemeTakesTheWindowAndLeavesIt) {
+  test_display display(GetParam());
+  test_session session(display, start());
+  session.settle();
+  session.move(600, 300);
+  session.settle();
+  const auto before = pixels_of(page_view(session));
+  for (const char* const theme : {"DARk", "LIGht"}) {
+    session.command("display theme " + std::string(theme));
+    session.wait_for_line(" DISplay THEme " + std::string(theme) + " ");
+    session.settle();
+    const page_view view(session);
+    const std::uint32_t ground = view.picture().at(view.x(14.5), view.y(9.5));
+    // What is drawn at a place, two pixels around it.
+    const auto drawn = [&](double sx, double sy) {
+      for (int y = view.y(sy) - 2; y <= view.y(sy) + 2; ++y)
+        for (int x = view.x(sx) - 2; x <= view.x(sx) + 2; ++x)
+          if (view.picture().at(x, y) != ground) return view.picture().at(x, y);
+      return ground;
+    };
+    const std::uint32_t line = drawn(14.5, 2);
+    EXPECT_NE(ground, line) << theme;
+    EXPECT_EQ(drawn(14.5, 5), line) << "all lines have one colour";
+    EXPECT_EQ(view.picture().at(2, view.picture().height - 4), ground) << "between the viewports";
+    const auto wire = drawn(30, 10.5);
+    EXPECT_NE(wire, line);
+    EXPECT_NE(wire, ground);
+    if (GetParam() == 24) {
+      const bool is_dark = *theme == 'D';
+      EXPECT_EQ(ground & 0xffffffU, is_dark ? 0x12161cU : 0xfbfaf6U);
+      EXPECT_EQ(line & 0xffffffU, is_dark ? 0x8c95a3U : 0x70777fU);
+      EXPECT_EQ(wire & 0xffffffU, is_dark ? 0x4fb3f0U : 0x0a63b0U);
+      EXPECT_EQ(view.count(red, 8, 10), 0) << "a pin that is joined or not, never in pure red";
+    }
+  }
+  session.command("display theme classic");
+  session.wait_for_line(" DISplay THEme CLAssic ");
+  session.settle();
+  EXPECT_EQ(pixels_of(page_view(session)), before);
 }
 }  // namespace

@@ -198,8 +198,9 @@ process_result test_process::terminate(int signal) {
 
 namespace {
 program_start on_display(const test_display& display, program_start start) {
-  start.environment.insert(start.environment.begin(),
-                           {"DISPLAY=" + display.name(), "VELMORAN=/nowhere"});
+  start.environment.insert(
+      start.environment.begin(),
+      {"DISPLAY=" + display.name(), "VELMORAN=/nowhere", "XDG_STATE_HOME=/dev/null/none"});
   return start;
 }
 }  // namespace

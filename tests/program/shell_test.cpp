@@ -87,7 +87,7 @@ TEST_F(Program, TheDesignDirectoryIsCheckedFirst) {
 TEST_F(Program, ADirectoryWithoutSheetEndsWithOneError) {
   std::filesystem::create_directory(directory_.file("empty"));
   const auto ended = run({"empty"});
-  EXPECT_EQ(ended.status, 0);
+  EXPECT_EQ(ended.status, 1);
   EXPECT_TRUE(ended.out.ends_with("!! error : No sheet Found : \"empty\"\n" +
                                   summary("1 error, 0 warning")))
       << ended.out;
@@ -101,7 +101,7 @@ TEST_F(Program, ASheetThatLacksAFamilyEndsWithItsName) {
   }
   gxm_write(files, directory_.path());
   const auto ended = run({"top"});
-  EXPECT_EQ(ended.status, 0);
+  EXPECT_EQ(ended.status, 1);
   EXPECT_TRUE(
       ended.out.ends_with("!! error : Sheet not whole : \"top/sheet.gx_1\" : no frame_family\n" +
                           summary("1 error, 0 warning")))
@@ -116,7 +116,7 @@ TEST_F(Program, ASheetThatIsNotSoundEndsInOrderWithFileObjectAndField) {
   const std::string fault = "top/sheet.gx_1: object " + std::to_string(file.grid_obj_id) +
                             ": step_point 0 is out of range\n";
   const auto ended = run({"top"});
-  EXPECT_EQ(ended.status, 0);
+  EXPECT_EQ(ended.status, 1);
   EXPECT_TRUE(
       ended.out.ends_with("!! error in open file : " + fault + summary("1 error, 0 warning")))
       << ended.out;
@@ -125,6 +125,28 @@ TEST_F(Program, ASheetThatIsNotSoundEndsInOrderWithFileObjectAndField) {
   const auto plotted = run_program(shared_display(), plot);
   EXPECT_EQ(plotted.status, 1);
   EXPECT_EQ(plotted.err, "kivo-plot: " + fault);
+}
+
+// No file of a design makes the program abort.
+TEST_F(Program, ACutOrForeignSheetEndsInOrder) {
+  make_sheet();
+  const std::string whole = directory_.read("top/sheet.gx_1");
+  std::string old_revision = whole;
+  old_revision[3] = '\x7f';
+  const struct {
+    std::string bytes, said;
+  } cases[] = {{"", "the file ends early"},
+               {whole.substr(0, 40), "the file ends early"},
+               {whole.substr(0, whole.size() / 2), "the file ends early"},
+               {old_revision, "software revision "}};
+  for (const auto& c : cases) {
+    directory_.write("top/sheet.gx_1", c.bytes);
+    const auto ended = run({"top"});
+    EXPECT_EQ(ended.status, 1) << ended.signal;
+    EXPECT_NE(ended.out.find("!! error in open file : top/sheet.gx_1: "), ended.out.npos);
+    EXPECT_NE(ended.out.find(c.said), ended.out.npos) << ended.out;
+    EXPECT_TRUE(ended.out.ends_with(summary("1 error, 0 warning"))) << ended.out;
+  }
 }
 
 TEST_F(Program, AnUnusableDirectoryStopsTheStart) {
@@ -142,8 +164,14 @@ TEST_F(Program, AnUnusableDirectoryStopsTheStart) {
   ended = run({"top"});
   EXPECT_EQ(ended.status, 0);
   EXPECT_NE(ended.out.find("!!! ( kivo_root ) impossible to open debugfile_name  : "
-                           "\"top/debug_kivo\" \n"),
+                           "\"top/debug_kivo\" \n !! Is a directory\n"),
             std::string::npos);
+  // Nothing is written through a link.
+  std::filesystem::remove(directory_.file("top/debug_kivo"));
+  std::filesystem::create_symlink("elsewhere", directory_.file("top/debug_kivo"));
+  ended = run({"top"});
+  EXPECT_NE(ended.out.find(" !! is a symbolic link\n"), std::string::npos) << ended.out;
+  EXPECT_FALSE(std::filesystem::exists(directory_.file("top/elsewhere")));
 }
 
 TEST_F(Program, ARunFromStartToEnd) {

@@ -216,8 +216,24 @@ TEST(DrawnNet, AMarkedNetStandsOutWithItsName) {
   EXPECT_EQ(net_drawn(board, cyan), segment);
   gx_highlight_segment(1, board.id(gx_type::segment));
   EXPECT_EQ(net_drawn(board, green), segment);
+  constexpr int yellow = 5;
+  gx_highlight_net(1, net, "", 0, 2);
+  EXPECT_EQ(net_drawn(board, yellow), segment) << "in the second colour";
   gx_highlight_clear_all();
   EXPECT_EQ(net_drawn(board, green), lines_t{});
+}
+
+TEST(DrawnNet, AMarkedNetWithoutAWireShowsItsPinsAndName) {
+  const drawing_board board(placed("", stub));
+  const int net = board.id(gx_type::net);
+  gx_highlight_net(1, net, "AB");
+  auto name = net_drawn(board, white);
+  name.erase(name.begin(), name.begin() + 8);  // the mark of the loose end
+  gx_set_object_deleted(board.file(), board.id(gx_type::segment), true);
+  EXPECT_EQ(net_drawn(board, green).size(), 4U) << "the diamond of its pin";
+  EXPECT_EQ(net_drawn(board, white), name) << "at the same place";
+  gx_highlight_clear_all();
+  EXPECT_EQ(net_drawn(board, green).size() + net_drawn(board, white).size(), 0U);
 }
 
 // --- what lies on top

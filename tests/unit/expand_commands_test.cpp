@@ -11,6 +11,7 @@ TEST_F(FlattenTest, SetUpCommandsAnswer) {
     std::vector<std::string> answer;
   };
   const std::string count = "# !! Error : parameter number invalid ? ";
+  const std::string range = "# !! STOre SIZe takes 1000 to 2000000000 ";
   const case_t cases[] = {
       {"PARAM R 1", {" PARAMeter R 1 "}},
       {"parameter Q 1 3", {" PARAMeter Q 1 3 "}},
@@ -28,9 +29,10 @@ TEST_F(FlattenTest, SetUpCommandsAnswer) {
       {"PROP INS R", {"# PROPerty INStance R ", count}},
       {"PROP NET X W", {"# PROPerty NET X W ", "# !! Error :  3rd parameter incorrect ? "}},
       {"STO SIZ", {"# STOre SIZe ", count}},
-      {"STO SIZ 0", {"# STOre SIZe 0 ", "# !! Error :  3rd parameter incorrect ? "}},
+      {"STO SIZ 999", {"# STOre SIZe 999 ", "# !! Error :  3rd parameter incorrect ? ", range}},
+      {"STO SIZ 1000", {" STOre SIZe 1000 "}},
       {"STO SIZ 2000000001",
-       {"# STOre SIZe 2000000001 ", "# !! Error :  3rd parameter incorrect ? "}},
+       {"# STOre SIZe 2000000001 ", "# !! Error :  3rd parameter incorrect ? ", range}},
       {"TIM STE 2.5", {" TIMe STEp 2.5 "}},
       {"TIM STE", {"# TIMe STEp ", count}},
       {"TIM STE x", {"# TIMe STEp x ", "# !! Time step INVALID ? "}},
@@ -118,7 +120,8 @@ TEST_F(FlattenTest, AFullDiskIsTold) {
   ::close(kv_sext.designfile);
   kv_sext.designfile = ::open("/dev/full", O_RDWR);
   EXPECT_EQ(run("sheet top\n part R r 2,0\n net A\n  wire R.1 R.2\n"),
-            lines_t{"# !! Error : Expanded data not written whole in : \"top\""});
+            (lines_t{"# !! Error : Expanded data not written whole in : \"top\"",
+                     "# !! design_kv : No space left on device"}));
   EXPECT_EQ(gx_vext.num_errors, 1);
 }
 

@@ -2,9 +2,13 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <fstream>
+
 #include "app/find/go_to.h"
 #include "expand/store.h"
 #include "gx/db/geometry.h"
+#include "gx/display/viewports.h"
+#include "tests/support/counting_screen.h"
 #include "tests/unit/design_session.h"
 
 namespace {
@@ -35,6 +39,20 @@ sheet deep
 
 std::string place() {
   return std::to_string(kv_pext.file_level_cur) + " " + std::string(gx_view(kv_pext.cur_sim_path));
+}
+
+TEST(GoTo, BackIsDrawnOnce) {
+  design_session s(hierarchy);
+  gx_vext.bitmap_size = gx_nominal_size;
+  for (const auto& viewport : set_viewports()) gx_viewport_create(viewport.bounds, viewport.border);
+  kv_display_picture_all(gx_vext.viewport_edit, kv_pext.file_id_cur);
+  const gx_shown_t top = gx_viewport_shown(gx_vext.viewport_edit);
+  EXPECT_EQ(kv_go_to("/X1/Y1", 0), "");
+  const counting_screen screen;
+  EXPECT_EQ(s.run("view last"), lines_t{" VIEw LASt "});
+  EXPECT_EQ(screen.pictures, 1);
+  EXPECT_EQ(place(), "1 ");
+  EXPECT_EQ(gx_viewport_shown(gx_vext.viewport_edit), top);
 }
 
 TEST(GoTo, WalksUpAndDownSelectsAndSaysWhatIsMissing) {
@@ -104,6 +122,8 @@ sheet top
     wire XR.Q XS.D
   net GROUND
     wire XS.Q 22,5
+  net L%2FN%2520
+    wire 2,20 22,20
 )";
 
 // A session with a design that may be expanded.
@@ -135,6 +155,7 @@ class Find : public testing::TestWithParam<bool> {
 };
 
 TEST_P(Find, AnyFormOfAPathLeadsToItsPlace) {
+  std::ofstream("references") << "/XR/MP2 Q6\n/XS/MP2 Q7\n";
   struct {
     const char* typed;
     const char* found;  // path and what it is
@@ -149,6 +170,13 @@ TEST_P(Find, AnyFormOfAPathLeadsToItsPlace) {
       {"/XR/d", "/XR/D  pin", "1 "},
       {"0", "/GROUND  net", "1 "},
       {"/XS/MID*", "/XS/MID  net", "2 XS/"},
+      {"'/xr/mp1'", "/XR/MP1  instance", "2 XR/"},
+      {"/XR/", "/XR  block", "1 "},
+      {"*s/mp1*", "/XS/MP1  instance", "2 XS/"},
+      {"*lin*", "/LINK  net", "1 "},
+      {"L/N%20", "/L%2FN%2520  net", "1 "},
+      {"Q7", "/XS/MP2  instance", "2 XS/"},
+      {"q7.d", "/XS/MP2/D  pin", "2 XS/"},
   };
   for (const auto& [typed, found, at] : cases) {
     const auto lines = s.run("find path " + std::string(typed));
@@ -221,6 +249,36 @@ TEST(Expanded, AHighlightNamesANetOnceOnASheet) {
   split.s.run("highlight off");
 }
 
+TEST(Expanded, HighlightsHaveColours) {
+  find_session split(true,
+                     "sheet split\n part R leaf 4,4\n"
+                     " net K\n  wire R.Q 10,4\n"
+                     " net L\n  wire 20,4 30,4\n",
+                     "split");
+  auto& s = split.s;
+  const auto colors = [] {
+    std::vector<int> found;
+    for (const auto& mark : gx_vext.highlights) found.push_back(mark.color);
+    return found;
+  };
+  s.run("highlight net /K");
+  EXPECT_EQ(s.run("highlight net /L"), lines_t{" HIGhlight NET /L "}) << "classically in one";
+  EXPECT_EQ(colors(), (std::vector{1, 1}));
+  s.run("highlight off");
+  s.run("display theme light");
+  s.run("highlight net /K");
+  EXPECT_EQ(s.run("hig net /L"),
+            (lines_t{" HIGhlight NET /L ", "#   colour 1 : /K ", "#   colour 2 : /L "}));
+  EXPECT_EQ(s.run("highlight net /K colour 6"),
+            (lines_t{" HIGhlight NET /K ", "#   colour 6 : /K ", "#   colour 2 : /L "}));
+  s.run("run");
+  EXPECT_EQ(colors(), (std::vector{6, 2}));
+  for (const char* const wrong : {"col 7", "col 0", "col x", "dark 1"})
+    EXPECT_EQ(s.run(std::string("highlight net /K ") + wrong).back(),
+              "# !! Error : Colour not within COLour 1 to 6 ? ");
+  s.run("highlight off");
+}
+
 TEST_P(Find, AHighlightFollowsTheViewAndTheRuns) {
   if (!GetParam()) {
     EXPECT_EQ(s.run("highlight net /LINK"),
@@ -254,7 +312,7 @@ TEST_P(Find, AHighlightFollowsTheViewAndTheRuns) {
 }
 
 TEST_P(Find, TheTreeOfBlocksIsListedAndWritten) {
-  const lines_t tree = {"# /  top  instances 2  nets 3", "#   /XR  bit  instances 2  nets 3",
+  const lines_t tree = {"# /  top  instances 2  nets 4", "#   /XR  bit  instances 2  nets 3",
                         "#   /XS  bit  instances 2  nets 3", " LIST HIErarchy "};
   EXPECT_EQ(s.run("list hierarchy"), tree);
   lines_t written = s.directory().lines("top/hierarchy");
@@ -267,7 +325,9 @@ TEST_P(Find, TheTreeOfBlocksIsListedAndWritten) {
   // Nothing is written through a link.
   std::filesystem::remove("top/hierarchy");
   std::filesystem::create_symlink("elsewhere", "top/hierarchy");
-  EXPECT_EQ(s.run("list hierarchy")[1], "# !! Error : File not written ? ");
+  EXPECT_EQ(s.run("list hierarchy"),
+            (lines_t{"# LIST HIErarchy ", "# !! Error : File not written ? ",
+                     "# !! top/hierarchy : is a symbolic link"}));
   EXPECT_FALSE(std::filesystem::exists("top/elsewhere"));
 }
 

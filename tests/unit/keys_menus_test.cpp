@@ -9,13 +9,13 @@
 #include <vector>
 
 #include "app/session/event_loop.h"
-#include "gx/display/key_lookup.h"
 #include "gx/display/keys.h"
 #include "gx/display/menu_file.h"
 #include "gx/display/menu_state.h"
 #include "gx/display/menu_tree.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
+#include "gx/window/key_lookup.h"
 #include "tests/support/scratch_directory.h"
 #include "tests/unit/fatal_stop.h"
 

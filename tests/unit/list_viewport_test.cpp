@@ -3,8 +3,10 @@
 
 #include <cstdio>
 
+#include "app/session/gestures.h"
 #include "gx/display/cmd_viewport.h"
 #include "gx/display/stroke_text.h"
+#include "gx/display/theme.h"
 #include "gx/text/message_list.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
@@ -54,6 +56,59 @@ TEST_F(ListViewport, KeepsAndScrolls) {
   EXPECT_EQ(gx_vext.nlinlist_disp, 1);
   gx_upd_display_list(false, 2);
   EXPECT_EQ(gx_vext.nlinlist_disp, 3);
+}
+
+TEST_F(ListViewport, StaysWhileOneReadsIt) {
+  for (int i = 1; i <= 20; ++i) gx_display_list("line " + std::to_string(i));
+  gx_upd_display_list(true, 5);
+  EXPECT_EQ(gx_vext.nlinlist_disp, 9);
+  gx_list_stay();
+  gx_list_follow();
+  gx_display_list("an answer");
+  EXPECT_EQ(gx_vext.nlinlist_disp, 9);
+  gx_list_leave();
+  gx_display_list("another");
+  EXPECT_EQ(gx_vext.nlinlist_disp, 9) << "until a command begins";
+  gx_list_follow();
+  gx_display_list("the next command's");
+  EXPECT_EQ(gx_vext.nlinlist_disp, 17);
+}
+
+TEST_F(ListViewport, AThemeColoursLinesByWhatTheyMean) {
+  gx_display_list("plain");
+  gx_display_list("wrong", gx_line_kind::error);
+  gx_display_list("doubtful", gx_line_kind::warning);
+  gx_display_list(" ECHo");
+  // Each line drawn alone: the bands of others are cleared before.
+  gx_vext.nb_line_in_listviewp = 1;
+  const auto strokes = [](int line, int color) {
+    gx_vext.nlinlist_disp = static_cast<std::int16_t>(line);
+    return lines_of(color, 0, [] { gx_regen_display_list(); }).size();
+  };
+  constexpr int red = 1, cyan = 4, yellow = 5, white = 7;
+  constexpr int colors[] = {white, red, yellow, cyan};
+  for (int line = 1; line <= 4; ++line) EXPECT_GT(strokes(line, white), 4U) << line;
+  gx_set_theme(gx_themes()[1]);
+  for (int line = 1; line <= 4; ++line)
+    for (const int color : colors)
+      EXPECT_EQ(strokes(line, color) > 4, color == colors[line - 1]) << line << " " << color;
+  gx_vext.nb_line_in_listviewp = 7;
+  for (int i = 0; i < 497; ++i) gx_display_list("x");  // the first one goes
+  EXPECT_EQ(gx_vext.line_kind[0], gx_line_kind::error);
+}
+
+TEST(PlaceOfLine, IsAPathOrAFinding) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"# 12 Error no-driver /XR/N_5", "SHOW FINDING 12 "},
+      {"# 3 Waived pin-open /A : text", "SHOW FINDING 3 "},
+      {"# 12 errors", ""},
+      {"#   /XR  bit  instances 2", "FIND PATH /XR "},
+      {"# Processing : \"/U1/X2/\"", "FIND PATH /U1/X2 "},
+      {" FINd PATh /U1/X1  instance I_3 ", "FIND PATH /U1/X1 "},
+      {"# /  top  instances 2", ""},
+      {"# a/b and 1/2", ""},
+      {"", ""}};
+  for (const auto& [line, command] : cases) EXPECT_EQ(kv_place_of_line(line), command) << line;
 }
 
 TEST_F(ListViewport, ASessionFileOnAFullDiskIsToldOnce) {

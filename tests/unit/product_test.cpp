@@ -16,6 +16,7 @@
 #include "gx/display/keys.h"
 #include "gx/display/menu_file.h"
 #include "gx/display/window.h"
+#include "gx/text/message_list.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
 #include "tests/support/scratch_directory.h"
@@ -80,6 +81,42 @@ TEST_F(Product, TheCapitalsOfTheHelpAreEnough) {
         shortest[i] = static_cast<char>(i < keyword.size() ? keyword[i] : std::tolower(word[i]));
       EXPECT_TRUE(words.contains(shortest)) << shortest;
     }
+  }
+}
+
+TEST_F(Product, TheListShowsEveryLineOfHelpWhole) {
+  int lines = 0;
+  for (const auto& file : std::filesystem::directory_iterator(product / "kivo/help")) {
+    std::istringstream text(read_file(file.path()));
+    for (std::string line; std::getline(text, line); ++lines)
+      EXPECT_LE(("# \"" + line + "\" ").size(), gx_list_columns) << file.path() << ": " << line;
+  }
+  EXPECT_GT(lines, 200);
+}
+
+TEST_F(Product, EveryCommandIsInTheManPageAndTheMenu) {
+  // Of command files, of the keyboard, or kept for other editors' files.
+  const std::set<std::string> without_menu = {
+      "ASSIGN",      "BASEPOINT",   "DEFINE KEY", "DEFINE MENU",  "DISPLAY", "DOBIN",
+      "DODIRECTBIN", "HARDCOPY",    "PLOT",       "QUIT",         "READLN",  "SELECT OBJECT",
+      "SMASH",       "STATUS MENU", "SYSTEM",     "UNSELECT AREA"};
+  const std::string page = read_file(KIVO_SOURCE_DIR "/docs/man/kivo.1");
+  const std::string menu = gx_upper(read_file(product / "kivo/init_menu"));
+  for (const kv_command_row_t& row : kv_command_table()) {
+    if (row.syntax[0] == '$') continue;
+    const std::string syntax(row.syntax);
+    const std::string quotes = syntax.find(' ') == syntax.npos ? "" : "\"";
+    EXPECT_NE(page.find("\n.B " + quotes + syntax + quotes + "\n"), page.npos) << syntax;
+    std::istringstream words(syntax);
+    std::string name, word;
+    for (int i = 0; i < 2 && !row.keywords[static_cast<std::size_t>(i)].empty(); ++i) {
+      words >> word;
+      name += (i > 0 ? " " : "") + word;
+    }
+    name = gx_upper(name);
+    if (name.starts_with("MARK RECT")) name = "MARK RECT";
+    if (without_menu.contains(name)) continue;
+    EXPECT_NE(menu.find(name), menu.npos) << name;
   }
 }
 

@@ -26,7 +26,8 @@ class StoreFixture : public ::testing::Test {
   // Writes the design as a run does: with the lists that it was made for.
   bool write_design(bool gen_data = false) const {
     kv_sext.kept = kv_sext;
-    return kv_write_design(kv_sext, kv_sext.designfile, gen_data ? dir + "/kivo_data" : "");
+    std::string why;
+    return kv_write_design(kv_sext, kv_sext.designfile, gen_data ? dir + "/kivo_data" : "", why);
   }
 
   // One instance with two pins, a bus of one member, a child of it, a macro with one pin; every

@@ -35,6 +35,27 @@ TEST(ViewportTable, LaysOutTheScreenWithoutOverlap) {
   EXPECT_EQ(gx_viewport_rec(1).pixel_bounds, (gx_bounds16_t{2, 10, 498, 1498}));
 }
 
+// The window's true size is known when it is first shown: one pixel more, which what was fitted
+// before follows, and what the user has moved to does not.
+TEST(ViewportTable, AFittedPartFollowsTheSize) {
+  make_screen();
+  gx_viewport_rec(1).file_index = 1;
+  const gx_boundsreal_t page = {0, 0, 990000, 740000};
+  gx_viewport_fit(1, page);
+  const auto resize = [](std::int16_t size) {
+    gx_vext.bitmap_size = {size, size};
+    gx_viewports_update();
+  };
+  resize(700);
+  const gx_shown_t followed = gx_viewport_shown(1);
+  gx_viewport_fit(1, page);
+  EXPECT_EQ(gx_viewport_shown(1), followed);
+  gx_viewport_translate(1, 1, 0, 5000);
+  const gx_shown_t moved = gx_viewport_shown(1);
+  resize(1000);
+  EXPECT_EQ(gx_viewport_shown(1), moved);
+}
+
 TEST(ViewportTable, ALaterViewportBlocksWhatItLiesOn) {
   make_screen();
   gx_viewport_create({50000, 60000, 99000, 74000}, border);  // its corners lie in the first

@@ -1,4 +1,4 @@
-#include "gx/display/colors.h"
+#include "gx/window/colors.h"
 
 #include <X11/Xlib.h>
 
@@ -9,6 +9,7 @@
 
 #include "gx/text/debug.h"
 #include "gx/vext.h"
+#include "gx/window/strokes.h"
 
 namespace {
 // A colour's name, and its components for a server that does not know the name.
@@ -76,16 +77,56 @@ XColor allocate(Colormap map, const named_color_t& wanted) {
                                            : WhitePixel(gx_vext.dpy, gx_vext.scrid);
   return color;
 }
+
+// By its components. On a screen of true colours the server need not be asked.
+XColor allocate_rgb(Colormap map, gx_rgb_t wanted) {
+  constexpr int to_16_bits = 257;
+  XColor color{};
+  color.red = static_cast<std::uint16_t>(wanted.red * to_16_bits);
+  color.green = static_cast<std::uint16_t>(wanted.green * to_16_bits);
+  color.blue = static_cast<std::uint16_t>(wanted.blue * to_16_bits);
+  color.flags = DoRed | DoGreen | DoBlue;
+  const Visual* const visual = DefaultVisual(gx_vext.dpy, gx_vext.scrid);
+  if (visual->c_class == TrueColor) {
+    const auto part = [](unsigned long mask, std::uint16_t value) {
+      const unsigned long unit = mask & (~mask + 1);
+      return unit == 0 ? 0 : (mask / unit * value / full) * unit;
+    };
+    color.pixel = part(visual->red_mask, color.red) | part(visual->green_mask, color.green) |
+                  part(visual->blue_mask, color.blue);
+    return color;
+  }
+  if (XAllocColor(gx_vext.dpy, map, &color) != 0 || take_nearest(map, color)) return color;
+  const bool is_dark = wanted.red + wanted.green + wanted.blue < 3 * 128;
+  color.pixel =
+      is_dark ? BlackPixel(gx_vext.dpy, gx_vext.scrid) : WhitePixel(gx_vext.dpy, gx_vext.scrid);
+  return color;
+}
+
+void keep(std::size_t number, const XColor& color) {
+  gx_vext.colorrec[number] = {color.pixel, color.red, color.green, color.blue};
+}
 }  // namespace
 
 void gx_init_colors() {
   const Colormap map = DefaultColormap(gx_vext.dpy, gx_vext.scrid);
   for (std::size_t i = 0; i < color_names.size(); ++i) {
     const XColor color = allocate(map, color_names[i]);
+    keep(i, color);
     auto& record = gx_vext.colorrec[i];
-    record = {color.pixel, color.red, color.green, color.blue};
     // On a screen of few colours nothing may vanish on the black ground.
     if (i > 0 && record.pixel == gx_vext.colorrec[0].pixel)
       record.pixel = WhitePixel(gx_vext.dpy, gx_vext.scrid);
   }
+}
+
+void gx_set_colors(std::span<const gx_rgb_t> colors) {
+  auto& v = gx_vext;
+  const Colormap map = DefaultColormap(v.dpy, v.scrid);
+  for (std::size_t i = 0; i < colors.size() && i < v.colorrec.size(); ++i)
+    keep(i, allocate_rgb(map, colors[i]));
+  v.backgrpixel = v.colorrec[0].pixel;
+  XSetForeground(v.dpy, v.copy_gc, v.backgrpixel);
+  XSetWindowBackground(v.dpy, v.win, v.backgrpixel);
+  gx_forget_context();
 }

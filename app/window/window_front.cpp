@@ -1,4 +1,4 @@
-#include "app/session/window_front.h"
+#include "app/window/window_front.h"
 
 #include <span>
 #include <string>
@@ -8,7 +8,6 @@
 #include "app/session/root.h"
 #include "app/session/root_session.h"
 #include "app/state.h"
-#include "gx/db/file_slots.h"
 #include "gx/display/cmd_viewport.h"
 #include "gx/display/events.h"
 #include "gx/display/pen.h"
@@ -18,6 +17,7 @@
 #include "gx/text/status.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
+#include "gx/window/window.h"
 
 namespace {
 bool has_typed_stop() {
@@ -52,9 +52,10 @@ bool answer() {
   return true;
 }
 
-int end(const kv_ended_t&) {
+int end(const kv_ended_t& ended) {
+  constexpr int no_usable_sheet = 1;
   kv_print_summary();
-  return kv_exit_status(0);
+  return kv_exit_status(ended.had_sheet ? 0 : no_usable_sheet);
 }
 }  // namespace
 
@@ -62,7 +63,6 @@ int kivo_root(int argc, char** argv) {
   gx_set_front(user);
   return kv_run({.lines = user,
                  .open_display = gx_init,
-                 .open_sheet = gx_file_open_sound,
                  .refuse_start = refuse_session,
                  .answer = answer,
                  .end = end},

@@ -1,4 +1,4 @@
-#include "gx/display/key_lookup.h"
+#include "gx/window/key_lookup.h"
 
 #include <X11/keysym.h>
 

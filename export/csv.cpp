@@ -1,0 +1,93 @@
+#include "export/csv.h"
+
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <memory>
+#include <vector>
+
+#include "export/output.h"
+#include "export/tables.h"
+#include "platform/files.h"
+
+namespace {
+
+struct csv_file_t {
+  std::string path;
+  x_file file;
+  std::unique_ptr<kv_output_t> out;
+};
+
+// Quoted where a reader would take it for more than one value.
+void put_text(kv_output_t& out, std::string_view text) {
+  if (text.find_first_of(",\"\r\n") == text.npos) {
+    out << text;
+    return;
+  }
+  out << '"';
+  for (const char c : text) {
+    if (c == '"') out << '"';
+    out << c;
+  }
+  out << '"';
+}
+
+void put_cell(kv_output_t& out, const kv_cell_t& cell) {
+  if (const auto* text = std::get_if<std::string_view>(&cell)) put_text(out, *text);
+  if (const auto* number = std::get_if<std::int64_t>(&cell)) out << *number;
+  if (const auto* real = std::get_if<double>(&cell)) out << static_cast<float>(*real);
+}
+
+std::string unfinished(const csv_file_t& file) { return file.path + ".part"; }
+
+std::string put_in_place(std::vector<csv_file_t>& files) {
+  for (csv_file_t& file : files) {
+    file.out.reset();
+    const bool written = std::ferror(file.file.get()) == 0;
+    if (!x_close(std::move(file.file)) || !written)
+      return file.path + ": " + x_why(errno != 0 ? errno : ENOSPC);
+  }
+  for (const csv_file_t& file : files)
+    if (std::rename(unfinished(file).c_str(), file.path.c_str()) != 0)
+      return file.path + ": " + x_why(errno);
+  return "";
+}
+
+}  // namespace
+
+std::string kv_write_csv(const kvi_design_t& design, const std::string& directory) {
+  if (::mkdir(directory.c_str(), 0777) != 0 && errno != EEXIST)
+    return directory + ": " + x_why(errno);
+  std::vector<csv_file_t> files;
+  std::string trouble;
+  for (const kv_table_t& table : kv_tables) {
+    csv_file_t file{directory + "/" + std::string(table.name) + ".csv", nullptr, nullptr};
+    file.file = x_create_new_file(unfinished(file));
+    if (!file.file) {
+      trouble = file.path + ": " + x_why(errno);
+      break;
+    }
+    file.out = std::make_unique<kv_output_t>(file.file.get());
+    std::string head(table.columns);
+    std::ranges::replace(head, ' ', ',');
+    *file.out << head << "\r\n";
+    files.push_back(std::move(file));
+  }
+  if (trouble.empty()) {
+    const auto row = [&](kv_table table, std::span<const kv_cell_t> cells) {
+      kv_output_t& out = *gx_at(files, table).out;
+      kv_between_t between(",");
+      for (const kv_cell_t& cell : cells) {
+        out << between.next();
+        put_cell(out, cell);
+      }
+      out << "\r\n";
+    };
+    kv_table_writer_t(design, row).write();
+    trouble = put_in_place(files);
+  }
+  if (!trouble.empty())
+    for (const csv_file_t& file : files) std::remove(unfinished(file).c_str());
+  return trouble;
+}

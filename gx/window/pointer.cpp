@@ -1,0 +1,58 @@
+#include "gx/window/pointer.h"
+
+#include <X11/Xlib.h>
+
+#include <algorithm>
+#include <array>
+
+#include "gx/display/theme.h"
+#include "gx/text/at.h"
+#include "gx/vext.h"
+
+namespace {
+// The pointer shapes, by pattern: X cursor, crosshair, four arrows, thin cross, I-beam, watch.
+constexpr std::array<unsigned, 9> cursor_shapes = {0, 34, 106, 110, 112, 114, 130, 152, 150};
+}  // namespace
+
+void gx_make_pointers() {
+  auto& v = gx_vext;
+  for (std::size_t i = 0; i < cursor_shapes.size(); ++i)
+    v.cursor_array[i] = {cursor_shapes[i], XCreateFontCursor(v.dpy, cursor_shapes[i]), gx_white};
+  XColor foreground{}, background{};
+  foreground.red = foreground.green = foreground.blue = 65535;
+  XRecolorCursor(v.dpy, v.cursor_array[0].cursid, &foreground, &background);
+  XDefineCursor(v.dpy, v.win, v.cursor_array[0].cursid);
+  v.cursor_ind_cur = 1;
+}
+
+void gx_show_pointer(int pattern) {
+  const auto& v = gx_vext;
+  const auto& cursor = gx_at(v.cursor_array, pattern - 1);
+  if (cursor.cursid != 0) {
+    const auto& shade = v.colorrec[std::min<std::size_t>(cursor.color, 7)];
+    XColor foreground{}, background{};
+    foreground.red = shade.red;
+    foreground.green = shade.green;
+    foreground.blue = shade.blue;
+    XRecolorCursor(v.dpy, cursor.cursid, &foreground, &background);
+  }
+  XDefineCursor(v.dpy, v.win, cursor.cursid);
+  XFlush(v.dpy);
+}
+
+void gx_hide_pointer() {
+  XUndefineCursor(gx_vext.dpy, gx_vext.win);
+  XFlush(gx_vext.dpy);
+}
+
+void gx_put_pointer(gx_point16_t to) {
+  XWarpPointer(gx_vext.dpy, None, gx_vext.win, 0, 0, 0, 0, to.x, to.y);
+  XFlush(gx_vext.dpy);
+}
+
+void gx_put_pointer_near(gx_point16_t to, gx_point16_t from, int margin) {
+  const auto size = static_cast<unsigned>(2 * margin + 1);
+  XWarpPointer(gx_vext.dpy, gx_vext.win, gx_vext.win, from.x - margin, from.y - margin, size, size,
+               to.x, to.y);
+  XFlush(gx_vext.dpy);
+}

@@ -1,0 +1,132 @@
+#include "gx/window/strokes.h"
+
+#include <X11/Xlib.h>
+
+#include <algorithm>
+#include <array>
+#include <vector>
+
+#include "gx/display/pen.h"
+#include "gx/text/at.h"
+#include "gx/text/status.h"
+#include "gx/vext.h"
+
+namespace {
+// The dashes of a line on the sheet, then those of a border. An empty list is a solid line.
+using dashes_t = std::array<char, 6>;
+struct dash_list_t {
+  int length;
+  dashes_t dashes;
+};
+constexpr std::array<dash_list_t, gx_nb_of_dash_lists> dash_lists = {{
+    {0, {}},
+    {2, {6, 6}},
+    {2, {3, 6}},
+    {4, {12, 6, 3, 6}},
+    {6, {12, 6, 3, 6, 3, 6}},
+    {0, {}},
+    {2, {6, 6}},
+    {2, {3, 10}},
+    {4, {12, 6, 2, 6}},
+    {6, {12, 6, 2, 6, 2, 6}},
+}};
+
+// What the graphics context holds; -1: not known.
+struct context_t {
+  int color = -1, dashes = -1;
+  bool is_exclusive_or = false;
+};
+context_t state;
+
+short to_short(int v) { return static_cast<short>(std::clamp(v, -32768, 32767)); }
+
+unsigned short to_size(int v) { return static_cast<unsigned short>(std::clamp(v, 0, 65535)); }
+
+void use_color(int color) {
+  if (state.color == color) return;
+  state.color = color;
+  // Put over the ground by exclusive-or it is the colour itself.
+  const unsigned long under = state.is_exclusive_or ? gx_vext.backgrpixel : 0;
+  XSetForeground(gx_vext.dpy, gx_vext.our_gc, gx_at(gx_vext.colorrec, color).pixel ^ under);
+}
+
+void use_dashes(int dashes) {
+  if (state.dashes == dashes) return;
+  state.dashes = dashes;
+  const auto& list = gx_at(dash_lists, dashes);
+  const int line_style = list.length == 0 ? LineSolid : LineOnOffDash;
+  XSetLineAttributes(gx_vext.dpy, gx_vext.our_gc, 0, line_style, CapButt, JoinMiter);
+  if (list.length > 0) XSetDashes(gx_vext.dpy, gx_vext.our_gc, 0, list.dashes.data(), list.length);
+}
+
+// The strokes of a group as the requests want them, in a buffer that is used again.
+template <typename Request, typename Stroke, typename Convert>
+std::vector<Request>& requests_of(const std::vector<Stroke>& strokes, Convert convert) {
+  static std::vector<Request> buffer;
+  buffer.resize(strokes.size());
+  std::transform(strokes.begin(), strokes.end(), buffer.begin(), convert);
+  return buffer;
+}
+
+}  // namespace
+
+void gx_begin_strokes() { state = {}; }
+
+void gx_forget_context() { state.color = -1; }
+
+void gx_draw_strokes(const gx_stroke_group_t& group) {
+  auto* const dpy = gx_vext.dpy;
+  const auto target = gx_vext.drawable != 0 ? gx_vext.drawable : gx_vext.win;
+  use_color(group.color);
+  if (!group.lines.empty() || !group.arcs.empty()) use_dashes(group.dashes);
+  if (!group.lines.empty()) {
+    auto& lines = requests_of<XSegment>(group.lines, [](const gx_line16_t& line) {
+      return XSegment{line.x1, line.y1, line.x2, line.y2};
+    });
+    XDrawSegments(dpy, target, gx_vext.our_gc, lines.data(), static_cast<int>(lines.size()));
+  }
+  if (!group.arcs.empty()) {
+    auto& arcs = requests_of<XArc>(group.arcs, [](const gx_arc16_t& arc) {
+      return XArc{to_short(arc.x),   to_short(arc.y),     to_size(arc.size),
+                  to_size(arc.size), to_short(arc.angle), to_short(arc.extent)};
+    });
+    XDrawArcs(dpy, target, gx_vext.our_gc, arcs.data(), static_cast<int>(arcs.size()));
+  }
+  if (!group.boxes.empty()) {
+    auto& boxes = requests_of<XRectangle>(group.boxes, [](const gx_box16_t& box) {
+      return XRectangle{box.x, box.y, box.width, box.height};
+    });
+    XFillRectangles(dpy, target, gx_vext.our_gc, boxes.data(), static_cast<int>(boxes.size()));
+  }
+}
+
+void gx_clip_strokes(const gx_box16_t& box) {
+  XRectangle clip{box.x, box.y, box.width, box.height};
+  XSetClipRectangles(gx_vext.dpy, gx_vext.our_gc, 0, 0, &clip, 1, YXBanded);
+}
+
+// A width or height of 0 would clear up to the window's edge.
+void gx_clear_area(int x, int y, int width, int height) {
+  if (gx_vext.drawable == 0)
+    XClearArea(gx_vext.dpy, gx_vext.win, x, y, static_cast<unsigned>(width),
+               static_cast<unsigned>(height), False);
+  else
+    XFillRectangle(gx_vext.dpy, gx_vext.drawable, gx_vext.copy_gc, x, y,
+                   static_cast<unsigned>(width), static_cast<unsigned>(height));
+}
+
+void gx_set_exclusive_or(bool on) {
+  state.is_exclusive_or = on;
+  state.color = -1;
+  XSetFunction(gx_vext.dpy, gx_vext.our_gc, on ? GXxor : GXcopy);
+}
+
+void gx_set_line_dashed(int style, int color) {
+  if (!gx_vext.init_done && gx_vext.num_file_open < 1)
+    gx_set_status(gx_code::init_or_open_file_not_done);
+  if (style < 0 || style >= gx_nb_of_styles) gx_set_status(gx_code::invalid_style);
+  gx_pen_flush();
+  if (gx_vext.dpy == nullptr) return;
+  use_color(color >= 0 && color < gx_nb_of_colors ? color : gx_nb_of_file_colors - 1);
+  use_dashes(style);
+}
