@@ -125,6 +125,11 @@ bool x_write_file(const std::string& path, std::string_view bytes) {
 }
 
 bool x_replace_file(const std::string& path, std::string_view bytes) {
+  struct stat there {};
+  if (stat(path.c_str(), &there) == 0 && !S_ISREG(there.st_mode)) {
+    errno = S_ISDIR(there.st_mode) ? EISDIR : EINVAL;
+    return false;
+  }
   const std::string fresh = path + ".new";
   const x_descriptor file = create_new(fresh);
   if (file && write_synced(file, bytes) && std::rename(fresh.c_str(), path.c_str()) == 0) {

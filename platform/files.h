@@ -22,7 +22,8 @@ bool x_close(x_file file);
 
 // What an errno says: "No such file or directory".
 std::string x_why(int error);
-// The same of x_open_regular and x_read_regular: "Not a regular file" for a pipe or a device.
+// The same of x_open_regular, x_read_regular and x_replace_file: "Not a regular file" for a pipe or
+// a device.
 std::string x_why_unread(int error);
 // Whether it says that there is no such file to read. All else stands in the way of one.
 bool x_is_missing(int error);
@@ -49,7 +50,8 @@ bool x_read_regular(const std::string& path, std::string& bytes, std::size_t lim
 bool x_write_at(int file, std::string_view bytes, off_t offset);
 
 // Puts a file with these bytes in the place of another, so that at any moment, also after a kill or
-// a loss of power, the path names the old file or the whole new one.
+// a loss of power, the path names the old file or the whole new one. What is there and is no
+// regular file stays (EISDIR, EINVAL).
 bool x_replace_file(const std::string& path, std::string_view bytes);
 // Makes a file with these bytes, on the disk when this returns.
 bool x_write_file(const std::string& path, std::string_view bytes);

@@ -1,9 +1,9 @@
 # What the scripts share: Debian packages, the build, a private X server.
 # Sourced, with the top of the project as current directory.
 
-example_packages=(cmake ninja-build g++ libx11-dev libsqlite3-dev)
+example_packages=(cmake ninja-build g++ libx11-dev libsqlite3-dev zlib1g-dev)
 test_packages=("${example_packages[@]}" pkg-config libxtst-dev libgtest-dev xvfb xauth xdotool
-               imagemagick ngspice hp2xx python3 iverilog)
+               imagemagick ngspice hp2xx qpdf poppler-utils python3 iverilog)
 ci_packages=("${test_packages[@]}" ccache git libbenchmark-dev clang-format)
 
 build_dir=build

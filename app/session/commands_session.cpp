@@ -1,13 +1,23 @@
-// Commands that steer the session: questions, the command line, switches, and the end.
+// Commands that steer the session: questions, the command line, switches, pictures in files, and
+// the end.
+#include <algorithm>
+#include <cerrno>
+
 #include "app/language/command_row.h"
 #include "app/language/substitution.h"
 #include "app/session/event_loop.h"
 #include "app/sheet/views.h"
+#include "app/state.h"
+#include "gx/db/object_access.h"
 #include "gx/display/cmd_viewport.h"
 #include "gx/text/at.h"
 #include "gx/text/message_list.h"
+#include "gx/text/string_compare.h"
 #include "gx/text/strings.h"
+#include "gx/vector/pdf_picture.h"
+#include "gx/vector/svg_picture.h"
 #include "gx/vext.h"
+#include "platform/files.h"
 
 namespace {
 constexpr std::string_view nobody = "# !! Error : There is no user to answer ? ";
@@ -90,6 +100,41 @@ void kv_plot_cmd(const kv_command_t& command) {
   kv_refuse("# PLOt ", command, "# !! Please Use \"lorb\" to Plot .\"");
 }
 
+// The sheet in view as a picture of the format that the name ends with.
+void kv_plot_file_cmd(const kv_command_t& command) {
+  if (command.count() == 2) return kv_plot_cmd(command);
+  constexpr std::string_view refused = "# PLOt ";
+  const std::string name(kv_file_name(command.word(3)));
+  const std::string ending = gx_upper(name.substr(std::min(name.rfind('.'), name.size())));
+  if (ending != ".SVG" && ending != ".PDF")
+    return kv_refuse(refused, command, "# !! Error : The name must end with .svg or .pdf ? ");
+  const auto& file = gx_ptrto_gene_file_buf(kv_pext.file_id_cur);
+  if (file.primary_object == 0)
+    return kv_refuse(refused, command, "# !! Error : No sheet in view ? ");
+  gx_sheet_labels_t labels;
+  labels.path = gx_view(kv_pext.cur_sim_path);
+  if (labels.path.ends_with('/')) labels.path.pop_back();
+  if (labels.path.empty())
+    labels.path = gx_view(kv_pext.arrayof_file[0].file_path);
+  else if (!labels.path.starts_with('/'))
+    labels.path.insert(0, "/");
+  labels.title = labels.path;
+  std::string picture;
+  if (ending == ".SVG") {
+    gx_svg_page_t page;
+    page.labels = labels;
+    picture = gx_svg_picture(file, page);
+  } else {
+    gx_pdf_document document(1, gx_colours::print, *gx_paper_of("A4"), {});
+    document.add_page(file, labels);
+    picture = document.finish(labels.title);
+  }
+  if (!x_replace_file(name, picture))
+    return kv_refuse(refused, command,
+                     "# !! Error : Cannot write : " + x_why_unread(errno) + " ? ");
+  kv_echo(" PLOt FILe ", command, 3);
+}
+
 constexpr kv_command_row_t session_rows[] = {
     // clang-format off
     {{"BYE"}, "BYE", kv_bye_cmd, "# BYE ", 2, 3},
@@ -99,6 +144,7 @@ constexpr kv_command_row_t session_rows[] = {
     {{"DISP"}, "DISPlay ON or OFF", kv_display_cmd, "# DISplay "},
     {{"TRANS", "O"}, "TRANScript ON or OFF", kv_transcript_cmd, "# TRANScript "},
     {{"HAR"}, "HARDcopy [word]", kv_hardcopy_cmd, "# HARDcopy "},
+    {{"PLO", "FIL"}, "PLOt FILe [name]", kv_plot_file_cmd, "# PLOt "},
     {{"PLO"}, "PLOt [word]", kv_plot_cmd, "# PLOt "},
     // clang-format on
 };

@@ -10,14 +10,18 @@ _kivo_programs() {
     kvdump) options='--json --format --csv --sqlite' ;;
     kvverilog) options='--flat --top -o' ;;
     kvspice) options='-o' ;;
-    kivo-plot) options='-landscape' ;;
+    kivo-plot) options='-landscape --landscape -o --svg --pdf --all --per-instance --primitive --paper --colours --colors' ;;
   esac
   if [[ $current == -* ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$options --help --version" -- "$current")
     return
   fi
   case $before in
-    --array | --variants | --number | --top) return ;;
+    --array | --variants | --number | --primitive | --top) return ;;
+    --paper) mapfile -t COMPREPLY < <(compgen -W "A5 A4 A3 A2 A1 A0 letter legal tabloid fit" -- "$current")
+             return ;;
+    --colours | --colors) mapfile -t COMPREPLY < <(compgen -W "screen print mono" -- "$current")
+                          return ;;
     --format) [[ $1 == *kvdump ]] && mapfile -t COMPREPLY < <(compgen -W yosys -- "$current")
               [[ $1 == *gximport ]] && mapfile -t COMPREPLY < <(compgen -W "xschem lepton" -- "$current")
               return ;;
