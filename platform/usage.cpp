@@ -45,7 +45,7 @@ std::optional<int> tool_read(const tool_t& tool, int argc, char** argv,
     }
     if (word == "--version") {
       tool_print(stdout,
-                 std::string(tool.name).append(" (KIVO) ").append(kivo_version).append("\n"));
+                 std::string(tool.name).append(" (KIVO) ").append(KIVO_VERSION).append("\n"));
       return tool_end(tool, 0);
     }
     const tool_option_t* found = nullptr;

@@ -9,8 +9,6 @@
 #include <string_view>
 #include <vector>
 
-inline constexpr std::string_view kivo_version = "2.02";
-
 struct tool_t {
   std::string_view name;
   std::string_view help;  // whole lines; the first is "usage: NAME ..."

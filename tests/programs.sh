@@ -21,12 +21,19 @@ unset DISPLAY
 
 options_in() { grep -oE '(^|[][ ,|(])--?[A-Za-z][A-Za-z-]*' | grep -oE -- '-.*' | sort -u; }
 
+# One version, of the build, of the list of changes and of the packages.
+version=$(sed -n 's/^project(kivo VERSION \([0-9.]*\) .*/\1/p' "$source/CMakeLists.txt")
+[[ $(sed -n 's/^## \([0-9.]*\) .*/\1/p;T;q' "$source/CHANGELOG.md") == "$version" ]] ||
+  fail "CHANGELOG.md does not begin with version $version"
+[[ $(head -1 "$source/debian/changelog") == "kivo ($version-"* ]] ||
+  fail "debian/changelog does not begin with version $version"
+
 programs=("$build/kivo")
 for tool in "$source"/tools/*.cpp; do programs+=("$build/tools/$(basename "$tool" .cpp)"); done
 for program in "${programs[@]}"; do
   name=$(basename "$program")
   ask 0 "$program" --version
-  [[ $out == "$name (KIVO) 2.02" && -z $err ]] || fail "$name --version: $out$err"
+  [[ $out == "$name (KIVO) $version" && -z $err ]] || fail "$name --version: $out$err"
   ask 2 "$program" --no-such-option
   [[ -z $out && $err == "$name: unknown option --no-such-option"* ]] || fail "$name: $out$err"
   ask 0 "$program" --help
