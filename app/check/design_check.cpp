@@ -4,27 +4,15 @@
 #include "app/check/netlist_findings.h"
 #include "app/check/run_messages.h"
 #include "app/check/sheet_findings.h"
+#include "app/find/aside.h"
 #include "gx/db/record_codec.h"
 #include "gx/text/strings.h"
-
-namespace {
-
-// A run wants something to keep; a check does not.
-void fill_list(kv_prop_list_t& list, std::string_view name) {
-  if (list.count > 0) return;
-  list.entry[0] = {gx_string(name), gx_string("S")};
-  list.count = 1;
-}
-
-}  // namespace
 
 kv_design_check_t kv_check_design(const kv_setup_t& wishes, std::string_view top_path,
                                   const kv_severities_t& severities, kv_run_watcher_t watcher) {
   if (wishes.primitive.count == 0) return {{}, "No property to define the PRIMITIVE ? "};
   const auto setup = std::make_unique<kv_setup_t>(wishes);
-  fill_list(setup->property_instance, "INST");
-  fill_list(setup->property_pin, "PIN");
-  fill_list(setup->property_net, "NET");
+  kv_keep_something(*setup);
 
   // From the file: what a command has marked on the sheet in memory is no part of the design.
   const auto load = gx_load_file(top_path);

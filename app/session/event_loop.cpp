@@ -16,6 +16,7 @@
 #include "app/session/menu_actions.h"
 #include "app/sheet/last_views.h"
 #include "app/sheet/views.h"
+#include "app/values/waves.h"
 #include "gx/display/cmd_viewport.h"
 #include "gx/display/cursor.h"
 #include "gx/display/draw.h"
@@ -371,6 +372,8 @@ void kv_process_events(bool first, kv_array_param_t& args, kv_array_param_t& var
   while (!loop.leave) {
     const gx_event_t event = gx_input_event_wait();
     if (kv_pan(loop.gestures, event)) continue;
+    const auto run = [&](std::string_view command) { run_command(loop, gx_string(command)); };
+    if (kv_wave_gesture(event, run)) continue;
     const bool is_lost = gx_vext.viewport_id < 1 || gx_vext.viewport_id > gx_max_viewports;
     if (is_lost && event.kind != gx_event_kind::close_asked) {
       if (++lost_events > max_lost_events) {
