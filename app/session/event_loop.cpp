@@ -226,7 +226,8 @@ void on_key_release(loop_t& loop, const gx_event_t& event) {
 
 void on_button(loop_t& loop, const gx_event_t& event) {
   const auto first = static_cast<std::size_t>(gx_event_kind::button1_down);
-  run_binding(loop, gx_vext.action_but[static_cast<std::size_t>(event.kind) - first]);
+  if (!kv_clicks_list(event))
+    run_binding(loop, gx_vext.action_but[static_cast<std::size_t>(event.kind) - first]);
   if (event.kind == gx_event_kind::button1_up)
     kv_click(event, [&](std::string_view command) { run_command(loop, gx_string(command)); });
 }

@@ -5,6 +5,7 @@
 #include "app/find/find_path.h"
 #include "app/language/command_row.h"
 #include "app/sheet/command_viewport.h"
+#include "app/values/answers.h"
 #include "app/values/asked.h"
 #include "app/values/shown_values.h"
 #include "app/values/waves.h"
@@ -49,7 +50,7 @@ void tell_results(const kv_results_t& results) {
 
 void kv_values_file_cmd(const kv_command_t& command) {
   constexpr std::string_view refused = "# VALues FILe ";
-  std::string path = kv_pext.results_path;
+  std::string path = kv_pext.results_path.empty() ? kv_results_of_link() : kv_pext.results_path;
   std::size_t plot = kv_pext.results_plot;
   if (command.count() >= 3) {
     path = gx_view(gx_resolve_path(kv_file_name(command.word(3))));

@@ -356,6 +356,8 @@ void read_rest(gx_event_t& event) {
     snap_pointer(gx_vext.viewport_id, gx_vext.obj_pos);
 }
 
+gx_other_input_t other_input;
+
 // What ends the waiting.
 enum class waking { event, rest, signal };
 
@@ -370,8 +372,11 @@ waking wait_for_waking() {
       // A clock that was set back must not make it wait for longer.
       if (left <= 0 || left > rest_ms) return waking::rest;
     }
-    const int connection = ConnectionNumber(gx_vext.dpy);
-    if (x_wait({&connection, 1}, left).by == x_waking::failed) return waking::event;
+    const int other = other_input.descriptor != nullptr ? other_input.descriptor() : -1;
+    const int both[] = {ConnectionNumber(gx_vext.dpy), other};
+    const x_woken_t woken = x_wait(both, left);
+    if (woken.by == x_waking::failed) return waking::event;
+    if (woken.by == x_waking::readable && woken.descriptor == other) other_input.read();
   }
   return waking::signal;
 }
@@ -464,6 +469,8 @@ Bool gx_good_event(Display*, XEvent* event, XPointer argument) {
 }
 
 }  // namespace
+
+void gx_set_other_input(const gx_other_input_t& input) { other_input = input; }
 
 gx_event_t gx_input_event_wait() {
   if (!gx_vext.init_done && gx_vext.num_file_open < 1) {

@@ -31,3 +31,23 @@ void gx_regen_display_list() {
                              {v.listb_x0, static_cast<std::int16_t>(y)}, true, v.list_color);
   }
 }
+
+std::string_view gx_list_word_at(gx_point16_t pixel) {
+  const auto& v = gx_vext;
+  if (!gx_viewport_ok(v.viewport_list) || v.list_step < 1 || v.cmd_step < 1) return {};
+  const gx_point16_t corner = gx_viewport_inq_pixel_min(v.viewport_list);
+  const int row = (pixel.y - corner.y - v.listb_y0) / v.list_step;
+  const int column = (pixel.x - corner.x - v.listb_x0) / v.cmd_step;
+  const int line = std::max<int>(v.nlinlist_disp, 1) + row;
+  if (row < 0 || row >= v.nb_line_in_listviewp || column < 0 || line > v.nlinlist_end ||
+      line > gx_max_list_lines) {
+    return {};
+  }
+  constexpr std::string_view between = " \"'";
+  const std::string_view text = gx_view(gx_at(v.line_list, line - 1)).substr(0, gx_max_text_length);
+  const auto at = static_cast<std::size_t>(column);
+  if (at >= text.size() || between.find(text[at]) != between.npos) return {};
+  const auto before = text.find_last_of(between, at);
+  const std::size_t begin = before == text.npos ? 0 : before + 1;
+  return text.substr(begin, text.find_first_of(between, at) - begin);
+}
