@@ -23,16 +23,20 @@ struct listing {
   // Places and paths: what every object has.
   void object_id(kv_object_t object) { out.integer(" object_id  : ", netlist.object_id(object)); }
   void path(std::string_view label, kv_object_t object) { out.quoted(label, netlist.path(object)); }
-  void properties(kv_object_t object, int rule, std::string_view count_label,
-                  std::string_view label);
   // An instance or a macro: how its kind and that of its pins are written.
   struct owner_words_t {
     std::string_view title, property, pin_owner;
     char rule;
     int length;
   };
-  void owner(kv_object_t object, const owner_words_t& words);
-  void pin(kv_object_t object, const owner_words_t& words);
+  // The kind is known when these are compiled: they are asked for each of millions of objects.
+  template <kv_named What>
+  void properties(std::int32_t index, int rule, std::string_view count_label,
+                  std::string_view label);
+  template <kv_named What>
+  void owner(std::int32_t index, const owner_words_t& words);
+  template <kv_named What>
+  void pin(std::int32_t index, const owner_words_t& words);
   void net(std::int32_t index);
   void net_children(std::int32_t index);
   template <typename Chain>
@@ -72,10 +76,13 @@ void listing::header(std::string_view path) {
   out.text("\n");
 }
 
-void listing::properties(kv_object_t object, int rule, std::string_view count_label,
+template <kv_named What>
+void listing::properties(std::int32_t index, int rule, std::string_view count_label,
                          std::string_view label) {
-  out.integer(count_label, netlist.nb_of_properties(object));
-  for (std::int32_t k = 0; k < netlist.nb_of_properties(object); ++k) {
+  const kv_object_t object{What, index};
+  const std::int32_t nb_of_properties = netlist.nb_of_properties(object);
+  out.integer(count_label, nb_of_properties);
+  for (std::int32_t k = 0; k < nb_of_properties; ++k) {
     const kv_property_t property = netlist.property(object, k);
     out.rule('-', rule);
     out.text(" \n");
@@ -107,27 +114,33 @@ void listing::properties(kv_object_t object, int rule, std::string_view count_la
   }
 }
 
-void listing::owner(kv_object_t object, const owner_words_t& words) {
+template <kv_named What>
+void listing::owner(std::int32_t index, const owner_words_t& words) {
+  constexpr kv_named pins = What == kv_named::inst ? kv_named::pin : kv_named::pinm;
+  const kv_object_t object{What, index};
   title(words.title, object.index);
   object_id(object);
   path(" sim_path   : ", object);
   out.quoted(" file_path   : ", netlist.file_path(object));
-  properties(object, 46, " nb_of_prop  : ", words.property);
+  properties<What>(index, 46, " nb_of_prop  : ", words.property);
   out.rule(words.rule, words.length);
   const std::int32_t nb_of_pins = netlist.nb_of_pins(object);
   out.integer(" nb_of_pin  : ", nb_of_pins);
-  for (std::int32_t k = 0; k < nb_of_pins; ++k) pin(netlist.pin(object, k), words);
+  const std::int32_t first = netlist.pin(object, 0).index;
+  for (std::int32_t k = 0; k < nb_of_pins; ++k) pin<pins>(first + k, words);
 }
 
-void listing::pin(kv_object_t object, const owner_words_t& words) {
+template <kv_named What>
+void listing::pin(std::int32_t index, const owner_words_t& words) {
+  const kv_object_t object{What, index};
   out.rule(words.rule, words.length);
   out.integer(" Pin  : ", object.index);
   object_id(object);
-  if (object.what == kv_named::pin) out.integer(" io_type  : ", netlist.io_type(object));
+  if (What == kv_named::pin) out.integer(" io_type  : ", netlist.io_type(object));
   path(" sim_path   : ", object);
   out.integer(words.pin_owner, netlist.owner(object).index);
   out.integer(" net_ind       : ", netlist.net(object));
-  properties(object, 46, " nb_of_prop  : ", " Prop PIN : name : ");
+  properties<What>(index, 46, " nb_of_prop  : ", " Prop PIN : name : ");
 }
 
 void listing::net(std::int32_t index) {
@@ -151,7 +164,7 @@ void listing::net(std::int32_t index) {
     out.integer(" father_net    : ", netlist.father(index));
     out.integer(" next_sub_net  : ", netlist.next_named(index));
   }
-  properties(object, 29, " nb_of_prop    : ", " Prop NET : name : ");
+  properties<kv_named::net>(index, 29, " nb_of_prop    : ", " Prop NET : name : ");
   net_children(index);
   net_pins(" nb_pin_in  : ", "  PIN_IN : ", 26, index, netlist.nb_of_pins_in(index),
            netlist.pins_in(index));
@@ -209,9 +222,9 @@ bool kv_write_listing_body(const kv_design_t& design, std::FILE* file) {
   const auto each = [&](kv_named what, auto write) {
     for (std::int32_t i = 1; i <= list.netlist.count(what); ++i) write(i);
   };
-  each(kv_named::inst, [&](std::int32_t i) { list.owner({kv_named::inst, i}, instance_words); });
+  each(kv_named::inst, [&](std::int32_t i) { list.owner<kv_named::inst>(i, instance_words); });
   each(kv_named::net, [&](std::int32_t i) { list.net(i); });
-  each(kv_named::macro, [&](std::int32_t i) { list.owner({kv_named::macro, i}, macro_words); });
+  each(kv_named::macro, [&](std::int32_t i) { list.owner<kv_named::macro>(i, macro_words); });
   list.out.text("# KIVO generate DATA : END : OK  \n");
   return list.out.finish();
 }

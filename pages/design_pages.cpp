@@ -106,7 +106,6 @@ bool kv_open_pages(kv_design_pages_t& pages, const std::string& directory,
   gx_hide_invisible(*pages.top);
   auto& setup = *pages.setup;
   for (const std::string_view primitive : primitives) {
-    if (setup.primitive.count == kv_max_list) break;
     const auto equals = std::min(primitive.find('='), primitive.size());
     const auto value = primitive.substr(std::min(equals + 1, primitive.size()));
     gx_at(setup.primitive.entry, setup.primitive.count++) = {gx_string(primitive.substr(0, equals)),

@@ -38,8 +38,8 @@ struct kv_design_pages_t {
 inline constexpr int kv_most_pages = 100'000;
 
 // Reads the sheet of a directory, the top of what is shown. An instance with one of the properties
-// `primitives` ("CLASS", or "CLASS=R") is shown as it is. Texts that are not visible are hidden.
-// False and why when there is no sound sheet.
+// `primitives` ("CLASS", or "CLASS=R"; at most kv_max_list) is shown as it is. Texts that are not
+// visible are hidden. False and why when there is no sound sheet.
 bool kv_open_pages(kv_design_pages_t& pages, const std::string& directory,
                    std::span<const std::string_view> primitives, std::string& why);
 

@@ -108,7 +108,7 @@ def listed_objects(path):
             pins.append((sim_path, int(m.group(1))))
         elif m := re.match(r' Prop instance : name : "(.*)" prop_type', line):
             name = m.group(1)
-        elif (m := re.match(r" prop_(?:char *: \"(.*)\"|\w+ *: *(.*))$", line)) and kind == "Instance":
+        elif (m := re.match(r" prop_(?:char *: \"(.*)\"|\w+ 1 : *(.*))$", line)) and kind == "Instance":
             instances[-1][1].append((name, m.group(1) or m.group(2)))
     return names, pins, instances, counts
 

@@ -236,6 +236,8 @@ int main(int argc, char** argv) {
                               "--colours: screen, print or mono, not " + std::string(colours));
     wishes.colours = *known;
   }
+  if (std::ssize(wishes.primitives) > kv_max_list)
+    return tool_usage_error(tool, "--primitive: at most " + std::to_string(kv_max_list));
   if (wishes.primitives.empty()) wishes.primitives.push_back("CLASS");
   const bool is_own = words.size() == 1 || words[1] == "." || words[1] == last_name(words[0]);
   wishes.sheet = is_own ? words[0] : words[1];

@@ -1,5 +1,8 @@
 #include "app/check/design_check.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "app/check/cells.h"
 #include "app/check/netlist_findings.h"
 #include "app/check/run_messages.h"
@@ -11,9 +14,16 @@ namespace {
 
 // A run wants something to keep; a check does not.
 void fill_list(kv_prop_list_t& list, std::string_view name) {
-  if (list.count > 0) return;
-  list.entry[0] = {gx_string(name), gx_string("S")};
-  list.count = 1;
+  if (list.count == 0) list.entry[list.count++] = {gx_string(name), gx_string("S")};
+}
+
+// What the rules heed on nets is kept beside what the session keeps, unless that fills the list.
+void keep_marks(kv_prop_list_t& list) {
+  const bool is_full = list.count >= std::ssize(list.entry);
+  const bool is_kept = std::any_of(list.begin(), list.end(), [](const auto& entry) {
+    return gx_iden(gx_view(entry.name), kv_noconn);
+  });
+  if (!is_full && !is_kept) list.entry[list.count++] = {gx_string(kv_noconn), gx_string("S")};
 }
 
 }  // namespace
@@ -26,6 +36,7 @@ kv_design_check_t kv_check_design(const kv_setup_t& wishes, std::string_view top
   fill_list(setup->property_pin, "PIN");
   fill_list(setup->property_net, "NET");
   setup->store_size = kv_max_records;  // the memory is the limit
+  keep_marks(setup->property_net);
 
   // From the file: what a command has marked on the sheet in memory is no part of the design.
   const auto load = gx_load_file(top_path);

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "gx/text/at.h"
+#include "gx/text/strings.h"
 
 namespace {
 
@@ -94,11 +95,22 @@ class netlist_check {
                std::move(words));
   }
 
+  // Whether the drawing says that nothing else is to be joined to it.
+  bool is_marked_open(std::int32_t net) const {
+    const std::int32_t bus = netlist_.bus(net);
+    const kv_object_t whole{kv_named::net, bus != 0 ? bus : net};
+    for (std::int32_t place = 0; place < netlist_.nb_of_properties(whole); ++place)
+      if (gx_iden(netlist_.property_name(kv_named::net, place), kv_noconn))
+        return !netlist_.property(whole, place).text.empty();
+    return false;
+  }
+
   // A global stands for a supply, whose source need not be drawn.
   bool lacks_driver(std::int32_t ind) const {
     const auto& pins = gx_at(nets_, ind);
     if (pins.in == 0 || pins.in < pins.pins || netlist_.net_kind(ind) == kv_kind_global)
       return false;
+    if (is_marked_open(ind)) return false;
     const std::int16_t port = outside(ind);
     return port != kv_io_in && port != kv_io_io;
   }
@@ -183,7 +195,7 @@ class netlist_check {
 
   void check_single(std::int32_t ind) {
     const auto& pins = gx_at(nets_, ind);
-    if (pins.pins != 1 || outside(ind) != 0) return;
+    if (pins.pins != 1 || outside(ind) != 0 || is_marked_open(ind)) return;
     add_net(kv_rule::single_pin, ind, "its only pin is " + quoted(pins.first));
   }
 

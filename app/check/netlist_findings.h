@@ -17,5 +17,9 @@ struct kv_netlist_findings_t {
   void add(kv_rule rule, std::string_view path, kv_place_t place, std::string words) const;
 };
 
+// The property of a net that is meant to be joined to one pin: rules of single pins and of drivers
+// pass it over.
+inline constexpr std::string_view kv_noconn = "NOCONN";
+
 // Of a run that was done; in the order of the rules, of each rule in the order of the nets or pins.
 void kv_find_on_netlist(const kv_netlist_findings_t& found);

@@ -16,6 +16,7 @@
 #include "import/build/fit.h"
 #include "import/build/flat_size.h"
 #include "import/drawing/numbers.h"
+#include "import/drawing/parameters.h"
 #include "platform/files.h"
 
 namespace {
@@ -43,6 +44,9 @@ class writer {
   gxi_summary_t run() {
     gxi_fit(design_);
     gxi_write_numbers(design_, output_.numbers);
+    const auto room = most_kept - std::min(most_kept, output_.numbers.size() + 1);
+    parameters_ = gxi_number_names(design_, room);
+    gxi_write_numbers(design_, parameters_);
     gxi_divide(design_);
     is_new_ = !fs::exists(output_.root);
     if (!is_new_ && !fs::is_directory(output_.root))
@@ -209,7 +213,8 @@ class writer {
     }
     std::string lines;
     for (const auto& name : list) {
-      const bool number = what == "INStance" && has(output_.numbers, name);
+      const bool number =
+          what == "INStance" && (has(output_.numbers, name) || has(parameters_, name));
       lines += "PROPerty " + std::string(what) + (number ? " R " : " S ") + name + "\n";
     }
     return lines;
@@ -254,6 +259,7 @@ class writer {
   bool is_new_ = false;
   std::vector<waiting_t> waiting_;
   std::vector<gxi_symbol_path_t> paths_;  // by cell
+  std::vector<std::string> parameters_;   // that are numbers by themselves
   gxi_summary_t summary_;
 };
 

@@ -146,6 +146,7 @@ struct gxi_design_t {
   int top = 0;
   // Properties to keep, the most wanted first; the builder keeps as many as an expansion can.
   std::vector<std::string> kept_of_instances{}, kept_of_pins{}, kept_of_nets{};
+  std::vector<std::string> parameters{};  // properties that blocks hand down
   // An instance that has this property is a primitive.
   std::string primitive{"CLASS"};
   std::vector<gxi_beside_t> beside{};

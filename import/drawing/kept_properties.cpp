@@ -1,8 +1,9 @@
 #include "import/drawing/kept_properties.h"
 
 #include <algorithm>
+#include <map>
 #include <set>
-#include <utility>
+#include <tuple>
 #include <vector>
 
 #include "gx/text/at.h"
@@ -19,13 +20,32 @@ bool gxi_class_has_meaning(std::string_view value) {
   return gx_iden(value, "G") || gx_iden(value, "P") || gx_equal("PORT", value);
 }
 
-void gxi_keep_most_used(gxi_design_t& design, std::map<std::string, int> uses) {
+void gxi_keep_most_used(gxi_design_t& design, const gxi_telling_t& telling,
+                        const std::set<std::string>& used_up) {
+  std::map<std::string, int> uses;
+  const auto count = [&](const gxi_sheet_t& sheet) {
+    for (const auto& instance : sheet.instances) {
+      if (instance.kind != gxi_kind::part) continue;
+      const auto& own = instance.properties;
+      for (const auto& property : own)
+        if (property.name.rfind("SHOWN", 0) != 0) ++uses[property.name];
+      for (const auto& property : gx_at(design.cells, instance.symbol).symbol.defaults)
+        if (std::none_of(own.begin(), own.end(),
+                         [&](const auto& given) { return gx_iden(given.name, property.name); }))
+          ++uses[property.name];
+    }
+  };
   for (const auto& cell : design.cells)
-    for (const auto& property : cell.symbol.defaults) ++uses[property.name];
-  std::vector<std::pair<int, std::string>> order;
-  for (const auto& [name, count] : uses) order.emplace_back(-count, name);
+    if (cell.sheet) count(*cell.sheet);
+  std::vector<std::tuple<std::ptrdiff_t, int, std::string>> order;
+  for (const auto& [name, number] : uses) {
+    const auto set = std::find_if(telling.begin(), telling.end(),
+                                  [&](const auto& names) { return names.contains(name); });
+    if (set != telling.end() || !used_up.contains(name))
+      order.emplace_back(set - telling.begin(), -number, name);
+  }
   std::sort(order.begin(), order.end());
-  for (const auto& [count, name] : order) design.kept_of_instances.push_back(name);
+  for (auto& [set, number, name] : order) design.kept_of_instances.push_back(std::move(name));
 }
 
 void gxi_drop_doubled_properties(gxi_design_t& design) {

@@ -1,9 +1,10 @@
 // What is told of instances, and what an expansion is told to keep of it.
 #pragma once
 
-#include <map>
+#include <set>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "import/drawing/drawing.h"
 
@@ -14,9 +15,17 @@ std::string gxi_property_name(std::string_view attribute);
 // Whether an expansion takes a CLASS for a port or a global: that of a part must be another.
 bool gxi_class_has_meaning(std::string_view value);
 
-// The properties of instances, the most used first: `uses` by name, and one for each symbol that
-// has it as a default.
-void gxi_keep_most_used(gxi_design_t& design, std::map<std::string, int> uses);
+// Of an instance: the model or the cell that its netlist names, where no attribute alone does.
+inline constexpr std::string_view gxi_spice_model = "spice_model";
+// Of a net: it is meant to be joined to one pin.
+inline constexpr std::string_view gxi_noconn = "NOCONN";
+
+// The properties of parts to keep: those of the first set of `telling`, then of the next ones, then
+// the others, and of each those that most parts have, their own or their symbol's. What is
+// `used_up`, as it names a node or is a part of a name, and in no set, is not kept.
+using gxi_telling_t = std::vector<std::set<std::string>>;
+void gxi_keep_most_used(gxi_design_t& design, const gxi_telling_t& telling,
+                        const std::set<std::string>& used_up);
 
 // A symbol does not tell what one of its instances tells otherwise.
 void gxi_drop_doubled_properties(gxi_design_t& design);

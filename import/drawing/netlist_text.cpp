@@ -2,7 +2,9 @@
 #include "import/drawing/netlist_text.h"
 
 #include <algorithm>
+#include <array>
 #include <cctype>
+#include <iterator>
 #include <sstream>
 
 #include "gx/text/strings.h"
@@ -25,6 +27,49 @@ std::vector<std::string> whole_lines(std::string_view text) {
   return lines;
 }
 
+// The words of a line, "a = 1" one of them; brackets of XSPICE and what inverts its ports left out.
+std::vector<std::string> words_of(const std::string& line) {
+  const bool ports = gx_upper_case(line.front()) == 'A';
+  std::vector<std::string> words;
+  bool joined = false;
+  std::string plain;
+  for (const char c : line) {
+    if (c == '=')
+      plain += " = ";
+    else
+      plain += ports && std::string_view("[]()").find(c) != std::string_view::npos ? ' ' : c;
+  }
+  std::istringstream in(plain);
+  for (std::string word; in >> word;) {
+    const bool equals = word == "=" && words.size() > 1;
+    if (equals || joined) {
+      words.back() += word;
+    } else if (!ports || gxi_is_node(word)) {
+      words.push_back(ports ? word.substr(word.find_first_not_of('~')) : word);
+    }
+    joined = equals;
+  }
+  return words;
+}
+
+std::size_t nodes_among(const std::vector<std::string>& words) {
+  const auto from = [&](std::size_t first, auto is_value) {
+    return static_cast<std::size_t>(
+        std::find_if(words.begin() + static_cast<std::ptrdiff_t>(std::min(first, words.size())),
+                     words.end(), is_value) -
+        words.begin());
+  };
+  const auto most = static_cast<std::size_t>(gxi_spice_nodes(words.front().front()));
+  if (most == static_cast<std::size_t>(gxi_any_nodes)) {
+    const auto plain = from(1, [](const auto& word) {
+      return word.find('=') != std::string::npos || gx_iden(word, "params:");
+    });
+    return plain > 2 ? plain - 2 : 0;
+  }
+  // Of a controlled source that says TABLE or POLY(2) there are two.
+  return most == 4 ? std::min(most, from(1, gxi_begins_value) - 1) : most;
+}
+
 }  // namespace
 
 int gxi_spice_nodes(char letter) {
@@ -39,16 +84,41 @@ int gxi_spice_nodes(char letter) {
     case 'Q':
     case 'J':
     case 'Z':
-    case 'U':
       return 3;
     case 'K':
       return 0;
     case 'X':
     case 'A':
+    case 'U':
       return gxi_any_nodes;
     default:
       return 2;
   }
+}
+
+bool gxi_begins_value(std::string_view word) {
+  constexpr auto words = std::to_array<std::string_view>(
+      {"TABLE", "VALUE", "VOL", "CUR", "POLY", "LAPLACE", "FREQ", "PWL", "VCR", "VCCS", "VCVS"});
+  return word.find_first_of("({'\"=") != std::string_view::npos ||
+         std::any_of(words.begin(), words.end(), [&](auto known) { return gx_iden(known, word); });
+}
+
+bool gxi_is_node(std::string_view word) {
+  return word.find_first_not_of("[](){},~") != std::string_view::npos && word.front() != '%' &&
+         !gxi_begins_value(word);
+}
+
+std::vector<std::string> gxi_netlist_ports(std::string_view text, std::string_view subcircuit) {
+  for (const auto& line : whole_lines(text)) {
+    if (!gx_equal(".subckt", line)) continue;
+    auto words = words_of(line);
+    if (words.size() < 2 || !gx_iden(words[1], subcircuit)) continue;
+    const auto parameters = std::find_if(words.begin() + 2, words.end(), [](const auto& word) {
+      return word.find('=') != std::string::npos || gx_iden(word, "params:");
+    });
+    return {words.begin() + 2, parameters};
+  }
+  return {};
 }
 
 std::vector<gxi_netlist_device_t> gxi_netlist_devices(std::string_view text) {
@@ -59,17 +129,8 @@ std::vector<gxi_netlist_device_t> gxi_netlist_devices(std::string_view text) {
     for (const auto* const word : {".endc", ".ends"})
       if (gx_equal(word, line) && inside > 0) --inside;
     if (inside > 0 || !std::isalpha(static_cast<unsigned char>(line.front()))) continue;
-    std::vector<std::string> words;
-    std::istringstream in(line);
-    for (std::string word; in >> word;) words.push_back(word);
-    auto count = static_cast<std::size_t>(gxi_spice_nodes(line.front()));
-    if (count == static_cast<std::size_t>(gxi_any_nodes)) {
-      const auto plain = std::find_if(words.begin(), words.end(), [](const auto& word) {
-        return word.find('=') != std::string::npos;
-      });
-      const auto length = static_cast<std::size_t>(plain - words.begin());
-      count = length > 2 ? length - 2 : 0;
-    }
+    const auto words = words_of(line);
+    const auto count = nodes_among(words);
     if (count == 0 || words.size() < count + 1) continue;
     gxi_netlist_device_t device;
     device.name = words[0];

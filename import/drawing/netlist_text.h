@@ -5,10 +5,18 @@
 #include <string_view>
 #include <vector>
 
-// Nodes that a device has behind its name, told by its first letter; gxi_any_nodes for calls, all
-// words of which but the last are nodes.
+// Nodes that a device has after its name, by its first letter; gxi_any_nodes for calls, all words
+// of which but the last are nodes.
 inline constexpr int gxi_any_nodes = 1000;
 int gxi_spice_nodes(char letter);
+
+// Whether a word that may be a node is one: no bracket, port type (%vd) or value.
+bool gxi_is_node(std::string_view word);
+// Whether a word begins the values of a controlled source: TABLE, POLY(2), {V(a)} ...
+bool gxi_begins_value(std::string_view word);
+
+// The ports of the subcircuit of that name, letter case ignored; none when there is no such.
+std::vector<std::string> gxi_netlist_ports(std::string_view text, std::string_view subcircuit);
 
 struct gxi_netlist_device_t {
   std::string name{};

@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr std::size_t longest_value = 95;
-
 struct suffix_t {
   std::string_view text;
   int power;
@@ -141,7 +139,7 @@ void gxi_write_numbers(gxi_design_t& design, const std::vector<std::string>& nam
         continue;
       auto plain = gxi_plain_number(property.value);
       if (!plain) plain = gxi_plain_expression(property.value);
-      if (plain && plain->size() <= longest_value)
+      if (plain && plain->size() <= gxi_longest_number)
         property.value = *plain;
       else
         gxm_complain(design.warnings, source,

@@ -16,6 +16,8 @@ std::optional<std::string> gxi_plain_number(std::string_view text);
 // "'@w * 4.4u'" is "(w*0.0000044)". Nothing when the text says more than an expansion can compute.
 std::optional<std::string> gxi_plain_expression(std::string_view text);
 
+inline constexpr std::size_t gxi_longest_number = 95;  // characters that a property holds
+
 // Makes the values of these properties plain, in instances and symbols; those that cannot be are
 // told in design.warnings and left.
 void gxi_write_numbers(gxi_design_t& design, const std::vector<std::string>& names);

@@ -71,7 +71,7 @@ class kicad_reader {
     read_sheet(0, *top_, {}, "/" + top_->records.id);
     share_globals();
     write_references();
-    gxi_keep_most_used(design_, std::move(uses_));
+    gxi_keep_most_used(design_, {{"Value"}}, {});
     design_.kept_of_pins = {"FUNCTION", "ELECTRICAL"};
     return std::move(design_);
   }
@@ -315,7 +315,7 @@ class kicad_reader {
         made.global = net.globals.front();
         join_globals(net.globals);
       }
-      if (net.no_connect) made.properties.push_back({"NOCONNECT", "yes", {}});
+      if (net.no_connect) made.properties.push_back({"NOCONN", "yes", {}});
     }
     draw_wires(here, joined, sheet);
     std::set<std::string> ports;
@@ -479,7 +479,6 @@ class kicad_reader {
       instance.nets.push_back(gx_at(joined.of_pin[i], pin));
     instance.properties.push_back({"CLASS", gxi_kicad_class(reference), {}});
     take_fields(here, placed, reference, instance, sheet);
-    for (const auto& property : instance.properties) ++uses_[property.name];
     auto& named = gx_at(cells_, index);
     named.parts.push_back({&placed, take_name(index, drawn)});
     sheet.instances.push_back(std::move(instance));
@@ -652,7 +651,6 @@ class kicad_reader {
   std::vector<cell_t> cells_{1};
   std::map<int, gxi_names_t> taken_{};  // by cell
   std::map<std::string, std::string> same_{};
-  std::map<std::string, int> uses_{};
 };
 
 }  // namespace

@@ -32,7 +32,7 @@ class lepton_reader {
     commons_.names.resize(design_.cells.size());
     gxi_share_names(design_, commons_);
     gxi_drop_doubled_properties(design_);
-    gxi_keep_most_used(design_, std::move(uses_));
+    gxi_keep_most_used(design_, {{"value", "device", "model"}}, {});
     design_.kept_of_pins = {"pinlabel"};
     return std::move(design_);
   }
@@ -229,8 +229,6 @@ class lepton_reader {
       instance.properties.insert(instance.properties.begin(),
                                  {"CLASS", gxi_lepton_class(placed), {}});
     }
-    for (const auto& property : instance.properties)
-      if (property.name.rfind("SHOWN", 0) != 0) ++uses_[property.name];
     sheet.instances.push_back(std::move(instance));
   }
 
@@ -267,7 +265,6 @@ class lepton_reader {
   gxi_hierarchy_t hierarchy_{design_};
   std::map<int, block_t> blocks_;  // by cell
   gxi_commons_t commons_;
-  std::map<std::string, int> uses_;
 };
 
 }  // namespace

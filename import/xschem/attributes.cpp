@@ -6,8 +6,6 @@
 #include <cctype>
 
 namespace {
-bool is_blank(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
-
 bool is_of_name(char c) { return std::isalnum(static_cast<unsigned char>(c)) || c == '_'; }
 
 // The end of the name behind an "@": NAME, @PIN, #3 or #3:ATTRIBUTE.
@@ -28,23 +26,26 @@ std::size_t end_of_name(std::string_view text, std::size_t at) {
 }
 }  // namespace
 
+bool gxi_xschem_is_blank(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
+
 gxi_xschem_attributes_t::gxi_xschem_attributes_t(std::string_view text) {
   std::size_t at = 0;
   const auto skip_blanks = [&] {
-    while (at < text.size() && is_blank(text[at])) ++at;
+    while (at < text.size() && gxi_xschem_is_blank(text[at])) ++at;
   };
   while (true) {
     skip_blanks();
     if (at >= text.size()) return;
     const std::size_t start = at;
-    while (at < text.size() && text[at] != '=' && !is_blank(text[at])) ++at;
+    while (at < text.size() && text[at] != '=' && !gxi_xschem_is_blank(text[at])) ++at;
     const std::string name(text.substr(start, at - start));
     skip_blanks();
     if (at >= text.size() || text[at] != '=') continue;  // a word alone
     ++at;
     skip_blanks();
     std::string value;
-    for (bool quoted = false; at < text.size() && (quoted || !is_blank(text[at])); ++at) {
+    for (bool quoted = false; at < text.size() && (quoted || !gxi_xschem_is_blank(text[at]));
+         ++at) {
       if (text[at] == '"') {
         quoted = !quoted;
       } else {

@@ -9,6 +9,9 @@
 #include <utility>
 #include <vector>
 
+// Blanks, tabs, ends of lines.
+bool gxi_xschem_is_blank(char c);
+
 // In their order; of a name given twice the first counts.
 class gxi_xschem_attributes_t {
  public:

@@ -151,6 +151,11 @@ class parser {
   std::string_view text_;
 };
 
+bool is_index(std::string_view text) {
+  return !text.empty() && text.find_first_not_of("0123456789:.,") == std::string_view::npos &&
+         text.front() >= '0' && text.front() <= '9';
+}
+
 }  // namespace
 
 std::vector<std::string> gxi_xschem_bits(std::string_view label) {
@@ -164,6 +169,35 @@ std::vector<std::string> gxi_xschem_bits(std::string_view label) {
   }
 }
 
-std::string_view gxi_xschem_label_base(std::string_view label) {
-  return label.substr(0, label.find('['));
+std::string gxi_xschem_tapped(std::string_view bus, std::string_view tap) {
+  const bool in_brackets = tap.size() > 2 && tap.front() == '[' && tap.back() == ']';
+  const auto indexes = in_brackets ? tap.substr(1, tap.size() - 2) : tap;
+  if (!is_index(indexes)) return std::string(tap);
+  // The name before the first range of the bus: "ADD" of "CK, S1, ADD[3:0]".
+  const auto open = std::min(bus.find('['), bus.size());
+  const auto head = bus.substr(0, open);
+  const auto before = head.find_last_of(", (*");
+  const std::string base(before == std::string_view::npos ? head : head.substr(before + 1));
+  // "D[15..0]" has the bits D15 ... D0.
+  const auto range = bus.substr(open, bus.find(']', open) - open);
+  const bool bare = range.find("..") != std::string_view::npos;
+  if (!bare || indexes.find("..") != std::string_view::npos)
+    return base + "[" + std::string(indexes) + "]";
+  if (indexes.find(':') == std::string_view::npos && indexes.find(',') == std::string_view::npos)
+    return base + std::string(indexes);
+  std::string text = base + "[" + std::string(indexes) + "]";
+  if (const auto colon = text.find(':'); colon != std::string::npos) text.replace(colon, 1, "..");
+  return text;
+}
+
+std::string gxi_xschem_port_label(std::string_view label) {
+  std::string nets(label);
+  if (const auto open = nets.find('('); nets.starts_with('%') && open != std::string::npos) {
+    nets.erase(0, open + 1);
+    std::erase(nets, ')');
+    while (nets.ends_with(' ')) nets.pop_back();
+    std::replace(nets.begin(), nets.end(), ' ', ',');
+  }
+  std::erase(nets, '~');
+  return nets;
 }

@@ -26,8 +26,9 @@ class joiner {
   gxi_xschem_nets_t run() {
     join_by_place();
     name_by_labels();
+    read_port_labels();
+    count_bits();
     name_by_taps();
-    name_the_rest();
     collect();
     return std::move(result_);
   }
@@ -55,6 +56,9 @@ class joiner {
       for (std::size_t pin = 0; pin < placed.pins.size(); ++pin) {
         pins.push_back({placed.pins[pin], member(i, pin)});
         if (placed.shorted) groups_.join(member(i, 0), member(i, pin));
+        // Pins of one name are one node, on both sides of the cell.
+        const int same = placed.symbol->pins[pin].same_as;
+        if (same >= 0) groups_.join(member(i, static_cast<std::size_t>(same)), member(i, pin));
       }
     }
     gxi_join_places(groups_, spans, pins, true);
@@ -65,13 +69,30 @@ class joiner {
     result_.names_its_net.assign(components_.size(), true);
     for (std::size_t i = 0; i < components_.size(); ++i) {
       const auto& placed = components_[i];
-      const auto role = placed.symbol->role;
+      const auto role = placed.role;
       if (placed.ignored || (role != gxi_xschem_role_t::label && role != gxi_xschem_role_t::port))
         continue;
       const std::string label(placed.value("lab"));
       if (label.empty() || placed.pins.empty()) continue;
       result_.names_its_net[i] = give(groups_.root(member(i, 0)), label, source(placed));
     }
+  }
+
+  // Where only devices of XSPICE are joined to a label, it may say how: "~B" is the net B inverted,
+  // "%vd(A B)" the two nets of a difference.
+  void read_port_labels() {
+    std::map<int, bool> only_ports;
+    for (std::size_t i = 0; i < components_.size(); ++i) {
+      const auto& placed = components_[i];
+      if (placed.ignored || placed.role != gxi_xschem_role_t::device) continue;
+      const bool is_port = std::ranges::all_of(
+          placed.devices, [](const auto& device) { return device.letter == 'A'; });
+      for (std::size_t pin = 0; pin < placed.pins.size(); ++pin)
+        only_ports.emplace(groups_.root(member(i, pin)), true).first->second &= is_port;
+    }
+    for (const auto& [group, is_port] : only_ports)
+      if (const auto name = names_.find(group); is_port && name != names_.end())
+        name->second = gxi_xschem_port_label(name->second);
   }
 
   bool give(int group, const std::string& label, const gxm_source_t& where) {
@@ -83,11 +104,12 @@ class joiner {
     return false;
   }
 
-  // A tap names its own net by bits of the bus; taps may follow taps.
+  // A tap names its own net by bits of the bus; taps may follow taps. A bus without a name has as
+  // many bits as the narrowest of its pins.
   void name_by_taps() {
     std::vector<std::size_t> waiting;
     for (std::size_t i = 0; i < components_.size(); ++i)
-      if (components_[i].symbol->role == gxi_xschem_role_t::bus_tap && !components_[i].ignored &&
+      if (components_[i].role == gxi_xschem_role_t::bus_tap && !components_[i].ignored &&
           components_[i].pins.size() == 2)
         waiting.push_back(i);
     for (bool unnamed_too : {false, true}) {
@@ -103,24 +125,27 @@ class joiner {
     const bool first_taps = placed.symbol->pins[0].attributes.get("name") == "tap";
     const int tapped = groups_.root(member(i, first_taps ? 0 : 1));
     const int bus = groups_.root(member(i, first_taps ? 1 : 0));
-    std::string label(placed.value("lab"));
-    if (!label.empty() && label.front() == '[') {
-      auto name = names_.find(bus);
-      if (name == names_.end() && !unnamed_too) return false;
-      if (name == names_.end()) name = names_.emplace(bus, "#" + std::to_string(bus) + "[0]").first;
-      label = std::string(gxi_xschem_label_base(name->second)) + label;
+    const auto label = placed.value("lab");
+    if (label.empty()) return true;
+    auto name = names_.find(bus);
+    if (name == names_.end()) {
+      if (!unnamed_too) return false;
+      const auto bits = unnamed_.find(bus);
+      const auto last = bits == unnamed_.end() ? 0 : bits->second - 1;
+      name =
+          names_.emplace(bus, "#" + std::to_string(bus) + "[" + std::to_string(last) + ":0]").first;
     }
-    if (!label.empty()) names_.emplace(tapped, label);
+    names_.emplace(tapped, gxi_xschem_tapped(name->second, label));
     return true;
   }
 
   // Groups without a label: as many nets as the narrowest of their pins has bits.
-  void name_the_rest() {
+  void count_bits() {
     std::map<int, std::size_t> bits;
     for (std::size_t i = 0; i < components_.size(); ++i) {
       const auto& placed = components_[i];
       // What is only drawn counts, too: a mark of one bit on unconnected pins joins them.
-      if (placed.ignored) continue;
+      if (placed.ignored || placed.role == gxi_xschem_role_t::bus_tap) continue;
       for (std::size_t pin = 0; pin < placed.pins.size(); ++pin) {
         const int group = groups_.root(member(i, pin));
         if (names_.contains(group)) continue;
@@ -174,11 +199,6 @@ class joiner {
 };
 
 }  // namespace
-
-std::string_view gxi_xschem_placed_t::value(std::string_view name) const {
-  const auto* const own = attributes.find(name);
-  return own != nullptr ? std::string_view(*own) : symbol->defaults.get(name);
-}
 
 std::vector<int> gxi_xschem_nets_t::named(std::string_view label, const gxm_source_t& source) {
   std::vector<int> list;

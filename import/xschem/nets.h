@@ -1,23 +1,12 @@
 // What is joined with what on a sheet of xschem.
 #pragma once
 
-#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
 
-#include "import/xschem/symbols.h"
-
-// A component of the sheet, as far as nets go.
-struct gxi_xschem_placed_t {
-  const gxi_xschem_component_t* component = nullptr;
-  const gxi_xschem_symbol_t* symbol = nullptr;
-  gxi_xschem_attributes_t attributes{};
-  std::vector<std::string> names{};  // of a device: one for each instance of a vector
-  bool ignored = false;              // takes no part in nets
-  bool shorted = false;              // joins all its pins
-  std::vector<gx_pointreal_t> pins{};
-
-  // The attribute itself, else the default of the symbol.
-  std::string_view value(std::string_view name) const;
-};
+#include "import/xschem/placed.h"
 
 // A wire or a pin belongs to a bundle: a list of nets.
 struct gxi_xschem_bundle_t {

@@ -4,18 +4,22 @@
 #include <algorithm>
 #include <iterator>
 #include <set>
+#include <sstream>
 
 #include "gx/text/at.h"
 #include "gx/text/strings.h"
 #include "import/drawing/hierarchy.h"
 #include "import/drawing/kept_properties.h"
 #include "import/drawing/names.h"
+#include "import/drawing/parameters.h"
 #include "import/drawing/placement.h"
+#include "import/drawing/source_file.h"
 #include "import/drawing/text_devices.h"
 #include "import/xschem/labels.h"
 #include "import/xschem/nets.h"
 #include "import/xschem/picture.h"
 #include "import/xschem/signs.h"
+#include "import/xschem/tcl.h"
 
 namespace {
 
@@ -30,28 +34,39 @@ class xschem_reader {
     design_.cells.emplace_back().name = top.stem().string();
     auto beside = top;
     beside.replace_extension(".sym");
-    const gxi_xschem_symbol_t* symbol = nullptr;
+    // The top is drawn nowhere, yet has the pins and the defaults of its symbol.
+    const gxi_xschem_component_t undrawn{.symbol = beside.string()};
+    std::optional<gxi_xschem_placed_t> placed;
     if (fs::is_regular_file(beside)) {
-      symbol = &library_.symbol({.symbol = beside.string()}, top);
-      cell(0).symbol = gxi_xschem_sign(*symbol);
+      gxm_messages_t none;
+      placed = gxi_xschem_place(undrawn, library_.symbol(undrawn, top), {}, true, none);
+      cell(0).symbol = gxi_xschem_sign(*placed, 0);
     }
-    read_sheet(0, symbol, top);
+    read_sheet(0, placed ? &*placed : nullptr, top);
     declare_globals();
-    gxi_keep_most_used(design_, std::move(uses_));
+    gxi_take_top_defaults(design_);
+    design_.parameters.assign(parameters_.begin(), parameters_.end());
+    gxi_keep_most_used(design_, {of_parts_, parameters_, composed_}, used_up_);
+    if (has_noconn_) design_.kept_of_nets.push_back(std::string(gxi_noconn));
     return std::move(design_);
   }
 
  private:
   gxi_cell_t& cell(int index) { return gx_at(design_.cells, index); }
 
-  // The sheet of a component, when it has one.
+  // The sheet of a component, when it has one that is read.
   std::optional<fs::path> sheet_of(const gxi_xschem_placed_t& placed, const fs::path& sheet) const {
     const auto& symbol = *placed.symbol;
-    if (symbol.type != "subcircuit") return std::nullopt;
-    const auto* named = placed.attributes.find("schematic");
-    if (named == nullptr) named = symbol.attributes.find("schematic");
-    if (named != nullptr && !named->empty()) {
-      std::string name = *named;
+    if (symbol.type != "subcircuit" || !text_of(placed, "spice_sym_def").empty())
+      return std::nullopt;
+    if (symbol.attributes.get("default_schematic") == "ignore" &&
+        placed.attributes.get("schematic").empty())
+      return std::nullopt;
+    for (const auto* const stop : {"spice_primitive", "spice_stop"})
+      if (gxi_xschem_truth(text_of(placed, stop)).value_or(false)) return std::nullopt;
+    const auto named = gxi_xschem_plain_tcl(text_of(placed, "schematic"));
+    if (!named.text.empty() && named.is_plain) {
+      std::string name = named.text;
       if (!fs::path(name).has_extension()) name += ".sch";
       if (auto found = library_.find(name, symbol.path.empty() ? sheet : symbol.path)) return found;
     }
@@ -61,43 +76,66 @@ class xschem_reader {
     return fs::is_regular_file(path) ? std::optional(path) : std::nullopt;
   }
 
-  int cell_of(const gxi_xschem_placed_t& placed, const fs::path& sheet) {
+  // An attribute of the component, else of its symbol.
+  static std::string_view text_of(const gxi_xschem_placed_t& placed, std::string_view name) {
+    const auto* const own = placed.attributes.find(name);
+    return own != nullptr ? std::string_view(*own) : placed.symbol->attributes.get(name);
+  }
+
+  // What makes cells of one symbol differ: the sheet, and the nodes of the line.
+  static std::string key_of(const gxi_xschem_placed_t& placed, std::size_t line,
+                            const std::optional<fs::path>& below) {
+    std::string key = below ? below->lexically_normal().string() : "";
+    key += "\n" + std::to_string(line) + std::string(text_of(placed, "spice_sym_def"));
+    if (placed.role == gxi_xschem_role_t::device)
+      for (const auto& node : placed.devices[line].nodes)
+        key += node.pin >= 0 ? " " + std::to_string(node.pin) + "*" + std::to_string(node.width)
+                             : " @" + node.name;
+    return key;
+  }
+
+  int cell_of(const gxi_xschem_placed_t& placed, std::size_t line, const fs::path& sheet) {
     const auto below = sheet_of(placed, sheet);
     std::vector<fs::path> sheets;
     if (below) sheets.push_back(*below);
     const auto [index, is_new] =
-        hierarchy_.cell(placed.symbol, below ? below->lexically_normal().string() : "", sheets,
-                        {sheet.native(), placed.component->line});
+        hierarchy_.cell(placed.symbol, key_of(placed, line, below), sheets, placed.source());
     if (!is_new) return index;
     cell(index).name = below ? below->stem().string() : placed.symbol->name;
-    cell(index).symbol = gxi_xschem_sign(*placed.symbol);
+    cell(index).symbol = gxi_xschem_sign(placed, line);
+    cell(index).notes = text_of(placed, "spice_sym_def");
+    if (cell(index).notes.empty()) cell(index).notes = text_of(placed, "device_model");
+    if (!cell(index).notes.empty()) cell(index).notes += "\n";
     if (below)
-      read_sheet(index, placed.symbol, *below);
-    else if (placed.symbol->role == gxi_xschem_role_t::device)
+      read_sheet(index, &placed, *below);
+    else if (placed.role == gxi_xschem_role_t::device)
       cell(index).symbol.properties.push_back({"CLASS", gxi_xschem_class(*placed.symbol), {}});
     return index;
   }
 
   // --- sheets
-  void read_sheet(int index, const gxi_xschem_symbol_t* symbol, const fs::path& path) {
+  // `as`: the component that the sheet is first below, if any.
+  void read_sheet(int index, const gxi_xschem_placed_t* as, const fs::path& path) {
     const auto level = hierarchy_.enter({&path, 1});
     const auto [records, file] = library_.read(path);
     std::vector<gxi_xschem_placed_t> placed;
     for (const auto& component : records.components)
       if (component.embedded) library_.symbol(component, path);
-    for (const auto& component : records.components) placed.push_back(place(component, path, file));
+    for (const auto& component : records.components)
+      placed.push_back(place(component, path, file, index == 0));
     std::vector<const gxi_xschem_shape_t*> wires;
     for (const auto& shape : records.shapes)
       if (shape.kind == 'N') wires.push_back(&shape);
     auto nets = gxi_xschem_join(placed, wires, file, design_.warnings);
+    for (std::size_t i = 0; i < placed.size(); ++i) widen(placed[i], nets, i);
 
     gxi_sheet_t sheet;
     sheet.source = {file, 1};
     draw(records, sheet);
-    for (std::size_t i = 0; i < placed.size(); ++i) add(sheet, placed[i], i, nets, path, file);
+    for (std::size_t i = 0; i < placed.size(); ++i) add(sheet, placed[i], i, nets, path);
     // Nodes that a symbol's line names beside its pins are pins of the cell, too.
-    if (symbol != nullptr && symbol->role == gxi_xschem_role_t::device)
-      for (const auto& node : symbol->nodes)
+    if (as != nullptr && as->role == gxi_xschem_role_t::device)
+      for (const auto& node : as->devices.front().nodes)
         if (node.pin < 0) {
           const auto found = nets.by_name.find(gx_upper(node.name));
           if (found != nets.by_name.end()) gx_at(nets.nets, found->second).port = node.name;
@@ -113,6 +151,7 @@ class xschem_reader {
       cell(index).notes = std::move(text);
     }
     sheet.nets = std::move(nets.nets);
+    if (index != 0) hide_globals(sheet);
     cell(index).sheet = std::move(sheet);
   }
 
@@ -124,23 +163,44 @@ class xschem_reader {
   }
 
   gxi_xschem_placed_t place(const gxi_xschem_component_t& component, const fs::path& path,
-                            std::string_view file) {
-    gxi_xschem_placed_t placed;
-    placed.component = &component;
-    placed.symbol = &library_.symbol(component, path);
-    placed.attributes = gxi_xschem_attributes_t(component.attributes);
-    if (placed.symbol->missing)
-      gxm_complain(design_.warnings, {file, component.line},
-                   "symbol " + component.symbol + " is not found; its pins are not joined");
-    std::string ignore(placed.value("spice_ignore"));
-    if (ignore.empty() || ignore == "0") ignore = placed.symbol->attributes.get("spice_ignore");
-    placed.shorted = ignore == "short";
-    placed.ignored = !placed.shorted && !ignore.empty() && ignore != "0" && ignore != "false";
-    placed.names = gxi_xschem_bits(placed.value("name"));
-    const auto instance = gxi_xschem_instance(component, file);
-    for (const auto& pin : placed.symbol->pins)
-      placed.pins.push_back(gxi_on_sheet(instance, gxi_xschem_point(pin.at)));
+                            std::string_view file, bool is_top) {
+    auto placed = gxi_xschem_place(component, library_.symbol(component, path), file, is_top,
+                                   design_.warnings);
+    const auto text = text_of(placed, "spice_sym_def");
+    if (!text.empty()) gxi_xschem_order_nodes(placed, definition(placed, text, path));
     return placed;
+  }
+
+  // The netlist text that stands in for a sheet, or the file that it includes.
+  std::string definition(const gxi_xschem_placed_t& placed, std::string_view text,
+                         const fs::path& sheet) {
+    std::string plain = gxi_xschem_plain_tcl(text).text;
+    std::istringstream words(plain);
+    std::string command, name;
+    words >> command >> name;
+    if (!gx_iden(command, ".include") && !gx_iden(command, ".inc")) return plain;
+    std::erase(name, '"');
+    const auto& beside = placed.symbol->path.empty() ? sheet : placed.symbol->path;
+    const auto path = library_.find(name, beside);
+    if (path) return gxi_read_source(*path);
+    gxm_complain(design_.warnings, placed.source(),
+                 name + " is not found; its nodes are in the order of the symbol's pins");
+    return plain;
+  }
+
+  // Pins whose names do not tell their bits, as of a gate of any number of inputs, have those of
+  // their labels.
+  static void widen(gxi_xschem_placed_t& placed, const gxi_xschem_nets_t& nets, std::size_t i) {
+    if (placed.ignored) return;
+    for (auto& device : placed.devices)
+      for (auto& node : device.nodes) {
+        if (node.pin < 0) continue;
+        const auto& bits = gx_at(placed.symbol->pins, node.pin).bits;
+        const bool told = bits.size() > 1 ||
+                          (bits.front().find(':') == std::string::npos && device.letter != 'A');
+        if (!told && placed.names.size() == 1)
+          node.width = gx_at(nets.bundles, gx_at(nets.bundle_of_pin[i], node.pin)).nets.size();
+      }
   }
 
   static void draw(const gxi_xschem_file_t& records, gxi_sheet_t& sheet) {
@@ -164,22 +224,33 @@ class xschem_reader {
   }
 
   void add(gxi_sheet_t& sheet, const gxi_xschem_placed_t& placed, std::size_t i,
-           gxi_xschem_nets_t& nets, const fs::path& path, std::string_view file) {
-    gxi_instance_t instance = gxi_xschem_instance(*placed.component, file);
+           gxi_xschem_nets_t& nets, const fs::path& path) {
+    gxi_instance_t instance = gxi_xschem_instance(*placed.component, placed.file);
     const auto shown = gxi_xschem_shown(placed.symbol->records, false, [&](std::string_view name) {
-      return gxi_xschem_value(placed, name, file);
+      return gxi_xschem_value(placed, name);
     });
-    const auto role = placed.symbol->role;
     const bool takes_part = !placed.ignored && !placed.shorted && !placed.symbol->missing;
-    if (role == gxi_xschem_role_t::device && takes_part) {
-      add_device(sheet, placed, i, nets, path, std::move(instance), shown);
+    if (placed.role == gxi_xschem_role_t::device && takes_part) {
+      for (std::size_t line = 0; line < placed.devices.size(); ++line)
+        add_device(sheet, placed, line, i, nets, path, instance, shown);
       return;
     }
-    if ((role == gxi_xschem_role_t::label || role == gxi_xschem_role_t::port) && takes_part &&
-        !nets.bundle_of_pin[i].empty() && nets.names_its_net[i] &&
+    if ((placed.role == gxi_xschem_role_t::label || placed.role == gxi_xschem_role_t::port) &&
+        takes_part && !nets.bundle_of_pin[i].empty() && nets.names_its_net[i] &&
         add_label(sheet, placed, i, nets, path, instance, shown))
       return;
+    if (placed.role == gxi_xschem_role_t::noconn && takes_part) mark(nets, i);
     gxi_xschem_draw(placed, shown, instance, sheet);
+  }
+
+  // Nets that are meant to be joined to one pin.
+  void mark(gxi_xschem_nets_t& nets, std::size_t i) {
+    for (const int bundle : nets.bundle_of_pin[i])
+      for (const int net : gx_at(nets.bundles, bundle).nets) {
+        auto& properties = gx_at(nets.nets, net).properties;
+        if (properties.empty()) properties.push_back({std::string(gxi_noconn), "1", {}});
+        has_noconn_ = true;
+      }
   }
 
   // Ports and symbols of globals become instances; false for a label that is only drawn.
@@ -192,14 +263,13 @@ class xschem_reader {
         placed.attributes.find("global") ? placed.attributes : placed.symbol->defaults;
     const bool global = own.is_set("global") || placed.symbol->attributes.is_set("global");
     if (names.size() != bundle.nets.size()) return false;
-    if (placed.symbol->role == gxi_xschem_role_t::label) {
+    if (placed.role == gxi_xschem_role_t::label) {
       if (!global) return false;
       for (const auto& name : names) globals_.insert(gx_upper(name));
       if (names.size() > 1) return false;
     }
-    instance.kind =
-        placed.symbol->role == gxi_xschem_role_t::port ? gxi_kind::port : gxi_kind::global;
-    instance.symbol = cell_of(placed, path);
+    instance.kind = placed.role == gxi_xschem_role_t::port ? gxi_kind::port : gxi_kind::global;
+    instance.symbol = cell_of(placed, 0, path);
     for (const auto& text : shown) {
       if (text.attribute != "lab") continue;
       if (names.size() == 1)
@@ -222,37 +292,60 @@ class xschem_reader {
     return true;
   }
 
-  void add_device(gxi_sheet_t& sheet, const gxi_xschem_placed_t& placed, std::size_t i,
-                  gxi_xschem_nets_t& nets, const fs::path& path, gxi_instance_t instance,
-                  const std::vector<gxi_xschem_shown_t>& shown) {
-    instance.symbol = cell_of(placed, path);
-    const auto seen = gxi_xschem_dress(placed, shown, instance, sheet);
-    for (const auto& property : instance.properties) ++uses_[property.name];
+  // One line of the netlist; the symbol is drawn with the first.
+  void add_device(gxi_sheet_t& sheet, const gxi_xschem_placed_t& placed, std::size_t line,
+                  std::size_t i, gxi_xschem_nets_t& nets, const fs::path& path,
+                  gxi_instance_t instance, const std::vector<gxi_xschem_shown_t>& shown) {
+    const auto& device = placed.devices[line];
+    instance.symbol = cell_of(placed, line, path);
+    const bool is_leaf = !cell(instance.symbol).sheet;
+    auto& named = is_leaf ? of_parts_ : parameters_;
+    named.insert(device.named.begin(), device.named.end());
+    for (const auto& [name, value] : device.parameters) composed_.insert(name);
+    used_up_.insert(device.used_up.begin(), device.used_up.end());
+    const auto none = std::vector<gxi_xschem_shown_t>{};
+    const auto seen =
+        gxi_xschem_dress(placed, line, is_leaf, line == 0 ? shown : none, instance, sheet);
     // The nets of all bits of a node, over all instances of the vector.
     std::vector<std::vector<int>> nets_of_node;
-    for (const auto& node : placed.symbol->nodes) {
-      if (node.pin >= 0) {
+    for (const auto& node : device.nodes) {
+      if (node.pin >= 0)
         nets_of_node.push_back(gx_at(nets.bundles, gx_at(nets.bundle_of_pin[i], node.pin)).nets);
-      } else {
-        const auto label = gxi_xschem_substitute(node.text, [&](std::string_view name) {
-          return gxi_xschem_value(placed, name, instance.source.file);
-        });
-        nets_of_node.push_back(label.empty() ? std::vector<int>{-1}
-                                             : nets.named(label, instance.source));
-      }
+      else
+        nets_of_node.push_back(nets.named(node.label, instance.source));
     }
+    const bool several = placed.devices.size() > 1;
     for (std::size_t k = 0; k < placed.names.size(); ++k) {
       auto single = instance;
-      single.name = placed.names[k];
+      single.name = (several ? device.prefix : "") + placed.names[k];
       if (k == 0) single.properties = seen;
       for (std::size_t n = 0; n < nets_of_node.size(); ++n) {
-        const auto& node = placed.symbol->nodes[n];
-        const auto bits = node.pin >= 0 ? gx_at(placed.symbol->pins, node.pin).bits.size() : 1;
+        const auto& node = device.nodes[n];
+        const auto bits = gxi_xschem_pin_names(placed, node).size();
         for (std::size_t bit = 0; bit < bits; ++bit)
           single.nets.push_back(nets_of_node[n][(k * bits + bit) % nets_of_node[n].size()]);
       }
       sheet.instances.push_back(std::move(single));
     }
+  }
+
+  // A port hides the global of its name within the cell, as in a subcircuit: what draws the global
+  // is only drawn.
+  void hide_globals(gxi_sheet_t& sheet) {
+    const auto hidden = [&](const gxi_instance_t& instance) {
+      return instance.kind == gxi_kind::global && !instance.nets.empty() &&
+             !gx_at(sheet.nets, instance.nets.front()).port.empty();
+    };
+    for (const auto& instance : sheet.instances) {
+      if (!hidden(instance)) continue;
+      gxm_complain(design_.warnings, instance.source,
+                   instance.name + " is a port here, which hides the global of that name");
+      gxi_draw_apart(cell(instance.symbol).symbol, instance, sheet);
+      if (instance.name_look) sheet.texts.push_back({instance.name, *instance.name_look});
+    }
+    std::erase_if(sheet.instances, hidden);
+    for (auto& net : sheet.nets)
+      if (!net.port.empty()) net.global.clear();
   }
 
   // --- the whole design
@@ -271,7 +364,11 @@ class xschem_reader {
   gxi_hierarchy_t hierarchy_{design_};
   gxi_text_devices_t text_devices_{design_};
   std::set<std::string> globals_;
-  std::map<std::string, int> uses_;
+  // Names in the lines of the netlist: attributes of parts, those that blocks hand down, parameters
+  // that are more than an attribute, and what is a node or a part of a name.
+  std::set<std::string> of_parts_{std::string(gxi_spice_model), "value"}, parameters_, composed_;
+  std::set<std::string> used_up_;
+  bool has_noconn_ = false;
 };
 
 }  // namespace

@@ -2,11 +2,9 @@
 #include "import/xschem/signs.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <iterator>
 
 #include "gx/text/at.h"
-#include "gx/text/numbers.h"
 #include "gx/text/strings.h"
 #include "import/drawing/kept_properties.h"
 #include "import/drawing/placement.h"
@@ -15,9 +13,16 @@ namespace {
 
 // Attributes that say something to xschem alone, or that become something else here.
 bool is_told_otherwise(std::string_view name) {
-  constexpr std::string_view names[] = {"name",      "embed",        "lab",
-                                        "schematic", "spice_ignore", "savecurrent"};
+  constexpr std::string_view names[] = {"name",          "embed",        "lab",
+                                        "schematic",     "spice_ignore", "savecurrent",
+                                        "spice_sym_def", "device_model", "format"};
   return std::find(std::begin(names), std::end(names), name) != std::end(names);
+}
+
+bool has_attribute(const gxi_xschem_placed_t& placed, std::string_view name) {
+  const auto is = [&](const auto& attribute) { return gx_iden(attribute.first, name); };
+  return std::ranges::any_of(placed.attributes.all(), is) ||
+         std::ranges::any_of(placed.symbol->defaults.all(), is);
 }
 
 // What all instances of the symbol show.
@@ -29,36 +34,29 @@ void draw_fixed(const gxi_xschem_file_t& records, gxi_symbol_t& sign) {
     sign.texts.push_back({std::move(shown.value), shown.look});
 }
 
-void take_nodes(const gxi_xschem_symbol_t& from, gxi_symbol_t& sign) {
+void take_nodes(const gxi_xschem_placed_t& placed, std::size_t line, gxi_symbol_t& sign) {
+  const auto& from = *placed.symbol;
   gxi_row_below_t below(sign);
   for (const auto& pin : from.pins) below.keep_below(gxi_xschem_point(pin.at));
-  for (const auto& node : from.nodes) {
+  for (const auto& node : placed.devices[line].nodes) {
     if (node.pin < 0) {
       sign.pins.push_back({.name = node.name, .at = below.next()});
       continue;
     }
     const auto& pin = gx_at(from.pins, node.pin);
-    for (const auto& bit : pin.bits)
+    for (const auto& bit : gxi_xschem_pin_names(placed, node))
       sign.pins.push_back({.name = bit, .type = pin.type, .at = gxi_xschem_point(pin.at)});
   }
 }
 
-// "#2:name": an attribute of a pin.
-std::string value_of_pin(const gxi_xschem_symbol_t& symbol, std::string_view name) {
-  const auto colon = name.find(':');
-  if (colon == std::string_view::npos) return {};
-  const auto pin = gx_whole_number<std::size_t>(name.substr(1, colon - 1));
-  if (!pin || *pin >= symbol.pins.size()) return {};
-  return std::string(symbol.pins[*pin].attributes.get(name.substr(colon + 1)));
-}
-
 }  // namespace
 
-gxi_symbol_t gxi_xschem_sign(const gxi_xschem_symbol_t& from) {
+gxi_symbol_t gxi_xschem_sign(const gxi_xschem_placed_t& placed, std::size_t line) {
+  const auto& from = *placed.symbol;
   gxi_symbol_t sign{.name = from.name, .source = {from.file, 0}};
-  draw_fixed(from.records, sign);
-  if (from.role == gxi_xschem_role_t::device) {
-    take_nodes(from, sign);
+  if (line == 0) draw_fixed(from.records, sign);
+  if (placed.role == gxi_xschem_role_t::device) {
+    take_nodes(placed, line, sign);
     for (const auto& [name, value] : from.defaults.all())
       if (!is_told_otherwise(name)) sign.defaults.push_back({gxi_property_name(name), value, {}});
     return sign;
@@ -66,7 +64,7 @@ gxi_symbol_t gxi_xschem_sign(const gxi_xschem_symbol_t& from) {
   if (from.pins.empty()) return sign;
   const auto& pin = from.pins.front();
   sign.pins.push_back({.name = "P", .type = pin.type, .at = gxi_xschem_point(pin.at)});
-  if (from.role == gxi_xschem_role_t::port)
+  if (placed.role == gxi_xschem_role_t::port)
     sign.properties.push_back({"CLASS", gxi_xschem_port_class(from), {}});
   return sign;
 }
@@ -81,31 +79,18 @@ std::string gxi_xschem_port_class(const gxi_xschem_symbol_t& symbol) {
   return symbol.type == "ipin" ? "PORTIN" : symbol.type == "opin" ? "PORTOUT" : "PORTIO";
 }
 
-std::string gxi_xschem_value(const gxi_xschem_placed_t& placed, std::string_view name,
-                             std::string_view sheet) {
-  const std::filesystem::path file(sheet);
-  if (name == "symname") return placed.symbol->name;
-  if (name == "prop_ptr") return placed.component->attributes;
-  if (name == "schname") return file.stem().string();
-  if (name == "schname_ext") return file.filename().string();
-  if (name.substr(0, 1) == "#") return value_of_pin(*placed.symbol, name);
-  return std::string(placed.value(name));
-}
-
-gxi_instance_t gxi_xschem_instance(const gxi_xschem_component_t& component, std::string_view file) {
-  gxi_instance_t instance;
-  instance.source = {file, component.line};
-  instance.at = gxi_xschem_point(component.at);
-  instance.rotate = static_cast<std::uint8_t>((4 - component.rotate) % 4);
-  instance.mirror = component.flip;
-  return instance;
-}
-
-std::vector<gxi_property_t> gxi_xschem_dress(const gxi_xschem_placed_t& placed,
+std::vector<gxi_property_t> gxi_xschem_dress(const gxi_xschem_placed_t& placed, std::size_t line,
+                                             bool is_leaf,
                                              const std::vector<gxi_xschem_shown_t>& shown,
                                              gxi_instance_t& instance, gxi_sheet_t& sheet) {
+  const auto& device = placed.devices[line];
   for (const auto& [name, value] : placed.attributes.all())
     if (!is_told_otherwise(name))
+      instance.properties.push_back({gxi_property_name(name), value, {}});
+  if (is_leaf && !device.model.empty())
+    instance.properties.push_back({std::string(gxi_spice_model), device.model, {}});
+  for (const auto& [name, value] : device.parameters)
+    if (!has_attribute(placed, name))
       instance.properties.push_back({gxi_property_name(name), value, {}});
   auto seen = instance.properties;
   int composed = 0;

@@ -6,26 +6,21 @@
 #include <vector>
 
 #include "import/drawing/drawing.h"
-#include "import/xschem/nets.h"
 #include "import/xschem/picture.h"
+#include "import/xschem/placed.h"
 
-// The symbol; of a device with the pins in the order of its netlist line, those without a place in
-// a row below; of a label or port with the one pin, P.
-gxi_symbol_t gxi_xschem_sign(const gxi_xschem_symbol_t& from);
+// The symbol; of a device with the pins in the order of that line of its netlist, those without a
+// place in a row below; of a label or port with the one pin, P. Only the first line is drawn.
+gxi_symbol_t gxi_xschem_sign(const gxi_xschem_placed_t& placed, std::size_t line);
 // CLASS of a device without a sheet; PORTIN, PORTOUT or PORTIO of a port.
 std::string gxi_xschem_class(const gxi_xschem_symbol_t& symbol);
 std::string gxi_xschem_port_class(const gxi_xschem_symbol_t& symbol);
 
-// What "@name" stands for in a text of the symbol; `sheet` is the file that the component is in.
-std::string gxi_xschem_value(const gxi_xschem_placed_t& placed, std::string_view name,
-                             std::string_view sheet);
-
-// The place, mirror and turn of a component.
-gxi_instance_t gxi_xschem_instance(const gxi_xschem_component_t& component, std::string_view file);
 // Gives the instance of a device its properties, hidden, and shows its name. What is seen of them
 // is in the list that is returned, which the first instance of a vector takes; what stands for all
 // of a vector is written on the sheet.
-std::vector<gxi_property_t> gxi_xschem_dress(const gxi_xschem_placed_t& placed,
+std::vector<gxi_property_t> gxi_xschem_dress(const gxi_xschem_placed_t& placed, std::size_t line,
+                                             bool is_leaf,
                                              const std::vector<gxi_xschem_shown_t>& shown,
                                              gxi_instance_t& instance, gxi_sheet_t& sheet);
 // Draws a component that is no instance.

@@ -2,106 +2,32 @@
 #include "import/xschem/symbols.h"
 
 #include <algorithm>
-#include <array>
-#include <sstream>
-#include <stdexcept>
 
-#include "gx/text/strings.h"
-#include "import/drawing/netlist_text.h"
+#include "gx/text/numbers.h"
 #include "import/drawing/source_file.h"
 #include "import/xschem/labels.h"
+#include "import/xschem/sheet_symbol.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-std::vector<std::string> words_of(std::string_view text) {
-  std::vector<std::string> words;
-  std::istringstream in{std::string(text)};
-  for (std::string word; in >> word;) words.push_back(word);
-  return words;
+// Pins that are numbered for the simulator stand in that order.
+void order_pins(std::vector<gxi_xschem_pin_t>& pins) {
+  const auto number = [](const gxi_xschem_pin_t& pin) {
+    return gx_whole_number<int>(pin.attributes.get("sim_pinnumber"));
+  };
+  if (std::all_of(pins.begin(), pins.end(), [&](const auto& pin) { return number(pin); }))
+    std::stable_sort(pins.begin(), pins.end(),
+                     [&](const auto& a, const auto& b) { return *number(a) < *number(b); });
 }
 
-bool ends_nodes(std::string_view word) {
-  constexpr auto values = std::to_array<std::string_view>(
-      {"@value", "@model", "@symname", "@VOL", "@FUNC", "@func", "@cur", "@CUR", "@table"});
-  return word.find('=') != std::string_view::npos ||
-         std::find(values.begin(), values.end(), word) != values.end();
-}
-
-// A word of the format in its nodes: the pins and the texts.
-class node_reader {
- public:
-  explicit node_reader(gxi_xschem_symbol_t& symbol) : symbol_(symbol), taken_(symbol.pins.size()) {}
-
-  void run() {
-    const auto words = words_of(symbol_.attributes.get("format"));
-    const std::string prefix(symbol_.defaults.get("spiceprefix"));
-    const std::string first = prefix + std::string(symbol_.defaults.get("name"));
-    const auto most =
-        static_cast<std::size_t>(gxi_spice_nodes(first.empty() ? 'X' : first.front()));
-    std::size_t end = 1;
-    while (end < words.size() && !ends_nodes(words[end])) ++end;
-    // The last word of a call names what is called.
-    const bool calls = most == gxi_any_nodes;
-    if (calls && end > 1 && (end == words.size() || words[end].find('=') != std::string::npos) &&
-        !is_pins(words[end - 1]))
-      --end;
-    for (std::size_t i = 1; i < end; ++i) take(words[i], most);
-    for (std::size_t i = 0; i < taken_.size(); ++i) take_pin(i);
+void find_doubled(std::vector<gxi_xschem_pin_t>& pins) {
+  std::map<std::string_view, int> first;
+  for (std::size_t i = 0; i < pins.size(); ++i) {
+    const auto [found, is_new] = first.emplace(pins[i].attributes.get("name"), static_cast<int>(i));
+    if (!is_new) pins[i].same_as = found->second;
   }
-
- private:
-  static bool is_pins(std::string_view word) {
-    return word == "@pinlist" || word.substr(0, 2) == "@@" || word.substr(0, 2) == "@#";
-  }
-
-  void take_pin(std::size_t pin) {
-    if (pin >= taken_.size() || taken_[pin]) return;
-    taken_[pin] = true;
-    symbol_.nodes.push_back({.pin = static_cast<int>(pin)});
-    count_ += symbol_.pins[pin].bits.size();
-  }
-
-  void take(const std::string& word, std::size_t most) {
-    if (word == "@pinlist") {
-      for (std::size_t i = 0; i < taken_.size(); ++i) take_pin(i);
-    } else if (word.rfind("@@", 0) == 0) {
-      const auto name = word.substr(2, word.find_first_of("\\)") - 2);
-      for (std::size_t i = 0; i < taken_.size(); ++i)
-        if (symbol_.pins[i].attributes.get("name") == name) take_pin(i);
-    } else if (word.rfind("@#", 0) == 0) {
-      std::size_t number = 0;
-      for (const char c : word.substr(2)) {
-        if (c < '0' || c > '9' || number > 100000) break;
-        number = number * 10 + static_cast<std::size_t>(c - '0');
-      }
-      take_pin(number);
-    } else if (count_ < most) {
-      const auto name = word.front() == '@' ? word.substr(1) : "N" + std::to_string(count_ + 1);
-      symbol_.nodes.push_back({.name = name, .text = word});
-      ++count_;
-    }
-  }
-
-  gxi_xschem_symbol_t& symbol_;
-  std::vector<bool> taken_;
-  std::size_t count_ = 0;
-};
-
-gxi_xschem_role_t role_of(const gxi_xschem_symbol_t& symbol) {
-  const auto& type = symbol.type;
-  if (type == "label") return gxi_xschem_role_t::label;
-  if (type == "ipin" || type == "opin" || type == "iopin") return gxi_xschem_role_t::port;
-  if (type == "bus_tap") return gxi_xschem_role_t::bus_tap;
-  if (type == "subcircuit") return gxi_xschem_role_t::device;
-  if (type == "netlist_commands" || type == "netlist_options") return gxi_xschem_role_t::picture;
-  auto format = symbol.attributes.get("format");
-  format.remove_prefix(std::min(format.find_first_not_of(" \t\n"), format.size()));
-  if (format.empty() || format.front() == '*' || format.front() == '.' || format.front() == '/' ||
-      format.substr(0, 8) == "tcleval(")
-    return gxi_xschem_role_t::picture;
-  return gxi_xschem_role_t::device;
 }
 
 std::string_view pin_type(std::string_view direction) {
@@ -109,6 +35,19 @@ std::string_view pin_type(std::string_view direction) {
 }
 
 }  // namespace
+
+gxi_xschem_role_t gxi_xschem_role(std::string_view type, std::string_view format) {
+  if (type == "label") return gxi_xschem_role_t::label;
+  if (type == "ipin" || type == "opin" || type == "iopin") return gxi_xschem_role_t::port;
+  if (type == "bus_tap") return gxi_xschem_role_t::bus_tap;
+  if (type == "noconn") return gxi_xschem_role_t::noconn;
+  if (type == "subcircuit") return gxi_xschem_role_t::device;
+  if (type.starts_with("netlist_")) return gxi_xschem_role_t::picture;
+  format.remove_prefix(std::min(format.find_first_not_of(" \t\n"), format.size()));
+  if (format.empty() || std::string_view("*./").find(format.front()) != std::string_view::npos)
+    return gxi_xschem_role_t::picture;
+  return gxi_xschem_role_t::device;
+}
 
 gxi_xschem_library_t::gxi_xschem_library_t(const gxi_input_t& input, gxi_design_t& design)
     : design_(design) {
@@ -168,8 +107,9 @@ std::unique_ptr<gxi_xschem_symbol_t> gxi_xschem_library_t::make(const std::strin
               (shape.points[0].y + shape.points[1].y) / 2};
     pin.attributes = std::move(attributes);
   }
-  symbol->role = role_of(*symbol);
-  if (symbol->role == gxi_xschem_role_t::device) node_reader(*symbol).run();
+  order_pins(symbol->pins);
+  find_doubled(symbol->pins);
+  symbol->role = gxi_xschem_role(symbol->type, symbol->attributes.get("format"));
   return symbol;
 }
 
@@ -192,6 +132,12 @@ const gxi_xschem_symbol_t& gxi_xschem_library_t::symbol(const gxi_xschem_compone
   if (!made) {
     if (path) {
       auto [records, file] = read(*path);
+      if (path->extension() == ".sch") {
+        if (!begun_.insert(*path).second)
+          gxi_refuse({sheet.native(), component.line}, path->string() + " contains itself");
+        records = gxi_xschem_symbol_of_sheet(*this, records, *path);
+        begun_.erase(*path);
+      }
       made = make(name, std::move(records), file);
       made->path = *path;
     } else {

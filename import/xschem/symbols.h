@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,7 @@ enum class gxi_xschem_role_t : std::uint8_t {
   label,    // names a net
   port,     // names a net that is a pin of the cell
   bus_tap,  // names bits of a bus
+  noconn,   // marks a pin that is meant to be joined to nothing
   picture,  // only drawn
 };
 
@@ -26,13 +28,7 @@ struct gxi_xschem_pin_t {
   std::string type{};               // PINTYPE
   gxi_xschem_point_t at{};
   gxi_xschem_attributes_t attributes{};
-};
-
-// A node of the device's line in a netlist: a pin, or a net that a text with "@name" names.
-struct gxi_xschem_node_t {
-  int pin = -1;
-  std::string name{};  // of the node without a pin
-  std::string text{};
+  int same_as = -1;  // an earlier pin of the name, with which it is one node
 };
 
 struct gxi_xschem_symbol_t {
@@ -44,9 +40,11 @@ struct gxi_xschem_symbol_t {
   std::string type{};
   gxi_xschem_role_t role = gxi_xschem_role_t::picture;
   std::vector<gxi_xschem_pin_t> pins{};
-  std::vector<gxi_xschem_node_t> nodes{};  // of a device; pins that the line leaves out come last
   bool missing = false;
 };
+
+// The role by the type, and by the format where the type says nothing.
+gxi_xschem_role_t gxi_xschem_role(std::string_view type, std::string_view format);
 
 class gxi_xschem_library_t {
  public:
@@ -66,6 +64,7 @@ class gxi_xschem_library_t {
                                             std::string_view file) const;
 
   std::vector<std::filesystem::path> libraries_;
+  std::set<std::filesystem::path> begun_;  // sheets whose symbols are being made
   gxi_design_t& design_;
   std::map<std::string, std::unique_ptr<gxi_xschem_symbol_t>> by_path_;
   std::map<std::pair<std::string, std::string>, const gxi_xschem_symbol_t*> by_name_;

@@ -155,6 +155,21 @@ sheet top
   EXPECT_EQ(c.findings(), (lines_t{"no-driver /B", "many-drivers /C", "single-pin /VDD"}));
 }
 
+TEST(CheckDesign, NetsMarkedAsOpenAreNoFindings) {
+  checked c(R"(
+sheet top
+  part B1 buf 4,4
+  part B2 buf 4,8
+  net A NOCONN=1
+    wire 2,4 B1.I
+  net B NOCONN=""
+    wire 2,8 B2.I
+  net C noconn=yes
+    wire B2.O 10,8
+)");
+  EXPECT_EQ(c.findings(), (lines_t{"no-driver /B", "pin-unused /B1/O", "single-pin /B"}));
+}
+
 TEST(CheckDesign, APinOnASliceMeetsTheBitsOfItAlone) {
   // Of the bits 4 to 7 B1 drives 5; W1 reads 5 and 6, B2 reads 4; 7 has no pin. A port of both
   // directions drives, too.

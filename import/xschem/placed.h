@@ -1,0 +1,46 @@
+// A component of a sheet as a netlist sees it: its symbol, its attributes, the lines it becomes.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "import/xschem/format.h"
+
+struct gxi_xschem_placed_t {
+  const gxi_xschem_component_t* component = nullptr;
+  const gxi_xschem_symbol_t* symbol = nullptr;
+  gxi_xschem_role_t role = gxi_xschem_role_t::picture;
+  std::string_view file{};  // the sheet's
+  gxi_xschem_attributes_t attributes{};
+  std::vector<std::string> names{};  // of a device: one for each instance of a vector
+  bool ignored = false;              // takes no part in nets
+  bool shorted = false;              // joins all its pins
+  std::vector<gx_pointreal_t> pins{};
+  // Of a device, one for each line of its format, at least one. Pins that no line has are the last
+  // nodes of the first.
+  std::vector<gxi_xschem_device_t> devices{};
+
+  // The attribute itself, else the default of the symbol.
+  std::string_view value(std::string_view name) const;
+  gxm_source_t source() const { return {file, component->line}; }
+};
+
+// `is_top`: on the sheet that the design begins with. What Tcl would decide is told.
+gxi_xschem_placed_t gxi_xschem_place(const gxi_xschem_component_t& component,
+                                     const gxi_xschem_symbol_t& symbol, std::string_view file,
+                                     bool is_top, gxm_messages_t& messages);
+
+// The nodes in the order of the subcircuit of the symbol's name, where the text has it with the
+// same ports.
+void gxi_xschem_order_nodes(gxi_xschem_placed_t& placed, std::string_view netlist);
+
+// The names of the pins of a node.
+std::vector<std::string> gxi_xschem_pin_names(const gxi_xschem_placed_t& placed,
+                                              const gxi_xschem_node_t& node);
+
+// What "@name" stands for in a text of the symbol or in its format.
+std::string gxi_xschem_value(const gxi_xschem_placed_t& placed, std::string_view name);
+
+// The place, mirror and turn of a component.
+gxi_instance_t gxi_xschem_instance(const gxi_xschem_component_t& component, std::string_view file);
