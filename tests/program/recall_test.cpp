@@ -125,33 +125,51 @@ TEST_F(Recall, TheLineIsEditedAtItsCaret) {
   end();
 }
 
-// Another program that has selected a text, until it was asked for it once.
-void give_selection(Display* display, Atom selection, const std::string& text) {
-  const Window window =
-      XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, 1, 1, 0, 0, 0);
-  XSetSelectionOwner(display, selection, window, CurrentTime);
-  XFlush(display);
-  XEvent event;
-  for (int tries = 0; XCheckTypedWindowEvent(display, window, SelectionRequest, &event) == False;
-       ++tries) {
-    ASSERT_LT(tries, 2000) << "nobody asks for the selection";
-    xdelayms(5);
+// Another program that has a text selected.
+class selection_owner {
+ public:
+  selection_owner(Display* display, Atom selection, std::string text)
+      : display_(display),
+        window_(XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, 1, 1, 0, 0, 0)),
+        text_(std::move(text)) {
+    XSetSelectionOwner(display_, selection, window_, CurrentTime);
+    XSync(display_, False);
   }
-  const XSelectionRequestEvent& request = event.xselectionrequest;
-  XChangeProperty(display, request.requestor, request.property, request.target, 8, PropModeReplace,
-                  reinterpret_cast<const unsigned char*>(text.data()),
-                  static_cast<int>(text.size()));
-  XEvent answer{};
-  answer.xselection.type = SelectionNotify;
-  answer.xselection.requestor = request.requestor;
-  answer.xselection.selection = request.selection;
-  answer.xselection.target = request.target;
-  answer.xselection.property = request.property;
-  answer.xselection.time = request.time;
-  XSendEvent(display, request.requestor, False, 0, &answer);
-  XDestroyWindow(display, window);
-  XFlush(display);
-}
+  ~selection_owner() {
+    XDestroyWindow(display_, window_);
+    XFlush(display_);
+  }
+  selection_owner(const selection_owner&) = delete;
+  selection_owner& operator=(const selection_owner&) = delete;
+
+  // Answers the question for it, which must have been asked.
+  void answer() const {
+    XEvent event;
+    for (int tries = 0;
+         XCheckTypedWindowEvent(display_, window_, SelectionRequest, &event) == False; ++tries) {
+      ASSERT_LT(tries, 2000) << "nobody asks for the selection";
+      xdelayms(5);
+    }
+    const XSelectionRequestEvent& request = event.xselectionrequest;
+    XChangeProperty(display_, request.requestor, request.property, request.target, 8,
+                    PropModeReplace, reinterpret_cast<const unsigned char*>(text_.data()),
+                    static_cast<int>(text_.size()));
+    XEvent answer{};
+    answer.xselection.type = SelectionNotify;
+    answer.xselection.requestor = request.requestor;
+    answer.xselection.selection = request.selection;
+    answer.xselection.target = request.target;
+    answer.xselection.property = request.property;
+    answer.xselection.time = request.time;
+    XSendEvent(display_, request.requestor, False, 0, &answer);
+    XFlush(display_);
+  }
+
+ private:
+  Display* display_;
+  Window window_;
+  std::string text_;
+};
 
 TEST_F(Recall, TextOfOtherProgramsIsPasted) {
   auto& s = begin();
@@ -161,16 +179,19 @@ TEST_F(Recall, TextOfOtherProgramsIsPasted) {
   s.wait_for_head(" DEFine KEY b2");
   s.type("snap off");
   s.key(XK_a, test_session::control);
+  const selection_owner copied(display, XInternAtom(display, "CLIPBOARD", False),
+                               "sna\tp on ;\nbye");
   s.key(XK_v, test_session::control);
-  give_selection(display, XInternAtom(display, "CLIPBOARD", False), "sna\tp on ;\nbye");
+  copied.answer();
   s.settle();
   s.type("\n");
   s.wait_for_line(" SNAp ON ");
   s.wait_for_line(" SNAp OFF ");
   s.move(200, 900);  // the command line
   s.settle();
+  const selection_owner selected(display, XA_PRIMARY, "snap on" + std::string(5000, 'x'));
   s.button_down(2);
-  give_selection(display, XA_PRIMARY, "snap on" + std::string(5000, 'x'));
+  selected.answer();
   s.button_up(2);
   s.settle();
   s.key(XK_u, test_session::control);

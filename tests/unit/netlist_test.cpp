@@ -91,7 +91,8 @@ TEST(Netlist, NamesForASimulatorDiffer) {
     std::vector<std::string_view> names;
   } cases[] = {
       {{"/N", "/X1/N3", "/GROUND"}, {"N", "1:N3", "0"}},
-      {{"/A/br", "/B/br", "/br"}, {"A:br", "B:br", "br"}},  // nothing is left of the block's name
+      {{"/A/br"}, {"A:br"}},  // nothing would be left of the block's name
+      {{"/A/br", "/B/br", "/br"}, {"A:br", "B:br", "br"}},
       {{"/X1/N", "/X2/N", "/U1/n"}, {"X1:N", "2:N", "U1:n"}},
       // Three short names are the same, and two of the whole paths.
       {{"/XA:B/N", "/XA/B/N", "/UA/B/N"}, {"XA:B:N", "XA:B:N::2", "UA:B:N"}},
