@@ -26,7 +26,7 @@ constexpr tool_t tool = {
     "  -q  prints messages about mistakes only\n"
     "The time in the files is that of SOURCE_DATE_EPOCH when it is set, else the present.\n"
     "  --help, --version\n"
-    "The language of the descriptions is told in examples/README.md.\n"};
+    "The language of the descriptions is described in examples/README.md.\n"};
 
 bool complain(const gxm_messages_t& messages) {
   for (const auto& message : messages) std::fprintf(stderr, "%s\n", message.c_str());
