@@ -10,12 +10,14 @@
 #include "app/session/session_state.h"
 #include "app/sheet/selection_state.h"
 #include "app/sheet/sheets_state.h"
+#include "app/values/values_state.h"
 
 struct kv_defref_var_rec_t : kv_sheets_state_t,
                              kv_selection_state_t,
                              kv_run_state_t,
                              kv_check_state_t,
                              kv_session_state_t,
-                             kv_find_state_t {};
+                             kv_find_state_t,
+                             kv_values_state_t {};
 
 extern kv_defref_var_rec_t kv_pext;

@@ -5,6 +5,8 @@
 
 inline constexpr int kv_max_request = 504;  // characters of a request; more are cut
 inline constexpr std::string_view kv_fifo_name = "Lorb_To_Spice_Fifo";
+// What a simulator answers comes back through this one, line by line; its side makes it.
+inline constexpr std::string_view kv_answer_fifo_name = "Spice_To_Kivo_Fifo";
 
 // The descriptor of the FIFO while a request is on its way; -1 at all other times.
 extern int KivoSpice_fifo_fd;

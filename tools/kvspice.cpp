@@ -22,17 +22,46 @@ namespace {
 
 constexpr tool_t tool{
     "kvspice",
-    "usage: kvspice [-o FILE] DESIGN [INCLUDE...]\n"
+    "usage: kvspice [-o FILE] [--save NAMES] DESIGN [INCLUDE...]\n"
     "Writes a flat SPICE netlist of the design that KIVO expanded in the directory DESIGN, or "
     "whose\n"
     "design file is DESIGN. The INCLUDE files (models, analyses) are included at its end.\n"
-    "  -o FILE    writes to FILE, not to standard output\n"
-    "  --help     prints this\n"
-    "  --version  prints the version\n"};
+    "  -o FILE       writes to FILE, not to standard output\n"
+    "  --save NAMES  values of devices that the simulator is to keep beside the nets: gm,id,vdsat "
+    "of\n"
+    "                all transistors (M, J), i,p of R, C, L, V and I, q:ic of the devices Q\n"
+    "  --help        prints this\n"
+    "  --version     prints the version\n"};
+
+// A value that is kept of the devices with one of these letters.
+struct saved_t {
+  std::string letters, name;
+};
+
+// "gm,id,q:ic"; false when it is no such list.
+bool read_saved(std::string_view list, std::vector<saved_t>& saved) {
+  while (!list.empty()) {
+    const std::string_view item = list.substr(0, list.find(','));
+    list.remove_prefix(std::min(item.size() + 1, list.size()));
+    const auto colon = item.find(':');
+    const std::string_view name = colon == item.npos ? item : item.substr(colon + 1);
+    const bool is_name = !name.empty() && std::all_of(name.begin(), name.end(), [](char c) {
+      return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
+    });
+    if (!is_name || colon == 0) return false;
+    const bool is_of_two_ends = name == "i" || name == "p";
+    saved.push_back({colon != item.npos ? std::string(item.substr(0, colon))
+                     : is_of_two_ends   ? "RCLVI"
+                                        : "MJ",
+                     std::string(name)});
+  }
+  return true;
+}
 
 class deck_t {
  public:
-  explicit deck_t(const kvi_design_t& design) : netlist_(design), names_(netlist_) {}
+  deck_t(const kvi_design_t& design, std::vector<saved_t> saved)
+      : netlist_(design), names_(netlist_), saved_(std::move(saved)) {}
 
   // False when an instance had to be left out.
   bool write(std::FILE* out, std::string_view title,
@@ -43,6 +72,13 @@ class deck_t {
     bool whole = true;
     for (std::int32_t i = 1; i <= netlist_.count(kv_named::inst); ++i) {
       whole &= write_instance({kv_named::inst, i});
+    }
+    if (!saves_.empty()) {
+      line_ = ".save all";
+      end_line();
+      line_ = saves_;
+      line_.pop_back();
+      end_line();
     }
     for (const std::string_view file : includes) {
       line_.append(".include \"").append(file).append("\"");
@@ -76,6 +112,7 @@ class deck_t {
       return false;
     }
     add_element_name(letter, path);
+    add_saves(letter);
     for (std::int32_t k = 0; k < netlist_.nb_of_pins(inst); ++k) add_pin(netlist_.pin(inst, k));
     for (std::int32_t k = 0; k < nb_of_properties; ++k) {
       const std::string_view name = netlist_.property_name(inst.what, k);
@@ -94,6 +131,18 @@ class deck_t {
     std::string name = tool_escaped(path);
     std::replace(name.begin(), name.end(), '/', '.');
     line_ += name;
+  }
+
+  // What is to be kept of the device whose name the line holds.
+  void add_saves(std::string_view letter) {
+    const auto upper = [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; };
+    std::string save;
+    for (const auto& [letters, name] : saved_) {
+      const bool is_of = std::any_of(letters.begin(), letters.end(),
+                                     [&](char c) { return upper(c) == upper(letter.front()); });
+      if (is_of) save.append(" @").append(line_).append("[").append(name).append("]");
+    }
+    if (!save.empty()) saves_.append(".save").append(save).append("\n");
   }
 
   // The node of a pin; of a pin on a bus, the node of each bit of its range.
@@ -130,8 +179,9 @@ class deck_t {
 
   const kvi_netlist_t netlist_;
   const kv_simulator_names_t<kvi_design_t> names_;
+  const std::vector<saved_t> saved_;
   std::FILE* out_ = nullptr;
-  std::string line_;
+  std::string line_, saves_;
   std::unordered_map<std::int32_t, int> nb_of_loose_;  // bits on no net, by pin
 };
 
@@ -143,11 +193,16 @@ int fail(const std::string& message) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  std::string_view file;
+  std::string_view file, save;
   std::vector<std::string_view> words;
-  const tool_option_t options[] = {{.name = "-o", .value = &file}};
+  const tool_option_t options[] = {{.name = "-o", .value = &file},
+                                   {.name = "--save", .value = &save}};
   if (const auto status = tool_read(tool, argc, argv, options, words)) return *status;
   if (words.empty()) return tool_usage_error(tool, "no DESIGN given");
+  std::vector<saved_t> saved;
+  if (!read_saved(save, saved)) {
+    return tool_usage_error(tool, "no list of values: " + tool_escaped(save));
+  }
   const std::string path(words[0]);
   words.erase(words.begin());
   for (const std::string_view include : words) {
@@ -159,7 +214,7 @@ int main(int argc, char** argv) {
   const kvi_loaded_t loaded = kvi_open_design(design, path);
   if (loaded.result != kvi_load_result::loaded) return fail(loaded.message);
 
-  deck_t deck(design);
+  deck_t deck(design, std::move(saved));
   const std::string out_path(file);
   x_file own(out_path.empty() ? nullptr : std::fopen(out_path.c_str(), "w"));
   if (!out_path.empty() && !own) return fail(out_path + ": " + std::strerror(errno));

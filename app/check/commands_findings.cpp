@@ -67,6 +67,12 @@ void show_finding(std::size_t number) {
   record_finding(number);
 }
 
+void show_device(std::size_t number) {
+  const auto& device = kv_pext.listed_devices[number - 1];
+  gx_tell("# ", std::to_string(number), " ", device.path);
+  gx_tell_wrapped("#    " + device.words, gx_line_kind::detail);
+}
+
 // --- CHEck DESign
 
 std::string design_directory() {
@@ -144,6 +150,7 @@ void kv_check_design_cmd(const kv_command_t& command) {
     return gx_report(gx_line_kind::error, "# !! Error : ", check.fault);
   }
   kv_pext.findings = std::move(check.findings);
+  kv_pext.listed_devices.clear();
   kv_pext.design_checked = true;
   kv_pext.finding_shown = 0;
   const std::string directory = design_directory();
@@ -190,11 +197,17 @@ void kv_rule_cmd(const kv_command_t& command) {
 
 // --- the findings one by one
 
+bool devices_are_listed() { return !kv_pext.listed_devices.empty(); }
+
+std::size_t nb_of_findings() {
+  return devices_are_listed() ? kv_pext.listed_devices.size() : kv_pext.findings.size();
+}
+
 // The number that word 3 is; 0 after the refusal.
 std::size_t finding_number(std::string_view refused, const kv_command_t& command) {
   const auto number = gx_string_to_int32(command.word(3));
   if (!number.error && number.value >= 1 &&
-      static_cast<std::size_t>(number.value) <= kv_pext.findings.size()) {
+      static_cast<std::size_t>(number.value) <= nb_of_findings()) {
     return static_cast<std::size_t>(number.value);
   }
   kv_refuse(refused, command, bad_third, 3);
@@ -203,7 +216,7 @@ std::size_t finding_number(std::string_view refused, const kv_command_t& command
 
 // True after the refusal.
 bool lacks_findings(std::string_view refused, const kv_command_t& command) {
-  if (!kv_pext.findings.empty()) return false;
+  if (nb_of_findings() > 0) return false;
   if (kv_pext.design_checked) {
     kv_warn(refused, command, "# !! Warning : CHEck DESign found nothing ", 3);
   } else {
@@ -214,9 +227,16 @@ bool lacks_findings(std::string_view refused, const kv_command_t& command) {
 
 void go_to(std::size_t number, std::string_view keyword, const kv_command_t& command) {
   kv_pext.finding_shown = number;
-  const auto& finding = kv_pext.findings[number - 1];
-  show_finding(number);
-  const std::string fault = kv_go_to(finding.at, finding.object_id);
+  std::string fault;
+  if (devices_are_listed()) {
+    const auto& device = kv_pext.listed_devices[number - 1];
+    show_device(number);
+    fault = kv_go_to(device.at, device.object_id);
+  } else {
+    const auto& finding = kv_pext.findings[number - 1];
+    show_finding(number);
+    fault = kv_go_to(finding.at, finding.object_id);
+  }
   if (!fault.empty()) {
     return kv_refuse("#" + std::string(keyword), command, "# !! Error : " + fault, 3);
   }
@@ -234,9 +254,9 @@ void kv_show_finding_cmd(const kv_command_t& command) {
 void kv_next_finding_cmd(const kv_command_t& command) {
   constexpr std::string_view refused = "# NEXt FINding ";
   if (lacks_findings(refused, command)) return;
-  for (std::size_t number = kv_pext.finding_shown + 1; number <= kv_pext.findings.size();
-       ++number) {
-    if (!kv_pext.findings[number - 1].waived) return go_to(number, " NEXt FINding ", command);
+  for (std::size_t number = kv_pext.finding_shown + 1; number <= nb_of_findings(); ++number) {
+    const bool is_passed = !devices_are_listed() && kv_pext.findings[number - 1].waived;
+    if (!is_passed) return go_to(number, " NEXt FINding ", command);
   }
   kv_warn(refused, command, "# !! Warning : No more findings ", 3);
 }
@@ -256,6 +276,10 @@ std::string_view without_quotes(std::string_view word) {
 void kv_waive_finding_cmd(const kv_command_t& command) {
   constexpr std::string_view refused = "# WAIve FINding ";
   if (lacks_findings(refused, command)) return;
+  if (devices_are_listed()) {
+    return kv_refuse(refused, command, "# !! Error : Devices of LIST DEVices are no findings ? ",
+                     3);
+  }
   const std::size_t number = finding_number(refused, command);
   if (number == 0) return;
   auto& finding = kv_pext.findings[number - 1];

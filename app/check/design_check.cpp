@@ -7,15 +7,11 @@
 #include "app/check/netlist_findings.h"
 #include "app/check/run_messages.h"
 #include "app/check/sheet_findings.h"
+#include "app/find/aside.h"
 #include "gx/db/record_codec.h"
 #include "gx/text/strings.h"
 
 namespace {
-
-// A run wants something to keep; a check does not.
-void fill_list(kv_prop_list_t& list, std::string_view name) {
-  if (list.count == 0) list.entry[list.count++] = {gx_string(name), gx_string("S")};
-}
 
 // What the rules heed on nets is kept beside what the session keeps, unless that fills the list.
 void keep_marks(kv_prop_list_t& list) {
@@ -32,9 +28,7 @@ kv_design_check_t kv_check_design(const kv_setup_t& wishes, std::string_view top
                                   const kv_severities_t& severities, kv_run_watcher_t watcher) {
   if (wishes.primitive.count == 0) return {{}, "No property to define the PRIMITIVE ? "};
   const auto setup = std::make_unique<kv_setup_t>(wishes);
-  fill_list(setup->property_instance, "INST");
-  fill_list(setup->property_pin, "PIN");
-  fill_list(setup->property_net, "NET");
+  kv_keep_something(*setup);
   setup->store_size = kv_max_records;  // the memory is the limit
   keep_marks(setup->property_net);
 

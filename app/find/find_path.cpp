@@ -130,16 +130,15 @@ void kv_tell_search_end(std::string_view label, const kv_search_t& search) {
   gx_tell_wrapped(line, gx_line_kind::detail);
 }
 
-std::vector<std::int32_t> kv_search_nets(kv_drawings_t& drawings, std::string_view text,
-                                         std::size_t most) {
-  const auto expanded = kv_expanded();
+std::vector<std::int32_t> kv_search_nets(const kv_expanded_t& expanded, kv_drawings_t& drawings,
+                                         std::string_view text, std::size_t most) {
   std::vector<std::int32_t> nets;
   std::vector<std::int32_t> nets_of_pins;
-  for (const auto hit : hits_of(*expanded, readings(drawings, text), SIZE_MAX)) {
+  for (const auto hit : hits_of(expanded, readings(drawings, text), SIZE_MAX)) {
     if (hit.what == kv_named::net) nets.push_back(hit.index);
-    if (hit.what == kv_named::net_child) nets.push_back(expanded->paths.net_of_child(hit.index));
+    if (hit.what == kv_named::net_child) nets.push_back(expanded.paths.net_of_child(hit.index));
     if (hit.what == kv_named::pin || hit.what == kv_named::pinm)
-      nets_of_pins.push_back(net_of_pin(expanded->netlist, hit));
+      nets_of_pins.push_back(net_of_pin(expanded.netlist, hit));
   }
   if (nets.empty()) nets = std::move(nets_of_pins);
   std::erase(nets, 0);

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "app/find/drawings.h"
+#include "app/find/expanded.h"
 #include "app/find/find_state.h"
 
 struct kv_search_t {
@@ -24,6 +25,6 @@ kv_search_t kv_search_path(kv_drawings_t& drawings, std::string_view text, std::
 void kv_tell_search_end(std::string_view label, const kv_search_t& search);
 
 // The flat nets that bear a path in one of those forms; when none does, those that a pin of that
-// path is on. Each once, in the order of the index. Asks the expansion, which must be there.
-std::vector<std::int32_t> kv_search_nets(kv_drawings_t& drawings, std::string_view text,
-                                         std::size_t most);
+// path is on. Each once, in the order of the index.
+std::vector<std::int32_t> kv_search_nets(const kv_expanded_t& expanded, kv_drawings_t& drawings,
+                                         std::string_view text, std::size_t most);

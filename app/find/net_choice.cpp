@@ -11,7 +11,9 @@ namespace {
 
 constexpr std::size_t most_nets = 20;
 
-bool is_chosen(const gx_file_gene_recf_t& file, int net) {
+}  // namespace
+
+bool kv_is_chosen_net(const gx_file_gene_recf_t& file, int net) {
   if (gx_inq_object_deleted(file, net)) return false;
   if (gx_inq_object_selected(file, net)) return true;
   for (const int id : lb_segments(file, net))
@@ -19,21 +21,20 @@ bool is_chosen(const gx_file_gene_recf_t& file, int net) {
   return false;
 }
 
-}  // namespace
-
 std::optional<std::vector<std::int32_t>> kv_wanted_nets(std::string_view keyword,
                                                         const kv_command_t& command,
-                                                        const kv_expanded_t& expanded) {
+                                                        const kv_expanded_t& expanded,
+                                                        std::string_view path) {
   const auto refuse = [&](std::string_view error) {
     kv_refuse(keyword, command, error, 3);
     return std::nullopt;
   };
-  if (command.count() >= 3) {
+  if (!path.empty()) {
     kv_drawings_t drawings;
-    auto nets = kv_search_nets(drawings, command.word(3), most_nets);
+    auto nets = kv_search_nets(expanded, drawings, path, most_nets);
     if (!nets.empty()) return nets;
     refuse("# !! Error : Net NOT FOUND ? ");
-    const auto search = kv_search_path(drawings, command.word(3), 1);
+    const auto search = kv_search_path(drawings, path, 1);
     kv_tell_search_end("No net", search);
     return std::nullopt;
   }
@@ -41,7 +42,7 @@ std::optional<std::vector<std::int32_t>> kv_wanted_nets(std::string_view keyword
   if (!view.has_sheet()) return refuse(kv_no_sheet);
   int chosen = 0;
   for (const int net : lb_nets(view.file())) {
-    if (!is_chosen(view.file(), net)) continue;
+    if (!kv_is_chosen_net(view.file(), net)) continue;
     if (chosen != 0) return refuse("# !! Error : More Than 1 Net selected ");
     chosen = net;
   }

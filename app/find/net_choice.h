@@ -9,8 +9,17 @@
 #include "app/find/expanded.h"
 #include "app/language/command.h"
 
-// By word 3, else by the one selected net of the sheet in view, or the net of selected segments.
-// Nothing after the refusal (`keyword`, the words, the line that says why).
+// Those of a path, in any of the forms that FINd PATh takes; when it is "" that of the one selected
+// net of the sheet in view, or of selected segments. Nothing after the refusal (`keyword`, the
+// words, the line that says why).
 std::optional<std::vector<std::int32_t>> kv_wanted_nets(std::string_view keyword,
                                                         const kv_command_t& command,
-                                                        const kv_expanded_t& expanded);
+                                                        const kv_expanded_t& expanded,
+                                                        std::string_view path);
+inline auto kv_wanted_nets(std::string_view keyword, const kv_command_t& command,
+                           const kv_expanded_t& expanded) {
+  return kv_wanted_nets(keyword, command, expanded, command.word(3));
+}
+
+// Whether a net of a sheet is selected, whole or in part.
+bool kv_is_chosen_net(const gx_file_gene_recf_t& file, int net);

@@ -9,14 +9,14 @@
 namespace {
 std::vector<kv_command_row_t> joined_rows() {
   std::vector<kv_command_row_t> rows;
-  for (const auto& part :
-       {kv_view_commands(),      kv_navigate_commands(),  kv_grid_commands(),
-        kv_mark_commands(),      kv_select_commands(),    kv_name_commands(),
-        kv_status_commands(),    kv_check_commands(),     kv_expand_commands(),
-        kv_simulator_commands(), kv_file_commands(),      kv_variable_commands(),
-        kv_session_commands(),   kv_key_commands(),       kv_menu_commands(),
-        kv_move_commands(),      kv_find_commands(),      kv_explain_commands(),
-        kv_highlight_commands(), kv_hierarchy_commands(), kv_finding_commands()}) {
+  for (const auto& part : {kv_view_commands(),      kv_navigate_commands(),  kv_grid_commands(),
+                           kv_mark_commands(),      kv_select_commands(),    kv_name_commands(),
+                           kv_status_commands(),    kv_check_commands(),     kv_expand_commands(),
+                           kv_simulator_commands(), kv_file_commands(),      kv_variable_commands(),
+                           kv_session_commands(),   kv_key_commands(),       kv_menu_commands(),
+                           kv_move_commands(),      kv_find_commands(),      kv_explain_commands(),
+                           kv_highlight_commands(), kv_hierarchy_commands(), kv_finding_commands(),
+                           kv_values_commands(),    kv_condition_commands(), kv_shown_commands()}) {
     rows.insert(rows.end(), part.begin(), part.end());
   }
   return rows;

@@ -17,6 +17,7 @@
 #include "app/session/recall.h"
 #include "app/sheet/last_views.h"
 #include "app/sheet/views.h"
+#include "app/values/waves.h"
 #include "gx/display/cmd_viewport.h"
 #include "gx/display/cursor.h"
 #include "gx/display/draw.h"
@@ -236,7 +237,8 @@ void on_button(loop_t& loop, const gx_event_t& event) {
   if (event.kind == gx_event_kind::button1_down) loop.place = kv_place_at(event.pixel);
   if (!loop.place.empty()) gx_list_stay();
   const auto first = static_cast<std::size_t>(gx_event_kind::button1_down);
-  run_binding(loop, gx_vext.action_but[static_cast<std::size_t>(event.kind) - first]);
+  if (!kv_clicks_list(event))
+    run_binding(loop, gx_vext.action_but[static_cast<std::size_t>(event.kind) - first]);
   if (event.kind == gx_event_kind::button1_up)
     kv_click(event, [&](std::string_view command) { run_command(loop, gx_string(command)); });
   if (event.kind != gx_event_kind::button1_up || loop.place.empty()) return;
@@ -395,6 +397,8 @@ void kv_process_events(bool first, kv_array_param_t& args, kv_array_param_t& var
   while (!loop.leave) {
     const gx_event_t event = gx_input_event_wait();
     if (kv_pan(loop.gestures, event)) continue;
+    const auto run = [&](std::string_view command) { run_command(loop, gx_string(command)); };
+    if (kv_wave_gesture(event, run)) continue;
     const bool is_lost = gx_vext.viewport_id < 1 || gx_vext.viewport_id > gx_max_viewports;
     if (is_lost && event.kind != gx_event_kind::close_asked) {
       if (++lost_events > max_lost_events) {

@@ -16,6 +16,7 @@
 #include "gx/text/at.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
+#include "results/names.h"
 
 namespace {
 constexpr std::uint32_t shift = 1;
@@ -57,6 +58,16 @@ void select(const kv_view_t& view, std::string_view handle, int id, bool adds,
   run("SELECT OBJECT " + name + " " + std::string(handle) + std::to_string(id) + " ");
 }
 
+// As a simulator or KIVO writes it: "v(r:x2:x)", "/XR/X2/X", "xr.x2.mp1:".
+void find_name(std::string_view word, const std::function<void(std::string_view)>& run) {
+  constexpr std::string_view marks = ",;:.#";
+  const auto last = word.find_last_not_of(marks);
+  word = word.substr(0, last == word.npos ? 0 : last + 1);
+  const rs_name_t name = rs_read_name({std::string(word), "voltage"});
+  const std::string path = name.meaning == rs_meaning::other ? std::string(word) : name.path;
+  if (!path.empty()) run("FIND PATH " + path + " ");
+}
+
 void pan_by(gx_vpid_t vpid, int dx, int dy) {
   const auto& vp = gx_viewport_rec(vpid);
   if (vp.file_index < 1 || !gx_vext.display_on) return;
@@ -89,8 +100,18 @@ bool kv_pan(kv_gestures_t& gestures, const gx_event_t& event) {
   return true;
 }
 
+bool kv_clicks_list(const gx_event_t& event) {
+  const bool is_button =
+      event.kind == gx_event_kind::button1_down || event.kind == gx_event_kind::button1_up;
+  return is_button && gx_vext.viewport_id == gx_vext.viewport_list && drag_zooms();
+}
+
 void kv_click(const gx_event_t& event, const std::function<void(std::string_view)>& run) {
   if (event.clicks == 0 || !drag_zooms()) return;
+  if (kv_clicks_list(event)) {
+    if (event.clicks == 2) find_name(gx_list_word_at(event.pressed), run);
+    return;
+  }
   gx_pointreal_t point;
   const auto view = view_at(event.pressed, point);
   if (!view) return;

@@ -19,6 +19,9 @@
 #include "gx/vext.h"
 
 namespace {
+kv_sheet_overlay_t sheet_overlay = nullptr;
+kv_context_picture_t context_picture = nullptr;
+
 // The grid object of a sheet, whose box is the page.
 int grid_of(const gx_file_gene_recf_t& file, const char* message) {
   const int grid = gx_object_inq_grid_id(file);
@@ -34,6 +37,7 @@ void draw_sheet(gx_vpid_t vpid, gx_file_index_t file_index, int grid, bool keep_
   lb_display_all_frame(vpid, file_index, gx_draw_mode::draw);
   lb_display_all_inst(vpid, file_index, gx_draw_mode::draw);
   lb_display_all_net(vpid, file_index, gx_draw_mode::draw);
+  if (sheet_overlay != nullptr) sheet_overlay(vpid, file_index);
   gx_display_half_cross(vpid, gx_vext.base_point);
   gx_display_kept_marks(vpid);
 }
@@ -87,6 +91,11 @@ void draw_symbol(gx_vpid_t vpid, gx_file_index_t file_index, bool keep_scale) {
 void redraw_context(bool keep_scale, const char* bad_grid, const char* bad_file) {
   const gx_vpid_t vpid = gx_vext.viewport_context;
   if (!gx_vext.display_on || !gx_drawing_possible() || !gx_viewport_ok(vpid)) return;
+  if (context_picture != nullptr) {
+    const gx_offscreen_t picture(gx_viewport_rec(vpid).pixel_bounds);
+    gx_clear_viewport(vpid);
+    return context_picture(vpid);
+  }
   const gx_file_index_t file_index = gx_viewport_rec(vpid).file_index;
   if (file_index < 1 || file_index != kv_pext.file_id_context) {
     gx_debug(bad_file, file_index);
@@ -144,6 +153,9 @@ void kv_display_picture_shown(gx_vpid_t vpid, gx_file_index_t file_index, const 
       " KV_DISPLAY_PICTURE_SHOWN : file index (invalid) : %12d\n",
       " KV_DISPLAY_PICTURE_SHOWN : grid_id (invalid) : %12d\n");
 }
+
+void kv_set_sheet_overlay(kv_sheet_overlay_t overlay) { sheet_overlay = overlay; }
+void kv_set_context_picture(kv_context_picture_t picture) { context_picture = picture; }
 
 void kv_update_viewport_edit() {
   redraw_edit(true, " KV_UPDATE_VIEWPORT_EDIT  : grid_id invalid  \n",

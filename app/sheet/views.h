@@ -36,6 +36,14 @@ void kv_update_viewport_context();
 void kv_expose_viewport_context();
 void kv_update_basept_edit_cmd();
 
+// Called with every picture of a sheet, when all that is drawn on the sheet is there; none at
+// first.
+using kv_sheet_overlay_t = void (*)(gx_vpid_t vpid, gx_file_index_t file_index);
+void kv_set_sheet_overlay(kv_sheet_overlay_t overlay);
+// Draws the context viewport in place of its sheet; null: the sheet again. Draws nothing itself.
+using kv_context_picture_t = void (*)(gx_vpid_t vpid);
+void kv_set_context_picture(kv_context_picture_t picture);
+
 // The window's title says the place: the design's path, and below the top the names down to the
 // sheet, "/X1/X2", whether there was a RUN or not.
 void kv_show_title();

@@ -8,6 +8,8 @@
 #include "app/session/root.h"
 #include "app/session/root_session.h"
 #include "app/state.h"
+#include "app/values/answers.h"
+#include "gx/db/file_slots.h"
 #include "gx/display/cmd_viewport.h"
 #include "gx/display/events.h"
 #include "gx/display/pen.h"
@@ -48,6 +50,7 @@ constexpr gx_front_t user = {.show_progress = show_in_window, .stop_asked = has_
 bool answer() {
   kv_run_start_up_file();
   gx_vext.all_init_done = true;
+  gx_set_other_input({kv_answer_descriptor, kv_read_answers});
   if (!gx_vext.end_flag) kv_process_events(true, kv_pext.ext_arg, kv_pext.top_var);
   return true;
 }

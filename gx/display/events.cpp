@@ -5,6 +5,14 @@
 #include "gx/text/status.h"
 #include "gx/vext.h"
 
+namespace {
+gx_other_input_t other_input;
+}  // namespace
+
+void gx_set_other_input(const gx_other_input_t& input) { other_input = input; }
+
+const gx_other_input_t& gx_other_input() { return other_input; }
+
 gx_event_t gx_input_event_wait() {
   if (!gx_vext.init_done && gx_vext.num_file_open < 1) {
     gx_set_status(gx_code::init_or_open_file_not_done);

@@ -47,6 +47,14 @@ struct gx_event_t {
 gx_event_t gx_input_event_wait();
 // Asks for what another program has selected, or put into the clipboard: an event will bring it.
 void gx_ask_for_text(bool from_clipboard);
+// Input that comes while no X event is there. `descriptor` is asked before each wait, -1: none;
+// `read` is called when there is something to read. None at first.
+struct gx_other_input_t {
+  int (*descriptor)() = nullptr;
+  void (*read)() = nullptr;
+};
+void gx_set_other_input(const gx_other_input_t& input);
+const gx_other_input_t& gx_other_input();
 // Removes a queued key press (kind 0) or release (kind 1) with that keysym and modifiers; false
 // when there is none, for other kinds, and without a display.
 bool gx_find_event(int kind, std::uint32_t keysym, std::uint32_t modifiers);

@@ -55,3 +55,21 @@ void gx_regen_display_list() {
                              {v.listb_x0, static_cast<std::int16_t>(y)}, true, color_of(line));
   }
 }
+
+std::string_view gx_list_word_at(gx_point16_t pixel) {
+  const auto& v = gx_vext;
+  if (!gx_viewport_ok(v.viewport_list) || v.list_step < 1 || v.cmd_step < 1) return {};
+  const gx_point16_t corner = gx_viewport_inq_pixel_min(v.viewport_list);
+  const int down = pixel.y - corner.y - v.listb_y0, right = pixel.x - corner.x - v.listb_x0;
+  if (down < 0 || right < 0) return {};
+  const int row = down / v.list_step, column = right / v.cmd_step;
+  const int line = std::max<int>(v.nlinlist_disp, 1) + row;
+  if (row >= v.nb_line_in_listviewp || line > v.nlinlist_end || line > gx_max_list_lines) return {};
+  constexpr std::string_view between = " \"'";
+  const std::string_view text = gx_view(gx_at(v.line_list, line - 1)).substr(0, gx_max_text_length);
+  const auto at = static_cast<std::size_t>(column);
+  if (at >= text.size() || between.find(text[at]) != between.npos) return {};
+  const auto before = text.find_last_of(between, at);
+  const std::size_t begin = before == text.npos ? 0 : before + 1;
+  return text.substr(begin, text.find_first_of(between, at) - begin);
+}

@@ -10,7 +10,7 @@ constexpr std::string_view digits = "0123456789ABCDEF";
 
 bool stays(char c) {
   return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') ||
-         std::string_view("_+-#$&@=^|[]<>!").find(c) != std::string_view::npos;
+         std::string_view("_+-#$&@=^|[]<>!.:*?").find(c) != std::string_view::npos;
 }
 
 void spell(char c, std::string& spelled) {

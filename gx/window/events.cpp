@@ -370,8 +370,12 @@ waking wait_for_waking() {
       // A clock that was set back must not make it wait for longer.
       if (left <= 0 || left > rest_ms) return waking::rest;
     }
-    const int connection = ConnectionNumber(gx_vext.dpy);
-    if (x_wait({&connection, 1}, left).by == x_waking::failed) return waking::event;
+    const auto& other = gx_other_input();
+    const int descriptors[] = {ConnectionNumber(gx_vext.dpy),
+                               other.descriptor != nullptr ? other.descriptor() : -1};
+    const x_woken_t woken = x_wait(descriptors, left);
+    if (woken.by == x_waking::failed) return waking::event;
+    if (woken.by == x_waking::readable && woken.descriptor == descriptors[1]) other.read();
   }
   return waking::signal;
 }

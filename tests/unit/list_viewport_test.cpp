@@ -44,6 +44,24 @@ class ListViewport : public ::testing::Test {
   std::filesystem::path path_;
 };
 
+// A line is 20 pixels high and a character 12 wide, from the corner at (100, 100) on.
+TEST_F(ListViewport, KnowsTheWordUnderThePointer) {
+  for (int i = 1; i <= 9; ++i) gx_display_list("# " + std::to_string(i) + " \"/XR/X2\" v(n)");
+  const auto at = [](int column, int row) {
+    const gx_point16_t corner = gx_viewport_inq_pixel_min(gx_vext.viewport_list);
+    return gx_list_word_at({static_cast<std::int16_t>(corner.x + column * 12 + 5),
+                            static_cast<std::int16_t>(corner.y + row * 20 + 5)});
+  };
+  EXPECT_EQ(at(2, 0), "3");  // the first of the seven lines that are seen
+  EXPECT_EQ(at(2, 6), "9");
+  EXPECT_EQ(at(5, 1), "/XR/X2");
+  EXPECT_EQ(at(10, 1), "/XR/X2");
+  EXPECT_EQ(at(16, 2), "v(n)");
+  for (const auto& [column, row] : {std::pair{1, 0}, {4, 0}, {17, 0}, {2, 7}, {-1, 0}, {2, -1}}) {
+    EXPECT_EQ(at(column, row), "") << column << " " << row;
+  }
+}
+
 TEST_F(ListViewport, KeepsAndScrolls) {
   gx_display_list("");
   EXPECT_EQ(gx_vext.nlinlist_end, 0);

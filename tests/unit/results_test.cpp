@@ -8,17 +8,11 @@
 #include "results/names.h"
 #include "results/overview.h"
 #include "results/raw_file.h"
+#include "tests/support/raw_results.h"
 #include "tests/support/scratch_directory.h"
 
 namespace {
 
-std::string double_bytes(std::initializer_list<double> numbers) {
-  std::string bytes;
-  for (const double number : numbers) {
-    bytes.append(reinterpret_cast<const char*>(&number), sizeof number);
-  }
-  return bytes;
-}
 std::string single_bytes(std::initializer_list<float> numbers) {
   std::string bytes;
   for (const float number : numbers) {
@@ -30,17 +24,6 @@ std::string wide(const std::string& text) {
   std::string bytes;
   for (const char c : text) bytes.append({c, '\0'});
   return bytes;
-}
-std::string header(const std::string& plot, const std::string& flags, const std::string& points,
-                   const std::vector<std::string>& variables,
-                   const std::string& end = "Binary:\n") {
-  std::string text = "Title: a test\nDate: today\nPlotname: " + plot + "\nFlags: " + flags +
-                     "\nNo. Variables: " + std::to_string(variables.size()) +
-                     "\nNo. Points: " + points + "\nVariables:\n";
-  for (std::size_t i = 0; i < variables.size(); ++i) {
-    text += "\t" + std::to_string(i) + "\t" + variables[i] + "\n";
-  }
-  return text + end;
 }
 const std::vector<std::string> time_and_out{"time\ttime", "v(out)\tvoltage"};
 
@@ -71,7 +54,7 @@ class Results : public ::testing::Test {
 
 TEST_F(Results, AValueBetweenTwoPointsLiesOnTheLineAndNoneBeyondTheEnds) {
   const std::string rows = double_bytes({0, 1, 2e-9, 5, 2e-9, 7, 4e-9, 3});
-  ASSERT_EQ(open(header("Transient Analysis", "real", "4", time_and_out) + rows), "");
+  ASSERT_EQ(open(raw_header("Transient Analysis", "real", "4", time_and_out) + rows), "");
   EXPECT_EQ(at(plot(1), 1e-9, 1).re, 3);
   EXPECT_EQ(at(plot(1), 3e-9, 1).re, 5);
   EXPECT_EQ(at(plot(1), 4e-9, 1).re, 3);
@@ -82,7 +65,7 @@ TEST_F(Results, AValueBetweenTwoPointsLiesOnTheLineAndNoneBeyondTheEnds) {
 }
 
 TEST_F(Results, RowsOfAFileThatStillGrowsAreCountedByItsSize) {
-  const std::string head = header("Transient Analysis", "real", "0       ", time_and_out);
+  const std::string head = raw_header("Transient Analysis", "real", "0       ", time_and_out);
   ASSERT_EQ(open(head), "");
   EXPECT_EQ(plot(1).nb_rows, 0U);
   const std::string rows = double_bytes({0, 1, 1, 2, 2, 3});
@@ -99,13 +82,14 @@ TEST_F(Results, RowsOfAFileThatStillGrowsAreCountedByItsSize) {
 
 TEST_F(Results, PlotsFollowOneAnotherInEitherForm) {
   const std::string op =
-      header("Operating Point", "real", "1", {"v(a)\tvoltage", "i(v1)\tcurrent"});
-  const std::string ac = header("AC Analysis", "complex", "2",
-                                {"frequency\tfrequency\tgrid=3", "v(a)\tvoltage"}, "Values:\n") +
-                         " 0\t1e1,0.0\n\t1.5,-2.5\n\n 1\t1e2,0.0\n\t+nan,bad\n\n";
-  const std::string empty = header("Transient Analysis", "real", "0", time_and_out);
-  const std::string dc = header("DC transfer characteristic", "real", "4",
-                                {"v(v-sweep)\tvoltage", "v(out)\tvoltage"}) +
+      raw_header("Operating Point", "real", "1", {"v(a)\tvoltage", "i(v1)\tcurrent"});
+  const std::string ac =
+      raw_header("AC Analysis", "complex", "2", {"frequency\tfrequency\tgrid=3", "v(a)\tvoltage"},
+                 "Values:\n") +
+      " 0\t1e1,0.0\n\t1.5,-2.5\n\n 1\t1e2,0.0\n\t+nan,bad\n\n";
+  const std::string empty = raw_header("Transient Analysis", "real", "0", time_and_out);
+  const std::string dc = raw_header("DC transfer characteristic", "real", "4",
+                                    {"v(v-sweep)\tvoltage", "v(out)\tvoltage"}) +
                          double_bytes({1, 10, 0, 20, 1, 30, 0, 40});
   ASSERT_EQ(open(op + double_bytes({1.5, -2}) + ac + empty + dc), "");
   ASSERT_EQ(file_.plots().size(), 5U);
@@ -128,7 +112,7 @@ TEST_F(Results, TheFormOfLtspice) {
   const auto ltspice = [](const std::string& plot, const std::string& flags,
                           const std::string& points) {
     const std::vector<std::string> names{"time\ttime", "V(n001)\tvoltage", "I(R1)\tdevice_current"};
-    std::string text = header(plot, flags, points, names);
+    std::string text = raw_header(plot, flags, points, names);
     text.insert(
         text.find("Variables:\n\t"),
         "Offset:   1.0000000000000000e+000\nCommand: Linear Technology Corporation LTspice\n"
@@ -162,7 +146,7 @@ TEST_F(Results, AFileThatIsNoSuchOrCutSaysSo) {
   EXPECT_EQ(open(std::string(200000, 'x')), ": line 1: a line of no header");
   EXPECT_EQ(file_.open(directory_.path().string()),
             directory_.path().string() + ": Is a directory");
-  const std::string whole = header("Transient Analysis", "real", "2", time_and_out);
+  const std::string whole = raw_header("Transient Analysis", "real", "2", time_and_out);
   const auto with = [&](std::string_view from, std::string_view to) {
     std::string text = whole;
     return text.replace(text.find(from), from.size(), to);
@@ -183,7 +167,7 @@ TEST_F(Results, AFileThatIsNoSuchOrCutSaysSo) {
 
 // The first point, and the last of four at a time: what is between is found again by columns.
 TEST_F(Results, ColumnsHoldTheLeastAndTheGreatestValue) {
-  std::string bytes = header("Transient Analysis", "real", "0", time_and_out);
+  std::string bytes = raw_header("Transient Analysis", "real", "0", time_and_out);
   constexpr int points = 100000;
   for (int i = 0; i < points; ++i) {
     bytes += double_bytes({i * 1e-9, i == 61234 ? 50.0 : (i == 777 ? -9.0 : i % 2 * 1.0)});
