@@ -8,9 +8,9 @@
 
 namespace {
 
-constexpr std::array<std::string_view, 9> words = {
-    "branch renamed", "instance gone", "instance new", "instance renamed", "values changed",
-    "net renamed",    "net split",     "net joined",   "pin moved"};
+constexpr std::array<std::string_view, 10> words = {
+    "branch renamed", "branch gone", "instance gone", "instance new", "instance renamed",
+    "values changed", "net renamed", "net split",     "net joined",   "pin moved"};
 
 std::string pin_text(std::string_view before, const kv_compared_terminal_t& terminal) {
   std::string text(before);
@@ -28,8 +28,9 @@ class teller_t {
     for (const std::int32_t o : matching_.renamed)
       put(kv_change::branch_renamed, gx_at(old_.blocks, o).path,
           gx_at(now_.blocks, gx_at(matching_.block, o)).path);
+    const std::vector<bool> gone = put_gone_branches();
     for (std::size_t i = 0; i < old_.instances.size(); ++i) {
-      if (matching_.instance[i] == kv_unmatched)
+      if (matching_.instance[i] == kv_unmatched && !gone[block_of(i)])
         put(kv_change::instance_gone, old_.instances[i].path, {});
     }
     for (std::size_t i = 0; i < now_.instances.size(); ++i) {
@@ -70,6 +71,31 @@ class teller_t {
 
   std::string net_path(const kv_compared_design_t& design, std::int32_t net) const {
     return std::string(gx_at(design.nets, net).path);
+  }
+
+  std::size_t block_of(std::size_t old_instance) const {
+    return static_cast<std::size_t>(old_.instances[old_instance].block);
+  }
+
+  // The blocks that are gone with all leaves in them; those not in another are told.
+  std::vector<bool> put_gone_branches() {
+    enum : std::uint8_t { empty, gone, kept };
+    std::vector<std::uint8_t> state(old_.blocks.size(), empty);
+    for (std::size_t i = 0; i < old_.instances.size(); ++i) {
+      const std::uint8_t leaf = matching_.instance[i] == kv_unmatched ? gone : kept;
+      for (std::size_t block = block_of(i); block != 0 && state[block] < leaf;
+           block = static_cast<std::size_t>(old_.blocks[block].parent))
+        state[block] = leaf;
+    }
+    std::vector<bool> is_gone(old_.blocks.size());
+    for (std::size_t block = 1; block < old_.blocks.size(); ++block) {
+      is_gone[block] = state[block] == gone && matching_.block[block] == kv_unmatched;
+    }
+    for (std::size_t block = 1; block < old_.blocks.size(); ++block) {
+      if (is_gone[block] && !is_gone[static_cast<std::size_t>(old_.blocks[block].parent)])
+        put(kv_change::branch_gone, old_.blocks[block].path, {});
+    }
+    return is_gone;
   }
 
   void put_new(const kv_compared_instance_t& inst) {

@@ -11,6 +11,7 @@
 
 enum class kv_change : std::uint8_t {
   branch_renamed,
+  branch_gone,  // with all that was in it
   instance_gone,
   instance_new,
   instance_renamed,

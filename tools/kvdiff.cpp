@@ -44,6 +44,8 @@ std::string line_of(const kv_change_t& change) {
   switch (change.change) {
     case kv_change::branch_renamed:
       return "branch " + before + " is now " + after;
+    case kv_change::branch_gone:
+      return "branch " + before + " is gone with all that was in it";
     case kv_change::instance_gone:
       return "instance " + before + " is gone";
     case kv_change::instance_new: {
@@ -85,7 +87,8 @@ std::string line_of(const kv_change_t& change) {
 // "-" for what is gone, "+" for what is new, "~" for what is another.
 void write_lines(const std::vector<kv_change_t>& changes, bool coloured, kv_output_t& out) {
   for (const kv_change_t& change : changes) {
-    const bool gone = change.change == kv_change::instance_gone;
+    const bool gone =
+        change.change == kv_change::instance_gone || change.change == kv_change::branch_gone;
     const bool added = change.change == kv_change::instance_new;
     if (coloured) out << (gone ? "\x1b[31m" : added ? "\x1b[32m" : "\x1b[33m");
     out << (gone ? "- " : added ? "+ " : "~ ") << line_of(change);

@@ -61,10 +61,11 @@ std::map<std::string, leaf_t> applied(const design_t& old,
                                       const std::vector<kv_change_t>& changes) {
   std::map<std::string, std::string> branches, insts, nets;
   std::map<std::string, std::pair<std::string, std::string>> pins;
-  std::set<std::string> gone;
+  std::set<std::string> gone, gone_branches;
   std::map<std::string, leaf_t> result;
   for (const kv_change_t& change : changes) {
     if (change.change == kv_change::branch_renamed) branches[change.before] = change.after;
+    if (change.change == kv_change::branch_gone) gone_branches.insert(change.before);
     if (change.change == kv_change::instance_gone) gone.insert(change.before);
     if (change.change == kv_change::instance_renamed) insts[change.before] = change.after;
     if (change.change == kv_change::net_renamed) nets[change.before] = change.after;
@@ -100,6 +101,9 @@ std::map<std::string, leaf_t> applied(const design_t& old,
   };
   for (const auto& [path, leaf] : old.leaves) {
     if (gone.erase(path) == 1) continue;
+    if (std::ranges::any_of(gone_branches,
+                            [&](const auto& branch) { return path.starts_with(branch + '/'); }))
+      continue;
     leaf_t now = leaf;
     const std::string after = moved(insts, path);
     for (const kv_change_t& change : changes) {
@@ -157,7 +161,7 @@ class editor_t {
     if (design.leaves.empty()) return add_leaf(design);
     auto at = std::next(design.leaves.begin(), below(static_cast<int>(design.leaves.size())));
     const std::string path = at->first, net = at->second.pins.begin()->second;
-    switch (below(8)) {
+    switch (below(9)) {
       case 0:
         return add_leaf(design);
       case 1:
@@ -189,6 +193,21 @@ class editor_t {
         for (auto& [name, leaf] : design.leaves)
           for (auto& [pin, on] : leaf.pins)
             if (on == net && below(2) == 0) on = other;
+        return;
+      }
+      case 7: {  // a branch gone
+        if (design.blocks.empty()) return;
+        const std::string block = in_some_block(design, "");
+        const std::string top = block.substr(0, block.rfind('/'));
+        const auto inside = [&](const std::string& name) {
+          return name == top || name.starts_with(top + '/');
+        };
+        if (top.empty()) return;
+        std::erase_if(design.blocks, inside);
+        std::erase_if(design.leaves, [&](const auto& of) { return inside(of.first); });
+        for (auto& [name, leaf] : design.leaves)
+          for (auto& [pin, on] : leaf.pins)
+            if (inside(on)) on = "/N0";
         return;
       }
       default:
@@ -299,6 +318,12 @@ TEST(Compare, ToldAsAReviewerWouldTellIt) {
               d.leaves.erase("/R3");
             }),
             (lines_t{"instance gone /R3 > ", "instance renamed /R2 > /R9"}));
+  EXPECT_EQ(after([&](design_t& d) {
+              d.blocks.clear();
+              d.leaves.erase("/X1/R1");
+              d.leaves.erase("/X1/Y/R1");
+            }),
+            lines_t{"branch gone /X1 > "});
   EXPECT_EQ(
       after([&](design_t& d) {
         d.blocks = {"/X7", "/X7/Y"};
@@ -308,4 +333,14 @@ TEST(Compare, ToldAsAReviewerWouldTellIt) {
         d.leaves["/X7/Y/R1"] = leaf("8k", "/X7/N", "/GND");
       }),
       (lines_t{"branch renamed /X1 > /X7", "values changed /X1/Y/R1 > /X7/Y/R1; VALUE 1k > 8k"}));
+  // Branches that are alike are found by the nets that they are on.
+  const design_t twins{{"/X1", "/X2"},
+                       {{"/R1", leaf("1k", "/IN", "/OUT")},
+                        {"/X1/R1", leaf("1k", "/IN", "/GND")},
+                        {"/X2/R1", leaf("1k", "/OUT", "/GND")}}};
+  const design_t others{{"/X3", "/X4"},
+                        {{"/R1", leaf("1k", "/IN", "/OUT")},
+                         {"/X3/R1", leaf("1k", "/OUT", "/GND")},
+                         {"/X4/R1", leaf("1k", "/IN", "/GND")}}};
+  EXPECT_EQ(told(twins, others), (lines_t{"branch renamed /X1 > /X4", "branch renamed /X2 > /X3"}));
 }
