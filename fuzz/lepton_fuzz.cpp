@@ -2,7 +2,9 @@
 // records that can be drawn.
 #include <cstdint>
 #include <cstdlib>
+#include <list>
 #include <stdexcept>
+#include <string>
 #include <string_view>
 
 #include "import/lepton/file.h"
@@ -13,7 +15,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string_view text(reinterpret_cast<const char*>(data), size);
   gxi_lepton_project_t project;
   gxm_messages_t messages;
-  gxi_lepton_take_scheme(text, "fuzz", "/", project, messages);
+  std::list<std::string> files;
+  gxi_lepton_take_scheme(text, "fuzz", "/", project, files, messages);
   gxi_lepton_take_config(text, project);
   try {
     const auto file = gxi_lepton_read_file(text, "fuzz");

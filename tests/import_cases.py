@@ -6,6 +6,7 @@ usage: import_cases.py BUILD CASE.txt...
 A case is a text of sections; what is before the first one says what the case shows. Drawings come in:
   === file NAME           a file of the drawing; the first one is the top sheet
   === import WORD...      what gximport is given (without it: the top sheet)
+  === environment         NAME=VALUE lines; @HERE@ is the directory of the case
 Symbols that a case has not of its own are looked for in symbols/xschem or symbols/lepton beside the case.
 What is expected follows, in any choice and order; all lines of a section are compared:
   === cells               directories of cells, with "/sheet" where they have one
@@ -17,6 +18,8 @@ What is expected follows, in any choice and order; all lines of a section are co
   === expand PATTERN      lines of expand.do
   === beside NAME         the lines of that file of the design directory
   === notes               what gximport.log tells, sorted, without the directory of the case
+  === terminal            what gximport prints, and "status N" where that is not 0, but for folders that
+                          only some machines have
   === refused             what gximport says when it ends with status 1
 The status is 1 where anything differs; then both are shown.
 """
@@ -42,9 +45,9 @@ def sections(path):
     return found
 
 
-def run(directory, *words):
-    environment = {k: v for k, v in os.environ.items() if k != "DISPLAY"}
-    environment["VELMORAN"] = BUILD + "/product"
+def run(directory, *words, given=()):
+    environment = {k: v for k, v in os.environ.items() if not re.match("DISPLAY|XSCHEM_|PDK", k)}
+    environment.update(VELMORAN=BUILD + "/product", HOME=directory, **dict(given))
     done = subprocess.run(words, cwd=directory, env=environment, capture_output=True, timeout=120,
                           stdin=subprocess.DEVNULL)
     return done.returncode, (done.stdout + done.stderr).decode("latin-1").replace(directory + "/", "")
@@ -59,17 +62,28 @@ class Import:
         files = [words[0] for kind, words, _ in parts if kind == "file"]
         for kind, words, lines in parts:
             if kind == "file":
+                os.makedirs(os.path.dirname(f"{directory}/{words[0]}"), exist_ok=True)
                 with open(f"{directory}/{words[0]}", "w", encoding="latin-1") as out:
                     out.writelines(lines)
         options = next((w[0].split() for kind, w, _ in parts if kind == "import"), files[:1])
-        head = open(f"{directory}/{files[0]}", encoding="latin-1").read(3)
-        symbols = os.path.join(os.path.dirname(case), "symbols", "xschem" if head == "v {" else "lepton")
-        self.status, self.said = run(directory, BUILD + "/tools/gximport", "-o", "design", *options, "-L", symbols)
-        self.top = os.path.splitext(files[0])[0]
+        given = [line.strip().replace("@HERE@", directory).split("=", 1)
+                 for kind, _, lines in parts if kind == "environment" for line in lines if "=" in line]
+        head = open(f"{directory}/{files[0]}", encoding="latin-1").read(6)
+        symbols = os.path.join(os.path.dirname(case), "symbols", "xschem" if "v {" in head else "lepton")
+        self.status, self.said = run(directory, BUILD + "/tools/gximport", "-o", "design", *options, "-L", symbols,
+                                     given=given)
+        self.symbol_files = symbols
+        self.said = self.said.replace(symbols, "SYMBOLS").replace(directory, "HERE")
+        self.top = os.path.splitext(os.path.basename(files[0]))[0]
         self.expanded = None
 
     def refused(self, _):
         return self.said.splitlines() if self.status == 1 else [f"status {self.status}: {self.said}"]
+
+    def terminal(self, _):
+        lines = self.said.splitlines()
+        lines = [line for line in lines if "looked in /" not in line]
+        return lines + [f"status {self.status}"] * bool(self.status)
 
     def cells(self, _):
         return [cell + ("/sheet" if os.path.exists(f"{self.design}/{cell}/sheet.gx") else "")
@@ -77,6 +91,7 @@ class Import:
 
     def notes(self, _):
         lines = open(self.design + "/gximport.log", encoding="latin-1").read().replace(self.here + "/", "")
+        lines = lines.replace(self.symbol_files + "/", "")
         return sorted(lines.splitlines()[5:])
 
     def beside(self, words):
@@ -124,11 +139,11 @@ def faults_of(case):
         made = Import(case, directory)
         faults, compared = [], 0
         for kind, words, lines in sections(case):
-            if kind in ("file", "import"):
+            if kind in ("file", "import", "environment"):
                 continue
             expected = [line.strip() for line in lines if line.strip()]
             try:
-                if made.status and kind != "refused":
+                if made.status and kind not in ("refused", "terminal"):
                     raise RuntimeError(made.said)
                 got = [line.strip() for line in getattr(made, kind)(words)]
             except RuntimeError as error:

@@ -36,10 +36,26 @@ const std::string help =
     "  --number NAME  keeps the property NAME of instances as a number: its values are written\n"
     "                 plain (10u as 0.00001); may be given again\n"
     "  --absolute     sheets name their symbols by absolute paths\n"
+    "  --strict       ends with status 3 where symbols are missing\n"
     "  -q, --quiet    prints errors only\n"
     "  --help, --version\n"
-    "Exit status: 0 imported, 1 refused (nothing is written), 2 wrong options.\n";
+    "Exit status: 0 imported, 1 refused (nothing is written), 2 wrong options,\n"
+    "3 with --strict: imported, with symbols missing.\n";
 const tool_t tool = {"gximport", help};
+
+void complain_of_missing(const gxi_design_t& design) {
+  constexpr std::size_t most_named = 3;
+  std::string text = gxi_counted(design.missing.size(), "symbol") + " missing: ";
+  std::size_t named = 0;
+  for (const auto& name : design.missing) {
+    if (named == most_named) break;
+    text += (named++ > 0 ? ", " : "") + name;
+  }
+  if (design.missing.size() > most_named) text += " ...";
+  for (const auto& directory : design.searched) text += "\n  looked in " + directory;
+  if (!design.searched.empty()) text += "\n  -L DIRECTORY names a further library";
+  tool_complain(tool, text);
+}
 
 constexpr std::size_t head_of_file = 256;  // bytes that a format is recognised from
 
@@ -48,12 +64,13 @@ constexpr std::size_t head_of_file = 256;  // bytes that a format is recognised 
 int main(int argc, char** argv) try {
   std::string_view root, format;
   std::vector<std::string_view> libraries, numbers, words;
-  bool absolute = false, quiet = false;
+  bool absolute = false, strict = false, quiet = false;
   const tool_option_t options[] = {{.name = "-o", .value = &root},
                                    {.name = "-L", .values = &libraries},
                                    {.name = "--format", .value = &format},
                                    {.name = "--number", .values = &numbers},
                                    {.name = "--absolute", .flag = &absolute},
+                                   {.name = "--strict", .flag = &strict},
                                    {.name = "-q", .flag = &quiet},
                                    {.name = "--quiet", .flag = &quiet}};
   if (const auto ended = tool_read(tool, argc, argv, options, words)) return *ended;
@@ -76,14 +93,23 @@ int main(int argc, char** argv) try {
 
   auto design = known->read(input);
   const auto sum = gxi_write(design, output);
-  if (quiet) return 0;
-  std::printf("%s: %d cells, %d sheets, %d instances, %d nets; %d of %d files written\n",
-              output.root.c_str(), sum.cells, sum.sheets, sum.instances, sum.nets, sum.written,
-              sum.files);
+  const bool lacks = !design.missing.empty();
+  if (lacks && (strict || !quiet)) complain_of_missing(design);
+  const int status = strict && lacks ? 3 : 0;
+  if (quiet) return status;
+  const auto counted = [](int number, const char* what) {
+    return gxi_counted(static_cast<std::size_t>(number), what);
+  };
+  tool_print(stdout, output.root.string() + ": " + counted(sum.cells, "cell") + ", " +
+                         counted(sum.sheets, "sheet") + ", " + counted(sum.instances, "instance") +
+                         ", " + counted(sum.nets, "net") + "; " + std::to_string(sum.written) +
+                         " of " + counted(sum.files, "file") + " written\n");
   if (!design.warnings.empty())
-    std::printf("%zu notes in %s\n", design.warnings.size(),
-                (output.root / "gximport.log").c_str());
-  return tool_end(tool, 0);
+    tool_print(stdout, gxi_counted(design.warnings.size(), "note") + " in " +
+                           (output.root / "gximport.log").string() + "\n");
+  const auto top_cell = (output.root / sum.top).string();
+  tool_print(stdout, "wrote " + top_cell + ": kivo " + top_cell + "\n");
+  return tool_end(tool, status);
 } catch (const std::exception& error) {
   std::fprintf(stderr, "%s\n", error.what());
   return 1;

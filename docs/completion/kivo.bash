@@ -6,7 +6,7 @@ _kivo_programs() {
     kivo) options='--batch --quiet -q --strict --trace --json --mark' ;;
     gxmake) options='-o -a -q --array --variants' ;;
     gxdump) options='-C --source --all --format' ;;
-    gximport) options='-o -L --format --number --absolute -q --quiet' ;;
+    gximport) options='-o -L --format --number --absolute --strict -q --quiet' ;;
     kvdiff) options='--json --quiet' ;;
     kvdump) options='--json --format --csv --sqlite' ;;
     kvverilog) options='--flat --top -o' ;;

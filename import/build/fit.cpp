@@ -144,6 +144,7 @@ class fitter {
     place_undrawn_below(sheet);
     // Names of their own first, so that those come through unchanged.
     for (auto& net : sheet.nets) fit_net(net, sheet);
+    tell_lost_ports();
     fit_instances(sheet);
     said_.assign(sheet.nets.size(), {});
     for (auto& instance : sheet.instances) note_said(instance);
@@ -170,12 +171,25 @@ class fitter {
     if (net.port.empty()) return;
     const auto pin = pin_names_[here_].find(net.port);
     if (pin == pin_names_[here_].end()) {
-      warn(net.source,
-           "port " + net.port + " is no pin of the symbol of " + design_.cells[here_].name);
+      lost_ports_.push_back({net.source, net.port});
       net.port.clear();
     } else {
       net.port = pin->second;
     }
+  }
+
+  // Where the sheet is in use, each one; of the top, which is in no other sheet, all at once.
+  void tell_lost_ports() {
+    const std::string of = " of the symbol of " + design_.cells[here_].name;
+    if (lost_ports_.size() > 1 && here_ == static_cast<std::size_t>(design_.top)) {
+      std::string names;
+      for (const auto& [source, port] : lost_ports_) names += (names.empty() ? "" : ", ") + port;
+      warn(lost_ports_.front().first, "ports are no pins" + of + ": " + names);
+    } else {
+      for (const auto& [source, port] : lost_ports_)
+        warn(source, "port " + port + " is no pin" + of);
+    }
+    lost_ports_.clear();
   }
 
   void fit_instances(gxi_sheet_t& sheet) {
@@ -285,7 +299,11 @@ class fitter {
   void name_cells() {
     gxi_names_t taken('_');
     const auto name = [&](gxi_cell_t& cell) {
+      const auto drawn = cell.name;
       cell.name = taken.take(gxi_directory_name(cell.name), longest_directory);
+      const auto& source = cell.sheet ? cell.sheet->source : cell.symbol.source;
+      if (cell.name != drawn && !source.file.empty())
+        warn(source, "the cell " + drawn + " becomes " + cell.name);
     };
     const auto top = static_cast<std::size_t>(design_.top);
     name(design_.cells[top]);
@@ -296,6 +314,7 @@ class fitter {
   gxi_design_t& design_;
   std::vector<std::map<std::string, std::string>> pin_names_;  // by cell: as drawn, as kept
   std::size_t here_ = 0;
+  std::vector<std::pair<gxm_source_t, std::string>> lost_ports_;  // of the sheet
   gxi_names_t net_names_;
   std::vector<said_t> said_;
   gx_pointreal_t next_undrawn_{};

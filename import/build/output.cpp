@@ -130,6 +130,7 @@ class writer {
       summary_.nets += static_cast<int>(cell.sheet->nets.size());
     }
     summary_.cells = static_cast<int>(design_.cells.size());
+    summary_.top = gx_at(design_.cells, design_.top).name;
   }
 
   template <typename Build>
@@ -241,14 +242,14 @@ class writer {
 
   std::string log() const {
     std::string text;
-    const auto count = [&](int number, const char* what) {
-      text += std::to_string(number) + " " + what + "\n";
+    const auto count = [&](auto number, const char* what) {
+      text += gxi_counted(static_cast<std::size_t>(number), what) + "\n";
     };
-    count(summary_.cells, "cells");
-    count(summary_.sheets, "sheets");
-    count(summary_.instances, "instances");
-    count(summary_.nets, "nets");
-    count(static_cast<int>(design_.warnings.size()), "notes");
+    count(summary_.cells, "cell");
+    count(summary_.sheets, "sheet");
+    count(summary_.instances, "instance");
+    count(summary_.nets, "net");
+    count(design_.warnings.size(), "note");
     for (const auto& warning : design_.warnings) text += warning + "\n";
     return text;
   }
@@ -264,6 +265,10 @@ class writer {
 };
 
 }  // namespace
+
+std::string gxi_counted(std::size_t number, std::string_view what) {
+  return std::to_string(number) + " " + std::string(what) + (number == 1 ? "" : "s");
+}
 
 gxi_summary_t gxi_write(gxi_design_t& design, const gxi_output_t& output) {
   return writer(design, output).run();

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "gxmake/object_tree.h"
@@ -17,10 +18,14 @@ struct gxi_output_t {
 };
 
 struct gxi_summary_t {
+  std::string top{};  // the cell to open
   int cells = 0, sheets = 0, instances = 0, nets = 0;
   int files = 0;    // symbols and sheets
   int written = 0;  // of them new or changed
 };
+
+// "1 note", "2 notes".
+std::string gxi_counted(std::size_t number, std::string_view what);
 
 // Fits, divides and builds the design and writes it below the root: CELL/symbol.gx, CELL/sheet.gx,
 // expand.do and gximport.log. A file is written, as a new version, only where its contents changed.

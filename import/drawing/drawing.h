@@ -16,6 +16,7 @@
 #include <cstdint>
 #include <list>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -150,6 +151,8 @@ struct gxi_design_t {
   // An instance that has this property is a primitive.
   std::string primitive{"CLASS"};
   std::vector<gxi_beside_t> beside{};
-  gxm_messages_t warnings{};       // what was read otherwise than drawn, or left out
+  gxm_messages_t warnings{};        // what was read otherwise than drawn, or left out
+  std::set<std::string> missing{};  // symbols that are in none of the directories
+  std::vector<std::string> searched{};
   std::list<std::string> files{};  // the names that sources point to: a design is moved, not copied
 };

@@ -23,5 +23,7 @@ std::string gxi_read_head(const std::filesystem::path& path, std::size_t length)
   std::string bytes;
   if (!x_read_regular(path.string(), bytes, length))
     gxi_refuse({path.native(), 1}, "cannot be read: " + x_why_unread(errno));
+  // The mark of UTF-8 that some editors set at the start is none of the text.
+  if (bytes.starts_with("\xEF\xBB\xBF")) bytes.erase(0, 3);
   return bytes;
 }

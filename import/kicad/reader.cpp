@@ -229,8 +229,10 @@ class kicad_reader {
     const auto& library = here.from.records.symbols;
     const auto found = library.find(placed.symbol);
     const auto* const symbol = found == library.end() ? nullptr : found->second.get();
-    if (symbol == nullptr)
+    if (symbol == nullptr) {
+      design_.missing.insert(placed.symbol);
       warn(here.from, placed.line, "the symbol " + placed.symbol + " is not in the sheet");
+    }
     const int unit = unit_of(placed, here.path);
     here.symbols.push_back(symbol);
     here.units.push_back(unit);

@@ -29,10 +29,12 @@ gxi_lepton_library_t::gxi_lepton_library_t(const gxi_input_t& input, gxi_design_
   for (const auto& place : project_.symbols) add_place(symbols_, place.directory, place.deep);
   for (const auto& place : project_.sheets) add_place(sheets_, place.directory, place.deep);
   for (auto* const places : {&symbols_, &sheets_}) add_place(*places, top.parent_path(), false);
-  // Where the programs keep their symbols.
-  for (const char* const share : {"/usr/share/lepton-eda/sym", "/usr/local/share/lepton-eda/sym",
-                                  "/usr/share/gEDA/sym", "/usr/local/share/gEDA/sym"})
-    add_place(symbols_, share, true);
+  // Where the programs keep their symbols, unless the project wants its own ones only.
+  if (project_.has_installed)
+    for (const char* const share : {"/usr/share/lepton-eda/sym", "/usr/local/share/lepton-eda/sym",
+                                    "/usr/share/gEDA/sym", "/usr/local/share/gEDA/sym"})
+      add_place(symbols_, share, true);
+  for (const auto& place : symbols_) design.searched.push_back(place.directory.string());
 }
 
 const gxi_lepton_library_t::read_t& gxi_lepton_library_t::read(const fs::path& path) {
@@ -47,8 +49,7 @@ const gxi_lepton_library_t::read_t& gxi_lepton_library_t::read(const fs::path& p
 }
 
 std::optional<fs::path> gxi_lepton_library_t::find(const std::vector<gxi_lepton_place_t>& places,
-                                                   const fs::path& name,
-                                                   std::string_view page) const {
+                                                   const fs::path& name) const {
   std::error_code none;
   if (name.is_absolute())
     return fs::is_regular_file(name, none) ? std::optional(name) : std::nullopt;
@@ -70,8 +71,7 @@ std::optional<fs::path> gxi_lepton_library_t::find(const std::vector<gxi_lepton_
     if (found != below->second.end() && fs::is_regular_file(found->second, none))
       return found->second;
   }
-  const auto beside = fs::path(page).parent_path() / name;
-  return fs::is_regular_file(beside, none) ? std::optional(beside) : std::nullopt;
+  return std::nullopt;
 }
 
 const gxi_lepton_symbol_t& gxi_lepton_library_t::symbol(const gxi_lepton_component_t& component,
@@ -95,12 +95,17 @@ const gxi_lepton_symbol_t& gxi_lepton_library_t::symbol(const gxi_lepton_compone
   auto& made = by_name_[component.symbol];
   if (made) return *made;
   fill(made);
-  if (const auto path = find(symbols_, name.filename(), page)) {
+  auto path = find(symbols_, name.filename());
+  std::error_code none;
+  const auto beside = fs::path(page).parent_path() / name.filename();
+  if (!path && fs::is_regular_file(beside, none)) path = beside;
+  if (path) {
     const auto& file = read(*path);
     made->file = file.name;
     made->records = file.records;
   } else {
     made->missing = true;
+    design_.missing.insert(component.symbol);
     made->records = std::make_shared<const gxi_lepton_file_t>();
     gxm_complain(design_.warnings, {page, component.line.number},
                  "symbol " + component.symbol + " is not found; its pins are not joined");
@@ -108,7 +113,6 @@ const gxi_lepton_symbol_t& gxi_lepton_library_t::symbol(const gxi_lepton_compone
   return *made;
 }
 
-std::optional<fs::path> gxi_lepton_library_t::sheet(const std::string& name,
-                                                    std::string_view page) const {
-  return find(sheets_, name, page);
+std::optional<fs::path> gxi_lepton_library_t::sheet(const std::string& name) const {
+  return find(sheets_, name);
 }

@@ -35,14 +35,13 @@ class gxi_lepton_library_t {
   const read_t& read(const std::filesystem::path& path);
   // The symbol of a component of a page; without contents when it is not found, which is told.
   const gxi_lepton_symbol_t& symbol(const gxi_lepton_component_t& component, std::string_view page);
-  // Where the sheet is that `source=` on a page names.
-  std::optional<std::filesystem::path> sheet(const std::string& name, std::string_view page) const;
+  // Where the sheet is that `source=` names: in the libraries only, not beside the page.
+  std::optional<std::filesystem::path> sheet(const std::string& name) const;
 
  private:
   // The first of the places, in their order, that has a file of the name.
   std::optional<std::filesystem::path> find(const std::vector<gxi_lepton_place_t>& places,
-                                            const std::filesystem::path& name,
-                                            std::string_view page) const;
+                                            const std::filesystem::path& name) const;
 
   gxi_design_t& design_;
   gxi_lepton_project_t project_;

@@ -81,10 +81,10 @@ void take_sheets(gxi_lepton_placed_t& placed, const gxi_lepton_library_t& librar
   if (sources.empty()) sources = gxi_lepton_values(placed.symbol->records->texts, "source");
   for (const auto source : sources)
     for (const auto& name : parted(source)) {
-      if (auto sheet = library.sheet(name, placed.file))
+      if (auto sheet = library.sheet(name))
         placed.sheets.push_back(std::move(*sheet));
       else
-        gxm_complain(messages, placed.source(), "sheet " + name + " is not found");
+        gxm_complain(messages, placed.source(), "sheet " + name + " is in no library");
     }
 }
 

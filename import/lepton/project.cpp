@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <functional>
 #include <optional>
+#include <set>
+#include <stdexcept>
 #include <string>
 
 #include "import/drawing/source_file.h"
@@ -20,6 +22,7 @@ struct form_t {
   int line = 0;
   std::vector<std::string> words{};
   bool plain = true;  // no form within it
+  bool ends = true;   // false: the text ends within it
 };
 
 class scheme_reader {
@@ -52,7 +55,8 @@ class scheme_reader {
         form.words.push_back(word());
       }
     }
-    return std::nullopt;
+    form.ends = false;
+    return depth > 0 ? std::optional(form) : std::nullopt;
   }
 
  private:
@@ -129,14 +133,22 @@ std::string_view trimmed(std::string_view text) {
   return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
 }
 
-}  // namespace
+void reset_symbols(gxi_lepton_project_t& project) {
+  project.symbols.clear();
+  project.has_installed = false;
+}
 
-void gxi_lepton_take_scheme(std::string_view text, std::string_view name, const fs::path& beside,
-                            gxi_lepton_project_t& project, gxm_messages_t& messages) {
+void load(const fs::path& path, const fs::path& beside, gxi_lepton_project_t& project,
+          std::list<std::string>& files, gxm_messages_t& messages, std::set<fs::path>& loaded);
+
+void take_forms(std::string_view text, std::string_view name, const fs::path& beside,
+                gxi_lepton_project_t& project, std::list<std::string>& files,
+                gxm_messages_t& messages, std::set<fs::path>& loaded) {
   scheme_reader reader(text);
   while (const auto form = reader.next()) {
     const auto& words = form->words;
-    if (words.empty()) continue;
+    if (!form->ends) gxm_complain(messages, {name, form->line}, "a \"(\" that is not closed");
+    if (words.empty() || !form->ends) continue;
     const auto& what = words.front();
     const auto setting = std::find_if(std::begin(settings), std::end(settings),
                                       [&](const auto& known) { return known.form == what; });
@@ -150,13 +162,37 @@ void gxi_lepton_take_scheme(std::string_view text, std::string_view name, const 
       add_library(project.sheets, *form, beside, false);
     else if (form->plain && what == "source-library-search" && words.size() > 1)
       add_library(project.sheets, *form, beside, true);
+    else if (form->plain && what == "load" && words.size() == 2)
+      load(beside / expanded(words[1]), beside, project, files, messages, loaded);
     else if (what == "reset-component-library")
-      project.symbols.clear();
+      reset_symbols(project);
     else if (what == "reset-source-library")
       project.sheets.clear();
-    else if (what.find("library") != std::string::npos || what.rfind("hierarchy-", 0) == 0)
+    else
       gxm_complain(messages, {name, form->line}, "\"(" + what + " ...)\" is not followed");
   }
+}
+
+// A file that a form loads, once; its paths are taken from where those of the first file are.
+void load(const fs::path& path, const fs::path& beside, gxi_lepton_project_t& project,
+          std::list<std::string>& files, gxm_messages_t& messages, std::set<fs::path>& loaded) {
+  if (!loaded.insert(path.lexically_normal()).second) return;
+  try {
+    const auto text = gxi_read_source(path);
+    const std::string_view kept = files.emplace_back(path.lexically_normal().string());
+    take_forms(text, kept, beside, project, files, messages, loaded);
+  } catch (const std::runtime_error& error) {
+    messages.emplace_back(error.what());
+  }
+}
+
+}  // namespace
+
+void gxi_lepton_take_scheme(std::string_view text, std::string_view name, const fs::path& beside,
+                            gxi_lepton_project_t& project, std::list<std::string>& files,
+                            gxm_messages_t& messages) {
+  std::set<fs::path> loaded{fs::path(name)};
+  take_forms(text, name, beside, project, files, messages, loaded);
 }
 
 void gxi_lepton_take_config(std::string_view text, gxi_lepton_project_t& project) {
@@ -197,7 +233,8 @@ gxi_lepton_project_t gxi_lepton_project(const fs::path& top, std::list<std::stri
   for (const char* const name : {"gafrc", "gnetlistrc"})
     nearest(name, [&](const fs::path& path) {
       const std::string_view kept = files.emplace_back(path.string());
-      gxi_lepton_take_scheme(gxi_read_source(path), kept, path.parent_path(), project, messages);
+      gxi_lepton_take_scheme(gxi_read_source(path), kept, path.parent_path(), project, files,
+                             messages);
     });
   nearest("lepton.conf",
           [&](const fs::path& path) { gxi_lepton_take_config(gxi_read_source(path), project); });

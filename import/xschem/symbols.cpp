@@ -6,6 +6,7 @@
 #include "gx/text/numbers.h"
 #include "import/drawing/source_file.h"
 #include "import/xschem/labels.h"
+#include "import/xschem/project.h"
 #include "import/xschem/sheet_symbol.h"
 
 namespace {
@@ -57,14 +58,18 @@ gxi_xschem_library_t::gxi_xschem_library_t(const gxi_input_t& input, gxi_design_
       if (fs::is_directory(at, none)) libraries_.push_back(at);
   };
   for (const auto& library : input.libraries) add(library);
-  // Above the top sheet, then where the program itself keeps its symbols.
-  auto above = fs::absolute(input.pages.front()).lexically_normal().parent_path();
+  // Where the project says, above the top sheet, then where the program itself keeps its symbols.
+  const auto top = fs::absolute(input.pages.front()).lexically_normal();
+  const auto project = gxi_xschem_project(top, design.files, design.warnings);
+  for (const auto& library : project.libraries)
+    if (fs::is_directory(library, none)) libraries_.push_back(library);
+  auto above = top.parent_path();
   for (int level = 0; level < 4 && above.has_relative_path(); ++level) {
     add(above);
     above = above.parent_path();
   }
-  for (const char* const prefix : {"/usr/share/xschem", "/usr/local/share/xschem"})
-    add(fs::path(prefix) / "xschem_library");
+  for (const auto& library : project.installed) add(library);
+  for (const auto& library : libraries_) design.searched.push_back(library.string());
 }
 
 std::optional<fs::path> gxi_xschem_library_t::find(const std::string& name,
@@ -143,6 +148,7 @@ const gxi_xschem_symbol_t& gxi_xschem_library_t::symbol(const gxi_xschem_compone
     } else {
       made = make(name, {}, {});
       made->missing = true;
+      design_.missing.insert(name);
     }
   }
   return *(known = made.get());

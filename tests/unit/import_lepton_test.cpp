@@ -99,11 +99,12 @@ TEST(ImportLepton, TextsAreSeenAsTheirMarksSay) {
 TEST(ImportLepton, TheProjectNamesLibrariesAndMangling) {
   gxi_lepton_project_t project;
   gxm_messages_t messages;
+  std::list<std::string> files;
   gxi_lepton_take_scheme(
       "; (component-library \"no\")\n#| (source-library \"no\")\n |#(component-library \"a\")\n"
       "(component-library\n \"/b\" \"name\")(component-library-search \"${NO_SUCH_NAME}c\")\n"
       "(source-library \"s\\\"t\")(load \"x\")(component-library (build-path \"q\"))(",
-      "gafrc", "/top", project, messages);
+      "gafrc", "/top", project, files, messages);
   gxi_lepton_take_config(
       "# c\n[netlist.hierarchy]\nmangle-net-attribute = false\nmangle-netname-attribute=true\n"
       "[other]\nmangle-netname-attribute=false\n[netlist]\nnet-naming-priority=netname-attribute\n",
@@ -115,7 +116,9 @@ TEST(ImportLepton, TheProjectNamesLibrariesAndMangling) {
   EXPECT_EQ(project.sheets.at(0).directory, "/top/s\"t");
   EXPECT_FALSE(project.net_is_local);
   EXPECT_TRUE(project.netname_is_local && project.netname_wins && project.walks_down);
-  EXPECT_EQ(messages, gxm_messages_t{"gafrc:6: \"(component-library ...)\" is not followed"});
+  EXPECT_EQ(messages, (gxm_messages_t{"/top/x:1: cannot be read: No such file or directory",
+                                      "gafrc:6: \"(component-library ...)\" is not followed",
+                                      "gafrc:6: a \"(\" that is not closed"}));
 }
 
 TEST(ImportLepton, ASecondImportWritesOnlyWhatChanged) {
