@@ -7,6 +7,7 @@ _kivo_programs() {
     gxmake) options='-o -a -q --array --variants' ;;
     gxdump) options='-C --source --all --format' ;;
     gximport) options='-o -L --format --number --absolute -q --quiet' ;;
+    kvdiff) options='--json --quiet' ;;
     kvdump) options='--json --format --csv --sqlite' ;;
     kvverilog) options='--flat --top -o' ;;
     kvspice) options='-o --save' ;;
@@ -37,5 +38,5 @@ _kivo_programs() {
   esac
   compopt -o filenames 2>/dev/null
 }
-complete -F _kivo_programs kivo gxmake gxdump gximport kvdump kvspice kvverilog kivo-plot kivo-simlink kivo-ngspice \
+complete -F _kivo_programs kivo gxmake gxdump gximport kvdiff kvdump kvspice kvverilog kivo-plot kivo-simlink kivo-ngspice \
   kivoMenuDB kivoKeysDB

@@ -1,0 +1,167 @@
+// kvdiff: what changed electrically from one expanded design to another.
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "compare/changes.h"
+#include "export/output.h"
+#include "kvi/load.h"
+#include "platform/usage.h"
+#include "tools/escape.h"
+
+namespace {
+
+constexpr tool_t tool{
+    "kvdiff",
+    "usage: kvdiff [--json | --quiet] OLD NEW\n"
+    "Prints what changed electrically from OLD to NEW, each the directory of a design that KIVO\n"
+    "expanded, or a design file: a line for each change.\n"
+    "  --json     prints the changes as JSON\n"
+    "  --quiet    prints nothing; the status says whether something changed\n"
+    "  --help     prints this\n"
+    "  --version  prints the version\n"
+    "Status 0: nothing changed; 1: something did; 2: a design cannot be read.\n"};
+constexpr int trouble = 2;
+
+std::string net_text(const std::string& net) { return net.empty() ? "no net" : tool_escaped(net); }
+std::string value_text(const std::string& value) {
+  return value.empty() ? "none" : tool_escaped(value);
+}
+
+std::string pins_text(const kv_change_t& change) {
+  std::string text;
+  for (const kv_changed_pin_t& pin : change.pins)
+    text += (text.empty() ? "" : ", ") + tool_escaped(pin.pin);
+  return text;
+}
+
+std::string line_of(const kv_change_t& change) {
+  const std::string before = tool_escaped(change.before), after = tool_escaped(change.after);
+  switch (change.change) {
+    case kv_change::branch_renamed:
+      return "branch " + before + " is now " + after;
+    case kv_change::branch_gone:
+      return "branch " + before + " is gone with all that was in it";
+    case kv_change::instance_gone:
+      return "instance " + before + " is gone";
+    case kv_change::instance_new: {
+      std::string line = "instance " + after + " is new:", between = " ";
+      for (const kv_changed_value_t& value : change.values) {
+        line += between + tool_escaped(value.name) + '=' + tool_escaped(value.after);
+        between = ", ";
+      }
+      for (const kv_changed_pin_t& pin : change.pins) {
+        line += between + tool_escaped(pin.pin) + " on " + net_text(pin.after);
+        between = ", ";
+      }
+      return line;
+    }
+    case kv_change::instance_renamed:
+      return "instance " + before + " is now " + after;
+    case kv_change::values_changed: {
+      std::string line = "instance " + after + ':', between = " ";
+      for (const kv_changed_value_t& value : change.values) {
+        line += between + tool_escaped(value.name) + ' ' + value_text(value.before) + " -> " +
+                value_text(value.after);
+        between = ", ";
+      }
+      return line;
+    }
+    case kv_change::net_renamed:
+      return "net " + before + " is now " + after;
+    case kv_change::net_split:
+      return "net " + before + " is split: now on " + after + " are " + pins_text(change);
+    case kv_change::net_joined:
+      return "net " + before + " is joined into " + after + " with " + pins_text(change);
+    case kv_change::pin_moved:
+      break;
+  }
+  return "pin " + pins_text(change) + " moved from " + net_text(change.before) + " to " +
+         net_text(change.after);
+}
+
+// "-" for what is gone, "+" for what is new, "~" for what is another.
+void write_lines(const std::vector<kv_change_t>& changes, bool coloured, kv_output_t& out) {
+  for (const kv_change_t& change : changes) {
+    const bool gone =
+        change.change == kv_change::instance_gone || change.change == kv_change::branch_gone;
+    const bool added = change.change == kv_change::instance_new;
+    if (coloured) out << (gone ? "\x1b[31m" : added ? "\x1b[32m" : "\x1b[33m");
+    out << (gone ? "- " : added ? "+ " : "~ ") << line_of(change);
+    out << (coloured ? "\x1b[0m\n" : "\n");
+  }
+}
+
+void write_json(const std::vector<kv_change_t>& changes, kv_output_t& out) {
+  const auto changed = [&](std::string_view what, const std::string& name,
+                           const std::string& before, const std::string& after) {
+    out << "{\"" << what << "\": ";
+    out.json(name) << ", \"before\": ";
+    out.json(before) << ", \"after\": ";
+    out.json(after) << '}';
+  };
+  out << "{\"format\": \"kivo-difference\", \"version\": 1, \"changes\": [";
+  kv_between_t between(",");
+  for (const kv_change_t& change : changes) {
+    out << between.next() << "\n ";
+    out << "{\"change\": ";
+    out.json(kv_change_word(change.change)) << ", \"before\": ";
+    out.json(change.before) << ", \"after\": ";
+    out.json(change.after) << ", \"values\": [";
+    kv_between_t between_values(", "), between_pins(", ");
+    for (const kv_changed_value_t& value : change.values) {
+      out << between_values.next();
+      changed("name", value.name, value.before, value.after);
+    }
+    out << "], \"pins\": [";
+    for (const kv_changed_pin_t& pin : change.pins) {
+      out << between_pins.next();
+      changed("pin", pin.pin, pin.before, pin.after);
+    }
+    out << "]}";
+  }
+  out << "\n]}\n";
+}
+
+bool shows_colours() {
+  const char *term = std::getenv("TERM"), *no_colour = std::getenv("NO_COLOR");
+  return isatty(STDOUT_FILENO) == 1 && term != nullptr && std::string_view(term) != "dumb" &&
+         (no_colour == nullptr || *no_colour == '\0');
+}
+
+int complain(const std::string& message) {
+  tool_complain(tool, message);
+  return trouble;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  bool json = false, quiet = false;
+  std::vector<std::string_view> words;
+  const tool_option_t options[] = {{.name = "--json", .flag = &json},
+                                   {.name = "--quiet", .flag = &quiet}};
+  if (const auto status = tool_read(tool, argc, argv, options, words)) return *status;
+  if (json && quiet) return tool_usage_error(tool, "--json prints, --quiet does not");
+  if (words.size() != 2) return tool_usage_error(tool, "give OLD and NEW");
+  kvi_design_t designs[2];
+  for (std::size_t i = 0; i < 2; ++i) {
+    const kvi_loaded_t loaded = kvi_open_design(designs[i], std::string(words[i]));
+    if (loaded.result != kvi_load_result::loaded) return complain(loaded.message);
+  }
+  const auto changes =
+      kv_compare(kv_compared(kvi_netlist_t(designs[0])), kv_compared(kvi_netlist_t(designs[1])));
+  for (std::size_t i = 0; i < 2; ++i) {
+    if (!designs[i].is_unchanged()) return complain(kvi_changed_message(std::string(words[i])));
+  }
+  if (!quiet) {
+    kv_output_t out(stdout);
+    json ? write_json(changes, out) : write_lines(changes, shows_colours(), out);
+  }
+  if (tool_end(tool, 0) != 0) return trouble;
+  return changes.empty() ? 0 : 1;
+}
