@@ -3,9 +3,9 @@
 //
 // Letters, digits and _ + - # $ & @ = ^ | [ ] < > ! . : * ? stay. What has a bar above it, which a
 // drawn name says as "~{RD}", begins with "~" and ends with another, at the end of the name with
-// none unless it is a number: "~{RD}/WR" is "~RD~%2FWR", "~{CS}" is "~CS". Any other byte is "%" and
-// two hexadecimal digits. A number after "~" at the end of a spelled name distinguishes it from one
-// that was the same as drawn: it is no bar.
+// none unless it is a number: "~{RD}/WR" is "~RD~%2FWR", "~{CS}" is "~CS". Any other byte is "%"
+// and two hexadecimal digits. A number after "~" at the end of a spelled name distinguishes it from
+// one that was the same as drawn: it is no bar.
 #pragma once
 
 #include <string>
