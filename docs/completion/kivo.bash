@@ -10,7 +10,7 @@ _kivo_programs() {
     kvdiff) options='--json --quiet' ;;
     kvdump) options='--json --format --csv --sqlite' ;;
     kvverilog) options='--flat --top -o' ;;
-    kvspice) options='-o --save' ;;
+    kvspice) options='-o --hierarchy --lvs --global-ports --save' ;;
     kivo-ngspice) options='--save --simulator' ;;
     kivo-plot) options='-landscape --landscape -o --svg --pdf --all --per-instance --primitive --paper --colours --colors' ;;
   esac

@@ -57,6 +57,7 @@ class writer {
       add(output_.root / "expand.do", do_file());
       add(output_.root / "check.do", check_file());
       for (const auto& file : design_.beside) add(output_.root / file.name, file.text);
+      if (const auto deck = deck_file(); !deck.empty()) add(output_.root / dk_file_name, deck);
       add(output_.root / "gximport.log", log());
       come_into_place();
     } catch (...) {
@@ -238,6 +239,21 @@ class writer {
     if (needed <= store_at_start) return {};
     const auto rounded = (needed / 100'000 + 1) * 100'000;
     return "STOre SIZe " + std::to_string(std::min(rounded, store_at_most)) + "\n";
+  }
+
+  // "" when the drawing says nothing of decks.
+  std::string deck_file() {
+    dk_cells_t cells;
+    bool any = false;
+    for (auto& cell : design_.cells) {
+      auto& deck = cells[cell.name] = std::move(cell.deck);
+      if (cell.sheet)
+        for (auto& instance : cell.sheet->instances)
+          if (instance.kind == gxi_kind::part && !instance.deck.empty())
+            deck.instances.push_back({instance.name, std::move(instance.deck)});
+      any |= !deck.instances.empty();
+    }
+    return any ? dk_write(cells) : std::string();
   }
 
   std::string log() const {

@@ -20,6 +20,7 @@
 #include <string>
 #include <vector>
 
+#include "deck/deck_file.h"
 #include "gxmake/description.h"
 
 // --- graphics: the shapes of gxmake/description.h. A polyline may have any number of points here.
@@ -96,6 +97,7 @@ struct gxi_instance_t {
   std::vector<gxi_property_t> properties{};
   // Of each pin of the symbol, in its order: a net of the sheet, -1: joined to nothing.
   std::vector<int> nets{};
+  std::string deck{};  // its lines in a deck (deck/deck_file.h); "": those that its properties give
 };
 
 struct gxi_segment_t {
@@ -135,6 +137,7 @@ struct gxi_cell_t {
   std::optional<gxi_sheet_t> sheet{};
   // Texts that a simulator wants and nobody draws; kept beside the sheet in notes.txt.
   std::string notes{};
+  dk_cell_t deck{};  // without instances, which have their lines themselves
 };
 
 // A text file of the design directory that only this format needs.

@@ -11,19 +11,36 @@
 
 namespace {
 
-// Lines with those that continue them.
-std::vector<std::string> whole_lines(std::string_view text) {
-  std::vector<std::string> lines;
+// A line with those that continue it.
+struct whole_line_t {
+  std::string text{};
+  std::string drawn{};  // as it is
+};
+
+// Lines and comments, which may stand between a line and what continues it.
+std::vector<whole_line_t> lines_of(std::string_view text) {
+  std::vector<whole_line_t> lines;
+  std::size_t last = 0;  // that was no comment
   std::istringstream in{std::string(text)};
   for (std::string line; std::getline(in, line);) {
     const auto first = line.find_first_not_of(" \t\r");
     if (first == std::string::npos) continue;
+    const std::string drawn = line + "\n";
     line.erase(0, first);
-    if (line.front() == '+' && !lines.empty())
-      lines.back() += " " + line.substr(1);
-    else
-      lines.push_back(std::move(line));
+    if (line.front() == '+' && !lines.empty()) {
+      lines[last].text += " " + line.substr(1);
+      lines[last].drawn += drawn;
+      continue;
+    }
+    if (line.front() != '*') last = lines.size();
+    lines.push_back({std::move(line), drawn});
   }
+  return lines;
+}
+
+std::vector<std::string> whole_lines(std::string_view text) {
+  std::vector<std::string> lines;
+  for (auto& line : lines_of(text)) lines.push_back(std::move(line.text));
   return lines;
 }
 
@@ -50,6 +67,29 @@ std::vector<std::string> words_of(const std::string& line) {
     joined = equals;
   }
   return words;
+}
+
+// The line with "@1", "@2" ... for its first words after the name that are nodes.
+std::string with_places(const std::string& line, std::size_t count) {
+  const bool ports = gx_upper_case(line.front()) == 'A';
+  const std::string_view between = ports ? " \t[]()" : " \t";
+  std::string out = line.substr(0, line.find_first_of(" \t"));
+  std::size_t at = out.size();
+  for (std::size_t node = 0; node < count && at < line.size();) {
+    const auto begin = std::min(line.find_first_not_of(between, at), line.size());
+    const auto end = std::min(line.find_first_of(between, begin), line.size());
+    out += line.substr(at, begin - at);
+    const auto word = line.substr(begin, end - begin);
+    at = end;
+    if (ports && !gxi_is_node(word)) {
+      out += word;
+      continue;
+    }
+    if (ports && word.starts_with('~')) out += '~';
+    out += "@" + std::to_string(++node);
+  }
+  for (const char c : line.substr(at)) out += c == '@' ? "@@" : std::string(1, c);
+  return out;
 }
 
 std::size_t nodes_among(const std::vector<std::string>& words) {
@@ -121,23 +161,27 @@ std::vector<std::string> gxi_netlist_ports(std::string_view text, std::string_vi
   return {};
 }
 
-std::vector<gxi_netlist_device_t> gxi_netlist_devices(std::string_view text) {
+std::vector<gxi_netlist_device_t> gxi_netlist_devices(std::string_view text, std::string* rest) {
   std::vector<gxi_netlist_device_t> devices;
   int inside = 0;  // of blocks that hold other things
-  for (const auto& line : whole_lines(text)) {
+  for (const auto& [line, drawn] : lines_of(text)) {
     for (const auto* const word : {".control", ".subckt"}) inside += gx_equal(word, line);
+    const bool may_be = inside == 0 && std::isalpha(static_cast<unsigned char>(line.front())) != 0;
     for (const auto* const word : {".endc", ".ends"})
       if (gx_equal(word, line) && inside > 0) --inside;
-    if (inside > 0 || !std::isalpha(static_cast<unsigned char>(line.front()))) continue;
-    const auto words = words_of(line);
-    const auto count = nodes_among(words);
-    if (count == 0 || words.size() < count + 1) continue;
+    const auto words = may_be ? words_of(line) : std::vector<std::string>{};
+    const auto count = may_be ? nodes_among(words) : 0;
+    if (count == 0 || words.size() < count + 1) {
+      if (rest != nullptr) *rest += drawn;
+      continue;
+    }
     gxi_netlist_device_t device;
     device.name = words[0];
     const auto first = words.begin() + 1;
     device.nodes.assign(first, first + static_cast<std::ptrdiff_t>(count));
     for (std::size_t i = count + 1; i < words.size(); ++i)
       device.value += (device.value.empty() ? "" : " ") + words[i];
+    device.line = with_places(line, count);
     devices.push_back(std::move(device));
   }
   return devices;

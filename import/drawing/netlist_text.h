@@ -22,8 +22,11 @@ struct gxi_netlist_device_t {
   std::string name{};
   std::vector<std::string> nodes{};
   std::string value{};  // what follows
+  std::string line{};   // as it is in the text, with places for the nodes (deck/deck_file.h)
 };
 
 // The devices among the lines; commands, comments and what stands between .control and .endc, or
 // within .subckt and .ends, are none.
-std::vector<gxi_netlist_device_t> gxi_netlist_devices(std::string_view text);
+// The other lines are added to `rest`.
+std::vector<gxi_netlist_device_t> gxi_netlist_devices(std::string_view text,
+                                                      std::string* rest = nullptr);

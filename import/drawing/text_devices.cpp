@@ -5,14 +5,15 @@
 #include "gx/text/strings.h"
 #include "import/drawing/netlist_text.h"
 
-void gxi_text_devices_t::add(std::string_view netlist, gxi_sheet_t& sheet,
-                             const std::function<int(const std::string&)>& net) {
+std::string gxi_text_devices_t::add(std::string_view netlist, gxi_sheet_t& sheet,
+                                    const std::function<int(const std::string&)>& net) {
+  std::string rest;
   constexpr int row = 40;
   gx_pointreal_t corner{0, 2 * gxm_step};
   for (const auto& instance : sheet.instances) corner.y = std::max(corner.y, instance.at.y);
   corner.y = (corner.y / gxm_step + 10) * gxm_step;
   int place = 0;
-  for (auto& device : gxi_netlist_devices(netlist)) {
+  for (auto& device : gxi_netlist_devices(netlist, &rest)) {
     gxi_instance_t instance;
     instance.name = device.name;
     instance.source = sheet.source;
@@ -22,8 +23,10 @@ void gxi_text_devices_t::add(std::string_view netlist, gxi_sheet_t& sheet,
     ++place;
     for (const auto& node : device.nodes) instance.nets.push_back(net(node));
     if (!device.value.empty()) instance.properties.push_back({"value", device.value, {}});
+    instance.deck = std::move(device.line);
     sheet.instances.push_back(std::move(instance));
   }
+  return rest;
 }
 
 int gxi_text_devices_t::symbol(char letter, std::size_t nodes) {

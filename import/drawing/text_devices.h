@@ -11,9 +11,10 @@
 class gxi_text_devices_t {
  public:
   explicit gxi_text_devices_t(gxi_design_t& design) : design_(design) {}
-  // In rows below what is on the sheet. `net` gives the net of a node by its name.
-  void add(std::string_view netlist, gxi_sheet_t& sheet,
-           const std::function<int(const std::string&)>& net);
+  // In rows below what is on the sheet. `net` gives the net of a node by its name. Returns the
+  // lines that are no devices.
+  std::string add(std::string_view netlist, gxi_sheet_t& sheet,
+                  const std::function<int(const std::string&)>& net);
 
  private:
   // Of the letter of a device and its number of nodes.

@@ -15,6 +15,7 @@ namespace {
 struct piece_t {
   std::vector<int> pins{};
   std::string text{};
+  std::string whole{};      // the text with the pins that it mentions
   std::string attribute{};  // the text is the value of this one alone
   std::vector<std::string> within{};
   bool is_pins() const { return !pins.empty(); }
@@ -62,6 +63,7 @@ class splitter {
     if (c == '\'' || c == '"') quote_ = quote_ == c ? '\0' : quote_ == '\0' ? c : quote_;
     if (quote_ == '\0') braces_ = std::max(0, braces_ + (c == '{') - (c == '}'));
     word_.text += c;
+    word_.whole += c;
     word_.attribute.clear();
     begun_ = true;
   }
@@ -154,7 +156,14 @@ class splitter {
     const char quote_before = quote_;
     begun_ = true;
     word_.within.push_back(name);
+    bool begins_line = false;
     for (const char c : value) {
+      // A line of the value that continues the one before it.
+      if (begins_line && c == '+') {
+        begins_line = false;
+        continue;
+      }
+      begins_line = c == '\n' || (begins_line && gxi_xschem_is_blank(c));
       if (gxi_xschem_is_blank(c) && !grouped() && alone) {
         end_word();
         continue;
@@ -172,7 +181,10 @@ class splitter {
     const bool mentioned =
         begun_ && !word_.text.empty() &&
         std::string_view("[(~").find(word_.text.back()) == std::string_view::npos;
-    if (mentioned || grouped()) return;
+    if (mentioned || grouped()) {
+      for (const int pin : pins) word_.whole += "\1" + std::to_string(pin) + "\2";
+      return;
+    }
     end_word();
     if (!pins.empty()) lines_.back().push_back({.pins = std::move(pins)});
   }
@@ -193,6 +205,15 @@ bool has_equals(const line_t& line, std::size_t i) {
          (i + 1 < line.size() && line[i + 1].text.starts_with("="));
 }
 
+std::vector<gxi_xschem_word_t> words_of(const line_t& line) {
+  std::vector<gxi_xschem_word_t> words;
+  for (const auto& piece : line) {
+    for (const int pin : piece.pins) words.push_back({.pin = pin});
+    if (!piece.is_pins()) words.push_back({.text = piece.whole});
+  }
+  return words;
+}
+
 class device_reader {
  public:
   device_reader(const line_t& line, const gxi_xschem_symbol_t& symbol, char letter)
@@ -206,15 +227,26 @@ class device_reader {
     for (; end < line_.size(); ++end)
       if (!line_[end].is_pins() && ends_nodes(end, most)) break;
     if (calls) end = called(end);
-    for (std::size_t i = 1; i < end; ++i) take_node(line_[i]);
+    for (std::size_t i = 1; i < end; ++i) take_node(i);
     // Pins are nodes wherever they are named.
     for (std::size_t i = end; i < line_.size(); ++i)
       for (const int pin : line_[i].pins) take_pin(pin);
     take_values(end, calls || std::string_view("MQDJZSWON").find(letter_) != std::string::npos);
+    take_words();
     return std::move(device_);
   }
 
  private:
+  void take_words() {
+    device_.line = words_of(line_);
+    std::erase(device_.line.front().text, '#');
+    for (std::size_t i = 0, word = 0; i < line_.size(); ++i) {
+      for (const auto& [place, node] : node_at_)
+        if (place == i) device_.line[word].node = node;
+      word += std::max<std::size_t>(line_[i].pins.size(), 1);
+    }
+  }
+
   void take_name() {
     std::string name = line_.front().text;
     std::erase(name, '#');
@@ -260,11 +292,13 @@ class device_reader {
     device_.nodes.push_back({.pin = static_cast<int>(index)});
   }
 
-  void take_node(const piece_t& piece) {
+  void take_node(std::size_t place) {
+    const auto& piece = line_[place];
     for (const int pin : piece.pins) take_pin(pin);
     if (piece.is_pins() || !gxi_is_node(piece.text)) return;
     const auto name = !piece.attribute.empty() ? piece.attribute : "N" + std::to_string(count_ + 1);
     device_.used_up.insert(device_.used_up.end(), piece.within.begin(), piece.within.end());
+    node_at_.emplace_back(place, static_cast<int>(device_.nodes.size()));
     device_.nodes.push_back({.name = name, .label = piece.text});
     ++count_;
   }
@@ -330,6 +364,7 @@ class device_reader {
   const gxi_xschem_symbol_t& symbol_;
   char letter_;
   std::vector<bool> taken_;
+  std::vector<std::pair<std::size_t, int>> node_at_;  // where texts are nodes
   std::size_t count_ = 0;
   bool has_literal_ = false, unnamed_ = false;
   gxi_xschem_device_t device_;
@@ -365,4 +400,14 @@ std::vector<gxi_xschem_device_t> gxi_xschem_devices(
     devices.push_back(std::move(device));
   }
   return devices;
+}
+
+std::vector<std::vector<gxi_xschem_word_t>> gxi_xschem_commands(
+    std::string_view format, const gxi_xschem_symbol_t& symbol,
+    const std::function<std::string(std::string_view)>& value) {
+  std::vector<std::vector<gxi_xschem_word_t>> commands;
+  for (const auto& line : splitter(format, symbol, value).run())
+    if (!line.front().is_pins() && line.front().text.starts_with("."))
+      commands.push_back(words_of(line));
+  return commands;
 }

@@ -18,6 +18,14 @@ struct gxi_xschem_node_t {
   std::string label{};    // of the net
 };
 
+// A word of a line: text, in which "@name" is the name of the instance and "\1" and a pin's number
+// and "\2" that pin, or one node.
+struct gxi_xschem_word_t {
+  std::string text{};
+  int pin = -1;
+  int node = -1;  // of the device's nodes, where it is no pin
+};
+
 struct gxi_xschem_device_t {
   char letter = 'X';  // its kind in a netlist, in capitals
   // Before the name of the instance, as "MA" in "#MA#@name"; of one line alone it is not kept.
@@ -31,7 +39,13 @@ struct gxi_xschem_device_t {
   // Attributes that name nodes, or are a part of the name of the device or its model.
   std::vector<std::string> used_up{};
   std::vector<std::string> named{};  // other attributes that the line has
+  std::vector<gxi_xschem_word_t> line{};
 };
+
+// The lines of a format that are commands, as words.
+std::vector<std::vector<gxi_xschem_word_t>> gxi_xschem_commands(
+    std::string_view format, const gxi_xschem_symbol_t& symbol,
+    const std::function<std::string(std::string_view)>& value);
 
 // `value` gives an attribute of the instance. Lines that are commands or comments are no devices.
 std::vector<gxi_xschem_device_t> gxi_xschem_devices(

@@ -53,14 +53,19 @@ void take_ignored(gxi_xschem_placed_t& placed, bool is_top, gxm_messages_t& mess
     placed.ignored = true;
 }
 
+// The value of an attribute with those that it refers to.
+std::string whole_value(const gxi_xschem_placed_t& placed, std::string_view name) {
+  if (name == "savecurrent") return {};  // a command of its own (import/xschem/deck_lines.h)
+  std::string text = gxi_xschem_value(placed, name);
+  for (int depth = 0; depth < most_nested && text.find('@') != std::string::npos; ++depth)
+    text = gxi_xschem_substitute(
+        text, [&](std::string_view inner) { return gxi_xschem_value(placed, inner); });
+  return text;
+}
+
 void take_devices(gxi_xschem_placed_t& placed, std::string_view format) {
-  placed.devices = gxi_xschem_devices(format, *placed.symbol, [&](std::string_view name) {
-    std::string text = gxi_xschem_value(placed, name);
-    for (int depth = 0; depth < most_nested && text.find('@') != std::string::npos; ++depth)
-      text = gxi_xschem_substitute(
-          text, [&](std::string_view inner) { return gxi_xschem_value(placed, inner); });
-    return text;
-  });
+  placed.devices = gxi_xschem_devices(
+      format, *placed.symbol, [&](std::string_view name) { return whole_value(placed, name); });
   if (placed.devices.empty()) placed.devices.emplace_back();
   std::vector<bool> named(placed.symbol->pins.size());
   for (const auto& device : placed.devices)
@@ -94,6 +99,9 @@ gxi_xschem_placed_t gxi_xschem_place(const gxi_xschem_component_t& component,
   const auto instance = gxi_xschem_instance(component, file);
   for (const auto& pin : symbol.pins)
     placed.pins.push_back(gxi_on_sheet(instance, gxi_xschem_point(pin.at)));
+  if (!placed.ignored && !symbol.type.starts_with("netlist_"))
+    placed.commands = gxi_xschem_commands(
+        format.text, symbol, [&](std::string_view name) { return whole_value(placed, name); });
   if (placed.role != gxi_xschem_role_t::device) return placed;
   if (!format.is_plain && !placed.ignored)
     warn(messages, placed, "what Tcl adds to its format is left out");

@@ -21,6 +21,8 @@ struct gxi_xschem_placed_t {
   // nodes of the first.
   std::vector<gxi_xschem_device_t> devices{};
 
+  std::vector<std::vector<gxi_xschem_word_t>> commands{};  // lines of its format that are none
+
   // The attribute itself, else the default of the symbol.
   std::string_view value(std::string_view name) const;
   gxm_source_t source() const { return {file, component->line}; }

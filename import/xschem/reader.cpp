@@ -15,6 +15,7 @@
 #include "import/drawing/placement.h"
 #include "import/drawing/source_file.h"
 #include "import/drawing/text_devices.h"
+#include "import/xschem/deck_lines.h"
 #include "import/xschem/labels.h"
 #include "import/xschem/nets.h"
 #include "import/xschem/picture.h"
@@ -41,6 +42,7 @@ class xschem_reader {
       gxm_messages_t none;
       placed = gxi_xschem_place(undrawn, library_.symbol(undrawn, top), {}, true, none);
       cell(0).symbol = gxi_xschem_sign(*placed, 0);
+      cell(0).deck.parameters = gxi_xschem_deck_parameters(*placed);
     }
     read_sheet(0, placed ? &*placed : nullptr, top);
     declare_globals();
@@ -94,6 +96,11 @@ class xschem_reader {
     return key;
   }
 
+  static std::string whole_lines(std::string text) {
+    if (!text.empty() && text.back() != '\n') text += '\n';
+    return text;
+  }
+
   int cell_of(const gxi_xschem_placed_t& placed, std::size_t line, const fs::path& sheet) {
     const auto below = sheet_of(placed, sheet);
     std::vector<fs::path> sheets;
@@ -106,6 +113,13 @@ class xschem_reader {
     cell(index).notes = text_of(placed, "spice_sym_def");
     if (cell(index).notes.empty()) cell(index).notes = text_of(placed, "device_model");
     if (!cell(index).notes.empty()) cell(index).notes += "\n";
+    auto& deck = cell(index).deck;
+    if (below) {
+      deck.subcircuit = gxi_xschem_value(placed, "symname");
+      deck.parameters = gxi_xschem_deck_parameters(placed);
+    } else {
+      deck.definition = whole_lines(gxi_xschem_plain_tcl(text_of(placed, "spice_sym_def")).text);
+    }
     if (below)
       read_sheet(index, &placed, *below);
     else if (placed.role == gxi_xschem_role_t::device)
@@ -141,18 +155,44 @@ class xschem_reader {
           if (found != nets.by_name.end()) gx_at(nets.nets, found->second).port = node.name;
         }
     for (std::size_t i = 0; i < wires.size(); ++i) draw_wire(*wires[i], nets, i);
-    std::string text = records.spice + "\n";
-    for (const auto& component : placed)
-      if (says_netlist(component, index == 0)) text += std::string(component.value("value")) + "\n";
-    if (text.find_first_not_of(" \n\t") != std::string::npos) {
-      text_devices_.add(text, sheet, [&](const std::string& node) {
-        return nets.named(node, sheet.source).front();
-      });
-      cell(index).notes = std::move(text);
-    }
+    take_statements(index, records, placed, sheet, nets);
     sheet.nets = std::move(nets.nets);
     if (index != 0) hide_globals(sheet);
     cell(index).sheet = std::move(sheet);
+  }
+
+  // Texts of the netlist: devices in them, and statements of the deck.
+  void take_statements(int index, const gxi_xschem_file_t& records,
+                       const std::vector<gxi_xschem_placed_t>& placed, gxi_sheet_t& sheet,
+                       gxi_xschem_nets_t& nets) {
+    std::string header, text = records.spice + "\n", end, commands;
+    for (std::size_t i = 0; i < placed.size(); ++i) {
+      const auto& one = placed[i];
+      if (!one.ignored)
+        commands += gxi_xschem_deck_commands(one, [&](int pin) {
+          const auto& bundle = gx_at(nets.bundles, gx_at(nets.bundle_of_pin[i], pin));
+          return gx_at(nets.nets, bundle.nets.front()).name;
+        });
+      if (!says_netlist(one, index == 0)) continue;
+      const auto where = one.value("place");
+      (where == "header" ? header
+       : where == "end"  ? end
+                         : text) += gxi_xschem_plain_tcl(one.value("value")).text + "\n";
+    }
+    if ((header + text + end).find_first_not_of(" \n\t") != std::string::npos)
+      cell(index).notes = header + text + end;
+    const auto rest = [&](const std::string& lines) {
+      return text_devices_.add(lines, sheet, [&](const std::string& node) {
+        return nets.named(node, sheet.source).front();
+      });
+    };
+    header = rest(header);
+    text = commands + rest(text);
+    end = rest(end);
+    auto& deck = cell(index).deck;
+    deck.header = std::move(header);
+    deck.statements = std::move(text);
+    deck.end = std::move(end);
   }
 
   static bool says_netlist(const gxi_xschem_placed_t& component, bool is_top) {
@@ -298,6 +338,9 @@ class xschem_reader {
                   gxi_instance_t instance, const std::vector<gxi_xschem_shown_t>& shown) {
     const auto& device = placed.devices[line];
     instance.symbol = cell_of(placed, line, path);
+    const auto model = gxi_xschem_plain_tcl(text_of(placed, "device_model"));
+    if (!model.text.empty() && models_.insert(model.text).second)
+      cell(0).deck.definition += whole_lines(model.text);
     const bool is_leaf = !cell(instance.symbol).sheet;
     auto& named = is_leaf ? of_parts_ : parameters_;
     named.insert(device.named.begin(), device.named.end());
@@ -318,6 +361,7 @@ class xschem_reader {
     for (std::size_t k = 0; k < placed.names.size(); ++k) {
       auto single = instance;
       single.name = (several ? device.prefix : "") + placed.names[k];
+      single.deck = gxi_xschem_deck_line(placed, line, k);
       if (k == 0) single.properties = seen;
       for (std::size_t n = 0; n < nets_of_node.size(); ++n) {
         const auto& node = device.nodes[n];
@@ -368,6 +412,7 @@ class xschem_reader {
   // that are more than an attribute, and what is a node or a part of a name.
   std::set<std::string> of_parts_{std::string(gxi_spice_model), "value"}, parameters_, composed_;
   std::set<std::string> used_up_;
+  std::set<std::string> models_;  // device_model of all
   bool has_noconn_ = false;
 };
 

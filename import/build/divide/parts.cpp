@@ -135,6 +135,7 @@ gxi_instance_t gxi_part_maker_t::make_part(std::size_t of, gxi_part_t part,
   instance.drawn = false;
   gxi_cell_t cell;
   cell.name = cell.symbol.name = design_.cells[of].name + "_" + instance.name;
+  cell.deck.is_part = true;
   cell.symbol.source = whole.source;
   gxi_sheet_t sheet;
   sheet.source = whole.source;
