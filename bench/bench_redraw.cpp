@@ -11,6 +11,7 @@
 #include "gx/db/object_access.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
+#include "gx/display/window.h"
 #include "gx/vext.h"
 #include "gx/window/window.h"
 #include "tests/support/make_design.h"
