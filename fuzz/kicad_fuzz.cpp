@@ -18,7 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   };
   try {
     const auto file = gxi_kicad_read_records(text, "fuzz");
-    gxi_kicad_sheet_t sheet{.file = &file};
+    gxi_kicad_sheet_t sheet{.file = &file, .name = "fuzz"};
     for (const auto& [name, members] : file.aliases) sheet.aliases.emplace(name, members);
     for (const auto& label : file.labels)
       sheet.labels.push_back(gxi_kicad_substitute(label.text.text, value_of));

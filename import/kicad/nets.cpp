@@ -1,5 +1,5 @@
-// Members of groups are wires, entries of buses, labels, pins of symbols, members of the pins of
-// blocks, and names.
+// Members of groups are wires, entries of buses, labels, junctions, pins of symbols, members of the
+// pins of blocks, and names.
 //
 // Wires and pins join where their ends meet; a junction joins all wires through it, and a label the
 // wires that it lies on. On a sheet a name is one net, whatever kind of label gives it. A bus is
@@ -7,90 +7,18 @@
 #include "import/kicad/nets.h"
 
 #include <algorithm>
-#include <cstdint>
-#include <functional>
+#include <map>
+#include <set>
 #include <tuple>
 
 #include "gx/text/at.h"
 #include "import/drawing/joining.h"
+#include "import/drawing/source_file.h"
+#include "import/kicad/touching.h"
 
 namespace {
 
 using point_t = gxi_kicad_point_t;
-
-// Straight pieces, asked which of them a point lies on, ends included.
-class pieces_t {
- public:
-  explicit pieces_t(const std::vector<gxi_kicad_wire_t>& wires) {
-    for (std::size_t i = 0; i < wires.size(); ++i) {
-      const auto& [line, from, to] = wires[i];
-      const auto id = static_cast<int>(i);
-      if (from.y == to.y)
-        rows_[from.y].push_back({std::min(from.x, to.x), std::max(from.x, to.x), 0, id});
-      else if (from.x == to.x)
-        columns_[from.x].push_back({std::min(from.y, to.y), std::max(from.y, to.y), 0, id});
-      else
-        slanted_.push_back(wires[i]), slanted_ids_.push_back(id);
-    }
-    for (auto* const lines : {&rows_, &columns_})
-      for (auto& [at, spans] : *lines) sort(spans);
-  }
-
-  template <typename Visit>
-  void through(point_t p, Visit&& visit) const {
-    along(rows_, p.y, p.x, visit);
-    along(columns_, p.x, p.y, visit);
-    for (std::size_t i = 0; i < slanted_.size(); ++i)
-      if (lies_on(p, slanted_[i])) visit(slanted_ids_[i]);
-  }
-
-  bool any(point_t p) const {
-    bool found = false;
-    through(p, [&](int) { found = true; });
-    return found;
-  }
-
- private:
-  struct span_t {
-    int from = 0, to = 0;
-    int furthest = 0;  // of all spans up to this one
-    int id = 0;
-  };
-  using lines_t = std::map<int, std::vector<span_t>>;
-
-  static void sort(std::vector<span_t>& spans) {
-    std::sort(spans.begin(), spans.end(),
-              [](const span_t& a, const span_t& b) { return a.from < b.from; });
-    int furthest = spans.front().to;
-    for (auto& span : spans) span.furthest = furthest = std::max(furthest, span.to);
-  }
-
-  template <typename Visit>
-  static void along(const lines_t& lines, int line, int at, Visit&& visit) {
-    const auto found = lines.find(line);
-    if (found == lines.end()) return;
-    const auto& spans = found->second;
-    auto span = std::upper_bound(spans.begin(), spans.end(), at,
-                                 [](int value, const span_t& one) { return value < one.from; });
-    while (span != spans.begin() && (--span)->furthest >= at)
-      if (span->to >= at) visit(span->id);
-  }
-
-  static bool lies_on(point_t p, const gxi_kicad_wire_t& wire) {
-    const auto [ax, bx] = std::minmax(wire.from.x, wire.to.x);
-    const auto [ay, by] = std::minmax(wire.from.y, wire.to.y);
-    if (p.x < ax || p.x > bx || p.y < ay || p.y > by) return false;
-    const auto cross = [](std::int64_t x1, std::int64_t y1, std::int64_t x2, std::int64_t y2) {
-      return x1 * y2 - x2 * y1;
-    };
-    return cross(wire.to.x - wire.from.x, wire.to.y - wire.from.y, p.x - wire.from.x,
-                 p.y - wire.from.y) == 0;
-  }
-
-  lines_t rows_{}, columns_{};
-  std::vector<gxi_kicad_wire_t> slanted_{};
-  std::vector<int> slanted_ids_{};
-};
 
 // Joins everything at one place.
 class places_t {
@@ -128,6 +56,8 @@ std::vector<int> matches(const gxi_kicad_bus_t& driver, const gxi_kicad_bus_t& s
   return found;
 }
 
+constexpr std::size_t most_bits = 1'000'000;  // of all names of buses
+
 enum : int { of_block_pin = 1, of_hierarchical, of_local, of_global };
 
 int priority_of(gxi_kicad_label kind) {
@@ -138,13 +68,13 @@ int priority_of(gxi_kicad_label kind) {
 
 class joiner {
  public:
-  explicit joiner(const gxi_kicad_sheet_t& sheet)
-      : sheet_(sheet), file_(*sheet.file), wires_(file_.wires), buses_(file_.buses) {
-    for (const auto& label : sheet.labels)
-      label_buses_.push_back(gxi_kicad_bus(label, sheet.aliases));
+  explicit joiner(const gxi_kicad_sheet_t& sheet) : sheet_(sheet), file_(*sheet.file) {
+    for (const auto& label : sheet.labels) label_buses_.push_back(bus_of(label));
     for (const auto& pins : sheet.block_pins) {
       auto& row = pin_buses_.emplace_back();
-      for (const auto& pin : pins) row.push_back(gxi_kicad_bus(pin, sheet.aliases));
+      auto& named = pin_named_.emplace_back();
+      for (std::size_t pin = 0; pin < pins.size(); ++pin) named.emplace(pins[pin], pin);
+      for (const auto& pin : pins) row.push_back(bus_of(pin));
     }
     number_members();
   }
@@ -161,6 +91,14 @@ class joiner {
   }
 
  private:
+  gxi_kicad_bus_t bus_of(const std::string& name) {
+    auto bus = gxi_kicad_bus(name, sheet_.aliases);
+    nb_of_bits_ += bus.members.size();
+    if (nb_of_bits_ > most_bits)
+      gxi_refuse({sheet_.name, 1}, "its buses have more than a million members in all");
+    return bus;
+  }
+
   bool is_net_label(std::size_t i) const {
     return label_buses_[i].members.empty() && !sheet_.labels[i].empty() &&
            file_.labels[i].kind != gxi_kicad_label::other;
@@ -185,6 +123,7 @@ class joiner {
     take(file_.wires.size());
     first_entry_ = take(file_.entries.size());
     first_label_ = take(file_.labels.size());
+    first_junction_ = take(file_.junctions.size());
     for (const auto& pins : sheet_.pins) first_pin_.push_back(take(pins.size()));
     for (const auto& pins : pin_buses_) {
       auto& row = first_of_block_.emplace_back();
@@ -210,14 +149,17 @@ class joiner {
       places.meet(file_.wires[i].from, static_cast<int>(i));
       places.meet(file_.wires[i].to, static_cast<int>(i));
     }
+    std::vector<gxi_kicad_touch_t> touches;
+    const auto touch = [&](point_t at, int member) {
+      places.meet(at, member);
+      touches.push_back({at, member});
+    };
     // An entry joins what it touches, but for its end on its bus.
-    for (std::size_t i = 0; i < file_.entries.size(); ++i)
-      for (const auto at : {file_.entries[i].from, file_.entries[i].to}) {
-        const int entry = first_entry_ + static_cast<int>(i);
-        if (buses_.any(at)) continue;
-        places.meet(at, entry);
-        wires_.through(at, [&](int wire) { groups_->join(entry, wire); });
-      }
+    std::vector<point_t> ends;
+    for (const auto& entry : file_.entries) ends.insert(ends.end(), {entry.from, entry.to});
+    const auto on_bus = gxi_kicad_on_wires(file_.buses, ends);
+    for (std::size_t i = 0; i < ends.size(); ++i)
+      if (!on_bus[i]) touch(ends[i], first_entry_ + static_cast<int>(i / 2));
     for (std::size_t i = 0; i < sheet_.pins.size(); ++i)
       for (std::size_t pin = 0; pin < sheet_.pins[i].size(); ++pin)
         places.meet(sheet_.pins[i][pin].at, first_pin_[i] + static_cast<int>(pin));
@@ -228,18 +170,13 @@ class joiner {
     for (std::size_t i = 0; i < file_.labels.size(); ++i) {
       if (!is_net_label(i)) continue;
       const int label = first_label_ + static_cast<int>(i);
-      places.meet(file_.labels[i].text.at, label);
-      if (hides_wires(file_.labels[i].text.at)) continue;
-      wires_.through(file_.labels[i].text.at, [&](int wire) { groups_->join(label, wire); });
+      const auto at = file_.labels[i].text.at;
+      places.meet(at, label);
+      if (!hides_wires(at)) touches.push_back({at, label});
     }
-    for (const auto& at : file_.junctions) {
-      int first = -1;
-      wires_.through(at, [&](int wire) {
-        if (first >= 0) groups_->join(first, wire);
-        first = wire;
-      });
-      if (first >= 0) places.meet(at, first);
-    }
+    for (std::size_t i = 0; i < file_.junctions.size(); ++i)
+      touch(file_.junctions[i], first_junction_ + static_cast<int>(i));
+    gxi_kicad_join_touching(*groups_, file_.wires, touches);
   }
 
   // A label at a pin, at another label or at a no-connect mark belongs to that, not to a wire that
@@ -287,36 +224,34 @@ class joiner {
 
   // -1: the block has no such pin.
   int block_member(std::size_t block, const gxi_kicad_port_t& port) const {
-    const auto& pins = sheet_.block_pins[block];
-    for (std::size_t pin = 0; pin < pins.size(); ++pin)
-      if (pins[pin] == port.name) return first_of_block_[block][pin] + port.member;
-    return -1;
+    const auto pin = pin_named_[block].find(port.name);
+    return pin == pin_named_[block].end()
+               ? -1
+               : gx_at(first_of_block_[block], pin->second) + port.member;
   }
 
   // --- buses
   void join_buses() {
     gather_bus_ends();
     const auto nb_of_lines = file_.buses.size();
-    gxi_groups_t lines(nb_of_lines + ends_.size());
+    gxi_groups_t lines(nb_of_lines + ends_.size() + file_.junctions.size());
     places_t places(lines);
     for (std::size_t i = 0; i < nb_of_lines; ++i) {
       places.meet(file_.buses[i].from, static_cast<int>(i));
       places.meet(file_.buses[i].to, static_cast<int>(i));
     }
+    std::vector<gxi_kicad_touch_t> touches;
     for (std::size_t i = 0; i < ends_.size(); ++i) {
       const int member = static_cast<int>(nb_of_lines + i);
       places.meet(end_places_[i], member);
-      if (ends_[i].first < 0)
-        buses_.through(end_places_[i], [&](int line) { lines.join(member, line); });
+      if (ends_[i].first < 0) touches.push_back({end_places_[i], member});
     }
-    for (const auto& at : file_.junctions) {
-      int first = -1;
-      buses_.through(at, [&](int line) {
-        if (first >= 0) lines.join(first, line);
-        first = line;
-      });
-      if (first >= 0) places.meet(at, first);
+    for (std::size_t i = 0; i < file_.junctions.size(); ++i) {
+      const int member = static_cast<int>(nb_of_lines + ends_.size() + i);
+      places.meet(file_.junctions[i], member);
+      touches.push_back({file_.junctions[i], member});
     }
+    gxi_kicad_join_touching(lines, file_.buses, touches);
     std::map<int, std::vector<int>> groups;
     for (std::size_t i = 0; i < ends_.size(); ++i)
       groups[lines.root(static_cast<int>(nb_of_lines + i))].push_back(static_cast<int>(i));
@@ -465,36 +400,34 @@ class joiner {
     }
   }
   void add_port(int index, std::size_t label, int member) {
-    auto& ports = gx_at(result_.nets, index).ports;
     gxi_kicad_port_t port{sheet_.labels[label], member};
-    if (std::find(ports.begin(), ports.end(), port) == ports.end())
-      ports.push_back(std::move(port));
+    if (ports_.insert(port).second) gx_at(result_.nets, index).ports.push_back(std::move(port));
   }
 
   void mark_unconnected() {
-    std::map<point_t, int> pins;
+    std::map<point_t, int> nets;
     for (std::size_t i = 0; i < sheet_.pins.size(); ++i)
       for (std::size_t pin = 0; pin < sheet_.pins[i].size(); ++pin)
-        pins.emplace(sheet_.pins[i][pin].at, gx_at(result_.of_pin[i], pin));
-    for (const auto& at : file_.no_connects) {
-      if (const auto pin = pins.find(at); pin != pins.end())
-        gx_at(result_.nets, pin->second).no_connect = true;
-      wires_.through(at, [&](int wire) {
-        gx_at(result_.nets, gx_at(result_.of_wire, wire)).no_connect = true;
-      });
-    }
+        nets.emplace(sheet_.pins[i][pin].at, gx_at(result_.of_pin[i], pin));
+    for (std::size_t i = 0; i < file_.wires.size(); ++i)
+      for (const auto at : {file_.wires[i].from, file_.wires[i].to})
+        nets.emplace(at, result_.of_wire[i]);
+    for (const auto& at : file_.no_connects)
+      if (const auto net_of = nets.find(at); net_of != nets.end())
+        gx_at(result_.nets, net_of->second).no_connect = true;
   }
 
   const gxi_kicad_sheet_t& sheet_;
   const gxi_kicad_file_t& file_;
-  const pieces_t wires_, buses_;
   std::vector<gxi_kicad_bus_t> label_buses_{};
-  std::vector<std::vector<gxi_kicad_bus_t>> pin_buses_{};  // by block and pin
-  std::size_t count_ = 0;
-  int first_entry_ = 0, first_label_ = 0;
+  std::vector<std::vector<gxi_kicad_bus_t>> pin_buses_{};        // by block and pin
+  std::vector<std::map<std::string, std::size_t>> pin_named_{};  // by block; the first of a name
+  std::size_t count_ = 0, nb_of_bits_ = 0;
+  int first_entry_ = 0, first_label_ = 0, first_junction_ = 0;
   std::vector<int> first_pin_{};                    // by symbol
   std::vector<std::vector<int>> first_of_block_{};  // by block and pin
   std::map<std::string, int> names_{};
+  std::set<gxi_kicad_port_t> ports_{};
   std::map<point_t, int> at_place_{};  // what hides wires: two for each, a label one
   gxi_groups_t* groups_ = nullptr;
   std::vector<bus_end_t> ends_{};

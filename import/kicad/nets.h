@@ -4,6 +4,7 @@
 
 #include <map>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -53,6 +54,7 @@ struct gxi_kicad_joined_t {
 
 struct gxi_kicad_sheet_t {
   const gxi_kicad_file_t* file = nullptr;
+  std::string_view name{};  // of the file, for messages
   // As they are on the sheet, their variables put in: of the labels, and of pins by block.
   std::vector<std::string> labels{};
   std::vector<std::vector<std::string>> block_pins{};
@@ -62,6 +64,7 @@ struct gxi_kicad_sheet_t {
   gxi_kicad_aliases_t aliases{};
 };
 
+// Throws std::runtime_error "NAME:1: what" where its buses have too many members.
 gxi_kicad_joined_t gxi_kicad_join(const gxi_kicad_sheet_t& sheet);
 
 // The face of the sheet to the one above.
