@@ -207,6 +207,7 @@ class kicad_reader {
       for (const auto& use : from.records.all_uses) old_uses_.emplace(use.path, &use);
     sheet_t here{.from = from, .path = path};
     here.joins.file = &from.records;
+    here.joins.name = from.name;
     here.joins.aliases = aliases_;
     for (const auto& label : from.records.labels)
       here.joins.labels.push_back(name_of(from, label.text.text));
@@ -330,9 +331,25 @@ class kicad_reader {
     for (const auto& shape : here.from.records.shapes)
       for (auto& line : gxi_kicad_drawn(shape, false, gxi_kicad_colors.note))
         sheet.shapes.push_back(std::move(line));
-    for (const auto& text : here.from.records.texts)
-      if (!text.hidden) write(here.from, text, gxi_kicad_colors.note, sheet);
+    int beyond = 0;
+    for (const auto& text : here.from.records.texts) {
+      if (text.hidden) continue;
+      if (is_on_paper(here.from.records, text.at))
+        write(here.from, text, gxi_kicad_colors.note, sheet);
+      else
+        ++beyond;
+    }
+    if (beyond > 0)
+      warn(here.from, 1,
+           std::to_string(beyond) + (beyond == 1 ? " text" : " texts") +
+               " beyond the paper, which nobody sees, left out");
     return sheet;
+  }
+
+  static bool is_on_paper(const gxi_kicad_file_t& records, gxi_kicad_point_t at) {
+    const auto& paper = records.paper;
+    const bool is_within = at.x >= 0 && at.x <= paper.x && at.y >= 0 && at.y <= paper.y;
+    return is_within || paper == gxi_kicad_point_t{};
   }
 
   // The pin of the cell that brings the net in: the first that the block has.

@@ -42,6 +42,22 @@ class reader {
   };
 
   void take_id(const gxi_kicad_list_t& item) { file_.id = item.word(1); }
+  void take_paper(const gxi_kicad_list_t& item) {
+    struct paper_t {
+      std::string_view name;
+      int width, height;  // lying, in tenths of a millimetre
+    };
+    static constexpr paper_t papers[] = {
+        {"A5", 2100, 1480},      {"A4", 2970, 2100},      {"A3", 4200, 2970},
+        {"A2", 5940, 4200},      {"A1", 8410, 5940},      {"A0", 11890, 8410},
+        {"A", 2794, 2159},       {"B", 4318, 2794},       {"C", 5588, 4318},
+        {"D", 8636, 5588},       {"E", 11176, 8636},      {"USLetter", 2794, 2159},
+        {"USLegal", 3556, 2159}, {"USLedger", 4318, 2794}};
+    if (item.word(1) == "User") file_.paper = {item.length(2), item.length(3)};
+    for (const auto& [name, width, height] : papers)
+      if (item.word(1) == name) file_.paper = {width * 1000, height * 1000};
+    if (item.has_word("portrait")) std::swap(file_.paper.x, file_.paper.y);
+  }
   void take_title(const gxi_kicad_list_t& item) {
     for (const auto& list : item.children())
       file_.title.emplace_back(list.keyword() == "comment" ? "comment" + std::string(list.word(1))
@@ -156,6 +172,7 @@ class reader {
 
   static constexpr row_t rows[] = {
       {"uuid", &reader::take_id},
+      {"paper", &reader::take_paper},
       {"title_block", &reader::take_title},
       {"lib_symbols", &reader::take_symbols},
       {"wire", &reader::take_wire},

@@ -57,6 +57,7 @@ struct gxi_kicad_block_t {  // stands for a sheet
 struct gxi_kicad_file_t {
   int version = 0;
   std::string id{};
+  gxi_kicad_point_t paper{};                                 // its size; (0, 0): not said
   std::vector<std::pair<std::string, std::string>> title{};  // of the title block, by keyword
   gxi_kicad_symbols_t symbols{};
   std::vector<gxi_kicad_wire_t> wires{}, buses{}, entries{};
