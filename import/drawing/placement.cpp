@@ -96,6 +96,24 @@ std::vector<gxi_line_t> gxi_lines(std::string_view text, const gxi_look_t& untur
   return lines;
 }
 
+gx_pointreal_t gxi_place_in_line(const gxi_look_t& look, std::size_t length, std::size_t letter,
+                                 std::int32_t down) {
+  const std::int32_t left = -before(look.across, width_of(length, look.height));
+  const gx_pointreal_t offset{left + width_of(letter, look.height), down};
+  return plus(look.at, gx_turn(offset, look.rotate, false));
+}
+
+void gxi_draw_bars(const gxi_bars_t& bars, std::size_t length, const gxi_look_t& look,
+                   std::vector<gxm_shape_t>& shapes) {
+  const std::int32_t capitals = look.height - before(look.up, look.height);
+  const std::int32_t above = -capitals - look.height / 3;
+  for (const auto& [from, to] : bars)
+    shapes.push_back({.type = gx_type::line_2d,
+                      .points = {gxi_place_in_line(look, length, from, above),
+                                 gxi_place_in_line(look, length, to, above)},
+                      .color = look.color});
+}
+
 gxi_stored_t gxi_below(const gxi_instance_t& instance, const gxi_line_t& line,
                        std::int32_t height) {
   const auto turn = gxi_turn_of(instance);

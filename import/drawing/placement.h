@@ -1,6 +1,9 @@
 // Where a drawing's instances and texts lie, in the terms of a GX sheet.
 #pragma once
 
+#include <utility>
+#include <vector>
+
 #include "import/drawing/drawing.h"
 
 // The same placement as turns and the mirror of a GX instance (which mirrors after it turned).
@@ -25,6 +28,14 @@ struct gxi_line_t {
 };
 // Lines longer than a screen draws are broken, empty ones left out.
 std::vector<gxi_line_t> gxi_lines(std::string_view text, const gxi_look_t& look);
+
+// Where a letter of a line of `length` letters begins, from 0, `down` from where the look aligns
+// it; and lines above the letters that have a bar, each from its first to the one after its last.
+gx_pointreal_t gxi_place_in_line(const gxi_look_t& look, std::size_t length, std::size_t letter,
+                                 std::int32_t down);
+using gxi_bars_t = std::vector<std::pair<std::size_t, std::size_t>>;
+void gxi_draw_bars(const gxi_bars_t& bars, std::size_t length, const gxi_look_t& look,
+                   std::vector<gxm_shape_t>& shapes);
 
 // The place and the turns to store in a property below an instance, so that a line of `length`
 // characters is seen as `line` says.

@@ -6,6 +6,7 @@
 
 #include "gx/db/geometry.h"
 #include "gx/text/at.h"
+#include "import/drawing/placement.h"
 #include "import/kicad/net_names.h"
 
 namespace {
@@ -28,7 +29,7 @@ std::int32_t width_of(std::size_t length, std::int32_t height) {
 // A text without its marks, and the letters that have a bar: first, and one after the last.
 struct marked_t {
   std::string text{};
-  std::vector<std::pair<std::size_t, std::size_t>> bars{};
+  gxi_bars_t bars{};
 };
 
 marked_t marked(std::string_view from) {
@@ -117,21 +118,8 @@ void gxi_kicad_write(std::string_view text, const gxi_look_t& look, std::vector<
   if (text.empty()) return;
   const auto plain = marked(text);
   texts.push_back({gxi_kicad_unescaped(plain.text), look});
-  if (plain.text.find('\n') != std::string::npos) return;
-  const auto whole = width_of(plain.text.size(), look.height);
-  const auto left = look.across == gxi_align::start    ? 0
-                    : look.across == gxi_align::middle ? -whole / 2
-                                                       : -whole;
-  const auto up = look.up == gxi_align::start    ? look.height
-                  : look.up == gxi_align::middle ? look.height / 2
-                                                 : 0;
-  const auto at = [&](std::size_t count) {
-    return plus(look.at,
-                gx_turn(gx_pointreal_t{left + width_of(count, look.height), -up - look.height / 3},
-                        look.rotate, false));
-  };
-  for (const auto& [from, to] : plain.bars)
-    shapes.push_back({.type = gx_type::line_2d, .points = {at(from), at(to)}, .color = look.color});
+  if (plain.text.find('\n') == std::string::npos)
+    gxi_draw_bars(plain.bars, plain.text.size(), look, shapes);
 }
 
 gxm_shape_t gxi_kicad_flag(const gxi_kicad_label_t& label, std::size_t length) {

@@ -8,6 +8,7 @@
 
 #include "gx/db/geometry.h"
 #include "gx/text/at.h"
+#include "import/drawing/placement.h"
 #include "import/lepton/path.h"
 
 namespace {
@@ -48,7 +49,7 @@ gx_pointreal_t plus(gx_pointreal_t a, gx_pointreal_t b) { return {a.x + b.x, a.y
 // A line without its marks, and the letters that have a bar: first, and one behind the last.
 struct barred_t {
   std::string text{};
-  std::vector<std::pair<std::size_t, std::size_t>> bars{};
+  gxi_bars_t bars{};
 };
 
 barred_t barred(std::string_view line) {
@@ -185,25 +186,7 @@ void gxi_lepton_draw(const gxi_lepton_text_t& text, std::string_view seen,
     seen.remove_prefix(std::min(end + 1, seen.size()));
     gxi_look_t look = first;
     look.at = plus(look.at, gx_turn(gx_pointreal_t{0, -length(below * step)}, text.rotate, false));
-    const auto letter = [&](std::size_t count) {
-      const auto width = static_cast<std::int32_t>(count) * look.height;
-      return width + width / 5;
-    };
-    const auto whole = letter(line.text.size());
-    const auto left = look.across == gxi_align::start    ? 0
-                      : look.across == gxi_align::middle ? -whole / 2
-                                                         : -whole;
-    const auto up = look.up == gxi_align::start    ? look.height
-                    : look.up == gxi_align::middle ? look.height / 2
-                                                   : 0;
-    const auto at = [&](std::size_t count, std::int32_t height) {
-      return plus(look.at,
-                  gx_turn(gx_pointreal_t{left + letter(count), height}, text.rotate, false));
-    };
-    for (const auto& [from, to] : line.bars)
-      shapes.push_back({.type = gx_type::line_2d,
-                        .points = {at(from, -up - look.height / 3), at(to, -up - look.height / 3)},
-                        .color = look.color});
+    gxi_draw_bars(line.bars, line.text.size(), look, shapes);
     if (line.text.size() <= longest_text) {
       texts.push_back({line.text, look});
       continue;
@@ -211,7 +194,7 @@ void gxi_lepton_draw(const gxi_lepton_text_t& text, std::string_view seen,
     // Longer ones go on behind, from a blank where there is one.
     for (std::size_t from = 0; from < line.text.size();) {
       gxi_look_t behind = look;
-      behind.at = at(from, 0);
+      behind.at = gxi_place_in_line(look, line.text.size(), from, 0);
       behind.across = gxi_align::start;
       auto to = from + longest_text;
       if (to < line.text.size()) {
