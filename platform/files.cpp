@@ -123,11 +123,6 @@ bool x_write_at(int file, std::string_view bytes, off_t offset) {
   return true;
 }
 
-bool x_write_file(const std::string& path, std::string_view bytes) {
-  const x_descriptor file = create(path, false);
-  return file && write_synced(file, bytes);
-}
-
 bool x_replace_file(const std::string& path, std::string_view bytes) {
   struct stat there {};
   if (stat(path.c_str(), &there) == 0 && !S_ISREG(there.st_mode)) {

@@ -55,5 +55,3 @@ bool x_write_at(int file, std::string_view bytes, off_t offset);
 // a loss of power, the path names the old file or the whole new one. What is there and is no
 // regular file stays (EISDIR, EINVAL).
 bool x_replace_file(const std::string& path, std::string_view bytes);
-// Makes a file with these bytes, on the disk when this returns.
-bool x_write_file(const std::string& path, std::string_view bytes);

@@ -70,9 +70,6 @@ gx_members lb_symbols(const gx_file_gene_recf_t& file) {
 gx_members lb_nets(const gx_file_gene_recf_t& file) {
   return members(file, gx_type::net_family, gx_type::net);
 }
-gx_members lb_vertices(const gx_file_gene_recf_t& file) {
-  return members(file, gx_type::vertex_family, gx_type::vertex_2d);
-}
 gx_members lb_frames(const gx_file_gene_recf_t& file) {
   return members(file, gx_type::frame_family, gx_type::frame);
 }

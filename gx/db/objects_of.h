@@ -93,7 +93,6 @@ using gx_members = gx_id_range<gx_next_member_t>;
 gx_members lb_instances(const gx_file_gene_recf_t& file);
 gx_members lb_symbols(const gx_file_gene_recf_t& file);
 gx_members lb_nets(const gx_file_gene_recf_t& file);
-gx_members lb_vertices(const gx_file_gene_recf_t& file);
 gx_members lb_frames(const gx_file_gene_recf_t& file);
 gx_members wn_components(const gx_file_gene_recf_t& file);
 
