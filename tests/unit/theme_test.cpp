@@ -26,7 +26,7 @@ double luminance(gx_rgb_t rgb) {
 }
 
 double contrast(gx_rgb_t a, gx_rgb_t b) {
-  const auto [low, high] = std::minmax(luminance(a), luminance(b));
+  const auto [low, high] = std::minmax({luminance(a), luminance(b)});
   return (high + 0.05) / (low + 0.05);
 }
 
