@@ -39,9 +39,8 @@ inline bool kv_path_has(std::string_view path, std::string_view key) {
     while (begin > 0 && !is_separator(path[begin - 1])) --begin;
     path.remove_prefix(begin);
   }
-  return !std::ranges::search(path, key, [](char c, char wanted) {
-            return kv_path_folded(c) == wanted;
-          }).empty();
+  const auto same = [](char c, char wanted) { return kv_path_folded(c) == wanted; };
+  return std::search(path.begin(), path.end(), key.begin(), key.end(), same) != path.end();
 }
 
 // The same for all texts that `folded` makes the same.

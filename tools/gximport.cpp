@@ -95,8 +95,8 @@ int main(int argc, char** argv) try {
   const auto sum = gxi_write(design, output);
   const bool lacks = !design.missing.empty();
   if (lacks && (strict || !quiet)) complain_of_missing(design);
-  const int status = strict && lacks ? 3 : 0;
-  if (quiet) return status;
+  const int ended = strict && lacks ? 3 : 0;
+  if (quiet) return ended;
   const auto counted = [](int number, const char* what) {
     return gxi_counted(static_cast<std::size_t>(number), what);
   };
@@ -109,7 +109,7 @@ int main(int argc, char** argv) try {
                            (output.root / "gximport.log").string() + "\n");
   const auto top_cell = (output.root / sum.top).string();
   tool_print(stdout, "wrote " + top_cell + ": kivo " + top_cell + "\n");
-  return tool_end(tool, status);
+  return tool_end(tool, ended);
 } catch (const std::exception& error) {
   std::fprintf(stderr, "%s\n", error.what());
   return 1;

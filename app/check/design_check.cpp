@@ -9,6 +9,7 @@
 #include "app/check/sheet_findings.h"
 #include "app/find/aside.h"
 #include "gx/db/record_codec.h"
+#include "gx/text/at.h"
 #include "gx/text/strings.h"
 
 namespace {
@@ -19,7 +20,8 @@ void keep_marks(kv_prop_list_t& list) {
   const bool is_kept = std::any_of(list.begin(), list.end(), [](const auto& entry) {
     return gx_iden(gx_view(entry.name), kv_noconn);
   });
-  if (!is_full && !is_kept) list.entry[list.count++] = {gx_string(kv_noconn), gx_string("S")};
+  if (!is_full && !is_kept)
+    gx_at(list.entry, list.count++) = {gx_string(kv_noconn), gx_string("S")};
 }
 
 }  // namespace

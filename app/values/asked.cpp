@@ -129,8 +129,7 @@ std::vector<std::int32_t> kv_wanted_devices(std::string_view keyword, const kv_c
     }
   }
   std::ranges::sort(devices);
-  const auto again = std::ranges::unique(devices);
-  devices.erase(again.begin(), again.end());
+  devices.erase(std::unique(devices.begin(), devices.end()), devices.end());
   if (devices.empty()) kv_refuse(keyword, command, "# !! Error : Device NOT FOUND ? ", 3);
   return devices;
 }

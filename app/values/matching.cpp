@@ -181,7 +181,8 @@ const kv_variable_t* kv_matches_t::of_net(std::int32_t net) const {
 }
 
 std::span<const kv_device_value_t> kv_matches_t::of_device(std::int32_t inst) const {
-  const auto [first, end] = std::ranges::equal_range(devices, inst, {}, &kv_device_value_t::inst);
+  const auto first = std::ranges::lower_bound(devices, inst, {}, &kv_device_value_t::inst);
+  const auto end = std::ranges::upper_bound(devices, inst, {}, &kv_device_value_t::inst);
   return {first, end};
 }
 
@@ -214,8 +215,9 @@ kv_matches_t kv_match(const kv_expanded_t& expanded, std::span<const rs_variable
   }
   add_globals(expanded.netlist, matches.nets);
   std::ranges::stable_sort(matches.nets, {}, &kv_matches_t::net_t::net);
-  const auto again = std::ranges::unique(matches.nets, {}, &kv_matches_t::net_t::net);
-  matches.nets.erase(again.begin(), again.end());
+  const auto is_same = [](const auto& a, const auto& b) { return a.net == b.net; };
+  matches.nets.erase(std::unique(matches.nets.begin(), matches.nets.end(), is_same),
+                     matches.nets.end());
   std::ranges::stable_sort(matches.devices, {}, &kv_device_value_t::inst);
   return matches;
 }

@@ -7,8 +7,7 @@
 
 dk_groups_t::dk_groups_t(const dk_sources_t& sources, dk_elements_t& elements,
                          const dk_names_of_nets_t& names)
-    : sources_(sources),
-      visits_(sources.visits),
+    : visits_(sources.visits),
       netlist_(visits_.netlist()),
       elements_(elements),
       names_(names),

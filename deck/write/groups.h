@@ -48,7 +48,6 @@ class dk_groups_t {
   void find_directions(dk_group_t& group);
   std::string local_name(const dk_group_t& group, std::int32_t net) const;
 
-  const dk_sources_t& sources_;
   const dk_visits_t& visits_;
   kvi_netlist_t netlist_;
   dk_elements_t& elements_;

@@ -153,7 +153,9 @@ dk_values_t dk_visits_t::values_of(const dk_visit_t& visit) const {
     for (const auto& [name, value] : dk_parameters(statement.text)) {
       // At the top the simulator reads them itself.
       if (visit.macro == 0)
-        std::erase_if(values, [&](const auto& known) { return gx_iden(known.first, name); });
+        std::erase_if(values, [&own_name = name](const auto& known) {
+          return gx_iden(known.first, own_name);
+        });
       else
         set(values, name, dk_value(value, own));
     }

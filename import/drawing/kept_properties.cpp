@@ -39,8 +39,9 @@ void gxi_keep_most_used(gxi_design_t& design, const gxi_telling_t& telling,
     if (cell.sheet) count(*cell.sheet);
   std::vector<std::tuple<std::ptrdiff_t, int, std::string>> order;
   for (const auto& [name, number] : uses) {
-    const auto set = std::find_if(telling.begin(), telling.end(),
-                                  [&](const auto& names) { return names.contains(name); });
+    const auto set =
+        std::find_if(telling.begin(), telling.end(),
+                     [&wanted = name](const auto& names) { return names.contains(wanted); });
     if (set != telling.end() || !used_up.contains(name))
       order.emplace_back(set - telling.begin(), -number, name);
   }

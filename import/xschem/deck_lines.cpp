@@ -115,10 +115,11 @@ std::vector<std::pair<std::string, std::string>> gxi_xschem_deck_parameters(
   std::vector<std::pair<std::string, std::string>> parameters;
   const std::string extra = " " + gxi_xschem_value(placed, "extra") + " ";
   for (const auto& [name, value] : placed.symbol->defaults.all()) {
-    const bool is_node = !placed.devices.empty() &&
-                         std::ranges::any_of(placed.devices.front().nodes, [&](const auto& node) {
-                           return node.pin < 0 && node.name == name;
-                         });
+    const bool is_node =
+        !placed.devices.empty() &&
+        std::ranges::any_of(placed.devices.front().nodes, [&own = name](const auto& node) {
+          return node.pin < 0 && node.name == own;
+        });
     if (is_node || std::ranges::find(others, name) != std::end(others) || value.empty() ||
         extra.find(" " + name + " ") != std::string::npos)
       continue;
