@@ -170,7 +170,7 @@ std::vector<gxi_netlist_device_t> gxi_netlist_devices(std::string_view text, std
     for (const auto* const word : {".endc", ".ends"})
       if (gx_equal(word, line) && inside > 0) --inside;
     const auto words = may_be ? words_of(line) : std::vector<std::string>{};
-    const auto count = may_be ? nodes_among(words) : 0;
+    const auto count = words.empty() ? 0 : nodes_among(words);
     if (count == 0 || words.size() < count + 1) {
       if (rest != nullptr) *rest += drawn;
       continue;
