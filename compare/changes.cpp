@@ -8,9 +8,10 @@
 
 namespace {
 
-constexpr std::array<std::string_view, 10> words = {
-    "branch renamed", "branch gone", "instance gone", "instance new", "instance renamed",
-    "values changed", "net renamed", "net split",     "net joined",   "pin moved"};
+constexpr std::array<std::string_view, 11> words = {
+    "branch renamed", "branch gone",      "branch new",     "instance gone",
+    "instance new",   "instance renamed", "values changed", "net renamed",
+    "net split",      "net joined",       "pin moved"};
 
 std::string pin_text(std::string_view before, const kv_compared_terminal_t& terminal) {
   std::string text(before);
@@ -28,14 +29,8 @@ class teller_t {
     for (const std::int32_t o : matching_.renamed)
       put(kv_change::branch_renamed, gx_at(old_.blocks, o).path,
           gx_at(now_.blocks, gx_at(matching_.block, o)).path);
-    const std::vector<bool> gone = put_gone_branches();
-    for (std::size_t i = 0; i < old_.instances.size(); ++i) {
-      if (matching_.instance[i] == kv_unmatched && !gone[block_of(i)])
-        put(kv_change::instance_gone, old_.instances[i].path, {});
-    }
-    for (std::size_t i = 0; i < now_.instances.size(); ++i) {
-      if (matching_.old_instance[i] == kv_unmatched) put_new(now_.instances[i]);
-    }
+    put_gone();
+    put_new();
     for_each_instance([&](const auto& before, const auto& after) {
       if (is_renamed(before, after)) put(kv_change::instance_renamed, before.path, after.path);
     });
@@ -50,7 +45,7 @@ class teller_t {
  private:
   kv_change_t& put(kv_change change, std::string_view before, std::string_view after) {
     return changes_.emplace_back(
-        kv_change_t{change, std::string(before), std::string(after), {}, {}});
+        kv_change_t{.change = change, .before = std::string(before), .after = std::string(after)});
   }
 
   template <typename Visit>
@@ -73,33 +68,69 @@ class teller_t {
     return std::string(gx_at(design.nets, net).path);
   }
 
-  std::size_t block_of(std::size_t old_instance) const {
-    return static_cast<std::size_t>(old_.instances[old_instance].block);
+  // The blocks that hold leaves of one design alone, with the number of these; 0: no such block.
+  static std::vector<std::int32_t> branches_alone(const kv_compared_design_t& design,
+                                                  const std::vector<std::int32_t>& block,
+                                                  const std::vector<std::int32_t>& instance) {
+    std::vector<std::int32_t> leaves(design.blocks.size());
+    std::vector<bool> kept(design.blocks.size());
+    const auto at = [](std::int32_t in) { return static_cast<std::size_t>(in); };
+    for (std::size_t i = 0; i < design.instances.size(); ++i) {
+      std::int32_t in = design.instances[i].block;
+      if (instance[i] == kv_unmatched) {
+        for (; in != 0; in = design.blocks[at(in)].parent) ++leaves[at(in)];
+      } else {
+        for (; in != 0 && !kept[at(in)]; in = design.blocks[at(in)].parent) kept[at(in)] = true;
+      }
+    }
+    for (std::size_t in = 0; in < leaves.size(); ++in)
+      if (kept[in] || block[in] != kv_unmatched) leaves[in] = 0;
+    return leaves;
   }
 
-  // The blocks that are gone with all leaves in them; those not in another are told.
-  std::vector<bool> put_gone_branches() {
-    enum : std::uint8_t { empty, gone, kept };
-    std::vector<std::uint8_t> state(old_.blocks.size(), empty);
+  // Calls `visit` for each of these blocks that is not in another.
+  template <typename Visit>
+  static void for_each_top(const kv_compared_design_t& design,
+                           const std::vector<std::int32_t>& leaves, Visit visit) {
+    for (std::size_t in = 1; in < leaves.size(); ++in)
+      if (leaves[in] > 0 && gx_at(leaves, design.blocks[in].parent) == 0)
+        visit(design.blocks[in], leaves[in]);
+  }
+
+  // Where what was in an old block would be in the new design.
+  std::string_view sheet_of(std::int32_t block) const {
+    while (gx_at(matching_.block, block) == kv_unmatched) block = gx_at(old_.blocks, block).parent;
+    return gx_at(now_.blocks, gx_at(matching_.block, block)).path;
+  }
+
+  void put_gone() {
+    const auto leaves = branches_alone(old_, matching_.block, matching_.instance);
+    for_each_top(old_, leaves, [&](const kv_compared_block_t& block, std::int32_t count) {
+      kv_change_t& change = put(kv_change::branch_gone, block.path, {});
+      change.leaves = count;
+      change.sheet = sheet_of(block.parent);
+    });
     for (std::size_t i = 0; i < old_.instances.size(); ++i) {
-      const std::uint8_t leaf = matching_.instance[i] == kv_unmatched ? gone : kept;
-      for (std::size_t block = block_of(i); block != 0 && state[block] < leaf;
-           block = static_cast<std::size_t>(old_.blocks[block].parent))
-        state[block] = leaf;
+      const kv_compared_instance_t& inst = old_.instances[i];
+      if (matching_.instance[i] == kv_unmatched && gx_at(leaves, inst.block) == 0)
+        put(kv_change::instance_gone, inst.path, {}).sheet = sheet_of(inst.block);
     }
-    std::vector<bool> is_gone(old_.blocks.size());
-    for (std::size_t block = 1; block < old_.blocks.size(); ++block) {
-      is_gone[block] = state[block] == gone && matching_.block[block] == kv_unmatched;
-    }
-    for (std::size_t block = 1; block < old_.blocks.size(); ++block) {
-      if (is_gone[block] && !is_gone[static_cast<std::size_t>(old_.blocks[block].parent)])
-        put(kv_change::branch_gone, old_.blocks[block].path, {});
-    }
-    return is_gone;
   }
 
-  void put_new(const kv_compared_instance_t& inst) {
+  void put_new() {
+    const auto leaves = branches_alone(now_, matching_.old_block, matching_.old_instance);
+    for_each_top(now_, leaves, [&](const kv_compared_block_t& block, std::int32_t count) {
+      put(kv_change::branch_new, {}, block.path).leaves = count;
+    });
+    for (std::size_t i = 0; i < now_.instances.size(); ++i) {
+      const kv_compared_instance_t& inst = now_.instances[i];
+      if (matching_.old_instance[i] == kv_unmatched) put_new(inst, gx_at(leaves, inst.block) > 0);
+    }
+  }
+
+  void put_new(const kv_compared_instance_t& inst, bool in_new_branch) {
     kv_change_t& change = put(kv_change::instance_new, {}, inst.path);
+    change.in_new_branch = in_new_branch;
     for (std::size_t i = inst.first_value; i < inst.after_values; ++i)
       change.values.push_back({std::string(now_.values[i].name), {}, now_.values[i].text});
     for (std::size_t i = inst.first_terminal; i < inst.after_terminals; ++i) {

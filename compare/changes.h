@@ -12,6 +12,7 @@
 enum class kv_change : std::uint8_t {
   branch_renamed,
   branch_gone,  // with all that was in it
+  branch_new,   // what is in it follows as instances that are new
   instance_gone,
   instance_new,
   instance_renamed,
@@ -35,11 +36,15 @@ struct kv_changed_pin_t {
 // pin has the path of the new one. So the order of the changes does not matter.
 struct kv_change_t {
   kv_change change = kv_change::branch_renamed;
-  std::string before, after;               // paths; "" before what is new, after what is gone
-  std::vector<kv_changed_value_t> values;  // of what is new: all
+  std::string before, after;                    // paths; "" before what is new, after what is gone
+  std::vector<kv_changed_value_t> values = {};  // of what is new: all
   // Of what is new: all; of nets split and joined: those that came to the net `after`. Of a
   // moved pin itself.
-  std::vector<kv_changed_pin_t> pins;
+  std::vector<kv_changed_pin_t> pins = {};
+  std::int32_t leaves = 0;  // of a branch that is gone or new: the instances in it
+  bool in_new_branch = false;
+  std::string sheet =
+      {};  // of what is gone: the block of the new design that it would be in, "": none
 };
 
 // Instances and nets that no line names are where they were, below branches that were renamed, and

@@ -46,7 +46,7 @@ class matcher_t {
     m_.block.assign(old.blocks.size(), kv_unmatched);
     m_.instance.assign(old.instances.size(), kv_unmatched);
     m_.old_instance.assign(now.instances.size(), kv_unmatched);
-    old_block_.assign(now.blocks.size(), kv_unmatched);
+    m_.old_block.assign(now.blocks.size(), kv_unmatched);
   }
 
   kv_matching_t run() {
@@ -66,7 +66,7 @@ class matcher_t {
 
   void join_blocks(std::int32_t o, std::int32_t n) {
     gx_at(m_.block, o) = n;
-    gx_at(old_block_, n) = o;
+    gx_at(m_.old_block, n) = o;
   }
 
   // The blocks of each level, from the primary sheet down.
@@ -102,8 +102,8 @@ class matcher_t {
         n >= 0 ? join_blocks(o, n) : lost.push_back(o);
       }
       for (const std::int32_t n : now_levels[level]) {
-        if (gx_at(old_block_, n) == kv_unmatched &&
-            gx_at(old_block_, gx_at(now_.blocks, n).parent) != kv_unmatched)
+        if (gx_at(m_.old_block, n) == kv_unmatched &&
+            gx_at(m_.old_block, gx_at(now_.blocks, n).parent) != kv_unmatched)
           found.push_back(n);
       }
       if (!lost.empty() && !found.empty()) match_contents(lost, old_levels, found, now_levels);
@@ -154,7 +154,7 @@ class matcher_t {
                       const std::vector<std::int32_t>& found, const levels_t& now_levels) {
     const auto old_block = [&](std::int32_t b) { return gx_at(m_.block, b); };
     const auto now_block = [&](std::int32_t b) {
-      return gx_at(old_block_, b) == kv_unmatched ? kv_unmatched : b;
+      return gx_at(m_.old_block, b) == kv_unmatched ? kv_unmatched : b;
     };
     const auto olds = contents(old_, lost, old_levels, old_block);
     const auto nows = contents(now_, found, now_levels, now_block);
@@ -165,7 +165,7 @@ class matcher_t {
       };
       kv_key_chains_t chains(now_.blocks.size());
       for (auto at = found.rbegin(); at != found.rend(); ++at) {
-        if (gx_at(old_block_, *at) == kv_unmatched && gx_at(nows, *at).leaves > 0)
+        if (gx_at(m_.old_block, *at) == kv_unmatched && gx_at(nows, *at).leaves > 0)
           chains.put(key(gx_at(nows, *at), gx_at(now_.blocks, *at).parent), *at);
       }
       for (const std::int32_t o : lost) {
@@ -332,7 +332,6 @@ class matcher_t {
 
   const kv_compared_design_t &old_, &now_;
   kv_matching_t m_;
-  std::vector<std::int32_t> old_block_;
   std::vector<std::pair<std::int32_t, std::int32_t>> net_by_path_;
 };
 

@@ -10,7 +10,8 @@
 inline constexpr std::int32_t kv_unmatched = -1;
 
 struct kv_matching_t {
-  std::vector<std::int32_t> block;     // of each old block the new one, or kv_unmatched
+  std::vector<std::int32_t> block;  // of each old block the new one, or kv_unmatched
+  std::vector<std::int32_t> old_block;
   std::vector<std::int32_t> renamed;   // old blocks that were matched by what is in them
   std::vector<std::int32_t> instance;  // of each old instance
   std::vector<std::int32_t> old_instance;

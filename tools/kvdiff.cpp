@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "compare/changes.h"
+#include "compare/words.h"
 #include "export/output.h"
 #include "kvi/load.h"
 #include "platform/usage.h"
-#include "tools/escape.h"
 
 namespace {
 
@@ -27,71 +27,13 @@ constexpr tool_t tool{
     "Status 0: nothing changed; 1: something did; 2: a design cannot be read.\n"};
 constexpr int trouble = 2;
 
-std::string net_text(const std::string& net) { return net.empty() ? "no net" : tool_escaped(net); }
-std::string value_text(const std::string& value) {
-  return value.empty() ? "none" : tool_escaped(value);
-}
-
-std::string pins_text(const kv_change_t& change) {
-  std::string text;
-  for (const kv_changed_pin_t& pin : change.pins)
-    text += (text.empty() ? "" : ", ") + tool_escaped(pin.pin);
-  return text;
-}
-
-std::string line_of(const kv_change_t& change) {
-  const std::string before = tool_escaped(change.before), after = tool_escaped(change.after);
-  switch (change.change) {
-    case kv_change::branch_renamed:
-      return "branch " + before + " is now " + after;
-    case kv_change::branch_gone:
-      return "branch " + before + " is gone with all that was in it";
-    case kv_change::instance_gone:
-      return "instance " + before + " is gone";
-    case kv_change::instance_new: {
-      std::string line = "instance " + after + " is new:", between = " ";
-      for (const kv_changed_value_t& value : change.values) {
-        line += between + tool_escaped(value.name) + '=' + tool_escaped(value.after);
-        between = ", ";
-      }
-      for (const kv_changed_pin_t& pin : change.pins) {
-        line += between + tool_escaped(pin.pin) + " on " + net_text(pin.after);
-        between = ", ";
-      }
-      return line;
-    }
-    case kv_change::instance_renamed:
-      return "instance " + before + " is now " + after;
-    case kv_change::values_changed: {
-      std::string line = "instance " + after + ':', between = " ";
-      for (const kv_changed_value_t& value : change.values) {
-        line += between + tool_escaped(value.name) + ' ' + value_text(value.before) + " -> " +
-                value_text(value.after);
-        between = ", ";
-      }
-      return line;
-    }
-    case kv_change::net_renamed:
-      return "net " + before + " is now " + after;
-    case kv_change::net_split:
-      return "net " + before + " is split: now on " + after + " are " + pins_text(change);
-    case kv_change::net_joined:
-      return "net " + before + " is joined into " + after + " with " + pins_text(change);
-    case kv_change::pin_moved:
-      break;
-  }
-  return "pin " + pins_text(change) + " moved from " + net_text(change.before) + " to " +
-         net_text(change.after);
-}
-
-// "-" for what is gone, "+" for what is new, "~" for what is another.
+// Lines of what is in a new branch are left out: the branch has one.
 void write_lines(const std::vector<kv_change_t>& changes, bool coloured, kv_output_t& out) {
   for (const kv_change_t& change : changes) {
-    const bool gone =
-        change.change == kv_change::instance_gone || change.change == kv_change::branch_gone;
-    const bool added = change.change == kv_change::instance_new;
-    if (coloured) out << (gone ? "\x1b[31m" : added ? "\x1b[32m" : "\x1b[33m");
-    out << (gone ? "- " : added ? "+ " : "~ ") << line_of(change);
+    if (change.in_new_branch) continue;
+    const char sign = kv_change_sign(change.change);
+    if (coloured) out << (sign == '-' ? "\x1b[31m" : sign == '+' ? "\x1b[32m" : "\x1b[33m");
+    out << sign << ' ' << kv_change_text(change);
     out << (coloured ? "\x1b[0m\n" : "\n");
   }
 }

@@ -11,9 +11,9 @@
 #include "export/sqlite/sqlite.h"
 #include "kvi/load.h"
 #include "netlist/design_records.h"
+#include "platform/escape.h"
 #include "platform/files.h"
 #include "platform/usage.h"
-#include "tools/escape.h"
 
 namespace {
 
@@ -32,7 +32,7 @@ constexpr tool_t tool{"kvdump",
                       "  --help     prints this\n"
                       "  --version  prints the version\n"};
 
-void print_text(std::string_view text) { std::printf("\"%s\"", tool_escaped(text).c_str()); }
+void print_text(std::string_view text) { std::printf("\"%s\"", x_escaped(text).c_str()); }
 
 void print_value(float value) { std::printf("%g", static_cast<double>(value)); }
 void print_value(const gx_string_record_t& string) { print_text(gx_view(string)); }

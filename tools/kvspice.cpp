@@ -15,9 +15,9 @@
 #include "deck/deck_file.h"
 #include "deck/write/deck.h"
 #include "kvi/load.h"
+#include "platform/escape.h"
 #include "platform/files.h"
 #include "platform/usage.h"
-#include "tools/escape.h"
 
 namespace {
 
@@ -98,15 +98,15 @@ int main(int argc, char** argv) {
   if (words.empty()) return tool_usage_error(tool, "no DESIGN given");
   if (deck.global_ports && !deck.lvs) return tool_usage_error(tool, "--global-ports is for --lvs");
   if (!read_saved(saved, deck.saved))
-    return tool_usage_error(tool, "no list of values: " + tool_escaped(saved));
+    return tool_usage_error(tool, "no list of values: " + x_escaped(saved));
   deck.hierarchy |= deck.lvs;
   if (deck.hierarchy && !deck.saved.empty())
     return tool_usage_error(tool, "--save is for flat netlists");
-  const std::string path(words[0]), title = tool_escaped(path);
+  const std::string path(words[0]), title = x_escaped(path);
   words.erase(words.begin());
   for (const std::string_view include : words) {
-    if (include.find('"') != include.npos || tool_escaped(include) != include) {
-      return tool_usage_error(tool, "a name that SPICE cannot include: " + tool_escaped(include));
+    if (include.find('"') != include.npos || x_escaped(include) != include) {
+      return tool_usage_error(tool, "a name that SPICE cannot include: " + x_escaped(include));
     }
   }
   deck.title = title;
@@ -115,7 +115,7 @@ int main(int argc, char** argv) {
   const kvi_loaded_t loaded = kvi_open_design(design, path);
   if (loaded.result != kvi_load_result::loaded) return fail(loaded.message);
   dk_cells_t cells;
-  if (const auto wrong = read_deck(path, cells); !wrong.empty()) return fail(tool_escaped(wrong));
+  if (const auto wrong = read_deck(path, cells); !wrong.empty()) return fail(x_escaped(wrong));
 
   const std::string out_path(file);
   x_file own(out_path.empty() ? nullptr : std::fopen(out_path.c_str(), "w"));
@@ -124,11 +124,11 @@ int main(int argc, char** argv) {
   const dk_output_t output{
       .line =
           [&](std::string_view line) {
-            const std::string text = tool_escaped(line);
+            const std::string text = x_escaped(line);
             std::fwrite(text.data(), 1, text.size(), out);
             std::fputc('\n', out);
           },
-      .complain = [](const std::string& what) { tool_complain(tool, tool_escaped(what)); }};
+      .complain = [](const std::string& what) { tool_complain(tool, x_escaped(what)); }};
   int status = dk_write_deck(design, cells, deck, output) ? 0 : 1;
   if (!design.is_unchanged()) status = fail(kvi_changed_message(path));
   if (!own) return tool_end(tool, status);

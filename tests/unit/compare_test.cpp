@@ -62,10 +62,12 @@ std::map<std::string, leaf_t> applied(const design_t& old,
   std::map<std::string, std::string> branches, insts, nets;
   std::map<std::string, std::pair<std::string, std::string>> pins;
   std::set<std::string> gone, gone_branches;
+  std::map<std::string, std::int32_t> new_branches;
   std::map<std::string, leaf_t> result;
   for (const kv_change_t& change : changes) {
     if (change.change == kv_change::branch_renamed) branches[change.before] = change.after;
     if (change.change == kv_change::branch_gone) gone_branches.insert(change.before);
+    if (change.change == kv_change::branch_new) new_branches[change.after] = change.leaves;
     if (change.change == kv_change::instance_gone) gone.insert(change.before);
     if (change.change == kv_change::instance_renamed) insts[change.before] = change.after;
     if (change.change == kv_change::net_renamed) nets[change.before] = change.after;
@@ -79,6 +81,8 @@ std::map<std::string, leaf_t> applied(const design_t& old,
       }
     }
     if (change.change != kv_change::instance_new) continue;
+    for (auto& [branch, leaves] : new_branches)
+      if (change.after.starts_with(branch + '/')) --leaves;
     for (const auto& value : change.values) result[change.after].values[value.name] = value.after;
   }
   // What is on a part of a net comes from this net alone; what was on one joined went there alone.
@@ -128,6 +132,7 @@ std::map<std::string, leaf_t> applied(const design_t& old,
     EXPECT_TRUE(result.try_emplace(after, now).second) << after;
   }
   EXPECT_TRUE(gone.empty() && pins.empty());
+  for (const auto& [branch, leaves] : new_branches) EXPECT_EQ(leaves, 0) << branch;
   return result;
 }
 
@@ -141,7 +146,8 @@ std::string told(const kv_change_t& change) {
 }
 std::vector<std::string> told(const design_t& old, const design_t& now) {
   std::vector<std::string> lines;
-  for (const kv_change_t& change : changes_of(old, now)) lines.push_back(told(change));
+  for (const kv_change_t& change : changes_of(old, now))
+    if (!change.in_new_branch) lines.push_back(told(change));
   return lines;
 }
 
@@ -324,6 +330,13 @@ TEST(Compare, ToldAsAReviewerWouldTellIt) {
               d.leaves.erase("/X1/Y/R1");
             }),
             lines_t{"branch gone /X1 > "});
+  EXPECT_EQ(after([&](design_t& d) {
+              d.blocks.insert("/X2");
+              d.blocks.insert("/X2/Y");
+              d.leaves["/X2/Y/R1"] = leaf("1k", "/IN", "/X2/N");
+              d.leaves["/X2/R1"] = leaf("1k", "/X2/N", "/GND");
+            }),
+            lines_t{"branch new  > /X2"});
   EXPECT_EQ(
       after([&](design_t& d) {
         d.blocks = {"/X7", "/X7/Y"};

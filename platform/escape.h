@@ -6,7 +6,7 @@
 #include <string_view>
 
 // The text with every character that is not printable ASCII as "\x1b".
-inline std::string tool_escaped(std::string_view text) {
+inline std::string x_escaped(std::string_view text) {
   const auto printable = [](char c) { return c >= ' ' && c <= '~'; };
   if (std::all_of(text.begin(), text.end(), printable)) return std::string(text);
   constexpr char digits[] = "0123456789abcdef";
