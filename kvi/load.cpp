@@ -128,11 +128,15 @@ kvi_loaded_t kvi_load_design(kvi_design_t& design, int fd, const std::string& pa
 kvi_loaded_t kvi_open_design(kvi_design_t& design, std::string path) {
   design = {};
   struct stat file;
-  if (::stat(path.c_str(), &file) == 0 && S_ISDIR(file.st_mode)) path += "/design_kv";
+  const std::string directory = path;
+  const bool is_directory = ::stat(path.c_str(), &file) == 0 && S_ISDIR(file.st_mode);
+  if (is_directory) path += "/design_kv";
   int fd;
   do {
     fd = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
   } while (fd < 0 && errno == EINTR);
+  if (fd < 0 && errno == ENOENT && is_directory)
+    return {kvi_load_result::unreadable, directory + ": not expanded: no design_kv in it"};
   if (fd < 0) return {kvi_load_result::unreadable, path + ": " + std::strerror(errno)};
   kvi_loaded_t loaded = kvi_load_design(design, fd, path);
   ::close(fd);

@@ -6,6 +6,7 @@
 #include "app/check/design_check.h"
 #include "app/check/findings_file.h"
 #include "app/check/findings_forms.h"
+#include "app/check/listed_places.h"
 #include "app/check/waivers.h"
 #include "app/find/go_to.h"
 #include "app/language/answer_records.h"
@@ -67,10 +68,10 @@ void show_finding(std::size_t number) {
   record_finding(number);
 }
 
-void show_device(std::size_t number) {
-  const auto& device = kv_pext.listed_devices[number - 1];
-  gx_tell("# ", std::to_string(number), " ", device.path);
-  gx_tell_wrapped("#    " + device.words, gx_line_kind::detail);
+void show_place(std::size_t number) {
+  const auto& place = kv_pext.listed_places[number - 1];
+  gx_tell("# ", std::to_string(number), " ", place.path);
+  gx_tell_wrapped("#    " + place.words, gx_line_kind::detail);
 }
 
 // --- CHEck DESign
@@ -150,9 +151,8 @@ void kv_check_design_cmd(const kv_command_t& command) {
     return gx_report(gx_line_kind::error, "# !! Error : ", check.fault);
   }
   kv_pext.findings = std::move(check.findings);
-  kv_pext.listed_devices.clear();
+  kv_begin_list(kv_listed::findings);
   kv_pext.design_checked = true;
-  kv_pext.finding_shown = 0;
   const std::string directory = design_directory();
   apply_waivers(directory);
   tell_findings();
@@ -197,10 +197,16 @@ void kv_rule_cmd(const kv_command_t& command) {
 
 // --- the findings one by one
 
-bool devices_are_listed() { return !kv_pext.listed_devices.empty(); }
+bool lists_findings() { return kv_pext.listed == kv_listed::findings; }
 
 std::size_t nb_of_findings() {
-  return devices_are_listed() ? kv_pext.listed_devices.size() : kv_pext.findings.size();
+  return lists_findings() ? kv_pext.findings.size() : kv_pext.listed_places.size();
+}
+
+// The command whose list SHOw and NEXt FINding walk through.
+std::string_view listing_command() {
+  constexpr std::string_view names[] = {"CHEck DESign", "LIST DEVices", "DIFference DESign"};
+  return gx_at(names, kv_pext.listed);
 }
 
 // The number that word 3 is; 0 after the refusal.
@@ -217,8 +223,9 @@ std::size_t finding_number(std::string_view refused, const kv_command_t& command
 // True after the refusal.
 bool lacks_findings(std::string_view refused, const kv_command_t& command) {
   if (nb_of_findings() > 0) return false;
-  if (kv_pext.design_checked) {
-    kv_warn(refused, command, "# !! Warning : CHEck DESign found nothing ", 3);
+  if (kv_pext.design_checked || !lists_findings()) {
+    kv_warn(refused, command,
+            "# !! Warning : " + std::string(listing_command()) + " found nothing ", 3);
   } else {
     kv_refuse(refused, command, no_findings, 3);
   }
@@ -228,10 +235,10 @@ bool lacks_findings(std::string_view refused, const kv_command_t& command) {
 void go_to(std::size_t number, std::string_view keyword, const kv_command_t& command) {
   kv_pext.finding_shown = number;
   std::string fault;
-  if (devices_are_listed()) {
-    const auto& device = kv_pext.listed_devices[number - 1];
-    show_device(number);
-    fault = kv_go_to(device.at, device.object_id);
+  if (!lists_findings()) {
+    const auto& place = kv_pext.listed_places[number - 1];
+    show_place(number);
+    fault = kv_go_to(place.at, place.object_id);
   } else {
     const auto& finding = kv_pext.findings[number - 1];
     show_finding(number);
@@ -255,7 +262,7 @@ void kv_next_finding_cmd(const kv_command_t& command) {
   constexpr std::string_view refused = "# NEXt FINding ";
   if (lacks_findings(refused, command)) return;
   for (std::size_t number = kv_pext.finding_shown + 1; number <= nb_of_findings(); ++number) {
-    const bool is_passed = !devices_are_listed() && kv_pext.findings[number - 1].waived;
+    const bool is_passed = lists_findings() && kv_pext.findings[number - 1].waived;
     if (!is_passed) return go_to(number, " NEXt FINding ", command);
   }
   kv_warn(refused, command, "# !! Warning : No more findings ", 3);
@@ -276,8 +283,11 @@ std::string_view without_quotes(std::string_view word) {
 void kv_waive_finding_cmd(const kv_command_t& command) {
   constexpr std::string_view refused = "# WAIve FINding ";
   if (lacks_findings(refused, command)) return;
-  if (devices_are_listed()) {
-    return kv_refuse(refused, command, "# !! Error : Devices of LIST DEVices are no findings ? ",
+  if (!lists_findings()) {
+    return kv_refuse(refused, command,
+                     kv_pext.listed == kv_listed::devices
+                         ? "# !! Error : Devices of LIST DEVices are no findings ? "
+                         : "# !! Error : Changes of DIFference DESign are no findings ? ",
                      3);
   }
   const std::size_t number = finding_number(refused, command);

@@ -18,6 +18,18 @@ std::optional<kv_expanded_t> kv_expanded() {
   return kv_expanded_t{kv_sext, origins, *kv_pext.paths};
 }
 
+std::optional<kv_object_t> kv_object_at(const kv_expanded_t& expanded, kv_named what,
+                                        std::string_view path) {
+  const std::string key = kv_path_key(path);
+  std::optional<kv_object_t> found;
+  for (const auto hit : expanded.paths.find({&key, 1}, SIZE_MAX)) {
+    if (hit.what != what) continue;
+    if (expanded.paths.path(hit) == path) return hit;
+    if (!found) found = hit;
+  }
+  return found;
+}
+
 std::int32_t kv_visit_at(const kv_expanded_t& expanded, std::string_view sheet_path) {
   if (sheet_path.ends_with('/')) sheet_path.remove_suffix(1);
   if (sheet_path.empty()) return 0;

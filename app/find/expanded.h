@@ -22,6 +22,10 @@ struct kv_expanded_t {
 // Nothing before the first RUN, and after one that was not done.
 std::optional<kv_expanded_t> kv_expanded();
 
+// The object of a kind that has a path, to the letter or else in any; nothing when there is none.
+std::optional<kv_object_t> kv_object_at(const kv_expanded_t& expanded, kv_named what,
+                                        std::string_view path);
+
 // The visit of the sheet of a simulation path ("", "/", "/XR/X2/"); -1 when there is none.
 std::int32_t kv_visit_at(const kv_expanded_t& expanded, std::string_view sheet_path);
 

@@ -25,10 +25,18 @@ struct kv_highlighted_t {
   int color = 1;  // 1..gx_nb_of_highlights
 };
 
+// An object of the expansion that a command marks as changed.
+struct kv_changed_object_t {
+  kv_named what;  // inst, macro or net
+  std::string path;
+  friend bool operator==(const kv_changed_object_t&, const kv_changed_object_t&) = default;
+};
+
 struct kv_find_state_t {
   std::shared_ptr<const kv_memory_paths_t> paths;  // of the expansion `paths_of_run`
   std::uint64_t paths_of_run = 0;
   std::vector<kv_found_t> found;  // of the last FINd PATh that found several
   std::uint64_t found_of_run = 0;
   std::vector<kv_highlighted_t> highlighted;  // in the order of HIGhlight
+  std::vector<kv_changed_object_t> changed;   // of the last DIFference DESign
 };

@@ -39,12 +39,23 @@ const kv_sheet_t* viewed_sheet(const kv_expanded_t& expanded) {
   return at == visits.end() ? nullptr : at->sheet;
 }
 
+// The slot in which the sheet of a visit is, when it is one of those from the top to the view; else
+// 0.
+gx_file_index_t slot_of(const kv_expanded_t& expanded, const std::vector<std::int32_t>& visits,
+                        std::int32_t visit) {
+  const auto at = std::ranges::lower_bound(visits, visit);
+  if (at == visits.end() || *at != visit) return 0;
+  const auto level = static_cast<int>(at - visits.begin()) + 1;
+  const auto slot = kv_at_level(level).file_index;
+  return holds(slot, *expanded.visit(visit).sheet) ? slot : gx_file_index_t{0};
+}
+
 // Marks the net on the sheets in view; its name stands once on each.
 void mark(const kv_expanded_t& expanded, const std::vector<std::int32_t>& visits,
           const kv_sheet_t* viewed, std::int32_t net, int color) {
   const auto name = expanded.netlist.path({kv_named::net, net});
   const kv_explainer_t explainer(expanded.netlist, expanded.origins);
-  std::vector<bool> is_named(visits.size());
+  std::vector<gx_file_index_t> named;
   bool is_viewed_named = false;
   for (const auto& drawn : explainer.drawn(net)) {
     const kv_sheet_t& sheet = explainer.sheet(drawn.visit);
@@ -54,13 +65,39 @@ void mark(const kv_expanded_t& expanded, const std::vector<std::int32_t>& visits
                        color);
       is_viewed_named = true;
     }
-    const auto at = std::ranges::lower_bound(visits, drawn.visit);
-    if (at == visits.end() || *at != drawn.visit) continue;
-    const auto place = static_cast<std::size_t>(at - visits.begin());
-    const auto slot = kv_at_level(static_cast<int>(place) + 1).file_index;
-    if (!holds(slot, sheet)) continue;
-    gx_highlight_net(slot, drawn.object_id, is_named[place] ? std::string_view{} : name, 0, color);
-    is_named[place] = true;
+    const auto slot = slot_of(expanded, visits, drawn.visit);
+    if (slot == 0) continue;
+    const bool is_named = std::ranges::find(named, slot) != named.end();
+    gx_highlight_net(slot, drawn.object_id, is_named ? std::string_view{} : name, 0, color);
+    if (!is_named) named.push_back(slot);
+  }
+}
+
+constexpr int changed_color = 2;
+
+// Marks an instance or a block on its sheet, and the blocks that it is in on theirs.
+void mark_instance(const kv_expanded_t& expanded, const std::vector<std::int32_t>& visits,
+                   const kv_sheet_t* viewed, kv_object_t object) {
+  for (auto [visit, id] = kv_place_of(expanded.netlist, expanded.origins, object); visit >= 0;) {
+    const kv_visit_t& here = expanded.visit(visit);
+    if (const auto slot = slot_of(expanded, visits, visit); slot != 0)
+      gx_highlight_instance(slot, id, changed_color);
+    if (here.sheet == viewed) gx_highlight_instance(kv_pext.file_id_views, id, changed_color);
+    if (here.macro == 0) return;
+    id = expanded.netlist.object_id({kv_named::macro, here.macro});
+    visit = here.above;
+  }
+}
+
+void mark_changed(const kv_expanded_t& expanded, const std::vector<std::int32_t>& visits,
+                  const kv_sheet_t* viewed) {
+  for (const auto& [what, path] : kv_pext.changed) {
+    const auto object = kv_object_at(expanded, what, path);
+    if (!object) continue;
+    if (what == kv_named::net)
+      mark(expanded, visits, viewed, object->index, changed_color);
+    else
+      mark_instance(expanded, visits, viewed, *object);
   }
 }
 
@@ -70,6 +107,7 @@ void mark_all() {
   if (!expanded) return;
   const auto visits = visits_in_view(*expanded);
   const kv_sheet_t* viewed = viewed_sheet(*expanded);
+  mark_changed(*expanded, visits, viewed);
   for (const auto& [path, color] : kv_pext.highlighted) {
     const std::string key = kv_path_key(path);
     for (const auto hit : expanded->paths.find({&key, 1}, SIZE_MAX))
@@ -100,8 +138,15 @@ void kv_highlight(const kv_expanded_t& expanded, std::int32_t net, int color) {
   mark_all();
 }
 
+void kv_highlight_changed(std::vector<kv_changed_object_t> changed) {
+  kv_pext.changed = std::move(changed);
+  kv_set_level_follower(mark_all);
+  mark_all();
+}
+
 void kv_highlight_off() {
   kv_pext.highlighted.clear();
+  kv_pext.changed.clear();
   kv_set_level_follower(nullptr);
   gx_highlight_clear_all();
 }

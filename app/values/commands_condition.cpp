@@ -3,6 +3,7 @@
 #include <cmath>
 #include <string>
 
+#include "app/check/listed_places.h"
 #include "app/language/command_row.h"
 #include "app/values/asked.h"
 #include "app/values/condition.h"
@@ -61,8 +62,7 @@ void kv_list_devices_cmd(const kv_command_t& command) {
   }
   const auto design = kv_design_of(*results);
   const gx_list_batch_t batch;
-  kv_pext.listed_devices.clear();
-  kv_pext.finding_shown = 0;
+  kv_begin_list(kv_listed::devices);
   std::size_t met = 0, asked_of = 0;
   std::int32_t before = 0;
   for (const auto& each : results->matches.devices) {
@@ -73,12 +73,11 @@ void kv_list_devices_cmd(const kv_command_t& command) {
     if (!condition.holds(asked->numbers) || ++met > most) continue;
     const kv_object_t object{kv_named::inst, each.inst};
     const kv_place_t place = kv_place_of(design.netlist, design.origins, object);
-    kv_pext.listed_devices.push_back(
+    kv_pext.listed_places.push_back(
         {std::string(design.netlist.path(object)),
          std::string(kv_visit_path(design.netlist, design.origins, place.visit)), place.object_id,
          asked->words});
-    gx_tell("# ", std::to_string(met), " ", kv_pext.listed_devices.back().path, " : ",
-            asked->words);
+    gx_tell("# ", std::to_string(met), " ", kv_pext.listed_places.back().path, " : ", asked->words);
   }
   if (met > most) gx_tell("# ... and more ");
   gx_tell("# ", std::to_string(met), " of ", std::to_string(asked_of),

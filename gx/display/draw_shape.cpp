@@ -29,7 +29,7 @@ constexpr int selected_style = 3;
 struct item_t {
   const gx_picture_t& picture;
   const gx_shape_t& shape;
-  const gx_highlight_t* mark = nullptr;  // it is of a highlighted net
+  const gx_highlight_t* mark = nullptr;  // it is of a highlighted net or instance
 
   gx_vpid_t vpid() const { return picture.vpid; }
   int color() const {
@@ -150,6 +150,8 @@ void gx_draw_shape(const gx_picture_t& picture, const gx_shape_t& shape,
   if (shape.net != 0 && !picture.erases() && mark == nullptr) {
     item.mark = gx_highlight_of(picture.file_index, shape.net);
     if (item.mark == nullptr) item.mark = gx_highlight_of(picture.file_index, shape.object);
+  } else if (shape.inst != 0 && !picture.erases() && mark == nullptr) {
+    item.mark = gx_highlight_of(picture.file_index, shape.inst);
   }
   switch (shape.kind) {
     case gx_shape_kind::line:

@@ -42,6 +42,10 @@ void gx_highlight_segment(gx_file_index_t file_index, int segment_id) {
   put_mark(file_index, segment_id, 0, {}, 1);
 }
 
+void gx_highlight_instance(gx_file_index_t file_index, int inst_id, int color) {
+  put_mark(file_index, inst_id, 0, {}, color);
+}
+
 void gx_highlight_clear(gx_file_index_t file_index) {
   std::erase_if(gx_vext.highlights,
                 [&](const mark_t& mark) { return mark.file_index == file_index; });

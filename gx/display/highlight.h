@@ -1,4 +1,5 @@
-// Nets that are marked wherever they are drawn: in the selection colour, with a name beside them.
+// Nets that are marked wherever they are drawn: in the selection colour, with a name beside them;
+// instances, in the colour of a mark.
 //
 // The marks belong to the sheet in a slot, not to the sheet's file: who opens another sheet into
 // the slot clears them and marks anew. Marking draws nothing by itself; the pictures drawn from
@@ -17,9 +18,11 @@ void gx_highlight_net(gx_file_index_t file_index, int net_id, std::string_view n
                       int color = 1);
 // Marks one segment of a net that is not marked as a whole.
 void gx_highlight_segment(gx_file_index_t file_index, int segment_id);
+// Marks an instance, with its texts.
+void gx_highlight_instance(gx_file_index_t file_index, int inst_id, int color);
 
 void gx_highlight_clear(gx_file_index_t file_index);  // of that sheet
 void gx_highlight_clear_all();
 
-// The mark of a net or segment; null when it has none.
+// The mark of a net, segment or instance; null when it has none.
 const gx_highlight_t* gx_highlight_of(gx_file_index_t file_index, int id);
