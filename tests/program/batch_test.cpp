@@ -8,8 +8,6 @@
 
 namespace {
 
-using lines_t = std::vector<std::string>;
-
 class Batch : public testing::Test {
  protected:
   Batch() { make_design(directory_, block_design); }

@@ -9,8 +9,6 @@
 #include "tests/program/interactive.h"
 
 namespace {
-using lines = std::vector<std::string>;
-
 void pause(int ms) { std::this_thread::sleep_for(test_time(ms)); }
 
 TEST_F(Interactive, ALineIsTypedAndEdited) {
@@ -91,7 +89,7 @@ TEST_F(Interactive, KeysRunTheirCommands) {
   const struct {
     KeySym key;
     unsigned modifiers;
-    lines heads;  // of press and release, in this order
+    lines_t heads;  // of press and release, in this order
   } cases[] = {
       {XK_F1, 0, {" MARK RECtangle Edit ", "# SELect AREa "}},
       {XK_F1, s.shift, {" MARK RECtangle Edit ", "# SELect AREa INST "}},

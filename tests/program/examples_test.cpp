@@ -10,7 +10,7 @@
 namespace {
 
 // Makes an example of the project in the directory and runs its expand.do.
-process_result run_example(const scratch_directory& directory, const std::string& name) {
+process_result expand_example(const scratch_directory& directory, const std::string& name) {
   const std::string folder = std::string(KIVO_SOURCE_DIR "/examples/") + name + "/";
   make_design_of_file(directory, folder + name + ".gxt");
   directory.write("expand.do", read_file(folder + "expand.do"));
@@ -30,7 +30,7 @@ constexpr char no_faults[] = "\n -- KIVO  Execution complete...0 error, 0 warnin
 
 TEST(Examples, RegisterExpandsThroughThreeLevels) {
   scratch_directory directory;
-  const auto ended = run_example(directory, "register");
+  const auto ended = expand_example(directory, "register");
   EXPECT_EQ(ended.status, 0) << ended.err;
   EXPECT_TRUE(ended.out.ends_with(no_faults)) << ended.out;
 
@@ -96,7 +96,7 @@ TEST(Examples, RegisterExpandsThroughThreeLevels) {
 
 TEST(Examples, FilterJoinsTurnedAndMirroredParts) {
   scratch_directory directory;
-  const auto ended = run_example(directory, "filter");
+  const auto ended = expand_example(directory, "filter");
   EXPECT_TRUE(ended.out.ends_with(no_faults)) << ended.out;
   const auto listing = read_listing(directory.read("filter/kivo_data"));
   expect_counts(listing, {{"nbof_instance", 14},
@@ -162,7 +162,7 @@ TEST(Examples, EverySheetPassesTheCheck) {
 // What the Python module tells of a design, a line for each object, against the listing of the run.
 TEST(Examples, PythonReadsWhatTheListingHolds) {
   scratch_directory directory;
-  run_example(directory, "register");
+  expand_example(directory, "register");
   directory.write("read.py", R"(
 import kivo
 def line(kind, thing, more=()):

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr std::uint32_t green = 0x00FF00;  // of what is selected or highlighted
+constexpr std::uint32_t marked = 0x00FF00;  // of what is selected or highlighted
 
 constexpr char two_level_net[] = R"(
 symbol part
@@ -59,7 +59,7 @@ class FindProgram : public Interactive {
     return pixels;
   }
   static long greens(const std::vector<std::uint32_t>& pixels) {
-    return std::count(pixels.begin(), pixels.end(), green);
+    return std::count(pixels.begin(), pixels.end(), marked);
   }
   void go_back() {
     session().key(XK_F8, test_session::shift);
@@ -77,8 +77,8 @@ TEST_F(FindProgram, AJumpShowsThePartInTheMiddleAndShiftF8GoesBack) {
   EXPECT_EQ(s.title(), "kivo  top /U1");
   const auto jumped = s.picture();
   constexpr int x = 618, y = 346;  // the middle of the viewport
-  EXPECT_GT(jumped.count(green, x - 120, y - 120, x + 120, y + 120), 100);
-  EXPECT_EQ(jumped.count(green), jumped.count(green, x - 120, y - 120, x + 120, y + 120));
+  EXPECT_GT(jumped.count(marked, x - 120, y - 120, x + 120, y + 120), 100);
+  EXPECT_EQ(jumped.count(marked), jumped.count(marked, x - 120, y - 120, x + 120, y + 120));
 
   // A drag with Shift and button 2, and a notch of the wheel; each is taken back.
   const auto before = edit();
@@ -170,7 +170,7 @@ TEST_F(FindProgram, AHighlightIsSeenOnBothLevelsUntilItIsOff) {
   };
   EXPECT_GT(count(0xf05fc4), 500) << "the first";
   EXPECT_GT(count(0x33ff00), 50) << "the second";
-  EXPECT_EQ(count(green), 0);
+  EXPECT_EQ(count(marked), 0);
   bye();
 }
 

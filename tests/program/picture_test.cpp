@@ -94,7 +94,7 @@ class page_view {
 
 constexpr std::array<rgb_t, 7> line_colors = {
     {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {0, 1, 1}, {1, 1, 0}, {1, 0, 1}, {1, 1, 1}}};
-constexpr rgb_t red{1, 0, 0}, green{0, 1, 0}, yellow{1, 1, 0}, cyan{0, 1, 1};
+constexpr rgb_t is_red{1, 0, 0}, is_green{0, 1, 0}, is_yellow{1, 1, 0}, is_cyan{0, 1, 1};
 
 // Everything of the sheet is where it should be.
 void expect_sheet(const page_view& view) {
@@ -103,11 +103,11 @@ void expect_sheet(const page_view& view) {
     EXPECT_GE(view.count(line_colors[i], 14.5, y), 5) << "line " << i;
     EXPECT_EQ(view.count(line_colors[i], 27.5, y), 0) << "behind line " << i;
   }
-  EXPECT_GE(view.count(red, 8, 12.5), 5) << "the symbol's line, upright";
-  EXPECT_EQ(view.count(yellow, 11, 12), 25) << "filled";
-  EXPECT_GE(view.count(red, 22.5, 14), 5) << "turned: the line lies";
-  EXPECT_EQ(view.count(yellow, 22, 11), 25);
-  EXPECT_GE(view.count(cyan, 30, 10.5, 3), 3 * 7) << "a bus is three lines wide";
+  EXPECT_GE(view.count(is_red, 8, 12.5), 5) << "the symbol's line, upright";
+  EXPECT_EQ(view.count(is_yellow, 11, 12), 25) << "filled";
+  EXPECT_GE(view.count(is_red, 22.5, 14), 5) << "turned: the line lies";
+  EXPECT_EQ(view.count(is_yellow, 22, 11), 25);
+  EXPECT_GE(view.count(is_cyan, 30, 10.5, 3), 3 * 7) << "a bus is three lines wide";
 }
 
 class Picture : public testing::Test {
@@ -165,10 +165,10 @@ TEST_F(Picture, SelectedObjectsStandOut) {
   session.wait_for_head(" SELect OBJect");
   session.settle();
   const page_view view(session);
-  EXPECT_EQ(view.count(red, 8, 12), 0);
-  EXPECT_GE(view.count(green, 8, 12, 12), 12) << "dashes";
-  EXPECT_EQ(view.count(green, 11, 12), 25);
-  EXPECT_GE(view.count(red, 22.5, 14), 5) << "the other one is as it was";
+  EXPECT_EQ(view.count(is_red, 8, 12), 0);
+  EXPECT_GE(view.count(is_green, 8, 12, 12), 12) << "dashes";
+  EXPECT_EQ(view.count(is_green, 11, 12), 25);
+  EXPECT_GE(view.count(is_red, 22.5, 14), 5) << "the other one is as it was";
 }
 
 // Of the edit viewport without its frame.
@@ -212,7 +212,7 @@ TEST_P(PictureOfDepth, AThemeTakesTheWindowAndLeavesIt) {
       EXPECT_EQ(ground & 0xffffffU, is_dark ? 0x12161cU : 0xfbfaf6U);
       EXPECT_EQ(line & 0xffffffU, is_dark ? 0x8c95a3U : 0x70777fU);
       EXPECT_EQ(wire & 0xffffffU, is_dark ? 0x4fb3f0U : 0x0a63b0U);
-      EXPECT_EQ(view.count(red, 8, 10), 0) << "a pin that is joined or not, never in pure red";
+      EXPECT_EQ(view.count(is_red, 8, 10), 0) << "a pin that is joined or not, never in pure red";
     }
   }
   session.command("display theme classic");

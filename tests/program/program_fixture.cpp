@@ -210,6 +210,12 @@ process_result run_program(const test_display& display, const program_start& sta
   return test_process(on_display(display, start)).wait(limit);
 }
 
+process_result run_tool(const scratch_directory& directory, const std::string& program,
+                        const std::vector<std::string>& words) {
+  return run_program(shared_display(),
+                     {.directory = directory.path(), .words = words, .program = program});
+}
+
 // ---------------------------------------------------------------------------- pictures
 
 int test_picture::count(std::uint32_t rgb, int x0, int y0, int x1, int y1) const {

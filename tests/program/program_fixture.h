@@ -83,6 +83,10 @@ class test_process {
 process_result run_program(const test_display& display, const program_start& start,
                            test_time limit = test_limit);
 
+// Runs one of the other programs to its end in the directory.
+process_result run_tool(const scratch_directory& directory, const std::string& program,
+                        const std::vector<std::string>& words);
+
 // The pixels of a drawable, row by row, each 0xRRGGBB.
 struct test_picture {
   int width = 0, height = 0;

@@ -13,8 +13,6 @@
 #include "tests/support/make_design.h"
 
 namespace {
-using lines = std::vector<std::string>;
-
 constexpr char one_sheet[] = R"(
 symbol two
   line 0,0 0,4
@@ -42,7 +40,7 @@ class Program : public testing::Test {
     return run_program(shared_display(), start(std::move(words)));
   }
   // Runs a command file on the design and gives what it answered.
-  lines run_commands(const std::string& commands) const {
+  lines_t run_commands(const std::string& commands) const {
     directory_.write("do", commands + "\nBYE\n");
     const auto ended = run({"top", "do"});
     EXPECT_EQ(ended.status, 0);
@@ -189,10 +187,10 @@ TEST_F(Program, ARunFromStartToEnd) {
   std::string echo = "# DO do ";
   for (int i = 1; i <= 28; ++i) echo += "a" + std::to_string(i) + " ";
   EXPECT_EQ(directory_.lines("top/current_session"),
-            (lines{"# KIVO  version 2.02", echo, " HARDcopy a1 ", " HARDcopy ",
-                   "# Error on : \"HAR $ARG31\" ", "# Found invalid $ARG(n) in command line ",
-                   " HARDcopy $ARG31 ", "# DO none ", "# !!! Error : file not found : \"none\" ",
-                   " BYE ", " HARDcopy after ", "# End of DO "}));
+            (lines_t{"# KIVO  version 2.02", echo, " HARDcopy a1 ", " HARDcopy ",
+                     "# Error on : \"HAR $ARG31\" ", "# Found invalid $ARG(n) in command line ",
+                     " HARDcopy $ARG31 ", "# DO none ", "# !!! Error : file not found : \"none\" ",
+                     " BYE ", " HARDcopy after ", "# End of DO "}));
   const std::string debug = directory_.read("top/debug_kivo");
   for (const char* said :
        {"# INITIALIZE pathname : \"top\"\n", "!!! ( INITIALIZE ) END \n",
@@ -214,20 +212,20 @@ TEST_F(Program, ASlipInTheUsersFilesIsShownAndTheSessionStarts) {
   EXPECT_TRUE(ended.out.ends_with(summary("2 errors, 0 warning"))) << ended.out;
   EXPECT_FALSE(std::filesystem::exists(directory_.file("owned")));
   EXPECT_EQ(directory_.lines("top/current_session"),
-            (lines{"# $rmenu ", "# !!!   invalid menu level : \"9 'no level'\"",
-                   "# DO $VELMORAN/kivo/init_key ", "# DO none ",
-                   "# !!! Error : file not found : \"none\" ", "# End of DO ",
-                   "# KIVO  version 2.02", "# DO do;x a; !touch owned ",
-                   " HARDcopy 'a; !touch owned' ", " BYE ", "# End of DO "}));
+            (lines_t{"# $rmenu ", "# !!!   invalid menu level : \"9 'no level'\"",
+                     "# DO $VELMORAN/kivo/init_key ", "# DO none ",
+                     "# !!! Error : file not found : \"none\" ", "# End of DO ",
+                     "# KIVO  version 2.02", "# DO do;x a; !touch owned ",
+                     " HARDcopy 'a; !touch owned' ", " BYE ", "# End of DO "}));
 }
 
 TEST_F(Program, CompiledProceduresAreCalled) {
   make_sheet();
   EXPECT_EQ(run_commands("DOBIN SHOW_WORDS one \"two x\"\nDODIR kvp_SHOW_WORDS"),
-            (lines{"# KIVO  version 2.02", "# DO do ", "# DOBin SHOW_WORDS one \"two x\" ",
-                   "# args[0] : \" one\" ", "# args[1] : \"\"two x\"\" ",
-                   "# DOBin SHOW_WORDS one \"two x\" ", "# DODIRectbin kvp_SHOW_WORDS ",
-                   "# End of DODIRectbin ", " BYE ", "# End of DO "}));
+            (lines_t{"# KIVO  version 2.02", "# DO do ", "# DOBin SHOW_WORDS one \"two x\" ",
+                     "# args[0] : \" one\" ", "# args[1] : \"\"two x\"\" ",
+                     "# DOBin SHOW_WORDS one \"two x\" ", "# DODIRectbin kvp_SHOW_WORDS ",
+                     "# End of DODIRectbin ", " BYE ", "# End of DO "}));
 }
 
 TEST_F(Program, AQuestionWaitsForItsAnswer) {

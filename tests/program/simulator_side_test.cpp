@@ -22,12 +22,6 @@ void run_example(const scratch_directory& directory, const std::string& name,
   ASSERT_EQ(ended.status, 0) << ended.out << ended.err;
 }
 
-process_result run_tool(const scratch_directory& directory, const std::string& program,
-                        const std::vector<std::string>& words) {
-  return run_program(shared_display(),
-                     {.directory = directory.path(), .words = words, .program = program});
-}
-
 TEST(SimulatorSide, RequestsReachTheOtherEndOfTheFifo) {
   scratch_directory directory;
   make_design_of_file(directory, KIVO_SOURCE_DIR "/examples/register/register.gxt");

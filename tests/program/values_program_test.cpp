@@ -80,12 +80,6 @@ TEST_F(ValuesProgram, WavesStandInTheSmallViewportAndAClickThereSetsX) {
   bye();
 }
 
-process_result run_tool(const scratch_directory& directory, const std::string& program,
-                        const std::vector<std::string>& words) {
-  return run_program(shared_display(),
-                     {.directory = directory.path(), .words = words, .program = program});
-}
-
 // A simulator at the other end: what it finds of each RUN, its answers, names in them.
 TEST(SimulatorValues, ARunIsSimulatedAndAnsweredByNgspice) {
   scratch_directory directory;

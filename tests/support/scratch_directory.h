@@ -24,7 +24,9 @@ inline void write_file(const std::filesystem::path& path, std::string_view text)
 }
 
 // The lines without their newlines; a last line without one counts.
-inline std::vector<std::string> split_lines(std::string_view text) {
+using lines_t = std::vector<std::string>;
+
+inline lines_t split_lines(std::string_view text) {
   std::vector<std::string> lines;
   while (!text.empty()) {
     const auto end = text.find('\n');
@@ -51,7 +53,7 @@ class scratch_directory {
   const std::filesystem::path& path() const { return path_; }
   std::filesystem::path file(std::string_view name) const { return path_ / name; }
   std::string read(std::string_view name) const { return read_file(file(name)); }
-  std::vector<std::string> lines(std::string_view name) const { return split_lines(read(name)); }
+  lines_t lines(std::string_view name) const { return split_lines(read(name)); }
   void write(std::string_view name, std::string_view text) const { write_file(file(name), text); }
 
  private:

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr char design[] = R"(
+constexpr char queried[] = R"(
 symbol two
   line 0,0 0,4
   pin 1 0,0 IN
@@ -27,7 +27,7 @@ std::string text(const std::optional<gx_string_record_t>& value) {
 }
 
 TEST(Queries, WalkASheet) {
-  const auto files = build_design(design);
+  const auto files = build_design(queried);
   const auto& file = *files.back().file;
   const auto instances = ids_of(lb_instances(file));
   ASSERT_EQ(instances.size(), 2U);
@@ -58,7 +58,7 @@ TEST(Queries, WalkASheet) {
 }
 
 TEST(Queries, WalkASymbolFile) {
-  const auto files = build_design(design);
+  const auto files = build_design(queried);
   const auto& file = *files.front().file;
   const auto component = wn_inq_first_comp_id(file).member;
   ASSERT_NE(component, 0);
@@ -104,7 +104,7 @@ TEST(Queries, PartsOfANetInAnyOrder) {
 }
 
 TEST(Queries, DeletedPropertiesAreSkippedAndDeletedPinsRefused) {
-  const auto files = build_design(design);
+  const auto files = build_design(queried);
   const auto& file = *files.back().file;
   const int inst = *lb_instances(file).begin();
   const auto properties = ids_of(lb_inst_properties(file, inst));

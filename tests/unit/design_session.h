@@ -13,8 +13,6 @@
 #include "tests/support/make_design.h"
 #include "tests/support/session_capture.h"
 
-using lines_t = std::vector<std::string>;
-
 class design_session {
  public:
   using files_t = std::vector<gxm_file_t>;

@@ -49,7 +49,7 @@ sheet cell
 };
 
 // The names of what is marked on the sheet in view, and how much is on those above.
-std::string marks(const design_session& s) {
+std::string marks_in_view(const design_session& s) {
   std::string found;
   int above = 0;
   for (const auto& mark : gx_vext.highlights) {
@@ -88,7 +88,7 @@ TEST(Difference, IsListedGoneToAndMarked) {
                "# 7 ~ net /IN is now /INPUT",
                "# 8 ~ net /IN is split: now on /X3/N_43 are /X3/R1/A",
                "# DIFference DESign > nb_changes = 8 ", " DIFference DESign '" + before + "' "}));
-  EXPECT_EQ(marks(s), "X1 X3 R5 X4 INPUT and 0");
+  EXPECT_EQ(marks_in_view(s), "X1 X3 R5 X4 INPUT and 0");
   // What is gone is shown by its sheet, all else by itself.
   lines_t walked;
   for (int n = 1; n <= 8; ++n) {
@@ -100,7 +100,7 @@ TEST(Difference, IsListedGoneToAndMarked) {
                      (selected.empty() ? "" : std::to_string(selected.front())));
   }
   const auto id = [&](std::string_view name) { return " " + std::to_string(s.inst(name)); };
-  EXPECT_EQ(marks(s), "R1 - and 5");
+  EXPECT_EQ(marks_in_view(s), "R1 - and 5");
   const auto deep = id("R1");
   s.run("view up");
   EXPECT_EQ(walked,
@@ -110,7 +110,7 @@ TEST(Difference, IsListedGoneToAndMarked) {
   EXPECT_EQ(s.run("waive finding 1 known").back(),
             "# !! Error : Changes of DIFference DESign are no findings ? ");
   EXPECT_EQ(s.run("highlight off"), lines_t{" HIGhlight OFF "});
-  EXPECT_EQ(marks(s), "and 0");
+  EXPECT_EQ(marks_in_view(s), "and 0");
 
   // The same as before: nothing to go to, though a check had found something.
   kv_pext.findings = {kv_finding_t{}};

@@ -12,9 +12,9 @@ namespace {
 constexpr int black = 0, red = 1, green = 2, cyan = 4, white = 7;
 constexpr auto draws = gx_draw_mode::draw;
 constexpr auto erases = gx_draw_mode::erase;
-using lines_t = std::vector<gx_line16_t>;
+using segments_t = std::vector<gx_line16_t>;
 
-lines_t drawn(int id, int color, int style = 0, gx_draw_mode mode = draws) {
+segments_t drawn(int id, int color, int style = 0, gx_draw_mode mode = draws) {
   return lines_of(color, style, [&] { gx_display_prim(1, 1, id, 0, mode, false); });
 }
 
@@ -22,7 +22,7 @@ TEST(Drawing, SelectedAndErasedLines) {
   const drawing_board board("sheet top\n page 20,20\n line 2,4 3,4 color cyan style 2\n");
   auto& line = board.record<gx_object_line_rec_t>();
   const int id = line.gene.object_id;
-  const lines_t expected{{200, 300, 250, 300}};
+  const segments_t expected{{200, 300, 250, 300}};
   EXPECT_EQ(drawn(id, cyan, 2), expected);
   EXPECT_EQ(drawn(id, black, 2, erases), expected);
   gx_set_object_selected(board.file(), id, true);
@@ -39,7 +39,7 @@ TEST(Drawing, ThickLinesAreThinLinesSideBySide) {
       "sheet top\n page 20,20\n line 2,4 6,4 color cyan width 3\n line 2,4 4,2 color cyan width "
       "5\n");
   EXPECT_EQ(drawn(board.id(gx_type::line_2d), cyan),
-            (lines_t{{200, 301, 400, 301}, {200, 302, 400, 302}, {200, 303, 400, 303}}));
+            (segments_t{{200, 301, 400, 301}, {200, 302, 400, 302}, {200, 303, 400, 303}}));
   // Two more at 45 degrees, beside each other in x.
   const auto lines = drawn(board.id(gx_type::line_2d, 2), cyan);
   ASSERT_EQ(lines.size(), 7U);
@@ -136,7 +136,7 @@ TEST(PlacedSymbol, TurnsAndMirrors) {
       };
       const auto& o = offsets[mirrored][rotate];
       const auto shift = [](int v) { return static_cast<std::int16_t>(500 + v); };
-      EXPECT_EQ(see(cyan), (lines_t{{shift(o.x1), shift(o.y1), shift(o.x2), shift(o.y2)}}));
+      EXPECT_EQ(see(cyan), (segments_t{{shift(o.x1), shift(o.y1), shift(o.x2), shift(o.y2)}}));
       const auto diamond = see(red);
       ASSERT_EQ(diamond.size(), 4U);
       int x = 0, y = 0;
@@ -151,7 +151,7 @@ TEST(PlacedSymbol, TurnsAndMirrors) {
 
 // --- nets
 
-lines_t net_drawn(const drawing_board& board, int color) {
+segments_t net_drawn(const drawing_board& board, int color) {
   return lines_of(color, 0, [&] { gx_display_net(1, 1, board.id(gx_type::net), draws); });
 }
 
@@ -162,7 +162,7 @@ TEST(DrawnNet, MarksTheLooseEndOfAStub) {
   const drawing_board board(placed("", stub));
   board.record<gx_object_vertex_rec_t>().dotted = 1;
   board.file().dot_width = 300;
-  EXPECT_EQ(net_drawn(board, cyan), (lines_t{{560, 530, 700, 530}}));
+  EXPECT_EQ(net_drawn(board, cyan), (segments_t{{560, 530, 700, 530}}));
   std::vector<gx_bounds16_t> dots;
   see_strokes([&] { gx_display_net(1, 1, board.id(gx_type::net), draws); },
               [&](const gx_stroke_group_t& group) {
@@ -195,10 +195,10 @@ TEST(DrawnNet, OnlyAStubWithoutANameHasALooseEnd) {
 TEST(DrawnNet, AMarkedNetStandsOutWithItsName) {
   const drawing_board board(placed("", stub));
   const int net = board.id(gx_type::net);
-  const lines_t segment{{560, 530, 700, 530}};
+  const segments_t segment{{560, 530, 700, 530}};
   gx_highlight_net(1, net, "AB");
   EXPECT_EQ(net_drawn(board, green), segment);
-  EXPECT_EQ(net_drawn(board, cyan), lines_t{});
+  EXPECT_EQ(net_drawn(board, cyan), segments_t{});
   // A line to the box at the pin, where there is room, the box, and the name in it.
   const auto probe = net_drawn(board, white);
   const auto count_inside = [&](int x0, int y0, int x1, int y1) {
@@ -220,7 +220,7 @@ TEST(DrawnNet, AMarkedNetStandsOutWithItsName) {
   gx_highlight_net(1, net, "", 0, 2);
   EXPECT_EQ(net_drawn(board, yellow), segment) << "in the second colour";
   gx_highlight_clear_all();
-  EXPECT_EQ(net_drawn(board, green), lines_t{});
+  EXPECT_EQ(net_drawn(board, green), segments_t{});
 }
 
 TEST(DrawnNet, AMarkedNetWithoutAWireShowsItsPinsAndName) {

@@ -37,7 +37,7 @@ sheet deep
   part Z1 leaf 5,5
 )";
 
-std::string place() {
+std::string level_and_path() {
   return std::to_string(kv_pext.file_level_cur) + " " + std::string(gx_view(kv_pext.cur_sim_path));
 }
 
@@ -51,7 +51,7 @@ TEST(GoTo, BackIsDrawnOnce) {
   const counting_screen screen;
   EXPECT_EQ(s.run("view last"), lines_t{" VIEw LASt "});
   EXPECT_EQ(screen.pictures, 1);
-  EXPECT_EQ(place(), "1 ");
+  EXPECT_EQ(level_and_path(), "1 ");
   EXPECT_EQ(gx_viewport_shown(gx_vext.viewport_edit), top);
 }
 
@@ -59,18 +59,18 @@ TEST(GoTo, WalksUpAndDownSelectsAndSaysWhatIsMissing) {
   design_session s(hierarchy);
   const int net = s.net("A"), block = s.inst("X2");
   EXPECT_EQ(kv_go_to("/x1/Y1", 0), "");
-  EXPECT_EQ(place(), "3 X1/Y1/");
+  EXPECT_EQ(level_and_path(), "3 X1/Y1/");
   const int leaf = s.inst("Z1");
   ASSERT_NE(leaf, 0);
   EXPECT_EQ(kv_go_to("/", block), "");
-  EXPECT_EQ(place(), "1 ");
+  EXPECT_EQ(level_and_path(), "1 ");
   EXPECT_TRUE(gx_inq_object_selected(s.file(), block));
   EXPECT_EQ(kv_go_to("", net), "");
   EXPECT_TRUE(gx_inq_object_selected(s.file(), net));
   EXPECT_FALSE(gx_inq_object_selected(s.file(), block));
 
   EXPECT_EQ(kv_go_to("X2/Y1/", leaf), "");
-  EXPECT_EQ(place(), "3 X2/Y1/");
+  EXPECT_EQ(level_and_path(), "3 X2/Y1/");
   const int pin = s.pin(leaf, 1).pinpropfam;
   EXPECT_EQ(kv_go_to("/X2/Y1", pin), "");
   EXPECT_TRUE(gx_inq_object_selected(s.file(), pin));
@@ -83,7 +83,7 @@ TEST(GoTo, WalksUpAndDownSelectsAndSaysWhatIsMissing) {
   for (const int id : {-1, 1, 30000}) {
     EXPECT_EQ(kv_go_to("/X1", id), "no such object : " + std::to_string(id));
   }
-  EXPECT_EQ(place(), "3 X2/Y1/");
+  EXPECT_EQ(level_and_path(), "3 X2/Y1/");
   EXPECT_TRUE(gx_inq_object_selected(s.file(), pin));
 }
 
@@ -182,7 +182,7 @@ TEST_P(Find, AnyFormOfAPathLeadsToItsPlace) {
     const auto lines = s.run("find path " + std::string(typed));
     EXPECT_TRUE(lines.size() == 1 && lines[0].starts_with(" FINd PATh " + std::string(found)))
         << typed << ": " << lines[0];
-    std::string here = place();
+    std::string here = level_and_path();
     std::erase(here, GetParam() ? '/' : '\0');
     std::string wanted = at;
     std::erase(wanted, GetParam() ? '/' : '\0');

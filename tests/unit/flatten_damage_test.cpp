@@ -8,7 +8,7 @@
 namespace {
 
 // A design that has every kind of object a run looks at.
-constexpr char design[] =
+constexpr char all_kinds[] =
     "symbol ram\n pin D 0,0 IXO bits 0:3\n pin A 0,4 IN\n prop CLASS=M\n"
     "symbol cell\n pin D 0,0 IXO bits 0:3\n pin A 0,4 IN\n pin B 8,0 OUT\n"
     "sheet cell\n port D p 0,0 bits 0:3\n port A p 0,20\n port B p 0,30\n"
@@ -106,7 +106,7 @@ TEST_F(FlattenTest, SheetsThatMakeNoSenseAreGotThrough) {
   int flattened = 0;
   for (unsigned seed = 1; seed <= 40; ++seed) {
     SCOPED_TRACE(seed);
-    auto files = build(design);
+    auto files = build(all_kinds);
     damage harm(seed);
     for (auto& file : files) {
       if (file.base == "sheet") harm.strike(*file.file);

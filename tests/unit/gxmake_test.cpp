@@ -27,7 +27,7 @@ symbol vdd
 )";
 
 // The one sheet of a description that stands behind the devices; owns its file.
-std::shared_ptr<gx_file_gene_recf_t> sheet(const std::string& text) {
+std::shared_ptr<gx_file_gene_recf_t> last_sheet(const std::string& text) {
   auto files = build_design(devices + text);
   return files.back().file;
 }
@@ -75,7 +75,7 @@ std::vector<std::string> segments(const gx_file_gene_recf_t& file, int net_id) {
 }
 
 TEST(GxMake, SheetHasFamiliesSymbolsAndInstanceChains) {
-  const auto file = sheet(R"(
+  const auto file = last_sheet(R"(
 sheet top
   page 30,20 step 2 gridoff errors 3
   part R1 two 5,5 VALUE=2k
@@ -127,15 +127,15 @@ TEST(GxMake, WiresTurnMeetAndCarryDots) {
       {"wire R1.1 0,5\nwire R1.1 5,0", {"5,5! 0,5", "5,5! 5,0"}},
   };
   for (const auto& c : cases) {
-    const auto file = sheet("sheet t\n part R1 two 5,5\n part R2 two 15,6\n net N\n" +
-                            std::string(c.wires) + "\n");
+    const auto file = last_sheet("sheet t\n part R1 two 5,5\n part R2 two 15,6\n net N\n" +
+                                 std::string(c.wires) + "\n");
     EXPECT_EQ(segments(*file, net(*file, 1)), c.segments) << c.wires;
     EXPECT_EQ(gx_reference_fault(*file), "");
   }
 }
 
 TEST(GxMake, NetsMayShareAVertexButCrossingsDoNot) {
-  const auto file = sheet(R"(
+  const auto file = last_sheet(R"(
 sheet t
   net A
     wire 0,5 5,5 10,5
@@ -154,7 +154,7 @@ sheet t
 }
 
 TEST(GxMake, BusPinsKnowTheirBits) {
-  const auto file = sheet(R"(
+  const auto file = last_sheet(R"(
 sheet t
   part U1 wide 5,5
   part R1 two 9,5

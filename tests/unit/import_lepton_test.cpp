@@ -15,7 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string refusal(const std::string& text) {
+std::string lepton_refusal(const std::string& text) {
   try {
     gxi_lepton_read_file(text, "f");
   } catch (const std::runtime_error& error) {
@@ -79,7 +79,7 @@ TEST(ImportLepton, RecordsInOddForms) {
       {"v 1 2\nG 0 0 1 1 0 0 1\nx\nAA\n", "f:2: lines of the picture are missing"},
       {"v 1 2\nH 3 0 0 0 -1 -1 0 -1 -1 -1 -1 -1 1\nL 1,1\n", "f:2: a path with no beginning"},
       {"v 1 2\nZ 1\n", "f:2: a record of the unknown kind \"Z\""}};
-  for (const auto& [text, what] : refused) EXPECT_EQ(refusal(text), what);
+  for (const auto& [text, what] : refused) EXPECT_EQ(lepton_refusal(text), what);
 }
 
 TEST(ImportLepton, TextsAreSeenAsTheirMarksSay) {

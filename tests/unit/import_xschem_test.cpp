@@ -14,7 +14,7 @@
 
 namespace {
 
-std::string refusal(std::string_view text) {
+std::string xschem_refusal(std::string_view text) {
   gxm_messages_t messages;
   try {
     gxi_xschem_read_records(text, {"f", 0}, messages);
@@ -55,7 +55,7 @@ TEST(ImportXschem, RecordsInOddForms) {
       {"C {a} 0 0 0 0 {}\n[\n", "f:2: a \"[\" that is not closed"},
       {"C {a} 0 0 0 2 {}", "f:1: a flip of 0 or 1 expected"},
       {"Z {\n} 1 2\nv {}", "f:1: a record of the unknown kind \"Z\" is left out"}};
-  for (const auto& [text, what] : refused) EXPECT_EQ(refusal(text), what);
+  for (const auto& [text, what] : refused) EXPECT_EQ(xschem_refusal(text), what);
 }
 
 TEST(ImportXschem, AttributesAndTheirTexts) {

@@ -13,7 +13,6 @@
 #include "tests/support/session_capture.h"
 
 namespace {
-using lines = std::vector<std::string>;
 
 TEST(CommandTable, WordsMatchByAbbreviation) {
   const struct {
@@ -132,7 +131,7 @@ class Interpreter : public testing::Test {
 TEST_F(Interpreter, LinesAreSplitIntoCommands) {
   const struct {
     const char* line;
-    lines answers;
+    lines_t answers;
   } cases[] = {
       {"HAR 1;har 2", {" HARDcopy 1 ", " HARDcopy 2 "}},
       {"HAR 1;;HAR 2", {" HARDcopy 1 "}},
@@ -160,7 +159,7 @@ TEST_F(Interpreter, LinesAreSplitIntoCommands) {
   }
   std::string pieces, words = "DISPLAY";
   for (int i = 0; i < 31; ++i) pieces += "HAR;";
-  EXPECT_EQ(session_.run(pieces), lines(30, " HARDcopy "));
+  EXPECT_EQ(session_.run(pieces), lines_t(30, " HARDcopy "));
   for (int i = 2; i <= 31; ++i) words += " " + std::to_string(i);
   EXPECT_TRUE(session_.run(words)[0].ends_with(" 29 30 "));
 }
@@ -168,47 +167,48 @@ TEST_F(Interpreter, LinesAreSplitIntoCommands) {
 TEST_F(Interpreter, ArgumentsAndVariables) {
   for (int i = 1; i <= 12; ++i)
     session_.args[static_cast<std::size_t>(i - 1)] = gx_string("a" + std::to_string(i));
-  EXPECT_EQ(session_.run("HAR $ARG3"), lines{" HARDcopy a3 "});
-  EXPECT_EQ(session_.run("HAR $arg12"), lines{" HARDcopy a12 "});
-  EXPECT_EQ(session_.run("HAR $ARG13"), lines{" HARDcopy "});
+  EXPECT_EQ(session_.run("HAR $ARG3"), lines_t{" HARDcopy a3 "});
+  EXPECT_EQ(session_.run("HAR $arg12"), lines_t{" HARDcopy a12 "});
+  EXPECT_EQ(session_.run("HAR $ARG13"), lines_t{" HARDcopy "});
   EXPECT_EQ(session_.run("HAR $ARG31"),
-            (lines{"# Error on : \"HAR $ARG31\" ", "# Found invalid $ARG(n) in command line ",
-                   " HARDcopy $ARG31 "}));
-  EXPECT_EQ(session_.run("ASSIGN $VAR2 abc"), lines{" ASSIgn $VAR2 abc "});
-  EXPECT_EQ(session_.run("HAR $VAR2"), lines{" HARDcopy abc "});
+            (lines_t{"# Error on : \"HAR $ARG31\" ", "# Found invalid $ARG(n) in command line ",
+                     " HARDcopy $ARG31 "}));
+  EXPECT_EQ(session_.run("ASSIGN $VAR2 abc"), lines_t{" ASSIgn $VAR2 abc "});
+  EXPECT_EQ(session_.run("HAR $VAR2"), lines_t{" HARDcopy abc "});
   EXPECT_EQ(session_.run("assi $var30 $ARG1;HAR $VAR30"),
-            (lines{" ASSIgn $var30 a1 ", " HARDcopy a1 "}));
-  EXPECT_EQ(session_.run("ASSI $VAR2;HAR x$VAR2"), (lines{" ASSIgn $VAR2 ", " HARDcopy x "}));
+            (lines_t{" ASSIgn $var30 a1 ", " HARDcopy a1 "}));
+  EXPECT_EQ(session_.run("ASSI $VAR2;HAR x$VAR2"), (lines_t{" ASSIgn $VAR2 ", " HARDcopy x "}));
   EXPECT_EQ(session_.run("HAR $VAR0"),
-            (lines{"# Error on : \"HAR $VAR0\" ", "# Found invalid $VAR(n) in command line ",
-                   " HARDcopy $VAR0 "}));
+            (lines_t{"# Error on : \"HAR $VAR0\" ", "# Found invalid $VAR(n) in command line ",
+                     " HARDcopy $VAR0 "}));
 }
 
 TEST_F(Interpreter, ShellCommands) {
   const std::string made = directory_.path() / "made";
   EXPECT_EQ(session_.run("SYST \"echo text > " + made + "\""),
-            lines{" SYSTem \"echo text > " + made + "\" "});
-  EXPECT_EQ(session_.run("SHOW FILE " + made), (lines{"# \"text\" ", " SHOw FILe " + made + " "}));
+            lines_t{" SYSTem \"echo text > " + made + "\" "});
+  EXPECT_EQ(session_.run("SHOW FILE " + made),
+            (lines_t{"# \"text\" ", " SHOw FILe " + made + " "}));
   EXPECT_EQ(session_.run("SYST;HAR"),
-            (lines{"# SYSTem ", "# !! Error : parameter number invalid ? ",
-                   "#  !!! Unknown Command  ?? ", "# \"SYST\" ", " HARDcopy "}));
+            (lines_t{"# SYSTem ", "# !! Error : parameter number invalid ? ",
+                     "#  !!! Unknown Command  ?? ", "# \"SYST\" ", " HARDcopy "}));
 
   session_.vars[0] = gx_string("outer");
   const auto output = file("output", "HAR $VAR1\nASSI $VAR1 in\nHAR $VAR1\n\nHAR never\n");
   EXPECT_EQ(session_.run(" !cat " + output + ";HAR $VAR1"),
-            (lines{"# cat " + output + " ", " HARDcopy ", " ASSIgn $VAR1 in ", " HARDcopy in ",
-                   "# End of Exec ", " HARDcopy outer "}));
+            (lines_t{"# cat " + output + " ", " HARDcopy ", " ASSIgn $VAR1 in ", " HARDcopy in ",
+                     "# End of Exec ", " HARDcopy outer "}));
   // A ";" of the shell is none of the line, and quotes are the shell's.
   EXPECT_EQ(session_.run("!echo \"HAR '1;2'\" \\; '#';HAR 3"),
-            (lines{"# echo \"HAR '1;2'\" \\; '#' ", " HARDcopy '1;2' ", "# End of Exec ",
-                   " HARDcopy 3 "}));
+            (lines_t{"# echo \"HAR '1;2'\" \\; '#' ", " HARDcopy '1;2' ", "# End of Exec ",
+                     " HARDcopy 3 "}));
   setenv("VELMORAN", (directory_.path() / "it's $(here)").c_str(), 1);
   const auto program = directory_.path() / "it's $(here)/program";
   write_file(program, "echo HAR quoted\n");
   std::filesystem::permissions(program, std::filesystem::perms::owner_all);
   EXPECT_EQ(session_.run("!$VELMORAN/program")[1], " HARDcopy quoted ");
   unsetenv("VELMORAN");
-  EXPECT_EQ(session_.run("!"), lines{"!! Warning : Invalid command to exec ...."});
+  EXPECT_EQ(session_.run("!"), lines_t{"!! Warning : Invalid command to exec ...."});
 }
 
 TEST_F(Interpreter, AProgramThatRunsItselfComesToAnEnd) {
@@ -228,20 +228,20 @@ TEST_F(Interpreter, CommandFilesHaveTablesOfTheirOwn) {
   session_.args[1] = gx_string("outer");
   session_.vars[0] = gx_string("outer");
   const auto path = file("f", "HAR $ARG2\nHAR $ARG3\nHAR $VAR1\nASSI $VAR1 x\n\nBYE\nHAR last");
-  EXPECT_EQ(
-      session_.run("DO " + path + " a b;HAR $VAR1"),
-      (lines{"# DO " + path + " a b ", " HARDcopy b ", " HARDcopy ", " HARDcopy ",
-             " ASSIgn $VAR1 x ", " BYE ", " HARDcopy last ", "# End of DO ", " HARDcopy outer "}));
+  EXPECT_EQ(session_.run("DO " + path + " a b;HAR $VAR1"),
+            (lines_t{"# DO " + path + " a b ", " HARDcopy b ", " HARDcopy ", " HARDcopy ",
+                     " ASSIgn $VAR1 x ", " BYE ", " HARDcopy last ", "# End of DO ",
+                     " HARDcopy outer "}));
   EXPECT_TRUE(gx_vext.end_flag);
   EXPECT_EQ(session_.run("DO none a"),
-            (lines{"# DO none a ", "# !!! Error : file not found : \"none\" "}));
+            (lines_t{"# DO none a ", "# !!! Error : file not found : \"none\" "}));
   EXPECT_EQ(gx_vext.num_errors, 1);
   const auto loop = directory_.path() / "loop";
   std::filesystem::create_symlink("loop", loop);
   for (const std::string command : {"DO ", "SHOW FILE ", "$RMENU "})
     EXPECT_EQ(session_.run(command + loop.string()).back(),
               "# !! Too many levels of symbolic links");
-  EXPECT_EQ(session_.run("DO"), (lines{"# DO ", "# !! Error : parameter number invalid ? "}));
+  EXPECT_EQ(session_.run("DO"), (lines_t{"# DO ", "# !! Error : parameter number invalid ? "}));
 }
 
 TEST_F(Interpreter, SessionCommands) {
@@ -251,7 +251,7 @@ TEST_F(Interpreter, SessionCommands) {
   const std::string help = directory_.path().string() + "/kivo/help/";
   const struct {
     std::string line;
-    lines answers;
+    lines_t answers;
   } cases[] = {
       {"BYE X", {"# BYE X ", bad_count}},
       {"QUIT 1 2", {"# QUIT 1 2 ", bad_count}},

@@ -8,7 +8,6 @@
 #include "tests/support/session_capture.h"
 
 namespace {
-using lines = std::vector<std::string>;
 constexpr char bad_count[] = "# !! Error : parameter number invalid ? ";
 
 class KeyMenuCommands : public testing::Test {
@@ -17,7 +16,7 @@ class KeyMenuCommands : public testing::Test {
     kv_set_default_bindings();
     kv_set_default_menus();
   }
-  void expect(const std::string& command, const lines& answer) {
+  void expect(const std::string& command, const lines_t& answer) {
     EXPECT_EQ(session_.run(command), answer) << command;
   }
   session_capture session_;
@@ -37,7 +36,7 @@ TEST_F(KeyMenuCommands, KeysAreDefinedAndShown) {
 }
 
 TEST_F(KeyMenuCommands, AllKeysWithACommandAreListed) {
-  const lines all = session_.run("status key");
+  const lines_t all = session_.run("status key");
   ASSERT_FALSE(all.empty());
   EXPECT_EQ(all.front(), " STAtus KEY ");
   const auto has = [&](const char* line) {

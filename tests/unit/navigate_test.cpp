@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr char hierarchy[] = R"(
+constexpr char walked[] = R"(
 symbol leaf
   pin A 0,0 IN
 symbol block
@@ -27,21 +27,21 @@ sheet leaf
 )";
 
 // Where the session stands: level, deepest level, path.
-std::string place() {
+std::string levels_and_path() {
   return std::to_string(kv_pext.file_level_cur) + "/" + std::to_string(kv_pext.file_level_max) +
          " " + std::string(gx_view(kv_pext.cur_sim_path));
 }
 
 TEST(Navigate, DownAndUpByNameAndBySelection) {
-  design_session s(hierarchy);
+  design_session s(walked);
   EXPECT_EQ(s.run("view down x1"), lines_t{" VIEw DOWn  X1"});
-  EXPECT_EQ(place(), "2/2 X1/");
+  EXPECT_EQ(levels_and_path(), "2/2 X1/");
   EXPECT_EQ(s.run("VIEW DOWN Y1"), lines_t{" VIEw DOWn  Y1"});
-  EXPECT_EQ(place(), "3/3 X1/Y1/");
+  EXPECT_EQ(levels_and_path(), "3/3 X1/Y1/");
   EXPECT_EQ(s.run("view up"), lines_t{" VIEw UP  "});
-  EXPECT_EQ(place(), "2/3 X1/");
+  EXPECT_EQ(levels_and_path(), "2/3 X1/");
   EXPECT_EQ(s.run("view up"), lines_t{" VIEw UP  "});
-  EXPECT_EQ(place(), "1/3 ");
+  EXPECT_EQ(levels_and_path(), "1/3 ");
   EXPECT_EQ(s.run("view up"),
             (lines_t{"# VIEw UP ", "# !! Error : impossible to VIEw UP ( already at TOP ) "}));
   EXPECT_EQ(gx_vext.num_file_open, 3);
@@ -50,7 +50,7 @@ TEST(Navigate, DownAndUpByNameAndBySelection) {
             (lines_t{"# VIEw DOWn ", "# !! Error : No Instance Found selected "}));
   gx_set_object_selected(s.file(), s.inst("X2"), true);
   EXPECT_EQ(s.run("view down"), lines_t{" VIEw DOWn  X2"});
-  EXPECT_EQ(place(), "2/3 X2/");
+  EXPECT_EQ(levels_and_path(), "2/3 X2/");
   EXPECT_EQ(gx_vext.num_file_open, 3);  // the slots are used again
   s.run("view up");
   EXPECT_EQ(s.selected(), std::vector{s.inst("X2")});  // selections survive the walk
@@ -60,7 +60,7 @@ TEST(Navigate, DownAndUpByNameAndBySelection) {
 }
 
 TEST(Navigate, RefusalsLeaveAllAsItWas) {
-  design_session s(hierarchy);
+  design_session s(walked);
   const lines_t no_instance = {"# VIEw DOWn \"X9\"   ", "# !! Error : No Instance  with \"INST\" "};
   EXPECT_EQ(s.run("view down X9"), no_instance);
   EXPECT_EQ(s.run("view down X3"),
@@ -75,7 +75,7 @@ TEST(Navigate, RefusalsLeaveAllAsItWas) {
   EXPECT_EQ(s.run("view down Y2"),
             (lines_t{"# VIEw DOWn \"Y2\"   ",
                      "# !! Error : Sheet not found or Invalid ? : ", "# !! : \"nosheet\" "}));
-  EXPECT_EQ(place(), "2/2 X1/");
+  EXPECT_EQ(levels_and_path(), "2/2 X1/");
   EXPECT_EQ(gx_vext.num_file_open, files);
   // Once the level has a file, it is told by the reopening.
   s.run("view down Y1");
@@ -92,11 +92,11 @@ TEST(Navigate, RefusalsLeaveAllAsItWas) {
   auto lines = s.run("view down Y2");
   ASSERT_EQ(lines.size(), 4U);
   EXPECT_NE(lines[3].find("nosheet/sheet.gx_1"), std::string::npos) << lines[3];
-  EXPECT_EQ(place(), "2/3 X1/");
+  EXPECT_EQ(levels_and_path(), "2/3 X1/");
   s.directory().write("nosheet/sheet.gx_1", gx_encode_file(gx_file_gene_recf_t{}));
   EXPECT_EQ(s.run("view down Y2"),
             (lines_t{"# VIEw DOWn  Y2 ", "# !! Error : No Sheet Available ? : "}));
-  EXPECT_EQ(place(), "2/3 X1/");
+  EXPECT_EQ(levels_and_path(), "2/3 X1/");
   EXPECT_EQ(s.run("view down Y1"), lines_t{" VIEw DOWn  Y1"});
 }
 
@@ -115,7 +115,7 @@ TEST(Navigate, DownThroughAnInstanceWithoutInstAndASymbolWithoutVersion) {
   gx_set_object_deleted(s.file(), property->gene.object_id, true);
   gx_set_object_selected(s.file(), inst, true);
   EXPECT_EQ(s.run("view down"), lines_t{" VIEw DOWn  " + name});
-  EXPECT_EQ(place(), "2/2 " + name + "/");
+  EXPECT_EQ(levels_and_path(), "2/2 " + name + "/");
 }
 
 TEST(Navigate, TwentyEightLevels) {
@@ -127,11 +127,11 @@ TEST(Navigate, TwentyEightLevels) {
             (lines_t{"# VIEw DOWn \"X\"   ", "# !! Error : Too many sheet levels ? : "}));
   EXPECT_EQ(kv_pext.file_level_cur, 28);
   for (int level = 28; level > 1; --level) s.run("view up");
-  EXPECT_EQ(place(), "1/28 ");
+  EXPECT_EQ(levels_and_path(), "1/28 ");
 }
 
 TEST(Navigate, ContextShowsSheetsSymbolsAndTheCurrentSheetInTurn) {
-  design_session s(hierarchy);
+  design_session s(walked);
   const auto top = kv_pext.file_id_cur;
   EXPECT_EQ(s.run("pop"), (lines_t{"# POP ", "# !! Error : NO window to pop ? "}));
   EXPECT_EQ(s.run("view sheet block"), lines_t{" VIEw SHEet block "});
@@ -166,7 +166,7 @@ TEST(Navigate, ContextShowsSheetsSymbolsAndTheCurrentSheetInTurn) {
 }
 
 TEST(Navigate, QuotedFileNamesHoldBlanksCommasAndSemicolons) {
-  design_session s(hierarchy);
+  design_session s(walked);
   std::filesystem::rename(s.directory().file("leaf"), s.directory().file("a b,c;d"));
   s.directory().write("a b,c;d/do", "HARDCOPY\n");
   EXPECT_EQ(s.run("view sheet 'a b,c;d'"), lines_t{" VIEw SHEet 'a b,c;d' "});
@@ -184,7 +184,7 @@ TEST(Navigate, QuotedFileNamesHoldBlanksCommasAndSemicolons) {
 }
 
 TEST(Navigate, SearchPathStandsBeforeTheNames) {
-  design_session s(hierarchy);
+  design_session s(walked);
   const auto here = s.directory().path().string();
   EXPECT_EQ(s.run("search " + here), lines_t{" SEArch " + here + " "});
   std::filesystem::current_path("/");
@@ -197,7 +197,7 @@ TEST(Navigate, SearchPathStandsBeforeTheNames) {
 }
 
 TEST(Navigate, DrawingAids) {
-  design_session s(hierarchy);
+  design_session s(walked);
   struct {
     std::string_view command;
     lines_t lines;

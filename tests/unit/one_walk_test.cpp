@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr char design[] =
+constexpr char one_cell[] =
     "symbol r\n pin 1 0,0 IN\n pin 2 4,0 OUT\n prop CLASS=R\n"
     "symbol cell\n pin A 0,0 IXO\n"
     "symbol p\n pin P 0,0 IXO\n prop CLASS=PORTIN\n"
@@ -37,7 +37,7 @@ gx_object_gene_rec_t& put_first(gx_file_gene_recf_t& file, int father, gx_type t
 // The design with one of its sheets changed, opened and run.
 struct odd_session : design_session {
   odd_session(std::string_view sheet, void (*change)(gx_file_gene_recf_t&))
-      : design_session(design, "top", [=](auto& files) {
+      : design_session(one_cell, "top", [=](auto& files) {
           for (auto& file : files) {
             if (file.directory == sheet && file.base == "sheet") change(*file.file);
           }

@@ -11,13 +11,13 @@
 
 namespace {
 
-constexpr int width = 8;
+constexpr int bits = 8;
 
 class PinChains : public ::testing::Test {
  protected:
   PinChains() {
     kv_sext = kv_defref_exp_rec_t{};
-    kv_sext.nets.append(width);
+    kv_sext.nets.append(bits);
   }
   ~PinChains() override { kv_sext = kv_defref_exp_rec_t{}; }
 
@@ -79,11 +79,11 @@ TEST_F(PinChains, AnyOrderOfRangesKeepsChainsApart) {
   std::mt19937 random(7);
   for (int round = 0; round < 300; ++round) {
     kv_sext = kv_defref_exp_rec_t{};
-    kv_sext.nets.append(width);
-    std::vector<std::set<int>> all(width + 1), sure(width + 1);
+    kv_sext.nets.append(bits);
+    std::vector<std::set<int>> all(bits + 1), sure(bits + 1);
     for (int pin = 1; pin <= 25; ++pin) {
-      int first = static_cast<int>(random() % width) + 1, last = first;
-      if (random() % 2 != 0) last = static_cast<int>(random() % width) + 1;
+      int first = static_cast<int>(random() % bits) + 1, last = first;
+      if (random() % 2 != 0) last = static_cast<int>(random() % bits) + 1;
       if (first > last) std::swap(first, last);
       const bool everywhere = add(first, last) == kv_chained::all;
       for (int m = first; m <= last; ++m) {
@@ -91,7 +91,7 @@ TEST_F(PinChains, AnyOrderOfRangesKeepsChainsApart) {
         if (everywhere) sure[static_cast<std::size_t>(m)].insert(pin);
       }
     }
-    for (int m = 1; m <= width; ++m) {
+    for (int m = 1; m <= bits; ++m) {
       const auto pins = chain(m);
       const std::set<int> got(pins.begin(), pins.end());
       const auto& may = all[static_cast<std::size_t>(m)];

@@ -52,7 +52,7 @@ lines_t plot_of(std::string_view description, bool landscape = false) {
   return commands;
 }
 
-bool holds(const lines_t& commands, const lines_t& wanted) {
+bool holds_run(const lines_t& commands, const lines_t& wanted) {
   return std::search(commands.begin(), commands.end(), wanted.begin(), wanted.end()) !=
          commands.end();
 }
@@ -63,7 +63,7 @@ TEST(Plot, BeginsAndEndsAsThePaperWantsIt) {
   EXPECT_EQ(portrait, (lines_t{"\033E", "\033%0B", "IN", "IP0,0,7920,10920", "SC0,1980,0,2730",
                                "SP1", "PW 0.4", "\033%0A"}));
   const lines_t landscape = plot_of("sheet top\n page 27.3,19.8\n", true);
-  EXPECT_TRUE(holds(landscape, {"IN", "RO90", "IP0,0,10920,7920", "SC0,2730,0,1980", "SP1"}));
+  EXPECT_TRUE(holds_run(landscape, {"IN", "RO90", "IP0,0,10920,7920", "SC0,2730,0,1980", "SP1"}));
 }
 
 TEST(Plot, FitsThePageWithAMargin) {
@@ -75,18 +75,19 @@ TEST(Plot, FitsThePageWithAMargin) {
 
 TEST(Plot, DrawsWhatTheSheetHolds) {
   const lines_t plot = plot_of(sheet_on_paper);
-  EXPECT_TRUE(holds(plot, {"PU200,2400", "PD400,2400"})) << "line";
-  EXPECT_TRUE(holds(plot, {"PU200,2200", "PD400,2200", "PD400,2000", "PD200,2000", "PD200,2200"}))
-      << "rectangle";
-  EXPECT_TRUE(holds(plot, {"PU600,2000", "PD600,2000", "CI200"})) << "circle";
+  EXPECT_TRUE(holds_run(plot, {"PU200,2400", "PD400,2400"})) << "line";
   EXPECT_TRUE(
-      holds(plot, {"DI1,0", "SI0.013,0.010", "SI 0.147, 0.190", "PU200,1800", "LBHELLO\003"}))
+      holds_run(plot, {"PU200,2200", "PD400,2200", "PD400,2000", "PD200,2000", "PD200,2200"}))
+      << "rectangle";
+  EXPECT_TRUE(holds_run(plot, {"PU600,2000", "PD600,2000", "CI200"})) << "circle";
+  EXPECT_TRUE(
+      holds_run(plot, {"DI1,0", "SI0.013,0.010", "SI 0.147, 0.190", "PU200,1800", "LBHELLO\003"}))
       << "text";
-  EXPECT_TRUE(holds(plot, {"DI0, 1"})) << "upright text";
-  EXPECT_TRUE(holds(plot, {"PU800,1800", "PD800,1600"})) << "line of a turned, mirrored part";
-  EXPECT_TRUE(holds(plot, {"PW 1.2", "PU200,1401", "PD800,1401", "PW 0.4"})) << "wide wire";
-  EXPECT_TRUE(holds(plot, {"PU200,1200", "PD209,1200"})) << "a short wide wire is thin";
-  EXPECT_TRUE(holds(plot, {"PU398,1001", "RA401,998"})) << "junction";
+  EXPECT_TRUE(holds_run(plot, {"DI0, 1"})) << "upright text";
+  EXPECT_TRUE(holds_run(plot, {"PU800,1800", "PD800,1600"})) << "line of a turned, mirrored part";
+  EXPECT_TRUE(holds_run(plot, {"PW 1.2", "PU200,1401", "PD800,1401", "PW 0.4"})) << "wide wire";
+  EXPECT_TRUE(holds_run(plot, {"PU200,1200", "PD209,1200"})) << "a short wide wire is thin";
+  EXPECT_TRUE(holds_run(plot, {"PU398,1001", "RA401,998"})) << "junction";
   for (const auto& command : plot) EXPECT_EQ(command.find("secret"), std::string::npos);
 }
 

@@ -8,7 +8,7 @@
 namespace {
 
 // A block twice, U1 without the X that a netlist puts before it; VDD is a global.
-constexpr char design[] = R"(
+constexpr char simulated[] = R"(
 symbol mos
   pin D 0,0 IN
   pin G 2,0 OUT
@@ -73,7 +73,7 @@ class Values : public ::testing::Test {
       run(command);
     }
   }
-  design_session s{design};
+  design_session s{simulated};
 };
 
 TEST_F(Values, NamesOfEveryDeckMeetTheDesignBeforeAndAfterARun) {

@@ -9,7 +9,6 @@
 #include "tests/unit/design_session.h"
 
 namespace {
-constexpr gx_draw_mode draws = gx_draw_mode::draw;
 using color_t = std::array<double, 3>;
 
 color_t linear(gx_rgb_t rgb) {
@@ -87,7 +86,7 @@ TEST(Themes, StandOutFromTheGroundAndFromEachOther) {
 }
 
 // A symbol of a line and two pins, one of them on a wire.
-constexpr char sheet[] = R"(
+constexpr char coloured[] = R"(
 symbol s
   line 0.4,0.2 1,0.4 color white
   pin A 1.2,0.6
@@ -100,12 +99,12 @@ sheet top
 )";
 
 TEST(Themes, GiveEachPartItsColour) {
-  const drawing_board board(sheet);
+  const drawing_board board(coloured);
   const auto count = [&](int color) {
     return lines_of(color, 0,
                     [] {
-                      lb_display_all_inst(1, 1, draws);
-                      lb_display_all_net(1, 1, draws);
+                      lb_display_all_inst(1, 1, gx_draw_mode::draw);
+                      lb_display_all_net(1, 1, gx_draw_mode::draw);
                     })
         .size();
   };
@@ -120,8 +119,10 @@ TEST(Themes, GiveEachPartItsColour) {
   EXPECT_EQ(count(role(gx_role::pin)), 4U) << "the loose one only";
   EXPECT_EQ(count(white) + count(red) + count(cyan), 0U);
   gx_set_object_selected(board.file(), board.id(gx_type::pinpropfam), true);
-  EXPECT_EQ(lines_of(role(gx_role::selection), 3, [] { lb_display_all_inst(1, 1, draws); }).size(),
-            4U)
+  EXPECT_EQ(
+      lines_of(role(gx_role::selection), 3, [] { lb_display_all_inst(1, 1, gx_draw_mode::draw); })
+          .size(),
+      4U)
       << "a selected pin is seen though it is joined";
   gx_highlight_net(1, board.id(gx_type::net), "");
   EXPECT_EQ(count(role(gx_role::highlight)), 2U * 3) << "three pixels wide";
