@@ -4,7 +4,8 @@
 example_packages=(cmake ninja-build g++ libx11-dev zlib1g-dev libsqlite3-dev)
 test_packages=("${example_packages[@]}" pkg-config libxtst-dev libgtest-dev xvfb xauth xdotool
                imagemagick ngspice hp2xx qpdf poppler-utils python3 iverilog)
-ci_packages=("${test_packages[@]}" ccache git libbenchmark-dev clang-format)
+ci_packages=("${test_packages[@]}" ccache git libbenchmark-dev clang-format mandoc appstream
+             desktop-file-utils)
 
 build_dir=build
 
@@ -25,9 +26,13 @@ install_packages() {
     as_root=(sudo)
   fi
   echo "installing ${missing[*]}"
-  "${as_root[@]}" apt-get -qq update
-  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -qq install -y \
-    --no-install-recommends "${missing[@]}" >/dev/null
+  local log
+  log=$(mktemp)
+  "${as_root[@]}" apt-get -qq update  # where sudo asks for a password
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q install -y \
+    --no-install-recommends "${missing[@]}" 2>&1 |
+    show_progress "installing packages" "$log" || { tail -20 "$log" >&2; rm -f "$log"; return 1; }
+  rm -f "$log"
 }
 
 # Passes the output of a build or of tests on to a file, and shows how far it is: on a terminal in
@@ -41,17 +46,17 @@ show_progress() {
     IFS= read -r -t 1 line || state=$?
     if (( state == 0 )); then
       printf '%s\n' "$part$line" >>"$log"
-      [[ $part$line =~ $step ]] && steps=" ${BASH_REMATCH[1]} of ${BASH_REMATCH[2]}"
+      [[ $part$line =~ $step ]] && steps=" ${BASH_REMATCH[1]} of ${BASH_REMATCH[2]},"
       part=''
     else
       part+=$line
       (( state > 128 )) || break
     fi
     if [[ -t 1 ]]; then
-      (( SECONDS == shown )) || printf '\r%s:%s, %d s\e[K' "$what" "$steps" $((SECONDS - began))
+      (( SECONDS == shown )) || printf '\r%s:%s %d s\e[K' "$what" "$steps" $((SECONDS - began))
       shown=$SECONDS
     elif (( SECONDS - shown >= 30 )); then
-      echo "$what:$steps, $((SECONDS - began)) s"
+      echo "$what:$steps $((SECONDS - began)) s"
       shown=$SECONDS
     fi
   done
