@@ -12,6 +12,7 @@
 #include "gx/db/objects_of.h"
 #include "gx/db/queries.h"
 #include "gx/text/at.h"
+#include "gx/text/kept_text.h"
 #include "gx/text/numbers.h"
 #include "gx/text/strings.h"
 
@@ -82,7 +83,7 @@ class analysis {
     const auto first = static_cast<std::int32_t>(sheet.kept.size());
     for (const auto& entry : list) {
       kv_kept_t kept;
-      const std::string_view text = find(gx_view(entry.name));
+      const std::string text = gx_plain_text(find(gx_view(entry.name)));
       kept.type = type_of_letter(gx_view(entry.prop_type));
       kept.text = keep_text({text});
       kept.decode_at_visit = kept.type != kv_prop_string && kv_depends_on_macro(text, setup_);

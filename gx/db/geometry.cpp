@@ -4,6 +4,7 @@
 
 #include "gx/db/object_access.h"
 #include "gx/text/debug.h"
+#include "gx/text/kept_text.h"
 
 gx_pointreal_t gx_turn(gx_pointreal_t p, int rotate, bool fliph) {
   if (rotate < 0 || rotate > 3) gx_set_status(gx_code::coordonate_conversion_overflow);
@@ -125,7 +126,8 @@ gx_boundsreal_t gx_property_compute_newbounds(const gx_object_property_rec_t& pr
     gx_set_status(gx_code::invalid_property_2d);
   }
   const std::int64_t high = property.height;
-  const std::int64_t length = high * property.nvalue.len;
+  const std::int64_t length =
+      high * static_cast<std::int64_t>(gx_shown_length(gx_view(property.nvalue)));
   const auto width = gx_saturated(length + length / 5);
   const auto up = gx_saturated(-high), half = gx_saturated(high / 2);
   if (property.rotate == 1) return {up, gx_saturated(-std::int64_t{width}), half, 0};

@@ -7,6 +7,7 @@
 #include "gx/display/theme.h"
 #include "gx/display/viewports.h"
 #include "gx/text/at.h"
+#include "gx/text/kept_text.h"
 #include "gx/text/message_list.h"
 #include "gx/vext.h"
 
@@ -51,7 +52,7 @@ void gx_regen_display_list() {
       std::min({first + v.nb_line_in_listviewp - 1, int{v.nlinlist_end}, gx_max_list_lines});
   for (int line = first; line <= last; ++line) {
     const int y = v.listb_y0 + (line - first) * v.list_step;
-    gx_viewport_display_text(v.viewport_list, gx_view(gx_at(v.line_list, line - 1)),
+    gx_viewport_display_text(v.viewport_list, gx_shown_text(gx_view(gx_at(v.line_list, line - 1))),
                              {v.listb_x0, static_cast<std::int16_t>(y)}, true, color_of(line));
   }
 }

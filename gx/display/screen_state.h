@@ -100,7 +100,7 @@ struct gx_screen_state_t : gx_view_roles_t {
   gx_point16_t hidden_size;          // this; 0 when there is none
   unsigned long wm_protocols = 0, wm_delete_window = 0;  // atoms: the user closes the window
   std::shared_ptr<gx_pen_t> pen;                         // strokes not yet sent
-  std::shared_ptr<const gx_scaled_font_t> strpt;         // glyphs at the size of the screen texts
+  std::shared_ptr<gx_scaled_font_t> strpt;               // glyphs at the size of the screen texts
   const gx_theme_t* theme = nullptr;                     // null: the classic one
   std::array<gx_color_t, gx_nb_of_colors> colorrec;
   unsigned long backgrpixel = 0, foregrpixel = 0;

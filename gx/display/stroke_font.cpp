@@ -6,10 +6,16 @@
 // text of 5. Letters with a tail have their bowl raised, since nothing goes below the baseline.
 #include "gx/display/stroke_font.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
+#include <iterator>
 #include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
 
+#include "gx/display/stroke_signs.h"
 #include "gx/text/at.h"
 
 namespace {
@@ -17,6 +23,7 @@ constexpr char first_glyph = '!';
 constexpr char last_glyph = '~';
 constexpr std::size_t nb_of_glyphs = last_glyph - first_glyph + 1;
 constexpr std::size_t max_strokes = 4;
+constexpr int grid_step = 50;
 
 constexpr std::array<std::string_view, nb_of_glyphs> drawings = {
     /* ! */ "0k06 0300",
@@ -143,42 +150,86 @@ constexpr bool all_sound() {
 }
 static_assert(all_sound());
 
-constexpr std::size_t count_signs() {
-  std::size_t count = 0;
-  for (const auto drawing : drawings) count += drawing.size();
-  return count;
+constexpr bool all_signs_sound() {
+  for (const auto& sign : gx_stroke_signs)
+    if (sign.drawing.empty() ? sign.like == ' ' : !is_sound(sign.drawing)) return false;
+  for (const auto& mark : gx_mark_signs)
+    if (!is_sound(mark.drawing)) return false;
+  return gx_marked_letters.size() % 3 == 0;
+}
+static_assert(all_signs_sound());
+
+using line_t = std::vector<gx_grid_point_t>;
+
+std::vector<line_t> lines_of(std::string_view drawing) {
+  std::vector<line_t> lines;
+  while (!drawing.empty()) {
+    const auto stroke = drawing.substr(0, drawing.find(' '));
+    drawing.remove_prefix(std::min(stroke.size() + 1, drawing.size()));
+    auto& line = lines.emplace_back();
+    for (std::size_t i = 0; i + 1 < stroke.size(); i += 2)
+      line.push_back({static_cast<std::int16_t>(step_of(stroke[i]) * grid_step),
+                      static_cast<std::int16_t>(step_of(stroke[i + 1]) * grid_step)});
+  }
+  return lines;
 }
 
+std::string_view drawing_of(char32_t letter) {
+  return gx_at(drawings, static_cast<int>(letter) - first_glyph);
+}
+
+// The letter makes room for its mark: below the lowest line, or above the highest.
+std::vector<line_t> marked_lines(char32_t letter, char32_t mark) {
+  std::vector<line_t> lines = lines_of(drawing_of(letter));
+  if (letter == U'i') lines.erase(lines.begin());  // its dot
+  const bool is_below = mark == U',', is_high = letter <= U'Z' || letter == U'd' || letter == U't';
+  for (auto& line : lines)
+    for (auto& point : line) {
+      const int steps = point.y / grid_step;
+      const int y = is_below ? 4 + steps * 4 / 5 : is_high ? steps * 3 / 4 : steps;
+      point.y = static_cast<std::int16_t>(y * grid_step);
+    }
+  const auto* const found =
+      std::ranges::find(gx_mark_signs, mark, [](const auto& sign) { return sign.mark; });
+  if (found != std::end(gx_mark_signs))
+    std::ranges::move(lines_of(found->drawing), std::back_inserter(lines));
+  return lines;
+}
+
+class glyph_t {
+ public:
+  explicit glyph_t(std::vector<line_t> lines) : lines_(std::move(lines)) {
+    strokes_.assign(lines_.begin(), lines_.end());
+  }
+  std::span<const gx_stroke_t> strokes() const { return strokes_; }
+
+ private:
+  std::vector<line_t> lines_;
+  std::vector<gx_stroke_t> strokes_;
+};
+
 struct font_t {
-  std::array<gx_grid_point_t, count_signs() / 2> points;
-  struct glyph_t {
-    std::array<gx_stroke_t, max_strokes> strokes;
-    std::size_t nb_of_strokes = 0;
-  };
-  std::array<glyph_t, nb_of_glyphs> glyphs;
+  std::unordered_map<char32_t, glyph_t> glyphs;
+  glyph_t box{lines_of("22a2ai2i22")};
 
   font_t() {
-    std::size_t used = 0;
-    for (std::size_t g = 0; g < nb_of_glyphs; ++g) {
-      std::string_view rest = drawings[g];
-      while (!rest.empty()) {
-        const auto stroke = rest.substr(0, rest.find(' '));
-        rest.remove_prefix(stroke.size() < rest.size() ? stroke.size() + 1 : rest.size());
-        const std::size_t start = used;
-        for (std::size_t i = 0; i + 1 < stroke.size(); i += 2)
-          points[used++] = {static_cast<std::int16_t>(step_of(stroke[i]) * 50),
-                            static_cast<std::int16_t>(step_of(stroke[i + 1]) * 50)};
-        auto& glyph = glyphs[g];
-        glyph.strokes[glyph.nb_of_strokes++] = gx_stroke_t(&points[start], used - start);
-      }
-    }
+    for (char32_t code = first_glyph; code <= last_glyph; ++code)
+      glyphs.emplace(code, glyph_t(lines_of(drawing_of(code))));
+    for (const auto& sign : gx_stroke_signs)
+      glyphs.emplace(sign.code, glyph_t(lines_of(sign.drawing.empty()
+                                                     ? drawing_of(static_cast<char32_t>(sign.like))
+                                                     : sign.drawing)));
+    for (auto rest = gx_marked_letters; !rest.empty(); rest.remove_prefix(3))
+      glyphs.emplace(rest[0], glyph_t(marked_lines(rest[1], rest[2])));
   }
 };
 }  // namespace
 
-std::span<const gx_stroke_t> gx_glyph(char c) {
+std::span<const gx_stroke_t> gx_glyph(char32_t code) {
   static const font_t font;
-  if (c < first_glyph || c > last_glyph) return {};
-  const auto& glyph = gx_at(font.glyphs, c - first_glyph);
-  return {glyph.strokes.data(), glyph.nb_of_strokes};
+  constexpr char32_t first_sign = 0xA1, last_code = 0x10FFFF;
+  const auto found = font.glyphs.find(code);
+  if (found != font.glyphs.end()) return found->second.strokes();
+  return code >= first_sign && code <= last_code ? font.box.strokes()
+                                                 : std::span<const gx_stroke_t>();
 }

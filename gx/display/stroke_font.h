@@ -13,5 +13,7 @@ struct gx_grid_point_t {
 };
 using gx_stroke_t = std::span<const gx_grid_point_t>;  // a polyline of 2 points or more
 
-// The 1..4 strokes of a character "!" .. "~"; none for a blank or any other code.
-std::span<const gx_stroke_t> gx_glyph(char c);
+// The 1..4 strokes of a character: of "!" .. "~", of common signs and letters beyond them
+// (gx/display/stroke_signs.h), a box for any other that is to be seen; none for blanks and
+// controls.
+std::span<const gx_stroke_t> gx_glyph(char32_t code);

@@ -3,18 +3,23 @@
 #include <algorithm>
 #include <array>
 #include <map>
+#include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "gx/display/pen.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
 #include "gx/text/at.h"
+#include "gx/text/characters.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
 #include "gx/vext.h"
 
+// Glyphs divided by so many grid units per pixel, each scaled when it is drawn first.
 struct gx_scaled_font_t {
-  std::array<std::vector<gx_line16_t>, 128> glyphs;  // by character code
+  int by_x = 1, by_y = 1;
+  std::unordered_map<char32_t, std::vector<gx_line16_t>> glyphs;
 };
 
 namespace {
@@ -42,29 +47,28 @@ void add_segment(std::vector<gx_line16_t>& glyph, const gx_line16_t& line) {
   glyph.push_back(line);
 }
 
-// The glyphs, divided by so many grid units per pixel.
-gx_scaled_font_t scaled_font(int by_x, int by_y) {
-  gx_scaled_font_t font;
+std::span<const gx_line16_t> scaled_glyph(gx_scaled_font_t& font, char32_t code) {
+  const auto [found, is_new] = font.glyphs.try_emplace(code);
+  if (!is_new) return found->second;
   const auto pixel = [&](gx_grid_point_t p) -> gx_point16_t {
-    return {static_cast<std::int16_t>(p.x / by_x), static_cast<std::int16_t>(p.y / by_y)};
+    return {static_cast<std::int16_t>(p.x / font.by_x), static_cast<std::int16_t>(p.y / font.by_y)};
   };
-  for (int code = 0; code < 128; ++code)
-    for (const gx_stroke_t stroke : gx_glyph(static_cast<char>(code)))
-      for (std::size_t i = 1; i < stroke.size(); ++i) {
-        const gx_point16_t a = pixel(stroke[i - 1]), b = pixel(stroke[i]);
-        add_segment(gx_at(font.glyphs, code), {a.x, a.y, b.x, b.y});
-      }
-  return font;
+  for (const gx_stroke_t stroke : gx_glyph(code))
+    for (std::size_t i = 1; i < stroke.size(); ++i) {
+      const gx_point16_t a = pixel(stroke[i - 1]), b = pixel(stroke[i]);
+      add_segment(found->second, {a.x, a.y, b.x, b.y});
+    }
+  return found->second;
 }
 
 // The glyphs of a sheet text; a sheet has texts of a few sizes.
-const gx_scaled_font_t& sheet_font(int grid_units) {
+gx_scaled_font_t& sheet_font(int grid_units) {
   constexpr std::size_t most_sizes = 32;
   static std::map<int, gx_scaled_font_t> fonts;
   const auto found = fonts.find(grid_units);
   if (found != fonts.end()) return found->second;
   if (fonts.size() >= most_sizes) fonts.clear();
-  return fonts.emplace(grid_units, scaled_font(grid_units, grid_units)).first->second;
+  return fonts.emplace(grid_units, gx_scaled_font_t{grid_units, grid_units, {}}).first->second;
 }
 
 // Keeps pixels within the clip window and the window.
@@ -96,13 +100,12 @@ void gx_setarray_hortext() {
   if (v.cmd_height == 0 || v.cmd_step == 0) return;
   v.coef_charh = std::max(gx_glyph_height / v.cmd_height, 1);
   v.coef_chars = std::max(gx_glyph_advance / v.cmd_step, 1);
-  v.strpt = std::make_shared<gx_scaled_font_t>(scaled_font(v.coef_chars, v.coef_charh));
+  v.strpt = std::make_shared<gx_scaled_font_t>(gx_scaled_font_t{v.coef_chars, v.coef_charh, {}});
 }
 
-std::span<const gx_line16_t> gx_scaled_glyph(char c) {
-  const auto code = static_cast<unsigned char>(c);
-  if (!gx_vext.strpt || code >= gx_vext.strpt->glyphs.size()) return {};
-  return gx_vext.strpt->glyphs[code];
+std::span<const gx_line16_t> gx_scaled_glyph(char32_t code) {
+  if (!gx_vext.strpt) return {};
+  return scaled_glyph(*gx_vext.strpt, code);
 }
 
 void gx_hortext(gx_vpid_t vpid, std::string_view text, int istart, int x, int y, bool whole_line,
@@ -111,8 +114,10 @@ void gx_hortext(gx_vpid_t vpid, std::string_view text, int istart, int x, int y,
   const auto& v = gx_vext;
   const gx_batch_t batch;
   gx_viewport_select(vpid);
-  const auto skipped = std::min(static_cast<std::size_t>(std::max(istart, 1) - 1), text.size());
-  const auto rest = text.substr(skipped);
+  const std::u32string characters = gx_characters(text);
+  const auto skipped =
+      std::min(static_cast<std::size_t>(std::max(istart, 1) - 1), characters.size());
+  const auto rest = std::u32string_view(characters).substr(skipped);
   const int n = static_cast<int>(std::min(rest.size(), std::size_t{gx_max_text_length}));
   x = clamped(x, 0, v.bitmap_size.x);
   y = clamped(y, 0, v.bitmap_size.y);
@@ -121,8 +126,8 @@ void gx_hortext(gx_vpid_t vpid, std::string_view text, int istart, int x, int y,
     width = n < gx_max_text_length ? (n + 1) * v.cmd_step + 2 : gx_max_text_length * v.cmd_step + 2;
   gx_pen_clear(x - 1, y - 1, width, v.cmd_height + v.cmd_height / 2 + 2);
   const int baseline = y + v.cmd_height;
-  for (const char c : rest.substr(0, static_cast<std::size_t>(n))) {
-    for (const gx_line16_t& line : gx_scaled_glyph(c))
+  for (const char32_t code : rest.substr(0, static_cast<std::size_t>(n))) {
+    for (const gx_line16_t& line : gx_scaled_glyph(code))
       gx_pen_line(
           color, 0,
           {static_cast<std::int16_t>(x + line.x1), static_cast<std::int16_t>(baseline - line.y1),
@@ -138,8 +143,9 @@ void gx_text(gx_vpid_t vpid, std::string_view text, int x, int y, int height, in
   const gx_batch_t batch;
   gx_viewport_select(vpid);
   height = std::max(height, 1);
-  if (height > v.bitmap_size.y || std::ssize(text) * height > v.bitmap_size.x) return;
-  const int length = static_cast<int>(std::min(text.size(), std::size_t{gx_max_text_length}));
+  const std::u32string characters = gx_characters(text);
+  if (height > v.bitmap_size.y || std::ssize(characters) * height > v.bitmap_size.x) return;
+  const int length = static_cast<int>(std::min(characters.size(), std::size_t{gx_max_text_length}));
   const int advance = gx_glyph_advance / grid_per_pixel(height);
   const int dx = rotation == 1 || rotation == 3 ? 0 : advance;
   const int dy = rotation == 1 ? -advance : rotation == 3 ? advance : 0;
@@ -159,13 +165,11 @@ void gx_text(gx_vpid_t vpid, std::string_view text, int x, int y, int height, in
       place(x, y - height, x + extent, y + height / 2);
     gx_pen_clear(box.xmin, box.ymin, box.xmax - box.xmin, box.ymax - box.ymin);
   }
-  const gx_scaled_font_t& font = sheet_font(grid_per_pixel(height));
+  gx_scaled_font_t& font = sheet_font(grid_per_pixel(height));
   const limits_t kept(clip);
-  for (const char c : text.substr(0, static_cast<std::size_t>(length))) {
-    const auto code = static_cast<unsigned char>(c);
-    if (code < font.glyphs.size() && x >= clip.xmin && x <= clip.xmax && y >= clip.ymin &&
-        y <= clip.ymax)
-      for (const gx_line16_t& line : font.glyphs[code]) {
+  for (const char32_t code : characters.substr(0, static_cast<std::size_t>(length))) {
+    if (x >= clip.xmin && x <= clip.xmax && y >= clip.ymin && y <= clip.ymax)
+      for (const gx_line16_t& line : scaled_glyph(font, code)) {
         const gx_point16_t da = turned(line.x1, line.y1, rotation);
         const gx_point16_t db = turned(line.x2, line.y2, rotation);
         const gx_point16_t a = kept(x + da.x, y + da.y), b = kept(x + db.x, y + db.y);

@@ -1,7 +1,7 @@
 // Texts drawn with the stroke font: at the fixed size of the screen texts, or at any height in four
-// orientations on the sheet. At most 60 characters of a text are drawn; characters outside
-// "!" .. "~" draw nothing but advance. Pixels are window coordinates. Without a display nothing is
-// drawn.
+// orientations on the sheet. Texts are UTF-8. At most 60 characters of one are drawn; those without
+// a glyph (gx/display/stroke_font.h) draw nothing but advance. Pixels are window coordinates.
+// Without a display nothing is drawn.
 #pragma once
 
 #include <span>
@@ -22,7 +22,7 @@ void gx_hortext(gx_vpid_t vpid, std::string_view text, int istart, int x, int y,
 
 // The segments of one character at the scale of gx_hortext, in pixels from its baseline origin, y
 // upwards.
-std::span<const gx_line16_t> gx_scaled_glyph(char c);
+std::span<const gx_line16_t> gx_scaled_glyph(char32_t code);
 
 // Text with its baseline at (x, y), `height` pixels high: rotation 1 reads upwards, 3 downwards,
 // any other to the right. `opaque` clears the box behind it.

@@ -11,6 +11,7 @@
 #include "gx/db/queries.h"
 #include "gx/db/segment_ends.h"
 #include "gx/text/debug.h"
+#include "gx/text/kept_text.h"
 #include "gx/text/status.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
@@ -78,7 +79,9 @@ void shape_polyline(item_t& item, const Polyline& polyline) {
 
 void shape_text(item_t& item, const gx_object_property_rec_t& property) {
   auto& shape = item.shape;
-  shape.text = gx_view(property.nvalue);
+  const std::string_view kept = gx_view(property.nvalue);
+  const std::string shown = gx_has_signs(kept) ? gx_shown_text(kept) : std::string();
+  shape.text = shown.empty() ? kept : std::string_view(shown);
   shape.size = property.height;
   shape.color = property.line_color;
   shape.file_rotation = property.rotate;

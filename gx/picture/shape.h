@@ -39,7 +39,7 @@ struct gx_shape_t {
   std::span<const gx_pointreal_t> points;  // valid while it is drawn
   std::int32_t start = 0, extent = 0;      // of arcs: 1/64 degree, y up, within one turn
   std::int32_t angle1 = 0, angle2 = 0;     // the same as the file has them, in any turn
-  std::string_view text;                   // valid while it is drawn
+  std::string_view text;                   // UTF-8, valid while it is drawn
   int rotation = 0;                        // of texts: 1 reads upwards, 3 downwards, 0 and 2 right
   int file_rotation = 0;                   // as file and instance say, before mirroring: 0..255
 };

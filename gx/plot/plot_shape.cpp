@@ -9,6 +9,7 @@
 
 #include "gx/db/geometry.h"
 #include "gx/plot/plot_pen.h"
+#include "gx/text/characters.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
 #include "gx/vext.h"
@@ -58,7 +59,7 @@ void plot_text(const gx_shape_t& text, gx_plot_point_t at) {
   gx_plot_text_direction(rotation);
   gx_plot_text_size(static_cast<double>(text.size) / gx_vext.lpplot_scale);
   gx_plot_up(at);
-  gx_plot_label(text.text);
+  gx_plot_label(gx_ascii(text.text));
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "gx/text/at.h"
+#include "gx/text/characters.h"
 #include "gx/text/strings.h"
 
 namespace {
@@ -44,37 +45,6 @@ constexpr named_paper_t papers[] = {
 
 constexpr int dashed[] = {12, 12}, dotted[] = {6, 12}, chain[] = {24, 12, 6, 12},
               double_chain[] = {24, 12, 6, 12, 6, 12};
-
-// The character at `at`, which moves to the next one; it stays where the bytes are no UTF-8.
-char32_t utf8_character(std::string_view text, std::size_t& at) {
-  const auto byte = [&](std::size_t i) {
-    return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U;
-  };
-  const unsigned first = byte(at);
-  const std::size_t more = first < 0x80 ? 0 : first >= 0xF0 ? 3 : first >= 0xE0 ? 2 : 1;
-  char32_t code = more == 0 ? first : first & (0x3FU >> more);
-  for (std::size_t i = 1; i <= more; ++i) {
-    if ((byte(at + i) & 0xC0U) != 0x80U) return 0;
-    code = code << 6 | (byte(at + i) & 0x3FU);
-  }
-  constexpr std::array<char32_t, 4> least{0, 0x80, 0x800, 0x10000};
-  const bool is_sound = first < 0x80 || (first >= 0xC2 && first < 0xF5);
-  if (!is_sound || code < least[more] || code > 0x10FFFF || (code >= 0xD800 && code < 0xE000))
-    return 0;
-  at += more + 1;
-  return code;
-}
-
-void append_utf8(std::string& out, char32_t code) {
-  const auto put = [&](char32_t byte) {
-    out += static_cast<char>(static_cast<unsigned char>(byte));
-  };
-  if (code < 0x80) return put(code);
-  const int more = code < 0x800 ? 1 : code < 0x10000 ? 2 : 3;
-  constexpr std::array<char32_t, 4> mark{0, 0xC0, 0xE0, 0xF0};
-  put(gx_at(mark, more) | code >> (6 * more));
-  for (int i = more - 1; i >= 0; --i) put(0x80 | (code >> (6 * i) & 0x3F));
-}
 }  // namespace
 
 std::optional<gx_colours> gx_colours_of(std::string_view name) {
@@ -134,20 +104,6 @@ void gx_append_number(std::string& out, double number) {
   gx_append_units(out, std::llround(number * gx_vector_scale));
 }
 
-std::u32string gx_characters(std::string_view text) {
-  std::u32string characters;
-  for (std::size_t at = 0; at < text.size();) {
-    const auto before = at;
-    characters += utf8_character(text, at);
-    if (at != before) continue;
-    characters.assign(text.size(), 0);
-    std::ranges::transform(text, characters.begin(),
-                           [](char c) { return static_cast<unsigned char>(c); });
-    break;
-  }
-  return characters;
-}
-
 std::string gx_xml(std::string_view text) {
   std::string xml;
   xml.reserve(text.size());
@@ -172,7 +128,7 @@ std::string gx_xml(std::string_view text) {
         if (code < 0x20 || (code >= 0x7F && code < 0xA0) || (code & 0xFFFE) == 0xFFFE)
           xml += ' ';
         else
-          append_utf8(xml, code);
+          gx_append_utf8(xml, code);
     }
   }
   return xml;

@@ -50,7 +50,5 @@ inline constexpr double gx_text_stretch = gx_text_advance / (gx_font_size * gx_f
 void gx_append_units(std::string& out, std::int64_t design_units);
 void gx_append_number(std::string& out, double number);
 
-// The characters of a text: UTF-8, or else Latin-1.
-std::u32string gx_characters(std::string_view text);
 // For XML and HTML: UTF-8, with & < > " ' as entities; control characters become blanks.
 std::string gx_xml(std::string_view text);

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "gx/text/at.h"
+#include "gx/text/characters.h"
 #include "gx/vector/look.h"
 
 namespace {

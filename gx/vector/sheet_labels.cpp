@@ -10,6 +10,7 @@
 #include "gx/db/owners.h"
 #include "gx/db/queries.h"
 #include "gx/db/segment_ends.h"
+#include "gx/text/kept_text.h"
 #include "gx/text/strings.h"
 
 std::vector<gx_placed_instance_t> gx_placed_instances(const gx_file_gene_recf_t& file) {
@@ -73,7 +74,7 @@ std::string gx_instance_words(const gx_file_gene_recf_t& file, int inst) {
   const auto add_properties = [&](gx_owner_kind kind, int id, auto is_wanted) {
     gx_visit_properties(file, {kind, id, inst, inst}, [&](const auto& property) {
       if (is_wanted(gx_view(property.name)))
-        add(std::string(gx_view(property.name)) + "=" + std::string(gx_view(property.nvalue)));
+        add(std::string(gx_view(property.name)) + "=" + gx_shown_text(gx_view(property.nvalue)));
     });
   };
   const int own = lb_inq_inst_child_id(file, inst).bodpropfam;

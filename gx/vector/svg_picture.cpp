@@ -11,6 +11,7 @@
 #include "gx/db/page.h"
 #include "gx/db/queries.h"
 #include "gx/picture/sheet_shapes.h"
+#include "gx/text/characters.h"
 
 namespace {
 int sound_color(int color) {

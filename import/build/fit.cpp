@@ -9,15 +9,16 @@
 
 #include "gx/db/geometry.h"
 #include "gx/text/at.h"
+#include "gx/text/characters.h"
+#include "gx/text/kept_text.h"
 #include "gx/text/spelling.h"
 #include "gx/text/strings.h"
-#include "import/drawing/ascii.h"
 #include "import/drawing/names.h"
 #include "import/drawing/placement.h"
 
 namespace {
 
-constexpr std::size_t longest_name = 63, longest_value = 95, longest_directory = 60;
+constexpr std::size_t longest_name = 63, longest_value = gxi_longest_value, longest_directory = 60;
 
 class fitter {
  public:
@@ -70,7 +71,7 @@ class fitter {
   // --- texts
   std::string fit_text(const std::string& text, std::size_t longest, const gxm_source_t& source,
                        std::string_view what) {
-    std::string result = gxi_ascii(text);
+    std::string result = gx_ascii(text);
     std::replace(result.begin(), result.end(), '\n', ' ');
     if (result.size() > longest) {
       warn(source, std::string(what) + " is cut at " + std::to_string(longest) +
@@ -78,6 +79,14 @@ class fitter {
       result.resize(longest);
     }
     return result;
+  }
+
+  // A value, with its signs where they have room.
+  std::string fit_value(const std::string& text, const gxm_source_t& source,
+                        std::string_view what) {
+    std::string kept = gx_kept_text(text);
+    std::replace(kept.begin(), kept.end(), '\n', ' ');
+    return kept.size() > longest_value ? fit_text(text, longest_value, source, what) : kept;
   }
 
   // A name of the netlist: spelled, and cut where it is too long.
@@ -101,7 +110,7 @@ class fitter {
       seen += drawn[i];
     }
     if (!look || seen == name) return;
-    sheet.texts.push_back({gxi_ascii(seen), *look});
+    sheet.texts.push_back({gx_kept_text(seen), *look});
     look.reset();
   }
 
@@ -110,8 +119,7 @@ class fitter {
     for (auto& property : properties) {
       property.name =
           taken.take(fit_text(property.name, longest_name, source, "a name"), longest_name);
-      property.value =
-          fit_text(property.value, longest_value, source, "the value of " + property.name);
+      property.value = fit_value(property.value, source, "the value of " + property.name);
     }
     std::erase_if(properties, [](const auto& property) { return property.name.empty(); });
   }
@@ -122,7 +130,7 @@ class fitter {
 
   void fit_symbol(std::size_t cell) {
     auto& symbol = design_.cells[cell].symbol;
-    for (auto& text : symbol.texts) text.value = gxi_ascii(text.value);
+    for (auto& text : symbol.texts) text.value = gx_kept_text(text.value);
     gxi_names_t properties;
     fit_properties(symbol.properties, symbol.source, properties);
     fit_properties(symbol.defaults, symbol.source, properties);
@@ -140,7 +148,7 @@ class fitter {
   void fit_sheet(std::size_t cell) {
     here_ = cell;
     auto& sheet = *design_.cells[cell].sheet;
-    for (auto& text : sheet.texts) text.value = gxi_ascii(text.value);
+    for (auto& text : sheet.texts) text.value = gx_kept_text(text.value);
     place_undrawn_below(sheet);
     // Names of their own first, so that those come through unchanged.
     for (auto& net : sheet.nets) fit_net(net, sheet);
@@ -203,7 +211,7 @@ class fitter {
         const auto pin = pin_names_[here_].find(instance.name);
         if (pin == pin_names_[here_].end()) {
           if (instance.name_look)
-            sheet.texts.push_back({gxi_ascii(instance.name), *instance.name_look});
+            sheet.texts.push_back({gx_kept_text(instance.name), *instance.name_look});
           gxi_draw_apart(symbol, instance, sheet);
           continue;
         }

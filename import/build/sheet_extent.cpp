@@ -4,6 +4,7 @@
 
 #include "gx/db/geometry.h"
 #include "gx/text/at.h"
+#include "gx/text/kept_text.h"
 #include "import/drawing/placement.h"
 
 namespace {
@@ -17,7 +18,7 @@ void include(gx_boundsreal_t& box, const gxm_shape_t& shape) {
 
 void include(gx_boundsreal_t& box, const gxi_text_t& text) {
   for (const auto& line : gxi_lines(text.value, text.look)) {
-    const auto length = static_cast<std::int32_t>(line.text.size()) * text.look.height;
+    const auto length = static_cast<std::int32_t>(gx_shown_length(line.text)) * text.look.height;
     gx_include(box, line.at);
     gx_include(box,
                line.rotate == 0

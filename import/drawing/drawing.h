@@ -10,7 +10,7 @@
 // Places and lengths are design units (5000 = one grid step), x to the right, y downwards; a reader
 // scales its units so that pins fall on the grid. They must lie within -gxm_furthest..gxm_furthest;
 // where on the page the drawing goes is the builder's choice. Texts may hold any bytes: UTF-8 is
-// taken, the builder writes it in ASCII and shortens what is too long, and tells so.
+// taken, the builder keeps it (gx/text/kept_text.h) and shortens what is too long, and tells so.
 #pragma once
 
 #include <cstdint>

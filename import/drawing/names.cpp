@@ -1,7 +1,9 @@
 #include "import/drawing/names.h"
 
 #include <algorithm>
+#include <cctype>
 
+#include "gx/text/characters.h"
 #include "gx/text/strings.h"
 
 std::string gxi_names_t::take(const std::string& name, std::size_t longest) {
@@ -11,4 +13,17 @@ std::string gxi_names_t::take(const std::string& name, std::size_t longest) {
     unique = name.substr(0, longest - tail.size()) + tail;
   }
   return unique;
+}
+
+std::string gxi_directory_name(std::string_view text) {
+  std::string name = gx_ascii(text);
+  std::replace_if(
+      name.begin(), name.end(),
+      [](char c) {
+        return !std::isalnum(static_cast<unsigned char>(c)) &&
+               std::string_view("_-+.").find(c) == std::string_view::npos;
+      },
+      '_');
+  if (name.empty() || name.front() == '.' || name.front() == '-') name.insert(0, "_");
+  return name;
 }

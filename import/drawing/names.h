@@ -9,6 +9,9 @@
 
 #include "gx/text/strings.h"
 
+// A name of a directory: letters, digits, "_", "-", "+" and "." kept, the rest "_".
+std::string gxi_directory_name(std::string_view text);
+
 // Names given out so far.
 class gxi_names_t {
  public:

@@ -5,6 +5,8 @@
 
 #include "gx/db/geometry.h"
 #include "gx/text/at.h"
+#include "gx/text/characters.h"
+#include "gx/text/kept_text.h"
 
 namespace {
 
@@ -32,6 +34,14 @@ std::int32_t before(gxi_align align, std::int32_t size) {
 std::int32_t width_of(std::size_t length, std::int32_t height) {
   const std::int32_t whole = static_cast<std::int32_t>(length) * height;
   return whole + whole / 5;
+}
+
+// As the file keeps it: with its signs where they have room.
+std::string kept_line(std::u32string_view line) {
+  std::string text;
+  for (const char32_t code : line) gx_append_utf8(text, code);
+  std::string kept = gx_kept_text(text);
+  return kept.size() > gxi_longest_value ? gx_ascii(text).substr(0, gxi_longest_value) : kept;
 }
 
 // Turns a look that stands on its head: where its line runs to (1, 0) unturned, and its letters
@@ -62,20 +72,21 @@ gxi_look_t gxi_on_sheet(const gxi_instance_t& instance, gxi_look_t look) {
   return look;
 }
 
-std::vector<gxi_line_t> gxi_lines(std::string_view text, const gxi_look_t& unturned) {
+std::vector<gxi_line_t> gxi_lines(std::string_view kept, const gxi_look_t& unturned) {
   gxi_look_t look = unturned;
   make_readable(look, gx_turn(to_the_right, look.rotate % 4, false),
                 gx_turn(upright, look.rotate % 4, false));
   std::vector<gxi_line_t> lines;
-  std::vector<std::string_view> parts;
-  while (!text.empty()) {
-    const auto end = std::min(text.find('\n'), text.size());
+  const std::u32string shown = gx_characters(gx_shown_text(kept));
+  std::vector<std::u32string_view> parts;
+  for (std::u32string_view text = shown; !text.empty();) {
+    const auto end = std::min(text.find(U'\n'), text.size());
     auto line = text.substr(0, end);
     text.remove_prefix(std::min(end + 1, text.size()));
-    while (!line.empty() && line.back() == ' ') line.remove_suffix(1);
+    while (!line.empty() && line.back() == U' ') line.remove_suffix(1);
     while (line.size() > longest_line) {
-      auto cut = line.rfind(' ', longest_line);
-      if (cut == std::string_view::npos || cut == 0) cut = longest_line;
+      auto cut = line.rfind(U' ', longest_line);
+      if (cut == line.npos || cut == 0) cut = longest_line;
       parts.push_back(line.substr(0, cut));
       line.remove_prefix(cut);
     }
@@ -91,7 +102,7 @@ std::vector<gxi_line_t> gxi_lines(std::string_view text, const gxi_look_t& untur
     const std::int32_t down = before(look.up, tall) - (last - i) * step;
     const gx_pointreal_t offset{left, down};
     lines.push_back(
-        {std::string(part), plus(look.at, gx_turn(offset, look.rotate, false)), look.rotate});
+        {kept_line(part), plus(look.at, gx_turn(offset, look.rotate, false)), look.rotate});
   }
   return lines;
 }
@@ -125,7 +136,7 @@ gxi_stored_t gxi_below(const gxi_instance_t& instance, const gxi_line_t& line,
   property.gene.object_type = gx_type::property_2d;
   property.rotate = stored.rotate;
   property.height = height;
-  property.nvalue.len = static_cast<std::int32_t>(line.text.size());
+  property.nvalue.len = static_cast<std::int32_t>(gx_shown_length(line.text));
   // A text that is turned over is drawn from the other end of its box (gx/db/geometry.h).
   const auto box = gx_turn(gx_property_compute_newbounds(property), turn.rotate, turn.fliph);
   gx_pointreal_t drawn_from{};

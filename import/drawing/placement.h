@@ -26,8 +26,9 @@ struct gxi_line_t {
   gx_pointreal_t at{};
   std::uint8_t rotate = 0;
 };
-// Lines longer than a screen draws are broken, empty ones left out.
-std::vector<gxi_line_t> gxi_lines(std::string_view text, const gxi_look_t& look);
+// Lines longer than a screen draws are broken, empty ones left out; of a kept text kept ones.
+inline constexpr std::size_t gxi_longest_value = 95;  // of a property
+std::vector<gxi_line_t> gxi_lines(std::string_view kept, const gxi_look_t& look);
 
 // Where a letter of a line of `length` letters begins, from 0, `down` from where the look aligns
 // it; and lines above the letters that have a bar, each from its first to the one after its last.

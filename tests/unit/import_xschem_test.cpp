@@ -3,8 +3,8 @@
 #include <fstream>
 #include <map>
 
+#include "gx/text/characters.h"
 #include "import/build/output.h"
-#include "import/drawing/ascii.h"
 #include "import/drawing/numbers.h"
 #include "import/xschem/attributes.h"
 #include "import/xschem/labels.h"
@@ -97,7 +97,7 @@ TEST(ImportXschem, NumbersAndTexts) {
   EXPECT_EQ(gxi_plain_number("-1"), std::nullopt);
   EXPECT_EQ(gxi_plain_expression("'@w * 4.4u'"), "(w*0.0000044)");
   EXPECT_EQ(gxi_plain_expression("sqrt(2)"), std::nullopt);
-  EXPECT_EQ(gxi_ascii("10µ \u2126 \u00e9 \xff\x01"), "10u ohm e y ");
+  EXPECT_EQ(gx_ascii("10µ \u2126 \u00e9 \xff\x01"), "10u ohm e y ");
 }
 
 TEST(ImportXschem, ASecondImportWritesOnlyWhatChanged) {

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <string>
 
+#include "gx/text/kept_text.h"
 #include "gx/text/strings.h"
 #include "tests/unit/fatal_stop.h"
 
@@ -99,5 +100,29 @@ TEST(TextRecords, ComparisonsIgnoreCaseAndNeverStop) {
   EXPECT_EQ(gx_length(a200.c_str()), 200);
   expect_stop([] { gx_length(std::string(201, 'x').c_str()); }, gx_code::invalid_string,
               " !!! error in  gx_length : > max");
+}
+
+TEST(KeptText, SignsComeBackAsTheyWere) {
+  struct case_t {
+    std::string text, kept, plain;
+  };
+  const case_t cases[] = {
+      {"10\u00b5F \u00b15%", "10\\u{B5}F \\u{B1}5%", "10uF +-5%"},
+      {"4.7 k\u2126, 85 \u00b0C", "4.7 k\\u{2126}, 85 \\u{B0}C", "4.7 kohm, 85 degC"},
+      {"\U0001D11E", "\\u{1D11E}", "?"},
+      {"\\u{B5}", "\\u{5C}u{B5}", "\\u{B5}"},  // what looks like a sign is none
+      {"\\u{B5 \\u{} \\u{x5} \\", "\\u{B5 \\u{} \\u{x5} \\", "\\u{B5 \\u{} \\u{x5} \\"},
+      {"", "", ""},
+  };
+  for (const auto& [text, kept, plain] : cases) {
+    EXPECT_EQ(gx_kept_text(text), kept);
+    EXPECT_EQ(gx_shown_text(kept), text);
+    EXPECT_EQ(gx_plain_text(kept), plain);
+  }
+  EXPECT_EQ(gx_kept_text("caf\xe9\x01"), "caf\\u{E9} ");  // Latin-1, and a control character
+  EXPECT_EQ(gx_shown_length("10\\u{B5}F"), 4U);
+  // Numbers of no character stay as they are.
+  for (const char* no_sign : {"\\u{D800}", "\\u{110000}", "\\u{0B}", "\\u{0000000B5}", "\\u{-B5}"})
+    EXPECT_EQ(gx_shown_text(no_sign), no_sign);
 }
 }  // namespace

@@ -6,6 +6,7 @@
 #include "gx/db/object_access.h"
 #include "gx/db/object_flags.h"
 #include "gx/db/queries.h"
+#include "gx/text/characters.h"
 #include "gx/vector/pdf_picture.h"
 #include "gx/vector/svg_picture.h"
 #include "tests/support/make_design.h"

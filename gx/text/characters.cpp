@@ -1,10 +1,11 @@
-// Readable ASCII for what the keyboard of a GX editor does not have.
-#include "import/drawing/ascii.h"
+// UTF-8 there and back, and readable ASCII for what the keyboard of a GX editor does not have.
+#include "gx/text/characters.h"
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <cstdint>
+
+#include "gx/text/at.h"
 
 namespace {
 
@@ -60,50 +61,55 @@ std::string_view ascii_of(char32_t code) {
   return "?";
 }
 
-// The character at the head of `text`, which is cut off.
-char32_t next_character(std::string_view& text) {
-  const auto byte = [&](std::size_t i) { return static_cast<std::uint8_t>(text[i]); };
-  const std::uint8_t head = byte(0);
-  const std::size_t more = head >= 0xF0 ? 3 : head >= 0xE0 ? 2 : head >= 0xC2 ? 1 : 0;
-  char32_t code = more == 3 ? head & 7U : more == 2 ? head & 15U : more == 1 ? head & 31U : head;
-  bool whole = text.size() > more;
-  for (std::size_t i = 1; whole && i <= more; ++i) {
-    whole = (byte(i) & 0xC0) == 0x80;
-    code = code << 6 | (byte(i) & 0x3FU);
-  }
-  text.remove_prefix(whole ? more + 1 : 1);
-  return whole ? code : head;
-}
-
 }  // namespace
 
-std::string gxi_ascii(std::string_view text) {
+char32_t gx_take_character(std::string_view& text) {
+  const auto byte = [&](std::size_t i) {
+    return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U;
+  };
+  const unsigned first = byte(0);
+  const std::size_t more = first < 0xC2 ? 0 : first < 0xE0 ? 1 : first < 0xF0 ? 2 : 3;
+  char32_t code = more == 0 ? first : first & (0x3FU >> more);
+  bool is_sound = first < 0xF5;
+  for (std::size_t i = 1; i <= more; ++i) {
+    is_sound = is_sound && (byte(i) & 0xC0U) == 0x80U;
+    code = code << 6 | (byte(i) & 0x3FU);
+  }
+  constexpr std::array<char32_t, 4> least{0, 0x80, 0x800, 0x10000};
+  is_sound = is_sound && code >= gx_at(least, more) && code <= 0x10FFFF &&
+             (code < 0xD800 || code >= 0xE000);
+  text.remove_prefix(is_sound ? more + 1 : 1);
+  return is_sound ? code : first;
+}
+
+std::u32string gx_characters(std::string_view text) {
+  std::u32string characters;
+  while (!text.empty()) characters += gx_take_character(text);
+  return characters;
+}
+
+void gx_append_utf8(std::string& out, char32_t code) {
+  const auto put = [&](char32_t byte) {
+    out += static_cast<char>(static_cast<unsigned char>(byte));
+  };
+  if (code < 0x80) return put(code);
+  const int more = code < 0x800 ? 1 : code < 0x10000 ? 2 : 3;
+  constexpr std::array<char32_t, 4> mark{0, 0xC0, 0xE0, 0xF0};
+  put(gx_at(mark, more) | code >> (6 * more));
+  for (int i = more - 1; i >= 0; --i) put(0x80 | (code >> (6 * i) & 0x3F));
+}
+
+std::string gx_ascii(std::string_view text) {
   std::string result;
   result.reserve(text.size());
   while (!text.empty()) {
-    const char c = text.front();
-    if (c == '\n' || (c >= ' ' && c <= '~')) {
-      result += c;
-      text.remove_prefix(1);
-    } else if (static_cast<std::uint8_t>(c) < 0x80) {
+    const char32_t code = gx_take_character(text);
+    if (code == '\n' || (code >= ' ' && code <= '~'))
+      result += static_cast<char>(code);
+    else if (code < 0x80)
       result += ' ';
-      text.remove_prefix(1);
-    } else {
-      result += ascii_of(next_character(text));
-    }
+    else
+      result += ascii_of(code);
   }
   return result;
-}
-
-std::string gxi_directory_name(std::string_view text) {
-  std::string name = gxi_ascii(text);
-  std::replace_if(
-      name.begin(), name.end(),
-      [](char c) {
-        return !std::isalnum(static_cast<unsigned char>(c)) &&
-               std::string_view("_-+.").find(c) == std::string_view::npos;
-      },
-      '_');
-  if (name.empty() || name.front() == '.' || name.front() == '-') name.insert(0, "_");
-  return name;
 }
