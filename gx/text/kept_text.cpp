@@ -27,7 +27,7 @@ sign_t sign_at(std::string_view kept) {
   return {code, end + 1};
 }
 
-void keep(char32_t code, std::string& kept) {
+void append_sign(char32_t code, std::string& kept) {
   char digits[8];
   const auto end = std::to_chars(digits, digits + sizeof digits, std::uint32_t{code}, 16).ptr;
   kept += head;
@@ -45,7 +45,7 @@ std::string gx_kept_text(std::string_view text) {
     const bool is_sign = sign_at(text).length > 0;
     const char32_t code = gx_take_character(text);
     if (is_sign || code >= 0xA0)
-      keep(code, kept);
+      append_sign(code, kept);
     else if (code == '\n' || (code >= ' ' && code <= '~'))
       kept += static_cast<char>(code);
     else
