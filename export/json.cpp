@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr int version = 1;  // of the schema in docs/json.md
+constexpr int version = 1;  // of the schema in docs/netlists.md
 
 class json_t {
  public:

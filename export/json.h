@@ -1,4 +1,5 @@
-// A design as JSON (docs/json.md), for kvdump --json, and in the form that Yosys writes and reads.
+// A design as JSON (docs/netlists.md), for kvdump --json, and in the form that Yosys writes and
+// reads.
 #pragma once
 
 #include <cstdio>

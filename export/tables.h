@@ -1,4 +1,4 @@
-// A netlist as tables: what CSV files and a database hold alike (docs/tables.md).
+// A netlist as tables: what CSV files and a database hold alike (docs/netlists.md).
 //
 // A table is a name, its columns, and a function that calls `row` once for each of its rows, with
 // one value for each column.

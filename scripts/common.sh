@@ -64,6 +64,12 @@ show_progress() {
   [[ ! -t 1 ]] || printf '\r\e[K'
 }
 
+# The folder that --build-dir names, seen from where the script was called.
+take_build_dir() {
+  [[ -n ${1:-} ]] || { echo "--build-dir needs a directory" >&2; exit 2; }
+  build_dir=$(cd "$called_from" && realpath -m -- "$1")
+}
+
 # Makes the build folder this process's own: a second build waits for the first.
 lock_build() {
   mkdir -p "$build_dir" 2>/dev/null && [[ -w $build_dir ]] || {

@@ -1,5 +1,5 @@
 // A netlist as an SQLite database: the tables of export/tables.h and those of findings, with
-// indexes and views (docs/tables.md).
+// indexes and views (docs/netlists.md).
 #pragma once
 
 #include <string>
