@@ -107,8 +107,9 @@ void apply_waivers(const std::string& directory) {
     gx_tell_wrapped("# !! Warning : " + fault, gx_line_kind::warning);
   for (const auto& idle : kv_apply_waivers(read.waivers, kv_pext.findings)) {
     if (kv_severity_of(kv_pext.severities, idle.rule) == kv_severity::off) continue;
-    gx_tell_wrapped("# !! Warning : waivers:" + std::to_string(idle.line) + " : meets nothing : " +
-                        std::string(kv_row_of(idle.rule).name) + " " + idle.path,
+    gx_tell_wrapped("# !! Warning : waivers:" + std::to_string(idle.line) +
+                        " : matches no finding : " + std::string(kv_row_of(idle.rule).name) + " " +
+                        idle.path,
                     gx_line_kind::warning);
   }
 }

@@ -52,7 +52,7 @@ constexpr std::array<kv_rule_row_t, kv_rule_count> rule_rows = {{
     {kv_rule::single_pin, "single-pin", warning, "a net of a single pin"},
     {kv_rule::bus_widths, "bus-widths", warning, "pins of one bus of different widths"},
     {kv_rule::bus_range, "bus-range", error, "a pin that does not fit its bus or its port"},
-    {kv_rule::run, "run", error, "another error that RUN tells"},
+    {kv_rule::run, "run", error, "another error that RUN reports"},
     // clang-format on
 }};
 

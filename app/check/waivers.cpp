@@ -58,7 +58,7 @@ bool is_date(std::string_view word) {
 // What is wrong with a line; "" when it is a waiver.
 std::string parse_line(std::string_view line, kv_waiver_t& waiver) {
   const auto printable = [](char c) { return c == '\t' || (c >= 32 && c <= 126); };
-  if (!std::ranges::all_of(line, printable)) return "a character that is none";
+  if (!std::ranges::all_of(line, printable)) return "contains a control or non-ASCII character";
   const auto rule = take_word(line);
   if (!rule) return "no rule";
   const auto known = kv_rule_named(*rule);
@@ -67,7 +67,7 @@ std::string parse_line(std::string_view line, kv_waiver_t& waiver) {
   if (!path || !reason || !date) return "not : rule \"path\" \"reason\" date";
   if (!path->starts_with('/')) return "no path : " + path->substr(0, 40);
   if (!is_date(*date)) return "no date : " + date->substr(0, 40);
-  if (line.find_first_not_of(" \t") != line.npos) return "more behind the date";
+  if (line.find_first_not_of(" \t") != line.npos) return "text after the date";
   waiver.rule = *known;
   waiver.path = *path;
   waiver.reason = *reason;

@@ -36,7 +36,7 @@ constexpr tool_t program = {
     "  --mark TEXT  prints the line TEXT after each answer\n"
     "  --trace      writes the traces debug_kivo and debug_kivo2, as the window does\n"
     "  --help, --version\n"
-    "Exit status of a batch: 0 no error, 1 errors, 2 nothing to begin with, 3 a fatal stop.\n"};
+    "Exit status of a batch: 0 no error, 1 errors, 2 could not start, 3 internal error.\n"};
 
 // The session at a window takes the place of this process.
 int run_window(char** argv) {

@@ -140,7 +140,7 @@ class lepton_reader {
       });
       if (port == placed.end() || port->pins.empty())
         warn(block.source(), "no component of the sheet " + block.sheets.front().string() +
-                                 " bears the name of the pin " + label);
+                                 " has the name of the pin " + label);
       else
         port->role = gxi_lepton_role_t::port;
     }

@@ -398,7 +398,7 @@ TEST(CheckDesign, WritesTheFindingsForOthersToRead) {
             junit.npos)
       << junit;
   EXPECT_NE(junit.find("name=\"/&lt;&amp;&gt;\"><"), junit.npos) << junit;
-  EXPECT_NE(junit.find("<testcase classname=\"run\" name=\"another error that RUN tells\"/>"),
+  EXPECT_NE(junit.find("<testcase classname=\"run\" name=\"another error that RUN reports\"/>"),
             junit.npos);
 }
 
@@ -466,7 +466,7 @@ TEST(CheckDesign, WaivedFindingsAreCountedApart) {
                                            "single-pin /N \"gone\" 2026-01-02\n");
   c.s.run("rule pin-open warning");
   const auto lines = c.s.run("check design");
-  EXPECT_EQ(lines[1], "# !! Warning : waivers:3 : meets nothing : single-pin /N");
+  EXPECT_EQ(lines[1], "# !! Warning : waivers:3 : matches no finding : single-pin /N");
   EXPECT_EQ(lines[2], "# 1 Warning pin-open /B1/I : the pin is on no net");
   EXPECT_TRUE(lines[3].starts_with("# 2 Waived pin-open /B2/I"));
   EXPECT_EQ(lines_t(lines.end() - 4, lines.end() - 1),
@@ -496,8 +496,9 @@ TEST(Waivers, LinesThatAreNoneAreTold) {
       {"single-pin \"/A", "not : rule \"path\" \"reason\" date"},
       {"single-pin A \"r\" 2026-01-01", "no path : A"},
       {"single-pin /A \"r\" 26-1-1", "no date : 26-1-1"},
-      {"single-pin /A \"r\" 2026-01-01 x", "more behind the date"},
-      {std::string("single-pin /A\0 r 2026-01-01", 27), "a character that is none"},
+      {"single-pin /A \"r\" 2026-01-01 x", "text after the date"},
+      {std::string("single-pin /A\0 r 2026-01-01", 27),
+       "contains a control or non-ASCII character"},
   };
   for (const auto& [line, fault] : cases) {
     const auto read = kv_parse_waivers("\n  # one\n" + line);
