@@ -2,9 +2,7 @@
 // another are one path.
 #include "gx/vector/svg_picture.h"
 
-#include <algorithm>
 #include <cmath>
-#include <numbers>
 
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
@@ -12,55 +10,37 @@
 #include "gx/db/queries.h"
 #include "gx/picture/sheet_shapes.h"
 #include "gx/text/characters.h"
+#include "gx/vector/path_data.h"
 
 namespace {
-int sound_color(int color) {
-  return color >= 0 && color < gx_nb_of_inks ? color : gx_nb_of_inks - 1;
-}
-
 class svg_writer {
  public:
   // Texts go to `out`, which is not emptied.
   explicit svg_writer(std::string& out) : out_(out) {}
 
   void draw(const gx_shape_t& shape) {
-    switch (shape.kind) {
-      case gx_shape_kind::line:
-      case gx_shape_kind::polyline:
-        if (shape.points.size() < 2) return;
-        use_stroke(shape);
-        for (std::size_t i = 0; i < shape.points.size(); ++i) add_point(i > 0, shape.points[i]);
-        return;
-      case gx_shape_kind::arc:
-        return draw_arc(shape);
-      case gx_shape_kind::circle:
-        use_stroke(shape);
-        return add_circle(shape.points[0], shape.size);
-      case gx_shape_kind::box:
-        if (shape.filled) return draw_filled(shape, shape.points[0], shape.points[1]);
-        use_stroke(shape);
-        return add_box(shape.points[0], shape.points[1]);
-      case gx_shape_kind::text:
-        return draw_text(shape);
-      case gx_shape_kind::dot: {
-        const std::int32_t r = shape.size;
-        if (r <= 0) return;
-        const auto box = gx_move({-r, -r, r, r}, shape.points[0]);
-        return draw_filled(shape, {box.xmin, box.ymin}, {box.xmax, box.ymax});
-      }
-      case gx_shape_kind::page:
-      case gx_shape_kind::loose_pin:
-      case gx_shape_kind::selected_vertex:
-        return;
+    if (shape.kind == gx_shape_kind::text) {
+      const std::string color = std::to_string(gx_look_of(shape).color);
+      add_text(shape.points[0], shape.size, shape.rotation, " class=\"f" + color + "\"",
+               shape.text);
     }
+    if (!gx_has_path(shape)) return;
+    const gx_look_t look = gx_look_of(shape);
+    if (look != look_) flush();
+    look_ = look;
+    path_.add(shape);
   }
 
   // Ends the path under way: what is written next lies on top of it.
   void flush() {
-    if (!path_.empty()) {
-      out_.append("<path").append(look_).append(" d=\"").append(path_).append("\"/>\n");
-      path_.clear();
-    }
+    if (path_.text().empty()) return;
+    out_.append("<path class=\"").append(look_.filled ? "f" : "c");
+    out_ += std::to_string(look_.color);
+    if (look_.style > 0) out_ += " s" + std::to_string(look_.style);
+    out_ += '"';
+    if (look_.width > 1) attribute("stroke-width", std::int64_t{look_.width} * gx_thin_line);
+    out_.append(" d=\"").append(path_.text()).append("\"/>\n");
+    path_.clear();
   }
 
   // A text with its baseline at a point; `attributes` follow the tag.
@@ -97,94 +77,9 @@ class svg_writer {
     out_ += '"';
   }
 
-  void use_look(std::string look) {
-    if (look == look_) return;
-    flush();
-    look_ = std::move(look);
-  }
-
-  void use_stroke(const gx_shape_t& shape) {
-    std::string look = " class=\"c" + std::to_string(sound_color(shape.color));
-    if (!gx_dashes(shape.style).empty()) look += " s" + std::to_string(shape.style);
-    look += '"';
-    if (shape.width > 1) {
-      look += " stroke-width=\"";
-      gx_append_units(look, std::int64_t{shape.width} * gx_thin_line);
-      look += '"';
-    }
-    use_look(std::move(look));
-  }
-
-  void add_point(bool is_next, gx_pointreal_t p) {
-    if (is_next && p.y == last_.y) {
-      path_ += 'H';
-      gx_append_units(path_, p.x);
-    } else if (is_next && p.x == last_.x) {
-      path_ += 'V';
-      gx_append_units(path_, p.y);
-    } else {
-      path_ += is_next ? 'L' : 'M';
-      gx_append_units(path_, p.x);
-      path_ += ' ';
-      gx_append_units(path_, p.y);
-    }
-    last_ = p;
-  }
-
-  void add_arc_to(gx_pointreal_t p, std::int32_t radius, bool is_large, bool is_clockwise) {
-    path_ += 'A';
-    gx_append_units(path_, radius);
-    path_ += ' ';
-    gx_append_units(path_, radius);
-    path_.append(is_large ? " 0 1 " : " 0 0 ").append(is_clockwise ? "1 " : "0 ");
-    gx_append_units(path_, p.x);
-    path_ += ' ';
-    gx_append_units(path_, p.y);
-    last_ = p;
-  }
-
-  void add_box(gx_pointreal_t p, gx_pointreal_t q) {
-    add_point(false, p);
-    add_point(true, {q.x, p.y});
-    add_point(true, q);
-    add_point(true, {p.x, q.y});
-    path_ += 'Z';
-  }
-
-  void add_circle(gx_pointreal_t centre, std::int32_t radius) {
-    const gx_pointreal_t left{gx_saturated(std::int64_t{centre.x} - radius), centre.y};
-    const gx_pointreal_t right{gx_saturated(std::int64_t{centre.x} + radius), centre.y};
-    add_point(false, left);
-    add_arc_to(right, radius, true, true);
-    add_arc_to(left, radius, true, true);
-  }
-
-  void draw_arc(const gx_shape_t& arc) {
-    use_stroke(arc);
-    if (std::abs(arc.extent) >= gx_full_turn) return add_circle(arc.points[3], arc.size);
-    const auto at = [&](std::int32_t angle) -> gx_pointreal_t {
-      const double a = angle * std::numbers::pi / (gx_full_turn / 2.0);
-      return {gx_saturated(arc.points[3].x + std::llround(arc.size * std::cos(a))),
-              gx_saturated(arc.points[3].y - std::llround(arc.size * std::sin(a)))};
-    };
-    add_point(false, at(arc.start));
-    add_arc_to(at(arc.start + arc.extent), arc.size, std::abs(arc.extent) > gx_full_turn / 2,
-               arc.extent < 0);
-  }
-
-  void draw_filled(const gx_shape_t& shape, gx_pointreal_t p, gx_pointreal_t q) {
-    use_look(" class=\"f" + std::to_string(sound_color(shape.color)) + "\"");
-    add_box(p, q);
-  }
-
-  void draw_text(const gx_shape_t& text) {
-    add_text(text.points[0], text.size, text.rotation,
-             " class=\"f" + std::to_string(sound_color(text.color)) + "\"", text.text);
-  }
-
   std::string& out_;
-  std::string look_, path_;  // of the path under way
-  gx_pointreal_t last_;      // its last point
+  gx_path_data path_;  // under way
+  gx_look_t look_;     // of it
 };
 
 std::string hex_of(gx_ink_t color) {
