@@ -80,6 +80,8 @@ std::optional<double> rs_read_number(std::string_view text) {
   if (read.ec != std::errc() || !std::isfinite(number)) return std::nullopt;
   const std::string_view letters(read.ptr, static_cast<std::size_t>(end - read.ptr));
   if (!std::ranges::all_of(letters, is_unit_letter)) return std::nullopt;
-  number *= std::pow(10.0, power_of(letters));
+  // Powers of ten are exact, their reciprocals are not: "100n" is to be 100e-9.
+  const int power = power_of(letters);
+  number = power < 0 ? number / std::pow(10.0, -power) : number * std::pow(10.0, power);
   return std::isfinite(number) ? std::optional(number) : std::nullopt;
 }

@@ -247,7 +247,7 @@ TEST(Engineering, NumbersAreWrittenAndReadAsSimulatorsDo) {
     EXPECT_NEAR(rs_read_number(rs_engineering(number, 6)).value_or(0) / number, 1, 1e-12);
   }
   EXPECT_EQ(rs_read_number("1MEG"), 1e6);
-  EXPECT_NEAR(*rs_read_number("58ns"), 58e-9, 1e-20);
+  EXPECT_EQ(rs_read_number("100ns"), 100e-9);  // the end of a scale is on it
   EXPECT_EQ(rs_read_number("0.7V"), 0.7);
   for (const char* text : {"", "n", "1e999", "1n5", "1,5", "nan", "1 n"}) {
     EXPECT_FALSE(rs_read_number(text)) << text;
