@@ -156,12 +156,7 @@ void kv_pages_by_sheet(kv_design_pages_t& pages) {
   for (auto& page : pages.pages) page.below = blocks_of(pages, page.component->sheet, page_of);
 }
 
-bool kv_pages_by_use(kv_design_pages_t& pages, std::string& why) {
-  kv_pages_by_sheet(pages);
-  std::unordered_map<const kv_sheet_t*, const kv_component_t*> component_of;
-  for (const auto& page : pages.pages) component_of[&page.component->sheet] = page.component;
-  pages.pages.clear();
-
+bool kv_expand_pages(kv_design_pages_t& pages, std::string& why) {
   std::string refused;  // the last error: what ended a run that is not done
   const kv_message_catcher catcher([&](const kv_told_t& told) {
     const auto kind = kv_row_of(told.code).kind;
@@ -179,10 +174,18 @@ bool kv_pages_by_use(kv_design_pages_t& pages, std::string& why) {
                                         .to_the_end = true,
                                         .origins = &pages.origins},
                                        pages.sheets);
-  if (result != kv_run_result::done) {
-    why = pages.name + ": cannot be expanded: " + refused;
-    return false;
-  }
+  if (result == kv_run_result::done) return true;
+  why = pages.name + ": cannot be expanded: " + refused;
+  return false;
+}
+
+bool kv_pages_by_use(kv_design_pages_t& pages, std::string& why) {
+  kv_pages_by_sheet(pages);
+  std::unordered_map<const kv_sheet_t*, kv_component_t*> component_of;
+  for (const auto& page : pages.pages) component_of[&page.component->sheet] = page.component;
+  pages.pages.clear();
+
+  if (!kv_expand_pages(pages, why)) return false;
   const kv_netlist_t netlist(pages.design);
   const auto& visits = pages.origins.visits;
   if (std::ssize(visits) > kv_most_pages) {

@@ -15,7 +15,7 @@
 #include "gx/vector/sheet_labels.h"
 
 struct kv_page_t {
-  const kv_component_t* component = nullptr;    // whose sheet it shows
+  kv_component_t* component = nullptr;          // whose sheet it shows
   std::string path = {};                        // "" at the top; of a sheet that of its first use
   std::string name = {};                        // a name for its file, another for every page
   int above = -1;                               // the page of the sheet above
@@ -46,6 +46,8 @@ bool kv_open_pages(kv_design_pages_t& pages, const std::string& directory,
 // The top alone; every sheet below it once, in the order of a walk down; every use of one.
 void kv_page_of_top(kv_design_pages_t& pages);
 void kv_pages_by_sheet(kv_design_pages_t& pages);
+// Expands an opened design, into `design` and `origins`. False and why when it cannot be done.
+bool kv_expand_pages(kv_design_pages_t& pages, std::string& why);
 // False and why when the design cannot be expanded, or is more than kv_most_pages.
 bool kv_pages_by_use(kv_design_pages_t& pages, std::string& why);
 

@@ -1,8 +1,5 @@
 // kivo-plot: sheets of a design as plot files (HP-GL/2), SVG or PDF, without a display.
-#include <zlib.h>
-
 #include <algorithm>
-#include <cerrno>
 #include <cstdio>
 #include <filesystem>
 #include <string>
@@ -17,8 +14,8 @@
 #include "gx/vector/pdf_picture.h"
 #include "gx/vector/svg_picture.h"
 #include "pages/design_pages.h"
-#include "platform/files.h"
 #include "platform/usage.h"
+#include "tools/design_tool.h"
 
 namespace {
 constexpr tool_t tool = {
@@ -41,12 +38,6 @@ constexpr tool_t tool = {
     "  --help, --version\n"
     "Exit status: 0 written, 1 not all could be written, 2 wrong options.\n"};
 
-// "top" of "designs/top/".
-std::string_view last_name(std::string_view path) {
-  while (path.size() > 1 && path.ends_with('/')) path.remove_suffix(1);
-  return path.substr(path.rfind('/') + 1);
-}
-
 enum class format_t { plot, svg, pdf };
 
 struct wishes_t {
@@ -57,22 +48,6 @@ struct wishes_t {
   std::vector<std::string_view> primitives;
   std::string sheet, out;
 };
-
-std::string deflated(std::string_view bytes) {
-  uLongf size = compressBound(bytes.size());
-  std::string packed(size, '\0');
-  if (compress2(reinterpret_cast<Bytef*>(packed.data()), &size,
-                reinterpret_cast<const Bytef*>(bytes.data()), bytes.size(), 6) != Z_OK)
-    return {};
-  packed.resize(size);
-  return packed;
-}
-
-bool write_file(const std::string& path, std::string_view bytes) {
-  if (x_replace_file(path, bytes)) return true;
-  tool_complain(tool, "cannot write " + path + ": " + x_why_unread(errno));
-  return false;
-}
 
 // The sheet of a directory as a plot file.
 bool write_plot(const std::string& directory, const std::string& path, bool landscape) {
@@ -107,7 +82,7 @@ bool write_pdf(const kv_design_pages_t& pages, const wishes_t& wishes) {
   for (int i = 0; i < count; ++i)
     document.add_page(*pages.pages[static_cast<std::size_t>(i)].component->file,
                       kv_labels_of(pages, i));
-  return write_file(wishes.out, document.finish(pages.name));
+  return write_file(tool, wishes.out, document.finish(pages.name));
 }
 
 // The tree of pages, each in the list of the one above it.
@@ -143,11 +118,11 @@ bool write_svg(const kv_design_pages_t& pages, const wishes_t& wishes) {
                              .paper = wishes.paper,
                              .labels = kv_labels_of(pages, static_cast<int>(i)),
                              .files = files};
-    is_written = write_file(has_index ? wishes.out + "/" + files[i] : wishes.out,
+    is_written = write_file(tool, has_index ? wishes.out + "/" + files[i] : wishes.out,
                             gx_svg_picture(*pages.pages[i].component->file, page));
   }
   if (has_index && is_written)
-    is_written = write_file(wishes.out + "/index.html", index_of(pages, files));
+    is_written = write_file(tool, wishes.out + "/index.html", index_of(pages, files));
   return is_written;
 }
 
@@ -236,20 +211,11 @@ int main(int argc, char** argv) {
                               "--colours: screen, print or mono, not " + std::string(colours));
     wishes.colours = *known;
   }
-  if (std::ssize(wishes.primitives) > kv_max_list)
-    return tool_usage_error(tool, "--primitive: at most " + std::to_string(kv_max_list));
-  if (wishes.primitives.empty()) wishes.primitives.push_back("CLASS");
+  if (const auto ended = read_primitives(tool, wishes.primitives)) return *ended;
   const bool is_own = words.size() == 1 || words[1] == "." || words[1] == last_name(words[0]);
   wishes.sheet = is_own ? words[0] : words[1];
   wishes.out = out;
-  if (wishes.sheet.size() >= gx_max_string_length - 16) {
-    tool_complain(tool, "path too long: " + wishes.sheet);
-    return 1;
-  }
-  if (std::ranges::any_of(wishes.sheet, [](char c) { return c < 32 || c > 126; })) {
-    tool_complain(tool, "letters beyond ASCII in the path: " + wishes.sheet);
-    return 1;
-  }
+  if (!can_be_sheet(tool, wishes.sheet)) return 1;
   gx_session.init_done = true;  // files may be opened; no display is made
   return run(wishes) ? 0 : 1;
 }

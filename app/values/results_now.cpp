@@ -19,16 +19,6 @@ std::optional<std::size_t> chosen_plot(const rs_file_t& file, std::size_t number
   return last == plots.rend() ? 0 : static_cast<std::size_t>(plots.rend() - last) - 1;
 }
 
-std::string open_plot(kv_results_t& results, const std::string& path, std::size_t number) {
-  std::string fault = results.file.open(path);
-  if (!fault.empty()) return fault;
-  const auto plot = chosen_plot(results.file, number);
-  if (!plot) return path + ": has plots 1 to " + std::to_string(results.file.plots().size());
-  results.plot_index = *plot;
-  results.variables = results.file.variables(results.plot());
-  return "";
-}
-
 // As far as the scale goes.
 void keep_x(kv_results_t& results, double x) {
   if (results.plot().nb_rows == 0) return;
@@ -64,11 +54,21 @@ double kv_results_t::greatest_x() const {
              : std::max(file.scale(plot(), 0), file.scale(plot(), plot().nb_rows - 1));
 }
 
+std::string kv_open_plot(kv_results_t& results, const std::string& path, std::size_t number) {
+  std::string fault = results.file.open(path);
+  if (!fault.empty()) return fault;
+  const auto plot = chosen_plot(results.file, number);
+  if (!plot) return path + ": has plots 1 to " + std::to_string(results.file.plots().size());
+  results.plot_index = *plot;
+  results.variables = results.file.variables(results.plot());
+  return "";
+}
+
 std::string kv_open_results(const std::string& path, std::size_t plot) {
   static std::uint64_t opened = 0;
   auto results = std::make_shared<kv_results_t>();
   results->number = ++opened;
-  if (std::string fault = open_plot(*results, path, plot); !fault.empty()) return fault;
+  if (std::string fault = kv_open_plot(*results, path, plot); !fault.empty()) return fault;
   const auto before = kv_pext.results;
   const bool is_again = before && before->file.path() == path;
   keep_x(*results, is_again ? before->x : results->file.scale(results->plot(), 0));

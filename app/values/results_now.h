@@ -31,7 +31,9 @@ struct kv_results_t {
 };
 
 // Opens a file and chooses a plot (from 1; 0: the last transient, else the first). "", or what is
-// wrong; then the results before stay.
+// wrong. The place is left as it is.
+std::string kv_open_plot(kv_results_t& results, const std::string& path, std::size_t number);
+// The same for the session; what is wrong leaves the results before as they are.
 std::string kv_open_results(const std::string& path, std::size_t plot);
 void kv_close_results();
 
