@@ -3,7 +3,7 @@
 
 example_packages=(cmake ninja-build g++ libx11-dev zlib1g-dev libsqlite3-dev)
 test_packages=("${example_packages[@]}" pkg-config libxtst-dev libgtest-dev xvfb xauth xdotool
-               imagemagick ngspice hp2xx qpdf poppler-utils python3 iverilog)
+               imagemagick ngspice hp2xx qpdf poppler-utils python3 iverilog chromium)
 ci_packages=("${test_packages[@]}" ccache git libbenchmark-dev clang-format mandoc appstream
              desktop-file-utils)
 

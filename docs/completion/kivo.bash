@@ -12,6 +12,7 @@ _kivo_programs() {
     kvverilog) options='--flat --top -o' ;;
     kvspice) options='-o --hierarchy --lvs --global-ports --save' ;;
     kivo-ngspice) options='--save --simulator' ;;
+    kivo-page) options='-o --values --at --plot --no-findings --primitive' ;;
     kivo-plot) options='-landscape --landscape -o --svg --pdf --all --per-instance --primitive --paper --colours --colors' ;;
   esac
   if [[ $current == -* ]]; then
@@ -19,7 +20,7 @@ _kivo_programs() {
     return
   fi
   case $before in
-    --array | --variants | --number | --primitive | --top | --mark | --save) return ;;
+    --array | --variants | --number | --primitive | --top | --mark | --save | --at | --plot) return ;;
     --paper) mapfile -t COMPREPLY < <(compgen -W "A5 A4 A3 A2 A1 A0 letter legal tabloid fit" -- "$current")
              return ;;
     --colours | --colors) mapfile -t COMPREPLY < <(compgen -W "screen print mono" -- "$current")
@@ -32,11 +33,11 @@ _kivo_programs() {
   local word position=0
   for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do [[ $word == -?* ]] || position=$((position + 1)); done
   case ${1##*/}:$position in
-    kivo:0 | kivo-plot:[01] | kivo-simlink:0 | kivo-ngspice:0)
+    kivo:0 | kivo-page:0 | kivo-plot:[01] | kivo-simlink:0 | kivo-ngspice:0)
       mapfile -t COMPREPLY < <(compgen -d -- "$current") ;;
     *) mapfile -t COMPREPLY < <(compgen -f -- "$current") ;;
   esac
   compopt -o filenames 2>/dev/null
 }
-complete -F _kivo_programs kivo gxmake gxdump gximport kvdiff kvdump kvspice kvverilog kivo-plot kivo-simlink kivo-ngspice \
+complete -F _kivo_programs kivo gxmake gxdump gximport kvdiff kvdump kvspice kvverilog kivo-page kivo-plot kivo-simlink kivo-ngspice \
   kivoMenuDB kivoKeysDB
