@@ -77,6 +77,7 @@ class compiler {
     if (is_value || word.front() == '{' || word.front() == '\'' ||
         (word.front() == '"' && word.size() > 1)) {
       put_expression(word);
+      if (is_value && !line_.given.empty()) line_.pieces.back().of = line_.given.back();
     } else if (names_device() && is_name(word)) {
       line_.pieces.push_back({.kind = kind_t::device, .text = std::string(word)});
     } else if (is_name(word) && text_.substr(0, 1) != "=") {
@@ -91,6 +92,7 @@ class compiler {
   // After it comes a value; all of the rest where the source is given by an expression.
   void take_equals() {
     if (!line_.pieces.empty() && line_.pieces.back().text == " ") line_.pieces.pop_back();
+    if (!line_.pieces.empty()) line_.given.push_back(line_.pieces.back().text);
     put("=");
     skip();
     if (letter_ == 'B' && place_ == 3) {

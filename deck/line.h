@@ -20,11 +20,13 @@ struct dk_piece_t {
   std::string text{};
   int pin = 0;
   char quote = '\0';  // of an expression: ', " or {
+  std::string of{};   // the parameter whose value it is, in "name=value"
 };
 
 struct dk_line_t {
   std::string name{};                // of the element, its first letter that of the device
   std::vector<dk_piece_t> pieces{};  // what follows
+  std::vector<std::string> given{};  // the parameters that it sets
   bool is_command() const { return name.starts_with('.'); }
 };
 

@@ -13,6 +13,7 @@ What is expected follows, in any choice and order; all lines of a section are co
   === nets                after RUN: path of the net (? in place of a name made from a number): pins of
                           leaf instances on it
   === instances           after RUN: path of each leaf instance and its properties that are not empty
+  === netlist [OPTION]    after RUN: what kvspice writes, without its title
   === sheet CELL PATTERN  the lines of `gxdump --source CELL` in which the regular expression is found;
   === symbols CELL PATTERN  the same of the symbols that it names
   === expand PATTERN      lines of expand.do
@@ -120,6 +121,12 @@ class Import:
                 raise RuntimeError(f"RUN ends with status {status}:\n{text}")
             self.expanded = listed_objects(f"{self.design}/{self.top}/kivo_data")
         return self.expanded
+
+    def netlist(self, words):
+        self.flat()
+        status, text = run(self.design, BUILD + "/tools/kvspice", *" ".join(words).split(), self.top)
+        lines = re.sub(r"\bN_\d+", "?", text).splitlines()[1:]
+        return lines + [f"status {status}"] * bool(status)
 
     def nets(self, _):
         names, pins, *_ = self.flat()

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <optional>
 
 #include "gx/text/strings.h"
 
@@ -23,9 +24,7 @@ bool is_device(char c) { return std::string_view("MRCDQ").find(c) != std::string
 dk_elements_t::dk_elements_t(const dk_visits_t& visits, const dk_options_t& options,
                              const dk_output_t& output, dk_naming_t naming)
     : visits_(visits), options_(options), output_(output), naming_(std::move(naming)) {
-  names_.parameter = [this](std::string_view name) {
-    return dk_find(*visits_.at(visit_).values, name);
-  };
+  names_.parameter = [this](std::string_view name) { return parameter(name); };
   names_.node = [this](std::string_view name) { return node_named(name); };
   names_.device = [this](std::string_view name) { return device_named(name); };
   names_.pin = [this](int pin, std::string& out) {
@@ -35,6 +34,15 @@ dk_elements_t::dk_elements_t(const dk_visits_t& visits, const dk_options_t& opti
     for (std::int32_t bit = 0; bit < bits.count; ++bit)
       out.append(bit == 0 ? "" : " ").append(naming_.node_of_pin(object, bit));
   };
+}
+
+// In the values of a call the names that it sets are those of the subcircuit, but each in its own
+// value: "W='2*W' AD='W*L'".
+std::optional<std::string> dk_elements_t::parameter(std::string_view name) const {
+  const auto is = [&](const std::string& given) { return gx_iden(given, name); };
+  if (call_ != nullptr && !is(piece_->of) && std::ranges::any_of(call_->given, is))
+    return std::nullopt;
+  return dk_find(*visits_.at(visit_).values, name);
 }
 
 std::string dk_elements_t::node_named(std::string_view name) const {
@@ -58,8 +66,7 @@ std::string dk_elements_t::called(const dk_drawn_t& drawn, const dk_line_t& line
 
 bool dk_elements_t::write(std::int32_t inst) {
   current_ = {kv_named::inst, inst};
-  const auto* const drawn =
-      visits_.drawn(visit_, dk_visits_t::last_name(visits_.netlist().path(current_)));
+  const auto* const drawn = visits_.drawn_leaf(inst);
   if (drawn == nullptr) return write_plain(inst);
   for (const auto& line : drawn->lines) {
     if (line.is_command()) {
@@ -70,7 +77,10 @@ bool dk_elements_t::write(std::int32_t inst) {
       line_ = naming_.element(name.substr(0, 1), name);
     }
     const auto name_ends = line_.size();
+    const bool calls = gx_upper_case(line.name.front()) == 'X';
     for (const auto& piece : line.pieces) {
+      piece_ = &piece;
+      call_ = calls && !piece.of.empty() ? &line : nullptr;
       if (piece.kind == dk_piece_t::kind_t::text)
         line_ += piece.text;
       else if (piece.kind == dk_piece_t::kind_t::pin)
@@ -80,6 +90,7 @@ bool dk_elements_t::write(std::int32_t inst) {
       else
         dk_put(piece, names_, line_);
     }
+    call_ = nullptr;
     output_.line(line_);
     if (!options_.saved.empty() && !line.is_command())
       save(std::string_view(line_).substr(0, name_ends), line_);
@@ -91,8 +102,7 @@ std::string dk_elements_t::values_of(std::int32_t inst) {
   current_ = {kv_named::inst, inst};
   std::string values;
   // Those of a line follow from the parameters of the visit.
-  if (visits_.drawn(visit_, dk_visits_t::last_name(visits_.netlist().path(current_))) == nullptr)
-    add_plain_values(current_, values);
+  if (visits_.drawn_leaf(inst) == nullptr) add_plain_values(current_, values);
   return values;
 }
 

@@ -41,6 +41,7 @@ class dk_elements_t {
  private:
   bool write_plain(std::int32_t inst);
   void add_plain_values(kv_object_t inst, std::string& line) const;
+  std::optional<std::string> parameter(std::string_view name) const;
   std::string called(const dk_drawn_t& drawn, const dk_line_t& line) const;
   void save(std::string_view element, std::string_view line);
   std::string node_named(std::string_view name) const;
@@ -53,6 +54,8 @@ class dk_elements_t {
   dk_names_t names_;
   std::int32_t visit_ = 0;
   kv_object_t current_{};
+  const dk_line_t* call_ = nullptr;    // the line in work, when it calls a subcircuit
+  const dk_piece_t* piece_ = nullptr;  // and the piece of it
   std::string line_;
   std::vector<std::string> saved_;
 };

@@ -116,6 +116,26 @@ void dk_visits_t::take_cells(const dk_cells_t& cells) {
     visit.sheet = sheet.get();
     visit.is_part = cell->second.is_part && visit.macro != 0;
   }
+  drawn_.resize(of_leaf_.size());
+  if (sheets_.empty()) return;
+  for (std::int32_t inst = 1; inst < static_cast<std::int32_t>(drawn_.size()); ++inst)
+    if (at(of_leaf(inst)).sheet != nullptr)
+      gx_at(drawn_, inst) = drawn(of_leaf(inst), last_name(netlist_.path({kv_named::inst, inst})));
+}
+
+// Names in the values of a call are those of the cell, but each in its own value, and those that
+// the cell has not.
+void dk_visits_t::take_call(const dk_drawn_t& call, const dk_values_t& above, dk_values_t& values) {
+  // Twice, as a value may have a name that is set after it.
+  for (int pass = 0; pass < (call.parameters.size() > 1 ? 2 : 1); ++pass)
+    for (const auto& [name, value] : call.parameters) {
+      auto names = only_parameters(above);
+      names.parameter = [&, &self = name](std::string_view of) {
+        const auto own = gx_iden(of, self) ? std::nullopt : dk_find(values, of);
+        return own ? own : dk_find(above, of);
+      };
+      set(values, name, dk_value(value, names));
+    }
 }
 
 // From above to below, in whatever order the macros are.
@@ -144,10 +164,7 @@ dk_values_t dk_visits_t::values_of(const dk_visit_t& visit) const {
   if (visit.macro != 0) call = drawn(visit.parent, last_name(visit.path));
   const auto own = only_parameters(values);
   for (const auto& [name, value] : cell.parameters) set(values, name, dk_value(value, own));
-  if (call != nullptr) {
-    const auto above = only_parameters(*at(visit.parent).values);
-    for (const auto& [name, value] : call->parameters) set(values, name, dk_value(value, above));
-  }
+  if (call != nullptr) take_call(*call, *at(visit.parent).values, values);
   for (const auto& statement : dk_statements(cell.header + cell.statements)) {
     if (statement.kind != dk_statement_t::kind_t::parameter) continue;
     for (const auto& [name, value] : dk_parameters(statement.text)) {
@@ -164,9 +181,10 @@ dk_values_t dk_visits_t::values_of(const dk_visit_t& visit) const {
 }
 
 std::ptrdiff_t dk_visits_t::place_of(kv_object_t object) const {
-  const std::int32_t visit =
-      object.what == kv_named::inst ? of_leaf(object.index) : at(object.index).parent;
-  const auto* const drawn = this->drawn(visit, last_name(netlist_.path(object)));
+  const auto* const drawn =
+      object.what == kv_named::inst
+          ? drawn_leaf(object.index)
+          : this->drawn(at(object.index).parent, last_name(netlist_.path(object)));
   return drawn == nullptr ? PTRDIFF_MAX : drawn->place;
 }
 

@@ -70,6 +70,8 @@ class dk_visits_t {
   static std::string_view last_name(std::string_view path) {
     return path.substr(path.rfind('/') + 1);
   }
+  // What the file says of a leaf instance; null when it says nothing.
+  const dk_drawn_t* drawn_leaf(std::int32_t inst) const { return gx_at(drawn_, inst); }
   const dk_drawn_t* drawn(std::int32_t visit, std::string_view name) const {
     auto* const sheet = at(visit).sheet;
     return sheet == nullptr ? nullptr : sheet->drawn(name);
@@ -85,12 +87,14 @@ class dk_visits_t {
   void take_cells(const dk_cells_t& cells);
   void take_values();
   dk_values_t values_of(const dk_visit_t& visit) const;
+  static void take_call(const dk_drawn_t& call, const dk_values_t& above, dk_values_t& values);
 
   std::ptrdiff_t place_of(kv_object_t object) const;
 
   kvi_netlist_t netlist_;
   std::vector<dk_visit_t> visits_;  // by macro
   std::vector<std::int32_t> of_leaf_;
+  std::vector<const dk_drawn_t*> drawn_;  // by leaf
   std::unordered_map<std::string_view, std::unique_ptr<dk_sheet_t>> sheets_;
   mutable std::unique_ptr<kv_path_index_t<kvi_design_t>> paths_;  // made when it is asked
 };

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <charconv>
 
+#include "deck/letters.h"
 #include "gx/text/at.h"
 #include "gx/text/strings.h"
 #include "import/xschem/tcl.h"
@@ -84,6 +85,25 @@ class line_writer {
 std::string gxi_xschem_deck_line(const gxi_xschem_placed_t& placed, std::size_t line,
                                  std::size_t k) {
   return line_writer(placed, placed.devices[line]).run(placed.names[k]);
+}
+
+std::string gxi_xschem_statements(const gxi_xschem_placed_t& placed) {
+  const auto format = placed.symbol->attributes.get("format");
+  std::string text;
+  if (format.find("@value") != std::string_view::npos || format.empty())
+    text = gxi_xschem_value(placed, "value");
+  else
+    text = gxi_xschem_plain_tcl(gxi_xschem_substitute(format,
+                                                      [&](std::string_view name) {
+                                                        return gxi_xschem_whole_value(placed, name);
+                                                      }),
+                                *placed.symbol->scope)
+               .text;
+  // Other "@" are the simulator's, as in "@m1[gm]".
+  for (const auto& name : gxi_xschem_parameters_of(placed))
+    for (std::size_t at = 0; (at = text.find("@" + name, at)) != std::string::npos; ++at)
+      if (!dk_begins_name(text.c_str()[at + 1 + name.size()])) text.erase(at, 1);
+  return text;
 }
 
 std::string gxi_xschem_deck_commands(const gxi_xschem_placed_t& placed,

@@ -11,6 +11,9 @@
 std::string gxi_xschem_deck_line(const gxi_xschem_placed_t& placed, std::size_t line,
                                  std::size_t k);
 
+// The text that a component of netlist commands adds, by its format.
+std::string gxi_xschem_statements(const gxi_xschem_placed_t& placed);
+
 // Commands among the lines of its format, and what it wants saved. `net` names the nets of a pin.
 std::string gxi_xschem_deck_commands(const gxi_xschem_placed_t& placed,
                                      const std::function<std::string(int)>& net);

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "deck/expression.h"
 #include "gx/text/numbers.h"
 #include "gx/text/strings.h"
 #include "import/drawing/netlist_text.h"
@@ -11,6 +12,7 @@
 #include "import/xschem/labels.h"
 #include "import/xschem/picture.h"
 #include "import/xschem/tcl.h"
+#include "import/xschem/tcl_words.h"
 
 namespace {
 
@@ -32,7 +34,7 @@ void warn(gxm_messages_t& messages, const gxi_xschem_placed_t& placed, const std
 // An attribute that Tcl may decide.
 std::string decided(const gxi_xschem_placed_t& placed, std::string_view name, std::string_view text,
                     gxm_messages_t& messages) {
-  const auto plain = gxi_xschem_plain_tcl(text);
+  const auto plain = gxi_xschem_plain_tcl(text, *placed.symbol->scope);
   if (plain.is_plain) return plain.text;
   warn(messages, placed, std::string(name) + " is what Tcl decides: it is not heeded");
   return {};
@@ -53,19 +55,58 @@ void take_ignored(gxi_xschem_placed_t& placed, bool is_top, gxm_messages_t& mess
     placed.ignored = true;
 }
 
-// The value of an attribute with those that it refers to.
-std::string whole_value(const gxi_xschem_placed_t& placed, std::string_view name) {
-  if (name == "savecurrent") return {};  // a command of its own (import/xschem/deck_lines.h)
-  std::string text = gxi_xschem_value(placed, name);
-  for (int depth = 0; depth < most_nested && text.find('@') != std::string::npos; ++depth)
-    text = gxi_xschem_substitute(
-        text, [&](std::string_view inner) { return gxi_xschem_value(placed, inner); });
+bool has(const gxi_xschem_placed_t& placed, std::string_view name) {
+  return placed.attributes.find(name) != nullptr || placed.symbol->defaults.find(name) != nullptr;
+}
+
+bool is_of_block(const gxi_xschem_placed_t& placed, std::string_view name) {
+  return !has(placed, name) && placed.within != nullptr && has(*placed.within, name);
+}
+
+// Each "expr(...)" as its number, or in quotes where it has names.
+std::string calculated(std::string text) {
+  constexpr std::string_view call = "expr(";
+  for (std::size_t at = 0; (at = text.find(call, at)) != std::string::npos;) {
+    const auto open = at + call.size() - 1;
+    const auto length = gxi_xschem_tcl_closed(std::string_view(text).substr(open), '(', ')');
+    if (length == std::string::npos) break;
+    std::string inner = text.substr(open + 1, length - 2);
+    std::erase(inner, '\'');
+    const auto number = dk_evaluate(inner);
+    const std::string given = number ? dk_number_text(*number) : "'" + inner + "'";
+    text.replace(at, call.size() - 1 + length, given);
+    at += given.size();
+  }
   return text;
 }
 
+// The text of a format with the values of attributes in calls of Tcl.
+std::string with_arguments(const gxi_xschem_placed_t& placed, std::string_view format) {
+  std::string all;
+  while (!format.empty()) {
+    const auto open = std::min(format.find('['), format.size());
+    all += format.substr(0, open);
+    format.remove_prefix(open);
+    auto length = std::min<std::size_t>(gxi_xschem_tcl_closed(format, '[', ']'), format.size());
+    const auto words =
+        gxi_xschem_tcl_commands_t(format.substr(std::min<std::size_t>(1, length))).next();
+    const bool calls = !words.empty() && (words[0].text == "expr" ||
+                                          placed.symbol->scope->procedures.contains(words[0].text));
+    if (!calls) length = std::min<std::size_t>(1, format.size());
+    const auto part = format.substr(0, length);
+    all += calls ? gxi_xschem_substitute(
+                       part,
+                       [&](std::string_view name) { return gxi_xschem_whole_value(placed, name); })
+                 : std::string(part);
+    format.remove_prefix(length);
+  }
+  return all;
+}
+
 void take_devices(gxi_xschem_placed_t& placed, std::string_view format) {
-  placed.devices = gxi_xschem_devices(
-      format, *placed.symbol, [&](std::string_view name) { return whole_value(placed, name); });
+  placed.devices = gxi_xschem_devices(format, *placed.symbol, [&](std::string_view name) {
+    return gxi_xschem_whole_value(placed, name);
+  });
   if (placed.devices.empty()) placed.devices.emplace_back();
   std::vector<bool> named(placed.symbol->pins.size());
   for (const auto& device : placed.devices)
@@ -85,14 +126,17 @@ std::string_view gxi_xschem_placed_t::value(std::string_view name) const {
 
 gxi_xschem_placed_t gxi_xschem_place(const gxi_xschem_component_t& component,
                                      const gxi_xschem_symbol_t& symbol, std::string_view file,
-                                     bool is_top, gxm_messages_t& messages) {
-  gxi_xschem_placed_t placed{.component = &component, .symbol = &symbol, .file = file};
+                                     bool is_top, const gxi_xschem_placed_t* within,
+                                     gxm_messages_t& messages) {
+  gxi_xschem_placed_t placed{
+      .component = &component, .symbol = &symbol, .file = file, .within = within};
   placed.attributes = gxi_xschem_attributes_t(component.attributes);
   if (symbol.missing)
     gxm_complain(messages, placed.source(),
                  "symbol " + component.symbol + " is not found; its pins are not joined");
   const auto* const own = placed.attributes.find("format");
-  const auto format = gxi_xschem_plain_tcl(own ? *own : symbol.attributes.get("format"));
+  const auto text = with_arguments(placed, own ? *own : symbol.attributes.get("format"));
+  const auto format = gxi_xschem_plain_tcl(text, *symbol.scope);
   placed.role = own ? gxi_xschem_role(symbol.type, format.text) : symbol.role;
   take_ignored(placed, is_top, messages);
   placed.names = gxi_xschem_bits(placed.value("name"));
@@ -100,12 +144,21 @@ gxi_xschem_placed_t gxi_xschem_place(const gxi_xschem_component_t& component,
   for (const auto& pin : symbol.pins)
     placed.pins.push_back(gxi_on_sheet(instance, gxi_xschem_point(pin.at)));
   if (!placed.ignored && !symbol.type.starts_with("netlist_"))
-    placed.commands = gxi_xschem_commands(
-        format.text, symbol, [&](std::string_view name) { return whole_value(placed, name); });
+    placed.commands = gxi_xschem_commands(format.text, symbol, [&](std::string_view name) {
+      return gxi_xschem_whole_value(placed, name);
+    });
   if (placed.role != gxi_xschem_role_t::device) return placed;
   if (!format.is_plain && !placed.ignored)
     warn(messages, placed, "what Tcl adds to its format is left out");
   take_devices(placed, format.text);
+  for (const auto& [attribute, value] : placed.attributes.all()) {
+    const auto in_line = [&own_name = attribute](const auto& device) {
+      return std::ranges::find(device.named, own_name) != device.named.end();
+    };
+    if (!gxi_xschem_plain_tcl(value, *symbol.scope).is_plain && !placed.ignored &&
+        std::ranges::any_of(placed.devices, in_line))
+      warn(messages, placed, "Tcl in its " + attribute + " is not all read");
+  }
   return placed;
 }
 
@@ -150,7 +203,7 @@ std::string gxi_xschem_value(const gxi_xschem_placed_t& placed, std::string_view
   if (name == "symname") {
     // A schematic of its own gives the cell another name.
     const auto* const own = placed.attributes.find("schematic");
-    const auto named = gxi_xschem_plain_tcl(own != nullptr ? *own : "");
+    const auto named = gxi_xschem_plain_tcl(own != nullptr ? *own : "", *placed.symbol->scope);
     if (!named.is_plain || named.text.empty()) return placed.symbol->name;
     return std::filesystem::path(named.text).stem().string();
   }
@@ -158,7 +211,30 @@ std::string gxi_xschem_value(const gxi_xschem_placed_t& placed, std::string_view
   if (name == "schname") return file.stem().string();
   if (name == "schname_ext") return file.filename().string();
   if (name.substr(0, 1) == "#") return value_of_pin(*placed.symbol, name);
-  return gxi_xschem_plain_tcl(placed.value(name)).text;
+  return gxi_xschem_plain_tcl(placed.value(name), *placed.symbol->scope).text;
+}
+
+std::string gxi_xschem_whole_value(const gxi_xschem_placed_t& placed, std::string_view name) {
+  if (name == "savecurrent") return {};  // a command of its own (import/xschem/deck_lines.h)
+  std::string text = gxi_xschem_value(placed, name);
+  for (int depth = 0; depth < most_nested && text.find('@') != std::string::npos; ++depth)
+    text = gxi_xschem_substitute(text, [&](std::string_view inner) {
+      return is_of_block(placed, inner) ? std::string(inner) : gxi_xschem_value(placed, inner);
+    });
+  return calculated(std::move(text));
+}
+
+std::set<std::string> gxi_xschem_parameters_of(const gxi_xschem_placed_t& placed) {
+  std::set<std::string> names;
+  if (placed.within == nullptr) return names;
+  for (const auto* const list : {&placed.attributes, &placed.symbol->defaults})
+    for (const auto& [attribute, value] : list->all())
+      if (value.find('@') != std::string::npos)
+        gxi_xschem_substitute(value, [&](std::string_view name) {
+          if (is_of_block(placed, name)) names.emplace(name);
+          return std::string();
+        });
+  return names;
 }
 
 gxi_instance_t gxi_xschem_instance(const gxi_xschem_component_t& component, std::string_view file) {

@@ -1,6 +1,7 @@
 // A component of a sheet as a netlist sees it: its symbol, its attributes, the lines it becomes.
 #pragma once
 
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,7 +12,8 @@ struct gxi_xschem_placed_t {
   const gxi_xschem_component_t* component = nullptr;
   const gxi_xschem_symbol_t* symbol = nullptr;
   gxi_xschem_role_t role = gxi_xschem_role_t::picture;
-  std::string_view file{};  // the sheet's
+  std::string_view file{};                      // the sheet's
+  const gxi_xschem_placed_t* within = nullptr;  // that the sheet was first below; null: the top
   gxi_xschem_attributes_t attributes{};
   std::vector<std::string> names{};  // of a device: one for each instance of a vector
   bool ignored = false;              // takes no part in nets
@@ -28,10 +30,12 @@ struct gxi_xschem_placed_t {
   gxm_source_t source() const { return {file, component->line}; }
 };
 
-// `is_top`: on the sheet that the design begins with. What Tcl would decide is told.
+// `within`: what the sheet is first below; null on the sheet that the design begins with. What Tcl
+// would decide is told.
 gxi_xschem_placed_t gxi_xschem_place(const gxi_xschem_component_t& component,
                                      const gxi_xschem_symbol_t& symbol, std::string_view file,
-                                     bool is_top, gxm_messages_t& messages);
+                                     bool is_top, const gxi_xschem_placed_t* within,
+                                     gxm_messages_t& messages);
 
 // The nodes in the order of the subcircuit of the symbol's name, where the text has it with the
 // same ports.
@@ -43,6 +47,13 @@ std::vector<std::string> gxi_xschem_pin_names(const gxi_xschem_placed_t& placed,
 
 // What "@name" stands for in a text of the symbol or in its format.
 std::string gxi_xschem_value(const gxi_xschem_placed_t& placed, std::string_view name);
+
+// The same with what stands for "@NAME" in it; where only the block around has an attribute of the
+// name, it is a parameter and stays as a name. "expr(...)" is worked out, or put in quotes.
+std::string gxi_xschem_whole_value(const gxi_xschem_placed_t& placed, std::string_view name);
+
+// Attributes of the block around the sheet that those of the component, or the text, refer to.
+std::set<std::string> gxi_xschem_parameters_of(const gxi_xschem_placed_t& placed);
 
 // The place, mirror and turn of a component.
 gxi_instance_t gxi_xschem_instance(const gxi_xschem_component_t& component, std::string_view file);

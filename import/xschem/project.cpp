@@ -111,5 +111,6 @@ gxi_xschem_project_t gxi_xschem_project(const fs::path& top, std::list<std::stri
     if (library == "~" || library.starts_with("~/")) library.replace(0, 1, home);
     project.libraries.push_back((beside / library).lexically_normal());
   }
+  project.variables = std::move(settings);
   return project;
 }

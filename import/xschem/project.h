@@ -7,10 +7,12 @@
 #include <vector>
 
 #include "import/drawing/drawing.h"
+#include "import/xschem/settings.h"
 
 struct gxi_xschem_project_t {
   std::vector<std::filesystem::path> libraries{};  // of XSCHEM_LIBRARY_PATH, in its order
   std::vector<std::filesystem::path> installed{};  // those of the process kit and of the program
+  gxi_xschem_settings_t variables{};               // all that the files and the environment set
 };
 
 // The project of a top sheet, an absolute path: the nearest xschemrc beside or above it, else that

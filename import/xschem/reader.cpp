@@ -40,7 +40,7 @@ class xschem_reader {
     std::optional<gxi_xschem_placed_t> placed;
     if (fs::is_regular_file(beside)) {
       gxm_messages_t none;
-      placed = gxi_xschem_place(undrawn, library_.symbol(undrawn, top), {}, true, none);
+      placed = gxi_xschem_place(undrawn, library_.symbol(undrawn, top), {}, true, nullptr, none);
       cell(0).symbol = gxi_xschem_sign(*placed, 0);
       cell(0).deck.parameters = gxi_xschem_deck_parameters(*placed);
     }
@@ -48,7 +48,9 @@ class xschem_reader {
     declare_globals();
     gxi_take_top_defaults(design_);
     design_.parameters.assign(parameters_.begin(), parameters_.end());
-    gxi_keep_most_used(design_, {of_parts_, parameters_, composed_}, used_up_);
+    auto first = gxi_names_in_values(design_, parameters_);
+    if (!first.empty()) first.insert(std::string(gxi_spice_model));
+    gxi_keep_most_used(design_, {first, of_parts_, parameters_, composed_}, used_up_);
     if (has_noconn_) design_.kept_of_nets.push_back(std::string(gxi_noconn));
     return std::move(design_);
   }
@@ -66,7 +68,7 @@ class xschem_reader {
       return std::nullopt;
     for (const auto* const stop : {"spice_primitive", "spice_stop"})
       if (gxi_xschem_truth(text_of(placed, stop)).value_or(false)) return std::nullopt;
-    const auto named = gxi_xschem_plain_tcl(text_of(placed, "schematic"));
+    const auto named = plain_text(text_of(placed, "schematic"));
     if (!named.text.empty() && named.is_plain) {
       std::string name = named.text;
       if (!fs::path(name).has_extension()) name += ".sch";
@@ -76,6 +78,10 @@ class xschem_reader {
     if (path.empty()) return library_.find(symbol.name + ".sch", sheet);
     path.replace_extension(".sch");
     return fs::is_regular_file(path) ? std::optional(path) : std::nullopt;
+  }
+
+  gxi_xschem_tcl_t plain_text(std::string_view text) const {
+    return gxi_xschem_plain_tcl(text, library_.scope());
   }
 
   // An attribute of the component, else of its symbol.
@@ -118,7 +124,7 @@ class xschem_reader {
       deck.subcircuit = gxi_xschem_value(placed, "symname");
       deck.parameters = gxi_xschem_deck_parameters(placed);
     } else {
-      deck.definition = whole_lines(gxi_xschem_plain_tcl(text_of(placed, "spice_sym_def")).text);
+      deck.definition = whole_lines(plain_text(text_of(placed, "spice_sym_def")).text);
     }
     if (below)
       read_sheet(index, &placed, *below);
@@ -136,7 +142,7 @@ class xschem_reader {
     for (const auto& component : records.components)
       if (component.embedded) library_.symbol(component, path);
     for (const auto& component : records.components)
-      placed.push_back(place(component, path, file, index == 0));
+      placed.push_back(place(component, path, file, index == 0, as));
     std::vector<const gxi_xschem_shape_t*> wires;
     for (const auto& shape : records.shapes)
       if (shape.kind == 'N') wires.push_back(&shape);
@@ -155,10 +161,23 @@ class xschem_reader {
           if (found != nets.by_name.end()) gx_at(nets.nets, found->second).port = node.name;
         }
     for (std::size_t i = 0; i < wires.size(); ++i) draw_wire(*wires[i], nets, i);
+    for (const auto& one : placed) take_parameters(index, one);
     take_statements(index, records, placed, sheet, nets);
     sheet.nets = std::move(nets.nets);
     if (index != 0) hide_globals(sheet);
     cell(index).sheet = std::move(sheet);
+  }
+
+  // Attributes of the block that its sheet refers to by "@NAME" are parameters of the cell.
+  void take_parameters(int index, const gxi_xschem_placed_t& placed) {
+    auto& known = cell(index).deck.parameters;
+    for (const auto& name : gxi_xschem_parameters_of(placed)) {
+      handed_[index].insert(name);
+      parameters_.insert(name);
+      const auto is = [&](const auto& parameter) { return parameter.first == name; };
+      if (std::ranges::none_of(known, is))
+        known.emplace_back(name, placed.within->symbol->defaults.get(name));
+    }
   }
 
   // Texts of the netlist: devices in them, and statements of the deck.
@@ -174,10 +193,13 @@ class xschem_reader {
           return gx_at(nets.nets, bundle.nets.front()).name;
         });
       if (!says_netlist(one, index == 0)) continue;
+      if (!plain_text(one.value("value")).is_plain)
+        gxm_complain(design_.warnings, one.source(),
+                     std::string(one.value("name")) + ": Tcl in its text is not all read");
       const auto where = one.value("place");
       (where == "header" ? header
        : where == "end"  ? end
-                         : text) += gxi_xschem_plain_tcl(one.value("value")).text + "\n";
+                         : text) += gxi_xschem_statements(one) + "\n";
     }
     if ((header + text + end).find_first_not_of(" \n\t") != std::string::npos)
       cell(index).notes = header + text + end;
@@ -203,9 +225,9 @@ class xschem_reader {
   }
 
   gxi_xschem_placed_t place(const gxi_xschem_component_t& component, const fs::path& path,
-                            std::string_view file, bool is_top) {
+                            std::string_view file, bool is_top, const gxi_xschem_placed_t* within) {
     auto placed = gxi_xschem_place(component, library_.symbol(component, path), file, is_top,
-                                   design_.warnings);
+                                   within, design_.warnings);
     const auto text = text_of(placed, "spice_sym_def");
     if (!text.empty()) gxi_xschem_order_nodes(placed, definition(placed, text, path));
     return placed;
@@ -214,7 +236,7 @@ class xschem_reader {
   // The netlist text that stands in for a sheet, or the file that it includes.
   std::string definition(const gxi_xschem_placed_t& placed, std::string_view text,
                          const fs::path& sheet) {
-    std::string plain = gxi_xschem_plain_tcl(text).text;
+    std::string plain = plain_text(text).text;
     std::istringstream words(plain);
     std::string command, name;
     words >> command >> name;
@@ -338,7 +360,7 @@ class xschem_reader {
                   gxi_instance_t instance, const std::vector<gxi_xschem_shown_t>& shown) {
     const auto& device = placed.devices[line];
     instance.symbol = cell_of(placed, line, path);
-    const auto model = gxi_xschem_plain_tcl(text_of(placed, "device_model"));
+    const auto model = plain_text(text_of(placed, "device_model"));
     if (!model.text.empty() && models_.insert(model.text).second)
       cell(0).deck.definition += whole_lines(model.text);
     const bool is_leaf = !cell(instance.symbol).sheet;
@@ -362,6 +384,9 @@ class xschem_reader {
       auto single = instance;
       single.name = (several ? device.prefix : "") + placed.names[k];
       single.deck = gxi_xschem_deck_line(placed, line, k);
+      for (const auto& name : handed_[instance.symbol])
+        if (single.deck.find(" " + name + "=") == std::string::npos)
+          single.deck += " " + name + "=" + gxi_xschem_whole_value(placed, name);
       if (k == 0) single.properties = seen;
       for (std::size_t n = 0; n < nets_of_node.size(); ++n) {
         const auto& node = device.nodes[n];
@@ -412,7 +437,8 @@ class xschem_reader {
   // that are more than an attribute, and what is a node or a part of a name.
   std::set<std::string> of_parts_{std::string(gxi_spice_model), "value"}, parameters_, composed_;
   std::set<std::string> used_up_;
-  std::set<std::string> models_;  // device_model of all
+  std::set<std::string> models_;                 // device_model of all
+  std::map<int, std::set<std::string>> handed_;  // by cell: what take_parameters found
   bool has_noconn_ = false;
 };
 

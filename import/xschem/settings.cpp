@@ -1,4 +1,4 @@
-// Words of Tcl commands, what stands for their variables and brackets, and the conditions of `if`.
+// What stands for the variables and brackets of commands, and the conditions of `if`.
 #include "import/xschem/settings.h"
 
 #include <algorithm>
@@ -12,6 +12,7 @@
 
 #include "import/drawing/source_file.h"
 #include "import/xschem/attributes.h"
+#include "import/xschem/tcl_words.h"
 
 namespace {
 
@@ -21,102 +22,10 @@ constexpr int deepest_script =
     20;  // files that source files, `if` within `if`, brackets in brackets
 constexpr std::size_t longest_value = 1U << 16U;
 
-struct word_t {
-  std::string_view text{};
-  bool braced = false;  // nothing in it stands for something else
-  int line = 0;
-};
-
-// Parts a script into commands and those into words.
-class command_splitter {
- public:
-  command_splitter(std::string_view text, int line) : text_(text), line_(line) {}
-
-  // The words of the next command; none at the end.
-  std::vector<word_t> next() {
-    std::vector<word_t> words;
-    while (at_ < text_.size()) {
-      const char c = text_[at_];
-      if (c == '\n' || c == ';') {
-        step();
-        if (!words.empty()) return words;
-      } else if (gxi_xschem_is_blank(c)) {
-        step();
-      } else if (c == '\\' && at_ + 1 < text_.size() && text_[at_ + 1] == '\n') {
-        step();
-        step();
-      } else if (c == '#' && words.empty()) {
-        while (at_ < text_.size() && text_[at_] != '\n') skip();
-      } else {
-        words.push_back(word());
-      }
-    }
-    return words;
-  }
-
- private:
-  void step() { line_ += text_[at_++] == '\n'; }
-  // A sign, or what a backslash hides.
-  void skip() {
-    if (text_[at_] == '\\' && at_ + 1 < text_.size()) step();
-    step();
-  }
-
-  void skip_closed(char open, char close) {
-    int depth = 0;
-    while (at_ < text_.size()) {
-      depth += text_[at_] == open ? 1 : text_[at_] == close ? -1 : 0;
-      skip();
-      if (depth == 0) return;
-    }
-  }
-
-  word_t word() {
-    const int line = line_;
-    const auto first = at_;
-    const char open = text_[at_];
-    if (open == '{') {
-      skip_closed('{', '}');
-      return inner(first, true, line);
-    }
-    if (open == '"') {
-      step();
-      while (at_ < text_.size() && text_[at_] != '"') part();
-      if (at_ < text_.size()) step();
-      return inner(first, false, line);
-    }
-    while (at_ < text_.size() && !gxi_xschem_is_blank(text_[at_]) && text_[at_] != ';') part();
-    return {text_.substr(first, at_ - first), false, line};
-  }
-
-  // A sign, brackets or the name of a variable in braces.
-  void part() {
-    if (text_[at_] == '[')
-      skip_closed('[', ']');
-    else if (text_.substr(at_, 2) == "${")
-      while (at_ < text_.size() && text_[at_] != '}') step();
-    else
-      skip();
-  }
-
-  word_t inner(std::size_t first, bool braced, int line) const {
-    const auto length = at_ - first;
-    return {length < 2 ? std::string_view() : text_.substr(first + 1, length - 2), braced, line};
-  }
-
-  std::string_view text_;
-  std::size_t at_ = 0;
-  int line_;
-};
-
 std::string_view without_blanks(std::string_view text) {
   while (!text.empty() && gxi_xschem_is_blank(text.front())) text.remove_prefix(1);
   while (!text.empty() && gxi_xschem_is_blank(text.back())) text.remove_suffix(1);
   return text;
-}
-
-bool is_of_variable(char c) {
-  return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_';
 }
 
 class settings_reader {
@@ -143,7 +52,7 @@ class settings_reader {
   using value_t = std::optional<std::string>;  // nothing: only Tcl can tell
 
   void run(std::string_view script, int line, int depth) {
-    command_splitter commands(script, line);
+    gxi_xschem_tcl_commands_t commands(script, line);
     for (auto words = commands.next(); !words.empty(); words = commands.next())
       if (!take(words, depth) && concerns_libraries(words))
         gxm_complain(messages_, {name_, words.front().line},
@@ -151,14 +60,14 @@ class settings_reader {
                          "\" is not followed: it needs Tcl, and names of libraries may be lost");
   }
 
-  static bool concerns_libraries(const std::vector<word_t>& words) {
-    return std::any_of(words.begin(), words.end(), [](const word_t& word) {
+  static bool concerns_libraries(const std::vector<gxi_xschem_tcl_word_t>& words) {
+    return std::any_of(words.begin(), words.end(), [](const gxi_xschem_tcl_word_t& word) {
       return word.text == "source" || word.text.find("_LIBRARY_PATH") != std::string_view::npos;
     });
   }
 
   // False where the command cannot be read.
-  bool take(const std::vector<word_t>& words, int depth) {
+  bool take(const std::vector<gxi_xschem_tcl_word_t>& words, int depth) {
     const auto command = words.front().text;
     if (command == "if") return branch(words, depth);
     if (command == "source" && words.size() == 2) {
@@ -188,7 +97,7 @@ class settings_reader {
     return true;
   }
 
-  bool branch(const std::vector<word_t>& words, int depth) {
+  bool branch(const std::vector<gxi_xschem_tcl_word_t>& words, int depth) {
     if (depth >= deepest_script) return false;
     for (std::size_t i = 1; i < words.size(); ++i) {
       bool chosen = false;
@@ -211,7 +120,7 @@ class settings_reader {
   }
 
   // --- what words stand for
-  value_t value(const word_t& word, int depth) const {
+  value_t value(const gxi_xschem_tcl_word_t& word, int depth) const {
     return word.braced ? value_t(std::string(word.text)) : filled(word.text, depth);
   }
 
@@ -220,14 +129,14 @@ class settings_reader {
     while (!text.empty()) {
       const char c = text.front();
       if (c == '[') {
-        const auto end = end_of_brackets(text);
+        const auto end = gxi_xschem_tcl_closed(text, '[', ']');
         if (end == std::string_view::npos || depth >= deepest_script) return std::nullopt;
-        const auto given = answer(text.substr(1, end - 1), depth + 1);
+        const auto given = answer(text.substr(1, end - 2), depth + 1);
         if (!given) return std::nullopt;
         all += *given;
-        text.remove_prefix(end + 1);
+        text.remove_prefix(end);
       } else if (c == '$') {
-        const auto name = variable(text);
+        const auto name = gxi_xschem_tcl_variable(text);
         if (name.empty()) return std::nullopt;
         const auto found = settings_.find(name);
         if (found == settings_.end()) return std::nullopt;
@@ -250,42 +159,9 @@ class settings_reader {
     return std::string(name.substr(name.starts_with("::") ? 2 : 0));
   }
 
-  static std::size_t end_of_brackets(std::string_view text) {
-    int depth = 0;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-      if (text[i] == '\\')
-        ++i;
-      else if (text[i] == '[')
-        ++depth;
-      else if (text[i] == ']' && --depth == 0)
-        return i;
-    }
-    return std::string_view::npos;
-  }
-
-  // The name after a "$", which is taken from the text.
-  static std::string variable(std::string_view& text) {
-    text.remove_prefix(1);
-    std::string name;
-    if (text.starts_with("{")) {
-      const auto end = std::min(text.find('}'), text.size());
-      name = text.substr(1, end - 1);
-      text.remove_prefix(std::min(end + 1, text.size()));
-      return name;
-    }
-    while (text.starts_with("::")) text.remove_prefix(2);
-    std::size_t end = 0;
-    while (end < text.size() && is_of_variable(text[end])) ++end;
-    if (end < text.size() && text[end] == '(')
-      end = std::min(text.find(')', end), text.size() - 1) + 1;
-    name = text.substr(0, end);
-    text.remove_prefix(end);
-    return name;
-  }
-
   // What a command in brackets gives.
   value_t answer(std::string_view script, int depth) const {
-    const auto words = command_splitter(script, 1).next();
+    const auto words = gxi_xschem_tcl_commands_t(script).next();
     if (words.size() == 1 && words[0].text == "pwd") return filled("$env(PWD)", depth);
     if (words.size() < 2) return std::nullopt;
     std::vector<std::string> given;
@@ -364,7 +240,7 @@ class settings_reader {
   }
 
   value_t operand(std::string_view text, int depth) const {
-    const auto words = command_splitter(without_blanks(text), 1).next();
+    const auto words = gxi_xschem_tcl_commands_t(without_blanks(text)).next();
     return words.size() == 1 ? value(words.front(), depth) : std::nullopt;
   }
 

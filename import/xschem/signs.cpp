@@ -19,6 +19,11 @@ bool is_told_otherwise(std::string_view name) {
   return std::find(std::begin(names), std::end(names), name) != std::end(names);
 }
 
+// Whether a value is put together of others.
+bool is_composed(std::string_view value) {
+  return value.find('@') != std::string_view::npos || value.find("expr(") != std::string_view::npos;
+}
+
 bool has_attribute(const gxi_xschem_placed_t& placed, std::string_view name) {
   const auto is = [&](const auto& attribute) { return gx_iden(attribute.first, name); };
   return std::ranges::any_of(placed.attributes.all(), is) ||
@@ -86,7 +91,14 @@ std::vector<gxi_property_t> gxi_xschem_dress(const gxi_xschem_placed_t& placed, 
   const auto& device = placed.devices[line];
   for (const auto& [name, value] : placed.attributes.all())
     if (!is_told_otherwise(name))
-      instance.properties.push_back({gxi_property_name(name), value, {}});
+      instance.properties.push_back(
+          {gxi_property_name(name),
+           is_composed(value) ? gxi_xschem_whole_value(placed, name) : value,
+           {}});
+  for (const auto& [name, value] : placed.symbol->defaults.all())
+    if (!is_told_otherwise(name) && is_composed(value) && placed.attributes.find(name) == nullptr)
+      instance.properties.push_back(
+          {gxi_property_name(name), gxi_xschem_whole_value(placed, name), {}});
   if (is_leaf && !device.model.empty())
     instance.properties.push_back({std::string(gxi_spice_model), device.model, {}});
   for (const auto& [name, value] : device.parameters)

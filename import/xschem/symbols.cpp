@@ -61,6 +61,7 @@ gxi_xschem_library_t::gxi_xschem_library_t(const gxi_input_t& input, gxi_design_
   // Where the project says, above the top sheet, then where the program itself keeps its symbols.
   const auto top = fs::absolute(input.pages.front()).lexically_normal();
   const auto project = gxi_xschem_project(top, design.files, design.warnings);
+  scope_.variables.insert(project.variables.begin(), project.variables.end());
   for (const auto& library : project.libraries)
     if (fs::is_directory(library, none)) libraries_.push_back(library);
   auto above = top.parent_path();
@@ -88,13 +89,20 @@ std::optional<fs::path> gxi_xschem_library_t::find(const std::string& name,
 std::pair<gxi_xschem_file_t, std::string_view> gxi_xschem_library_t::read(const fs::path& path) {
   const auto bytes = gxi_read_source(path);
   const std::string_view name = design_.files.emplace_back(path.lexically_normal().string());
-  return {gxi_xschem_read_records(bytes, {name, 0}, design_.warnings), name};
+  auto records = gxi_xschem_read_records(bytes, {name, 0}, design_.warnings);
+  for (const auto& component : records.components) {
+    if (component.attributes.find("tcleval(") == std::string::npos) continue;
+    const gxi_xschem_attributes_t attributes(component.attributes);
+    for (const auto& [attribute, value] : attributes.all()) gxi_xschem_take_tcl(value, scope_);
+  }
+  return {std::move(records), name};
 }
 
 std::unique_ptr<gxi_xschem_symbol_t> gxi_xschem_library_t::make(const std::string& name,
                                                                 gxi_xschem_file_t records,
                                                                 std::string_view file) const {
   auto symbol = std::make_unique<gxi_xschem_symbol_t>();
+  symbol->scope = &scope_;
   symbol->name = fs::path(name).stem().string();
   symbol->file = file;
   symbol->records = std::move(records);

@@ -13,6 +13,7 @@
 #include "import/drawing/input.h"
 #include "import/xschem/attributes.h"
 #include "import/xschem/records.h"
+#include "import/xschem/tcl_script.h"
 
 enum class gxi_xschem_role_t : std::uint8_t {
   device,   // a line of the netlist, or a block with a sheet
@@ -41,6 +42,7 @@ struct gxi_xschem_symbol_t {
   gxi_xschem_role_t role = gxi_xschem_role_t::picture;
   std::vector<gxi_xschem_pin_t> pins{};
   bool missing = false;
+  const gxi_xschem_tcl_scope_t* scope = nullptr;  // the library's
 };
 
 // The role by the type, and by the format where the type says nothing.
@@ -55,6 +57,8 @@ class gxi_xschem_library_t {
                                     const std::filesystem::path& sheet);
   // Reads a sheet or symbol file and keeps its name for messages.
   std::pair<gxi_xschem_file_t, std::string_view> read(const std::filesystem::path& path);
+  // What Tcl knows; what the attributes of components define is taken when their file is read.
+  const gxi_xschem_tcl_scope_t& scope() const { return scope_; }
   // Where a name stands: below a library, or beside or above the sheet.
   std::optional<std::filesystem::path> find(const std::string& name,
                                             const std::filesystem::path& sheet) const;
@@ -66,6 +70,7 @@ class gxi_xschem_library_t {
   std::vector<std::filesystem::path> libraries_;
   std::set<std::filesystem::path> begun_;  // sheets whose symbols are being made
   gxi_design_t& design_;
+  gxi_xschem_tcl_scope_t scope_;
   std::map<std::string, std::unique_ptr<gxi_xschem_symbol_t>> by_path_;
   std::map<std::pair<std::string, std::string>, const gxi_xschem_symbol_t*> by_name_;
 };

@@ -6,6 +6,7 @@
 
 #include "gx/text/strings.h"
 #include "import/xschem/attributes.h"
+#include "import/xschem/tcl_words.h"
 
 namespace {
 
@@ -19,36 +20,29 @@ std::string_view trimmed(std::string_view text) {
   return text;
 }
 
-// The end of what opens at the head of the text, behind its closing sign.
-std::size_t closed(std::string_view text, char open, char close) {
-  int depth = 0;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] == '\\') {
-      ++i;
-      continue;
-    }
-    depth += text[i] == open;
-    if (text[i] == close && --depth == 0) return i + 1;
-  }
-  return std::string_view::npos;
-}
-
 class tcl_reader {
  public:
+  explicit tcl_reader(const gxi_xschem_tcl_scope_t& scope) : scope_(scope) {}
+
   gxi_xschem_tcl_t run(std::string_view text) {
     result_.text = filled(text, 0);
     return std::move(result_);
   }
 
  private:
-  // Each bracket by what it gives.
+  // Each bracket by what it gives, each variable by its value.
   std::string filled(std::string_view text, int depth) {
     std::string all;
-    if (text.find('$') != std::string_view::npos) result_.is_plain = false;  // a variable
     while (!text.empty()) {
-      const auto open = std::min(text.find('['), text.size());
+      const auto open = std::min(text.find_first_of("[$"), text.size());
+      if (open < text.size() && text[open] == '$') {
+        all += text.substr(0, open);
+        text.remove_prefix(open);
+        all += variable(text);
+        continue;
+      }
       // "A[3]" behind a letter, without a blank in it, is a name.
-      const auto end = closed(text.substr(open), '[', ']');
+      const auto end = gxi_xschem_tcl_closed(text.substr(open), '[', ']');
       const bool of_name = open > 0 && !gxi_xschem_is_blank(text[open - 1]) &&
                            end != std::string_view::npos &&
                            text.substr(open, end).find_first_of(" \n\t") == std::string_view::npos;
@@ -65,6 +59,16 @@ class tcl_reader {
       text.remove_prefix(end);
     }
     return all;
+  }
+
+  // Its value, else as it is written; it is taken from the text.
+  std::string variable(std::string_view& text) {
+    const auto whole = text;
+    const auto name = gxi_xschem_tcl_variable(text);
+    const auto found = scope_.variables.find(name);
+    if (found != scope_.variables.end()) return found->second;
+    result_.is_plain = result_.is_plain && name.empty();
+    return std::string(whole.substr(0, whole.size() - text.size()));
   }
 
   static bool has_command(std::string_view text) {
@@ -85,6 +89,7 @@ class tcl_reader {
     if (const auto path = argument(script, "abs_sym_path", depth)) return *path;
     for (const auto* const read : {"read_data_nonewline", "read_data"})
       if (const auto path = argument(script, read, depth)) return ".include " + *path;
+    if (auto answer = gxi_xschem_tcl_answer(script, scope_)) return *std::move(answer);
     result_.is_plain = false;
     return {};
   }
@@ -104,7 +109,7 @@ class tcl_reader {
     const char open = script.front();
     std::size_t end = 0;
     if (open == '{')
-      end = closed(script, '{', '}');
+      end = gxi_xschem_tcl_closed(script, '{', '}');
     else if (open == '"')
       end = script.find('"', 1) == std::string_view::npos ? std::string_view::npos
                                                           : script.find('"', 1) + 1;
@@ -148,16 +153,17 @@ class tcl_reader {
     return plain && !text.empty() ? std::optional(*plain == wanted) : std::nullopt;
   }
 
+  const gxi_xschem_tcl_scope_t& scope_;
   gxi_xschem_tcl_t result_;
 };
 
 }  // namespace
 
-gxi_xschem_tcl_t gxi_xschem_plain_tcl(std::string_view text) {
+gxi_xschem_tcl_t gxi_xschem_plain_tcl(std::string_view text, const gxi_xschem_tcl_scope_t& scope) {
   const auto inner = trimmed(text);
   if (!inner.starts_with(mark)) return {std::string(text), true};
   const auto end = inner.rfind(')');
-  return tcl_reader().run(inner.substr(
+  return tcl_reader(scope).run(inner.substr(
       mark.size(), end == std::string_view::npos ? end : end - std::min(end, mark.size())));
 }
 
