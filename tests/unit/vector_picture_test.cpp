@@ -7,6 +7,7 @@
 #include "gx/db/object_flags.h"
 #include "gx/db/queries.h"
 #include "gx/text/characters.h"
+#include "gx/vector/pdf_letters.h"
 #include "gx/vector/pdf_picture.h"
 #include "gx/vector/svg_picture.h"
 #include "tests/support/make_design.h"
@@ -115,7 +116,10 @@ TEST(VectorPicture, TextsStayTexts) {
   for (const char* bytes : {"\xC0\xAF", "\xE2\x84", "\xED\xA0\x80", "\xF5\x80\x80\x80", "\xE9"})
     EXPECT_EQ(gx_characters(bytes).size(), std::string_view(bytes).size()) << bytes;
   EXPECT_EQ(gx_xml("\xE9"), "\xC3\xA9");
-  EXPECT_EQ(gx_pdf_shown("\xC3\xA9\xE2\x84\xA6\x01"), "(\xE9? )");
+  // Courier, Symbol in the middle of a letter's place, what only a search finds.
+  EXPECT_EQ(gx_pdf_shown("\xC3\xA9\x01\xE2\x82\xAC\xE2\x84\xA6)", "35"),
+            "(\xE9 \x80)Tj /G 35 Tf[84(W)84]TJ/F 35 Tf(\\))Tj");
+  EXPECT_EQ(gx_pdf_shown("\xE6\xBC\xA2", "35"), "/Span<</ActualText<FEFF6F22>>>BDC(?)Tj EMC");
   EXPECT_EQ(gx_pdf_text("\xE2\x84\xA6\xF0\x9D\x84\x9E"), "<FEFF2126D834DD1E>");
 }
 
