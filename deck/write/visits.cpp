@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "deck/letters.h"
 #include "deck/statements.h"
 #include "gx/text/strings.h"
 
@@ -60,10 +61,11 @@ const dk_drawn_t* dk_sheet_t::drawn(std::string_view name) {
 
 std::string_view dk_sheet_t::device(std::string_view called) {
   if (called_.empty())
-    for (const auto& instance : cell_->instances) {
-      const std::string_view lines = instance.lines;
-      called_.try_emplace(gx_upper(lines.substr(0, lines.find_first_of(" \n"))), instance.name);
-    }
+    for (const auto& instance : cell_->instances)
+      for (std::string_view lines = instance.lines; !lines.empty();) {
+        const auto line = dk_take_line(lines);
+        called_.try_emplace(gx_upper(line.substr(0, line.find(' '))), instance.name);
+      }
   const auto found = called_.find(gx_upper(called));
   return found == called_.end() ? std::string_view() : found->second;
 }

@@ -11,6 +11,7 @@
 #include "import/drawing/placement.h"
 #include "import/drawing/source_file.h"
 #include "import/lepton/commons.h"
+#include "import/lepton/deck_lines.h"
 #include "import/lepton/nets.h"
 #include "import/lepton/pages.h"
 #include "import/lepton/picture.h"
@@ -225,11 +226,23 @@ class lepton_reader {
     if (placed.role == gxi_lepton_role_t::port) instance.kind = gxi_kind::port;
     if (placed.role == gxi_lepton_role_t::power) instance.kind = gxi_kind::global;
     if (placed.role == gxi_lepton_role_t::part) {
+      take_deck(placed, sheet, instance);
       instance.nets.insert(instance.nets.end(), nets.of_hidden[i].begin(), nets.of_hidden[i].end());
       instance.properties.insert(instance.properties.begin(),
                                  {"CLASS", gxi_lepton_class(placed), {}});
     }
     sheet.instances.push_back(std::move(instance));
+  }
+
+  // A further part of a package has a name of its own.
+  void take_deck(const gxi_lepton_placed_t& placed, const gxi_sheet_t& sheet,
+                 gxi_instance_t& instance) {
+    const auto same = std::ranges::count(sheet.instances, instance.name, &gxi_instance_t::name);
+    instance.deck = gxi_lepton_deck_lines(
+        placed, instance.name + (same == 0 ? "" : "~" + std::to_string(same + 1)));
+    const auto file = gxi_lepton_model_file(placed);
+    if (!file.empty() && model_files_.insert(file).second)
+      cell(0).deck.definition += ".include " + file + "\n";
   }
 
   // Pins of the block whose ports are on one net.
@@ -265,6 +278,7 @@ class lepton_reader {
   gxi_hierarchy_t hierarchy_{design_};
   std::map<int, block_t> blocks_;  // by cell
   gxi_commons_t commons_;
+  std::set<std::string> model_files_;
 };
 
 }  // namespace

@@ -1,0 +1,14 @@
+// What a component of Lepton EDA says in a deck for SPICE.
+#pragma once
+
+#include <string>
+
+#include "import/lepton/parts.h"
+
+// Its lines (deck/deck_file.h) by its SPICE attributes: device, value, model-name, file ... `name`
+// is its refdes. Components that are statements alone (model, directive, include, options, K) have
+// lines that begin with "." or K.
+std::string gxi_lepton_deck_lines(const gxi_lepton_placed_t& placed, const std::string& name);
+
+// The file of its model, as it is written; "" for none, and for statements.
+std::string gxi_lepton_model_file(const gxi_lepton_placed_t& placed);
