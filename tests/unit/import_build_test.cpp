@@ -2,10 +2,8 @@
 // the hierarchy. What a drawing becomes as a whole is in tests/cases/import.
 #include <filesystem>
 
-#include "gx/db/object_access.h"
-#include "gx/db/placement.h"
+#include "gx/picture/sheet_shapes.h"
 #include "gx/text/at.h"
-#include "gx/text/strings.h"
 #include "import/build/builder.h"
 #include "import/build/output.h"
 #include "import/drawing/hierarchy.h"
@@ -42,15 +40,18 @@ gx_boundsreal_t box_of(const gxi_look_t& look, auto placed) {
 
 }  // namespace
 
-// A text of a symbol, in all its turns and alignments, below an instance in all of its: the sheet
-// shows it in the box that it has when it is moved with the symbol, to be read from the left or
-// from below.
+// A text and a line of a symbol, in all their turns and alignments, below an instance in all of
+// its: the text is drawn in the box that it has when it is moved with the symbol, to be read from
+// the left or from below, and the line where the pins of the instance are.
 TEST(ImportBuild, TextsKeepTheirBoxesBelowTurnedAndMirroredInstances) {
   gxi_design_t design;
   design.cells.resize(2);
   design.cells[0].name = "top";
+  design.cells[1].symbol.shapes.push_back(
+      {.type = gx_type::line_2d, .points = {{0, 0}, {300, 70}}});
   auto& sheet = design.cells[0].sheet.emplace();
   std::vector<gx_boundsreal_t> expected;
+  std::vector<gx_pointreal_t> line_ends;
   constexpr gxi_align aligns[] = {gxi_align::start, gxi_align::middle, gxi_align::end};
   for (int i = 0; i < 8 * 4 * 9; ++i) {
     gxi_instance_t instance{.name = "I" + std::to_string(i), .symbol = 1};
@@ -61,11 +62,14 @@ TEST(ImportBuild, TextsKeepTheirBoxesBelowTurnedAndMirroredInstances) {
     look.rotate = static_cast<std::uint8_t>(i / 8 % 4);
     look.across = gx_at(aligns, i / 32 % 3);
     look.up = gx_at(aligns, i / 96);
-    expected.push_back(box_of(look, [&](gx_pointreal_t p) {
+    const auto placed = [&](gx_pointreal_t p) {
       if (instance.mirror) p.x = -p.x;
       p = counterclockwise(p, instance.rotate);
       return gx_pointreal_t{instance.at.x + p.x, instance.at.y + p.y};
-    }));
+    };
+    expected.push_back(box_of(look, placed));
+    line_ends.push_back(placed({300, 70}));
+    EXPECT_EQ(gxi_on_sheet(instance, gx_pointreal_t{300, 70}), line_ends.back());
     instance.properties.push_back({"TEXT", "abcd", gxi_on_sheet(instance, look)});
     sheet.instances.push_back(std::move(instance));
   }
@@ -73,24 +77,27 @@ TEST(ImportBuild, TextsKeepTheirBoxesBelowTurnedAndMirroredInstances) {
     return gxi_symbol_path_t{"s/symbol.gx_1", 1};
   });
 
-  std::size_t seen = 0;
-  gx_boundsreal_t moved{};  // of the page: as the first text is
-  for (const auto* const object : file->ptr_to_ar_objindex) {
-    if (object->object_type != gx_type::property_2d) continue;
-    const auto& property = gx_property_info_ptr(*file, object->object_id);
-    if (gx_view(property.name) != "TEXT") continue;
-    const int body = object->father, inst = gx_object_id_ptr(*file, body).father;
-    const auto at = gx_object_abs_origin_bounds(*file, object->object_id, inst).origin;
-    const bool upwards = gx_at(expected, seen).xmax - gx_at(expected, seen).xmin == height;
-    const auto box = upwards ? gx_boundsreal_t{at.x - height, at.y - width, at.x, at.y}
-                             : gx_boundsreal_t{at.x, at.y - height, at.x + width, at.y};
-    const auto& wanted = gx_at(expected, seen);
-    if (seen == 0) moved = {box.xmin - wanted.xmin, box.ymin - wanted.ymin, 0, 0};
-    EXPECT_EQ(box.xmin - moved.xmin, wanted.xmin) << seen;
-    EXPECT_EQ(box.ymin - moved.ymin, wanted.ymin) << seen;
-    ++seen;
-  }
-  EXPECT_EQ(seen, expected.size());
+  std::size_t lines = 0, texts = 0;
+  gx_pointreal_t page{};  // how far all is moved, as the first line is
+  lb_all_instance_shapes(*file, {.draw = [&](const gx_shape_t& shape) {
+    if (shape.kind == gx_shape_kind::line) {
+      const auto wanted = gx_at(line_ends, lines);
+      if (lines == 0) page = {shape.points[1].x - wanted.x, shape.points[1].y - wanted.y};
+      EXPECT_EQ(shape.points[1], (gx_pointreal_t{wanted.x + page.x, wanted.y + page.y})) << lines;
+      ++lines;
+    } else if (shape.kind == gx_shape_kind::text && shape.text == "abcd") {
+      const auto& wanted = gx_at(expected, texts);
+      const bool upwards = wanted.xmax - wanted.xmin == height;
+      EXPECT_EQ(shape.rotation == 1, upwards) << texts;
+      EXPECT_NE(shape.rotation, 3) << texts;
+      // It begins at the left end of its baseline, or at the lower one.
+      const gx_pointreal_t start{upwards ? wanted.xmax : wanted.xmin, wanted.ymax};
+      EXPECT_EQ(shape.points[0], (gx_pointreal_t{start.x + page.x, start.y + page.y})) << texts;
+      ++texts;
+    }
+  }});
+  EXPECT_EQ(lines, line_ends.size());
+  EXPECT_EQ(texts, expected.size());
 }
 
 TEST(ImportBuild, TwentyEightLevelsAndNoSheetWithinItself) {

@@ -203,6 +203,7 @@ TEST_F(KviTest, RefusesWhatIsNoWholeDesign) {
       [] { kv_sext.pins[2].next_pin_in_ind = 1; },  // chains in a circle
       [] { kv_sext.pins[1].next_pin_out_ind = 1; },
       [] { kv_sext.nets[2].next_sub_net = 2; },
+      [] { kv_sext.nets[1].next_sub_net = 2, kv_sext.nets[2].next_sub_net = 1; },
       [] { kv_sext.net_childs[1].next_child = 1; },
       [] { kv_sext.insts[1].nb_of_pin = 3; },
       [] { kv_sext.insts[1].first_pin_ind = 0; },
@@ -221,6 +222,8 @@ TEST_F(KviTest, RefusesWhatIsNoWholeDesign) {
   EXPECT_EQ(load_store(), KVI_OK);
   std::filesystem::resize_file(design_path, image.size() - 1);
   EXPECT_EQ(load(), KVI_REFUSED);
+  EXPECT_EQ(kvi_open_design(kvi_state.design, "no/such").message,
+            "no/such: No such file or directory");
 }
 
 }  // namespace
