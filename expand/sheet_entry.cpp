@@ -26,7 +26,7 @@ void tie_through(kv_sheet_t& above, kv_sheet_inst_t& inst, const kv_sheet_t& bel
     if (pin_place < 0 || port.group < 0) continue;
     const auto& inner = gx_at(below.groups, port.group);
     const auto& pin = gx_at(above.pins, inst.first_pin + pin_place);
-    if (inner.tied_global < 0 || inner.width > 0 || pin.group < 0 || pin.width != 1) continue;
+    if (inner.tied_global < 0 || pin.group < 0 || pin.width != 1) continue;
     auto& outer = gx_at(above.groups, pin.group);
     if (outer.width <= 0 && outer.tied_global < 0) outer.tied_global = inner.tied_global;
   }

@@ -12,11 +12,11 @@ namespace {
 // Of what a sheet becomes. Each path will get longer by what stands above the sheet.
 struct sheet_size_t {
   std::int64_t paths = 0, other_texts = 0, characters = 0;
-  std::int64_t properties = 0, pins = 0;
 
+  // Of all else there is less: a pin has a path, a property a text.
   std::int64_t largest() const {
     // The end of a block of 1000 characters stays empty where a text does not fit.
-    return std::max({paths + other_texts, characters + characters / 8, properties, pins});
+    return std::max(paths + other_texts, characters + characters / 8);
   }
 };
 
@@ -50,7 +50,6 @@ class counter {
     size.characters += static_cast<std::int64_t>(length);
   }
   static void add_property(sheet_size_t& size, const gxi_property_t& property) {
-    ++size.properties;
     add_text(size, property.value.size());
   }
 
@@ -62,7 +61,6 @@ class counter {
     for (const auto& property : cell.symbol.defaults) add_property(size, property);
     for (const auto& property : cell.symbol.properties) add_property(size, property);
     for (const auto& pin : cell.symbol.pins) {
-      ++size.pins;
       add_path(size, instance.name.size() + 1 + pin.name.size());
       for (const auto& property : pin.properties) add_property(size, property);
       add_property(size, {"PINTYPE", pin.type, {}});
@@ -71,8 +69,6 @@ class counter {
     const auto below = count(instance.symbol);
     size.paths += below.paths;
     size.other_texts += below.other_texts;
-    size.properties += below.properties;
-    size.pins += below.pins;
     size.characters +=
         below.characters + below.paths * (static_cast<std::int64_t>(instance.name.size()) + 1);
   }

@@ -99,6 +99,14 @@ TEST_F(FlattenTest, NetsThatMeetAGlobalInsideBlocksAreItsNet) {
   EXPECT_EQ(text(kv_ptrto_net_rec(1).name), "VDD");
 }
 
+TEST_F(FlattenTest, APinOfSeveralBitsIsNotTiedToAGlobalInsideItsBlock) {
+  EXPECT_EQ(run("symbol tie\n pin A 0,0 IXO bits 0:1\n"
+                "sheet tie\n port A p 0,0\n global VDD g 1,0\n net A\n  wire A 1,0\n"
+                "sheet top\n part X tie 2,0\n net M\n  wire X.A 0,0\n"),
+            (lines_t{"# !! Pin of INStance : \"/X/A\"    :   not compatible at level -1 ? "}));
+  EXPECT_EQ(nets()[0], "/M 0");
+}
+
 TEST_F(FlattenTest, AMemberThatMeetsAGlobalInsideABlockLeavesItsBusABus) {
   EXPECT_EQ(run(std::string(tie_sheet) + "sheet top\n part X tie 2,0\n part R r 10,0\n"
                                          " bus D 0:1\n  wire X.A 0,0 0,9 10,9 R.1\n"
