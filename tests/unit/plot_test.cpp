@@ -29,7 +29,9 @@ sheet top
   net
     wire 21,126 84,126 width 3
   net
-    wire 21,147 22,147 width 3
+    wire 21,147 22.5,147 width 3
+  net
+    wire 21,157.5 22.6,157.5 width 3
   net
     wire 21,168 42,168 63,168
     wire 42,168 42,189
@@ -86,7 +88,9 @@ TEST(Plot, DrawsWhatTheSheetHolds) {
   EXPECT_TRUE(holds_run(plot, {"DI0, 1"})) << "upright text";
   EXPECT_TRUE(holds_run(plot, {"PU800,1800", "PD800,1600"})) << "line of a turned, mirrored part";
   EXPECT_TRUE(holds_run(plot, {"PW 1.2", "PU200,1401", "PD800,1401", "PW 0.4"})) << "wide wire";
-  EXPECT_TRUE(holds_run(plot, {"PU200,1200", "PD209,1200"})) << "a short wide wire is thin";
+  EXPECT_TRUE(holds_run(plot, {"PU200,1200", "PD214,1200"})) << "shorter than five times its width";
+  EXPECT_TRUE(holds_run(plot, {"PW 1.2", "PU200,1101", "PD215,1101", "PW 0.4"}))
+      << "as long as that";
   EXPECT_TRUE(holds_run(plot, {"PU398,1001", "RA401,998"})) << "junction";
   for (const auto& command : plot) EXPECT_EQ(command.find("secret"), std::string::npos);
 }
