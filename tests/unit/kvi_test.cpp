@@ -1,6 +1,7 @@
 // The design-file library: what a client sees of a design, and how it refuses what is none.
 #include "kvi/kvi.h"
 
+#include <sys/file.h>
 #include <sys/mman.h>
 
 #include <cstring>
@@ -224,6 +225,55 @@ TEST_F(KviTest, RefusesWhatIsNoWholeDesign) {
   EXPECT_EQ(load(), KVI_REFUSED);
   EXPECT_EQ(kvi_open_design(kvi_state.design, "no/such").message,
             "no/such: No such file or directory");
+}
+
+TEST_F(KviTest, FindsObjectsAndTheirPlaces) {
+  EXPECT_EQ(kvi_find(KVI_INSTANCE, 3, "/U1"), 0);  // of no design
+  ASSERT_EQ(load_store([] {
+              kv_sext.insts[1].sim_path = kv_save_string("/X/U");
+              kv_sext.macros[1].sim_path = kv_save_string("/X");
+              kv_sext.nets[2].sim_path = kv_save_string("/X/N");
+              kv_sext.net_childs[1].sim_path = kv_save_string("/X/Y/C");
+              kv_sext.nets[1].sim_path = kv_save_string("/B");
+              kv_sext.general_info.nbof_string = kv_sext.strings.count;
+              kv_sext.general_info.nbof_char = kv_sext.chars.count;
+            }),
+            KVI_OK);
+  EXPECT_EQ(kvi_find(KVI_INSTANCE, 4, "/X/U"), 1);
+  EXPECT_EQ(kvi_find(KVI_INSTANCE, 4, "/X/N"), 0);
+  EXPECT_EQ(kvi_find(KVI_MACRO, 1, "x"), 1);
+  EXPECT_EQ(kvi_find(KVI_NET, 4, "/x/n"), 2);
+  EXPECT_EQ(kvi_find(KVI_NET, 6, "/X/Y/C"), 2);
+  EXPECT_EQ(kvi_find(KVI_NET, 6, "/X/Y/D") + kvi_find(7, 4, "/X/U"), 0);
+  const auto place = [](int kind, int index) {
+    kvi_place_t at{};
+    if (kvi_get_place(kind, index, &at) == 0) return std::string("none");
+    return std::to_string(at.object_id) + " " + std::to_string(at.macro) + " " +
+           std::string(at.sheet, static_cast<std::size_t>(at.sheet_len));
+  };
+  EXPECT_EQ(place(KVI_INSTANCE, 1), "258 1 /d/sheet");
+  EXPECT_EQ(place(KVI_PIN, 2), "12 1 /d/sheet");
+  EXPECT_EQ(place(KVI_NET, 2), "21 1 /d/sheet");
+  EXPECT_EQ(place(KVI_NET, 1), "20 0 /d/sheet");
+  EXPECT_EQ(place(KVI_NET, 3), "none");
+}
+
+TEST_F(KviTest, SaysWhoIsWritingAndWhichNamesAreTooLong) {
+  const int file = ::memfd_create("image", 0);
+  const int writer = ::open(("/proc/self/fd/" + std::to_string(file)).c_str(), O_RDWR);
+  ASSERT_EQ(::flock(writer, LOCK_EX), 0);
+  const auto loaded = kvi_load_design(kvi_state.design, file, "image");
+  EXPECT_EQ(loaded.result, kvi_load_result::locked);
+  EXPECT_EQ(loaded.message, "image: is being written by " +
+                                split_lines(read_file("/proc/self/comm"))[0] + " (process " +
+                                std::to_string(::getpid()) + ")");
+  ::close(writer);
+  ::close(file);
+
+  const auto exits_with = [](int code) { return ::testing::ExitedWithCode(code); };
+  const std::string name(199, 'x');
+  EXPECT_EXIT(kvi_init_dfi(189, name.data(), 9, "design_kv", nullptr), exits_with(19), "");
+  EXPECT_EXIT(kvi_init_dfi(190, name.data(), 9, "design_kv", nullptr), exits_with(69), "");
 }
 
 }  // namespace
