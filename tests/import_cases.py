@@ -17,7 +17,7 @@ What is expected follows, in any choice and order; all lines of a section are co
   === sheet CELL PATTERN  the lines of `gxdump --source CELL` in which the regular expression is found;
   === symbols CELL PATTERN  the same of the symbols that it names
   === expand PATTERN      lines of expand.do
-  === beside NAME         the lines of that file of the design directory
+  === beside NAME PATTERN  lines of that file of the design directory; all of them without a pattern
   === notes               what gximport.log tells, sorted, without the directory of the case
   === terminal            what gximport prints, and "status N" where that is not 0, but for folders that
                           only some machines have
@@ -96,7 +96,9 @@ class Import:
         return sorted(lines.splitlines()[5:])
 
     def beside(self, words):
-        return open(f"{self.design}/{words[0]}", encoding="latin-1").read().splitlines()
+        name, _, pattern = words[0].partition(" ")
+        lines = open(f"{self.design}/{name}", encoding="latin-1").read().splitlines()
+        return [line for line in lines if re.search(pattern, line)]
 
     def expand(self, words):
         lines = open(self.design + "/expand.do", encoding="latin-1").read().splitlines()

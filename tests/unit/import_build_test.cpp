@@ -100,6 +100,28 @@ TEST(ImportBuild, TextsKeepTheirBoxesBelowTurnedAndMirroredInstances) {
   EXPECT_EQ(texts, expected.size());
 }
 
+TEST(ImportBuild, LinesOfATextStandAboveEachOther) {
+  const auto places = [](std::string_view text, const gxi_look_t& look) {
+    std::string told;
+    for (const auto& line : gxi_lines(text, look))
+      told += line.text + '@' + std::to_string(line.at.x) + ',' + std::to_string(line.at.y) + ' ';
+    return told;
+  };
+  gxi_look_t look{.at = {100, 200}, .height = 1000};
+  EXPECT_EQ(places("ab \n\nc", look), "ab@100,-3000 c@100,200 ");
+  look.line_step = 1100;
+  EXPECT_EQ(places("ab\nc", look), "ab@100,-900 c@100,200 ");
+  look.up = gxi_align::end;
+  EXPECT_EQ(places("ab\nc", look), "ab@100,1200 c@100,2300 ");
+  look.rotate = 1;
+  EXPECT_EQ(places("ab\nc", look), "ab@1100,200 c@2200,200 ");
+  // A longer line goes on below, where a word ends.
+  const std::string word(30, 'w');
+  EXPECT_EQ(gxi_lines(word + ' ' + word + ' ' + word, look).size(), 3U);
+  EXPECT_EQ(gxi_lines(std::string(61, 'w'), look).size(), 2U);
+  EXPECT_EQ(gxi_lines(std::string(60, 'w'), look).size(), 1U);
+}
+
 TEST(ImportBuild, TwentyEightLevelsAndNoSheetWithinItself) {
   gxi_design_t design;
   gxi_hierarchy_t hierarchy(design);
