@@ -2,6 +2,8 @@
 // the hierarchy. What a drawing becomes as a whole is in tests/cases/import.
 #include <filesystem>
 
+#include "gx/db/object_access.h"
+#include "gx/db/objects_of.h"
 #include "gx/picture/sheet_shapes.h"
 #include "gx/text/at.h"
 #include "import/build/builder.h"
@@ -74,9 +76,11 @@ TEST(ImportBuild, TextsKeepTheirBoxesBelowTurnedAndMirroredInstances) {
     sheet.instances.push_back(std::move(instance));
   }
   const auto file = gxi_build_sheet(design, design.cells[0], [](int) {
-    return gxi_symbol_path_t{"s/symbol.gx_1", 1};
+    return gxi_symbol_path_t{"s/symbol.gx_7", 7};
   });
 
+  for (const int id : lb_instances(*file))
+    ASSERT_EQ(gx_instance_info_ptr(*file, id).n0_version, 7) << id;
   std::size_t lines = 0, texts = 0;
   gx_pointreal_t page{};  // how far all is moved, as the first line is
   lb_all_instance_shapes(*file, {.draw = [&](const gx_shape_t& shape) {

@@ -34,13 +34,19 @@ struct flat_t {
     EXPECT_LE(gxi_count_objects(design, here), gxi_most_objects) << here.name;
     texts += here.sheet->texts.size();
     std::vector<int> flat;
+    std::multiset<std::string> ports, drawn;
     for (const auto& net : here.sheet->nets) {
+      if (!net.port.empty()) ports.insert(net.port);
       wires += net.segments.size();
       flat.push_back(net.port.empty() ? static_cast<int>(nets.size()) : from_above.at(net.port));
       if (net.port.empty()) nets.emplace_back();
     }
     for (const auto& instance : here.sheet->instances) {
-      if (instance.kind == gxi_kind::port) continue;
+      if (instance.kind == gxi_kind::port) {
+        drawn.insert(instance.name);
+        EXPECT_EQ(gx_at(here.sheet->nets, instance.nets.at(0)).port, instance.name);
+        continue;
+      }
       const auto& of = gx_at(design.cells, instance.symbol);
       std::map<std::string, int> down;
       for (std::size_t i = 0; i < instance.nets.size(); ++i) {
@@ -51,6 +57,7 @@ struct flat_t {
       EXPECT_EQ(down.size(), of.symbol.pins.size()) << "pins of one name";
       if (of.sheet) walk(instance.symbol, down);
     }
+    EXPECT_EQ(drawn, ports) << here.name;
   }
 };
 
