@@ -229,6 +229,11 @@ TEST_F(NetlistOfRunTest, TheFileAnswersAsTheDesignInMemory) {
     std::ranges::sort(met);
     EXPECT_EQ(met, expected) << net;
   }
+  const auto value = [&](kv_object_t of, int place) {
+    return in_memory.value(in_memory.property(of, place), 1);
+  };
+  EXPECT_EQ(value({kv_named::inst, 1}, 1), 3);     // SIZE
+  EXPECT_EQ(value({kv_named::macro, 1}, 2), 2.5);  // W
   EXPECT_EQ(in_memory.path({kv_named::net, 10'000}), "");
   EXPECT_EQ(in_memory.bits({kv_named::pin, 0}).net(0), 0);
 }
