@@ -40,7 +40,7 @@ std::string identifier(std::string_view name) {
   return escaped + (name.empty() ? "_ " : " ");
 }
 
-std::string quoted(std::string_view text) {
+std::string in_quotes(std::string_view text) {
   std::string result = "\"";
   for (const char c : text) {
     const auto code = static_cast<unsigned char>(c);
@@ -227,7 +227,7 @@ class verilog_t {
     for (std::int32_t k = 0; k < netlist_.nb_of_properties(of); ++k) {
       const kv_property_t property = netlist_.property(of, k);
       if (property.type == kv_prop_string && property.text.empty()) continue;
-      std::string value = quoted(property.text);
+      std::string value = in_quotes(property.text);
       if (property.type != kv_prop_string) {
         char number[40];
         std::snprintf(number, sizeof number, "\"%.9g\"", netlist_.value(property, 1));

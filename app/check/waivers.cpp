@@ -39,7 +39,7 @@ std::optional<std::string> take_word(std::string_view& line) {
   return std::nullopt;
 }
 
-std::string quoted(std::string_view text) {
+std::string in_quotes(std::string_view text) {
   std::string out = "\"";
   for (const char c : text) {
     if (c == '"' || c == '\\') out += '\\';
@@ -151,8 +151,8 @@ std::vector<kv_waiver_t> kv_apply_waivers(const std::vector<kv_waiver_t>& waiver
 }
 
 std::string kv_waiver_line(const kv_waiver_t& waiver) {
-  return std::string(kv_row_of(waiver.rule).name) + " " + quoted(waiver.path) + " " +
-         quoted(waiver.reason) + " " + waiver.date;
+  return std::string(kv_row_of(waiver.rule).name) + " " + in_quotes(waiver.path) + " " +
+         in_quotes(waiver.reason) + " " + waiver.date;
 }
 
 std::string kv_add_waiver(const std::string& directory, const kv_waiver_t& waiver) {

@@ -22,7 +22,7 @@ namespace {
 
 constexpr std::string_view explain_net_words = "# EXPlain NET ";
 
-std::string quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
+std::string in_quotes(std::string_view text) { return "\"" + std::string(text) + "\""; }
 
 std::string kind_words(const kv_memory_netlist_t& netlist, std::int32_t net) {
   constexpr std::string_view kinds[] = {"local", "bus", "port", "child", "global"};
@@ -36,7 +36,7 @@ std::string kind_words(const kv_memory_netlist_t& netlist, std::int32_t net) {
   } else if (const std::int32_t bus = netlist.bus(net); bus != 0) {
     if (netlist.net_kind(net) != kv_kind_global) words = "bit";
     words += ", bit " + std::to_string(netlist.bit(net)) + " of bus " +
-             quoted(netlist.path({kv_named::net, bus})) + " (" + std::to_string(bus) + ")";
+             in_quotes(netlist.path({kv_named::net, bus})) + " (" + std::to_string(bus) + ")";
   }
   return words;
 }
@@ -122,8 +122,8 @@ class explanation_t {
       ++(type == kv_io_in ? in : type == kv_io_out ? out : both);
     }
     const std::string path(netlist_.path({kv_named::net, net})), kind = kind_words(netlist_, net);
-    gx_tell_wrapped("# NET " + std::to_string(net) + " : " + quoted(path) + " name " +
-                    quoted(netlist_.name(net)));
+    gx_tell_wrapped("# NET " + std::to_string(net) + " : " + in_quotes(path) + " name " +
+                    in_quotes(netlist_.name(net)));
     gx_tell_wrapped("#   kind " + kind);
     gx_tell_wrapped("#   nets " + std::to_string(drawn.size()) + " on sheets " +
                     std::to_string(visits.size()) + " ; pins in " + std::to_string(in) + " out " +
