@@ -97,6 +97,16 @@ class drawing_t {
   std::optional<gx_boundsreal_t> box_;
 };
 
+// Whether a text is a property of an instance itself or of one of its pins, not of its symbol.
+bool is_own(const gx_file_gene_recf_t& file, int id) {
+  for (const auto* object = gx_object(file, id); object != nullptr;
+       object = gx_object(file, object->father)) {
+    if (object->object_type == gx_type::instance) return true;
+    if (object->object_type == gx_type::symbol) return false;
+  }
+  return false;
+}
+
 class page_writer_t {
  public:
   explicit page_writer_t(kv_design_pages_t& pages) : pages_(pages) {
@@ -352,7 +362,7 @@ class page_writer_t {
     kv_json_text own;
     gx_sink_t sink{.name = "page", .instance_name = "page"};
     sink.draw = [&](const gx_shape_t& shape) {
-      if (shape.kind == gx_shape_kind::text && gx_is_own_text(file, shape.object))
+      if (shape.kind == gx_shape_kind::text && is_own(file, shape.object))
         drawing.add_text(shape, own);
       else
         drawing.draw(shape);

@@ -49,7 +49,7 @@ files = sorted(pathlib.Path("svg").glob("*.svg"))
 assert len(files) == 4, files
 for file in files:
     xml.dom.minidom.parse(str(file))
-links = {f.name: re.findall(r'<a href="([^"]*)"', f.read_text()) for f in [*files, pathlib.Path("svg/index.html")]}
+links = {f.name: re.findall(r'href="([^"]*)"', f.read_text()) for f in [*files, pathlib.Path("svg/index.html")]}
 for name, targets in links.items():
     for target in targets:
         assert pathlib.Path("svg", target).is_file(), (name, target)

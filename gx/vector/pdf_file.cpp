@@ -9,7 +9,9 @@
 #include "gx/text/characters.h"
 #include "gx/vector/look.h"
 
-std::string gx_pdf_bracketed(std::string_view bytes) {
+namespace {
+// In brackets; what ends or escapes a text is escaped.
+std::string bracketed(std::string_view bytes) {
   std::string text = "(";
   for (const char c : bytes) {
     if (c == '(' || c == ')' || c == '\\') text += '\\';
@@ -20,6 +22,7 @@ std::string gx_pdf_bracketed(std::string_view bytes) {
   }
   return text += ')';
 }
+}  // namespace
 
 gx_pdf_file::gx_pdf_file(gx_deflate_t deflate) : deflate_(std::move(deflate)) {
   bytes_ = "%PDF-1.5\n%\xE2\xE3\xCF\xD3\n";
@@ -71,7 +74,7 @@ std::string gx_pdf_reference(int object) { return std::to_string(object) + " 0 R
 std::string gx_pdf_text(std::string_view text) {
   const auto characters = gx_characters(text);
   if (std::ranges::all_of(characters, [](char32_t c) { return c >= 0x20 && c < 0x7F; }))
-    return gx_pdf_bracketed(text);
+    return bracketed(text);
   std::string hex = "<FEFF";
   const auto add = [&](char32_t unit) {
     char digits[8];
@@ -83,4 +86,13 @@ std::string gx_pdf_text(std::string_view text) {
     add(c >= 0x10000 ? 0xDC00 + ((c - 0x10000) & 0x3FF) : c);
   }
   return hex += '>';
+}
+
+std::string gx_pdf_shown(std::string_view text) {
+  std::string bytes;
+  for (const char32_t c : gx_characters(text)) {
+    const bool is_there = (c >= 0x20 && c < 0x7F) || (c >= 0xA0 && c <= 0xFF);
+    bytes += c < 0x20 ? ' ' : is_there ? static_cast<char>(static_cast<unsigned char>(c)) : '?';
+  }
+  return bracketed(bytes);
 }

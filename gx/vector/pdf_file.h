@@ -34,5 +34,5 @@ class gx_pdf_file {
 std::string gx_pdf_reference(int object);
 // A text of the document (title, outline) with its brackets.
 std::string gx_pdf_text(std::string_view text);
-// Bytes as a text, in brackets; what ends or escapes a text is escaped.
-std::string gx_pdf_bracketed(std::string_view bytes);
+// A text to be shown in a font with WinAnsiEncoding; what that has not is "?".
+std::string gx_pdf_shown(std::string_view text);

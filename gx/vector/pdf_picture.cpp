@@ -12,7 +12,6 @@
 #include "gx/db/page.h"
 #include "gx/picture/sheet_shapes.h"
 #include "gx/text/at.h"
-#include "gx/vector/pdf_letters.h"
 
 namespace {
 constexpr double points_per_mm = 72 / 25.4;
@@ -119,16 +118,16 @@ class pdf_writer {
     flush();
     use_fill(gx_ink(colours_, color));
     out_ += "BT\n";
-    std::string size;
-    gx_append_units(size, std::llround(height * gx_font_size));
     if (height != state_.text_height) {
-      out_.append("/F ").append(size).append(" Tf\n");
+      out_ += "/F ";
+      gx_append_units(out_, std::llround(height * gx_font_size));
+      out_ += " Tf\n";
       if (state_.text_height == 0) append_numbers(out_, {gx_text_stretch * 100}, "Tz");
       state_.text_height = height;
     }
     out_ += rotation == 1 ? "0 -1 -1 0 " : rotation == 3 ? "0 1 1 0 " : "1 0 0 -1 ";
     add_point(at, "Tm\n");
-    out_.append(gx_pdf_shown(text, size)).append(" ET\n");
+    out_.append(gx_pdf_shown(text)).append("Tj ET\n");
   }
 
  private:
@@ -217,11 +216,9 @@ gx_pdf_document::gx_pdf_document(int pages, gx_colours colours, const gx_paper_t
     : colours_(colours),
       paper_(paper),
       out_(std::move(deflate)),
-      fonts_(out_.reserve()),
+      font_(out_.reserve()),
       tree_(out_.reserve()) {
-  out_.write(fonts_,
-             "<</F<</Type/Font/Subtype/Type1/BaseFont/Courier/Encoding/WinAnsiEncoding>>"
-             "/G<</Type/Font/Subtype/Type1/BaseFont/Symbol>>>>");
+  out_.write(font_, "<</Type/Font/Subtype/Type1/BaseFont/Courier/Encoding/WinAnsiEncoding>>");
   for (int i = 0; i < pages; ++i) pages_.push_back(out_.reserve());
 }
 
@@ -258,7 +255,7 @@ const gx_pdf_document::sheet_t& gx_pdf_document::sheet_of(const gx_file_gene_rec
   gx_append_units(entries, std::int64_t{sheet.size.x} + 100);
   entries += ' ';
   gx_append_units(entries, std::int64_t{sheet.size.y} + 100);
-  entries += "]/Resources<</Font " + gx_pdf_reference(fonts_) + ">>";
+  entries += "]/Resources<</Font<</F " + gx_pdf_reference(font_) + ">>>>";
   out_.write_stream(sheet.form, entries, content);
   return sheet;
 }
@@ -322,7 +319,7 @@ void gx_pdf_document::add_page(const gx_file_gene_recf_t& file, const gx_sheet_l
   out_.write_stream(stream, "", content);
   std::string page = "<</Type/Page/Parent " + gx_pdf_reference(tree_) + "/MediaBox[0 0 " +
                      with_decimals({width, height}) + "]/Contents " + gx_pdf_reference(stream) +
-                     "/Resources<</Font " + gx_pdf_reference(fonts_) + "/XObject<</S " +
+                     "/Resources<</Font<</F " + gx_pdf_reference(font_) + ">>/XObject<</S " +
                      gx_pdf_reference(sheet.form) + ">>>>";
   if (!links.empty()) page += "/Annots[" + links + "]";
   out_.write(gx_at(pages_, added_), page + ">>");

@@ -40,7 +40,7 @@ class gx_pdf_document {
   gx_colours colours_;
   gx_paper_t paper_;
   gx_pdf_file out_;
-  int fonts_, tree_;
+  int font_, tree_;
   std::vector<int> pages_;  // objects
   int added_ = 0;
   std::map<const gx_file_gene_recf_t*, sheet_t> sheets_;

@@ -58,15 +58,6 @@ std::vector<gx_net_place_t> gx_net_places(const gx_file_gene_recf_t& file) {
   return places;
 }
 
-bool gx_is_own_text(const gx_file_gene_recf_t& file, int id) {
-  for (const auto* object = gx_object(file, id); object != nullptr;
-       object = gx_object(file, object->father)) {
-    if (object->object_type == gx_type::instance) return true;
-    if (object->object_type == gx_type::symbol) return false;
-  }
-  return false;
-}
-
 std::string gx_instance_words(const gx_file_gene_recf_t& file, int inst) {
   std::string words = lb_inst_name(file, inst);
   const int symbol = gx_instance_info_ptr(file, inst).symbol;

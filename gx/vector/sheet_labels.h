@@ -37,9 +37,5 @@ std::vector<gx_net_place_t> gx_net_places(const gx_file_gene_recf_t& file);
 inline constexpr std::int32_t gx_flat_name_height = 1000;  // design units
 inline constexpr std::int32_t gx_flat_name_gap = 400;      // from the segment
 
-// Whether a text that an instance draws is a property of it or of one of its pins, not of its
-// symbol.
-bool gx_is_own_text(const gx_file_gene_recf_t& file, int id);
-
 // "R1: cell/symbol, VALUE=1k": an instance in a line, its own properties before its symbol's.
 std::string gx_instance_words(const gx_file_gene_recf_t& file, int inst);

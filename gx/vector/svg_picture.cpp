@@ -1,11 +1,8 @@
 // Shapes as elements of SVG, in hundredths of design units; strokes of one look that follow one
-// another are one path. A drawing that several instances have is written with the first of them,
-// the others use it.
+// another are one path.
 #include "gx/vector/svg_picture.h"
 
 #include <cmath>
-#include <optional>
-#include <unordered_map>
 
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
@@ -18,8 +15,8 @@
 namespace {
 class svg_writer {
  public:
-  // Texts go to `out`, which is not emptied; places are written from an origin on.
-  explicit svg_writer(std::string& out, gx_pointreal_t origin = {}) : out_(out), origin_(origin) {}
+  // Texts go to `out`, which is not emptied.
+  explicit svg_writer(std::string& out) : out_(out) {}
 
   void draw(const gx_shape_t& shape) {
     if (shape.kind == gx_shape_kind::text) {
@@ -31,7 +28,7 @@ class svg_writer {
     const gx_look_t look = gx_look_of(shape);
     if (look != look_) flush();
     look_ = look;
-    path_.add(shape, origin_);
+    path_.add(shape);
   }
 
   // Ends the path under way: what is written next lies on top of it.
@@ -53,17 +50,16 @@ class svg_writer {
     if (length == 0 || height <= 0) return;
     flush();
     out_.append("<text").append(attributes);
-    const std::int64_t x = std::int64_t{at.x} - origin_.x, y = std::int64_t{at.y} - origin_.y;
-    attribute("x", x);
-    attribute("y", y);
+    attribute("x", at.x);
+    attribute("y", at.y);
     attribute("font-size", std::llround(height * gx_font_size));
     attribute("textLength", std::llround(length * height * gx_text_advance));
     out_ += " lengthAdjust=\"spacingAndGlyphs\"";
     if (rotation == 1 || rotation == 3) {
       out_.append(" transform=\"rotate(").append(rotation == 1 ? "-90 " : "90 ");
-      gx_append_units(out_, x);
+      gx_append_units(out_, at.x);
       out_ += ' ';
-      gx_append_units(out_, y);
+      gx_append_units(out_, at.y);
       out_ += ")\"";
     }
     out_.append(">").append(gx_xml(text)).append("</text>\n");
@@ -82,61 +78,8 @@ class svg_writer {
   }
 
   std::string& out_;
-  gx_pointreal_t origin_;
   gx_path_data path_;  // under way
   gx_look_t look_;     // of it
-};
-
-// Instances, each opened, drawn and closed: what equal ones share is written once.
-class instance_writer {
- public:
-  explicit instance_writer(const gx_file_gene_recf_t& file) : file_(file) {}
-
-  void open(int inst) {
-    at_ = lb_inq_inst_origin(file_, inst);
-    for (std::string* text : {&placed_text_, &shared_text_, &own_text_}) text->clear();
-    placed_.emplace(placed_text_);
-    shared_.emplace(shared_text_, at_);
-    own_.emplace(own_text_);
-  }
-  void draw(const gx_shape_t& shape) {
-    if (shape.kind == gx_shape_kind::text && gx_is_own_text(file_, shape.object))
-      return own_->draw(shape);
-    placed_->draw(shape);
-    shared_->draw(shape);
-  }
-  void close(std::string& out) {
-    for (auto* writer : {&placed_, &shared_, &own_}) (*writer)->flush();
-    if (!shared_text_.empty()) {
-      const auto [drawing, is_new] =
-          drawings_.try_emplace(shared_text_, drawing_t{std::ssize(drawings_), at_});
-      const auto& [number, first] = drawing->second;
-      const std::string id = "d" + std::to_string(number);
-      if (is_new) {
-        out.append("<g id=\"").append(id).append("\">\n").append(placed_text_).append("</g>\n");
-      } else {
-        out.append("<use href=\"#").append(id).append("\" x=\"");
-        gx_append_units(out, std::int64_t{at_.x} - first.x);
-        out += "\" y=\"";
-        gx_append_units(out, std::int64_t{at_.y} - first.y);
-        out += "\"/>\n";
-      }
-    }
-    out += own_text_;
-  }
-
- private:
-  struct drawing_t {
-    std::ptrdiff_t number;
-    gx_pointreal_t first;  // where it is written
-  };
-
-  const gx_file_gene_recf_t& file_;
-  gx_pointreal_t at_;  // the origin of the instance
-  // Its drawing where it is, the same from its origin on, and the texts that are its own.
-  std::string placed_text_, shared_text_, own_text_;
-  std::optional<svg_writer> placed_, shared_, own_;
-  std::unordered_map<std::string, drawing_t> drawings_;
 };
 
 std::string hex_of(gx_ink_t color) {
@@ -220,12 +163,9 @@ std::string gx_svg_picture(const gx_file_gene_recf_t& file, const gx_svg_page_t&
                   labels.title);
   if (!up.empty()) out += "</a>\n";
 
-  bool is_link = false, is_inst = false;
-  instance_writer instances(file);
+  bool is_link = false;
   gx_sink_t sink;
-  sink.draw = [&](const gx_shape_t& shape) {
-    is_inst ? instances.draw(shape) : writer.draw(shape);
-  };
+  sink.draw = [&](const gx_shape_t& shape) { writer.draw(shape); };
   sink.opens = [&](int id) {
     auto& text = writer.out();
     const bool is_net = gx_object_id_ptr(file, id).object_type == gx_type::net;
@@ -238,15 +178,8 @@ std::string gx_svg_picture(const gx_file_gene_recf_t& file, const gx_svg_page_t&
     else if (!labels.title.empty())
       title = labels.title + ": " + title;
     text.append("<title>").append(gx_xml(title)).append("</title>\n");
-    is_inst = !is_net;
-    if (is_inst) instances.open(id);
   };
-  sink.closes = [&](int) {
-    auto& text = writer.out();
-    if (is_inst) instances.close(text);
-    text += is_link ? "</a>\n" : "</g>\n";
-    is_inst = false;
-  };
+  sink.closes = [&](int) { writer.out() += is_link ? "</a>\n" : "</g>\n"; };
   lb_frame_shapes(file, sink);
   writer.flush();
   lb_all_instance_shapes(file, sink);
