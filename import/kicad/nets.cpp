@@ -73,7 +73,9 @@ class joiner {
     for (const auto& pins : sheet.block_pins) {
       auto& row = pin_buses_.emplace_back();
       auto& named = pin_named_.emplace_back();
-      for (std::size_t pin = 0; pin < pins.size(); ++pin) named.emplace(pins[pin], pin);
+      auto& further = further_pins_.emplace_back();
+      for (std::size_t pin = 0; pin < pins.size(); ++pin)
+        if (!named.emplace(pins[pin], pin).second) further.emplace(pins[pin], pin);
       for (const auto& pin : pins) row.push_back(bus_of(pin));
     }
     number_members();
@@ -83,7 +85,9 @@ class joiner {
     gxi_groups_t groups(count_);
     groups_ = &groups;
     join_places();
+    const auto second = second_names();
     join_names();
+    for (const auto& [pin, text] : second) groups_->join(pin, name(text));
     join_within();
     join_buses();
     collect();
@@ -194,6 +198,52 @@ class joiner {
     return at_place_[at] > 1;
   }
 
+  // A pin of a block names no net of the sheet, but where nothing else names what it is joined to
+  // by place, and its name is a second one elsewhere, never the first: the first pin of a name then
+  // joins that net. Such pins, and their names.
+  std::vector<std::pair<int, std::string>> second_names() {
+    struct piece_t {
+      int strength = 0;
+      std::string_view name{}, pin{};
+    };
+    std::map<int, piece_t> pieces;
+    const auto drive = [&](int member, std::string_view text, int strength) {
+      auto& piece = pieces[groups_->root(member)];
+      if (std::pair(-strength, text) < std::pair(-piece.strength, piece.name) ||
+          piece.name.empty()) {
+        piece.strength = strength;
+        piece.name = text;
+      }
+    };
+    for (std::size_t i = 0; i < sheet_.labels.size(); ++i)
+      if (is_net_label(i))
+        drive(first_label_ + static_cast<int>(i), sheet_.labels[i],
+              priority_of(file_.labels[i].kind));
+    for (std::size_t i = 0; i < sheet_.pins.size(); ++i)
+      for (std::size_t pin = 0; pin < sheet_.pins[i].size(); ++pin)
+        if (const auto& met = sheet_.pins[i][pin]; !met.power.empty())
+          drive(first_pin_[i] + static_cast<int>(pin), met.power,
+                met.everywhere ? of_global : of_local);
+    std::set<std::string_view> taken;  // first names
+    for (const auto& [root, piece] : pieces) taken.insert(piece.name);
+    std::vector<std::pair<int, std::string_view>> pins;
+    for (std::size_t i = 0; i < pin_buses_.size(); ++i)
+      for (std::size_t pin = 0; pin < pin_buses_[i].size(); ++pin)
+        if (pin_buses_[i][pin].members.empty())
+          pins.emplace_back(first_of_block_[i][pin], sheet_.block_pins[i][pin]);
+    for (const auto& [member, text] : pins)
+      if (auto& piece = pieces[groups_->root(member)]; piece.pin.empty() || text < piece.pin)
+        piece.pin = text;
+    std::vector<std::pair<int, std::string>> second;
+    for (const auto& [member, text] : pins) {
+      const auto& piece = pieces[groups_->root(member)];
+      if (piece.strength == 0 && piece.pin == text && names_.find(text) != names_.end() &&
+          taken.insert(text).second)
+        second.emplace_back(member, text);
+    }
+    return second;
+  }
+
   void join_names() {
     for (std::size_t i = 0; i < sheet_.labels.size(); ++i)
       if (is_net_label(i))
@@ -217,6 +267,10 @@ class joiner {
           if (member < 0) continue;
           if (first >= 0) groups_->join(first, member);
           first = member;
+          // Further pins of its name meet it on the sheet below.
+          const auto [further, end] = further_pins_[i].equal_range(port.name);
+          for (auto pin = further; pin != end; ++pin)
+            groups_->join(member, gx_at(first_of_block_[i], pin->second) + port.member);
         }
       }
     }
@@ -422,11 +476,12 @@ class joiner {
   std::vector<gxi_kicad_bus_t> label_buses_{};
   std::vector<std::vector<gxi_kicad_bus_t>> pin_buses_{};        // by block and pin
   std::vector<std::map<std::string, std::size_t>> pin_named_{};  // by block; the first of a name
+  std::vector<std::multimap<std::string, std::size_t>> further_pins_{};
   std::size_t count_ = 0, nb_of_bits_ = 0;
   int first_entry_ = 0, first_label_ = 0, first_junction_ = 0;
   std::vector<int> first_pin_{};                    // by symbol
   std::vector<std::vector<int>> first_of_block_{};  // by block and pin
-  std::map<std::string, int> names_{};
+  std::map<std::string, int, std::less<>> names_{};
   std::set<gxi_kicad_port_t> ports_{};
   std::map<point_t, int> at_place_{};  // what hides wires: two for each, a label one
   gxi_groups_t* groups_ = nullptr;

@@ -579,8 +579,9 @@ class kicad_reader {
     instance.source = {here.from.name, block.line};
     instance.at = gxi_kicad_on_sheet(block.at);
     instance.name = field_text(here.from, block.fields, {}, block.name());
-    for (const auto& members : joined.of_block[i])
-      instance.nets.insert(instance.nets.end(), members.begin(), members.end());
+    for (std::size_t pin = 0; pin < joined.of_block[i].size(); ++pin)
+      if (const auto& members = joined.of_block[i][pin]; !here.signs[i].names[pin].empty())
+        instance.nets.insert(instance.nets.end(), members.begin(), members.end());
     for (const auto& field : block.fields) {
       if (field.value.hidden) continue;
       auto text = field.value;

@@ -161,6 +161,7 @@ gxi_kicad_block_sign_t gxi_kicad_block_sign(const gxi_kicad_block_t& block,
                          .color = gxi_kicad_colors.block,
                          .width = 2});
   gxi_names_t taken;
+  std::set<std::string_view> seen;
   for (std::size_t i = 0; i < pins.size(); ++i) {
     auto label = block.pins[i];
     label.text.at = {label.text.at.x - block.at.x, label.text.at.y - block.at.y};
@@ -170,6 +171,7 @@ gxi_kicad_block_sign_t gxi_kicad_block_sign(const gxi_kicad_block_t& block,
     look.color = gxi_kicad_colors.block;
     gxi_kicad_write(label.text.text, look, sign.texts, sign.shapes);
     auto& names = made.names.emplace_back();
+    if (!seen.insert(pins[i]).second) continue;
     auto members = gxi_kicad_bus(pins[i], aliases).members;
     if (members.empty()) members.push_back(pins[i]);
     for (const auto& member : members) {

@@ -22,7 +22,8 @@ gxi_symbol_t gxi_kicad_power_sign(const gxi_kicad_symbol_t& symbol, int unit, in
 // What a symbol that is missing leaves: a box with its name.
 gxi_symbol_t gxi_kicad_missing_sign(const std::string& name);
 
-// A block, and the names of its pins: of those that are buses, one for each member.
+// A block, and the names of its pins: of those that are buses, one for each member; of a further
+// pin of one name none.
 struct gxi_kicad_block_sign_t {
   gxi_symbol_t symbol{};
   std::vector<std::vector<std::string>> names{};  // by pin and member
