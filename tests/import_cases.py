@@ -16,6 +16,8 @@ What is expected follows, in any choice and order; all lines of a section are co
   === netlist [OPTION]    after RUN: what kvspice writes, without its title
   === sheet CELL PATTERN  the lines of `gxdump --source CELL` in which the regular expression is found;
   === symbols CELL PATTERN  the same of the symbols that it names
+  === findings PATTERN    rule and path of what CHEck DESign finds, of the rules in which the expression
+                          is found
   === expand PATTERN      lines of expand.do
   === beside NAME PATTERN  lines of that file of the design directory; all of them without a pattern
   === notes               what gximport.log tells, sorted, without the directory of the case
@@ -25,6 +27,7 @@ What is expected follows, in any choice and order; all lines of a section are co
 The status is 1 where anything differs; then both are shown.
 """
 import difflib
+import json
 import os
 import re
 import subprocess
@@ -136,6 +139,13 @@ class Import:
         for pin, net in pins:
             on[net].append(pin[1:])
         return sorted(re.sub(r"N_\d+$", "?", names[net]) + ": " + " ".join(sorted(on[net])) for net in names)
+
+    def findings(self, words):
+        run(self.design, BUILD + "/kivo", "--batch", self.top, "check.do")
+        with open(f"{self.design}/{self.top}/findings.json", encoding="ascii") as file:
+            found = json.load(file)
+        return sorted(re.sub(r"N_\d+$", "?", f"{one['rule']} {one['path']}")
+                      for one in found if re.search(words[0], one["rule"]))
 
     def instances(self, _):
         return sorted(path + "".join(f" {k}={v}" for k, v in properties if v)

@@ -1,30 +1,11 @@
 #include "app/check/design_check.h"
 
-#include <algorithm>
-#include <iterator>
-
 #include "app/check/cells.h"
 #include "app/check/netlist_findings.h"
 #include "app/check/run_messages.h"
 #include "app/check/sheet_findings.h"
 #include "app/find/aside.h"
 #include "gx/db/record_codec.h"
-#include "gx/text/at.h"
-#include "gx/text/strings.h"
-
-namespace {
-
-// What the rules heed on nets is kept beside what the session keeps, unless that fills the list.
-void keep_marks(kv_prop_list_t& list) {
-  const bool is_full = list.count >= std::ssize(list.entry);
-  const bool is_kept = std::any_of(list.begin(), list.end(), [](const auto& entry) {
-    return gx_iden(gx_view(entry.name), kv_noconn);
-  });
-  if (!is_full && !is_kept)
-    gx_at(list.entry, list.count++) = {gx_string(kv_noconn), gx_string("S")};
-}
-
-}  // namespace
 
 kv_design_check_t kv_check_design(const kv_setup_t& wishes, std::string_view top_path,
                                   const kv_severities_t& severities, kv_run_watcher_t watcher) {
@@ -32,7 +13,6 @@ kv_design_check_t kv_check_design(const kv_setup_t& wishes, std::string_view top
   const auto setup = std::make_unique<kv_setup_t>(wishes);
   kv_keep_something(*setup);
   setup->store_size = kv_max_records;  // the memory is the limit
-  keep_marks(setup->property_net);
 
   // From the file: what a command has marked on the sheet in memory is no part of the design.
   const auto load = gx_load_file(top_path);
@@ -43,7 +23,8 @@ kv_design_check_t kv_check_design(const kv_setup_t& wishes, std::string_view top
   sheets->setup = setup.get();
   sheets->keeps_files = true;
   kv_set_top(*sheets, *load.file, top_path);
-  kv_find_on_sheets(*sheets, severities, check.findings);
+  kv_electrical_marks marks;
+  kv_find_on_sheets(*sheets, severities, check.findings, marks);
 
   kv_run_messages told;
   const kv_message_catcher catcher([&](const auto& message) { told.take(message); });
@@ -64,7 +45,7 @@ kv_design_check_t kv_check_design(const kv_setup_t& wishes, std::string_view top
                      .keeps_part = true};
   const kv_run_result result = kv_expand_sheets(run, sheets);
   if (result == kv_run_result::stopped) return {{}, "stopped "};
-  const kv_netlist_findings_t found{design, origins, severities, check.findings};
+  const kv_netlist_findings_t found{design, origins, severities, marks, check.findings};
   if (result == kv_run_result::done) kv_find_on_netlist(found);
   told.find(found);
   return check;

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "app/check/electrical.h"
 #include "app/check/finding.h"
 #include "expand/origins.h"
 
@@ -12,14 +13,11 @@ struct kv_netlist_findings_t {
   const kv_design_t& design;
   const kv_origins_t& origins;
   const kv_severities_t& severities;
+  const kv_electrical_marks& marks;
   kv_findings_t& findings;
 
   void add(kv_rule rule, std::string_view path, kv_place_t place, std::string words) const;
 };
-
-// The property of a net that is meant to be joined to one pin: rules of single pins and of drivers
-// pass it over.
-inline constexpr std::string_view kv_noconn = "NOCONN";
 
 // Of a run that was done; in the order of the rules, of each rule in the order of the nets or pins.
 void kv_find_on_netlist(const kv_netlist_findings_t& found);

@@ -63,11 +63,12 @@ void kv_cell_findings_t::add(kv_rule rule, std::string_view piece, int object_id
 }
 
 void kv_find_on_sheets(kv_sheets_t& sheets, const kv_severities_t& severities,
-                       kv_findings_t& findings) {
+                       kv_findings_t& findings, kv_electrical_marks& marks) {
   kv_links_t links;
   std::vector<kv_findings_t> of_sheets;  // by the rules of CHEck SHEet, cell by cell
   const kv_cells_t cells(sheets, [&](const kv_cell_t& cell, const gx_file_gene_recf_t& file) {
     check_sheet(file, links, {cell, severities, of_sheets.emplace_back()});
+    marks.take(*cell.sheet, file);
   });
   kv_global_rules globals(cells);
   for (std::size_t i = 0; i < cells.cells().size(); ++i) {

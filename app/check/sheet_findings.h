@@ -11,11 +11,13 @@
 
 #include "app/check/cells.h"
 #include "app/check/check_rules.h"
+#include "app/check/electrical.h"
 #include "app/check/finding.h"
 
-// The sheets in the order of the walk, the findings of each in the order of the rules.
+// The sheets in the order of the walk, the findings of each in the order of the rules; what they
+// say to the rules of the netlist.
 void kv_find_on_sheets(kv_sheets_t& sheets, const kv_severities_t& severities,
-                       kv_findings_t& findings);
+                       kv_findings_t& findings, kv_electrical_marks& marks);
 
 // --- for the rules below: findings of one cell
 struct kv_cell_findings_t {

@@ -19,6 +19,9 @@ bool gxi_class_has_meaning(std::string_view value);
 inline constexpr std::string_view gxi_spice_model = "spice_model";
 // Of a net: it is meant to be joined to one pin.
 inline constexpr std::string_view gxi_noconn = "NOCONN";
+// Of a pin: its electrical type, in the words of the table in app/check/electrical.cpp. Of a net:
+// the type of a pin that is not there, as of a symbol that only says where a supply comes from.
+inline constexpr std::string_view gxi_electrical = "ELECTRICAL";
 
 // The properties of parts to keep: those of the first set of `telling`, then of the next ones, then
 // the others, and of each those that most parts have, their own or their symbol's. What is

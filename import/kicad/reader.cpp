@@ -72,7 +72,7 @@ class kicad_reader {
     share_globals();
     write_references();
     gxi_keep_most_used(design_, {{"Value"}}, {});
-    design_.kept_of_pins = {"FUNCTION", "ELECTRICAL"};
+    design_.kept_of_pins = {"FUNCTION", std::string(gxi_electrical)};
     return std::move(design_);
   }
 
@@ -318,8 +318,9 @@ class kicad_reader {
         made.global = net.globals.front();
         join_globals(net.globals);
       }
-      if (net.no_connect) made.properties.push_back({"NOCONN", "yes", {}});
+      if (net.no_connect) made.properties.push_back({std::string(gxi_noconn), "yes", {}});
     }
+    mark_supplies(here, joined, sheet);
     draw_wires(here, joined, sheet);
     std::set<std::string> ports;
     for (std::size_t i = 0; i < here.from.records.labels.size(); ++i)
@@ -344,6 +345,24 @@ class kicad_reader {
            std::to_string(beyond) + (beyond == 1 ? " text" : " texts") +
                " beyond the paper, which nobody sees, left out");
     return sheet;
+  }
+
+  // Power symbols are no parts of a netlist: what they say of a supply is said of its net, that it
+  // needs a source, or has one.
+  static void mark_supplies(const sheet_t& here, const gxi_kicad_joined_t& joined,
+                            gxi_sheet_t& sheet) {
+    std::map<int, bool> has_source;  // by net
+    for (std::size_t i = 0; i < here.symbols.size(); ++i) {
+      if (here.symbols[i] == nullptr) continue;
+      if (!here.symbols[i]->power && !here.references[i].starts_with('#')) continue;
+      const auto& pins = here.joins.pins[i];
+      for (std::size_t pin = 0; pin < pins.size(); ++pin)
+        if (const auto& type = pins[pin].pin->type; type == "power_in" || type == "power_out")
+          has_source[gx_at(joined.of_pin[i], pin)] |= type == "power_out";
+    }
+    for (const auto& [net, has] : has_source)
+      gx_at(sheet.nets, net)
+          .properties.push_back({std::string(gxi_electrical), has ? "power_out" : "power_in", {}});
   }
 
   static bool is_on_paper(const gxi_kicad_file_t& records, gxi_kicad_point_t at) {
@@ -484,11 +503,12 @@ class kicad_reader {
     if (reference.starts_with('#') || !placed.on_board) {
       if (!placed.on_board)
         warn(here.from, placed.line, reference + " is not on the board: it is drawn, not joined");
-      gxi_draw_apart(gxi_kicad_part_sign(*symbol, unit, placed.style), instance, sheet);
+      gxi_draw_apart(gxi_kicad_part_sign(*symbol, unit, placed.style, placed.alternates), instance,
+                     sheet);
       draw_fields(here, placed, reference, instance, sheet);
       return;
     }
-    auto sign = gxi_kicad_part_sign(*symbol, unit, placed.style);
+    auto sign = gxi_kicad_part_sign(*symbol, unit, placed.style, placed.alternates);
     instance.symbol = cell_of(std::move(sign), instance.source);
     const std::string drawn =
         reference + (symbol->number_of_units > 1 ? letters_of(unit) : std::string());

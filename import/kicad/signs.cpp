@@ -100,6 +100,20 @@ gxi_symbol_t drawn(const gxi_kicad_symbol_t& symbol, int unit, int style) {
   return sign;
 }
 
+using functions_t = std::map<std::string, std::string, std::less<>>;
+
+void choose_functions(gxi_kicad_symbol_t& symbol, const functions_t& functions) {
+  for (auto& unit : symbol.units)
+    for (auto& pin : unit.pins) {
+      const auto chosen = functions.find(pin.number);
+      if (chosen == functions.end()) continue;
+      const auto type = pin.alternates.find(chosen->second);
+      if (type == pin.alternates.end()) continue;
+      pin.name = type->first;
+      pin.type = type->second;
+    }
+}
+
 }  // namespace
 
 std::vector<const gxi_kicad_pin_t*> gxi_kicad_pins(const gxi_kicad_symbol_t& symbol, int unit,
@@ -120,7 +134,13 @@ std::vector<std::size_t> gxi_kicad_kept_pins(const std::vector<const gxi_kicad_p
   return kept;
 }
 
-gxi_symbol_t gxi_kicad_part_sign(const gxi_kicad_symbol_t& symbol, int unit, int style) {
+gxi_symbol_t gxi_kicad_part_sign(const gxi_kicad_symbol_t& symbol, int unit, int style,
+                                 const std::map<std::string, std::string, std::less<>>& functions) {
+  if (!functions.empty()) {
+    auto chosen = symbol;
+    choose_functions(chosen, functions);
+    return gxi_kicad_part_sign(chosen, unit, style);
+  }
   auto sign = drawn(symbol, unit, style);
   const auto pins = gxi_kicad_pins(symbol, unit, style);
   for (const auto i : gxi_kicad_kept_pins(pins)) {
@@ -128,7 +148,7 @@ gxi_symbol_t gxi_kicad_part_sign(const gxi_kicad_symbol_t& symbol, int unit, int
     gxi_pin_t made{.name = pin.number.empty() ? pin.name : pin.number,
                    .type = std::string(gxi_kicad_pin_type(pin.type)),
                    .at = gxi_kicad_in_symbol(pin.at)};
-    made.properties.push_back({"ELECTRICAL", pin.type, {}});
+    made.properties.push_back({std::string(gxi_electrical), pin.type, {}});
     if (!pin.name.empty())
       made.properties.push_back({"FUNCTION", gxi_kicad_readable(pin.name), {}});
     sign.pins.push_back(std::move(made));

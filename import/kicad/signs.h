@@ -15,9 +15,11 @@ std::vector<const gxi_kicad_pin_t*> gxi_kicad_pins(const gxi_kicad_symbol_t& sym
 // Which of them become pins here: of pins of one number at one place the first.
 std::vector<std::size_t> gxi_kicad_kept_pins(const std::vector<const gxi_kicad_pin_t*>& pins);
 
-// A part's symbol: its pins have their numbers as names. A power symbol, which only names a net,
-// has one pin, P.
-gxi_symbol_t gxi_kicad_part_sign(const gxi_kicad_symbol_t& symbol, int unit, int style);
+// A part's symbol: its pins have their numbers as names. `functions` are those that a part chose
+// for pins, by number. A power symbol, which only names a net, has one pin, P.
+gxi_symbol_t gxi_kicad_part_sign(
+    const gxi_kicad_symbol_t& symbol, int unit, int style,
+    const std::map<std::string, std::string, std::less<>>& functions = {});
 gxi_symbol_t gxi_kicad_power_sign(const gxi_kicad_symbol_t& symbol, int unit, int style);
 // What a symbol that is missing leaves: a box with its name.
 gxi_symbol_t gxi_kicad_missing_sign(const std::string& name);

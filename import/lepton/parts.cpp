@@ -116,7 +116,9 @@ gxi_lepton_placed_t gxi_lepton_place(gxi_lepton_library_t& library,
   placed.symbol = &library.symbol(component, page);
   take_pins(placed);
   number_pins(placed);
-  if (placed.value("graphical") == "1") return placed;
+  if (placed.value("device") == "DRC_Directive" && placed.value("value") == "NoConnection")
+    placed.role = gxi_lepton_role_t::noconn;
+  if (placed.role == gxi_lepton_role_t::noconn || placed.value("graphical") == "1") return placed;
   take_links(placed, messages);
   // Of several names the last counts; a name of the symbol is only a proposal.
   const auto names = gxi_lepton_values(component.attributes, "refdes");

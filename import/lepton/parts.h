@@ -13,6 +13,7 @@ enum class gxi_lepton_role_t : std::uint8_t {
   block,    // stands for a sheet
   port,     // brings a net of the sheet above in
   power,    // only names nets
+  noconn,   // marks pins that are meant to be joined to nothing
   picture,  // only drawn
 };
 

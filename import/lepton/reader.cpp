@@ -125,7 +125,8 @@ class lepton_reader {
       case gxi_lepton_role_t::port:
         return placed.pins.size() == 1;
       default:
-        return placed.role != gxi_lepton_role_t::picture;
+        return placed.role != gxi_lepton_role_t::picture &&
+               placed.role != gxi_lepton_role_t::noconn;
     }
   }
 
@@ -215,6 +216,9 @@ class lepton_reader {
     instance.mirror = placed.component->mirror;
     const std::string name = gxi_lepton_name(placed.name);
     gxi_lepton_dress(placed, instance, sheet);
+    if (placed.role == gxi_lepton_role_t::noconn)
+      for (const int net : nets.of_pin[i])
+        gx_at(nets.nets, net).properties.push_back({std::string(gxi_noconn), "1", {}});
     if (cell_index < 0) {
       if (instance.name_look) sheet.texts.push_back({name, *instance.name_look});
       gxi_draw_apart(gxi_lepton_sign(placed), instance, sheet);

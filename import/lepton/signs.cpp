@@ -48,10 +48,24 @@ void draw_pins(const gxi_lepton_placed_t& placed, gxi_symbol_t& sign) {
   }
 }
 
+// The words that all formats share; of `pwr`, which a supply and what it feeds both have, none.
+std::string_view electrical_type(std::string_view type) {
+  static constexpr std::pair<std::string_view, std::string_view> types[] = {
+      {"in", "input"},          {"out", "output"},      {"io", "bidirectional"},
+      {"oc", "open_collector"}, {"oe", "open_emitter"}, {"pas", "passive"},
+      {"tp", "output"},         {"tri", "tri_state"},   {"clk", "input"},
+  };
+  const auto* const found = std::find_if(std::begin(types), std::end(types),
+                                         [&](const auto& row) { return row.first == type; });
+  return found == std::end(types) ? std::string_view() : found->second;
+}
+
 gxi_pin_t pin_of(const gxi_lepton_pin_t& pin, std::string name) {
   gxi_pin_t made{.name = std::move(name),
                  .type = std::string(pin_type(gxi_lepton_value(pin.attributes, "pintype"))),
                  .at = gxi_lepton_point(pin.tip)};
+  if (const auto type = electrical_type(gxi_lepton_value(pin.attributes, "pintype")); !type.empty())
+    made.properties.push_back({std::string(gxi_electrical), std::string(type), {}});
   for (const auto& text : pin.attributes)
     if (const auto attribute = text.name();
         !attribute.empty() && !is_among(of_pin_itself, attribute))

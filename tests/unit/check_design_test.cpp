@@ -170,6 +170,88 @@ sheet top
   EXPECT_EQ(c.findings(), (lines_t{"no-driver /B", "pin-unused /B1/O", "single-pin /B"}));
 }
 
+// The findings of a net of two pins, by their electrical types: N no-driver, M many-drivers.
+constexpr std::string_view electrical_types[] = {
+    "input",       "output",   "bidirectional", "tri_state",      "passive",      "free",
+    "unspecified", "power_in", "power_out",     "open_collector", "open_emitter", "no_connect"};
+constexpr std::string_view of_pairs[] = {"N",         ".M",         "...",         "....",
+                                         ".....",     "N.....",     "N......",     "NNNNNNNN",
+                                         ".M.M....M", "NM.....NM.", "NM.....NM..", "N......N...."};
+
+TEST(CheckDesign, ElectricalTypesSayWhatDrivesWhat) {
+  std::string symbols, sheet = "sheet top\n";
+  for (const auto type : electrical_types) {
+    const bool in = type == "input" || type == "power_in";
+    const bool out =
+        type == "output" || type == "power_out" || type.starts_with("open") || type == "tri_state";
+    symbols += "symbol " + std::string(type) + "\n pin P 0,0 " +
+               (in    ? "IN"
+                : out ? "OUT"
+                      : "IXO") +
+               " ELECTRICAL=" + std::string(type) + "\n prop CLASS=U\n";
+  }
+  std::set<std::string> expected, found;
+  for (std::size_t a = 0; a < std::size(electrical_types); ++a)
+    for (std::size_t b = 0; b <= a; ++b) {
+      const auto pair = std::to_string(a) + "_" + std::to_string(b);
+      const auto x = std::to_string(4 + 8 * a), x2 = std::to_string(8 + 8 * a),
+                 y = std::to_string(4 + 4 * b);
+      const auto part = [&](const char* name, std::size_t type, const std::string& at) {
+        sheet += " part " + (name + pair) + " " + std::string(electrical_types[type]) + " " + at +
+                 "," + y + "\n";
+      };
+      part("A", a, x);
+      part("B", b, x2);
+      sheet += " net X" + pair + "\n  wire A" + pair + ".P B" + pair + ".P\n";
+      const char rule = of_pairs[a][b];
+      if (rule != '.') expected.insert((rule == 'N' ? "no-driver /X" : "many-drivers /X") + pair);
+    }
+  checked c(symbols + sheet);
+  for (const auto& line : c.findings())
+    if (line.find("-driver") != std::string::npos) found.insert(line);
+  EXPECT_EQ(found, expected);
+}
+
+TEST(CheckDesign, ASupplyWithoutSourceIsOneFinding) {
+  // VDD and GND are needed by several pins; a mark on a net of a lower sheet is the source of GND.
+  // A pin that may be open, or whose net a lower sheet marks as open, is no single pin.
+  checked c(R"(
+symbol chip
+ pin V 0,0 IN ELECTRICAL=power_in
+ pin G 0,4 IN ELECTRICAL=Power_In
+ pin N 0,8 IXO ELECTRICAL=no_connect
+ prop CLASS=U
+symbol low
+ pin A 0,0 IXO
+sheet low
+  port A in 2,2
+  part R1 res 8,2
+  global GND gnd 16,2
+  net A NOCONN=1
+    wire A R1.1
+  net G ELECTRICAL=power_out
+    wire R1.2 GND
+sheet top
+  part U1 chip 4,4
+  part U2 chip 14,4
+  part X1 low 24,4
+  global GND gnd 4,20
+  global VDD vdd 10,2
+  net GND
+    wire GND 2,20 2,8 U1.G
+    wire 2,20 12,20 12,8 U2.G
+  net VDD
+    wire VDD U1.V
+    wire VDD U2.V
+  net
+    wire U1.N 2,12
+  net OUT
+    wire X1.A 22,4
+)");
+  EXPECT_EQ(c.findings(), lines_t{"no-driver /VDD"});
+  EXPECT_EQ(kv_pext.findings[0].words, "nothing supplies it : 2 power inputs, the first \"/U1/V\"");
+}
+
 TEST(CheckDesign, APinOnASliceMeetsTheBitsOfItAlone) {
   // Of the bits 4 to 7 B1 drives 5; W1 reads 5 and 6, B2 reads 4; 7 has no pin. A port of both
   // directions drives, too.
