@@ -16,6 +16,8 @@ namespace {
 
 constexpr std::size_t texts_of_frame = 900;  // a check of the sheet takes 999
 constexpr std::int32_t margin = 4 * gxm_step;
+// Somewhat larger than the dots of the drawings: less is not seen in a view of the whole sheet.
+constexpr std::int32_t half_a_dot = gxm_step / 2;
 
 class sheet_builder {
  public:
@@ -33,6 +35,7 @@ class sheet_builder {
   }
 
   gxi_tree_t run() {
+    tree_.file->dot_width = half_a_dot;
     pins_of_net_.resize(sheet_.nets.size());
     for (const auto& instance : sheet_.instances) use_symbol(instance.symbol);
     for (const auto& instance : sheet_.instances) add_instance(instance);

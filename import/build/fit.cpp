@@ -13,6 +13,7 @@
 #include "gx/text/kept_text.h"
 #include "gx/text/spelling.h"
 #include "gx/text/strings.h"
+#include "import/drawing/fill.h"
 #include "import/drawing/names.h"
 #include "import/drawing/placement.h"
 
@@ -130,6 +131,7 @@ class fitter {
 
   void fit_symbol(std::size_t cell) {
     auto& symbol = design_.cells[cell].symbol;
+    gxi_fill_with_boxes(symbol.shapes);
     for (auto& text : symbol.texts) text.value = gx_kept_text(text.value);
     gxi_names_t properties;
     fit_properties(symbol.properties, symbol.source, properties);
@@ -148,6 +150,7 @@ class fitter {
   void fit_sheet(std::size_t cell) {
     here_ = cell;
     auto& sheet = *design_.cells[cell].sheet;
+    gxi_fill_with_boxes(sheet.shapes);
     for (auto& text : sheet.texts) text.value = gx_kept_text(text.value);
     place_undrawn_below(sheet);
     // Names of their own first, so that those come through unchanged.

@@ -176,8 +176,15 @@ void gxi_draw_apart(const gxi_symbol_t& symbol, const gxi_instance_t& instance,
 }
 
 void gxi_draw_missing(const std::string& name, gxi_symbol_t& symbol) {
-  symbol.shapes.push_back({.type = gx_type::rectangle_2d,
-                           .points = {{0, -4 * gxm_step}, {8 * gxm_step, 0}},
-                           .color = gxm_red});
-  symbol.texts.push_back({name, {.at = {1000, -gxm_step}, .color = gxm_red}});
+  constexpr std::int32_t height = 4 * gxm_step, least_width = 8 * gxm_step;
+  const gxi_look_t look{.up = gxi_align::middle, .color = gxm_red};
+  std::int32_t width = 0;
+  for (const auto& line : gxi_lines(name, look))
+    width = std::max(width, width_of(line.text.size(), look.height) + gxm_step);
+  width = std::max(least_width, (width / gxm_step + 1) * gxm_step);
+  symbol.shapes.push_back(
+      {.type = gx_type::rectangle_2d, .points = {{0, -height}, {width, 0}}, .color = gxm_red});
+  auto inside = look;
+  inside.at = {gxm_step / 2, -height / 2};
+  symbol.texts.push_back({name, inside});
 }

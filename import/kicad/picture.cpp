@@ -12,7 +12,7 @@
 namespace {
 
 constexpr double scale = static_cast<double>(gxm_step) / 12'700;
-constexpr double letter_height = 0.7;  // letters here are wider, and are kept at the width
+constexpr double letter_height = 0.75;  // letters here are wider, and are kept at the width
 constexpr int largest_text = 500'000, thin = 3'000, thick = 6'000;
 
 std::int32_t scaled(double length) {
@@ -104,7 +104,11 @@ gxi_look_t gxi_kicad_label_look(const gxi_kicad_label_t& label) {
   const bool flagged = label.kind != gxi_kicad_label::local;
   text.up = flagged ? gxi_align::middle : gxi_align::start;
   auto look = gxi_kicad_look(text, false, gxi_kicad_colors.label);
-  const std::int32_t away = flagged ? look.height : 0, above = flagged ? 0 : look.height / 4;
+  // The text of a global label is within its flag, that of a hierarchical one after it.
+  const std::int32_t away = label.kind == gxi_kicad_label::hierarchical ? look.height * 5 / 2
+                            : flagged                                   ? look.height
+                                                                        : 0;
+  const std::int32_t above = flagged ? 0 : look.height / 4;
   look.at = plus(look.at, gx_turn(gx_pointreal_t{back ? -away : away, -above}, text.rotate, false));
   return look;
 }

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "import/drawing/colors.h"
 #include "import/drawing/drawing.h"
 #include "import/kicad/records.h"
 
@@ -13,12 +14,6 @@
 gx_pointreal_t gxi_kicad_on_sheet(gxi_kicad_point_t p);
 gx_pointreal_t gxi_kicad_in_symbol(gxi_kicad_point_t p);
 std::int32_t gxi_kicad_length(int length);
-
-struct gxi_kicad_colors_t {
-  std::uint8_t body = gxm_yellow, pin = gxm_white, block = gxm_magenta, note = gxm_white,
-               label = gxm_white, bus = gxm_cyan, mark = gxm_cyan;
-};
-inline constexpr gxi_kicad_colors_t gxi_kicad_colors{};
 
 // Shapes that KiCad fills with the body's pale colour are drawn as outlines.
 std::vector<gxm_shape_t> gxi_kicad_drawn(const gxi_kicad_shape_t& shape, bool in_symbol,

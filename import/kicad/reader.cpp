@@ -7,6 +7,7 @@
 #include <set>
 #include <utility>
 
+#include "gx/db/geometry.h"
 #include "gx/text/at.h"
 #include "gx/text/spelling.h"
 #include "import/drawing/hierarchy.h"
@@ -14,6 +15,7 @@
 #include "import/drawing/names.h"
 #include "import/drawing/placement.h"
 #include "import/drawing/source_file.h"
+#include "import/kicad/frame.h"
 #include "import/kicad/nets.h"
 #include "import/kicad/picture.h"
 #include "import/kicad/signs.h"
@@ -329,10 +331,17 @@ class kicad_reader {
       draw_placed(here, joined, i, index, sheet);
     for (std::size_t i = 0; i < here.from.records.blocks.size(); ++i)
       draw_block(here, joined, i, index, sheet);
-    for (const auto& shape : here.from.records.shapes)
+    int beyond = 0;
+    for (const auto& shape : here.from.records.shapes) {
+      if (std::none_of(shape.points.begin(), shape.points.end(),
+                       [&](const auto& point) { return is_on_paper(here.from.records, point); })) {
+        ++beyond;
+        continue;
+      }
       for (auto& line : gxi_kicad_drawn(shape, false, gxi_kicad_colors.note))
         sheet.shapes.push_back(std::move(line));
-    int beyond = 0;
+    }
+    draw_frame(here.from, sheet);
     for (const auto& text : here.from.records.texts) {
       if (text.hidden) continue;
       if (is_on_paper(here.from.records, text.at))
@@ -342,9 +351,15 @@ class kicad_reader {
     }
     if (beyond > 0)
       warn(here.from, 1,
-           std::to_string(beyond) + (beyond == 1 ? " text" : " texts") +
+           std::to_string(beyond) + (beyond == 1 ? " text or line" : " texts and lines") +
                " beyond the paper, which nobody sees, left out");
     return sheet;
+  }
+
+  void draw_frame(const loaded_t& from, gxi_sheet_t& sheet) const {
+    auto title = from.records.title;
+    for (auto& [keyword, value] : title) value = text_of(from, value);
+    gxi_kicad_draw_frame(from.records.paper, title, from.path.filename().string(), sheet);
   }
 
   // Power symbols are no parts of a netlist: what they say of a supply is said of its net, that it
@@ -518,9 +533,25 @@ class kicad_reader {
       instance.nets.push_back(gx_at(joined.of_pin[i], pin));
     instance.properties.push_back({"CLASS", gxi_kicad_class(reference), {}});
     take_fields(here, placed, reference, instance, sheet);
+    if (!placed.populated) cross_out(instance, gx_at(design_.cells, instance.symbol).symbol, sheet);
     auto& named = gx_at(cells_, index);
     named.parts.push_back({&placed, take_name(index, drawn)});
     sheet.instances.push_back(std::move(instance));
+  }
+
+  // A part that is not populated.
+  static void cross_out(const gxi_instance_t& instance, const gxi_symbol_t& sign,
+                        gxi_sheet_t& sheet) {
+    gx_boundsreal_t box = gx_empty_bounds;
+    for (const auto& shape : sign.shapes)
+      for (const auto& point : shape.points) gx_include(box, gxi_on_sheet(instance, point));
+    if (gx_bounds_empty(box)) return;
+    for (const bool falls : {false, true})
+      sheet.shapes.push_back({.type = gx_type::line_2d,
+                              .points = {{box.xmin, falls ? box.ymin : box.ymax},
+                                         {box.xmax, falls ? box.ymax : box.ymin}},
+                              .color = gxi_kicad_colors.left_out,
+                              .width = 2});
   }
 
   // As the builder will call it.

@@ -189,6 +189,13 @@ gxi_kicad_block_sign_t gxi_kicad_block_sign(const gxi_kicad_block_t& block,
     label.text.rotate = (label.text.rotate + 2) % 4;
     auto look = gxi_kicad_label_look(label);
     look.color = gxi_kicad_colors.block;
+    // What goes in points inwards.
+    auto turned = label;
+    if (label.shape == "input") turned.shape = "output";
+    if (label.shape == "output") turned.shape = "input";
+    auto flag = gxi_kicad_flag(turned, 0);
+    flag.color = gxi_kicad_colors.block;
+    sign.shapes.push_back(std::move(flag));
     gxi_kicad_write(label.text.text, look, sign.texts, sign.shapes);
     auto& names = made.names.emplace_back();
     if (!seen.insert(pins[i]).second) continue;

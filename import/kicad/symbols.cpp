@@ -22,9 +22,9 @@ void take_stroke(const gxi_kicad_list_t& item, gxi_kicad_shape_t& shape) {
   const auto style = stroke.child("type").word(1);
   shape.dashed = style.starts_with("da") || style.starts_with("do");  // dash, dot, dash_dot ...
   const auto fill = item.child("fill").child("type").word(1);
-  shape.fill = fill == "outline" || fill == "color" ? gxi_kicad_fill::outline
-               : fill == "background"               ? gxi_kicad_fill::background
-                                                    : gxi_kicad_fill::none;
+  shape.fill = fill == "outline"                         ? gxi_kicad_fill::outline
+               : fill == "background" || fill == "color" ? gxi_kicad_fill::background
+                                                         : gxi_kicad_fill::none;
 }
 
 std::vector<gxi_kicad_point_t> points_of(const gxi_kicad_list_t& item) {

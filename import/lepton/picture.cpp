@@ -2,12 +2,12 @@
 #include "import/lepton/picture.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstdlib>
 
 #include "gx/db/geometry.h"
 #include "gx/text/at.h"
+#include "import/drawing/colors.h"
 #include "import/drawing/placement.h"
 #include "import/lepton/path.h"
 
@@ -23,12 +23,6 @@ constexpr double line_step = 21.0;
 constexpr double top_margin = 5.9;        // from the upper end of a text to its capitals
 constexpr std::size_t longest_text = 60;  // more is not drawn of a text
 constexpr int largest_text = 1000;
-
-// By index, as the program draws them on black.
-constexpr auto colors = std::to_array<std::uint8_t>(
-    {gxm_white, gxm_white, gxm_red,   gxm_green,   gxm_blue,   gxm_yellow, gxm_cyan,  gxm_white,
-     gxm_red,   gxm_green, gxm_green, gxm_yellow,  gxm_yellow, gxm_cyan,   gxm_white, gxm_white,
-     gxm_white, gxm_cyan,  gxm_red,   gxm_magenta, gxm_white,  gxm_yellow, gxm_white, gxm_white});
 
 std::int32_t length(double v) { return static_cast<std::int32_t>(std::lround(v * scale)); }
 
@@ -77,8 +71,9 @@ barred_t barred(std::string_view line) {
 gx_pointreal_t gxi_lepton_point(gxi_lepton_point_t p) { return {p.x * scale, -p.y * scale}; }
 
 std::uint8_t gxi_lepton_color(int index) {
-  return index >= 0 && index < static_cast<int>(colors.size()) ? gx_at(colors, index)
-                                                               : std::uint8_t{gxm_white};
+  return index >= 0 && index < static_cast<int>(gxi_lepton_colors.size())
+             ? gx_at(gxi_lepton_colors, index)
+             : std::uint8_t{gxm_white};
 }
 
 std::vector<gxm_shape_t> gxi_lepton_shapes(const gxi_lepton_shape_t& shape) {
@@ -102,6 +97,7 @@ std::vector<gxm_shape_t> gxi_lepton_shapes(const gxi_lepton_shape_t& shape) {
     case 'H': {
       std::vector<gxm_shape_t> lines;
       drawn.type = gx_type::polyline_2d;
+      drawn.filled = shape.filled;
       for (const auto& line : gxi_lepton_lines(shape.path)) {
         drawn.points.clear();
         for (const auto& point : line) drawn.points.push_back(gxi_lepton_point(point));

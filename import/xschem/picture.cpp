@@ -6,21 +6,18 @@
 #include <cmath>
 
 #include "gx/text/at.h"
+#include "import/drawing/colors.h"
 
 namespace {
 
 constexpr double scale = gxm_step / 10.0;
 constexpr double line_height = 49;    // of a text of size 1, its units
 constexpr double line_step = 59;      // measured in its window
-constexpr double letter_height = 22;  // letters here are as wide as those there on the average
+constexpr double letter_height = 25;  // letters here are as wide as those there on the average,
+constexpr double tallest = 40;        // unless they would be taller than their line
 constexpr double smallest = 0.02, largest = 20;  // sizes of texts that are taken as they are
 constexpr double pi = 3.14159265358979323846;
 
-// By layer, as the program draws them on black.
-constexpr auto colors = std::to_array<std::uint8_t>(
-    {gxm_white,  gxm_cyan,  gxm_white,   gxm_white,  gxm_green, gxm_red,    gxm_cyan,  gxm_red,
-     gxm_yellow, gxm_white, gxm_magenta, gxm_green,  gxm_blue,  gxm_yellow, gxm_white, gxm_red,
-     gxm_green,  gxm_cyan,  gxm_magenta, gxm_yellow, gxm_red,   gxm_yellow});
 constexpr int text_layer = 3;
 
 std::int32_t length(double v) { return static_cast<std::int32_t>(std::lround(v * scale)); }
@@ -31,13 +28,20 @@ gx_pointreal_t on_circle(const gxi_xschem_shape_t& arc, double degrees) {
                            arc.points[0].y - arc.radius * std::sin(angle)});
 }
 
+// Of polygons and circles; boxes are filled there with a pattern of their layer, unless `full`.
+bool is_filled(const gxi_xschem_attributes_t& attributes) {
+  const auto fill = attributes.get("fill");
+  return fill == "true" || fill == "full";
+}
+
 }  // namespace
 
 gx_pointreal_t gxi_xschem_point(gxi_xschem_point_t p) { return {length(p.x), length(p.y)}; }
 
 std::uint8_t gxi_xschem_color(int layer) {
-  return layer >= 0 && layer < static_cast<int>(colors.size()) ? gx_at(colors, layer)
-                                                               : std::uint8_t{gxm_white};
+  return layer >= 0 && layer < static_cast<int>(gxi_xschem_colors.size())
+             ? gx_at(gxi_xschem_colors, layer)
+             : std::uint8_t{gxm_white};
 }
 
 bool gxi_xschem_shape(const gxi_xschem_shape_t& shape, gxm_shape_t& drawn) {
@@ -57,6 +61,7 @@ bool gxi_xschem_shape(const gxi_xschem_shape_t& shape, gxm_shape_t& drawn) {
       return shape.layer != gxi_xschem_pin_layer || attributes.find("name") == nullptr;
     case 'P':
       drawn.type = gx_type::polyline_2d;
+      drawn.filled = is_filled(attributes);
       return drawn.points.size() > 1;
     case 'A':
       break;
@@ -66,7 +71,7 @@ bool gxi_xschem_shape(const gxi_xschem_shape_t& shape, gxm_shape_t& drawn) {
   if (std::fabs(shape.sweep) >= 360) {
     drawn.type = gx_type::circle_2d;
     drawn.radius = std::abs(length(shape.radius));
-    drawn.filled = attributes.get("fill") == "full";
+    drawn.filled = is_filled(attributes);
   } else {
     drawn.type = gx_type::arc3p_2d;
     drawn.points = {on_circle(shape, shape.start), on_circle(shape, shape.start + shape.sweep / 2),
@@ -79,7 +84,9 @@ gxi_look_t gxi_xschem_look(const gxi_xschem_text_t& text) {
   const gxi_xschem_attributes_t attributes(text.attributes);
   const double size = std::clamp(std::fabs(text.height), smallest, largest);
   gxi_look_t look;
-  look.height = std::max(length(size * letter_height), 1);
+  const double letters = std::min(
+      std::clamp(std::fabs(text.width), smallest, largest) * letter_height, size * tallest);
+  look.height = std::max(length(letters), 1);
   look.line_step = length(size * line_step);
   look.rotate = static_cast<std::uint8_t>((4 - text.rotate) % 4);
   look.across = attributes.is_set("hcenter") ? gxi_align::middle
@@ -87,7 +94,7 @@ gxi_look_t gxi_xschem_look(const gxi_xschem_text_t& text) {
                                              : gxi_align::start;
   // The place is the upper corner of the line, whose letters stand in its middle.
   look.up = gxi_align::end;
-  double down = size * (line_height - letter_height) / 2;
+  double down = (size * line_height - letters) / 2;
   if (attributes.is_set("vcenter")) {
     look.up = gxi_align::middle;
     down = 0;
