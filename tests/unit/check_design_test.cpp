@@ -548,9 +548,10 @@ TEST(CheckDesign, WaivedFindingsAreCountedApart) {
                                            "single-pin /N \"gone\" 2026-01-02\n");
   c.s.run("rule pin-open warning");
   const auto lines = c.s.run("check design");
-  EXPECT_EQ(lines[1], "# !! Warning : waivers:3 : matches no finding : single-pin /N");
-  EXPECT_EQ(lines[2], "# 1 Warning pin-open /B1/I : the pin is on no net");
-  EXPECT_TRUE(lines[3].starts_with("# 2 Waived pin-open /B2/I"));
+  EXPECT_EQ(lines[1], "# !! Warning : waivers:3 : matches no finding :");
+  EXPECT_EQ(lines[2], "#    single-pin /N");
+  EXPECT_EQ(lines[3], "# 1 Warning pin-open /B1/I : the pin is on no net");
+  EXPECT_TRUE(lines[4].starts_with("# 2 Waived pin-open /B2/I"));
   EXPECT_EQ(lines_t(lines.end() - 4, lines.end() - 1),
             (lines_t{"# CHEck  DESign > nb_error    = 0 ", "# CHEck  DESign > nb_warning  = 1 ",
                      "# CHEck  DESign > nb_waived   = 3 "}));
