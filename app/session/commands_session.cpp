@@ -6,8 +6,10 @@
 #include "app/language/command_row.h"
 #include "app/language/substitution.h"
 #include "app/session/event_loop.h"
+#include "app/session/gestures.h"
 #include "app/session/menu_actions.h"
 #include "app/session/recall.h"
+#include "app/session/tab_key.h"
 #include "app/sheet/views.h"
 #include "app/state.h"
 #include "gx/db/object_access.h"
@@ -78,6 +80,16 @@ void kv_paste_cmd(const kv_command_t&) { gx_ask_for_text(true); }
 void kv_paste_or_menu_cmd(const kv_command_t&) {
   if (gx_vext.viewport_id == gx_vext.viewport_cmd) return gx_ask_for_text(false);
   gx_draw_menu1(gx_vext.viewport_edit, kv_menu_position);
+}
+
+void kv_end_cmd(const kv_command_t&) { kv_end_gestures(); }
+void kv_complete_cmd(const kv_command_t&) { kv_complete_typed(); }
+
+// The mouse runs the command when it drags (app/session/gestures.h); who types it runs it at once.
+void kv_drag_cmd(const kv_command_t& command) {
+  std::string text;
+  for (const auto& word : command.words.subspan(1)) text.append(gx_view(word)).append(" ");
+  kv_process_command(gx_string(text), command.args, command.vars);
 }
 
 // Nothing is told: the keys that run them would fill the list.
@@ -187,6 +199,9 @@ constexpr kv_command_row_t session_rows[] = {
     {{"$CUT"}, "$CUT", kv_cut_before_cmd},
     {{"$PASTE"}, "$PASTE", kv_paste_cmd},
     {{"$PDM1"}, "$PDM1", kv_paste_or_menu_cmd},
+    {{"$TAB"}, "$TAB", kv_complete_cmd},
+    {{"$END"}, "$END", kv_end_cmd},
+    {{"$DRAG"}, "$DRAG command ...", kv_drag_cmd, "# $DRAG "},
     {{"COM"}, "COMmand text", kv_command_cmd, "# COMmand "},
     {{"DISP", "THE"}, "DISPlay THEme CLAssic or DARk or LIGht", kv_display_theme_cmd, "# DISplay THEme ", 3},
     {{"DISP"}, "DISPlay ON or OFF", kv_display_cmd, "# DISplay "},

@@ -108,5 +108,6 @@ void kv_set_default_bindings() {
   }
   v.action_but.fill(blank);
   v.action_ck.fill({});
+  v.action_other.fill({});
   for (const binding_t& binding : bindings) gx_set_key_action(binding.key, binding.command);
 }

@@ -12,10 +12,12 @@
 #include "app/language/completion.h"
 #include "app/language/do_file.h"
 #include "app/language/shell_escape.h"
+#include "app/session/buttons.h"
 #include "app/session/gestures.h"
 #include "app/session/menu_actions.h"
 #include "app/session/recall.h"
 #include "app/sheet/last_views.h"
+#include "app/sheet/pan.h"
 #include "app/sheet/views.h"
 #include "app/values/waves.h"
 #include "gx/display/cmd_viewport.h"
@@ -48,9 +50,8 @@ constexpr std::int32_t max_typed_length = 193;
 struct loop_t {
   kv_array_param_t& args;
   kv_array_param_t& vars;
+  bool first;
   bool leave = false;
-  kv_gestures_t gestures = {};
-  std::string place = {};  // that the line under a pressed button 1 names, as a command
 };
 
 // While it lives the menus and the rubber rectangle are off the screen: a command draws below them.
@@ -74,6 +75,10 @@ void run_binding(loop_t& loop, const gx_string_record_t& action) {
   if (gx_is_blank(gx_view(action))) return;
   gx_viewport_select(gx_vext.viewport_id);
   run_command(loop, action);
+}
+
+const gx_string_record_t& other_binding(gx_other_key key) {
+  return gx_at(gx_vext.action_other, static_cast<int>(key));
 }
 
 void run_and_leave(loop_t& loop, std::string_view command) {
@@ -162,6 +167,8 @@ void on_control_key(loop_t& loop, std::uint32_t keysym) {
     gx_set_command_line(line, 0);
   } else if (letter == 'k') {
     gx_cut_line(gx_cut::behind);
+  } else if (letter == 'f') {
+    run_binding(loop, other_binding(gx_other_key::control_f));
   } else if (letter >= 'n' && letter <= 'z') {
     run_binding(loop, gx_vext.action_ck[letter - 'n']);
   } else if (letter == 'c') {
@@ -172,6 +179,14 @@ void on_control_key(loop_t& loop, std::uint32_t keysym) {
     const gx_string_record_t present = gx_vext.str_cmd;
     kv_expand_cmd(present);
   }
+}
+
+// By itself it empties the command line. One that is bound ends the question of a READln, too.
+void on_escape(loop_t& loop) {
+  const gx_string_record_t& bound = other_binding(gx_other_key::escape);
+  if (gx_is_blank(gx_view(bound))) return gx_set_command_line("");
+  run_binding(loop, bound);
+  if (!loop.first) loop.leave = true;
 }
 
 void on_plain_key(loop_t& loop, std::uint32_t keysym) {
@@ -196,8 +211,11 @@ void on_plain_key(loop_t& loop, std::uint32_t keysym) {
     case insert_char_key:
       gx_again_action(gx_vext.viewport_id, gx_vext.pixel_pos);
       break;
+    case XK_Tab:
+      run_binding(loop, other_binding(gx_other_key::tab));
+      break;
     case XK_Escape:
-      gx_set_command_line("");
+      on_escape(loop);
       break;
     default:
       break;
@@ -207,6 +225,7 @@ void on_plain_key(loop_t& loop, std::uint32_t keysym) {
 void on_key_press(loop_t& loop, const gx_event_t& event) {
   auto& v = gx_vext;
   const std::uint32_t keysym = event.code;
+  kv_pext.hands.turns_wheel = false;
   if (is_function_key(keysym)) {
     run_key<12>(loop, {&v.action_f, &v.action_fs, &v.action_fc, &v.action_fa}, keysym - XK_F1,
                 event);
@@ -231,20 +250,8 @@ void on_key_release(loop_t& loop, const gx_event_t& event) {
               event.code - XK_F1, event);
 }
 
-// A click on a line of the list goes to what the line names, and the list stays where it is. What
-// the button does besides, it does as ever.
 void on_button(loop_t& loop, const gx_event_t& event) {
-  if (event.kind == gx_event_kind::button1_down) loop.place = kv_place_at(event.pixel);
-  if (!loop.place.empty()) gx_list_stay();
-  const auto first = static_cast<std::size_t>(gx_event_kind::button1_down);
-  if (!kv_clicks_list(event))
-    run_binding(loop, gx_vext.action_but[static_cast<std::size_t>(event.kind) - first]);
-  if (event.kind == gx_event_kind::button1_up)
-    kv_click(event, [&](std::string_view command) { run_command(loop, gx_string(command)); });
-  if (event.kind != gx_event_kind::button1_up || loop.place.empty()) return;
-  if (event.clicks == 1) run_command(loop, gx_string(loop.place));
-  loop.place.clear();
-  gx_list_leave();
+  kv_button(event, [&](std::string_view command) { run_binding(loop, gx_string(command)); });
 }
 
 // --- the pointer
@@ -270,22 +277,24 @@ void turn_wheel(gx_vpid_t vpid, const gx_event_t& event) {
   const bool away = event.wheel > 0;
   if (vpid == gx_vext.viewport_list) gx_upd_display_list(away, wheel_lines);
   const bool is_edit = vpid == gx_vext.viewport_edit;
-  if ((!is_edit && vpid != gx_vext.viewport_context) || !gx_vext.display_on) return;
-  const gx_file_index_t file_index = gx_viewport_rec(vpid).file_index;
-  if (is_edit) kv_remember_view();
-  if (file_index < 1 || !gx_viewport_zoom_at(vpid, event.pixel, away ? 4 : 5, away ? 5 : 4)) {
-    return;
-  }
-  gx_rectangle_erase();
-  gx_set_grid_visibility(file_index, vpid);
-  if (is_edit) {
-    kv_update_viewport_edit();
-  } else {
-    kv_update_viewport_context();
-  }
+  if (!is_edit && vpid != gx_vext.viewport_context) return;
+  if (is_edit && gx_vext.display_on) kv_remember_view();
+  kv_zoom_at(vpid, event.pixel, away ? 4 : 5, away ? 5 : 4);
 }
 
-void on_pointer_moved(loop_t&, const gx_event_t& event) {
+// The binding of a turn over a picture; null when the wheel does there what it does by itself.
+const gx_string_record_t* wheel_binding(gx_vpid_t vpid, const gx_event_t& event) {
+  if (vpid != gx_vext.viewport_edit && vpid != gx_vext.viewport_context) return nullptr;
+  const bool shifted = (event.modifiers & kv_shift_held) != 0;
+  const auto key = event.wheel > 0
+                       ? (shifted ? gx_other_key::shift_wheel_up : gx_other_key::wheel_up)
+                       : (shifted ? gx_other_key::shift_wheel_down : gx_other_key::wheel_down);
+  const gx_string_record_t& action = other_binding(key);
+  return gx_is_blank(gx_view(action)) ? nullptr : &action;
+}
+
+void on_pointer_moved(loop_t& loop, const gx_event_t& event) {
+  kv_follow_drag(event, [&](std::string_view command) { run_binding(loop, gx_string(command)); });
   const gx_vpid_t vpid = gx_vext.viewport_id;
   if (vpid != kv_pext.prev_viewport_id) enter_viewport(vpid);
   gx_follow_caret();
@@ -294,7 +303,11 @@ void on_pointer_moved(loop_t&, const gx_event_t& event) {
     kv_pext.last_pixel_pos = gx_vext.pixel_pos;
     if (kv_pext.mark_rect_done) gx_rectangle_action();
   }
-  if (event.wheel != 0 && !gx_vext.menu_drawn) turn_wheel(vpid, event);
+  if (event.wheel == 0 || gx_vext.menu_drawn) return;
+  const gx_string_record_t* const bound = wheel_binding(vpid, event);
+  if (bound == nullptr) return turn_wheel(vpid, event);
+  run_binding(loop, *bound);
+  kv_pext.hands.turns_wheel = true;
 }
 
 // The pointer is put onto its place, once: where it stands already it is left alone.
@@ -391,12 +404,13 @@ void kv_draw_window(bool resized) {
 
 void kv_process_events(bool first, kv_array_param_t& args, kv_array_param_t& vars) {
   gx_debug_line(" KV_PROCESS_EVENTS  : START ");
-  loop_t loop{args, vars};
+  loop_t loop{args, vars, first};
   int lost_events = 0;
+  kv_pext.hands = {};
   if (!first) gx_redraw_menus(gx_vext.viewport_edit);
   while (!loop.leave) {
     const gx_event_t event = gx_input_event_wait();
-    if (kv_pan(loop.gestures, event)) continue;
+    if (kv_pan(event)) continue;
     const auto run = [&](std::string_view command) { run_command(loop, gx_string(command)); };
     if (kv_wave_gesture(event, run)) continue;
     const bool is_lost = gx_vext.viewport_id < 1 || gx_vext.viewport_id > gx_max_viewports;

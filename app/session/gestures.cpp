@@ -2,13 +2,15 @@
 
 #include <string>
 
+#include "app/session/menu_actions.h"
 #include "app/sheet/command_viewport.h"
 #include "app/sheet/last_views.h"
+#include "app/sheet/pan.h"
 #include "app/sheet/pick.h"
 #include "app/sheet/select_area.h"
-#include "app/sheet/views.h"
+#include "app/values/waves_state.h"
 #include "gx/db/object_access.h"
-#include "gx/display/grid.h"
+#include "gx/display/line_edit.h"
 #include "gx/display/list_viewport.h"
 #include "gx/display/rubber_rectangle.h"
 #include "gx/display/viewport_coords.h"
@@ -19,15 +21,17 @@
 #include "results/names.h"
 
 namespace {
-constexpr std::uint32_t shift = 1;
 constexpr int net_room = 2;  // pixels from a wire that is meant
 
+std::string_view trimmed(std::string_view text) {
+  const auto first = text.find_first_not_of(' ');
+  if (first == text.npos) return {};
+  return text.substr(first, text.find_last_not_of(' ') + 1 - first);
+}
+
 bool drag_zooms() {
-  std::string_view bound = gx_view(gx_vext.action_but[1]);
-  const auto first = bound.find_first_not_of(' ');
-  if (first == bound.npos) return false;
-  bound = bound.substr(first, bound.find_last_not_of(' ') + 1 - first);
-  return gx_iden(bound, "VIEW AREA");
+  const std::string_view bound = trimmed(gx_view(gx_vext.action_but[1]));
+  return gx_iden(kv_drag_command(bound).value_or(bound), "VIEW AREA");
 }
 
 // The sheet under the pixel, and the point there.
@@ -67,36 +71,37 @@ void find_name(std::string_view word, const std::function<void(std::string_view)
   const std::string path = name.meaning == rs_meaning::other ? std::string(word) : name.path;
   if (!path.empty()) run("FIND PATH " + path + " ");
 }
-
-void pan_by(gx_vpid_t vpid, int dx, int dy) {
-  const auto& vp = gx_viewport_rec(vpid);
-  if (vp.file_index < 1 || !gx_vext.display_on) return;
-  gx_rectangle_erase();
-  gx_viewport_pan(vpid, dx, dy);
-  gx_set_grid_visibility(vp.file_index, vpid);
-  if (vpid == gx_vext.viewport_edit)
-    kv_update_viewport_edit();
-  else
-    kv_update_viewport_context();
-}
 }  // namespace
 
-bool kv_pan(kv_gestures_t& gestures, const gx_event_t& event) {
-  if (gestures.panned == 0) {
+std::optional<std::string_view> kv_drag_command(std::string_view binding) {
+  constexpr std::string_view head = "$DRAG ";
+  binding = trimmed(binding);
+  if (!gx_equal(head, binding)) return std::nullopt;
+  return trimmed(binding.substr(head.size()));
+}
+
+void kv_begin_pan(gx_vpid_t vpid, gx_point16_t pixel) {
+  if (vpid == gx_vext.viewport_edit) kv_remember_view();
+  kv_pext.hands.panned = vpid;
+  kv_pext.hands.from = pixel;
+}
+
+bool kv_pan(const gx_event_t& event) {
+  auto& hands = kv_pext.hands;
+  if (hands.panned == 0) {
     const gx_vpid_t vpid = gx_vext.viewport_id;
-    if (event.kind != gx_event_kind::button2_down || (event.modifiers & shift) == 0 ||
+    if (event.kind != gx_event_kind::button2_down || (event.modifiers & kv_shift_held) == 0 ||
         !gx_is_picture_viewport(vpid) || !gx_viewport_ok(vpid) || gx_vext.menu_drawn)
       return false;
-    if (vpid == gx_vext.viewport_edit) kv_remember_view();
-    gestures = {vpid, event.pixel};
+    kv_begin_pan(vpid, event.pixel);
     return true;
   }
   const bool ends = event.kind == gx_event_kind::button2_up;
   if (!ends && event.kind != gx_event_kind::pointer_moved) return false;
-  if (event.pixel != gestures.from)
-    pan_by(gestures.panned, event.pixel.x - gestures.from.x, event.pixel.y - gestures.from.y);
-  gestures.from = event.pixel;
-  if (ends) gestures.panned = 0;
+  if (event.pixel != hands.from)
+    kv_pan_by(hands.panned, event.pixel.x - hands.from.x, event.pixel.y - hands.from.y);
+  hands.from = event.pixel;
+  if (ends) hands = {};
   return true;
 }
 
@@ -115,7 +120,7 @@ void kv_click(const gx_event_t& event, const std::function<void(std::string_view
   gx_pointreal_t point;
   const auto view = view_at(event.pressed, point);
   if (!view) return;
-  const bool shifted = (event.modifiers & shift) != 0;
+  const bool shifted = (event.modifiers & kv_shift_held) != 0;
   const bool walks = event.clicks == 2 && view->vpid == gx_vext.viewport_edit;
   if (walks && shifted) return run("VIEW UP ");
   if (walks) {
@@ -129,6 +134,16 @@ void kv_click(const gx_event_t& event, const std::function<void(std::string_view
     select(*view, "N_", net, shifted, run);
   else if (const int inst = kv_pick_instance(view->file(), point))
     select(*view, "I_", inst, shifted, run);
+}
+
+void kv_end_gestures() {
+  kv_pext.hands = {};
+  gx_vext.pointer_stays = false;
+  gx_rectangle_erase();
+  kv_pext.mark_rect_done = false;
+  if (kv_pext.waves) kv_pext.waves->is_dragged = false;
+  if (gx_vext.menu_drawn) kv_close_menu();
+  gx_set_command_line("");
 }
 
 std::string kv_place_of_line(std::string_view line) {

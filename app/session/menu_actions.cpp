@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "app/language/interpreter.h"
+#include "app/state.h"
 #include "gx/display/menu_draw.h"
 #include "gx/display/menu_state.h"
 #include "gx/display/menu_tree.h"
@@ -59,11 +60,28 @@ void kv_locator_in_boxmen() {
   if (!record.cmd_on && record.str.len > 0) gx_draw_menu(gx_vext.viewport_edit, level + 1);
 }
 
+void kv_show_menu_to_click() {
+  gx_draw_menu1(gx_vext.viewport_edit, kv_menu_position);
+  kv_pext.hands.menu_waits = gx_vext.menu_drawn;
+}
+
+bool kv_open_chosen_menu() {
+  const gx_menu_rec_t record = chosen_record();
+  if (record.str.len < 1 || record.cmd_on) return false;
+  kv_locator_in_boxmen();
+  return true;
+}
+
+void kv_close_menu() {
+  gx_close_menus(gx_vext.viewport_edit);
+  clear_lines_from(1);
+  kv_pext.hands.menu_waits = false;
+}
+
 void kv_execute_item_menu() {
   if (!gx_vext.menu_drawn) return;
   const gx_menu_rec_t record = chosen_record();
-  gx_close_menus(gx_vext.viewport_edit);
-  clear_lines_from(1);
+  kv_close_menu();
   if (!record.cmd_on || record.str.len < 1 || record.cmd.len < 1) return;
   kv_array_param_t args, vars;
   kv_process_command(record.cmd, args, vars);

@@ -10,5 +10,9 @@ void kv_locator_in_menu();    // on a line: it is highlighted
 void kv_locator_out_menu();   // outside: the deepest level closes
 void kv_locator_in_boxmen();  // in the opening zone: the line's own menu opens
 
+void kv_show_menu_to_click();  // it stays without a button: the next click takes a line
+bool kv_open_chosen_menu();    // the chosen line's own menu opens, if it has one
+void kv_close_menu();          // and nothing is run
+
 // Closes the menu and runs the command of the chosen line, if it has one.
 void kv_execute_item_menu();

@@ -17,7 +17,20 @@ struct kv_recall_state_t {
   std::string draft;               // what stood on the command line before
 };
 
+// What the mouse is in the middle of (app/session/gestures.h).
+struct kv_hands_t {
+  gx_vpid_t panned = 0;      // viewport; 0: none
+  gx_point16_t from;         // of a pan: the pointer of the last event
+  int button = 0;            // 1..3: held, and its commands are those of a drag; 0: none
+  gx_point16_t pressed;      // where it went down
+  bool is_drag = false;      // the pointer has moved since
+  std::string place;         // that the line under a pressed button 1 names, as a command
+  bool menu_waits = false;   // the menu came by a click: the next one takes a line
+  bool turns_wheel = false;  // the last event was a turn of the wheel that moved the picture
+};
+
 struct kv_session_state_t : kv_recall_state_t {
+  kv_hands_t hands;
   gx_vpid_t prev_viewport_id = 0;  // viewport of the previous input event
   gx_point16_t last_pixel_pos;     // of the pointer, when it last moved
   std::int32_t line_position = 0;  // how far back in the list a line was recalled, at most 0

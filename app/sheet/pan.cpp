@@ -10,11 +10,14 @@
 #include "gx/db/geometry.h"
 #include "gx/display/cmd_viewport.h"
 #include "gx/display/cursor.h"
+#include "gx/display/grid.h"
 #include "gx/display/list_viewport.h"
+#include "gx/display/rubber_rectangle.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
 #include "gx/text/at.h"
 #include "gx/text/message_list.h"
+#include "gx/text/numbers.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
 
@@ -47,16 +50,32 @@ std::int32_t moved(std::int32_t from, int sign, std::int32_t amount) {
   return gx_saturated(from + std::int64_t{sign} * amount);
 }
 
+void update(gx_vpid_t vpid) {
+  if (vpid == edit)
+    kv_update_viewport_edit();
+  else
+    kv_update_viewport_context();
+}
+
 void pan(const kv_move_t& move) {
   auto& v = gx_vext;
   if (!is_picture(v.viewport_id) || !gx_viewport_ok(v.viewport_id)) return;
   if (v.viewport_id == edit) kv_remember_view();
   v.obj_pos = {moved(v.obj_pos.x, move.dx, move.amount), moved(v.obj_pos.y, move.dy, move.amount)};
   gx_viewport_translate(v.viewport_id, move.dy, move.dx, move.amount);
-  if (v.viewport_id == edit)
-    kv_update_viewport_edit();
-  else
-    kv_update_viewport_context();
+  update(v.viewport_id);
+}
+
+// What a wheel or a drag changes: there is a picture, and somebody sees it.
+bool is_shown(gx_vpid_t vpid) {
+  return is_picture(vpid) && gx_viewport_ok(vpid) && gx_vext.display_on &&
+         gx_viewport_rec(vpid).file_index > 0;
+}
+
+void show_moved(gx_vpid_t vpid) {
+  gx_rectangle_erase();
+  gx_set_grid_visibility(gx_viewport_rec(vpid).file_index, vpid);
+  update(vpid);
 }
 
 // Scrolls a text sideways: to the left shows what lies behind its end.
@@ -125,6 +144,16 @@ const kv_move_t* kv_find_move(std::string_view word) {
   return nullptr;
 }
 
+void kv_zoom_at(gx_vpid_t vpid, gx_point16_t pixel, int num, int den) {
+  if (is_shown(vpid) && gx_viewport_zoom_at(vpid, pixel, num, den)) show_moved(vpid);
+}
+
+void kv_pan_by(gx_vpid_t vpid, int dx, int dy) {
+  if (!is_shown(vpid)) return;
+  gx_viewport_pan(vpid, dx, dy);
+  show_moved(vpid);
+}
+
 void kv_make_move(const kv_move_t& move) {
   if (!move.is_cursor) {
     pan(move);
@@ -148,7 +177,37 @@ kv_outcome_t kv_move(const kv_command_t& command) {
   return {};
 }
 
+// The number of a word within the limits; nothing when it is none.
+std::optional<int> number_of(std::string_view word, int least, int most) {
+  const auto number = gx_whole_number<int>(word);
+  return number && *number >= least && *number <= most ? number : std::nullopt;
+}
+
+// Turns of the wheel that follow one another are one view for VIEw LASt.
+void remember_before_turn() {
+  if (gx_vext.viewport_id == edit && !kv_pext.hands.turns_wheel) kv_remember_view();
+}
+
+void kv_zoom_cmd(const kv_command_t& command) {
+  constexpr int most = 100;
+  const auto num = number_of(command.word(2), 1, most), den = number_of(command.word(3), 1, most);
+  if (!num || !den) return kv_refuse("# $ZOOM ", command, kv_bad_second);
+  remember_before_turn();
+  kv_zoom_at(gx_vext.viewport_id, gx_vext.pixel_pos, *den, *num);
+}
+
+void kv_slide_cmd(const kv_command_t& command) {
+  const auto percent = number_of(command.word(2), -100, 100);
+  if (!percent) return kv_refuse("# $SLIDE ", command, kv_bad_second);
+  if (!is_shown(gx_vext.viewport_id)) return;
+  remember_before_turn();
+  const gx_bounds16_t& box = gx_viewport_rec(gx_vext.viewport_id).pixel_bounds;
+  kv_pan_by(gx_vext.viewport_id, -(box.xmax - box.xmin) * *percent / 100, 0);
+}
+
 constexpr kv_command_row_t move_rows[] = {
+    {{"$ZOOM"}, "$ZOOM n d", kv_zoom_cmd, "# $ZOOM "},
+    {{"$SLIDE"}, "$SLIDE percent", kv_slide_cmd, "# $SLIDE "},
     {.keywords = {"$C"},
      .syntax = "$CU1, $CD1, $CL1, $CR1 and with 4",
      .exact = 4,

@@ -22,10 +22,14 @@
 #include "gx/window/window.h"
 
 namespace {
+// Control+A, and Escape where it ends what is half done.
 bool has_typed_stop() {
   constexpr int key_press = 0;
-  constexpr std::uint32_t keysym_a = 97, control = 4;
-  return gx_find_event(key_press, keysym_a, control);
+  constexpr std::uint32_t keysym_a = 97, keysym_escape = 0xFF1B, control = 4;
+  if (gx_find_event(key_press, keysym_a, control)) return true;
+  constexpr auto escape = static_cast<std::size_t>(gx_other_key::escape);
+  return !gx_is_blank(gx_view(gx_vext.action_other[escape])) &&
+         gx_find_event(key_press, keysym_escape, 0);
 }
 
 // In the place of the command line.

@@ -71,6 +71,6 @@ void gx_cursor_set_position(gx_point16_t pixel) {
 
 void gx_cursor_set_position(gx_point16_t pixel, gx_point16_t from) {
   check_ready();
-  if (gx_vext.screen != nullptr)
+  if (gx_vext.screen != nullptr && !gx_vext.pointer_stays)
     gx_vext.screen->put_pointer_near(place_for(pixel), from, pointer_margin);
 }

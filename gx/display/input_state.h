@@ -26,6 +26,7 @@ struct gx_input_state_t {
   gx_point16_t moved_to;           // where it was last, as the server told
   gx_point16_t pointer_put;        // where it was put last by the program
   bool was_put = false;            // since button 1 went down
+  bool pointer_stays = false;      // it is dragged: what would put it near where it is does not
   gx_vpid_t last_viewport_id = 0;  // the last viewport that the pointer was in, and where
   gx_point16_t last_viewport_pixel;
   gx_click_state_t click;

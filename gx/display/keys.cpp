@@ -25,6 +25,8 @@ constexpr std::array<std::string_view, 4> arrows = {"u", "l", "d", "r"};
 constexpr std::array<std::string_view, 3> buttons = {"1", "2", "3"};
 constexpr std::array<std::string_view, 13> letters = {"n", "o", "p", "q", "r", "s", "t",
                                                       "u", "v", "w", "x", "y", "z"};
+constexpr std::array<std::string_view, gx_nb_of_other_keys> others = {"tab", "esc", "cntl_f", "wu",
+                                                                      "wd",  "wus", "wds"};
 
 // The names stem + key + suffix; key k has slot first + k * step of its table.
 struct key_row_t {
@@ -52,6 +54,7 @@ constexpr key_row_t rows[] = {
     {"b", buttons, "", slots<&state_t::action_but>, 0, 2},
     {"b", buttons, "u", slots<&state_t::action_but>, 1, 2},
     {"cntl_", letters, "", slots<&state_t::action_ck>},
+    {"", others, "", slots<&state_t::action_other>},
 };
 
 gx_string_record_t& slot(const key_row_t& row, std::size_t key) {

@@ -1,7 +1,8 @@
 // The table of command texts bound to named keys and buttons.
 //
 // A name is a stem, the key within it and a suffix, in either case: "f3" (F3 pressed), "f10c" (with
-// control), "f2us" (released with shift), "ar" (right arrow), "b1u" (button 1 released), "cntl_x".
+// control), "f2us" (released with shift), "ar" (right arrow), "b1u" (button 1 released), "cntl_x",
+// "wds" (the wheel turned down with shift), "tab", "esc".
 #pragma once
 
 #include <string_view>

@@ -77,7 +77,9 @@ TEST_F(KeysAndMenus, EachKeyNameHasItsOwnSlot) {
       {"b1", &gx_vext.action_but[0]},      {"B1U", &gx_vext.action_but[1]},
       {"b2", &gx_vext.action_but[2]},      {"b2u", &gx_vext.action_but[3]},
       {"b3", &gx_vext.action_but[4]},      {"b3u", &gx_vext.action_but[5]},
-      {"cntl_n", &gx_vext.action_ck[0]},   {"CNTL_Z", &gx_vext.action_ck[12]}};
+      {"cntl_n", &gx_vext.action_ck[0]},   {"CNTL_Z", &gx_vext.action_ck[12]},
+      {"tab", &gx_vext.action_other[0]},   {"cntl_f", &gx_vext.action_other[2]},
+      {"WU", &gx_vext.action_other[3]},    {"wds", &gx_vext.action_other[6]}};
   for (const auto& [name, slot] : slots) {
     EXPECT_TRUE(gx_set_key_action(name, std::string("run ") + name)) << name;
     EXPECT_EQ(gx_view(*slot), std::string("run ") + name);
