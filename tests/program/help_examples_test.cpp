@@ -43,18 +43,24 @@ TEST(HelpExamples, EachRunsOnTheRegister) {
   ASSERT_GT(examples.size(), 20U);
   const auto question = examples.extract("kv_1_READLN");
   ASSERT_FALSE(question.empty());
+  const auto waiving = examples.extract("kv_1_WAIVE");
   const auto after_run = examples.extract("kv_1_GIVE");
   std::string commands = examples.extract("kv_1_RUN").mapped() + after_run.mapped();
   commands += examples.extract("kv_1_VALUES").mapped();  // others ask for values, too
+  // One device is found by its values: SHOw FINding and NEXt FINding go there.
   directory.write("register.raw",
-                  raw_header("Transient Analysis", "real", "2", {"time\ttime", "v(q_2)\tvoltage"}) +
-                      double_bytes({0, 0, 1e-7, 1.8}));
+                  raw_header("Transient Analysis", "real", "2",
+                             {"time\ttime", "v(q_2)\tvoltage", "@m.xr.x2.mp1[vds]\tvoltage",
+                              "@m.xr.x2.mp1[vdsat]\tvoltage"}) +
+                      double_bytes({0, 0, 0.1, 0.2, 1e-7, 1.8, 0.1, 0.2}));
   for (const auto& [file, example] : examples) {
+    if (file == "kv_1_DIFFERENCE") commands += "system \"cp -r register before\"\n";
     if (file == "kv_1_CHECK") commands += "rule net-repeated warning\n";  // finds something here
     commands += example;
+    if (file == "kv_1_CHECK") commands += waiving.mapped();  // before devices are listed
     if (file == "kv_1_SEARCH") commands += "search /\n";
     if (file == "kv_1_ACTIVATE" || file == "kv_1_ASSIGN") commands += "pop\n";
-    if (file == "kv_1_FIND") commands += "view up\nview up\n";
+    if (file == "kv_1_FIND" || file == "kv_1_NEXT") commands += "view up\nview up\n";
     if (file == "kv_1_VIEW") commands += "view up\n";
   }
   directory.write("examples.do", commands);
