@@ -44,6 +44,7 @@ std::string dk_write(const dk_cells_t& cells) {
     if (!cell.subcircuit.empty()) put("subcircuit", cell.subcircuit);
     if (cell.is_part) put("part", {});
     for (const auto& [name, value] : cell.parameters) put("parameter", name + " " + value);
+    for (const auto& [name, direction] : cell.ports) put("port", name + " " + direction);
     for (const auto& instance : cell.instances) {
       put("instance", instance.name);
       put_lines(out, instance.lines);
@@ -89,9 +90,9 @@ std::string dk_read(std::string_view text, dk_cells_t& cells) {
       cell->subcircuit = line;
     } else if (word == "part") {
       cell->is_part = true;
-    } else if (word == "parameter") {
+    } else if (word == "parameter" || word == "port") {
       const auto name = take_word(line);
-      cell->parameters.emplace_back(name, line);
+      (word == "port" ? cell->ports : cell->parameters).emplace_back(name, line);
     } else if (word == "instance") {
       lines = &cell->instances.emplace_back(dk_instance_t{std::string(line), {}}).lines;
     } else {

@@ -26,6 +26,8 @@ struct dk_cell_t {
   bool is_part = false;
   // That its instances may set, with the values where they do not.
   std::vector<std::pair<std::string, std::string>> parameters{};
+  // Of the primary sheet, which no block calls: its ports in order, and I, O or B for what they do.
+  std::vector<std::pair<std::string, std::string>> ports{};
   std::vector<dk_instance_t> instances{};
   // Before the devices, after them, at the end of the deck; whole lines.
   std::string header{}, statements{}, end{};
@@ -33,8 +35,9 @@ struct dk_cell_t {
   std::string definition{};
 
   bool is_empty() const {
-    return subcircuit.empty() && !is_part && parameters.empty() && instances.empty() &&
-           header.empty() && statements.empty() && end.empty() && definition.empty();
+    return subcircuit.empty() && !is_part && parameters.empty() && ports.empty() &&
+           instances.empty() && header.empty() && statements.empty() && end.empty() &&
+           definition.empty();
   }
 };
 

@@ -11,6 +11,7 @@ dk_groups_t::dk_groups_t(const dk_sources_t& sources, dk_elements_t& elements,
       netlist_(visits_.netlist()),
       elements_(elements),
       names_(names),
+      is_lvs_(sources.options.lvs),
       group_of_(static_cast<std::size_t>(visits_.count()), -1),
       bit_of_pin_(static_cast<std::size_t>(netlist_.count(kv_named::pin)) + 1),
       bit_of_block_pin_(static_cast<std::size_t>(netlist_.count(kv_named::pinm)) + 1) {
@@ -188,7 +189,7 @@ void dk_groups_t::name_nodes(dk_group_t& group) {
     const std::string whole = names_.of(net);
     if (netlist_.net_kind(net) == kv_kind_global || whole == "0") {
       node = whole;
-      if (whole != "0" && !std::exchange(is_global_[gx_upper(whole)], true))
+      if ((whole != "0" || is_lvs_) && !std::exchange(is_global_[gx_upper(whole)], true))
         globals_.push_back(whole);
       continue;
     }

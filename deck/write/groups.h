@@ -34,7 +34,7 @@ class dk_groups_t {
   std::int32_t group_of(std::int32_t visit) const { return gx_at(group_of_, visit); }
   // The node of a bit of a pin of an instance of a group's first visit; "" when it is on no net.
   std::string_view node(const dk_group_t& group, kv_object_t pin, std::int32_t bit) const;
-  // Names of globals that were met, in order, without ground.
+  // Names of globals that were met, in order; ground, which simulators know, only for a layout.
   const std::vector<std::string>& globals() const { return globals_; }
 
  private:
@@ -52,6 +52,7 @@ class dk_groups_t {
   kvi_netlist_t netlist_;
   dk_elements_t& elements_;
   const dk_names_of_nets_t& names_;
+  bool is_lvs_;
   std::vector<std::vector<kv_object_t>> instances_;  // by visit
   std::vector<dk_group_t> groups_;
   std::vector<std::int32_t> group_of_;  // by visit; -1: not yet

@@ -64,11 +64,14 @@ class hierarchy_writer {
     const bool lvs = sources_.options.lvs;
     if (lvs) {
       std::vector<std::string> ports;
-      for (std::int32_t net = 1; net <= netlist_.count(kv_named::net); ++net)
-        if (netlist_.net_kind(net) == kv_kind_port && names_.node(net) == net &&
-            !netlist_.is_bus(net))
-          ports.push_back(names_.of(net));
-      begin_subcircuit(group_->name, ports, std::vector<char>(ports.size(), 'B'));
+      std::vector<char> directions;
+      if (const auto* const cell = dk_cell_of(visits_, 0))
+        for (const auto& [name, direction] : cell->ports)
+          if (const auto net = visits_.net(0, name); net != 0) {
+            ports.push_back(names_.of(net));
+            directions.push_back(direction.empty() ? 'B' : direction.front());
+          }
+      begin_subcircuit(group_->name, ports, directions);
     }
     const bool whole = write_instances();
     if (lvs) sources_.output.line(".ends " + group_->name);

@@ -253,6 +253,11 @@ class writer {
             deck.instances.push_back({instance.name, std::move(instance.deck)});
       any |= !deck.instances.empty();
     }
+    const auto& top = gx_at(design_.cells, design_.top);
+    for (const auto& pin : top.symbol.pins)
+      cells[top.name].ports.emplace_back(pin.name, pin.type == "IN"    ? "I"
+                                                   : pin.type == "OUT" ? "O"
+                                                                       : "B");
     return any ? dk_write(cells) : std::string();
   }
 
