@@ -29,7 +29,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       if (symbol == file.symbols.end()) continue;
       for (const auto* const pin : gxi_kicad_pins(*symbol->second, placed.unit, placed.style))
         pins.push_back({.pin = pin, .at = pin->at, .power = pin->name, .everywhere = pin->hidden});
-      gxi_kicad_sign_key(gxi_kicad_part_sign(*symbol->second, placed.unit, placed.style));
+      gxi_kicad_sign_key(
+          gxi_kicad_part_sign(*symbol->second, placed.unit, placed.style, placed.alternates));
     }
     for (const auto& block : file.blocks) {
       auto& pins = sheet.block_pins.emplace_back();

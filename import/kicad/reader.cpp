@@ -4,10 +4,10 @@
 #include <algorithm>
 #include <list>
 #include <memory>
+#include <optional>
 #include <set>
 #include <utility>
 
-#include "gx/db/geometry.h"
 #include "gx/text/at.h"
 #include "gx/text/spelling.h"
 #include "import/drawing/hierarchy.h"
@@ -16,8 +16,11 @@
 #include "import/drawing/placement.h"
 #include "import/drawing/source_file.h"
 #include "import/kicad/frame.h"
+#include "import/kicad/globals.h"
+#include "import/kicad/lines.h"
 #include "import/kicad/nets.h"
 #include "import/kicad/picture.h"
+#include "import/kicad/references.h"
 #include "import/kicad/signs.h"
 #include "import/kicad/variables.h"
 
@@ -69,9 +72,10 @@ class kicad_reader {
     variables_ = gxi_kicad_project_variables(path);
     top_ = &load(path);
     load_all(*top_);
+    references_.emplace(top_->records);
     design_.cells.emplace_back().name = path.stem().string();
     read_sheet(0, *top_, {}, "/" + top_->records.id);
-    share_globals();
+    globals_.share(design_);
     write_references();
     gxi_keep_most_used(design_, {{"Value"}}, {});
     design_.kept_of_pins = {"FUNCTION", std::string(gxi_electrical)};
@@ -158,36 +162,6 @@ class kicad_reader {
     });
   }
 
-  // --- references
-  std::string reference_of(const gxi_kicad_placed_t& placed, const std::string& path) const {
-    for (const auto& use : placed.uses)
-      if (use.path == path) return use.reference;
-    // Of the older kind, without the root's own id.
-    const auto old = path.substr(1 + top_->records.id.size()) + "/" + placed.id;
-    if (const auto found = old_uses_.find(old); found != old_uses_.end())
-      return found->second->reference;
-    for (const auto& field : placed.fields)
-      if (field.name == "Reference" && (placed.uses.empty() || !field.value.text.empty()))
-        return field.value.text;
-    return placed.uses.empty() ? std::string() : placed.uses.front().reference;
-  }
-  int unit_of(const gxi_kicad_placed_t& placed, const std::string& path) const {
-    for (const auto& use : placed.uses)
-      if (use.path == path && use.unit > 0) return use.unit;
-    const auto old = path.substr(1 + top_->records.id.size()) + "/" + placed.id;
-    if (const auto found = old_uses_.find(old);
-        placed.uses.empty() && found != old_uses_.end() && found->second->unit > 0)
-      return found->second->unit;
-    return placed.unit;
-  }
-  // A, B ... Z, AA ...
-  static std::string letters_of(int unit) {
-    std::string letters;
-    for (; unit > 0; unit = (unit - 1) / 26)
-      letters.insert(letters.begin(), static_cast<char>('A' + (unit - 1) % 26));
-    return letters;
-  }
-
   // --- sheets
   struct sheet_t {
     const loaded_t& from;
@@ -205,8 +179,6 @@ class kicad_reader {
     const fs::path paths[] = {from.path};
     const auto level = hierarchy_.enter(paths);
     if (gx_at(cells_, index).from == nullptr) gx_at(cells_, index).from = &from;
-    if (&from == top_)
-      for (const auto& use : from.records.all_uses) old_uses_.emplace(use.path, &use);
     sheet_t here{.from = from, .path = path};
     here.joins.file = &from.records;
     here.joins.name = from.name;
@@ -236,10 +208,10 @@ class kicad_reader {
       design_.missing.insert(placed.symbol);
       warn(here.from, placed.line, "the symbol " + placed.symbol + " is not in the sheet");
     }
-    const int unit = unit_of(placed, here.path);
+    const int unit = references_->unit(placed, here.path);
     here.symbols.push_back(symbol);
     here.units.push_back(unit);
-    here.references.push_back(reference_of(placed, here.path));
+    here.references.push_back(references_->reference(placed, here.path));
     auto& met = here.joins.pins.emplace_back();
     auto& joined = here.joins.joined.emplace_back();
     if (symbol == nullptr) return;
@@ -318,12 +290,12 @@ class kicad_reader {
       take_port(net, above, made);
       if (made.port.empty() && !net.globals.empty()) {
         made.global = net.globals.front();
-        join_globals(net.globals);
+        globals_.join(net.globals);
       }
       if (net.no_connect) made.properties.push_back({std::string(gxi_noconn), "yes", {}});
     }
     mark_supplies(here, joined, sheet);
-    draw_wires(here, joined, sheet);
+    gxi_kicad_draw_lines(here.from.records, joined, sheet);
     std::set<std::string> ports;
     for (std::size_t i = 0; i < here.from.records.labels.size(); ++i)
       draw_label(here, joined, i, ports, sheet);
@@ -401,33 +373,6 @@ class kicad_reader {
     text.rotate %= 2;
     gxi_kicad_write(text_of(from, text.text), gxi_kicad_look(text, false, color), sheet.texts,
                     sheet.shapes);
-  }
-
-  void draw_wires(const sheet_t& here, const gxi_kicad_joined_t& joined, gxi_sheet_t& sheet) {
-    const auto& records = here.from.records;
-    const auto ends = [](const gxi_kicad_wire_t& wire) {
-      return std::pair(gxi_kicad_on_sheet(wire.from), gxi_kicad_on_sheet(wire.to));
-    };
-    for (std::size_t i = 0; i < records.wires.size(); ++i) {
-      const auto [from, to] = ends(records.wires[i]);
-      gx_at(sheet.nets, joined.of_wire[i]).segments.push_back({from, to});
-    }
-    for (const auto* const lines : {&records.buses, &records.entries})
-      for (const auto& line : *lines) {
-        const auto [from, to] = ends(line);
-        sheet.shapes.push_back(
-            {.type = gx_type::line_2d,
-             .points = {from, to},
-             .color = gxi_kicad_colors.bus,
-             .width = static_cast<std::uint8_t>(lines == &records.buses ? 3 : 1)});
-      }
-    constexpr int arm = 6'350;
-    for (const auto& at : records.no_connects)
-      for (const int way : {-1, 1})
-        sheet.shapes.push_back({.type = gx_type::line_2d,
-                                .points = {gxi_kicad_on_sheet({at.x - arm, at.y - way * arm}),
-                                           gxi_kicad_on_sheet({at.x + arm, at.y + way * arm})},
-                                .color = gxi_kicad_colors.mark});
   }
 
   void draw_label(const sheet_t& here, const gxi_kicad_joined_t& joined, std::size_t i,
@@ -526,32 +471,18 @@ class kicad_reader {
     auto sign = gxi_kicad_part_sign(*symbol, unit, placed.style, placed.alternates);
     instance.symbol = cell_of(std::move(sign), instance.source);
     const std::string drawn =
-        reference + (symbol->number_of_units > 1 ? letters_of(unit) : std::string());
+        reference + (symbol->number_of_units > 1 ? gxi_kicad_letters(unit) : std::string());
     instance.name = drawn;
     const auto pins = gxi_kicad_pins(*symbol, unit, placed.style);
     for (const auto pin : gxi_kicad_kept_pins(pins))
       instance.nets.push_back(gx_at(joined.of_pin[i], pin));
     instance.properties.push_back({"CLASS", gxi_kicad_class(reference), {}});
     take_fields(here, placed, reference, instance, sheet);
-    if (!placed.populated) cross_out(instance, gx_at(design_.cells, instance.symbol).symbol, sheet);
+    if (!placed.populated)
+      gxi_kicad_cross_out(instance, gx_at(design_.cells, instance.symbol).symbol, sheet);
     auto& named = gx_at(cells_, index);
     named.parts.push_back({&placed, take_name(index, drawn)});
     sheet.instances.push_back(std::move(instance));
-  }
-
-  // A part that is not populated.
-  static void cross_out(const gxi_instance_t& instance, const gxi_symbol_t& sign,
-                        gxi_sheet_t& sheet) {
-    gx_boundsreal_t box = gx_empty_bounds;
-    for (const auto& shape : sign.shapes)
-      for (const auto& point : shape.points) gx_include(box, gxi_on_sheet(instance, point));
-    if (gx_bounds_empty(box)) return;
-    for (const bool falls : {false, true})
-      sheet.shapes.push_back({.type = gx_type::line_2d,
-                              .points = {{box.xmin, falls ? box.ymin : box.ymax},
-                                         {box.xmax, falls ? box.ymax : box.ymin}},
-                              .color = gxi_kicad_colors.left_out,
-                              .width = 2});
   }
 
   // As the builder will call it.
@@ -650,44 +581,6 @@ class kicad_reader {
     sheet.instances.push_back(std::move(instance));
   }
 
-  // --- names of the whole design: those of one net somewhere are one everywhere
-  const std::string& first_name(const std::string& name) {
-    auto found = same_.find(name);
-    if (found == same_.end()) found = same_.emplace(name, name).first;
-    while (found->second != found->first) found = same_.find(found->second);
-    return found->first;
-  }
-  void join_globals(const std::vector<std::string>& names) {
-    for (const auto& name : names) {
-      const auto &a = first_name(names.front()), &b = first_name(name);
-      if (a != b) same_[std::max(a, b)] = std::min(a, b);
-    }
-  }
-  // Names that differ in their case stay apart, and a net of the top sheet from one of the design.
-  void share_globals() {
-    gxi_names_t taken('_');
-    std::map<std::string, std::string> given;
-    const auto global = [&](const std::string& drawn) {
-      const auto [found, is_new] = given.emplace(first_name(drawn), std::string());
-      if (is_new) found->second = taken.take(found->first);
-      return found->second;
-    };
-    for (auto& one : design_.cells) {
-      if (!one.sheet) continue;
-      for (auto& net : one.sheet->nets)
-        if (!net.global.empty()) net.global = global(net.global);
-      for (auto& instance : one.sheet->instances)
-        if (instance.kind == gxi_kind::global)
-          instance.name = gx_at(one.sheet->nets, instance.nets.front()).global;
-    }
-    for (auto& net : cell(0).sheet->nets)
-      if (net.global.empty() && !net.name.empty() && taken.has(net.name)) {
-        if (net.name_look) cell(0).sheet->texts.push_back({net.name, *net.name_look});
-        net.name_look.reset();
-        net.name = taken.take(net.name);
-      }
-  }
-
   // --- references of the whole design
   void write_references() {
     std::string lines;
@@ -702,7 +595,7 @@ class kicad_reader {
              std::size_t& visits) {
     if (++visits > most_visits) return;
     for (const auto& part : gx_at(cells_, index).parts) {
-      const auto reference = reference_of(*part.placed, path);
+      const auto reference = references_->reference(*part.placed, path);
       if (reference != part.name) lines += names + "/" + part.name + " " + reference + "\n";
     }
     for (const auto& below : gx_at(cells_, index).blocks)
@@ -717,11 +610,11 @@ class kicad_reader {
   const loaded_t* top_ = nullptr;
   std::set<const loaded_t*> walked_{};
   gxi_kicad_aliases_t aliases_{};
-  std::map<std::string, const gxi_kicad_use_t*, std::less<>> old_uses_{};
+  std::optional<gxi_kicad_references_t> references_{};
   std::map<const loaded_t*, gxi_kicad_face_t> faces_{};
   std::vector<cell_t> cells_{1};
   std::map<int, gxi_names_t> taken_{};  // by cell
-  std::map<std::string, std::string> same_{};
+  gxi_kicad_globals_t globals_{};
 };
 
 }  // namespace
