@@ -95,6 +95,7 @@ kv_command_rows_t kv_navigate_commands();    // sheet/commands_navigate
 kv_command_rows_t kv_select_commands();      // sheet/commands_select
 kv_command_rows_t kv_name_commands();        // sheet/commands_select_name
 kv_command_rows_t kv_shown_commands();       // values/commands_shown
+kv_command_rows_t kv_tree_commands();        // tree/commands_tree
 kv_command_rows_t kv_simulator_commands();   // run/commands_simulator
 kv_command_rows_t kv_status_commands();      // sheet/commands_status
 kv_command_rows_t kv_values_commands();      // values/commands_values

@@ -17,7 +17,7 @@ std::vector<kv_command_row_t> joined_rows() {
                            kv_move_commands(),      kv_find_commands(),      kv_explain_commands(),
                            kv_highlight_commands(), kv_hierarchy_commands(), kv_finding_commands(),
                            kv_values_commands(),    kv_condition_commands(), kv_shown_commands(),
-                           kv_difference_commands()}) {
+                           kv_tree_commands(),      kv_difference_commands()}) {
     rows.insert(rows.end(), part.begin(), part.end());
   }
   return rows;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "app/hint/hint.h"
 #include "app/language/command_row.h"
 #include "app/language/substitution.h"
 #include "app/session/event_loop.h"
@@ -106,6 +107,14 @@ void kv_display_cmd(const kv_command_t& command) {
   kv_update_viewport_context();
 }
 
+void kv_display_hints_cmd(const kv_command_t& command) {
+  const auto on = kv_on_or_off(command.word(3));
+  if (!on)
+    return kv_refuse("# DISplay HINts ", command, "# !! Error :  3rd parameter incorrect ? ", 3);
+  kv_show_hints(*on);
+  gx_tell(*on ? " DISplay HINts ON " : " DISplay HINts OFF ");
+}
+
 // By the letters that its name has in capitals, or more of them.
 const gx_theme_t* theme_named(std::string_view word) {
   for (const gx_theme_t& theme : gx_themes()) {
@@ -204,6 +213,7 @@ constexpr kv_command_row_t session_rows[] = {
     {{"$DRAG"}, "$DRAG command ...", kv_drag_cmd, "# $DRAG "},
     {{"COM"}, "COMmand text", kv_command_cmd, "# COMmand "},
     {{"DISP", "THE"}, "DISPlay THEme CLAssic or DARk or LIGht", kv_display_theme_cmd, "# DISplay THEme ", 3},
+    {{"DISP", "HIN"}, "DISPlay HINts ON or OFF", kv_display_hints_cmd, "# DISplay HINts ", 3},
     {{"DISP"}, "DISPlay ON or OFF", kv_display_cmd, "# DISplay "},
     {{"TRANS", "O"}, "TRANScript ON or OFF", kv_transcript_cmd, "# TRANScript "},
     {{"HAR"}, "HARDcopy [word]", kv_hardcopy_cmd, "# HARDcopy "},

@@ -9,6 +9,7 @@
 #include <string>
 #include <utility>
 
+#include "app/hint/hint.h"
 #include "app/language/completion.h"
 #include "app/language/do_file.h"
 #include "app/language/shell_escape.h"
@@ -19,6 +20,7 @@
 #include "app/sheet/last_views.h"
 #include "app/sheet/pan.h"
 #include "app/sheet/views.h"
+#include "app/tree/tree_view.h"
 #include "app/values/waves.h"
 #include "gx/display/cmd_viewport.h"
 #include "gx/display/cursor.h"
@@ -69,6 +71,7 @@ struct cleared_screen_t {
 void run_command(loop_t& loop, gx_string_record_t line) {
   const cleared_screen_t cleared;
   kv_process_line(line, loop.args, loop.vars);
+  kv_follow_tree();
 }
 
 void run_binding(loop_t& loop, const gx_string_record_t& action) {
@@ -193,6 +196,7 @@ void on_plain_key(loop_t& loop, std::uint32_t keysym) {
   if (is_return(keysym)) {
     const cleared_screen_t cleared;
     kv_ascii_action(keysym, loop.args, loop.vars);
+    kv_follow_tree();
     return;
   }
   if (is_printable(keysym)) {
@@ -313,10 +317,11 @@ void on_pointer_moved(loop_t& loop, const gx_event_t& event) {
 // The pointer is put onto its place, once: where it stands already it is left alone.
 void on_pointer_at_rest(loop_t&, const gx_event_t& event) {
   const gx_vpid_t vpid = gx_vext.viewport_id;
-  if (event.pixel == gx_vext.pixel_pos || event.pixel == gx_vext.pointer_put) return;
-  if (vpid == gx_vext.viewport_cmd || (gx_vext.snap_state && gx_is_picture_viewport(vpid))) {
-    gx_cursor_set_position(gx_vext.pixel_pos, event.pixel);
-  }
+  const bool is_in_place = event.pixel == gx_vext.pixel_pos || event.pixel == gx_vext.pointer_put;
+  const bool is_put =
+      vpid == gx_vext.viewport_cmd || (gx_vext.snap_state && gx_is_picture_viewport(vpid));
+  if (is_put && !is_in_place) return gx_cursor_set_position(gx_vext.pixel_pos, event.pixel);
+  kv_show_hint(event.pixel);
 }
 
 // --- the window
@@ -396,6 +401,7 @@ void kv_draw_window(bool resized) {
        {gx_vext.viewport_edit, gx_vext.viewport_context, gx_vext.viewport_list}) {
     kv_frame_quiet(vpid);
   }
+  kv_draw_tree();
   gx_regen_display_list();
   kv_pext.prev_viewport_id = gx_vext.viewport_cmd;
   gx_display_cmd(gx_view(gx_vext.str_cmd));
@@ -410,9 +416,11 @@ void kv_process_events(bool first, kv_array_param_t& args, kv_array_param_t& var
   if (!first) gx_redraw_menus(gx_vext.viewport_edit);
   while (!loop.leave) {
     const gx_event_t event = gx_input_event_wait();
+    if (event.kind == gx_event_kind::exposed) kv_forget_hint();
+    if (event.kind != gx_event_kind::nothing) kv_hide_hint();
     if (kv_pan(event)) continue;
     const auto run = [&](std::string_view command) { run_command(loop, gx_string(command)); };
-    if (kv_wave_gesture(event, run)) continue;
+    if (kv_wave_gesture(event, run) || kv_tree_gesture(event, run)) continue;
     const bool is_lost = gx_vext.viewport_id < 1 || gx_vext.viewport_id > gx_max_viewports;
     if (is_lost && event.kind != gx_event_kind::close_asked) {
       if (++lost_events > max_lost_events) {

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "app/hint/hint.h"
 #include "app/session/event_loop.h"
 #include "app/session/root.h"
 #include "app/session/root_session.h"
@@ -54,7 +55,10 @@ constexpr gx_front_t user = {.show_progress = show_in_window, .stop_asked = has_
 bool answer() {
   kv_run_start_up_file();
   gx_vext.all_init_done = true;
-  gx_set_other_input({kv_answer_descriptor, kv_read_answers});
+  gx_set_other_input({kv_answer_descriptor, [] {
+                        kv_hide_hint();
+                        kv_read_answers();
+                      }});
   if (!gx_vext.end_flag) kv_process_events(true, kv_pext.ext_arg, kv_pext.top_var);
   return true;
 }

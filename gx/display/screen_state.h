@@ -81,10 +81,11 @@ struct gx_kept_mark_t {
   friend bool operator==(const gx_kept_mark_t&, const gx_kept_mark_t&) = default;
 };
 
-// Which viewport is what; 0: none. `viewport_activ` shows an activated symbol.
+// Which viewport is what; 0: none. `viewport_activ` shows an activated symbol,
+// `viewport_tree` the tree of blocks.
 struct gx_view_roles_t {
   gx_vpid_t viewport_edit = 0, viewport_cmd = 0, viewport_list = 0, viewport_context = 0,
-            viewport_activ = 0;
+            viewport_activ = 0, viewport_tree = 0;
 };
 
 struct gx_screen_state_t : gx_view_roles_t {
