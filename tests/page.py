@@ -4,7 +4,7 @@ screen.
 
 usage: page.py BUILD SOURCE
 """
-import json, os, pathlib, re, shutil, subprocess, sys, tempfile
+import json, os, pathlib, re, shutil, subprocess, sys, tempfile, time
 
 build, source = (pathlib.Path(word).resolve() for word in sys.argv[1:3])
 sys.path.insert(0, str(source / "tests/support"))
@@ -354,6 +354,30 @@ def moves(browser):
     browser.size(1280, 800)
 
 
+def picks_from_stacks(browser):
+    """Instances at one place, as vectors of imported drawings: a click goes on to the next one."""
+    make("stack", "symbol b\n rect 0,0 4,4\n pin A 0,1 IN\nsheet b\n page 20,20\n text IN_B at 5,5\n"
+         "sheet stack\n page 30,20\n part A1 b 5,5\n part A2 b 5,5\n part A3 b 15,5\n")
+    page("stack")
+    browser.show("stack")
+    drawn = browser.run("[...document.querySelectorAll('.sheet .block')].map(e => {"
+                        "const b = e.getBoundingClientRect();"
+                        "return [b.x + b.width / 2, b.y + b.height / 2]; })")
+    is_equal(len(drawn), 2)
+    for wanted in ("/A1", "/A2", "/A1"):
+        browser.click(*drawn[0])
+        is_equal(browser.title(), wanted)
+        assert "2 are drawn here" in browser.text(".details .kind")
+        time.sleep(0.5)  # two clicks, not a double one
+    browser.click(*drawn[0])
+    browser.key("Enter")
+    is_equal(browser.link(), "#/A2/")
+    browser.key("u")
+    time.sleep(0.5)
+    browser.click(*drawn[0], 2)
+    is_equal(browser.link(), "#/A1/")
+
+
 def shows_values(browser):
     (work / "register.raw").write_text(RAW)
     page("register", "--values", "register.raw", "--at", "50n", "--at", "100n")
@@ -461,7 +485,8 @@ setup = [line for line in (work / "expand.do").read_text().splitlines()
 refuses()
 browser = Page()
 try:
-    for test in (walks, marks_nets, finds, moves, shows_values, shows_findings, left_out):
+    for test in (walks, marks_nets, finds, moves, picks_from_stacks, shows_values, shows_findings,
+                 left_out):
         test(browser)
     joins_as_explained(browser, "register", setup, 20)
     make("ways", WAYS)

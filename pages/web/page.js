@@ -92,9 +92,8 @@ function readDesign(raw) {
   design.top = {cell: design.cells[0], up: null, inst: null, path: '', flats: [], below: new Map()};
   design.places = raw.values.places;
   design.valueFile = raw.values.file;
-  design.netValues = new Map();
-  for (let i = 0; i < raw.values.nets.length; i += 2)
-    design.netValues.set(raw.values.nets[i], raw.values.nets[i + 1]);
+  design.netValues = new Map(
+      records(raw.values.nets, ['path', 'texts']).map(({path, texts}) => [path, texts]));
   design.deviceValues = new Map();
   for (const {path, name, texts} of records(raw.values.devices, ['path', 'name', 'texts'])) {
     if (!design.deviceValues.has(path)) design.deviceValues.set(path, []);
@@ -661,7 +660,6 @@ function svgSign(sign) {
 }
 
 function svgInst(inst) {
-  if (inst.sign < 0) return null;
   const group = svgSign(inst.sign);
   group.setAttribute('transform', `translate(${inst.x} ${inst.y})`);
   if (isBlock(inst)) group.setAttribute('class', 'block');
@@ -704,8 +702,13 @@ const titleOf = visit => visit.up ? `${visit.path}  ${visit.cell.name}` : design
 
 function drawSheet() {
   const {cell} = shown.visit, [width, height] = cell.size;
-  shown.boxes = cell.insts.filter(inst => inst.sign >= 0)
-      .map(inst => ({inst, ...boxOf(inst)})).sort((a, b) => a.w * a.h - b.w * b.h);
+  const stacks = new Map();  // instances of a vector are drawn at one place
+  for (const inst of cell.insts.filter(each => each.sign >= 0)) {
+    const place = [inst.sign, inst.x, inst.y, inst.role, ...inst.texts].join();
+    if (!stacks.get(place)?.push(inst)) stacks.set(place, [inst]);
+  }
+  shown.boxes = [...stacks.values()].map(stack => ({stack, ...boxOf(stack[0])}))
+      .sort((a, b) => a.w * a.h - b.w * b.h);
   parts.marks = svg('g', {class: 'marks'});
   parts.values = svg('g', {class: 'values'});
   const title = svgText(0, -(titleRoom - titleHeight) / 2, titleHeight, 0, titleOf(shown.visit),
@@ -713,7 +716,7 @@ function drawSheet() {
   parts.sheet.replaceChildren(
       svg('rect', {class: 'paper', x: 0, y: 0, width, height}), title,
       svg('g', {class: 'frames'}, ...svgPaths(cell.paths), ...svgTexts(cell.texts)),
-      svg('g', {class: 'parts'}, ...cell.insts.map(svgInst)),
+      svg('g', {class: 'parts'}, ...[...stacks.values()].map(([inst]) => svgInst(inst))),
       svg('g', {class: 'nets'}, ...cell.nets.map(svgNet)), parts.values, parts.marks);
   drawValues();
 }
@@ -803,11 +806,10 @@ function showView() {
   view.thin = thin;
 }
 
-function showBox(x, y, w, h, most) {
+function showBox(x, y, w, h) {
   const {clientWidth, clientHeight} = parts.sheet;
-  view.x = x + w / 2;
-  view.y = y + h / 2;
-  view.scale = Math.min(clientWidth / Math.max(w, 1), clientHeight / Math.max(h, 1), most || 20);
+  [view.x, view.y] = [x + w / 2, y + h / 2];
+  view.scale = Math.min(clientWidth / Math.max(w, 1), clientHeight / Math.max(h, 1), 20);
   showView();
 }
 
@@ -822,11 +824,9 @@ function fit() {
   for (const {wires} of shown.visit.cell.nets)
     for (const {points} of wires)
       for (let i = 0; i < points.length; i += 2) grow(points[i], points[i + 1]);
-  if (x1 > x2 || (x2 - x1) * (y2 - y1) > width * height / 4) {
-    showBox(-20, -titleRoom - 10, width + 40, height + titleRoom + 30);
-  } else {
-    showBox(x1 - 60, y1 - 60, x2 - x1 + 120, y2 - y1 + 120);
-  }
+  const isWhole = x1 > x2 || (x2 - x1) * (y2 - y1) > width * height / 4;
+  showBox(...(isWhole ? [-20, -titleRoom - 10, width + 40, height + titleRoom + 30] :
+                        [x1 - 60, y1 - 60, x2 - x1 + 120, y2 - y1 + 120]));
 }
 
 function zoom(factor, clientX, clientY) {
@@ -851,8 +851,7 @@ function bringIntoSight(box) {
   const isIn = Math.abs(box.x + box.w / 2 - view.x) < w / 2 / view.scale - margin &&
       Math.abs(box.y + box.h / 2 - view.y) < h / 2 / view.scale - margin;
   if (isIn && view.scale * Math.max(box.w, box.h, 40) > 8) return;
-  view.x = box.x + box.w / 2;
-  view.y = box.y + box.h / 2;
+  [view.x, view.y] = [box.x + box.w / 2, box.y + box.h / 2];
   view.scale = Math.max(view.scale, Math.min(0.5, w / (box.w + 400), h / (box.h + 400)));
   showView();
 }
@@ -871,7 +870,8 @@ function distance(x, y, x1, y1, x2, y2) {
   return Math.hypot(x - x1 - t * dx, y - y1 - t * dy);
 }
 
-// A net near to the point, else the smallest instance around it.
+// A net near to the point, and the smallest instance around it; of several at one place the one
+// after that which is chosen.
 function under(clientX, clientY, pixels) {
   const {x, y} = pointAt(clientX, clientY), {cell} = shown.visit;
   let nearest = pixels / view.scale, group = -1;
@@ -888,8 +888,9 @@ function under(clientX, clientY, pixels) {
       if (d < nearest && inst.groups[pin] >= 0) [nearest, group] = [d, inst.groups[pin]];
     });
   }
-  const {inst} = shown.boxes.find(b => x >= b.x - nearest && x <= b.x + b.w + nearest &&
-                                       y >= b.y - nearest && y <= b.y + b.h + nearest) || {};
+  const {stack = []} = shown.boxes.find(b => x >= b.x - nearest && x <= b.x + b.w + nearest &&
+                                             y >= b.y - nearest && y <= b.y + b.h + nearest) || {};
+  const inst = stack[(stack.indexOf(shown.chosen && shown.chosen.inst) + 1) % stack.length];
   if (group >= 0) return {net: flatNet(shown.visit, group), group, inst};
   return {inst};
 }
@@ -1168,11 +1169,13 @@ function instDetails(visit, inst) {
     const values = group >= 0 && valuesOfNet(flatNet(visit, group));
     return values ? values[shown.place] : '';
   };
+  const {stack} = shown.boxes.find(box => box.stack.includes(inst)) || {stack: [inst]};
   const isNet = inst.role > roleOf.block;
   return [
     html('h2', {}, path),
     html('p', {class: 'kind'}, ['part', 'block', 'port', 'global'][inst.role] +
-         (inst.kind ? ' of ' + inst.kind.symbol : '')),
+         (inst.kind ? ' of ' + inst.kind.symbol : '') +
+         (stack.length > 1 ? `; ${stack.length} are drawn here, click for the next one` : '')),
     isBlock(inst) ? button('Open its sheet', '', () => goDown(inst), {class: 'open'}) : null,
     inst.kind && inst.kind.why ? html('p', {class: 'fault'}, inst.kind.why) : null,
     ...(values.length ? section('Values', table(values.flatMap(v => valueRows(v.texts, v.name)))) :
@@ -1308,7 +1311,7 @@ function click(event) {
   lastClick = {time: isSecond ? 0 : event.timeStamp, x: event.clientX, y: event.clientY};
   const {y} = pointAt(event.clientX, event.clientY);
   const hit = under(event.clientX, event.clientY, isTouch ? 14 : 6);
-  if (isSecond && hit.inst) return goDown(hit.inst);
+  if (isSecond && hit.inst) return goDown((shown.chosen && shown.chosen.inst) || hit.inst);
   if (y < 0 && y > -titleRoom && shown.visit.up && !hit.net && !hit.inst) return goUp();
   choose(hit);
 }
@@ -1344,8 +1347,7 @@ function toggleValues() {
 function nextTheme() {
   const themes = ['', 'light', 'dark'], root = document.documentElement;
   const next = themes[(themes.indexOf(root.dataset.theme || '') + 1) % themes.length];
-  root.dataset.theme = next;
-  say('theme: ' + (next || 'as the system has it'));
+  say('theme: ' + ((root.dataset.theme = next) || 'as the system has it'));
 }
 
 const keys = [
