@@ -177,7 +177,9 @@ int main(int argc, char** argv) {
   }
   if (const auto ended = read_primitives(tool, wishes.primitives)) return *ended;
   wishes.design = words[0];
+  // As the findings of a check name it.
   while (wishes.design.size() > 1 && wishes.design.ends_with('/')) wishes.design.pop_back();
+  while (wishes.design.size() > 2 && wishes.design.starts_with("./")) wishes.design.erase(0, 2);
   wishes.out = out;
   if (!can_be_sheet(tool, wishes.design)) return 1;
   gx_session.init_done = true;  // files may be opened; no display is made

@@ -709,6 +709,8 @@ function drawSheet() {
   }
   shown.boxes = [...stacks.values()].map(stack => ({stack, ...boxOf(stack[0])}))
       .sort((a, b) => a.w * a.h - b.w * b.h);
+  const heights = textBoxes(cell).map(box => box.height).sort((a, b) => a - b);
+  shown.letter = heights[heights.length >> 1] || 25;  // as most of them are
   parts.marks = svg('g', {class: 'marks'});
   parts.values = svg('g', {class: 'values'});
   const title = svgText(0, -(titleRoom - titleHeight) / 2, titleHeight, 0, titleOf(shown.visit),
@@ -730,9 +732,7 @@ const textBoxes = cell => [...cell.insts, ...cell.nets].flatMap(
 function drawValues() {
   parts.values.replaceChildren();
   if (!shown.withValues || !design.places.length) return;
-  const seen = new Set(), taken = textBoxes(shown.visit.cell);
-  const heights = taken.map(box => box.height).sort((a, b) => a - b);
-  const height = 1.2 * (heights[heights.length >> 1] || 25);
+  const seen = new Set(), taken = textBoxes(shown.visit.cell), height = 1.2 * shown.letter;
   for (const net of shown.visit.cell.nets) {
     const flat = flatNet(shown.visit, net.group);
     const values = flat.hi - flat.lo === 1 && valuesOfNet(flat);
@@ -845,14 +845,15 @@ function pan(dx, dy) {
   showView();
 }
 
-// So that a place is in sight: as it is where it is already.
+// So that a place is in sight, and its letters can be read.
 function bringIntoSight(box) {
   const {clientWidth: w, clientHeight: h} = parts.sheet, margin = 40 / view.scale;
   const isIn = Math.abs(box.x + box.w / 2 - view.x) < w / 2 / view.scale - margin &&
       Math.abs(box.y + box.h / 2 - view.y) < h / 2 / view.scale - margin;
-  if (isIn && view.scale * Math.max(box.w, box.h, 40) > 8) return;
+  const isSmall = view.scale * shown.letter < 4;
+  if (isIn && !isSmall) return;
   [view.x, view.y] = [box.x + box.w / 2, box.y + box.h / 2];
-  view.scale = Math.max(view.scale, Math.min(0.5, w / (box.w + 400), h / (box.h + 400)));
+  if (isSmall) view.scale = Math.min(10 / shown.letter, w / (box.w * 1.5), h / (box.h * 1.5));
   showView();
 }
 
