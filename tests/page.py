@@ -351,6 +351,20 @@ def moves(browser):
     assert browser.run("parts.sheet.clientHeight") > 300 and not browser.texts(".tree .name")
     browser.click_on("header button", "☰")
     is_equal(browser.texts(".tree .name")[0], "register")
+    browser.click_on(".tree .name", "register")
+    whole = browser.view()
+    browser.touch("touchStart", (150, 250))
+    browser.touch("touchStart", (150, 250), (250, 250))
+    browser.touch("touchMove", (100, 250), (300, 250))
+    browser.touch("touchEnd")
+    assert abs(browser.view()[2] * 2 - whole[2]) < 1, (whole, browser.view())
+    browser.run("fit()")
+    block = browser.run("(() => { const b = document.querySelector('.sheet .block')"
+                        ".getBoundingClientRect(); return [b.x + b.width / 2, b.y + b.height / 2]; })()")
+    for tap in range(2):
+        browser.touch("touchStart", block)
+        browser.touch("touchEnd")
+    is_equal(browser.link(), "#/XR/")
     browser.size(1280, 800)
 
 

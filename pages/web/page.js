@@ -1016,8 +1016,8 @@ function showCrumbs() {
 
 const nameOf = visit => visit.inst ? visit.inst.name : design.name;
 // To a sheet with the net that is chosen.
-const walkTo = visit =>
-    show(visit, shown.chosen && shown.chosen.net ? shown.chosen : null, 'push');
+const walkTo = visit => (
+    closePanels(), show(visit, shown.chosen && shown.chosen.net ? shown.chosen : null, 'push'));
 
 const openNodes = new Set(), longNodes = new Set(), mostNodes = 200;
 const treeRows = new Map();  // by visit

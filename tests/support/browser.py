@@ -70,6 +70,7 @@ class Browser:
     def size(self, width, height, mobile=False):
         self.call("Emulation.setDeviceMetricsOverride", width=width, height=height,
                   deviceScaleFactor=1, mobile=mobile)
+        self.call("Emulation.setTouchEmulationEnabled", enabled=mobile, maxTouchPoints=2)
 
     def run(self, script):
         result = self.call("Runtime.evaluate", expression=script, returnByValue=True,
@@ -101,6 +102,11 @@ class Browser:
         for click in range(1, times + 1):
             self.mouse("mousePressed", x, y, click)
             self.mouse("mouseReleased", x, y, click)
+
+    def touch(self, kind, *points):
+        """Fingers: touchStart, touchMove with where all of them are, touchEnd without."""
+        self.call("Input.dispatchTouchEvent", type=kind, touchPoints=[
+            {"x": x, "y": y, "id": finger} for finger, (x, y) in enumerate(points)])
 
     def key(self, key, text=None):
         more = {"text": text} if text else {}
