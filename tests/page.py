@@ -443,14 +443,16 @@ def hostile(browser):
     """Texts that would be markup, and a script that somebody puts in."""
     attack = "</script><script>window.hit=1</script><img src=x onerror=window.hit=1>"
     make("hostile", 'symbol s\n pin A 0,1 IN\n rect 0,0 2,2\nsheet hostile\n page 30,20\n'
-         f' part U1 s 5,5 "NOTE={attack}"\n text "{attack}" at 3,3\n')
+         f' part U1 s 5,5 "NOTE={attack}" "VALUE=1\\u{{B5}}F"\n text "{attack}" at 3,3\n'
+         ' text "4.7 k\\u{3A9}" at 3,9\n')
     page("hostile")
     bytes = (work / "hostile.html").read_text()
     assert "onerror" not in bytes
     browser.show("hostile")
     assert attack in browser.texts(".sheet text"), browser.texts(".sheet text")
     browser.show("hostile", "#/U1")
-    assert attack in browser.texts(".details td")
+    assert {attack, "1µF"} <= set(browser.texts(".details td"))
+    assert "4.7 kΩ" in browser.texts(".sheet text")
     is_equal(browser.run("window.hit"), None)
     is_equal(browser.faults(), [])
     # Even what stands in the file is not run, and nothing is loaded.
