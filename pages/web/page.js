@@ -800,8 +800,8 @@ function showView() {
   if (!w || !h) return;
   parts.sheet.setAttribute('viewBox', [view.x - w / 2 / view.scale, view.y - h / 2 / view.scale,
                                        w / view.scale, h / view.scale].join(' '));
-  // A line is never thinner than a pixel.
-  const thin = Math.max(2, 1 / view.scale).toPrecision(2);
+  // A line is never much thinner than a pixel; in steps, as each is a new style for all lines.
+  const thin = 2 * 2 ** Math.round(Math.log2(Math.max(1, 0.5 / view.scale)));
   if (view.thin !== thin) parts.sheet.style.setProperty('--thin', thin);
   view.thin = thin;
 }
