@@ -4,7 +4,7 @@ screen.
 
 usage: page.py BUILD SOURCE
 """
-import json, os, pathlib, re, shutil, subprocess, sys, tempfile, time
+import atexit, json, os, pathlib, re, shutil, subprocess, sys, tempfile, time
 
 build, source = (pathlib.Path(word).resolve() for word in sys.argv[1:3])
 sys.path.insert(0, str(source / "tests/support"))
@@ -13,6 +13,7 @@ from browser import Browser
 os.environ.pop("DISPLAY", None)
 os.environ["VELMORAN"] = str(build / "product")
 work = pathlib.Path(tempfile.mkdtemp(prefix="kivo-page-"))
+atexit.register(shutil.rmtree, work, True)
 RAW = """Title: a register
 Date: today
 Plotname: Transient Analysis
@@ -512,4 +513,3 @@ try:
     hostile(browser)
 finally:
     browser.close()
-shutil.rmtree(work)
