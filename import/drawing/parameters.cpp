@@ -133,26 +133,6 @@ void gxi_take_top_defaults(gxi_design_t& design) {
     }
 }
 
-std::set<std::string> gxi_names_in_values(const gxi_design_t& design,
-                                          const std::set<std::string>& names) {
-  std::set<std::string> found;
-  if (names.empty()) return found;
-  for (const auto& cell : design.cells) {
-    if (!cell.sheet) continue;
-    for (const auto& instance : cell.sheet->instances)
-      for (const auto& property : instance.properties) {
-        const auto plain = gxi_plain_expression(property.value);
-        if (!plain || gxi_plain_number(property.value)) continue;
-        with_identifiers(*plain, [&](std::string_view name) {
-          if (const auto known = names.find(std::string(name)); known != names.end())
-            found.insert(*known);
-          return std::string();
-        });
-      }
-  }
-  return found;
-}
-
 std::vector<std::string> gxi_number_names(const gxi_design_t& design, std::size_t most) {
   return chooser(design, most).run();
 }

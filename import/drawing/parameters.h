@@ -1,7 +1,6 @@
 // Parameters of cells: values that a block hands down to what is in it.
 #pragma once
 
-#include <set>
 #include <string>
 #include <vector>
 
@@ -9,10 +8,6 @@
 
 // What is on the top sheet takes the defaults of its symbol, as no block is there to give others.
 void gxi_take_top_defaults(gxi_design_t& design);
-
-// Those of the names that values of parts refer to.
-std::set<std::string> gxi_names_in_values(const gxi_design_t& design,
-                                          const std::set<std::string>& names);
 
 // The properties that an expansion can keep as numbers: design.parameters, and those of parts whose
 // values refer to them, as far as all their values are numbers, or sums and products of numbers and

@@ -59,6 +59,12 @@ bool has(const gxi_xschem_placed_t& placed, std::string_view name) {
   return placed.attributes.find(name) != nullptr || placed.symbol->defaults.find(name) != nullptr;
 }
 
+// Names that stand for something without an attribute.
+bool is_given(std::string_view name) {
+  constexpr std::string_view names[] = {"symname", "prop_ptr", "schname", "schname_ext"};
+  return name.starts_with("#") || std::ranges::find(names, name) != std::end(names);
+}
+
 bool is_of_block(const gxi_xschem_placed_t& placed, std::string_view name) {
   return !has(placed, name) && placed.within != nullptr && has(*placed.within, name);
 }
@@ -219,7 +225,9 @@ std::string gxi_xschem_whole_value(const gxi_xschem_placed_t& placed, std::strin
   std::string text = gxi_xschem_value(placed, name);
   for (int depth = 0; depth < most_nested && text.find('@') != std::string::npos; ++depth)
     text = gxi_xschem_substitute(text, [&](std::string_view inner) {
-      return is_of_block(placed, inner) ? std::string(inner) : gxi_xschem_value(placed, inner);
+      if (is_of_block(placed, inner)) return std::string(inner);
+      const bool is_known = has(placed, inner) || is_given(inner);
+      return is_known ? gxi_xschem_value(placed, inner) : "@" + std::string(inner);
     });
   return calculated(std::move(text));
 }

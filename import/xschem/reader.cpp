@@ -48,9 +48,7 @@ class xschem_reader {
     declare_globals();
     gxi_take_top_defaults(design_);
     design_.parameters.assign(parameters_.begin(), parameters_.end());
-    auto first = gxi_names_in_values(design_, parameters_);
-    if (!first.empty()) first.insert(std::string(gxi_spice_model));
-    gxi_keep_most_used(design_, {first, of_parts_, parameters_, composed_}, used_up_);
+    gxi_keep_most_used(design_, {of_parts_, parameters_, composed_}, used_up_);
     if (has_noconn_) design_.kept_of_nets.push_back(std::string(gxi_noconn));
     return std::move(design_);
   }
