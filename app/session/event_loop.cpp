@@ -413,6 +413,7 @@ void kv_process_events(bool first, kv_array_param_t& args, kv_array_param_t& var
   loop_t loop{args, vars, first};
   int lost_events = 0;
   kv_pext.hands = {};
+  kv_follow_tree();  // of the start-up file
   if (!first) gx_redraw_menus(gx_vext.viewport_edit);
   while (!loop.leave) {
     const gx_event_t event = gx_input_event_wait();

@@ -189,6 +189,11 @@ TEST_F(Today, TabCompletesWhatHasOneWayOn) {
   s.key(XK_Tab);
   s.type("\n");
   s.wait_for_head(" FINd PATh /R1  ");
+  s.type("explain net /a i /u");  // after abbreviated words
+  s.key(XK_Tab);
+  s.type("\n");
+  const std::string explained = s.wait_for_head("# EXPlain NET ");
+  EXPECT_NE(explained.find(" /U1/"), explained.npos) << explained;
   // Files, the blocks of the sheet in view, and what completes to nothing.
   directory_.write("some_commands", "snap on\n");
   s.type("do so");

@@ -16,9 +16,14 @@ symbol low
 symbol mid
   rect 0,0 8,6
   pin P 0,2 IN
+symbol deep
+  pin P 0,2 IN
+sheet deep
+  page 40,20
 sheet low
   page 40,20
   part R1 part 8,4
+  part D1 deep 20,4
 sheet mid
   page 40,20
   part C1 low 8,4
@@ -27,6 +32,7 @@ sheet top
   page 40,20
   part M1 mid 8,4
   part M2 mid 24,4
+  part M3 low 36,14
   net A
     wire 8,6 4,6
 )";
@@ -48,6 +54,10 @@ class Tree : public Interactive {
   pixels_t tree() { return part(session().picture(), 10, 8, 300, 680); }
   int greens(int n) {
     return session().picture().count(green, 10, 5 + n * pitch, 300, 22 + n * pitch);
+  }
+  void bye_from_edit() {
+    point_at(in_edit);
+    bye();
   }
   void click(spot at, unsigned modifiers = test_session::none) {
     const auto before = session().picture();
@@ -110,6 +120,20 @@ TEST_F(Tree, AClickOpensADoubleClickGoesThereAndTypingSearches) {
   bye();
 }
 
+TEST_F(Tree, AClosedBlockCountsTheFindingsBelowIt) {
+  auto& s = open("view tree on;primitive class;check design");
+  s.wait_for_line("# End of DO ");
+  s.settle();
+  for (int i = 0; i < 2; ++i) click(row(1));  // chosen, and closed again
+  const auto count = [&] { return part(s.picture(), 240, 6 + pitch, 300, 20 + pitch); };
+  const auto closed = count();
+  click(row(1));
+  EXPECT_NE(count(), closed);
+  click(row(1));
+  EXPECT_EQ(count(), closed);
+  bye_from_edit();
+}
+
 TEST_F(Tree, FindingsAreMarkedAndTheWheelScrolls) {
   std::string many = "symbol low\n pin P 0,2 IN\nsheet low\n page 40,20\nsheet top\n page 400,20\n";
   for (int i = 1; i <= 90; ++i)
@@ -163,7 +187,7 @@ TEST_F(Tree, APointerThatRestsHasAHintBesideItUntilItMoves) {
   s.move(ground.x, ground.y);
   std::this_thread::sleep_for(test_time(900));
   EXPECT_EQ(s.picture().pixels, before.pixels);
-  s.move(block.x, block.y);
+  s.move(1140, 522);  // near the right edge it is at the left of the pointer
   s.changed(before);
   s.key(XK_Escape);  // any event will do
   s.settle();
