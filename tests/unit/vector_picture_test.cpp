@@ -48,7 +48,7 @@ std::string pdf_of(std::string_view description, const gx_sheet_labels_t& labels
 
 TEST(VectorPicture, ShapesLieWhereTheSheetHasThem) {
   const std::string svg = svg_of(
-      "sheet top\n page 20,20\n line 2,4 3,4\n line 2,4 3,5 color red width 3 style 2\n"
+      "sheet top\n page 24,20\n line 2,4 3,4\n line 2,4 3,5 color red width 3 style 2\n"
       " rect 2,2 4,3 filled color green\n polyline 1,1 2,1 2,2\n circle 6,6 1\n"
       " text HELLO at 6,8 height 0.5\n text ASIDE at 7,8 vertical\n");
   const auto paths = between(svg, " d=\"", "\"");
@@ -62,6 +62,10 @@ TEST(VectorPicture, ShapesLieWhereTheSheetHasThem) {
   EXPECT_EQ(between(svg, "x=\"300\" y=\"400\" font-size=\"35\" ", "</text>"),
             lines_t{"textLength=\"150\" lengthAdjust=\"spacingAndGlyphs\">HELLO"});
   EXPECT_EQ(between(svg, " transform=\"", "\""), lines_t{"rotate(-90 350 400)"});
+  // The page and the room for its title above.
+  EXPECT_EQ(between(svg, "<rect x=\"0\" ", " fill"),
+            (lines_t{"y=\"-60\" width=\"1200\" height=\"1060\"",
+                     "y=\"0\" width=\"1200\" height=\"1000\" class=\"c6\""}));
 }
 
 // An arc over the upper half of a circle from the right to the left, in every placement: its ends,
@@ -135,6 +139,7 @@ TEST(VectorPicture, ThePdfOfATurnedPart) {
       "symbol s\n arc 1,0 0,-1 -1,0\n prop KIND=up at 0,1 vertical\n"
       "sheet top\n page 20,20\n line 1,1 2,1 color red\n part U s 8,8 rotate 2 mirror\n"
       " net\n  wire 2,15 4,15 style 1 width 2\n";
+  EXPECT_EQ(between(pdf_of(description), "/BBox", "]").front(), "[-1 -1 1001 1001");
   EXPECT_EQ(between(pdf_of(description), "stream\n", "\nendstream").front(),
             "1 j\n0.56 0 0.56 RG\n2 w\n1 J [] 0 d\n0 0 1000 1000 re\nS\n"
             "0.75 0 0 RG\n50 50 m\n100 50 l\nS\n"
