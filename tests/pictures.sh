@@ -57,6 +57,12 @@ assert links["register.svg"] == ["reg4.svg"], links
 assert links["dlatch.svg"] == ["reg4.svg"], links
 PYTHON
 
+# A block with the property and value of a primitive is shown as it is.
+printf 'symbol block\n pin A 0,0\n prop KIND=hard\nsheet block\n page 9,9\nsheet two\n page 9,9\n part X block 5,5\n' >two.gxt
+"$build/tools/gxmake" -q -o . two.gxt
+for kind in soft hard; do plot --svg --all --primitive KIND=$kind -o $kind two; done
+[[ -f soft/block.svg && -f hard/two.svg && ! -e hard/block.svg ]] || fail "$(ls soft hard)"
+
 # What is no file stays.
 mkfifo pipe
 if plot --svg -o pipe register 2>err; then fail "a pipe is written over"; fi
