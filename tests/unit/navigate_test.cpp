@@ -68,6 +68,9 @@ TEST(Navigate, RefusalsLeaveAllAsItWas) {
                      "# !! Error : More Than 1 Instance Found selected with \"INST\" "}));
   EXPECT_EQ(s.run("view down a b"),
             (lines_t{"# VIEw DOWn \"a\"   \"b\"   ", "# !! Error : parameter number invalid ? "}));
+  EXPECT_EQ(s.run("view all aside"),
+            (lines_t{"# VIEw ALL aside ",
+                     "# !! Error :  3 rd parameter incorrect (should be Edit/Context)  ? "}));
   EXPECT_EQ(s.run("view up a"),
             (lines_t{"# VIEw UP a ", "# !! Error : parameter number invalid ? "}));
   s.run("view down X1");

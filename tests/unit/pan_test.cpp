@@ -2,6 +2,7 @@
 #include "app/sheet/pan.h"
 
 #include "app/state.h"
+#include "gx/db/geometry.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
 #include "tests/support/drawing_board.h"
@@ -28,20 +29,18 @@ class Moves : public ::testing::Test {
 
 TEST_F(Moves, PanThePictureWithThePointer) {
   const gx_boundsreal_t whole = gx_vext.viewport[1].bounds_part;
-  const struct {
-    const char* word;
-    std::int32_t dx, dy;
-  } cases[] = {{"$VPTU5", 0, 25000}, {"$VPTR80", -400000, 0}};
-  for (const auto& c : cases) {
-    gx_vext.viewport[1].bounds_part = whole;
-    gx_vext.obj_pos = {7, 7};
-    move(c.word);
-    EXPECT_EQ(gx_vext.obj_pos, (gx_pointreal_t{7 + c.dx, 7 + c.dy})) << c.word;
-    EXPECT_EQ(gx_vext.viewport[1].bounds_part,
-              (gx_boundsreal_t{whole.xmin + c.dx, whole.ymin + c.dy, whole.xmax + c.dx,
-                               whole.ymax + c.dy}))
-        << c.word;
-  }
+  for (const char way : {'U', 'D', 'L', 'R'})
+    for (const int steps : {5, 20, 80}) {
+      const std::string word = std::string("$VPT") + way + std::to_string(steps);
+      const std::int32_t by = (way == 'U' || way == 'L' ? 5000 : -5000) * steps;
+      const gx_pointreal_t d =
+          way == 'U' || way == 'D' ? gx_pointreal_t{0, by} : gx_pointreal_t{by, 0};
+      gx_vext.viewport[1].bounds_part = whole;
+      gx_vext.obj_pos = {7, 7};
+      move(std::string_view(word));
+      EXPECT_EQ(gx_vext.obj_pos, (gx_pointreal_t{7 + d.x, 7 + d.y})) << word;
+      EXPECT_EQ(gx_vext.viewport[1].bounds_part, gx_move(whole, d)) << word;
+    }
   gx_vext.viewport_id = 3;
   move("$VPTU5");
   EXPECT_EQ(gx_vext.obj_pos.x, -399993) << "only pictures pan";

@@ -293,8 +293,8 @@ TEST_F(selecting, StatusOfNets) {
 }
 
 TEST_F(selecting, StatusOfProperties) {
-  EXPECT_EQ(s.run("status property"),
-            (lines_t{"# STAtus PROperty ", "# !! Warning : Nothing Valid Selected  ? "}));
+  EXPECT_EQ(s.run("status property edit"),
+            (lines_t{"# STAtus PROperty edit ", "# !! Warning : Nothing Valid Selected  ? "}));
   const auto number = [](int id) { return std::to_string(id); };
   s.run("sel obj edit I_" + number(r1) + "; sel pin edit R2 1; sel obj edit N_" + number(a));
   gx_property_info_ptr(s.file(), *lb_inst_properties(s.file(), r1).begin()).fixed = 1;
