@@ -14,8 +14,10 @@
 namespace {
 
 struct csv_file_t {
+  explicit csv_file_t(std::string file_path)
+      : path(std::move(file_path)), file(path), out(std::make_unique<kv_output_t>(file.get())) {}
   std::string path;
-  x_file file;
+  x_fresh_file file;
   std::unique_ptr<kv_output_t> out;
 };
 
@@ -39,55 +41,42 @@ void put_cell(kv_output_t& out, const kv_cell_t& cell) {
   if (const auto* real = std::get_if<double>(&cell)) out << static_cast<float>(*real);
 }
 
-std::string unfinished(const csv_file_t& file) { return file.path + ".part"; }
-
+// All files or none take their places, as far as writing them may fail.
 std::string put_in_place(std::vector<csv_file_t>& files) {
   for (csv_file_t& file : files) {
     file.out.reset();
-    const bool written = std::ferror(file.file.get()) == 0;
-    if (!x_close(std::move(file.file)) || !written)
-      return file.path + ": " + x_why(errno != 0 ? errno : ENOSPC);
+    if (!file.file.close()) return file.path + ": " + x_why(errno);
   }
-  for (const csv_file_t& file : files)
-    if (std::rename(unfinished(file).c_str(), file.path.c_str()) != 0)
-      return file.path + ": " + x_why(errno);
+  for (csv_file_t& file : files)
+    if (!file.file.put_in_place()) return file.path + ": " + x_why(errno);
   return "";
 }
 
 }  // namespace
 
-std::string kv_write_csv(const kvi_design_t& design, const std::string& directory) {
+std::string kv_write_csv(const kvi_design_t& design, const std::string& from,
+                         const std::string& directory) {
   if (::mkdir(directory.c_str(), 0777) != 0 && errno != EEXIST)
     return directory + ": " + x_why(errno);
   std::vector<csv_file_t> files;
-  std::string trouble;
   for (const kv_table_t& table : kv_tables) {
-    csv_file_t file{directory + "/" + std::string(table.name) + ".csv", nullptr, nullptr};
-    file.file = x_create_new_file(unfinished(file));
-    if (!file.file) {
-      trouble = file.path + ": " + x_why(errno);
-      break;
-    }
-    file.out = std::make_unique<kv_output_t>(file.file.get());
+    const std::string path = directory + "/" + std::string(table.name) + ".csv";
+    csv_file_t& file = files.emplace_back(path);
+    if (!file.file) return path + ": " + x_why(errno);
     std::string head(table.columns);
     std::ranges::replace(head, ' ', ',');
     *file.out << head << "\r\n";
-    files.push_back(std::move(file));
   }
-  if (trouble.empty()) {
-    const auto row = [&](kv_table table, std::span<const kv_cell_t> cells) {
-      kv_output_t& out = *gx_at(files, table).out;
-      kv_between_t between(",");
-      for (const kv_cell_t& cell : cells) {
-        out << between.next();
-        put_cell(out, cell);
-      }
-      out << "\r\n";
-    };
-    kv_table_writer_t(design, row).write();
-    trouble = put_in_place(files);
-  }
-  if (!trouble.empty())
-    for (const csv_file_t& file : files) std::remove(unfinished(file).c_str());
-  return trouble;
+  const auto row = [&](kv_table table, std::span<const kv_cell_t> cells) {
+    kv_output_t& out = *gx_at(files, table).out;
+    kv_between_t between(",");
+    for (const kv_cell_t& cell : cells) {
+      out << between.next();
+      put_cell(out, cell);
+    }
+    out << "\r\n";
+  };
+  kv_table_writer_t(design, row).write();
+  if (!design.is_unchanged()) return kvi_changed_message(from);
+  return put_in_place(files);
 }

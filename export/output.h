@@ -42,7 +42,7 @@ class kv_output_t {
     return *this;
   }
   void flush() {
-    std::fwrite(text_.data(), 1, text_.size(), file_);
+    if (!text_.empty() && file_ != nullptr) std::fwrite(text_.data(), 1, text_.size(), file_);
     text_.clear();
   }
 

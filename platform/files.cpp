@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <iterator>
 
@@ -90,6 +91,43 @@ x_file x_create_file(const std::string& path, bool through_link) {
 }
 
 x_file x_create_new_file(const std::string& path) { return stream_of(create_new(path), "w"); }
+
+x_fresh_file::x_fresh_file(const std::string& path) : path_(path) {
+  struct stat there {};
+  const bool is_there = stat(path.c_str(), &there) == 0;
+  if (is_there && !S_ISREG(there.st_mode)) {
+    file_ = x_create_file(path, true);
+    return;
+  }
+  if (char* const real = is_there ? realpath(path.c_str(), nullptr) : nullptr) {
+    path_ = real;
+    std::free(real);
+  }
+  unfinished_ = path_ + ".part";
+  file_ = x_create_new_file(unfinished_);
+  if (!file_) unfinished_.clear();
+}
+
+x_fresh_file::~x_fresh_file() {
+  file_.reset();
+  if (!unfinished_.empty()) unlink(unfinished_.c_str());
+}
+
+bool x_fresh_file::close() {
+  errno = 0;
+  const bool is_written = file_ != nullptr && std::ferror(file_.get()) == 0;
+  if (x_close(std::move(file_)) && is_written) return true;
+  if (errno == 0) errno = ENOSPC;  // what an earlier write said is no longer known
+  return false;
+}
+
+bool x_fresh_file::put_in_place() {
+  if (file_ && !close()) return false;
+  if (unfinished_.empty()) return true;
+  if (std::rename(unfinished_.c_str(), path_.c_str()) != 0) return false;
+  unfinished_.clear();
+  return true;
+}
 
 bool x_read_whole(int file, std::string& bytes, std::size_t limit) {
   struct stat info {};

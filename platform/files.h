@@ -44,6 +44,28 @@ x_file x_create_file(const std::string& path, bool through_link);
 // opened for: it is taken away first, and a directory refuses.
 x_file x_create_new_file(const std::string& path);
 
+// A file for writing that takes its path only when it is whole: until then it is `path`.part, and a
+// file at the path stays as it is. A link is followed, a device is written to, a pipe and a
+// directory are refused.
+class x_fresh_file {
+ public:
+  explicit x_fresh_file(const std::string& path);  // not open when it cannot be made
+  ~x_fresh_file();                                 // what is not in its place is removed
+  x_fresh_file(x_fresh_file&&) noexcept = default;
+  x_fresh_file& operator=(x_fresh_file&&) = delete;
+
+  std::FILE* get() const { return file_.get(); }
+  explicit operator bool() const { return file_ != nullptr; }
+  // False when not all that was written reached it.
+  bool close();
+  // Closes it, too, if need be.
+  bool put_in_place();
+
+ private:
+  std::string path_, unfinished_;  // unfinished_: "" when it is no more, or a device
+  x_file file_;
+};
+
 // The bytes of a file from its beginning, at most `limit`.
 bool x_read_whole(int file, std::string& bytes, std::size_t limit);
 // The same of a regular file at a path.

@@ -47,3 +47,11 @@ void x_forget_stop_waking() {
   while (read(ends[0], bytes, sizeof bytes) > 0) {
   }
 }
+
+// A handler, unlike SIG_IGN, is not inherited by the programs that this one starts.
+void x_survive_broken_pipes() {
+  struct sigaction action {};
+  action.sa_handler = [](int) {};
+  action.sa_flags = SA_RESTART;
+  sigaction(SIGPIPE, &action, nullptr);
+}

@@ -11,3 +11,6 @@ int x_stop_signal();
 // -1 before the watch. The signal itself stays noted.
 int x_stop_descriptor();
 void x_forget_stop_waking();
+
+// A reader that goes away is an error of the write, not the end of the program.
+void x_survive_broken_pipes();

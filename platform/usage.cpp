@@ -4,6 +4,8 @@
 #include <cstring>
 #include <string>
 
+#include "platform/stop_signals.h"
+
 void tool_print(std::FILE* stream, std::string_view text) {
   std::fwrite(text.data(), 1, text.size(), stream);
 }
@@ -27,6 +29,7 @@ int tool_end(const tool_t& tool, int exit_status) {
 std::optional<int> tool_read(const tool_t& tool, int argc, char** argv,
                              std::span<const tool_option_t> options,
                              std::vector<std::string_view>& words, std::size_t last) {
+  x_survive_broken_pipes();
   bool options_end = false;
   for (int i = 1; i < argc; ++i) {
     const std::string_view word = argv[i];

@@ -216,9 +216,9 @@ int main(int argc, char** argv) {
   } else if (yosys) {
     kv_write_yosys(design, name_of(path), stdout);
   } else if (!csv.empty()) {
-    trouble = kv_write_csv(design, std::string(csv));
+    trouble = kv_write_csv(design, path, std::string(csv));
   } else if (!sqlite.empty()) {
-    trouble = kv_write_sqlite(design, findings_of(path), std::string(sqlite));
+    trouble = kv_write_sqlite(design, path, findings_of(path), std::string(sqlite));
   } else {
     print_design(design);
   }

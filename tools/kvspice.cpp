@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -118,9 +119,9 @@ int main(int argc, char** argv) {
   if (const auto wrong = read_deck(path, cells); !wrong.empty()) return fail(x_escaped(wrong));
 
   const std::string out_path(file);
-  x_file own(out_path.empty() ? nullptr : std::fopen(out_path.c_str(), "w"));
-  if (!out_path.empty() && !own) return fail(out_path + ": " + x_why(errno));
-  std::FILE* const out = own ? own.get() : stdout;
+  std::optional<x_fresh_file> own;
+  if (!out_path.empty() && !own.emplace(out_path)) return fail(out_path + ": " + x_why(errno));
+  std::FILE* const out = own ? own->get() : stdout;
   const dk_output_t output{
       .line =
           [&](std::string_view line) {
@@ -129,10 +130,8 @@ int main(int argc, char** argv) {
             std::fputc('\n', out);
           },
       .complain = [](const std::string& what) { tool_complain(tool, x_escaped(what)); }};
-  int status = dk_write_deck(design, cells, deck, output) ? 0 : 1;
-  if (!design.is_unchanged()) status = fail(kvi_changed_message(path));
-  if (!own) return tool_end(tool, status);
-  const bool written = std::ferror(out) == 0;
-  if (!x_close(std::move(own)) || !written) return fail(out_path + ": " + x_why(errno));
-  return status;
+  const int status = dk_write_deck(design, cells, deck, output) ? 0 : 1;
+  if (!design.is_unchanged()) return fail(kvi_changed_message(path));
+  if (own && !own->put_in_place()) return fail(out_path + ": " + x_why(errno));
+  return tool_end(tool, status);
 }

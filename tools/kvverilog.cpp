@@ -1,6 +1,7 @@
 // kvverilog: an expanded design as structural Verilog.
 #include <cerrno>
 #include <cstdio>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -44,12 +45,10 @@ int main(int argc, char** argv) {
   const kvi_loaded_t loaded = kvi_open_design(design, path);
   if (loaded.result != kvi_load_result::loaded) return fail(loaded.message);
 
-  x_file own(out_path.empty() ? nullptr : x_create_file(out_path, true));
-  if (!out_path.empty() && !own) return fail(out_path + ": " + x_why(errno));
-  kv_write_verilog(design, top, flat, own ? own.get() : stdout);
-  const int status = design.is_unchanged() ? 0 : fail(kvi_changed_message(path));
-  if (!own) return tool_end(tool, status);
-  const bool written = std::ferror(own.get()) == 0;
-  if (!x_close(std::move(own)) || !written) return fail(out_path + ": " + x_why(errno));
-  return status;
+  std::optional<x_fresh_file> own;
+  if (!out_path.empty() && !own.emplace(out_path)) return fail(out_path + ": " + x_why(errno));
+  kv_write_verilog(design, top, flat, own ? own->get() : stdout);
+  if (!design.is_unchanged()) return fail(kvi_changed_message(path));
+  if (own && !own->put_in_place()) return fail(out_path + ": " + x_why(errno));
+  return tool_end(tool, 0);
 }

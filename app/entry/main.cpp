@@ -62,7 +62,6 @@ int run_with_options(int argc, char** argv) {
   batch.design = words[0];
   batch.do_file = words[1];
   batch.arguments = std::span(words).subspan(2);
-  kv_survive_broken_pipes();
   kv_find_installation(own_program);
   const int status = kv_run_batch(batch);
   std::fflush(nullptr);

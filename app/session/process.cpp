@@ -1,7 +1,6 @@
 #include "app/session/process.h"
 
 #include <fcntl.h>
-#include <signal.h>
 #include <unistd.h>
 
 #include <new>
@@ -29,12 +28,4 @@ void hold_standard_streams() {
 void kv_prepare_process() {
   hold_standard_streams();
   std::set_new_handler(end_without_memory);
-}
-
-// A handler, unlike SIG_IGN, is not inherited by the programs that this one starts.
-void kv_survive_broken_pipes() {
-  struct sigaction action {};
-  action.sa_handler = [](int) {};
-  action.sa_flags = SA_RESTART;
-  sigaction(SIGPIPE, &action, nullptr);
 }

@@ -11,6 +11,7 @@
 #include "app/session/process.h"
 #include "app/window/window_front.h"
 #include "platform/raw_files.h"
+#include "platform/stop_signals.h"
 #include "platform/timing.h"
 
 namespace {
@@ -58,6 +59,6 @@ int main(int argc, char** argv) {
   const char* design = argc > 1 ? argv[1] : "";
   check_opening(design, O_PATH | O_DIRECTORY, no_directory);
   check_opening(design, O_RDONLY | O_DIRECTORY, not_readable);
-  kv_survive_broken_pipes();
+  x_survive_broken_pipes();
   return kivo_root(argc, argv);
 }

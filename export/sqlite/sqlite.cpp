@@ -169,8 +169,8 @@ class database_t {
 
 }  // namespace
 
-std::string kv_write_sqlite(const kvi_design_t& design, std::string_view findings,
-                            const std::string& path) {
+std::string kv_write_sqlite(const kvi_design_t& design, const std::string& from,
+                            std::string_view findings, const std::string& path) {
   const std::string unfinished = path + ".part";
   // Made anew, so that nothing that stands there is written into.
   if (auto file = x_create_new_file(unfinished); !file || !x_close(std::move(file)))
@@ -183,7 +183,8 @@ std::string kv_write_sqlite(const kvi_design_t& design, std::string_view finding
   database.put_findings(findings);
   database.run(indexes_and_views);
   database.run("COMMIT;");
-  const std::string trouble = database.close();
+  std::string trouble = database.close();
+  if (!design.is_unchanged()) trouble = kvi_changed_message(from);
   if (trouble.empty() && std::rename(unfinished.c_str(), path.c_str()) == 0) return "";
   const std::string why = trouble.empty() ? x_why(errno) : trouble;
   std::remove(unfinished.c_str());

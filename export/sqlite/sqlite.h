@@ -8,6 +8,7 @@
 #include "kvi/load.h"
 
 // Writes the database in one transaction into a new file, which takes the name `path` when it is
-// whole. `findings` is the text of the design's findings.json, or "". "" or what went wrong.
-std::string kv_write_sqlite(const kvi_design_t& design, std::string_view findings,
-                            const std::string& path);
+// whole. `from` is the path of the design, `findings` the text of the design's findings.json, or
+// "". "" or what went wrong.
+std::string kv_write_sqlite(const kvi_design_t& design, const std::string& from,
+                            std::string_view findings, const std::string& path);

@@ -8,8 +8,8 @@ namespace {
 
 // Sets its variables from the words; `run` is the output of a program that must succeed.
 constexpr char prelude[] = R"(
-import csv, json, os, shutil, sqlite3, subprocess, sys
-kvdump, kvverilog, design = sys.argv[1:4]
+import csv, json, os, resource, shutil, signal, sqlite3, subprocess, sys
+kvdump, kvverilog, kvspice, design = sys.argv[1:5]
 def run(*words, status=0):
     ended = subprocess.run(words, capture_output=True, timeout=60)
     assert ended.returncode == status, (words, ended.returncode, ended.stderr)
@@ -27,10 +27,10 @@ class ExportTest : public ::testing::Test {
   }
   void check(const std::string& script) {
     directory.write("check.py", prelude + script);
-    const auto ended =
-        run_program(shared_display(), {.directory = directory.path(),
-                                       .words = {"check.py", KIVO_KVDUMP, KIVO_KVVERILOG, "top"},
-                                       .program = "/usr/bin/python3"});
+    const auto ended = run_program(
+        shared_display(), {.directory = directory.path(),
+                           .words = {"check.py", KIVO_KVDUMP, KIVO_KVVERILOG, KIVO_KVSPICE, "top"},
+                           .program = "/usr/bin/python3"});
     EXPECT_EQ(ended.status, 0) << ended.err << ended.out;
   }
   scratch_directory directory;
@@ -144,10 +144,27 @@ for words, why in (((kvdump, "--sqlite", "none/x.db"), "none/x.db: No such file 
                    ((kvdump, "--csv", "run.do"), "run.do"),
                    ((kvverilog, "-o", "none/x.v"), "none/x.v: No such file or directory")):
     assert why in run(*words, design, status=1), words
-for form in (("--json",), ("--format", "yosys")):
-    with open("/dev/full", "w") as full:
-        ended = subprocess.run((kvdump, *form, design), stdout=full, stderr=subprocess.PIPE)
-    assert ended.returncode == 1 and ended.stderr, form
+shown = ((kvdump,), (kvdump, "--json"), (kvdump, "--format", "yosys"), (kvverilog,), (kvspice,))
+for words in shown:
+    read, write = os.pipe()
+    os.close(read)
+    with open("/dev/full", "w") as full, open(write, "w") as closed:
+        for to, why in ((full, b"No space left on device"), (closed, b"Broken pipe")):
+            ended = subprocess.run((*words, design), stdout=to, stderr=subprocess.PIPE)
+            assert ended.returncode == 1 and why in ended.stderr, (words, ended)
+# On a disk that is full what was there stays, and nothing half written is left.
+def small_files():
+    signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+    resource.setrlimit(resource.RLIMIT_FSIZE, (200, 200))
+os.mkdir("full")
+for words, file in (((kvdump, "--sqlite", "full/x"), "full/x"), ((kvverilog, "-o", "full/x"), "full/x"),
+                    ((kvspice, "-o", "full/x"), "full/x"),
+                    ((kvdump, "--csv", "full"), "full/net.csv")):
+    with open(file, "w") as there: there.write("old")
+    ended = subprocess.run((*words, design), stderr=subprocess.PIPE, preexec_fn=small_files)
+    assert ended.returncode == 1 and file[:4] in ended.stderr.decode(), (words, ended)
+    assert os.listdir("full") == [os.path.basename(file)] and open(file).read() == "old", words
+    os.remove(file)
 run(kvdump, "--json", "--csv", "x", design, status=2)
 run(kvdump, "--format", "other", design, status=2)
 # A file that was there stays until the new one is whole, and is replaced by it.
@@ -158,6 +175,51 @@ open("top/design_kv", "r+b").truncate(1000)
 for words in ((kvdump, "--json"), (kvdump, "--sqlite", "cut.db"), (kvdump, "--csv", "cut")):
     assert "top/design_kv: truncated" in run(*words, design, status=1)
 assert not [name for name in os.listdir(".") if name.startswith("cut") or name.endswith(".part")]
+)");
+}
+
+// Names and values of any bytes, as a design file may hold them, and a design of nothing.
+TEST_F(ExportTest, AnyNameAndNothingAtAllAreWritten) {
+  expand(description, commands);
+  check(R"(
+data = open("top/design_kv", "rb").read()
+for plain, odd in ((b"assign", b"as\xe9\"\nn"), (b'a"b\\,c', b'\r\n"\xff,c')):
+    assert data.count(plain) > 0, plain
+    data = data.replace(plain, odd)
+open("top/design_kv", "wb").write(data)
+def read_all():
+    whole = json.loads(run(kvdump, "--json", design))
+    json.loads(run(kvdump, "--format", "yosys", design))
+    run(kvdump, "--sqlite", "all.db", design)
+    run(kvdump, "--csv", "all", design)
+    for form in ((), ("--flat",)):
+        run(kvverilog, "-o", "all.v", *form, design)
+        run("iverilog", "-Wall", "-t", "null", "-s", "top", "all.v")
+    deck = run(kvspice, design).decode("ascii").splitlines()
+    assert all(line[:1] in "*.RrUuXx+" for line in deck), deck
+    def column(table, place, name):
+        with open(f"all/{table}.csv", newline="", encoding="latin-1") as file:
+            texts = {row[place] for row in list(csv.reader(file))[1:]}
+        with sqlite3.connect("all.db") as base:
+            assert texts == {text or "" for text, in base.execute(f"SELECT {name} FROM {table}")}
+        return texts
+    assert column("net", 1, "path") == {net["path"] for net in whole["nets"]}
+    return column("net", 1, "path"), column("property", 4, "text")
+paths, texts = read_all()
+assert '/as\xe9"\nn' in paths and '\r\n"\xff,c' in texts, (paths, texts)
+)");
+  expand("sheet top\n", commands);
+  check(R"(
+whole = json.loads(run(kvdump, "--json", design))
+assert whole["instances"] == whole["nets"] == []
+run(kvdump, "--csv", "none", design)
+assert len(open("none/net.csv").readlines()) == 1
+run(kvdump, "--sqlite", "none.db", design)
+assert sqlite3.connect("none.db").execute("SELECT count(*) FROM net").fetchone() == (0,)
+run(kvverilog, "-o", "none.v", design)
+run("iverilog", "-t", "null", "-s", "top", "none.v")
+assert json.loads(run(kvdump, "--format", "yosys", design))["modules"]["top"]["cells"] == {}
+assert b".end" in run(kvspice, design)
 )");
 }
 
