@@ -1,10 +1,13 @@
 #include "compare/changes.h"
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <map>
 #include <utility>
 
 #include "compare/matching.h"
+#include "results/engineering.h"
 
 namespace {
 
@@ -19,6 +22,16 @@ std::string pin_text(std::string_view before, const kv_compared_terminal_t& term
   if (terminal.bit >= 0) text += '[' + std::to_string(terminal.bit) + ']';
   return text;
 }
+
+// A property that one design keeps as a number and the other as a text has changed where these are
+// other numbers.
+bool is_same(const kv_compared_value_t& a, const kv_compared_value_t& b) {
+  if (a.text == b.text || a.is_number == b.is_number) return a.text == b.text;
+  const auto x = rs_read_number(a.text), y = rs_read_number(b.text);
+  constexpr double kept = 1e-6;  // of what a number keeps
+  return x && y && std::fabs(*x - *y) <= kept * std::max(std::fabs(*x), std::fabs(*y));
+}
+bool is_none(const kv_compared_value_t& value) { return value.is_number && value.text == "0"; }
 
 class teller_t {
  public:
@@ -149,10 +162,12 @@ class teller_t {
       const bool only_now = o == before.after_values ||
                             (n < after.after_values && now_.values[n].name < old_.values[o].name);
       if (only_old) {
-        changed.push_back({std::string(old_.values[o].name), old_.values[o].text, {}});
+        if (!is_none(old_.values[o]))
+          changed.push_back({std::string(old_.values[o].name), old_.values[o].text, {}});
       } else if (only_now) {
-        changed.push_back({std::string(now_.values[n].name), {}, now_.values[n].text});
-      } else if (old_.values[o].text != now_.values[n].text) {
+        if (!is_none(now_.values[n]))
+          changed.push_back({std::string(now_.values[n].name), {}, now_.values[n].text});
+      } else if (!is_same(old_.values[o], now_.values[n])) {
         changed.push_back(
             {std::string(now_.values[n].name), old_.values[o].text, now_.values[n].text});
       }

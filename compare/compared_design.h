@@ -20,7 +20,8 @@ struct kv_compared_block_t {
 
 struct kv_compared_value_t {
   std::string_view name;
-  std::string text;  // never ""
+  std::string text;        // never ""
+  bool is_number = false;  // kept as one: 0 stands for none, too
 };
 
 // A pin, or a bit of a wide one.
@@ -112,7 +113,8 @@ kv_compared_design_t kv_compared(kv_netlist_t<Design> netlist) {
     for (std::int32_t k = 0; k < netlist.nb_of_properties(inst); ++k) {
       const kv_property_t property = netlist.property(inst, k);
       std::string text = kv_compared_text(netlist, property);
-      if (!text.empty()) design.values.push_back({property.name, std::move(text)});
+      if (!text.empty())
+        design.values.push_back({property.name, std::move(text), property.type != kv_prop_string});
     }
     for (std::int32_t k = 0; k < netlist.nb_of_pins(inst); ++k) {
       const kv_object_t pin = netlist.pin(inst, k);

@@ -284,6 +284,17 @@ int32_t kvi_get_pin_values(int32_t place, int32_t first, int32_t count, kvi_valu
  * "value_row". For callers of other languages, who describe the structures themselves. */
 int32_t kvi_get_size_of(const char* name);
 
+/* --- as JSON -------------------------------------------------------------------------------- */
+
+/* The loaded design as `kvdump --json` writes it: *len characters and a 0 byte. NULL without
+ * memory. The library's, valid until the next call of this function or the one below. */
+const char* kvi_get_json(int64_t* len);
+/* Likewise what changed electrically from one design to another, each a design directory or a
+ * design file, as `kvdiff --json` writes it. NULL when one cannot be read; kvi_difference_error
+ * says which, and why. What is loaded stays so. */
+const char* kvi_get_difference(const char* old, const char* now, int64_t* len);
+const char* kvi_difference_error(void);
+
 /* --- helpers ------------------------------------------------------------------------------ */
 
 /* The date now, UTC. */

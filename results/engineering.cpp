@@ -6,8 +6,6 @@
 #include <cmath>
 #include <cstdio>
 
-#include "gx/text/string_compare.h"
-
 namespace {
 
 struct suffix_t {
@@ -23,11 +21,12 @@ constexpr std::array suffixes{
 bool is_unit_letter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 
 // The power of ten that letters after a number mean.
-int power_of(std::string_view letters) {
-  if (gx_equal("meg", letters)) return 6;
-  if (letters.empty()) return 0;
+int power_of(std::string letters) {
+  for (char& c : letters)
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  if (letters.starts_with("meg")) return 6;
   for (const auto& suffix : suffixes) {
-    if (suffix.alone.size() == 1 && gx_equal(suffix.alone, letters)) return suffix.power;
+    if (suffix.alone.size() == 1 && letters.starts_with(suffix.alone)) return suffix.power;
   }
   return 0;
 }
@@ -81,7 +80,7 @@ std::optional<double> rs_read_number(std::string_view text) {
   const std::string_view letters(read.ptr, static_cast<std::size_t>(end - read.ptr));
   if (!std::ranges::all_of(letters, is_unit_letter)) return std::nullopt;
   // Powers of ten are exact, their reciprocals are not: "100n" is to be 100e-9.
-  const int power = power_of(letters);
+  const int power = power_of(std::string(letters));
   number = power < 0 ? number / std::pow(10.0, -power) : number * std::pow(10.0, power);
   return std::isfinite(number) ? std::optional(number) : std::nullopt;
 }

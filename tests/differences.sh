@@ -33,6 +33,7 @@ expect 0 old/register old/register/design_kv
 expect 1 old/register value/register '~ instance /CL1: VALUE 20f -> 30f'
 expect 1 old/register branch/register '~ branch /XR is now /XREG'
 expect 1 old/register bit/register '~ pin /CL3/1 moved from /Q_3 to /Q_2'
+expect 2 old/register old "kvdiff: old: not expanded: no design_kv in it"
 expect 2 old/register none "kvdiff: none: No such file or directory"
 head -c 5000 old/register/design_kv >cut
 expect 2 cut old/register "kvdiff: cut: truncated"

@@ -9,6 +9,7 @@
 
 #include "compare/changes.h"
 #include "compare/words.h"
+#include "export/changes_json.h"
 #include "export/output.h"
 #include "kvi/load.h"
 #include "platform/usage.h"
@@ -36,37 +37,6 @@ void write_lines(const std::vector<kv_change_t>& changes, bool coloured, kv_outp
     out << sign << ' ' << kv_change_text(change);
     out << (coloured ? "\x1b[0m\n" : "\n");
   }
-}
-
-void write_json(const std::vector<kv_change_t>& changes, kv_output_t& out) {
-  const auto changed = [&](std::string_view what, const std::string& name,
-                           const std::string& before, const std::string& after) {
-    out << "{\"" << what << "\": ";
-    out.json(name) << ", \"before\": ";
-    out.json(before) << ", \"after\": ";
-    out.json(after) << '}';
-  };
-  out << "{\"format\": \"kivo-difference\", \"version\": 1, \"changes\": [";
-  kv_between_t between(",");
-  for (const kv_change_t& change : changes) {
-    out << between.next() << "\n ";
-    out << "{\"change\": ";
-    out.json(kv_change_word(change.change)) << ", \"before\": ";
-    out.json(change.before) << ", \"after\": ";
-    out.json(change.after) << ", \"values\": [";
-    kv_between_t between_values(", "), between_pins(", ");
-    for (const kv_changed_value_t& value : change.values) {
-      out << between_values.next();
-      changed("name", value.name, value.before, value.after);
-    }
-    out << "], \"pins\": [";
-    for (const kv_changed_pin_t& pin : change.pins) {
-      out << between_pins.next();
-      changed("pin", pin.pin, pin.before, pin.after);
-    }
-    out << "]}";
-  }
-  out << "\n]}\n";
 }
 
 bool shows_colours() {
@@ -102,7 +72,7 @@ int main(int argc, char** argv) {
   }
   if (!quiet) {
     kv_output_t out(stdout);
-    json ? write_json(changes, out) : write_lines(changes, shows_colours(), out);
+    json ? kv_write_changes(changes, out) : write_lines(changes, shows_colours(), out);
   }
   if (tool_end(tool, 0) != 0) return trouble;
   return changes.empty() ? 0 : 1;

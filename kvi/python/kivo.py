@@ -17,16 +17,30 @@ beside this module's installation, then where the system's loader looks.
 from __future__ import annotations
 
 import ctypes
+import json
 import os
 import pathlib
 import struct
 from collections.abc import Iterator
-from ctypes import POINTER, byref, c_char_p, c_float, c_int8, c_int16, c_int32
-from typing import Union
+from ctypes import POINTER, byref, c_char_p, c_float, c_int8, c_int16, c_int32, c_int64
+from typing import Any, TypedDict, Union
 
 Value = Union[str, "tuple[int, int, int]", "tuple[float, float, float]"]
+Path = Union[str, "os.PathLike[str]"]
 
-__all__ = ["Design", "Error", "Instance", "Macro", "MacroPin", "Net", "Pin", "load"]
+__all__ = ["Change", "Design", "Error", "Instance", "Macro", "MacroPin", "Net", "Pin", "diff",
+           "load"]
+
+
+class Change(TypedDict):
+    """A change between two designs: `change` says what ("net split"), `before` and `after` are
+    paths; `values` have `name`, `before`, `after`, `pins` have `pin`, `before`, `after`."""
+
+    change: str
+    before: str
+    after: str
+    values: list[dict[str, str]]
+    pins: list[dict[str, str]]
 
 
 class Error(Exception):
@@ -140,12 +154,17 @@ class _Object:
     number on the sheet that it is drawn on; `sheet`, the path of that sheet's file; `block`, the
     macro whose sheet it is, None for the primary one."""
 
+    # Of each kind of object: its record, its name in the functions of libkvi, its number in others.
+    _record: type[ctypes.Structure]
+    _get: str
+    _kind: int
+
     index: int
     name: str
     path: str
     properties: dict[str, Value]
 
-    def __init__(self, design, record):
+    def __init__(self, design: Design, record: Any) -> None:
         self._design = design
         self.index = record.self_id
         self.name = record.name.text()
@@ -224,7 +243,8 @@ class Pin(_Object):
     """A pin of an instance. `type`: 1 input, 2 output, 3 and 4 bidirectional. Its bits
     `first_bit`..`last_bit` meet those of its net from `net_first_bit` on."""
 
-    _record, _get, _kind = _PinRecord, "pin", 4
+    _record: type[ctypes.Structure] = _PinRecord
+    _get, _kind = "pin", 4
 
     type: int
     first_bit: int
@@ -288,7 +308,8 @@ class MacroPin(Pin):
 class Instance(_Object):
     """A leaf of the design. `file` is the sheet that it stands on."""
 
-    _record, _get, _kind = _InstanceRecord, "instance", 0
+    _record: type[ctypes.Structure] = _InstanceRecord
+    _get, _kind = "instance", 0
     _pin = Pin
 
     file: str
@@ -311,15 +332,17 @@ class Macro(Instance):
 
 
 class Design:
-    """A loaded design, from load(). `errors`, `warnings` and `time_step` are those of its run."""
+    """A loaded design, from load(). `errors`, `warnings` and `time_step` are those of its run;
+    `path` is what was loaded."""
 
     _loaded = None  # the one that libkvi holds
 
-    def __init__(self, path):
+    def __init__(self, path: Path):
         self._kvi = _library()
         self._records = {kind: POINTER(kind._record)()
                          for kind in (Net, Instance, Pin, Macro, MacroPin)}
         Design._loaded = None
+        self.path = os.fspath(path)
         status = c_int32()
         self._kvi.kvi_load(os.fsencode(path), byref(status))
         if status.value != 0:
@@ -384,26 +407,15 @@ class Design:
     def macro_pin(self, which: int | str) -> MacroPin:
         return self._one(MacroPin, which)
 
-    def to_dict(self) -> dict:
-        """The whole design as dictionaries and lists, as `kvdump --json` writes it."""
-        def common(thing):
-            return {"path": thing.path, "properties": thing.properties}
-
-        def pin(of):
-            return {**common(of), "type": of.type, "net": of.net_index,
-                    "bits": [of.first_bit, of.last_bit], "net_bit": of.net_first_bit}
-
-        def part(of):
-            return {**common(of), "sheet": of.file, "pins": [pin(each) for each in of.pins()]}
-
-        return {
-            "errors": self.errors, "warnings": self.warnings, "time_step": self.time_step,
-            "instances": [part(inst) for inst in self.instances()],
-            "macros": [part(macro) for macro in self.macros()],
-            "nets": [{**common(net), "name": net.name, "type": net.type, "kind": net.kind,
-                      "bus": net.bus, "range": [net.first_bit, net.last_bit],
-                      "pins": [each.index for each in net.pins()]} for net in self.nets()],
-        }
+    def to_dict(self) -> dict[str, Any]:
+        """The whole design as dictionaries and lists: what `kvdump --json` writes."""
+        self._check()
+        length = c_int64()
+        text = self._kvi.kvi_get_json(byref(length))
+        if not text:
+            raise MemoryError
+        self._check()
+        return json.loads(ctypes.string_at(text, length.value))
 
     def _one(self, kind, which):
         if isinstance(which, int):
@@ -465,10 +477,22 @@ class Design:
         self._check()
 
 
-def load(path: str | os.PathLike) -> Design:
+def load(path: Path) -> Design:
     """The design of the directory `path`, or of the design file `path`. Raises Error, with what is
     wrong, when there is none or it is damaged."""
     return Design(path)
+
+
+def diff(old: Union[Path, Design], new: Union[Path, Design]) -> list[Change]:
+    """What changed electrically from one design to another, each a design, its directory or its
+    file: the changes that `kvdiff --json` writes. Raises Error when one cannot be read."""
+    kvi = _library()
+    length = c_int64()
+    paths = [os.fsencode(each.path if isinstance(each, Design) else each) for each in (old, new)]
+    text = kvi.kvi_get_difference(*paths, byref(length))
+    if not text:
+        raise Error(os.fsdecode(kvi.kvi_difference_error()))
+    return json.loads(ctypes.string_at(text, length.value))["changes"]
 
 
 def _candidates():
@@ -492,26 +516,29 @@ def _check_sizes(kvi):
                        ("property", ctypes.sizeof(_Property)), ("place", ctypes.sizeof(_Place)),
                        ("pin_row", _Bulk._PIN.size), ("value_row", _Bulk._VALUE.size)):
         if kvi.kvi_get_size_of(name.encode()) != size:
-            _library.loaded = None
             raise Error(f"libkvi and this module differ in the structure {name}")
 
 
-def _library():
+_loaded: ctypes.CDLL | None = None
+
+
+def _library() -> ctypes.CDLL:
     """libkvi, loaded at the first use."""
-    if _library.loaded is None:
-        reasons = []
-        for candidate in _candidates():
-            try:
-                _library.loaded = ctypes.CDLL(candidate)
-                break
-            except OSError as error:
-                reasons.append(str(error))
-        else:
-            raise Error("libkvi is not found: " + "; ".join(reasons))
-        _library.loaded.kvi_load_error.restype = c_char_p
-        _library.loaded.kvi_get_time_step.restype = c_float
-        _check_sizes(_library.loaded)
-    return _library.loaded
-
-
-_library.loaded = None
+    global _loaded
+    if _loaded is not None:
+        return _loaded
+    reasons = []
+    for candidate in _candidates():
+        try:
+            kvi = ctypes.CDLL(candidate)
+            break
+        except OSError as error:
+            reasons.append(str(error))
+    else:
+        raise Error("libkvi is not found: " + "; ".join(reasons))
+    _check_sizes(kvi)
+    kvi.kvi_load_error.restype = kvi.kvi_difference_error.restype = c_char_p
+    kvi.kvi_get_json.restype = kvi.kvi_get_difference.restype = ctypes.c_void_p
+    kvi.kvi_get_time_step.restype = c_float
+    _loaded = kvi
+    return kvi

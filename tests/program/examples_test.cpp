@@ -162,8 +162,10 @@ TEST(Examples, EverySheetPassesTheCheck) {
 // What the Python module tells of a design, a line for each object, against the listing of the run.
 TEST(Examples, PythonReadsWhatTheListingHolds) {
   scratch_directory directory;
+  expand_example(directory, "filter");
   expand_example(directory, "register");
   directory.write("read.py", R"(
+import json, subprocess, sys
 import kivo
 def line(kind, thing, more=()):
     values = [f"{k}={v if isinstance(v, str) else ' '.join(f'{n:.3f}' for n in v)}"
@@ -199,6 +201,16 @@ with kivo.load("register") as design:
     assert design.pin("/XR/X2/MP1/G").block.path == "/XR/X2"
     assert design.macro("/XR").block is None and 0 < part.object_id <= 30000
     whole = design.to_dict()
+    dumped = subprocess.run((sys.argv[1], "--json", "register"), stdout=subprocess.PIPE).stdout
+    assert whole == json.loads(dumped)
+    assert kivo.diff(design, "register/design_kv") == []
+    # Of another design: all is gone, all is new; the one that is loaded stays so.
+    kinds = {change["change"] for change in kivo.diff("register", "filter")}
+    assert {"branch gone", "branch new", "instance gone", "instance new"} <= kinds, kinds
+    try: kivo.diff("none", "register")
+    except kivo.Error as error: assert "none: No such file" in str(error), error
+    else: assert False
+    assert design.net(1).index == 1
     assert [pin["path"] for part in whole["instances"] for pin in part["pins"]] == [
         pin.path for pin in kept]
     unread = design.nets()
@@ -212,7 +224,7 @@ assert kept[0].properties["PINTYPE"] and kept[0].path  # as they were
 )");
   const auto read =
       run_program(shared_display(), {.directory = directory.path(),
-                                     .words = {"read.py"},
+                                     .words = {"read.py", KIVO_KVDUMP},
                                      .environment = {"KIVO_LIBKVI=" KIVO_KVI_LIBRARY,
                                                      "PYTHONPATH=" KIVO_SOURCE_DIR "/kvi/python"},
                                      .program = "/usr/bin/python3"});

@@ -346,6 +346,17 @@ TEST(Compare, ToldAsAReviewerWouldTellIt) {
         d.leaves["/X7/Y/R1"] = leaf("8k", "/X7/N", "/GND");
       }),
       (lines_t{"branch renamed /X1 > /X7", "values changed /X1/Y/R1 > /X7/Y/R1; VALUE 1k > 8k"}));
+  // A value that is a number in one of the designs alone is the same as long as it is that number.
+  const auto kept = [](std::string text, bool is_number) {
+    kv_compared_design_t design = records_of({{}, {{"/R1", {{{"W", std::move(text)}}, {}}}}});
+    design.values.front().is_number = is_number;
+    return design;
+  };
+  EXPECT_TRUE(kv_compare(kept("1e-06", true), kept("1u", false)).empty());
+  EXPECT_EQ(kv_compare(kept("2e-06", true), kept("1u", false)).size(), 1U);
+  EXPECT_EQ(kv_compare(kept("1000", false), kept("1k", false)).size(), 1U);
+  EXPECT_TRUE(kv_compare(kept("0", true), records_of({{}, {{"/R1", {}}}})).empty());
+  EXPECT_EQ(kv_compare(kept("0", false), records_of({{}, {{"/R1", {}}}})).size(), 1U);
   // Branches that are alike are found by the nets that they are on.
   const design_t twins{{"/X1", "/X2"},
                        {{"/R1", leaf("1k", "/IN", "/OUT")},
