@@ -20,9 +20,12 @@ struct kv_named_value_t {
   template <std::integral Number>
   requires(!std::same_as<Number, bool>) kv_named_value_t(std::string_view the_name, Number number)
       : name(the_name), value(static_cast<std::int64_t>(number)) {}
+  // What is not a number, or infinite, is none.
+  kv_named_value_t(std::string_view the_name, double number) : name(the_name), value(number) {}
 
   std::string_view name;
-  std::variant<bool, std::int64_t, std::string_view, std::span<const std::string_view>> value;
+  std::variant<bool, std::int64_t, double, std::string_view, std::span<const std::string_view>>
+      value;
 };
 
 // Gives a record of a type ("finding") to the one who takes them; does nothing when nobody does.

@@ -1,5 +1,8 @@
 #include "app/session/batch_json.h"
 
+#include <charconv>
+#include <cmath>
+
 #include "app/language/answer_records.h"
 #include "gx/text/at.h"
 #include "platform/json.h"
@@ -32,6 +35,11 @@ struct appender_t {
   std::string& json;
   void operator()(bool flag) const { json += flag ? "true" : "false"; }
   void operator()(std::int64_t number) const { json += std::to_string(number); }
+  void operator()(double number) const {
+    char digits[40];
+    const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
+    json += std::isfinite(number) ? std::string_view(digits, end) : std::string_view("null");
+  }
   void operator()(std::string_view text) const { x_append_json(json, text); }
   void operator()(std::span<const std::string_view> texts) const { append_texts(json, texts); }
 };

@@ -4,11 +4,13 @@
 #include <string>
 
 #include "app/check/listed_places.h"
+#include "app/language/answer_records.h"
 #include "app/language/command_row.h"
 #include "app/values/asked.h"
 #include "app/values/condition.h"
 #include "app/values/crossing.h"
 #include "app/values/shown_values.h"
+#include "app/values/value_records.h"
 #include "gx/text/message_list.h"
 #include "gx/text/strings.h"
 #include "results/engineering.h"
@@ -31,6 +33,7 @@ std::string words_from(const kv_command_t& command, int first) {
 // The values of a device by the parameters of a condition: the first of each name.
 struct asked_values_t {
   std::vector<double> numbers;
+  std::vector<std::string_view> units;
   std::string words;  // "vds 1.2 V, vdsat 100 mV"
 };
 std::optional<asked_values_t> asked_values(const kv_results_t& results,
@@ -43,9 +46,11 @@ std::optional<asked_values_t> asked_values(const kv_results_t& results,
     }
     if (found == nullptr) return std::nullopt;
     const rs_value_t value = kv_value_at(results, results.place, found->variable);
+    const std::string_view unit = kv_unit_of(results, *found);
     asked.numbers.push_back(value.re);
+    asked.units.push_back(unit);
     asked.words.append(asked.words.empty() ? "" : ", ").append(parameter).append(" ");
-    asked.words += kv_value_text(results, value, kv_unit_of(results, *found), told_digits);
+    asked.words += kv_value_text(results, value, unit, told_digits);
   }
   return asked;
 }
@@ -77,9 +82,17 @@ void kv_list_devices_cmd(const kv_command_t& command) {
         {std::string(design.netlist.path(object)),
          std::string(kv_visit_path(design.netlist, design.origins, place.visit)), place.object_id,
          asked->words});
-    gx_tell("# ", std::to_string(met), " ", kv_pext.listed_places.back().path, " : ", asked->words);
+    const std::string& path = kv_pext.listed_places.back().path;
+    kv_record("device", {{"number", met}, {"path", path}});
+    for (std::size_t i = 0; i < asked->numbers.size(); ++i) {
+      const rs_value_t value{asked->numbers[i], 0};
+      kv_record_value(*results, results->x,
+                      {path, condition.parameters()[i], asked->units[i], &value});
+    }
+    gx_tell("# ", std::to_string(met), " ", path, " : ", asked->words);
   }
   if (met > most) gx_tell("# ... and more ");
+  kv_record("counts", {{"devices", met}, {"of", asked_of}});
   gx_tell("# ", std::to_string(met), " of ", std::to_string(asked_of),
           " devices that have these values", kv_at_text(*results, results->x));
   kv_echo(" LIST DEVices ", command, 3);
@@ -133,6 +146,7 @@ void go_to_crossing(std::string_view keyword, const kv_command_t& command,
   }
   kv_redraw_values();
   const rs_value_t value = kv_value_at(*results, results->place, crossing->variable);
+  kv_record("crossing", {{"path", command.word(3)}, {"level", crossing->level}, {"at", *x}});
   gx_tell("# ", command.word(3), " : ", kv_value_text(*results, value, "V", told_digits),
           kv_at_text(*results, results->x));
   kv_echo(keyword, command, 3);

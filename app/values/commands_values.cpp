@@ -3,11 +3,13 @@
 #include <string>
 
 #include "app/find/find_path.h"
+#include "app/language/answer_records.h"
 #include "app/language/command_row.h"
 #include "app/sheet/command_viewport.h"
 #include "app/values/answers.h"
 #include "app/values/asked.h"
 #include "app/values/shown_values.h"
+#include "app/values/value_records.h"
 #include "app/values/waves.h"
 #include "gx/text/message_list.h"
 #include "gx/text/numbers.h"
@@ -43,6 +45,16 @@ void tell_results(const kv_results_t& results) {
   gx_tell("# names : ", count_of(results.matches.of_nets, " of nets, "),
           count_of(results.matches.of_devices, " of devices, "),
           count_of(results.matches.idle.size(), " of nothing"));
+  const bool has_range = plot.has_scale && plot.nb_rows > 0;
+  kv_record("results", {{"simulator", rs_simulator_name(plot.header.simulator)},
+                        {"plot", plot.header.plot_name},
+                        {"points", plot.nb_rows},
+                        {"scale", plot.has_scale ? plot.header.first_variable.name : ""},
+                        {"from", kv_recorded_x(results, has_range ? results.least_x() : 0)},
+                        {"to", kv_recorded_x(results, has_range ? results.greatest_x() : 0)},
+                        {"of_nets", results.matches.of_nets},
+                        {"of_devices", results.matches.of_devices},
+                        {"of_nothing", results.matches.idle.size()}});
   for (const auto& fault : results.file.faults()) {
     gx_report(gx_line_kind::warning, "# !! Warning : ", fault);
   }
@@ -98,6 +110,7 @@ void kv_values_at_cmd(const kv_command_t& command) {
   } else if (!results->plot().has_scale) {
     return kv_refuse(refused, command, "# !! Error : This plot has no scale ? ", 3);
   }
+  kv_record("place", {{"at", results->x}});
   gx_tell(" VALues AT ", rs_engineering(results->x, listed_digits, results->scale_unit()), " ");
 }
 
@@ -118,9 +131,11 @@ void kv_values_net_cmd(const kv_command_t& command) {
     const kv_variable_t* const variable = results->matches.of_net(net);
     if (variable == nullptr) {
       gx_tell("# ", path, " : no value");
+      kv_record_value(*results, asked->x, {path, "", "V"});
       continue;
     }
     const rs_value_t value = kv_value_at(*results, asked->place, *variable);
+    kv_record_value(*results, asked->x, {path, "", "V", &value});
     gx_tell("# ", path, " : ", kv_value_text(*results, value, "V", listed_digits),
             kv_at_text(*results, asked->x));
   }
@@ -143,9 +158,10 @@ void kv_values_device_cmd(const kv_command_t& command) {
     if (values.empty()) gx_tell("# ", path, " : no value");
     for (const auto& each : values) {
       const rs_value_t value = kv_value_at(*results, asked->place, each.variable);
+      const std::string_view unit = kv_unit_of(*results, each);
+      kv_record_value(*results, asked->x, {path, each.parameter, unit, &value});
       gx_tell("# ", path, " : ", each.parameter, " ",
-              kv_value_text(*results, value, kv_unit_of(*results, each), listed_digits),
-              kv_at_text(*results, asked->x));
+              kv_value_text(*results, value, unit, listed_digits), kv_at_text(*results, asked->x));
     }
   }
   kv_echo(" VALues DEVice ", command, 3);
@@ -218,7 +234,15 @@ bool is_as_expected(const kv_command_t& command) {
   }
   const rs_place_t place = results->plot().has_scale ? *kv_place_at(*results, x) : rs_place_t{};
   const rs_value_t value = kv_value_at(*results, place, named->variable);
-  if (results->plot().nb_rows > 0 && value.re >= *low && value.re <= *high) return true;
+  const bool holds = results->plot().nb_rows > 0 && value.re >= *low && value.re <= *high;
+  kv_record("expectation", {{"path", named->path},
+                            {"value", value.re},
+                            {"unit", named->unit},
+                            {"low", *low},
+                            {"high", *high},
+                            {"at", kv_recorded_x(*results, x)},
+                            {"holds", holds}});
+  if (holds) return true;
   kv_refuse(refused, command,
             "# !! Error : " + named->path + " is " +
                 kv_value_text(*results, value, named->unit, listed_digits) +
@@ -256,6 +280,8 @@ void kv_values_check_cmd(const kv_command_t& command) {
     tell("no value : ", design.netlist.path({kv_named::net, net}));
   }
   if (told > most_told) gx_tell("# ... and more ");
+  kv_record("counts",
+            {{"names_of_nothing", results->matches.idle.size()}, {"nets_without_value", nets}});
   gx_tell("# ", count_of(results->matches.idle.size(), " names that meet nothing, "),
           count_of(nets, " nets without a value"));
   gx_tell(" VALues CHEck ");

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cmath>
 #include <string>
 #include <unordered_map>
@@ -11,6 +12,7 @@
 #include "app/sheet/views.h"
 #include "app/state.h"
 #include "app/values/asked.h"
+#include "app/values/bits.h"
 #include "app/values/text_room.h"
 #include "app/values/waves.h"
 #include "gx/db/geometry.h"
@@ -173,12 +175,61 @@ class values_picture_t {
     return segments;
   }
 
+  // The flat bus of a net of the sheet; 0 when it is none.
+  std::int32_t bus_of(int net_id) const {
+    const auto found = net_of_.find(net_id);
+    if (found == net_of_.end()) return 0;
+    const auto at = std::ranges::find_if(
+        found->second, [&](std::int32_t net) { return design_.netlist.is_bus(net); });
+    return at == found->second.end() ? 0 : *at;
+  }
+
+  // Of a bus, from its first bit to its last; nothing when the file lacks one.
+  std::vector<rs_value_t> values_of_bits(std::int32_t bus) const {
+    const std::int32_t first = design_.netlist.first_member(bus);
+    std::vector<rs_value_t> values;
+    for (std::int32_t i = 0; first != 0 && i < design_.netlist.width(bus); ++i) {
+      const kv_variable_t* const variable = results_.matches.of_net(first + i);
+      if (variable == nullptr) return {};
+      values.push_back(value(*variable));
+    }
+    return values;
+  }
+
+  // "0xa", "1.8V 0V 1.8V 0V", of many bits "0V..1.8V"; "" when there is nothing to show.
+  std::string bus_text(std::int32_t bus) const {
+    constexpr std::size_t most_told = 8;
+    const std::vector<rs_value_t> values = values_of_bits(bus);
+    if (values.empty()) return "";
+    const kv_values_shown_t& shown = kv_pext.values_shown;
+    const bool falls = design_.netlist.bus_start(bus) > design_.netlist.bus_end(bus);
+    if (const auto number = kv_number_of_bits(values, falls, shown.low, shown.high);
+        number && shown.colors) {
+      char digits[20];
+      return "0x" + std::string(digits, std::to_chars(digits, digits + 20, *number, 16).ptr);
+    }
+    if (values.size() > most_told) {
+      const auto [low, high] = std::ranges::minmax_element(values, {}, &rs_value_t::re);
+      return text_of(*low, "V") + ".." + text_of(*high, "V");
+    }
+    std::string text;
+    for (const rs_value_t& each : values) text += (text.empty() ? "" : " ") + text_of(each, "V");
+    return text;
+  }
+
+  std::string net_text(int net_id) const {
+    if (const kv_variable_t* const variable = variable_of(net_id))
+      return text_of(value(*variable), "V");
+    const std::int32_t bus = bus_of(net_id);
+    return bus != 0 ? bus_text(bus) : "";
+  }
+
   void draw_nets() {
     constexpr std::size_t most_tried = 4;
     for (const int net : lb_nets(file())) {
-      const kv_variable_t* const variable = variable_of(net);
-      if (variable == nullptr || !is_seen(net)) continue;
-      const std::string text = text_of(value(*variable), "V");
+      if (!is_seen(net)) continue;
+      const std::string text = net_text(net);
+      if (text.empty()) continue;
       const int width = static_cast<int>(text.size()) * advance;
       auto segments = segments_of(net);
       if (segments.size() > most_tried) segments.resize(most_tried);

@@ -13,6 +13,7 @@
 #include "gx/display/draw_strokes.h"
 #include "gx/display/stroke_font.h"
 #include "gx/display/stroke_text.h"
+#include "gx/display/theme.h"
 #include "gx/display/viewports.h"
 #include "gx/vext.h"
 #include "results/engineering.h"
@@ -24,7 +25,7 @@ constexpr int margin = 4, wave_text_height = 7;  // pixels
 constexpr int wave_advance = wave_text_height * gx_glyph_advance / gx_glyph_height;
 constexpr int wave_line_step = wave_text_height + 5;
 constexpr int white = 7, gray_style = 1;
-constexpr std::array<int, 5> colors{2, 5, 4, 6, 1};
+constexpr std::array<int, 5> classic_colors{2, 5, 4, 6, 1};
 constexpr std::uint32_t shift = 1, control = 4;
 
 // The scale across the viewport, as logarithms where it is a frequency.
@@ -77,6 +78,16 @@ bool make_overview(kv_waves_t& waves, const kv_results_t& results) {
     waves.to = results.greatest_x();
   }
   return !waves.names.empty();
+}
+
+// Its own on the sheet where it is highlighted, else one after the other.
+int wave_color(const std::string& path, std::size_t number) {
+  const auto& marked = kv_pext.highlighted;
+  const auto at = std::ranges::find(marked, path, &kv_highlighted_t::path);
+  if (gx_theme().has_roles && at != marked.end()) return gx_highlight_color(at->color);
+  const auto role =
+      static_cast<int>(gx_role::highlight) + static_cast<int>(number) % gx_nb_of_highlights;
+  return gx_color_of(static_cast<gx_role>(role), classic_colors[number % classic_colors.size()]);
 }
 
 struct lane_t {
@@ -133,7 +144,7 @@ void draw_waves(gx_vpid_t vpid) {
   for (std::size_t i = 0; i < waves.names.size(); ++i) {
     const int top = box.ymin + margin + static_cast<int>(i) * height;
     draw_wave(waves.names[i], waves.overview.whole(i), columns[i], axis,
-              {top + wave_line_step, top + height - 3}, colors[i % colors.size()]);
+              {top + wave_line_step, top + height - 3}, wave_color(waves.names[i], i));
   }
   const auto unit = results->scale_unit();
   draw_text(rs_engineering(waves.from, 4, unit), axis.left, bottom + 2, white);
@@ -144,7 +155,8 @@ void draw_waves(gx_vpid_t vpid) {
   gx_draw_line(vpid, white, gray_style, point(x, box.ymin + margin), point(x, bottom));
   const std::string here = rs_engineering(results->x, 4, unit);
   const int width = static_cast<int>(here.size()) * wave_advance;
-  draw_text(here, (axis.left + axis.right - width) / 2, bottom + 2, colors[1]);
+  draw_text(here, (axis.left + axis.right - width) / 2, bottom + 2,
+            gx_color_of(gx_role::selection, classic_colors[1]));
 }
 
 // --- gestures

@@ -1,5 +1,7 @@
 // Values of a simulator in the names of the design: before and after a run, at any place of the
 // scale, of whatever deck the simulator was given.
+#include "app/language/answer_records.h"
+#include "app/values/bits.h"
 #include "app/values/condition.h"
 #include "app/values/text_room.h"
 #include "tests/support/raw_results.h"
@@ -171,6 +173,59 @@ TEST_F(Values, DevicesThatMeetAConditionAreNumberedAndGoneTo) {
   EXPECT_EQ(run("waive finding 1 because").back(),
             "# !! Error : Devices of LIST DEVices are no findings ? ");
   EXPECT_EQ(run("list devices vds <").back(), "# !! Error : Condition : a value is wanted : \"\"");
+}
+
+// Types, texts and numbers of the records that answers make.
+std::string taken_records;
+void take_record(std::string_view type, std::span<const kv_named_value_t> fields) {
+  taken_records += std::string(type) + ":";
+  for (const auto& field : fields) {
+    const auto* text = std::get_if<std::string_view>(&field.value);
+    const auto* number = std::get_if<double>(&field.value);
+    const auto* whole = std::get_if<std::int64_t>(&field.value);
+    char digits[40] = "";
+    if (number != nullptr) std::snprintf(digits, sizeof digits, "%g", *number);
+    taken_records += " " + (text != nullptr     ? std::string(*text)
+                            : whole != nullptr  ? std::to_string(*whole)
+                            : number != nullptr ? digits
+                                                : "flag");
+  }
+  taken_records += "\n";
+}
+
+TEST_F(Values, AnswersAreRecords) {
+  write({"v(q)\tvoltage", "@m.xr.m1[vds]\tvoltage"});
+  kv_set_record_taker(take_record);
+  const auto records = [&](std::string_view command) {
+    taken_records.clear();
+    run(command);
+    return taken_records;
+  };
+  EXPECT_EQ(records("values file a.raw"),
+            "results: ngspice Transient Analysis 2 time 0 1e-08 2 1 0\n");
+  EXPECT_EQ(records("values at 5n"), "place: 5e-09\n");
+  EXPECT_EQ(records("values net /q"), "value: /Q  3 V 5e-09\n");
+  EXPECT_EQ(records("values net /vdd at 10n"), "value: /VDD  nan V 1e-08\n") << "not in the file";
+  EXPECT_EQ(records("values device /xr/m1 at 0"), "value: /XR/M1 vds 3 V 0\n");
+  EXPECT_EQ(records("values expect /q 1 2.5"), "expectation: /Q 3 V 1 2.5 5e-09 flag\n");
+  EXPECT_EQ(records("list devices vds>1"),
+            "device: 1 /XR/M1\nvalue: /XR/M1 vds 4.5 V 5e-09\ncounts: 1 1\n");
+  EXPECT_EQ(records("values next /q rise level 3.5"), "crossing: /q 3.5 7.5e-09\n");
+  kv_set_record_taker(nullptr);
+}
+
+TEST(Bits, AreANumberWhereEachIsClear) {
+  const auto number = [](std::vector<double> bits, bool falls) {
+    std::vector<rs_value_t> values;
+    for (const double bit : bits) values.push_back({bit, 0});
+    return kv_number_of_bits(values, falls, 0, 1.8);
+  };
+  EXPECT_EQ(number({1.8, 0.1, 1.7, 0}, true), 10U);
+  EXPECT_EQ(number({1.8, 0.1, 1.7, 0}, false), 5U);
+  EXPECT_EQ(number(std::vector<double>(64, 1.8), true), UINT64_MAX);
+  EXPECT_FALSE(number({1.8, 0.9}, true));
+  EXPECT_FALSE(number({std::numeric_limits<double>::quiet_NaN()}, true));
+  EXPECT_FALSE(number(std::vector<double>(65, 0.0), true));
 }
 
 // Cells of four pixels: what is told apart is at least that far away.
