@@ -66,8 +66,8 @@ bool write_line(int fd, const std::string& line) {
 
 }  // namespace
 
-void kv_send_request(std::string_view request) {
-  if (request.empty()) return;
+bool kv_send_request(std::string_view request) {
+  if (request.empty()) return false;
   const std::string line = std::string(request.substr(0, kv_max_request)) + "\n";
   std::string path(gx_view(gx_files.filear[1].dirname));
   path.append("/").append(kv_fifo_name);
@@ -81,18 +81,20 @@ void kv_send_request(std::string_view request) {
     // ENOENT and ENXIO: nobody listens. Anything else is told as what it is.
     if (reason != ENOENT && reason != ENXIO)
       gx_tell_detail("# !! \"", path, "\" : ", std::strerror(reason));
-    return;
+    return false;
   }
   struct stat file;
   if (::fstat(KivoSpice_fifo_fd, &file) != 0 || !S_ISFIFO(file.st_mode)) {
     tell_not_ready(path);
     gx_tell_detail("# !! \"", path, "\" : is no FIFO");
     ::close(std::exchange(KivoSpice_fifo_fd, -1));
-    return;
+    return false;
   }
   kv_debug(" DEbug : kv_send_request :2:  data:'%.*s'\n", static_cast<int>(line.size() - 1),
            line.data());
-  if (!write_line(KivoSpice_fifo_fd, line)) tell_not_ready(path);
+  const bool is_sent = write_line(KivoSpice_fifo_fd, line);
+  if (!is_sent) tell_not_ready(path);
   ::close(KivoSpice_fifo_fd);
   KivoSpice_fifo_fd = -1;
+  return is_sent;
 }

@@ -32,7 +32,7 @@ bool rs_overview_t::make(const rs_file_t& file, const rs_plot_t& plot,
   variables_.assign(variables.begin(), variables.end());
   block_ = least_block;
   const std::uint64_t blocks = std::clamp<std::uint64_t>(
-      most_blocks / std::max<std::uint64_t>(variables.size(), 1), least_blocks, most_blocks / 8);
+      most_blocks / std::max<std::uint64_t>(variables.size(), 1), least_blocks, most_blocks / 4);
   while (plot.nb_rows / block_ >= blocks) block_ *= 2;
   begins_.clear();
   blocks_.assign(variables_.size(), {});

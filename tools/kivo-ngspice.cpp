@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
+#include <sys/inotify.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -105,7 +106,7 @@ class listener_t {
   explicit listener_t(const fifo_t& fifo) : fifo_(fifo) {}
 
   void tell(std::string_view line) {
-    std::printf("%.*s\n", static_cast<int>(line.size()), line.data());
+    if (line != kv_answer_end) std::printf("%.*s\n", static_cast<int>(line.size()), line.data());
     std::fflush(stdout);
     look();
     if (end_ && !write_all(end_.get(), std::string(line) + "\n") && errno != EAGAIN) lose();
@@ -258,6 +259,8 @@ class link_t {
       return;
     }
     nb_of_tries_ = 0;
+    // kvspice has waited until the file was whole: what was written meanwhile is in the deck.
+    run_time_ = std::filesystem::last_write_time(file, missing);
     std::string commands = is_loaded_ ? "destroy all\nremcirc\n" : "";
     is_loaded_ = true;
     commands += "source " + deck() + "\nrun\n" + write_results();
@@ -294,12 +297,21 @@ class link_t {
     ask(request, request + "\n" + (runs ? write_results() : ""), runs);
   }
 
-  // Until something has come, 200 ms at most; false when the simulator is gone.
+  // Until something has come or the design file was written, 200 ms at most; false when the
+  // simulator is gone.
   bool wait(int requests) {
     kivo_.look();
-    std::array<pollfd, 3> from{
-        {{requests, POLLIN, 0}, {simulator_.descriptor(), POLLIN, 0}, {kivo_.descriptor(), 0, 0}}};
+    watch_design_file();
+    std::array<pollfd, 4> from{{{requests, POLLIN, 0},
+                                {simulator_.descriptor(), POLLIN, 0},
+                                {kivo_.descriptor(), 0, 0},
+                                {watch_.get(), POLLIN, 0}}};
     if (::poll(from.data(), from.size(), 200) <= 0) return true;
+    if ((from[3].revents & POLLIN) != 0) {
+      std::array<char, 4096> events;  // what they say is asked of the file
+      while (::read(watch_.get(), events.data(), events.size()) > 0) {
+      }
+    }
     if ((from[2].revents & (POLLERR | POLLHUP)) != 0) kivo_.lose();
     if ((from[0].revents & POLLIN) != 0) {
       read_more(requests, request_text_);
@@ -309,6 +321,11 @@ class link_t {
     const bool goes_on = read_more(simulator_.descriptor(), answer_text_);
     take_lines(answer_text_, [this](std::string_view line) { take_answer(line); });
     return goes_on;
+  }
+
+  // Again and again, as it may not be there yet, or be another one.
+  void watch_design_file() {
+    if (watch_) ::inotify_add_watch(watch_.get(), (design_ + "/design_kv").c_str(), IN_MODIFY);
   }
 
   // Prompts and the simulator's echo of commands are left out; of a run of its own accord only what
@@ -326,7 +343,10 @@ class link_t {
     mark_.clear();
     if (nb_of_lines_ > most_lines) kivo_.tell("... and more");
     nb_of_lines_ = 0;
-    if (!has_results_) return;
+    if (has_results_) put_results_in_place();
+    if (!asked_.empty()) kivo_.tell(kv_answer_end);
+  }
+  void put_results_in_place() {
     const std::string made = results() + ".new";
     if (::rename(made.c_str(), results().c_str()) == 0) {
       kivo_.tell("results : " + results());
@@ -342,6 +362,7 @@ class link_t {
   fifo_t requests_, answers_;
   listener_t kivo_;
   simulator_t simulator_;
+  const x_descriptor watch_{::inotify_init1(IN_NONBLOCK | IN_CLOEXEC)};
   std::filesystem::file_time_type run_time_{};
   bool is_loaded_ = false;
   std::deque<std::string> waiting_;

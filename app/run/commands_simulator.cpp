@@ -4,6 +4,7 @@
 #include <string>
 
 #include "app/language/command_row.h"
+#include "app/values/answers.h"
 #include "expand/net_names.h"
 #include "expand/sim_request.h"
 #include "expand/store.h"
@@ -157,7 +158,7 @@ void kv_send_cmd(const kv_command_t& command) {
   std::string request(command.word(2));
   for (int n = 3; n <= command.count(); ++n) request.append(" ").append(command.word(n));
   gx_sync();
-  kv_send_request(request);
+  kv_ask_simulator(request);
   kv_echo(" SENd ", command);
 }
 
@@ -177,7 +178,7 @@ void kv_give_cmd(const kv_command_t& command) {
     request = plot.text();
   }
   gx_sync();
-  kv_send_request(request);
+  kv_ask_simulator(request);
   kv_echo(" GIVE ", command);
 }
 

@@ -15,6 +15,7 @@
 #include "app/session/root.h"
 #include "app/session/root_session.h"
 #include "app/state.h"
+#include "app/values/answers.h"
 #include "gx/db/file_slots.h"
 #include "gx/db/object_access.h"
 #include "gx/display/window.h"
@@ -123,6 +124,7 @@ bool tell_whether_written(const kv_batch_t& batch, bool all_written) {
 
 int kv_run_batch(const kv_batch_t& batch) {
   gx_set_front(kv_batch_lines({batch.quiet, batch.json, batch.mark}));
+  kv_await_answers();
   check_design(batch.design);
   check_do_file(batch.do_file);
   check_arguments(batch.arguments);

@@ -17,6 +17,7 @@
 #include "gx/text/message_list.h"
 #include "gx/vext.h"
 #include "platform/raw_files.h"
+#include "platform/wait.h"
 
 namespace {
 
@@ -24,6 +25,7 @@ constexpr std::size_t longest_answer = 190;  // characters of a line
 
 x_descriptor answer_fifo;
 std::string unfinished_line;
+bool are_awaited = false, has_ended = false;
 
 std::string in_design(std::string_view name) {
   const auto& top = gx_at(gx_files.filear, 1);
@@ -32,6 +34,10 @@ std::string in_design(std::string_view name) {
 }
 
 void tell_answer(std::string_view line) {
+  if (line == kv_answer_end) {
+    has_ended = true;
+    return;
+  }
   std::string text(line.substr(0, longest_answer));
   std::ranges::replace_if(
       text, [](char c) { return c < ' ' || c > '~'; }, ' ');
@@ -76,6 +82,24 @@ void kv_read_answers() {
   if (!kv_pext.values_shown.any() && !kv_waves_are_shown()) return;
   gx_rectangle_erase();
   kv_redraw_values();
+}
+
+void kv_await_answers() { are_awaited = true; }
+
+void kv_ask_simulator(std::string_view request) {
+  constexpr int longest_silence_ms = 10000;
+  // Opened before, so that the other end sees a reader.
+  if (are_awaited) kv_answer_descriptor();
+  if (!kv_send_request(request) || !are_awaited) return;
+  has_ended = false;
+  while (!has_ended && answer_fifo) {
+    const int descriptor = answer_fifo.get();
+    const x_woken_t woken = x_wait({&descriptor, 1}, longest_silence_ms);
+    if (woken.by == x_waking::timer)
+      return gx_report(gx_line_kind::warning, "# !! Warning : No answer of the simulator in 10 s ");
+    if (woken.by != x_waking::readable) return;
+    kv_read_answers();
+  }
 }
 
 std::string kv_results_of_link() { return in_design("results.raw"); }

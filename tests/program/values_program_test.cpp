@@ -1,5 +1,7 @@
 // Values of a simulator in the real program: on the picture, as waveforms, under the pointer; and
 // those that ngspice found of the examples.
+#include <unistd.h>
+
 #include <algorithm>
 
 #include "tests/program/interactive.h"
@@ -80,16 +82,40 @@ TEST_F(ValuesProgram, WavesStandInTheSmallViewportAndAClickThereSetsX) {
   bye();
 }
 
+// The register, and ngspice at its other end.
+program_start ngspice_link(const scratch_directory& directory) {
+  make_design_of_file(directory, KIVO_SOURCE_DIR "/examples/register/register.gxt");
+  const auto tool = std::filesystem::path(KIVO_KVSPICE).parent_path() / "kivo-ngspice";
+  return {.directory = directory.path(),
+          .words = {"--save", "id", "register", KIVO_SOURCE_DIR "/examples/register/models.inc"},
+          .environment = {"DISPLAY=" + shared_display().name()},
+          .program = tool.string()};
+}
+
+// Nobody waits in a batch, so a request waits for its answer, and the answer for the run before it.
+TEST(SimulatorValues, ABatchGetsTheAnswersOfNgspice) {
+  scratch_directory directory;
+  test_process link(ngspice_link(directory));
+  for (int i = 0;
+       i < 500 && !std::filesystem::exists(directory.path() / "register" / "Lorb_To_Spice_Fifo");
+       ++i)
+    ::usleep(20000);
+  auto commands = read_file(KIVO_SOURCE_DIR "/examples/register/expand.do");
+  directory.write("all.do", commands.substr(0, commands.find("BYE")) +
+                                "SENd echo v(r:x2:x)\nVALues FILe\n"
+                                "VALues EXPect /q_2 1.79 1.81 at 58n\nBYE\n");
+  const auto ended = run_tool(directory, KIVO_PROGRAM, {"--batch", "register", "all.do"});
+  EXPECT_EQ(ended.status, 0) << ended.err << ended.out;
+  const auto answer = ended.out.find("\n# v(r:x2:x)\n");
+  ASSERT_NE(answer, ended.out.npos) << ended.out;
+  EXPECT_LT(answer, ended.out.find("\n SENd echo v(r:x2:x) \n"));
+  EXPECT_EQ(link.wait().status, 0);
+}
+
 // A simulator at the other end: what it finds of each RUN, its answers, names in them.
 TEST(SimulatorValues, ARunIsSimulatedAndAnsweredByNgspice) {
   scratch_directory directory;
-  make_design_of_file(directory, KIVO_SOURCE_DIR "/examples/register/register.gxt");
-  const auto tool = std::filesystem::path(KIVO_KVSPICE).parent_path() / "kivo-ngspice";
-  test_process link(
-      {.directory = directory.path(),
-       .words = {"--save", "id", "register", KIVO_SOURCE_DIR "/examples/register/models.inc"},
-       .environment = {"DISPLAY=" + shared_display().name()},
-       .program = tool.string()});
+  test_process link(ngspice_link(directory));
   auto commands = read_file(KIVO_SOURCE_DIR "/examples/register/expand.do");
   directory.write("expand.do", commands.substr(0, commands.find("BYE")));
   test_session session(shared_display(), {.directory = directory.path(),
