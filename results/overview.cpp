@@ -72,11 +72,16 @@ rs_range_t rs_overview_t::whole(std::size_t variable) const {
   return range;
 }
 
+std::uint64_t rs_overview_t::block_of(double x) const {
+  const auto is_before = [this, x](double scale) { return direction_ * scale < direction_ * x; };
+  const auto after = std::ranges::partition_point(begins_, is_before);
+  return after == begins_.begin() ? 0 : static_cast<std::uint64_t>(after - begins_.begin() - 1);
+}
+
 std::uint64_t rs_overview_t::rows_to(double x) const {
   const auto is_before = [this, x](double scale) { return direction_ * scale < direction_ * x; };
-  const auto block = std::ranges::partition_point(begins_, is_before);
-  if (block == begins_.begin()) return 0;
-  std::uint64_t low = static_cast<std::uint64_t>(block - begins_.begin() - 1) * block_;
+  if (begins_.empty() || !is_before(begins_.front())) return 0;
+  std::uint64_t low = block_of(x) * block_;
   std::uint64_t high = std::min(low + block_, plot_->nb_rows);
   while (high - low > 1) {
     const std::uint64_t middle = low + (high - low) / 2;
@@ -134,21 +139,21 @@ std::vector<std::vector<rs_range_t>> rs_overview_t::columns(std::span<const doub
   std::vector<std::vector<rs_range_t>> columns(variables_.size());
   for (auto& ranges : columns) ranges.resize(nb_columns);
   std::vector<rs_range_t> ranges(variables_.size());  // of one column
-  std::uint64_t before = nb_columns == 0 ? 0 : rows_to(edges[0]);
   for (std::size_t i = 0; i < nb_columns; ++i) {
-    const std::uint64_t next = rows_to(edges[i + 1]);
-    const rows_t rows{std::min(before, next), std::max(before, next)};
+    const auto [first, last] = std::minmax({block_of(edges[i]), block_of(edges[i + 1])});
     std::ranges::fill(ranges, rs_range_t{});
-    if (rows.end - rows.first >= 2 * block_) {
-      // Blocks that only begin or end here count too: less than half of a column more.
+    if (last - first >= 3) {
+      // Blocks that only begin or end here count too: less than a column more.
+      const rows_t rows{first * block_, std::min((last + 1) * block_, plot_->nb_rows)};
       for (std::size_t k = 0; k < ranges.size(); ++k) add_blocks(k, rows, ranges[k]);
     } else {
+      const std::uint64_t before = rows_to(edges[i]), next = rows_to(edges[i + 1]);
+      const rows_t rows{std::min(before, next), std::max(before, next)};
       add_edge(edges[i], before, ranges);
       add_single_rows(rows, ranges);
       add_edge(edges[i + 1], next, ranges);
     }
     for (std::size_t k = 0; k < ranges.size(); ++k) columns[k][i] = ranges[k];
-    before = next;
   }
   file_->mapped().release();
   return columns;

@@ -49,7 +49,8 @@ class rs_overview_t {
     std::uint64_t first = 0, end = 0;  // from the first to before the end
   };
   bool read_rows(bool (*stop_asked)());
-  std::uint64_t rows_to(double x) const;  // how many rows come before x
+  std::uint64_t rows_to(double x) const;   // how many rows come before x
+  std::uint64_t block_of(double x) const;  // that of the last of them, without a look at the file
   void add_blocks(std::size_t variable, rows_t rows, rs_range_t& range) const;
   // To `ranges`, one for each variable.
   void add_values(std::span<const rs_value_t> values, std::span<rs_range_t> ranges) const;
