@@ -10,6 +10,8 @@
 #include "gx/db/file_slots.h"
 #include "gx/db/object_access.h"
 #include "gx/display/screen_state.h"
+#include "gx/display/smooth.h"
+#include "gx/display/viewport_coords.h"
 #include "gx/display/viewports.h"
 #include "gx/display/window.h"
 #include "gx/vext.h"
@@ -41,11 +43,12 @@ sheet crowded
   return text;
 }
 
-// `zoom` in percent of the page shown.
-void redraw(benchmark::State& state) {
+// Calls draw() over and over with `rows` rows of instances in the window.
+template <typename Prepare, typename Draw>
+void measure(benchmark::State& state, int rows, Prepare prepare, Draw draw) {
   if (std::getenv("DISPLAY") == nullptr) return state.SkipWithError("no display");
   scratch_directory directory;
-  make_design(directory, crowded_sheet(50, static_cast<int>(state.range(1))));
+  make_design(directory, crowded_sheet(50, rows));
   std::filesystem::current_path(directory.path());
   gx_reset_state();
   const auto viewports = set_viewports();
@@ -54,18 +57,52 @@ void redraw(benchmark::State& state) {
   gx_vext.display_on = true;
   kv_pext.file_id_cur = gx_file_open("crowded", "sheet");
   kv_display_picture_all(1, kv_pext.file_id_cur);
-  if (state.range(0) < 100)
-    kv_display_picture_area(1, kv_pext.file_id_cur, {0, 0},
-                            {static_cast<int>(1400 * 50 * state.range(0)),
-                             static_cast<int>(900 * 50 * state.range(0))});
+  prepare();
   gx_sync();
   for (auto _ : state) {
-    kv_update_viewport_edit();
+    draw();
     gx_sync();
   }
   state.counters["objects"] = gx_ptrto_gene_file_buf(kv_pext.file_id_cur).object_id_max;
+  state.counters["width"] = gx_vext.bitmap_size.x + 1;
+  state.counters["height"] = gx_vext.bitmap_size.y + 1;
+  gx_set_smooth(false);
   gx_terminate();
   std::filesystem::current_path("/");
+}
+
+// `zoom` in percent of the page shown.
+void redraw(benchmark::State& state) {
+  const auto show = [&] {
+    if (state.range(0) < 100)
+      kv_display_picture_area(1, kv_pext.file_id_cur, {0, 0},
+                              {static_cast<int>(1400 * 50 * state.range(0)),
+                               static_cast<int>(900 * 50 * state.range(0))});
+  };
+  measure(state, static_cast<int>(state.range(1)), show, kv_update_viewport_edit);
+}
+
+// Pictures as a user drags or turns the wheel, each another one: 30,000 objects, plain or smooth.
+void drag(benchmark::State& state) {
+  int n = 0;
+  measure(
+      state, 46, [&] { gx_set_smooth(state.range(0) != 0); },
+      [&] {
+        const int way = ++n / 20 % 2 == 0 ? 1 : -1;
+        gx_viewport_pan(1, 37 * way, 11 * way);
+        kv_update_viewport_edit();
+      });
+}
+
+void wheel(benchmark::State& state) {
+  int n = 0;
+  measure(
+      state, 46, [&] { gx_set_smooth(state.range(0) != 0); },
+      [&] {
+        const bool nearer = ++n / 6 % 2 == 0;
+        gx_viewport_zoom_at(1, {900, 500}, nearer ? 4 : 5, nearer ? 5 : 4);
+        kv_update_viewport_edit();
+      });
 }
 }  // namespace
 
@@ -76,3 +113,5 @@ BENCHMARK(redraw)
     ->Args({25, 32})
     ->Unit(benchmark::kMillisecond)
     ->UseRealTime();
+BENCHMARK(drag)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(wheel)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime();

@@ -6,7 +6,9 @@
 
 #include "gx/db/object_access.h"
 #include "gx/display/clipping.h"
+#include "gx/display/dashes.h"
 #include "gx/display/screen_state.h"
+#include "gx/display/smooth.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"
@@ -47,6 +49,10 @@ void gx_draw_thick_line(gx_vpid_t vpid, int color, int style, gx_point16_t a, gx
                         int width) {
   gx_line16_t line{a.x, a.y, b.x, b.y};
   if (!gx_line_clipping(vpid, line)) return;
+  if (gx_canvas_t* const canvas = gx_canvas()) {
+    canvas->line(gx_pixel_of(color), gx_dash_list(style), line, width * gx_line_width());
+    return;
+  }
   const int dx = std::abs(line.x2 - line.x1), dy = std::abs(line.y2 - line.y1);
   const int larger = std::max({dx, dy, 1}), smaller = std::min(dx, dy);
   // Slanted thin lines lie nearer to each other than their offsets.

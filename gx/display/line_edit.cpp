@@ -115,7 +115,8 @@ void gx_again_action(gx_vpid_t vpid, gx_point16_t pixel) {
   if (vpid != gx_vext.viewport_list || !gx_viewport_ok(vpid)) return;
   const gx_point16_t corner = gx_viewport_inq_pixel_min(vpid);
   const int line = gx_list_line_at(pixel);
-  const int under = (pixel.x - corner.x - gx_vext.listb_x0 + 6) / cmd_step() + gx_vext.istart_list;
+  const int under = (pixel.x - corner.x - gx_vext.listb_x0 + 6) / std::max(gx_list_step(), 1) +
+                    gx_vext.istart_list;
   const int column = std::clamp(under, 1, gx_vext.istart_list + gx_cmd_columns - 1);
   const std::string_view text = gx_view(gx_at(gx_vext.line_list, line - 1));
   if (static_cast<std::size_t>(column) <= text.size()) {

@@ -8,6 +8,7 @@
 #include "gx/display/viewports.h"
 #include "gx/text/at.h"
 #include "gx/text/kept_text.h"
+#include "gx/text/list_columns.h"
 #include "gx/text/message_list.h"
 #include "gx/vext.h"
 
@@ -24,6 +25,10 @@ int color_of(int line) {
   return is_echo ? cyan : v.list_color;
 }
 }  // namespace
+
+int gx_list_step() {
+  return gx_list_is_plain() ? gx_vext.cmd_step : std::max(gx_vext.list_height * 6 / 5, 1);
+}
 
 void gx_upd_display_list(bool up, int lines) {
   auto& v = gx_vext;
@@ -59,15 +64,16 @@ void gx_regen_display_list() {
 
 std::string_view gx_list_word_at(gx_point16_t pixel) {
   const auto& v = gx_vext;
-  if (!gx_viewport_ok(v.viewport_list) || v.list_step < 1 || v.cmd_step < 1) return {};
+  if (!gx_viewport_ok(v.viewport_list) || v.list_step < 1 || gx_list_step() < 1) return {};
   const gx_point16_t corner = gx_viewport_inq_pixel_min(v.viewport_list);
   const int down = pixel.y - corner.y - v.listb_y0, right = pixel.x - corner.x - v.listb_x0;
   if (down < 0 || right < 0) return {};
-  const int row = down / v.list_step, column = right / v.cmd_step;
+  const int row = down / v.list_step, column = right / gx_list_step();
   const int line = std::max<int>(v.nlinlist_disp, 1) + row;
   if (row >= v.nb_line_in_listviewp || line > v.nlinlist_end || line > gx_max_list_lines) return {};
   constexpr std::string_view between = " \"'";
-  const std::string_view text = gx_view(gx_at(v.line_list, line - 1)).substr(0, gx_max_text_length);
+  const std::string_view text =
+      gx_view(gx_at(v.line_list, line - 1)).substr(0, static_cast<std::size_t>(gx_list_width()));
   const auto at = static_cast<std::size_t>(column);
   if (at >= text.size() || between.find(text[at]) != between.npos) return {};
   const auto before = text.find_last_of(between, at);

@@ -5,6 +5,9 @@
 
 #include "gx/text/records.h"
 
+// The letters of the list: their width, with what is between them, in pixels.
+int gx_list_step();
+
 void gx_upd_display_list(bool up, int lines = 1);  // scrolls one line back (up) or forward
 // The line of the list under a window pixel, from 1.
 int gx_list_line_at(gx_point16_t pixel);

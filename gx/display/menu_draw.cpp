@@ -95,8 +95,7 @@ void record_bounds(int level, const level_place_t& at) {
 void clip_to_window() { gx_pen_clip(0, 0, gx_vext.bitmap_size.x + 1, gx_vext.bitmap_size.y + 1); }
 
 void save_picture(int level, const level_place_t& at) {
-  gx_pen_flush();
-  gx_vext.screen->keep_area(level, at.x - 1, at.y - 1, at.saved_width, at.saved_height);
+  gx_pen_keep_area(level, at.x - 1, at.y - 1, at.saved_width, at.saved_height);
 }
 
 void copy_picture_back(int level) {
@@ -104,8 +103,7 @@ void copy_picture_back(int level) {
   const int width = ext.xmax - ext.xmin + gx_vext.cmd_step;
   const int height = 13 * line_pitch() + 2;
   clip_to_window();
-  gx_pen_flush();
-  gx_vext.screen->put_area_back(level, ext.xmin, ext.ymin, std::max(width, 1), std::max(height, 1));
+  gx_pen_put_area_back(level, ext.xmin, ext.ymin, std::max(width, 1), std::max(height, 1));
 }
 
 // --- painting

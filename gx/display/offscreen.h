@@ -16,5 +16,5 @@ class gx_offscreen_t {
 
  private:
   gx_bounds16_t box_;
-  bool shows_ = false;
+  bool shows_ = false, holds_ = false;
 };

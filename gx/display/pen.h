@@ -26,6 +26,14 @@ void gx_pen_box(int color, int x, int y, int width, int height);
 // Sends what is kept.
 void gx_pen_flush();
 
+// Between these two nothing is shown of a smooth picture; false where strokes are not smooth.
+bool gx_pen_hold();
+void gx_pen_release();
+
+// What a menu level covers, kept and put back.
+void gx_pen_keep_area(int level, int x, int y, int width, int height);
+void gx_pen_put_area_back(int level, int x, int y, int width, int height);
+
 // Sends what is kept, then clips what follows to the box, or clears the box to the window's
 // background. An empty box clears nothing.
 void gx_pen_clip(int x, int y, int width, int height);

@@ -6,6 +6,7 @@
 #include <span>
 #include <string_view>
 
+#include "gx/display/canvas.h"
 #include "gx/display/events.h"
 #include "gx/display/stroke_layers.h"
 #include "gx/display/theme.h"
@@ -28,6 +29,10 @@ struct gx_screen_t {
   void (*keep_area)(int level, int x, int y, int width, int height);
   void (*put_area_back)(int level, int x, int y, int width, int height);
 
+  // --- smooth pictures: whether the screen has the colours for them, and a part of one
+  bool (*takes_pixels)();
+  void (*put_pixels)(const gx_canvas_t& canvas, const gx_pixel_box_t& box);
+
   // --- the pointer
   void (*show_pointer)(int pattern);  // 1..12
   void (*hide_pointer)();
@@ -43,5 +48,6 @@ struct gx_screen_t {
   void (*set_colors)(std::span<const gx_rgb_t> colors);  // by number; 0 is the ground
   void (*set_title)(std::string_view title);
   int (*number_of_planes)();
+  int (*height)();  // of the whole screen
   void (*close)();
 };

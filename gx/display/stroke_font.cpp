@@ -233,3 +233,11 @@ std::span<const gx_stroke_t> gx_glyph(char32_t code) {
   return code >= first_sign && code <= last_code ? font.box.strokes()
                                                  : std::span<const gx_stroke_t>();
 }
+
+gx_point16_t gx_turned(int x, int y, int rotation) {
+  const auto px = static_cast<std::int16_t>(x), py = static_cast<std::int16_t>(y);
+  const auto minus = [](std::int16_t v) { return static_cast<std::int16_t>(-v); };
+  if (rotation == 1) return {minus(py), minus(px)};
+  if (rotation == 3) return {py, px};
+  return {px, minus(py)};
+}

@@ -5,8 +5,14 @@
 #include <cstdint>
 #include <span>
 
+#include "gx/text/records.h"
+
 inline constexpr int gx_glyph_height = 1000;
 inline constexpr int gx_glyph_advance = 1200;
+
+// A point of a glyph, y upwards, in a text that reads upwards (1), downwards (3) or to the right:
+// its way from the text's origin, in pixels.
+gx_point16_t gx_turned(int x, int y, int rotation);
 
 struct gx_grid_point_t {
   std::int16_t x = 0, y = 0;

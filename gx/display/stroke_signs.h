@@ -16,7 +16,7 @@ inline constexpr gx_stroke_sign_t gx_stroke_signs[] = {
     {U'¢', "cc8e4e0a044080c4 8j60"},
     {U'£', "ai8k6k4i4400c0 0a8a"},
     {U'¥', "0k6ack 6a60 0aca 06c6"},
-    {U'§', "ai8k4k2i2gaca8 2ca8"},
+    {U'§', "ai8k4k2i2gaca987 4d2b28a4a2804022"},
     {U'©', "4080c4cg8k4k0g0440 8d4d4787"},
     {U'«', "6e2a66 ce8ac6"},
     {U'¬', "0cccc6"},

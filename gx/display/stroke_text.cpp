@@ -5,14 +5,18 @@
 #include <map>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
+#include "gx/display/list_viewport.h"
 #include "gx/display/pen.h"
 #include "gx/display/screen_state.h"
+#include "gx/display/smooth.h"
 #include "gx/display/viewports.h"
 #include "gx/text/at.h"
 #include "gx/text/characters.h"
 #include "gx/text/debug.h"
+#include "gx/text/list_columns.h"
 #include "gx/text/status.h"
 #include "gx/vext.h"
 
@@ -24,6 +28,11 @@ struct gx_scaled_font_t {
 
 namespace {
 constexpr std::size_t max_points = 256;
+constexpr int least_legible = 6;  // pixels; a smaller smooth text is a bar
+
+gx_point16_t pixel_at(int x, int y) {
+  return {static_cast<std::int16_t>(x), static_cast<std::int16_t>(y)};
+}
 
 std::int16_t clamped(int v, int low, int high) {
   return static_cast<std::int16_t>(std::clamp(v, std::min(low, high), std::max(low, high)));
@@ -50,25 +59,40 @@ void add_segment(std::vector<gx_line16_t>& glyph, const gx_line16_t& line) {
 std::span<const gx_line16_t> scaled_glyph(gx_scaled_font_t& font, char32_t code) {
   const auto [found, is_new] = font.glyphs.try_emplace(code);
   if (!is_new) return found->second;
-  const auto pixel = [&](gx_grid_point_t p) -> gx_point16_t {
+  const auto scaled = [&](gx_grid_point_t p) -> gx_point16_t {
     return {static_cast<std::int16_t>(p.x / font.by_x), static_cast<std::int16_t>(p.y / font.by_y)};
   };
   for (const gx_stroke_t stroke : gx_glyph(code))
     for (std::size_t i = 1; i < stroke.size(); ++i) {
-      const gx_point16_t a = pixel(stroke[i - 1]), b = pixel(stroke[i]);
+      const gx_point16_t a = scaled(stroke[i - 1]), b = scaled(stroke[i]);
       add_segment(found->second, {a.x, a.y, b.x, b.y});
     }
   return found->second;
 }
 
-// The glyphs of a sheet text; a sheet has texts of a few sizes.
-gx_scaled_font_t& sheet_font(int grid_units) {
+// The glyphs of a text; a sheet has texts of a few sizes.
+gx_scaled_font_t& kept_font(int by_x, int by_y) {
   constexpr std::size_t most_sizes = 32;
-  static std::map<int, gx_scaled_font_t> fonts;
-  const auto found = fonts.find(grid_units);
+  static std::map<std::pair<int, int>, gx_scaled_font_t> fonts;
+  const auto found = fonts.find({by_x, by_y});
   if (found != fonts.end()) return found->second;
   if (fonts.size() >= most_sizes) fonts.clear();
-  return fonts.emplace(grid_units, gx_scaled_font_t{grid_units, grid_units, {}}).first->second;
+  return fonts.emplace(std::pair(by_x, by_y), gx_scaled_font_t{by_x, by_y, {}}).first->second;
+}
+
+gx_scaled_font_t& font_of(int step, int height) {
+  return kept_font(std::max(gx_glyph_advance / std::max(step, 1), 1),
+                   std::max(gx_glyph_height / std::max(height, 1), 1));
+}
+
+struct screen_letters_t {
+  int step = 0, height = 0, columns = 0;
+};
+screen_letters_t screen_letters(gx_vpid_t vpid) {
+  const auto& v = gx_vext;
+  if (vpid == v.viewport_list && !gx_list_is_plain())
+    return {gx_list_step(), v.list_height, gx_list_width()};
+  return {v.cmd_step, v.cmd_height, gx_max_text_length};
 }
 
 // Keeps pixels within the clip window and the window.
@@ -84,15 +108,6 @@ struct limits_t {
     return {clamped(x, xmin, xmax), clamped(y, ymin, ymax)};
   }
 };
-
-// A point of a glyph, y upwards, in a text of that rotation: its way from the text's origin.
-gx_point16_t turned(int x, int y, int rotation) {
-  const auto px = static_cast<std::int16_t>(x), py = static_cast<std::int16_t>(y);
-  const auto minus = [](std::int16_t v) { return static_cast<std::int16_t>(-v); };
-  if (rotation == 1) return {minus(py), minus(px)};
-  if (rotation == 3) return {py, px};
-  return {px, minus(py)};
-}
 }  // namespace
 
 void gx_setarray_hortext() {
@@ -118,21 +133,30 @@ void gx_hortext(gx_vpid_t vpid, std::string_view text, int istart, int x, int y,
   const auto skipped =
       std::min(static_cast<std::size_t>(std::max(istart, 1) - 1), characters.size());
   const auto rest = std::u32string_view(characters).substr(skipped);
-  const int n = static_cast<int>(std::min(rest.size(), std::size_t{gx_max_text_length}));
+  const auto [step, height, columns] = screen_letters(vpid);
+  const int n = std::min(static_cast<int>(rest.size()), columns);
   x = clamped(x, 0, v.bitmap_size.x);
   y = clamped(y, 0, v.bitmap_size.y);
-  int width = gx_max_text_length * v.cmd_step + 1;
-  if (!whole_line)
-    width = n < gx_max_text_length ? (n + 1) * v.cmd_step + 2 : gx_max_text_length * v.cmd_step + 2;
-  gx_pen_clear(x - 1, y - 1, width, v.cmd_height + v.cmd_height / 2 + 2);
-  const int baseline = y + v.cmd_height;
+  int width = columns * step + 1;
+  if (!whole_line) width = n < columns ? (n + 1) * step + 2 : columns * step + 2;
+  gx_pen_clear(x - 1, y - 1, width, height + height / 2 + 2);
+  const int baseline = y + height;
+  gx_canvas_t* const canvas = gx_canvas();
+  const bool is_plain = step == v.cmd_step && height == v.cmd_height;
+  gx_scaled_font_t& font = is_plain && v.strpt ? *v.strpt : font_of(step, height);
+  const gx_letters_t letters{font.by_x, font.by_y, 0};
   for (const char32_t code : rest.substr(0, static_cast<std::size_t>(n))) {
-    for (const gx_line16_t& line : gx_scaled_glyph(code))
-      gx_pen_line(
-          color, 0,
-          {static_cast<std::int16_t>(x + line.x1), static_cast<std::int16_t>(baseline - line.y1),
-           static_cast<std::int16_t>(x + line.x2), static_cast<std::int16_t>(baseline - line.y2)});
-    x += v.cmd_step;
+    const auto strokes = scaled_glyph(font, code);
+    if (canvas != nullptr)
+      gx_smooth_letter(*canvas, letters, code, strokes, pixel_at(x, baseline), color);
+    else
+      for (const gx_line16_t& line : strokes)
+        gx_pen_line(
+            color, 0,
+            {static_cast<std::int16_t>(x + line.x1), static_cast<std::int16_t>(baseline - line.y1),
+             static_cast<std::int16_t>(x + line.x2),
+             static_cast<std::int16_t>(baseline - line.y2)});
+    x += step;
   }
 }
 
@@ -165,13 +189,21 @@ void gx_text(gx_vpid_t vpid, std::string_view text, int x, int y, int height, in
       place(x, y - height, x + extent, y + height / 2);
     gx_pen_clear(box.xmin, box.ymin, box.xmax - box.xmin, box.ymax - box.ymin);
   }
-  gx_scaled_font_t& font = sheet_font(grid_per_pixel(height));
+  gx_scaled_font_t& font = kept_font(grid_per_pixel(height), grid_per_pixel(height));
   const limits_t kept(clip);
-  for (const char32_t code : characters.substr(0, static_cast<std::size_t>(length))) {
-    if (x >= clip.xmin && x <= clip.xmax && y >= clip.ymin && y <= clip.ymax)
+  const auto shown = std::u32string_view(characters).substr(0, static_cast<std::size_t>(length));
+  gx_canvas_t* const canvas = gx_canvas();
+  if (canvas != nullptr && height < least_legible)
+    return gx_text_bar(*canvas, shown, pixel_at(x, y), height, advance, rotation, color);
+  const gx_letters_t letters{grid_per_pixel(height), grid_per_pixel(height), rotation};
+  for (const char32_t code : shown) {
+    const bool is_seen = x >= clip.xmin && x <= clip.xmax && y >= clip.ymin && y <= clip.ymax;
+    if (is_seen && canvas != nullptr)
+      gx_smooth_letter(*canvas, letters, code, scaled_glyph(font, code), pixel_at(x, y), color);
+    else if (is_seen)
       for (const gx_line16_t& line : scaled_glyph(font, code)) {
-        const gx_point16_t da = turned(line.x1, line.y1, rotation);
-        const gx_point16_t db = turned(line.x2, line.y2, rotation);
+        const gx_point16_t da = gx_turned(line.x1, line.y1, rotation);
+        const gx_point16_t db = gx_turned(line.x2, line.y2, rotation);
         const gx_point16_t a = kept(x + da.x, y + da.y), b = kept(x + db.x, y + db.y);
         gx_pen_line(color, 0, {a.x, a.y, b.x, b.y});
       }
@@ -187,7 +219,7 @@ void gx_polyline_char_2d16(gx_vpid_t vpid, int x0, int y0, int height, int rotat
   const auto& clip = gx_at(gx_vext.viewport, vpid).clip_wind;
   std::array<gx_point16_t, max_points> points;
   for (std::size_t i = 0; i < stroke.size(); ++i) {
-    const gx_point16_t d = turned(stroke[i].x / f, stroke[i].y / f, rotation);
+    const gx_point16_t d = gx_turned(stroke[i].x / f, stroke[i].y / f, rotation);
     points[i] = {clamped(x0 + d.x, clip.xmin, clip.xmax), clamped(y0 + d.y, clip.ymin, clip.ymax)};
   }
   gx_polyline_2d16(std::span(points.data(), stroke.size()), color);

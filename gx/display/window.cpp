@@ -8,6 +8,7 @@
 #include "gx/display/stroke_text.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"
+#include "gx/text/list_columns.h"
 #include "gx/text/status.h"
 #include "gx/vext.h"
 #include "platform/timing.h"
@@ -21,6 +22,7 @@ void gx_reset_package() {
   static_cast<gx_input_state_t&>(gx_vext) = {};
   static_cast<gx_menu_state_t&>(gx_vext) = {};
   static_cast<gx_key_state_t&>(gx_vext) = {};
+  gx_set_list_width(gx_max_text_length);
   gx_set_list_drawer(gx_regen_display_list);
 }
 

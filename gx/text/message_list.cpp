@@ -11,6 +11,7 @@
 
 #include "gx/text/at.h"
 #include "gx/text/debug.h"
+#include "gx/text/list_columns.h"
 #include "gx/text/session_state.h"
 #include "gx/text/strings.h"
 #include "gx/text/text_files.h"
@@ -44,7 +45,7 @@ gx_string_record_t printable(std::string_view text) {
 // slots: it goes into the second, the first keeps what it held.
 void keep(std::string_view text, gx_line_kind kind) {
   auto& v = gx_list;
-  const int slots = text.size() > gx_max_text_length ? 2 : 1;
+  const int slots = text.size() > static_cast<std::size_t>(gx_list_width()) ? 2 : 1;
   const int last = std::min<int>(v.nb_list_line_max, gx_max_list_lines);
   if (last < slots) return;
   int end = v.nlinlist_end + slots;
@@ -151,8 +152,9 @@ void gx_tell_parts(std::span<const std::string_view> parts, gx_line_kind kind) {
 void gx_tell_wrapped(std::string_view text, gx_line_kind kind) {
   constexpr std::string_view further = "#    ";
   std::string line;
-  while (line.size() + text.size() > gx_list_columns) {
-    const std::size_t room = gx_list_columns - line.size();
+  const std::size_t columns = gx_list_break();
+  while (line.size() + text.size() > columns) {
+    const std::size_t room = columns - line.size();
     const std::size_t words = std::min(text.find_first_not_of("# "), text.size());
     std::size_t length = text.rfind(' ', room);
     if (length == text.npos || length <= words) length = room;

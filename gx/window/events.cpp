@@ -17,6 +17,7 @@
 #include "gx/display/menu_draw.h"
 #include "gx/display/menu_tree.h"
 #include "gx/display/screen_state.h"
+#include "gx/display/smooth.h"
 #include "gx/display/stroke_text.h"
 #include "gx/display/viewport_coords.h"
 #include "gx/display/viewports.h"
@@ -420,6 +421,7 @@ void read_exposure(gx_event_t& event) {
   gx_vext.keyf_down = false;
   gx_vext.key_state = 0;
   discard(Expose);
+  gx_forget_shown();
   gx_vext.viewport_id = 1;
   event.kind = gx_event_kind::exposed;
   Window root = 0;

@@ -6,34 +6,17 @@
 #include <array>
 #include <vector>
 
+#include "gx/display/dashes.h"
 #include "gx/display/pen.h"
+#include "gx/display/smooth.h"
 #include "gx/text/at.h"
 #include "gx/text/status.h"
 #include "gx/vext.h"
 
 namespace {
-// The dashes of a line on the sheet, then those of a border. An empty list is a solid line.
-using dashes_t = std::array<char, 6>;
-struct dash_list_t {
-  int length;
-  dashes_t dashes;
-};
-constexpr std::array<dash_list_t, gx_nb_of_dash_lists> dash_lists = {{
-    {0, {}},
-    {2, {6, 6}},
-    {2, {3, 6}},
-    {4, {12, 6, 3, 6}},
-    {6, {12, 6, 3, 6, 3, 6}},
-    {0, {}},
-    {2, {6, 6}},
-    {2, {3, 10}},
-    {4, {12, 6, 2, 6}},
-    {6, {12, 6, 2, 6, 2, 6}},
-}};
-
 // What the graphics context holds; -1: not known.
 struct context_t {
-  int color = -1, dashes = -1;
+  int color = -1, dashes = -1, width = -1;
   bool is_exclusive_or = false;
 };
 context_t state;
@@ -51,12 +34,22 @@ void use_color(int color) {
 }
 
 void use_dashes(int dashes) {
-  if (state.dashes == dashes) return;
+  const bool is_border = dashes >= gx_nb_of_styles;
+  // The server draws a line of width 0, which is one pixel wide, as fast as it can.
+  const int width = is_border || gx_line_width() == 1 ? 0 : gx_line_width();
+  if (state.dashes == dashes && state.width == width) return;
   state.dashes = dashes;
-  const auto& list = gx_at(dash_lists, dashes);
-  const int line_style = list.length == 0 ? LineSolid : LineOnOffDash;
-  XSetLineAttributes(gx_vext.dpy, gx_vext.our_gc, 0, line_style, CapButt, JoinMiter);
-  if (list.length > 0) XSetDashes(gx_vext.dpy, gx_vext.our_gc, 0, list.dashes.data(), list.length);
+  state.width = width;
+  std::array<char, 6> lengths{};
+  const auto list = gx_dash_list(dashes);
+  std::ranges::transform(list, lengths.begin(), [&](char length) {
+    return static_cast<char>(length * std::max(width, 1));
+  });
+  const int line_style = list.empty() ? LineSolid : LineOnOffDash;
+  XSetLineAttributes(gx_vext.dpy, gx_vext.our_gc, static_cast<unsigned>(width), line_style,
+                     width == 0 ? CapButt : CapProjecting, JoinMiter);
+  if (!list.empty())
+    XSetDashes(gx_vext.dpy, gx_vext.our_gc, 0, lengths.data(), static_cast<int>(list.size()));
 }
 
 // The strokes of a group as the requests want them, in a buffer that is used again.

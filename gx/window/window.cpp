@@ -22,6 +22,7 @@
 #include "gx/window/colors.h"
 #include "gx/window/events.h"
 #include "gx/window/pictures.h"
+#include "gx/window/pixels.h"
 #include "gx/window/pointer.h"
 #include "gx/window/strokes.h"
 
@@ -83,6 +84,8 @@ void set_title(std::string_view title) {
 }
 
 int number_of_planes() { return DisplayPlanes(gx_vext.dpy, gx_vext.scrid); }
+
+int screen_height() { return DisplayHeight(gx_vext.dpy, gx_vext.scrid); }
 
 [[noreturn]] void refuse_start(const char* message) {
   gx_debug_line(message);
@@ -290,6 +293,8 @@ constexpr gx_screen_t x_screen = {.draw = gx_draw_strokes,
                                   .end_picture = gx_end_picture,
                                   .keep_area = gx_keep_area,
                                   .put_area_back = gx_put_area_back,
+                                  .takes_pixels = gx_takes_pixels,
+                                  .put_pixels = gx_put_pixels,
                                   .show_pointer = gx_show_pointer,
                                   .hide_pointer = gx_hide_pointer,
                                   .put_pointer = gx_put_pointer,
@@ -300,6 +305,7 @@ constexpr gx_screen_t x_screen = {.draw = gx_draw_strokes,
                                   .set_colors = gx_set_colors,
                                   .set_title = set_title,
                                   .number_of_planes = number_of_planes,
+                                  .height = screen_height,
                                   .close = release_display};
 }  // namespace
 

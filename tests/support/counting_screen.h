@@ -21,6 +21,8 @@ struct counting_screen {
         .end_picture = [](const gx_bounds16_t&) {},
         .keep_area = [](int, int, int, int, int) {},
         .put_area_back = [](int, int, int, int, int) {},
+        .takes_pixels = [] { return true; },
+        .put_pixels = [](const gx_canvas_t&, const gx_pixel_box_t&) {},
         .show_pointer = [](int) {},
         .hide_pointer = [] {},
         .put_pointer = [](gx_point16_t) {},
@@ -31,6 +33,7 @@ struct counting_screen {
         .set_colors = [](std::span<const gx_rgb_t>) {},
         .set_title = [](std::string_view) {},
         .number_of_planes = [] { return 1; },
+        .height = [] { return 2160; },
         .close = [] {},
     };
     gx_vext.screen = &nothing;
