@@ -105,7 +105,7 @@ void kv_show_hint(gx_point16_t pixel) {
   const bool fits = box.xmax < within.xmax && box.ymax < within.ymax && !is_under(box, pixel);
   if (!fits) return;
   gx_pen_flush();
-  gx_vext.screen->keep_area(kept_as, box.xmin, box.ymin, width + 1, height + 1);
+  gx_pen_keep_area(kept_as, box.xmin, box.ymin, width + 1, height + 1);
   draw(view->vpid, box, lines, text);
   gx_pen_flush();
   kv_pext.hint_box = box;
@@ -117,8 +117,8 @@ void kv_hide_hint() {
   kv_pext.is_hint_shown = false;
   const gx_bounds16_t& box = kv_pext.hint_box;
   gx_pen_flush();
-  gx_vext.screen->put_area_back(kept_as, box.xmin, box.ymin, box.xmax - box.xmin + 1,
-                                box.ymax - box.ymin + 1);
+  gx_pen_put_area_back(kept_as, box.xmin, box.ymin, box.xmax - box.xmin + 1,
+                       box.ymax - box.ymin + 1);
 }
 
 void kv_forget_hint() { kv_pext.is_hint_shown = false; }

@@ -6,6 +6,7 @@
 #include "app/hint/hint.h"
 #include "app/language/command_row.h"
 #include "app/language/substitution.h"
+#include "app/session/display_settings.h"
 #include "app/session/event_loop.h"
 #include "app/session/gestures.h"
 #include "app/session/menu_actions.h"
@@ -214,6 +215,10 @@ constexpr kv_command_row_t session_rows[] = {
     {{"COM"}, "COMmand text", kv_command_cmd, "# COMmand "},
     {{"DISP", "THE"}, "DISPlay THEme CLAssic or DARk or LIGht", kv_display_theme_cmd, "# DISplay THEme ", 3},
     {{"DISP", "HIN"}, "DISPlay HINts ON or OFF", kv_display_hints_cmd, "# DISplay HINts ", 3},
+    {{"DISP", "SMO"}, "DISPlay SMOoth ON or OFF", kv_display_smooth_cmd, "# DISplay SMOoth ", 3},
+    {{"DISP", "WID"}, "DISPlay WIDth number or AUTo", kv_display_width_cmd, "# DISplay WIDth ", 3},
+    {{"DISP", "LIN"}, "DISPlay LINes number", kv_display_lines_cmd, "# DISplay LINes ", 3},
+    {{"DISP", "CON"}, "DISPlay CONtext ON or OFF", kv_display_context_cmd, "# DISplay CONtext ", 3},
     {{"DISP"}, "DISPlay ON or OFF", kv_display_cmd, "# DISplay "},
     {{"TRANS", "O"}, "TRANScript ON or OFF", kv_transcript_cmd, "# TRANScript "},
     {{"HAR"}, "HARDcopy [word]", kv_hardcopy_cmd, "# HARDcopy "},

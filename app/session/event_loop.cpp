@@ -19,6 +19,7 @@
 #include "app/session/recall.h"
 #include "app/sheet/last_views.h"
 #include "app/sheet/pan.h"
+#include "app/sheet/panes.h"
 #include "app/sheet/views.h"
 #include "app/tree/tree_view.h"
 #include "app/values/waves.h"
@@ -35,6 +36,7 @@
 #include "gx/display/viewports.h"
 #include "gx/text/at.h"
 #include "gx/text/debug.h"
+#include "gx/text/list_columns.h"
 #include "gx/text/message_list.h"
 #include "gx/text/status.h"
 #include "gx/text/strings.h"
@@ -226,6 +228,9 @@ void on_plain_key(loop_t& loop, std::uint32_t keysym) {
   }
 }
 
+// The Page keys, over a list that is not the plain one.
+bool scrolls_pages() { return gx_vext.viewport_id == gx_vext.viewport_list && !gx_list_is_plain(); }
+
 void on_key_press(loop_t& loop, const gx_event_t& event) {
   auto& v = gx_vext;
   const std::uint32_t keysym = event.code;
@@ -236,6 +241,8 @@ void on_key_press(loop_t& loop, const gx_event_t& event) {
   } else if (const auto arrow = arrow_index(keysym)) {
     run_key<4>(loop, {&v.action_a, &v.action_as, &v.action_ac, &v.action_aa},
                static_cast<std::uint32_t>(*arrow), event);
+  } else if ((keysym == XK_Prior || keysym == XK_Next) && scrolls_pages()) {
+    gx_upd_display_list(keysym == XK_Prior, std::max(v.nb_line_in_listviewp - 1, 1));
   } else if (keysym == XK_Prior) {
     run_helper("kivoMenuDB");
   } else if (keysym == XK_Next) {
@@ -389,6 +396,7 @@ void put_pointer_into_edit_viewport() {
 }  // namespace
 
 void kv_draw_window(bool resized) {
+  kv_place_panes();
   gx_clear_window();
   if (kv_pext.file_id_cur > 0 && resized) {
     kv_expose_viewport_edit();

@@ -13,6 +13,7 @@
 #include "gx/display/line_edit.h"
 #include "gx/display/list_viewport.h"
 #include "gx/display/rubber_rectangle.h"
+#include "gx/display/smooth.h"
 #include "gx/display/viewport_coords.h"
 #include "gx/display/viewports.h"
 #include "gx/text/at.h"
@@ -129,7 +130,7 @@ void kv_click(const gx_event_t& event, const std::function<void(std::string_view
     select(*view, "I_", block, false, run);
     return run("VIEW DOWN ");
   }
-  const std::int32_t room = net_room * gx_viewport_rec(view->vpid).object_scale;
+  const std::int32_t room = net_room * gx_line_width() * gx_viewport_rec(view->vpid).object_scale;
   if (const int net = kv_pick_net(view->file(), point, room))
     select(*view, "N_", net, shifted, run);
   else if (const int inst = kv_pick_instance(view->file(), point))

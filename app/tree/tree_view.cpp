@@ -346,7 +346,9 @@ void set_place(bool on) {
   const gx_viewport_init_rec_t whole = set_viewports().front();
   edit.bounds_vp.xmin = on ? edit_left_beside_tree : whole.bounds.xmin;
   if (on) {
-    gx_viewport_create(tree_place, whole.border);
+    gx_boundsreal_t place = tree_place;
+    place.ymax = edit.bounds_vp.ymax;  // a longer list takes some of it
+    gx_viewport_create(place, whole.border);
     gx_vext.viewport_tree = gx_vext.viewport_id_max;
     kv_frame_quiet(gx_vext.viewport_tree);
   } else {

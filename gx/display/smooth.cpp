@@ -21,7 +21,8 @@ constexpr int bar_coverage = 96;
 // The strokes of a letter are a ninth of its height wide, within limits.
 int stroke_eighths(const gx_letters_t& letters) {
   const int height = gx_glyph_height / std::max(letters.up, 1);
-  return std::clamp(height * eighths / 9, eighths, std::max(gx_line_width() * 10, height * eighths / 16));
+  return std::clamp(height * eighths / 9, eighths,
+                    std::max(gx_line_width() * 10, height * eighths / 16));
 }
 
 double distance(double x, double y, const gx_line16_t& line) {
