@@ -31,8 +31,11 @@ dk_elements_t::dk_elements_t(const dk_visits_t& visits, const dk_options_t& opti
     const kv_object_t object = visits_.netlist().pin(current_, pin - 1);
     if (pin > visits_.netlist().nb_of_pins(current_) || !visits_.netlist().holds(object)) return;
     const auto bits = visits_.netlist().bits(object);
-    for (std::int32_t bit = 0; bit < bits.count; ++bit)
-      out.append(bit == 0 ? "" : " ").append(naming_.node_of_pin(object, bit));
+    for (std::int32_t bit = 0; bit < bits.count; ++bit) {
+      const auto node = naming_.node_of_pin(object, bit);
+      const std::string_view last = std::string_view(node).substr(node.rfind(':') + 1);
+      out.append(bit == 0 ? "" : " ").append(is_xspice_ && gx_iden(last, "null") ? last : node);
+    }
   };
 }
 
@@ -77,7 +80,9 @@ bool dk_elements_t::write(std::int32_t inst) {
       line_ = naming_.element(name.substr(0, 1), name);
     }
     const auto name_ends = line_.size();
-    const bool calls = gx_upper_case(line.name.front()) == 'X';
+    const char letter = gx_upper_case(line.name.front());
+    const bool calls = letter == 'X';
+    is_xspice_ = letter == 'A';
     for (const auto& piece : line.pieces) {
       piece_ = &piece;
       call_ = calls && !piece.of.empty() ? &line : nullptr;

@@ -56,6 +56,7 @@ class dk_elements_t {
   kv_object_t current_{};
   const dk_line_t* call_ = nullptr;    // the line in work, when it calls a subcircuit
   const dk_piece_t* piece_ = nullptr;  // and the piece of it
+  bool is_xspice_ = false;  // the line in work is of a device to which the node "null" is none
   std::string line_;
   std::vector<std::string> saved_;
 };
