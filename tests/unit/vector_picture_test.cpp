@@ -115,6 +115,8 @@ TEST(VectorPicture, TextsStayTexts) {
   EXPECT_NE(pdf_of(description).find("(f\\(x\\)\\\\)Tj"), std::string::npos);
   EXPECT_EQ(gx_xml("\xC3\xA9 \xE2\x84\xA6 \xF0\x9D\x84\x9E"),
             "\xC3\xA9 \xE2\x84\xA6 \xF0\x9D\x84\x9E");
+  for (const char* character : {"\xC2\x80", "\xED\x9F\xBF", "\xEE\x80\x80", "\xF4\x8F\xBF\xBF"})
+    EXPECT_EQ(gx_characters(character).size(), 1U) << character;
   // No UTF-8: overlong, cut short, a surrogate, beyond the last one; then Latin-1.
   for (const char* bytes : {"\xC0\xAF", "\xE2\x84", "\xED\xA0\x80", "\xF5\x80\x80\x80", "\xE9"})
     EXPECT_EQ(gx_characters(bytes).size(), std::string_view(bytes).size()) << bytes;
