@@ -5,9 +5,9 @@
 
 #include "expand/sheet_analysis.h"
 
-// Adds what one visit of a sheet stores itself to what its instances were found to come to.
+// Adds the size of the sheet's own records to the total of its instances.
 void kv_estimate_own(const kv_setup_t& setup, kv_sheet_t& sheet);
-// Adds what one more instance of the sheet `below` comes to.
+// Adds the size of one more instance of the sheet `below`.
 void kv_estimate_below(kv_sheet_t& sheet, const kv_sheet_t& below);
 
 // Memory that this process may still take, in bytes.

@@ -12,8 +12,8 @@
 #include "expand/sheets.h"
 #include "netlist/netlist.h"
 
-// One visit. What it saved lies between the counts of the arrays before and after: nets and
-// children of its own alone, leaf instances and macros also of the visits below it.
+// One visit. Its records are those between the counts before and after: nets and children of its
+// own alone, leaf instances and macros also of the visits below it.
 struct kv_visit_t {
   const kv_sheet_t* sheet = nullptr;
   std::int32_t above = -1;  // the visit of the sheet that holds its block; -1 at the top

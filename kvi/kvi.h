@@ -21,10 +21,11 @@
  * The file is mapped, not copied: a design of a gigabyte is checked once, in a pass over the file,
  * and takes next to no memory. While a file is loaded the library holds a shared lock on it
  * (flock), so that it is not read while KIVO writes it. Once loaded it may be written again: a RUN,
- * or who else writes over the file or cuts it, ends what was loaded, and the queries answer as if
- * nothing were loaded (kvi_load_error says so); a file put in its place by renaming does not. For a
- * page that is cut off under the reader the library handles SIGBUS from its first loading on and
- * passes on what concerns others; a program with a handler of its own installs it before that.
+ * or any program that overwrites or truncates the file, invalidates what was loaded, and the
+ * queries answer as if nothing were loaded (kvi_load_error says so); a file put in its place by
+ * renaming does not. For a page that is cut off under the reader the library handles SIGBUS from
+ * its first loading on and passes on what concerns others; a program with a handler of its own
+ * installs it before that.
  */
 #ifndef KVI_KVI_H
 #define KVI_KVI_H

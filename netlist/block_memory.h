@@ -1,6 +1,6 @@
 // Memory for the blocks of a design, taken from the system in pieces that grow with the design, the
-// first of them in huge pages where there are such: what a design costs beside its records is fresh
-// pages, each with a fault of its own.
+// first of them in huge pages where there are such: what a design costs besides its records is
+// page faults on fresh memory.
 #pragma once
 
 #include <cstddef>

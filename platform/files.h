@@ -27,7 +27,8 @@ std::string x_why(int error);
 std::string x_why_unread(int error);
 // The same of a file that is made or written, which is never done through a link.
 std::string x_why_unwritten(int error);
-// Whether it says that there is no such file to read. All else stands in the way of one.
+// Whether it says that there is no such file to read. Any other error: something exists
+// there but cannot be read.
 bool x_is_missing(int error);
 
 // Opens a regular file for reading. All others are refused at once (EISDIR, or EINVAL for a pipe or
@@ -40,8 +41,8 @@ x_file x_open_regular_file(const std::string& path);  // the same for reading li
 // for the program's own files in a directory that others may write to.
 x_file x_create_file(const std::string& path, bool through_link);
 
-// Makes a new file for writing (0660 less the umask), which nothing that stands at the path is
-// opened for: it is taken away first, and a directory refuses.
+// Makes a new file for writing (0660 less the umask); whatever exists at the path is
+// removed first, never opened; a directory refuses.
 x_file x_create_new_file(const std::string& path);
 
 // A file for writing that takes its path only when it is whole: until then it is `path`.part, and a

@@ -31,7 +31,7 @@ struct kv_sheet_finding_t {
   gx_owner_t where;  // an instance, one of its pins, a net, a frame; none: the sheet
   std::vector<kv_check_line_t> lines;
   std::vector<kv_mark_t> marks = {};
-  bool is_further = false;  // of a name that stands twice on the sheet, but not the first
+  bool is_further = false;  // repeats an error already reported; CHEck SHEet shows the first
   int more = 0;             // further names that are told with this one
 };
 

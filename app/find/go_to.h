@@ -11,8 +11,8 @@
 // Goes to an object of the sheet at the end of a way that the drawings have; object 0: shows the
 // sheet whole and selects nothing. Instances, nets, frames, pins (by their pin property family),
 // vertices, segments and properties can be shown. What was selected on that sheet is no longer. "",
-// or what is wrong; the view then stays as it was, but when a sheet cannot be opened any more that
-// was read just before.
+// or what is wrong; the view is then unchanged, unless a sheet that was just read can no longer be
+// opened.
 std::string kv_go_along(kv_drawings_t& drawings, const kv_way_t& way, int object_id);
 
 // Shows a view again; the level it was on is opened again.

@@ -1,5 +1,6 @@
 // The flat nets that HIGhlight marks, and what has changed: on each sheet from the top down to the
-// one in view, and on the sheet of VIEw SHEet, there wherever any use of the sheet has them.
+// one in view, and on the sheet of VIEw SHEet, where a net is marked if it is on any
+// instance of the sheet.
 #pragma once
 
 #include <cstdint>

@@ -20,6 +20,6 @@ struct kv_batch_t {
 inline constexpr std::size_t kv_most_arguments = 28;  // that DO takes behind its file: 30 words
 
 // The exit status: 0 when all went well, 1 when an error was shown or a line could not be written,
-// kv_unusable_status with a message on standard error when there is nothing to begin with, and that
+// kv_unusable_status with a message on standard error when it cannot start, and that
 // of a session that a signal has ended.
 int kv_run_batch(const kv_batch_t& batch);

@@ -52,7 +52,7 @@ struct gxi_met_pin_t {
   int member = 0;
 };
 
-// Wires are the first members, in their order. Joins what has one place, and what lies on the
-// middle of a wire; of a slanted wire only when `slanted` says so.
+// Wires are the first members, in their order. Joins members at the same point,
+// and points on a wire with the wire; points on a slanted wire only when `slanted` is true.
 void gxi_join_places(gxi_groups_t& groups, std::span<const gxi_span_t> wires,
                      std::span<const gxi_met_pin_t> pins, bool slanted);

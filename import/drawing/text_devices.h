@@ -1,4 +1,4 @@
-// Devices that stand as lines of a netlist beside a drawing: they become instances nobody drew.
+// Devices in netlist lines of a drawing: they become instances without a drawing.
 #pragma once
 
 #include <functional>

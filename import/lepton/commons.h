@@ -6,8 +6,8 @@
 
 #include "import/drawing/drawing.h"
 
-// The name that a net has beyond its sheet; "" when it has none. One that is not `always` meant so
-// is, when others of the design are: a name of the top sheet.
+// The name that a net has beyond its sheet; "" when it has none. `always`
+// false: global only if another sheet makes the name global, as a name of the top sheet.
 struct gxi_common_name_t {
   std::string name{};
   bool always = false;

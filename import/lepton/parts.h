@@ -43,7 +43,7 @@ struct gxi_lepton_placed_t {
   std::vector<const gxi_lepton_link_t*> hidden_links() const;
 };
 
-// `messages` are told what a component says in vain.
+// Attributes that have no effect are reported in `messages`.
 gxi_lepton_placed_t gxi_lepton_place(gxi_lepton_library_t& library,
                                      const gxi_lepton_component_t& component, std::string_view page,
                                      gxm_messages_t& messages);

@@ -1,4 +1,4 @@
-// What is moved off a sheet, until the rest fits.
+// Moves instances into sub-sheets until the rest fits one file.
 #include "import/build/divide/division.h"
 
 #include <algorithm>
