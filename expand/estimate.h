@@ -3,7 +3,8 @@
 
 #include <cstdint>
 
-#include "expand/sheet_analysis.h"
+#include "expand/setup.h"
+#include "expand/sheet_records.h"
 
 // Adds the size of the sheet's own records to the total of its instances.
 void kv_estimate_own(const kv_setup_t& setup, kv_sheet_t& sheet);

@@ -7,6 +7,7 @@
 #include "expand/debug.h"
 #include "expand/messages.h"
 #include "expand/pin_chains.h"
+#include "expand/sheet_texts.h"
 #include "expand/values.h"
 #include "gx/text/at.h"
 

@@ -2,6 +2,7 @@
 
 #include "expand/estimate.h"
 #include "expand/messages.h"
+#include "expand/sheet_analysis.h"
 #include "gx/text/at.h"
 #include "gx/text/strings.h"
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <unordered_set>
 
+#include "expand/sheet_analysis.h"
 #include "expand/sheet_slots.h"
 #include "gx/db/link_file.h"
 #include "gx/db/record_codec.h"

@@ -11,7 +11,8 @@
 #include <unordered_map>
 #include <vector>
 
-#include "expand/sheet_analysis.h"
+#include "expand/setup.h"
+#include "expand/sheet_records.h"
 
 // A directory with a symbol and the sheet of that symbol.
 struct kv_component_t {

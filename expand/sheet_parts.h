@@ -1,0 +1,17 @@
+// The instances of a sheet that are no ports and no globals, with their pins and symbols.
+#pragma once
+
+#include <span>
+
+#include "expand/net_join.h"
+#include "expand/setup.h"
+#include "expand/sheet_records.h"
+#include "gx/db/file_records.h"
+
+// Adds the parts to the sheet, whose nets and groups are known: symbol by symbol, those of a symbol
+// in the order of its chain. `insts` are the object ids, in the order of the sheet.
+void kv_take_parts(const gx_file_gene_recf_t& file, const kv_setup_t& setup,
+                   const kv_net_table& nets, std::span<const int> insts, kv_sheet_t& sheet);
+
+// Whether an instance is a primitive: the first entry of the PRIMitive list that it meets.
+bool kv_found_primitive(const kv_setup_t& setup, const gx_file_gene_recf_t& file, int inst);
