@@ -254,12 +254,4 @@ kv_sheet_t kv_analyse_sheet(const gx_file_gene_recf_t& file, std::string_view fi
   return analysis(file, setup, globals).run(file_path);
 }
 
-kv_inst_role kv_role_of(const gx_file_gene_recf_t& file, int inst) {
-  const std::string_view value = gx_prop_text(gx_find_inst_prop(file, inst, "CLASS"));
-  if ((value.size() == 6 || value.size() == 7) && gx_equal("PORT", value))
-    return kv_inst_role::port;
-  const bool is_global = gx_iden(value, "G") && gx_find_inst_prop(file, inst, "GLOBAL") != nullptr;
-  return is_global ? kv_inst_role::global : kv_inst_role::part;
-}
-
 std::string_view kv_bare_name(std::string_view name) { return name.substr(0, name.find('[')); }

@@ -14,9 +14,5 @@
 kv_sheet_t kv_analyse_sheet(const gx_file_gene_recf_t& file, std::string_view file_path,
                             const kv_setup_t& setup, std::vector<kv_global_net_record_t>& globals);
 
-// What an instance stands for: a port or a global by its CLASS, else a part or a block.
-enum class kv_inst_role : std::uint8_t { part, port, global };
-kv_inst_role kv_role_of(const gx_file_gene_recf_t& file, int inst);
-
 // A name without the bus range that follows "[".
 std::string_view kv_bare_name(std::string_view name);

@@ -180,6 +180,14 @@ void kv_take_parts(const gx_file_gene_recf_t& file, const kv_setup_t& setup,
   parts_reader(file, setup, nets, sheet).take_symbols(insts);
 }
 
+kv_inst_role kv_role_of(const gx_file_gene_recf_t& file, int inst) {
+  const std::string_view value = gx_prop_text(gx_find_inst_prop(file, inst, "CLASS"));
+  if ((value.size() == 6 || value.size() == 7) && gx_equal("PORT", value))
+    return kv_inst_role::port;
+  const bool is_global = gx_iden(value, "G") && gx_find_inst_prop(file, inst, "GLOBAL") != nullptr;
+  return is_global ? kv_inst_role::global : kv_inst_role::part;
+}
+
 bool kv_found_primitive(const kv_setup_t& setup, const gx_file_gene_recf_t& file, int inst) {
   return std::any_of(setup.primitive.begin(), setup.primitive.end(), [&](const auto& entry) {
     const auto* property = gx_find_inst_prop(file, inst, gx_view(entry.name));

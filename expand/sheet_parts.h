@@ -1,6 +1,7 @@
 // The instances of a sheet that are no ports and no globals, with their pins and symbols.
 #pragma once
 
+#include <cstdint>
 #include <span>
 
 #include "expand/net_join.h"
@@ -12,6 +13,10 @@
 // in the order of its chain. `insts` are the object ids, in the order of the sheet.
 void kv_take_parts(const gx_file_gene_recf_t& file, const kv_setup_t& setup,
                    const kv_net_table& nets, std::span<const int> insts, kv_sheet_t& sheet);
+
+// What an instance stands for: a port or a global by its CLASS, else a part or a block.
+enum class kv_inst_role : std::uint8_t { part, port, global };
+kv_inst_role kv_role_of(const gx_file_gene_recf_t& file, int inst);
 
 // Whether an instance is a primitive: the first entry of the PRIMitive list that it meets.
 bool kv_found_primitive(const kv_setup_t& setup, const gx_file_gene_recf_t& file, int inst);

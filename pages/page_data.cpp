@@ -7,6 +7,7 @@
 #include <unordered_map>
 
 #include "expand/sheet_entry.h"
+#include "expand/sheet_parts.h"
 #include "expand/sheet_slots.h"
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"

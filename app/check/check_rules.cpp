@@ -2,7 +2,7 @@
 #include "app/check/check_rules.h"
 
 #include "app/check/sheet_check.h"
-#include "expand/sheet_analysis.h"
+#include "expand/sheet_parts.h"
 #include "gx/text/strings.h"
 
 namespace {

@@ -1,7 +1,6 @@
 #include "app/find/search_drawings.h"
 
 #include "app/sheet/walk.h"
-#include "expand/sheet_analysis.h"
 #include "expand/sheet_parts.h"
 #include "expand/store.h"
 #include "gx/db/object_access.h"

@@ -10,7 +10,7 @@
 #include "app/sheet/walk.h"
 #include "app/state.h"
 #include "app/values/asked.h"
-#include "expand/sheet_analysis.h"
+#include "expand/sheet_parts.h"
 #include "expand/store.h"
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"

@@ -79,7 +79,7 @@ kv_command_rows_t kv_session_commands();     // session/commands_session
 kv_command_rows_t kv_check_commands();       // check/check_sheet
 kv_command_rows_t kv_finding_commands();     // check/commands_findings
 kv_command_rows_t kv_condition_commands();   // values/commands_condition
-kv_command_rows_t kv_difference_commands();  // find/commands_difference
+kv_command_rows_t kv_difference_commands();  // check/commands_difference
 kv_command_rows_t kv_expand_commands();      // run/commands_expand
 kv_command_rows_t kv_explain_commands();     // find/commands_explain
 kv_command_rows_t kv_file_commands();        // language/commands_files
@@ -95,8 +95,8 @@ kv_command_rows_t kv_navigate_commands();    // sheet/commands_navigate
 kv_command_rows_t kv_select_commands();      // sheet/commands_select
 kv_command_rows_t kv_name_commands();        // sheet/commands_select_name
 kv_command_rows_t kv_shown_commands();       // values/commands_shown
-kv_command_rows_t kv_tree_commands();        // tree/commands_tree
-kv_command_rows_t kv_simulator_commands();   // run/commands_simulator
+kv_command_rows_t kv_tree_commands();        // session/commands_tree
+kv_command_rows_t kv_simulator_commands();   // values/commands_simulator
 kv_command_rows_t kv_status_commands();      // sheet/commands_status
 kv_command_rows_t kv_values_commands();      // values/commands_values
 kv_command_rows_t kv_variable_commands();    // language/commands_variables

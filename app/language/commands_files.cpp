@@ -1,4 +1,4 @@
-// Commands about files: command files, compiled procedures, texts shown, the dump of a sheet.
+// Commands about files: command files, compiled procedures, texts shown.
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
@@ -10,8 +10,6 @@
 #include "app/language/command_table.h"
 #include "app/language/do_file.h"
 #include "app/language/interpreter.h"
-#include "app/sheet/command_viewport.h"
-#include "gx/db/object_list.h"
 #include "gx/text/arguments.h"
 #include "gx/text/debug.h"
 #include "gx/text/message_list.h"
@@ -126,16 +124,6 @@ void kv_showfile_cmd(const kv_command_t& command) {
   kv_echo(" SHOw FILe ", command, 3);
 }
 
-void kv_list_object_cmd(const kv_command_t& command) {
-  constexpr std::string_view refused = "# LIST OBJect ";
-  if (kv_pext.file_id_cur < 1) return kv_refuse(refused, command, kv_no_sheet, 3);
-  if (const auto why = gx_object_list(kv_pext.file_id_cur); !why.empty()) {
-    kv_refuse(refused, command, "# !! Error : impossible to write the file : ", 3);
-    return gx_tell_detail("# !! ", why);
-  }
-  kv_echo(" LIST OBJect ", command, 3);
-}
-
 constexpr kv_command_row_t file_rows[] = {
     // clang-format off
     {{"DO"}, "DO file [word ...]", kv_do_cmd, "# DO ", 2, 2},
@@ -143,7 +131,6 @@ constexpr kv_command_row_t file_rows[] = {
     {{"DODIR"}, "DODIRectbin name [word ...]", kv_dodirbin_cmd, "# DODIRectbin "},
     {{"HEL"}, "HELp [word]", kv_help_cmd, "# HELp "},
     {{"SHO", "FIL"}, "SHOw FILe path", kv_showfile_cmd, "# SHOw FILe ", 3},
-    {{"LIST", "OBJ"}, "LIST OBJect", kv_list_object_cmd, "# LIST OBJect ", 3},
     // clang-format on
 };
 

@@ -6,6 +6,7 @@
 #include "app/language/command_row.h"
 #include "app/sheet/command_viewport.h"
 #include "gx/db/geometry.h"
+#include "gx/db/object_list.h"
 #include "gx/db/owners.h"
 #include "gx/display/draw.h"
 #include "gx/text/debug.h"
@@ -273,8 +274,19 @@ void kv_show_link_cmd(const kv_command_t& command) {
   gx_tell(" SHOw LINk ", view->name());
 }
 
+void kv_list_object_cmd(const kv_command_t& command) {
+  constexpr std::string_view refused = "# LIST OBJect ";
+  if (kv_pext.file_id_cur < 1) return kv_refuse(refused, command, kv_no_sheet, 3);
+  if (const auto why = gx_object_list(kv_pext.file_id_cur); !why.empty()) {
+    kv_refuse(refused, command, "# !! Error : impossible to write the file : ", 3);
+    return gx_tell_detail("# !! ", why);
+  }
+  kv_echo(" LIST OBJect ", command, 3);
+}
+
 constexpr kv_command_row_t status_rows[] = {
     // clang-format off
+    {{"LIST", "OBJ"}, "LIST OBJect", kv_list_object_cmd, "# LIST OBJect ", 3},
     {{"STA", "OBJ"}, "STAtus OBJect [Edit or Context [id]]", kv_status_object_cmd, "# STAtus OBJect ", 3},
     {{"STA", "NET"}, "STAtus NET [Edit or Context]", kv_status_net_cmd, "# STAtus NET ", 3},
     {{"STA", "PRO"}, "STAtus PROperty [Edit or Context]", kv_status_prop_cmd, "# STAtus PROperty ", 3},

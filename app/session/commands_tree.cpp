@@ -10,23 +10,23 @@
 #include "gx/vext.h"
 
 namespace {
-constexpr std::string_view refused = "# VIEw TREe ";
+constexpr std::string_view tree_echo = "# VIEw TREe ";
 
 void kv_view_tree_cmd(const kv_command_t& command) {
   const std::string_view word = command.word(3);
   if (word.starts_with('/')) {
     kv_drawings_t drawings;
     const auto way = kv_way_to(drawings, word == "/" ? "" : word);
-    if (!way) return kv_refuse(refused, command, "# !! Error : Path not found ? ", 3);
+    if (!way) return kv_refuse(tree_echo, command, "# !! Error : Path not found ? ", 3);
     if (const std::string fault = kv_go_along(drawings, *way, 0); !fault.empty()) {
-      kv_refuse(refused, command, "# !! Error : No Sheet Available ? : ", 3);
+      kv_refuse(tree_echo, command, "# !! Error : No Sheet Available ? : ", 3);
       return gx_tell_detail("# !! ", fault);
     }
     return kv_echo(" VIEw TREe ", command, 3);
   }
   const auto on = word.empty() ? !kv_tree_is_shown() : kv_on_or_off(word);
   if (!on)
-    return kv_refuse(refused, command, "# !! Error : 3rd parameter incorrect (ON, OFF, /path) ? ",
+    return kv_refuse(tree_echo, command, "# !! Error : 3rd parameter incorrect (ON, OFF, /path) ? ",
                      3);
   kv_show_tree(*on);
   if (gx_vext.screen != nullptr) {
@@ -37,7 +37,7 @@ void kv_view_tree_cmd(const kv_command_t& command) {
 }
 
 constexpr kv_command_row_t tree_rows[] = {
-    {{"VIE", "TRE"}, "VIEw TREe [ON or OFF or path]", kv_view_tree_cmd, refused, 3},
+    {{"VIE", "TRE"}, "VIEw TREe [ON or OFF or path]", kv_view_tree_cmd, tree_echo, 3},
 };
 }  // namespace
 

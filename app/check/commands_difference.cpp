@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "app/check/changed_places.h"
 #include "app/check/listed_places.h"
-#include "app/find/changed_places.h"
 #include "app/find/highlights.h"
 #include "app/language/answer_records.h"
 #include "app/language/command_row.h"

@@ -1,4 +1,4 @@
-#include "app/find/changed_places.h"
+#include "app/check/changed_places.h"
 
 #include "gx/text/at.h"
 
@@ -8,7 +8,7 @@ struct kind_t {
   kv_named what;
   bool is_gone = false;
 };
-kind_t kind_of(kv_change change) {
+kind_t kind_of_change(kv_change change) {
   constexpr kind_t kinds[] = {{kv_named::macro},      {kv_named::macro, true}, {kv_named::macro},
                               {kv_named::inst, true}, {kv_named::inst},        {kv_named::inst},
                               {kv_named::inst},       {kv_named::net},         {kv_named::net},
@@ -26,7 +26,7 @@ std::string without_bit(const std::string& path) {
 }  // namespace
 
 kv_changed_place_t kv_changed_place(const kv_expanded_t& expanded, const kv_change_t& change) {
-  const kind_t kind = kind_of(change.change);
+  const kind_t kind = kind_of_change(change.change);
   if (kind.is_gone) return {change.before, change.sheet, 0, std::nullopt};
   const bool is_pin = kind.what == kv_named::pin;
   const std::string path = is_pin ? without_bit(change.pins.front().pin) : change.after;
