@@ -17,8 +17,8 @@ struct sign_t {
 sign_t sign_at(std::string_view kept) {
   constexpr std::size_t least = 2, most = 6;
   if (!kept.starts_with(head)) return {};
-  const std::size_t end = kept.find('}');
-  if (end == kept.npos || end - head.size() < least || end - head.size() > most) return {};
+  const std::size_t end = kept.substr(0, head.size() + most + 1).find('}');
+  if (end == kept.npos || end - head.size() < least) return {};
   std::uint32_t code = 0;
   const auto [rest, error] = std::from_chars(&kept[head.size()], &kept[end], code, 16);
   if (error != std::errc() || rest != &kept[end] || code < ' ' || code > 0x10FFFF ||
