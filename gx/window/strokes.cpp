@@ -3,7 +3,7 @@
 #include <X11/Xlib.h>
 
 #include <algorithm>
-#include <array>
+#include <string>
 #include <vector>
 
 #include "gx/display/dashes.h"
@@ -40,11 +40,9 @@ void use_dashes(int dashes) {
   if (state.dashes == dashes && state.width == width) return;
   state.dashes = dashes;
   state.width = width;
-  std::array<char, 6> lengths{};
+  std::string lengths;
   const auto list = gx_dash_list(dashes);
-  std::ranges::transform(list, lengths.begin(), [&](char length) {
-    return static_cast<char>(length * std::max(width, 1));
-  });
+  for (const char length : list) lengths += static_cast<char>(length * std::max(width, 1));
   const int line_style = list.empty() ? LineSolid : LineOnOffDash;
   XSetLineAttributes(gx_vext.dpy, gx_vext.our_gc, static_cast<unsigned>(width), line_style,
                      width == 0 ? CapButt : CapProjecting, JoinMiter);
