@@ -74,7 +74,7 @@ std::string kv_compared_text(const Netlist& netlist, const kv_property_t& proper
     const auto value = static_cast<float>(netlist.value(property, which));
     return std::string(digits, std::to_chars(digits, digits + 40, value).ptr);
   };
-  // Integers of more digits than a float holds are told whole.
+  // Integers of more digits than a float holds are kept whole.
   const auto one = [&](int which) {
     return property.type == kv_prop_int ? std::to_string(gx_at(property.whole, which))
                                         : number(which);

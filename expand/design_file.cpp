@@ -35,7 +35,7 @@ bool write_at(int fd, std::span<const std::uint8_t> bytes, off_t offset) {
   return true;
 }
 
-// The bytes of the image behind its header, gathered in a large buffer.
+// The bytes of the image after its header, gathered in a large buffer.
 class image_writer {
  public:
   explicit image_writer(int fd) : fd_(fd), buffer_(new std::uint8_t[capacity]) {}
@@ -52,7 +52,7 @@ class image_writer {
     ok_ = ok_ && write_at(fd_, {buffer_.get(), used_}, offset_);
     offset_ += static_cast<off_t>(used_);
     used_ = 0;
-    if (!ok_) return false;  // what the system said is told
+    if (!ok_) return false;  // what the system said is reported
     // The disk begins while the next records are encoded.
     ::sync_file_range(fd_, sent_, offset_ - sent_, SYNC_FILE_RANGE_WRITE);
     sent_ = offset_;
@@ -67,7 +67,7 @@ class image_writer {
   std::unique_ptr<std::uint8_t[]> buffer_;
   std::size_t used_ = 0;
   off_t offset_ = header_size;
-  off_t sent_ = 0;  // what stands before is on its way to the disk
+  off_t sent_ = 0;  // all before it is on its way to the disk
   bool ok_ = true;
 };
 
@@ -101,7 +101,7 @@ bool write_parts(image_writer& out, const kv_design_t& design) {
 }
 
 // Makes the file begin with the header, which makes it valid, and end at `length`. Readers go by
-// the counts, so bytes of an older image behind the new one would not mislead them.
+// the counts, so bytes of an older image after it would not mislead them.
 bool finish_image(const kv_design_t& design, int fd, off_t length) {
   std::array<std::uint8_t, header_size> header;
   kv_encode_record(design.general_info, header.data());

@@ -34,5 +34,5 @@ int kv_other_session(int fd);
 // written.
 bool kv_write_image(const kv_design_t& design, int fd);
 
-// What is left of an image whose listing could not be opened: the header, and nothing behind it.
+// What is left of an image whose listing could not be opened: the header, and nothing after it.
 bool kv_write_image_header(const kv_design_t& design, int fd);

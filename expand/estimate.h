@@ -1,4 +1,4 @@
-// What a run will come to, reckoned from the sheets before the first visit.
+// What a run will store, estimated from the sheets before the first visit.
 #pragma once
 
 #include <cstdint>

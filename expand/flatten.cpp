@@ -110,7 +110,7 @@ void process_ports(const visit_t& visit) {
     }
     if (port.group < 0) continue;
     const auto& pin = gx_at(above.pins, visit.entry.inst->first_pin + place);
-    if (pin.group < 0) continue;  // told when the pin was saved
+    if (pin.group < 0) continue;  // reported when the pin was saved
     const auto& flat_above =
         visit.run.flats[visit.entry.flats + static_cast<std::size_t>(pin.group)];
     if (flat_above.net == 0) continue;
@@ -172,8 +172,8 @@ void make_global(kv_design_t& design, std::int32_t net, std::string_view name,
   if (global_net == 0) global_net = net;
 }
 
-// Whether a flat net is that of a global of another name; told when it is. `by_sheet`: what named
-// it stands on this sheet, not on one above or beside it.
+// Whether a flat net is that of a global of another name; reported when it is. `by_sheet`: what
+// named it is on this sheet, not on another.
 bool is_of_other_global(const visit_t& visit, const kv_net_record_t& net, std::string_view name,
                         bool by_sheet) {
   const std::string_view other = kv_text(visit.run.design, net.name);
@@ -182,7 +182,7 @@ bool is_of_other_global(const visit_t& visit, const kv_net_record_t& net, std::s
   return true;
 }
 
-// A global on a member of a bus names that member, whatever other nets bear its name; the member,
+// A global on a member of a bus names that member, whatever other nets have its name; the member,
 // 0 when it is another global's.
 std::int32_t name_member(const visit_t& visit, std::int32_t member, std::string_view name,
                          named_members_t& named) {
@@ -367,7 +367,7 @@ void process_instances(const visit_t& visit) {
   }
 }
 
-// All of a sheet. A store that gets full ends the run; the sheet that it could not hold is told.
+// All of a sheet. A store that gets full ends the run; the sheet that did not fit is reported.
 void process_objects(const visit_t& visit) {
   try {
     process_ports(visit);

@@ -19,7 +19,7 @@ struct kv_flat_t {
   std::int32_t position = 0;  // on a bus: the member that the sheet's first member is
   std::int32_t width = 0;     // members of the sheet's bus, 0: no bus
   bool by_port = false;       // it came from the sheet above
-  bool by_master = false;     // it bears the id, name and path of the master net here
+  bool by_master = false;     // it has the id, name and path of the master net here
 };
 
 // A simulation path that grows and shrinks with the walk. Every path is a string of the store, so

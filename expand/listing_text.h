@@ -14,9 +14,9 @@ class kv_listing_text_t {
   // Texts and labels are short: 4096 characters at most.
   void text(std::string_view chars);
   void rule(char c, int n);                                               // n copies and a line end
-  void integer(std::string_view label, std::int64_t value);               // "%d\n" behind the label
+  void integer(std::string_view label, std::int64_t value);               // "%d\n" after the label
   void integers(std::string_view label, std::int64_t a, std::int64_t b);  // "%d  %d\n"
-  void real(std::string_view label, float value);               // "%10.3f\n" behind the label
+  void real(std::string_view label, float value);               // "%10.3f\n" after the label
   void quoted(std::string_view label, std::string_view value);  // in double quotes, and a line end
 
   // Writes what is left; false when some text could not be written.

@@ -1,9 +1,9 @@
 // Which nets of a sheet are one equipotential.
 //
 // Nets join when segments of both end on the same vertex or pin, when a vertex or pin that names
-// one net ends a segment of the other, when they bear the same name, and when ports of one name are
+// one net ends a segment of the other, when they have the same name, and when ports of one name are
 // on them (letter case ignored). A port's name is no name of its net: a net elsewhere on the sheet
-// that happens to bear it is not joined.
+// that happens to have it is not joined.
 #pragma once
 
 #include <cstdint>

@@ -11,7 +11,7 @@ const kv_visit_t& at(const kv_origins_t& origins, std::int32_t visit) {
 }
 
 // The last visit before whose own records that record came; -1 for none. A visit without records
-// of its own begins where the next one does, which comes behind it.
+// of its own begins where the next one does, which comes later.
 std::int32_t last_before(const kv_origins_t& origins, std::int32_t kv_visit_t::*count,
                          std::int32_t record) {
   const auto end = std::ranges::partition_point(

@@ -31,7 +31,7 @@ struct kv_origins_t {
 // The visit that saved a record of the design, an index into `visits`; -1 when there is none.
 std::int32_t kv_visit_of_net(const kv_origins_t& origins, std::int32_t net);
 std::int32_t kv_visit_of_child(const kv_origins_t& origins, std::int32_t child);
-// The visit of the sheet behind a block; -1 when it has none.
+// The visit of the sheet of a block; -1 when it has none.
 std::int32_t kv_visit_inside(const kv_origins_t& origins, std::int32_t macro);
 
 // Where a record of the design is drawn.

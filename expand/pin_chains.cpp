@@ -80,7 +80,7 @@ kv_chained chain_on_members(kv_design_t& design, std::int32_t pin_ind, std::int3
     auto& net = design.nets[n];
     if (net.*D.last != 0) ++design.pins[net.*D.last].seen;
   }
-  // What the first chain needs decides: an end (no link behind the pin) or a head (its link).
+  // What the first chain needs decides: an end (no link after the pin) or a head (its link).
   bool is_last = false, is_first = false;
   for (std::int32_t n = first_net; n < end; ++n) {
     auto& net = design.nets[n];

@@ -17,7 +17,7 @@
 
 namespace {
 
-// Every list must have an entry; the first empty one is told.
+// Every list must have an entry; the first empty one is reported.
 bool lists_are_set(const kv_setup_t& setup) {
   struct list_check {
     std::int32_t count;

@@ -15,7 +15,7 @@ struct kv_progress_t {
   double seconds = 0;                  // since its start
   std::int64_t sheets = 0, insts = 0;  // visited, stored (leaf instances)
   std::int64_t all_sheets = 0;         // that it will visit, known before the first visit
-  bool ended = false;                  // the last call of a run that was told of
+  bool ended = false;                  // the last call for a run that was announced
 };
 
 // Who watches a run: called while it walks the hierarchy, and once more with `ended` when the walk
@@ -48,7 +48,7 @@ enum class kv_run_result {
   write_failed,
 };
 
-// Flattens, checks the nets and fills general_info. What is wrong is told to the list.
+// Flattens, checks the nets and fills general_info. What is wrong is reported to the list.
 kv_run_result kv_expand(const kv_run_t& run);
 // The same for sheets that were set up, and may be analysed already, for `setup`, and for one run
 // only; the stack is not looked at.

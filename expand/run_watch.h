@@ -1,4 +1,4 @@
-// The side of a run that is watched: when to tell how far it is (expand/run.h has the watcher).
+// The side of a run that is watched: when to report how far it is (expand/run.h has the watcher).
 #pragma once
 
 #include <chrono>
@@ -9,7 +9,7 @@
 class kv_run_watch {
  public:
   kv_run_watch(const kv_run_t& run, std::int64_t all_sheets);
-  ~kv_run_watch();  // tells the end to a watcher that was told of the run
+  ~kv_run_watch();  // the last call to a watcher that was called before
   kv_run_watch(const kv_run_watch&) = delete;
   kv_run_watch& operator=(const kv_run_watch&) = delete;
 

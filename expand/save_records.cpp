@@ -108,7 +108,7 @@ const kv_flat_t* fill_pin(kv_flatten_t& run, const kv_sheet_t& sheet, const kv_s
 void chain_pin(kv_design_t& design, const kv_sheet_pin_t& pin, const kv_flat_t& flat,
                std::int32_t index, std::string_view path) {
   const kv_net_record_t& net = design.nets[flat.net];
-  if (pin.position < 0) return;  // its first bit lies outside the bus, as was told
+  if (pin.position < 0) return;  // its first bit lies outside the bus, as was reported
   const kv_chained chained =
       net.net_type != kv_net_bus
           ? kv_chain_pin(design, index, flat.net, 1)

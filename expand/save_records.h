@@ -12,10 +12,10 @@ std::int32_t kv_save_inst(kv_flatten_t& run, const kv_sheet_t& sheet, const kv_s
 std::int32_t kv_save_macro(kv_flatten_t& run, const kv_sheet_t& sheet, const kv_sheet_inst_t& inst,
                            std::int8_t timing_index, const kv_flat_t* flats);
 
-// The net that bears the id and the kept properties of `master`, under run.path.
+// The net that has the id and the kept properties of `master`, under run.path.
 std::int32_t kv_save_net(kv_flatten_t& run, const kv_sheet_t& sheet, const kv_sheet_net_t& master,
                          std::string_view name);
-// A bus with its members behind it; the bus's range is above its start.
+// A bus with its members after it; the bus's range is above its start.
 std::int32_t kv_save_bus(kv_flatten_t& run, const kv_sheet_t& sheet, const kv_sheet_net_t& master,
                          std::string_view name, const kv_sheet_group_t& range);
 // Chains a further net of an equipotential to its flat net.

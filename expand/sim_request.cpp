@@ -78,7 +78,7 @@ bool kv_send_request(std::string_view request) {
   if (KivoSpice_fifo_fd < 0) {
     const int reason = errno;
     tell_not_ready(path);
-    // ENOENT and ENXIO: nobody listens. Anything else is told as what it is.
+    // ENOENT and ENXIO: nobody listens. Anything else is reported as what it is.
     if (reason != ENOENT && reason != ENXIO)
       gx_tell_detail("# !! \"", path, "\" : ", std::strerror(reason));
     return false;

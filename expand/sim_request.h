@@ -14,6 +14,6 @@ inline constexpr std::string_view kv_answer_end = "\x04";
 extern int KivoSpice_fifo_fd;
 
 // Sends one request, without its line end, to the FIFO in the directory of the primary sheet. An
-// empty one sends nothing. When no simulator listens, or it goes away, the list tells so and the
+// empty one sends nothing. When no simulator listens, or it goes away, the list says so and the
 // request is lost: false. Never waits for a reader that does not read.
 bool kv_send_request(std::string_view request);

@@ -39,7 +39,7 @@ struct integer_number {
   static type mean(type a, type b) { return (a + b) >> 1; }
 };
 
-// Digits with points: every digit behind the first point divides by a further 10.
+// Digits with points: every digit after the first point divides by a further 10.
 struct real_number {
   using type = float;
   static gx_parsed<float> read(std::string_view text) {

@@ -26,7 +26,7 @@ struct gxm_file_t {
   std::string data_name() const { return base + ".gx_" + std::to_string(version); }
 };
 
-// Builds every symbol, sheet and file; what cannot be built is left out and told in `messages`.
+// Builds every symbol, sheet and file; what cannot be built is left out and reported in `messages`.
 std::vector<gxm_file_t> gxm_build(const gxm_design_t& design, const gxm_options_t& options,
                                   gxm_messages_t& messages);
 

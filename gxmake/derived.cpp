@@ -221,7 +221,7 @@ void gxm_grow_boxes(const gx_file_gene_recf_t& file) {
     const bool is_pin = type == gx_type::pin || type == gx_type::pinpropfam;
     at->bounds = is_pin ? pin_box : gx_empty_bounds;
   }
-  // Children have higher ids than their fathers; a symbol stands before its instances.
+  // Children have higher ids than their fathers; a symbol comes before its instances.
   const auto grow = [&](const gx_object_gene_rec_t& child) {
     if (!child.father || child.object_type == gx_type::bodpropfam ||
         child.object_type == gx_type::symbol_family || is_hidden(child))

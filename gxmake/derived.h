@@ -8,7 +8,7 @@
 
 #include "gx/db/record_tables.h"
 
-// Fills these fields. `fathers` gives for each object the one that it stands under, 0: none.
+// Fills these fields. `fathers` gives for each object the one that it is under, 0: none.
 // `settle` is called after each step and puts in what is to be something else; what is worked out
 // later builds on it. Returns what is unsound in the references (gx_reference_fault), "" when
 // nothing is; the fields that follow from them are not filled then.

@@ -107,7 +107,7 @@ struct gxm_part_t {
 };
 
 // One stop of a wire: a pin of a part, or a place, whose missing coordinate is the one of the stop
-// before. `corner` tells how the wire comes here from the stop before.
+// before. `corner` says how the wire comes here from the stop before.
 struct gxm_stop_t {
   enum class corner_t { straight, across_first, down_first };
   corner_t corner = corner_t::straight;
@@ -160,14 +160,14 @@ struct gxm_sheet_t {
   std::vector<gxm_frame_t> frames{};
 };
 
-// A file told object by object, so that every object is the one that was meant: what `gxdump
+// A file described object by object, so that every object is the one that was meant: what `gxdump
 // --source` prints. Values are words as they are written, in the units of the file.
 struct gxm_field_word_t {
   std::string field{}, value{};
 };
 struct gxm_object_t {
   gx_type type = gx_type::nil;
-  int father = 0;  // the object that it stands under; 1 is the first of the file, 0: none
+  int father = 0;  // the object that it is under; 1 is the first of the file, 0: none
   std::vector<gxm_field_word_t> fields{};
   gxm_source_t source{};
 };

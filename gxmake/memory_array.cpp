@@ -259,7 +259,7 @@ std::string top(int banks, int blocks) {
   return text;
 }
 
-// How many whole banks a memory has; what is left of its blocks stands on the top sheet.
+// How many whole banks a memory has; its other blocks are on the top sheet.
 int banks_of(int blocks) { return blocks > blocks_of_bank ? blocks / blocks_of_bank : 0; }
 
 }  // namespace

@@ -1,5 +1,5 @@
-// Files told object by object: the lines of a description to their record, the record to a file,
-// and back from a file to such lines.
+// Files described object by object: the lines of a description to their record, the record to a
+// file, and back from a file to such lines.
 #pragma once
 
 #include <memory>
@@ -12,7 +12,7 @@
 #include "gxmake/builder.h"
 
 // --- reading the lines. Each gives what is wrong with the line, "" when nothing is.
-// Objects that a line further in may stand under, outermost first.
+// Objects that a line further in may be under, outermost first.
 struct gxm_open_object_t {
   std::size_t indent = 0;  // blanks before it
   int object = 0;

@@ -11,7 +11,7 @@ std::string place_text(const gx_object_gene_rec_t& object) {
   return std::to_string(object.origin.x) + "," + std::to_string(object.origin.y);
 }
 
-// What stands in a word without quotes.
+// The characters of a word without quotes.
 std::string plain(std::string text) {
   std::replace_if(
       text.begin(), text.end(), [](char c) { return c == ' ' || c == '"' || c == '\''; }, '_');

@@ -61,7 +61,7 @@ Rec& gxm_add(gxm_tree_t& tree, int father, gx_pointreal_t origin) {
 gx_object_id_t gxm_add_plain(gxm_tree_t& tree, gx_type type, int father,
                              gx_pointreal_t origin = {});
 
-// The primitives; their boxes are set. A hidden property stands at `when_hidden`.
+// The primitives; their boxes are set. A hidden property is at `when_hidden`.
 void gxm_add_shape(gxm_tree_t& tree, const gxm_shape_t& shape, int father);
 void gxm_add_property(gxm_tree_t& tree, const gxm_property_t& property, int father, bool fixed,
                       int rotate, gx_pointreal_t when_hidden = {});

@@ -166,7 +166,7 @@ class parser {
   void label(statement_t& s);
   void frame(statement_t& s);
 
-  // --- files told object by object
+  // --- files described object by object
   void start_file(statement_t& s);
   void object(statement_t& s);
 
@@ -313,7 +313,7 @@ void parser::start_sheet(statement_t& s) {
   texts_ = 0;
 }
 
-// Graphics of a sheet stand in a frame; without one of their own in the frame DRAWING.
+// Graphics of a sheet are in a frame; without one of their own in the frame DRAWING.
 void parser::default_frame() {
   if (scope_ == in_frame) return;
   auto& frames = sheet().frames;

@@ -14,7 +14,7 @@ struct gxm_input_t {
   std::list<std::string> files;  // the names that sources point to
 };
 
-// Reads a text; `name` stands in messages and is where relative "include" names start.
+// Reads a text; `name` is used in messages, and is where relative "include" names start.
 void gxm_parse_text(std::string_view text, std::string_view name, gxm_input_t& input);
 // Reads a file and what it includes. A file read before is not read again.
 void gxm_parse_file(const std::filesystem::path& path, gxm_input_t& input);

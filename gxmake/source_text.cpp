@@ -57,7 +57,7 @@ class said_t {
   bool object(int id, const gx_field_t& field) const {
     return gx_at(objects_, id - 1).contains(field.name);
   }
-  // The object that it stands under in the text: one before it.
+  // The object that it is under in the text: one before it.
   int father(int id) const { return gx_at(fathers_, id - 1); }
 
  private:

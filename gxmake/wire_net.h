@@ -48,6 +48,6 @@ struct gxm_places_t {
 };
 
 // Segments never run over an end of their net: they are cut there. A wire that runs over a pin
-// which the net does not join, and a stop that cannot be found, are told in `messages`.
+// which the net does not join, and a stop that cannot be found, are reported in `messages`.
 gxm_wiring_t gxm_wire_net(const gxm_net_t& net, const gxm_places_t& places,
                           gxm_messages_t& messages);

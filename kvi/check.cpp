@@ -185,9 +185,9 @@ class soundness_check {
     return true;
   }
 
-  // The characters of the strings lie one behind the other; a string that does not fit into its
+  // The characters of the strings lie one after the other; a string that does not fit into its
   // block of characters leaves the rest of the block, no more than it would need. An empty one
-  // stands at the last character before it.
+  // is at the last character before it.
   bool sound(std::int32_t, const kv_string_record_t& string) {
     if (string.len < 0 || string.len > kv_max_string || string.index < 0) return false;
     const std::int64_t start = std::int64_t{string.index} + (string.len == 0 ? 1 : 0);
@@ -275,7 +275,7 @@ class soundness_check {
   int fd_;
   std::array<piece_t, std::tuple_size_v<decltype(kv_array_parts)>> pieces_;
   std::int64_t next_string_ =
-      std::int64_t{design_.count<char>()} + 1;  // first place behind a string
+      std::int64_t{design_.count<char>()} + 1;  // first place after a string
   chain_lengths pins_in_{design_.count<kv_pin_record_t>()};
   chain_lengths pins_out_{design_.count<kv_pin_record_t>()};
   chain_lengths sub_nets_{design_.count<kv_net_record_t>()};

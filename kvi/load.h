@@ -23,7 +23,7 @@ class kvi_design_t {
  public:
   // Maps the open file and checks it. What is loaded is sound: every record is in its place, every
   // index is 0 or that of a record, pins lie with their instances, chains end and are as long as
-  // their counters say. Otherwise the design is empty, and `damage` tells the record that is wrong
+  // their counters say. Otherwise the design is empty, and `damage` names the record that is wrong
   // ("net 17") when it is one. Never throws.
   kvi_load_result load(int fd, std::string* damage = nullptr);
 

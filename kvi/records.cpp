@@ -8,7 +8,7 @@
 
 namespace {
 
-// The record behind `record`, allocated (all zero) on first use; null without memory.
+// The record that `record` points to, allocated (all zero) on first use; null without memory.
 template <typename Record>
 Record* allocated(Record** record) {
   if (!*record) *record = static_cast<Record*>(std::calloc(1, sizeof(Record)));

@@ -58,7 +58,7 @@ class kv_blocked_t {
     return blocks_[i / kv_block_size][i % kv_block_size];
   }
   bool holds(std::int32_t index) const { return index >= 1 && index <= count; }
-  // The records in use of a block (from 0), none behind the last.
+  // The records in use of a block (from 0), none after its last.
   std::span<const Record> in_block(std::int32_t block) const {
     const std::int32_t n = std::min(kv_block_size, count - block * kv_block_size);
     if (n <= 0) return {};
@@ -89,7 +89,7 @@ class kv_blocked_t {
     count += n;
     return std::exchange(next_, next_ + n);
   }
-  // Records behind `count` are none; places before it that were not in use are not written.
+  // There are no records after `count`; places before it that were not in use are not written.
   void set_count(std::int32_t the_count) {
     count = the_count;
     fence_ = the_count;
@@ -115,7 +115,7 @@ class kv_blocked_t {
  private:
   static_assert(std::is_trivially_destructible_v<Record>);
 
-  Record* next_ = nullptr;  // the place behind `count`,
+  Record* next_ = nullptr;  // the place after `count`,
   std::int32_t fence_ = 0;  // while `count` is below this: the end of its block, or the limit
   std::int32_t limit_ = kv_start_records;
   std::vector<Record*> blocks_;

@@ -51,7 +51,7 @@ constexpr auto kv_variant(std::string_view when, Field... fields) {
   return kv_variant_t<Holds, std::tuple<Field...>>{when, std::tuple{fields...}};
 }
 
-// The layout of `Record`: its size in bytes, its fields, and the variants behind them.
+// The layout of `Record`: its size in bytes, its fields, and the variants after them.
 template <typename Record>
 struct kv_layout;
 
@@ -273,7 +273,7 @@ struct kv_layout<kv_pinm_record_t> {
   static constexpr std::tuple variants{};
 };
 
-// --- the parts of the file, behind the general information record
+// --- the parts of the file, after the general information record
 
 // A property list: where it is in the store and which counter tells its length.
 struct kv_list_part_t {
@@ -287,7 +287,7 @@ inline constexpr kv_list_part_t kv_list_parts[] = {
     {"property_pin", &kv_kept_lists_t::property_pin, &kv_general_info_record_t::nbof_prop_pin},
     {"property_net", &kv_kept_lists_t::property_net, &kv_general_info_record_t::nbof_prop_net}};
 
-// An array of the store, likewise. Parts stand in the order of kv_array.
+// An array of the store, likewise. Parts are in the order of kv_array.
 template <typename Record>
 struct kv_array_part_t {
   using record = Record;

@@ -35,7 +35,7 @@ x_descriptor create(const std::string& path, bool through_link) {
   return file;
 }
 
-// One that a kill left behind is in nobody's use.
+// A file left by a killed process is not in use.
 x_descriptor create_new(const std::string& path) {
   unlink(path.c_str());
   const int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
@@ -51,7 +51,7 @@ void sync_directory_of(const std::string& path) {
 }
 
 bool write_synced(const x_descriptor& file, std::string_view bytes) {
-  // A device cannot be told to keep what it has (EINVAL).
+  // A device cannot be synced (EINVAL).
   return x_write_at(file.get(), bytes, 0) && (fsync(file.get()) == 0 || errno == EINVAL);
 }
 }  // namespace

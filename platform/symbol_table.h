@@ -22,6 +22,6 @@ int nlist(const char* path, x_nlist_t* entries);
 
 // The value of a symbol of an executable, 0 when absent; of an ELF file only defined functions, in
 // the named section when one is given. A path without "/" is this process's own executable. For
-// this process's executable the value is the address at which the function stands in memory.
+// this process's executable the value is the address at which the function is in memory.
 std::uintptr_t xm_get_extid_offset(const char* path, const char* name,
                                    std::string_view section = {});

@@ -17,8 +17,8 @@ int xgetspucode(std::uint32_t number, char (&buffer)[20]);
 
 // --- bounded texts
 inline constexpr int x_max_text = 99;
-// The length of a zero-terminated text, at most 99; a longer one is told on standard output.
+// The length of a zero-terminated text, at most 99; a longer one is an error on standard output.
 int xstrlen(const char* text);
 // The environment variable of that name, null when there is none. A name of more than 98
-// characters is told on standard output and cut, in the caller's buffer.
+// characters is reported on standard output and cut, in the caller's buffer.
 const char* xgetenv(char* name);

@@ -329,7 +329,7 @@ class link_t {
   }
 
   // Prompts and the simulator's echo of commands are left out; of a run of its own accord only what
-  // is measured or wrong is told.
+  // is measured or wrong is printed.
   void take_answer(std::string_view line) {
     constexpr std::string_view prompt = "ngspice ";
     if (line == mark_) return end_answer();

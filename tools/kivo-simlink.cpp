@@ -1,4 +1,5 @@
-// kivo-simlink: stands in for the simulator at the other end of the FIFO and prints each request.
+// kivo-simlink: takes the place of the simulator at the other end of the FIFO and prints each
+// request.
 //
 //   kivo-simlink DIRECTORY [COUNT]
 //

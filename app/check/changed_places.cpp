@@ -36,7 +36,7 @@ kv_changed_place_t kv_changed_place(const kv_expanded_t& expanded, const kv_chan
   const auto drawn = kv_place_of(expanded.netlist, expanded.origins, *object);
   place.at = kv_visit_path(expanded.netlist, expanded.origins, drawn.visit);
   place.object_id = drawn.object_id;
-  // A pin is told by its instance.
+  // A pin is recognised by its instance.
   if (is_pin)
     place.marked = {kv_named::inst, path.substr(0, path.rfind('/'))};
   else

@@ -19,7 +19,7 @@ kv_reference_file::~kv_reference_file() {
 }
 
 void kv_reference_file::add_symbol(int symbol, std::string_view symbol_path) {
-  // The paths stand in one column behind ids of one to four digits.
+  // The paths are in one column after ids of one to four digits.
   const auto digits = static_cast<int>(std::to_string(symbol).size());
   std::fprintf(file_.get(), " C_%d%*c\"%.*s\" \n", symbol, std::max(1, 5 - digits), ' ',
                static_cast<int>(symbol_path.size()), symbol_path.data());

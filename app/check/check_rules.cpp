@@ -59,7 +59,7 @@ kv_sheet_finding_t& add_name(kv_sheet_check_t& check, const kv_check_table_t& ta
   return check.add(rule, table.owners[same.second], {{head, std::move(text)}});
 }
 
-// The names of one kind that may stand once.
+// The names of one kind that may occur once.
 void check_names(kv_sheet_check_t& check, const kv_check_table_t& table, kv_rule rule,
                  std::string_view words) {
   bool is_further = false;

@@ -1,5 +1,5 @@
 // The rules of CHEck SHEet: what the property vocabulary asks of instances, pins, nets and frames.
-// They look and tell; what becomes of a finding is the command's.
+// They only report findings; a command decides what to do with them.
 #pragma once
 
 #include <cstdint>
@@ -32,7 +32,7 @@ struct kv_sheet_finding_t {
   std::vector<kv_check_line_t> lines;
   std::vector<kv_mark_t> marks = {};
   bool is_further = false;  // repeats an error already reported; CHEck SHEet shows the first
-  int more = 0;             // further names that are told with this one
+  int more = 0;             // further names that are reported with this one
 };
 
 // All that CHEck SHEet says of a finding, in one line without heads.

@@ -18,7 +18,7 @@
 namespace {
 
 constexpr std::string_view difference_words = "# DIFference DESign ";
-constexpr std::size_t most_changes = 1000;  // that are told and marked
+constexpr std::size_t most_changes = 1000;  // that are reported and marked
 
 // The changes from the design of a directory or file; nothing, and why.
 std::optional<std::vector<kv_change_t>> changes_since(const kv_expanded_t& expanded,

@@ -85,7 +85,7 @@ void tell_count(std::string_view one, std::string_view many, int count) {
   gx_tell("# CHEck  DESign > ", count < 2 ? one : many, std::to_string(count), " ");
 }
 
-// Tells every finding and how many there are.
+// Lists every finding and their number.
 void tell_findings() {
   const gx_list_batch_t batch;
   int errors = 0, warnings = 0, waived = 0;

@@ -11,7 +11,7 @@ struct kv_finding_t {
   kv_severity severity;  // as it was set when the check was made; never off
   std::string path;      // of what it is about, as RUN stores paths
   std::string at;        // path of the sheet that holds it: "" for the primary sheet
-  std::string sheet;     // file of that sheet; "" when it stands on none
+  std::string sheet;     // file of that sheet; "" when it is on none
   int object_id = 0;     // on that sheet; 0: the sheet as a whole
   std::string words;
   bool waived = false;

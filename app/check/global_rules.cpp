@@ -59,7 +59,7 @@ const kv_global_rules::nets_t& kv_global_rules::nets_of(kv_sheet_t& sheet) {
 void kv_global_rules::check(kv_cell_findings_t& found) {
   kv_sheet_t& sheet = *found.cell.sheet;
   for (const auto& [where, net] : nets_of(sheet)) {
-    if (net.globals.size() <= net.most) continue;  // told on the sheet below, if at all
+    if (net.globals.size() <= net.most) continue;  // reported on the sheet below, if at all
     const auto& group = gx_at(sheet.groups, where.first);
     const auto& master = gx_at(sheet.nets, group.master);
     std::string words = "globals on one net :";

@@ -13,7 +13,8 @@
 class kv_run_messages {
  public:
   void take(const kv_told_t& told);
-  // In the order of the rules, those of one rule as they were told. The run may have ended early.
+  // In the order of the rules, those of one rule as they were reported. The run may have ended
+  // early.
   void find(const kv_netlist_findings_t& found) const;
 
  private:

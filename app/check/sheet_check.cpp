@@ -32,7 +32,7 @@ std::vector<kv_same_name_t> kv_same_names(const kv_check_table_t& table) {
   std::iota(order.begin(), order.end(), std::size_t{0});
   std::ranges::stable_sort(
       order, [&](std::size_t a, std::size_t b) { return less_without_case(names[a], names[b]); });
-  // Equal names stand together, each group in the order of the table.
+  // Equal names are together, each group in the order of the table.
   std::vector<kv_same_name_t> same;
   const auto is_same = [&](std::size_t i) {
     return i > 0 && gx_iden(names[order[i - 1]], names[order[i]]);

@@ -35,11 +35,11 @@ struct kv_check_table_t {
 };
 
 // Two entries of a table with one name, letters in either case: the first of that name and the one
-// behind it.
+// after it.
 struct kv_same_name_t {
   std::size_t first, second;
 };
-// One for each name that stands there again, in the order of their first entries.
+// One for each name that occurs again, in the order of their first entries.
 std::vector<kv_same_name_t> kv_same_names(const kv_check_table_t& table);
 
 // One run of the rules over a sheet.
@@ -57,7 +57,7 @@ struct kv_sheet_check_t {
   }
 };
 
-// A property that may stand once on an object. `extra` is what is said of a second one.
+// A property that an object may have once. `extra` is what is said of a second one.
 struct kv_once_t {
   kv_rule rule;
   std::string_view name, extra;
@@ -80,7 +80,7 @@ class kv_object_check {
   // A finding of the object: the words, and where it is.
   kv_sheet_finding_t& add(kv_rule rule, std::string_view words);
   void add_name(const gx_object_property_rec_t& property);
-  // Whether the property is the one that may stand once, and the first of it. `seen` keeps it.
+  // Whether the property is the one that an object may have once, and its first. `seen` keeps it.
   bool is_first(const kv_once_t& once, const gx_object_property_rec_t& property,
                 const gx_object_property_rec_t*& seen);
   // The finding, null when no two properties have one name.

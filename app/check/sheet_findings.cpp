@@ -7,7 +7,7 @@
 
 namespace {
 
-// The piece that an object's path has behind that of its sheet, as RUN makes it.
+// The last part of an object's path, after that of its sheet, as RUN makes it.
 std::string piece_of(const gx_file_gene_recf_t& file, const gx_owner_t& owner) {
   switch (owner.kind) {
     case gx_owner_kind::none:

@@ -25,15 +25,15 @@ struct kv_cell_findings_t {
   const kv_severities_t& severities;
   kv_findings_t& findings;
 
-  // `piece` is behind the path of the sheet: "/MP1/G".
+  // `piece` is after the path of the sheet: "/MP1/G".
   void add(kv_rule rule, std::string_view piece, int object_id, std::string words);
 };
 
 // Blocks and the ports of their sheets (block_rules.cpp).
 void kv_check_blocks(const kv_cells_t& cells, kv_cell_findings_t& found);
 
-// Nets on which two globals meet, here or through blocks (global_rules.cpp). A net is told on the
-// sheet where they come together.
+// Nets on which two globals meet, here or through blocks (global_rules.cpp). A net is reported on
+// the sheet where they come together.
 class kv_global_rules {
  public:
   explicit kv_global_rules(const kv_cells_t& cells) : cells_(cells) {}

@@ -2,9 +2,9 @@
 //
 // A procedure is found by its name in the symbol table of this executable: DOBin NAME calls
 // kvp_NAME, DODIRectbin takes the whole name. An entry
-//   - is extern "C", so that its symbol is its name, and stands in the section "kv_procedures",
-//     which tells it from functions that expect other arguments;
-//   - takes the number of words behind the procedure name, and 30 records: the first holds a blank
+//   - is extern "C", so that its symbol is its name, and is in the section "kv_procedures",
+//     which separates it from functions that expect other arguments;
+//   - takes the number of words after the procedure name, and 30 records: the first holds a blank
 //     and the first of those words, the others the further words as they were typed.
 // Adding one is writing it in this folder: every file here is part of the executable.
 #include <cstdint>

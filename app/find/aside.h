@@ -1,5 +1,5 @@
 // An expansion made aside, for what must be answered before the first RUN: the session's design and
-// its files stay as they are, and nothing is told.
+// its files stay as they are, and nothing is reported.
 #pragma once
 
 #include <memory>

@@ -41,7 +41,7 @@ std::string kind_words(const kv_memory_netlist_t& netlist, std::int32_t net) {
   return words;
 }
 
-// What of a net is told: all of it, or the share of a block and what is below it.
+// What of a net is listed: all of it, or the share of a block and what is below it.
 struct share_t {
   std::string block;  // "": all
 

@@ -1,4 +1,4 @@
-// From a path as a user or a simulator writes it to the places that bear it: in the expansion when
+// From a path as a user or a simulator writes it to the places that have it: in the expansion when
 // there is one, else in the drawings.
 //
 // "/XR/X2/MP1" as RUN stores it, "xr.x2.mp1", "R:X2:X" as GIVE sends it (the first letter of the
@@ -24,7 +24,7 @@ kv_search_t kv_search_path(kv_drawings_t& drawings, std::string_view text, std::
 // After a refusal: what exists of the path, or `label` ("No block") and what it is instead.
 void kv_tell_search_end(std::string_view label, const kv_search_t& search);
 
-// The flat nets that bear a path in one of those forms; when none does, those that a pin of that
+// The flat nets that have a path in one of those forms; when none does, those that a pin of that
 // path is on. Each once, in the order of the index.
 std::vector<std::int32_t> kv_search_nets(const kv_expanded_t& expanded, kv_drawings_t& drawings,
                                          std::string_view text, std::size_t most);

@@ -15,7 +15,7 @@ struct kv_found_t {
   std::string path;       // as RUN stores it
   std::string_view what;  // "instance", "block", "net", "bit of a bus", "pin"
   int object_id = 0;
-  std::string sheet_path;   // of the sheet that it stands on
+  std::string sheet_path;   // of the sheet that it is on
   std::int32_t visit = -1;  // of that sheet in the expansion; -1: found in the drawings
 };
 

@@ -102,7 +102,7 @@ void select_only(const gx_file_gene_recf_t& file, int object_id) {
   gx_undo_define_new_step();
   for (int id = 1; id <= file.object_id_max; ++id)
     if (gx_inq_object_selected(file, id)) gx_set_object_selected(file, id, false);
-  // With all that stands below it, as SELect OBJect does.
+  // With all that is below it, as SELect OBJect does.
   const auto select = [&](const auto& self, int id) -> void {
     gx_set_object_selected(file, id, true);
     for (const int child : gx_children(file, id)) self(self, child);

@@ -50,7 +50,7 @@ gx_file_index_t slot_of(const kv_expanded_t& expanded, const std::vector<std::in
   return holds(slot, *expanded.visit(visit).sheet) ? slot : gx_file_index_t{0};
 }
 
-// Marks the net on the sheets in view; its name stands once on each.
+// Marks the net on the sheets in view; its name occurs once on each.
 void mark(const kv_expanded_t& expanded, const std::vector<std::int32_t>& visits,
           const kv_sheet_t* viewed, std::int32_t net, int color) {
   const auto name = expanded.netlist.path({kv_named::net, net});

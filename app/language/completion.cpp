@@ -15,7 +15,7 @@
 #include "gx/vext.h"
 
 namespace {
-// " KEYword value value ": the command with numbers behind it.
+// " KEYword value value ": the command with numbers after it.
 gx_string_record_t with_values(std::string_view keyword, std::initializer_list<gx_real_t> values) {
   gx_string_record_t line = gx_string(keyword);
   for (const gx_real_t value : values) {

@@ -13,7 +13,7 @@ void kv_do_cmd(const kv_command_t& command);
 void kv_do_words(std::span<const gx_string_record_t> words, kv_array_param_t& args,
                  kv_array_param_t& vars);
 
-// The words behind the second one, as $ARG1... of what is called.
+// The words after the second one, as $ARG1... of what is called.
 std::unique_ptr<kv_array_param_t> kv_arguments(const kv_command_t& command);
 
 // A line of the user: what it does to the depth of command files ends with it.

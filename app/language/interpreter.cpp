@@ -21,7 +21,7 @@ namespace {
 constexpr int max_pieces = 30;
 constexpr std::int32_t least_reference = 5;  // "$ARG1"
 constexpr std::string_view piece_separators = ";", word_separators = " ,";
-// Words that begin otherwise are told in the trace.
+// Words that begin otherwise are reported in the trace.
 constexpr std::string_view command_letters = "$ABCDEFGHIKLMNOPQRSTUVWXYZ";
 
 // Command files, shell output and menus call the interpreter again. No session needs this many
@@ -80,7 +80,7 @@ std::size_t shell_piece_end(std::string_view text, std::size_t start) {
   return quote != 0 ? std::min(text.find(';', start), text.size()) : text.size();
 }
 
-// Where the command that begins at `start` ends: at a ";" that stands in no quoted word.
+// Where the command that begins at `start` ends: at a ";" outside quoted words.
 std::size_t command_piece_end(std::string_view text, std::size_t start) {
   std::size_t i = start;
   for (; i < text.size() && text[i] != ';'; ++i) {
@@ -91,7 +91,7 @@ std::size_t command_piece_end(std::string_view text, std::size_t start) {
   return i;
 }
 
-// The next piece of a line, as the token reader gives it, but with what stands in quotes.
+// The next piece of a line, as the token reader gives it, with quoted texts kept whole.
 bool next_piece(const gx_string_record_t& line, gx_string_record_t& piece, std::int32_t& pos) {
   const std::string_view text = gx_view(line);
   const auto start =

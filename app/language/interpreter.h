@@ -10,7 +10,7 @@
 #include "app/language/command.h"
 
 inline constexpr std::size_t kv_max_words = 30;
-inline constexpr std::int32_t kv_last_position = 199;  // reading stops behind it
+inline constexpr std::int32_t kv_last_position = 199;  // reading stops after it
 
 struct kv_words_t {
   std::array<gx_string_record_t, kv_max_words> word;
@@ -24,7 +24,7 @@ struct kv_words_t {
 void kv_split_words(const gx_string_record_t& text, kv_words_t& words,
                     std::size_t most = kv_max_words);
 
-// Runs every command of the line with the tables behind $ARG and $VAR. Both may change: they are
+// Runs every command of the line with the tables for $ARG and $VAR. Both may change: they are
 // normalised, and ASSIgn and READln store into `vars`.
 void kv_process_command(const gx_string_record_t& line, kv_array_param_t& args,
                         kv_array_param_t& vars);

@@ -18,7 +18,7 @@ namespace {
 
 const std::string list_limit = std::to_string(kv_max_list);
 
-// A refused command echoes itself behind "#"; `echo` is what it shows when it succeeds.
+// A refused command echoes itself after "#"; `echo` is what it shows when it succeeds.
 void refuse(std::string_view echo, const kv_command_t& command, std::string_view error,
             int first = 2) {
   kv_refuse(std::string("#").append(echo), command, error, first);

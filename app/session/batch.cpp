@@ -105,7 +105,7 @@ std::string words_of(const kv_batch_faults_t& faults, const std::string& what, i
 }
 
 // Why the commands make the status 1; empty: they do not. `inherited` errors are those that the
-// sheet's own header tells of.
+// sheet's own header gives.
 std::string faults_of(const kv_batch_t& batch, int inherited) {
   const int errors = gx_vext.num_errors - inherited;
   if (errors > 0 || gx_vext.worst == gx_line_kind::error)

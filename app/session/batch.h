@@ -17,7 +17,7 @@ struct kv_batch_t {
   std::span<const std::string_view> arguments = {};
 };
 
-inline constexpr std::size_t kv_most_arguments = 28;  // that DO takes behind its file: 30 words
+inline constexpr std::size_t kv_most_arguments = 28;  // that DO takes after its file: 30 words
 
 // The exit status: 0 when all went well, 1 when an error was shown or a line could not be written,
 // kv_unusable_status with a message on standard error when it cannot start, and that

@@ -19,10 +19,10 @@ struct kv_batch_form_t {
 // starts would print there goes to standard error.
 const gx_front_t& kv_batch_lines(const kv_batch_form_t& form);
 
-// Ends the answer to a command line; "" for what was told before the first one.
+// Ends the answer to a command line; "" for what was reported before the first one.
 void kv_end_batch_answer(std::string_view command, bool strict);
 
-// False when lines were lost; the first loss is told on standard error.
+// False when lines were lost; the first loss is reported on standard error.
 bool kv_flush_batch_output();
 
 // The lines that were errors, and those that were warnings.

@@ -94,7 +94,7 @@ void kv_drag_cmd(const kv_command_t& command) {
   kv_process_command(gx_string(text), command.args, command.vars);
 }
 
-// Nothing is told: the keys that run them would fill the list.
+// Nothing is reported: the keys that run them would fill the list.
 void kv_recall_back_cmd(const kv_command_t&) { kv_recall(true); }
 void kv_recall_forward_cmd(const kv_command_t&) { kv_recall(false); }
 

@@ -321,7 +321,7 @@ void on_pointer_moved(loop_t& loop, const gx_event_t& event) {
   kv_pext.hands.turns_wheel = true;
 }
 
-// The pointer is put onto its place, once: where it stands already it is left alone.
+// The pointer is put onto its place, once: where it is there already it is left alone.
 void on_pointer_at_rest(loop_t&, const gx_event_t& event) {
   const gx_vpid_t vpid = gx_vext.viewport_id;
   const bool is_in_place = event.pixel == gx_vext.pixel_pos || event.pixel == gx_vext.pointer_put;

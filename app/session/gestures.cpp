@@ -156,7 +156,7 @@ std::string kv_place_of_line(std::string_view line) {
       if (rest.starts_with(word))
         return "SHOW FINDING " + std::string(line.substr(2, digits - 2)) + " ";
   }
-  // A path stands alone or in quotes.
+  // A path is alone or in quotes.
   for (std::size_t at = line.find('/'); at != line.npos; at = line.find('/', at + 1)) {
     if (at == 0 || (line[at - 1] != ' ' && line[at - 1] != '"')) continue;
     std::string_view path = line.substr(at);

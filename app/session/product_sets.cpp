@@ -32,7 +32,7 @@ std::vector<std::string> set_names(const kv_set_kind_t& kind) {
 std::vector<std::string> kv_set_choice(const kv_set_kind_t& kind) {
   const std::vector<std::string> names = set_names(kind);
   if (names.empty()) return {};
-  // The prompt stays in the command line while the user types behind it: it is one word.
+  // The prompt stays in the command line while the user types after it: it is one word.
   std::string prompt(kind.prompt);
   for (std::size_t i = 0; i < names.size(); ++i) prompt += (i == 0 ? ":" : "/") + names[i];
   const std::string folder(kind.folder);

@@ -64,7 +64,7 @@ void tell_unusable(const std::string& message) {
   gx_count_error();
 }
 
-// A failure that leaves nothing to run. `said` is what one is told at the window.
+// A failure that leaves nothing to run. `said` is the message at the window.
 void refuse_start(const kv_front_t& front, const char* what, const gx_string_record_t& name,
                   const std::string& why, const std::string& said) {
   gx_trace("!!! ( INITIALIZE ) ", what, "  : \"", gx_view(name), "\" ");

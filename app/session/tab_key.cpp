@@ -47,7 +47,7 @@ begun_t begun_word(std::string_view line) {
 
 bool begins(std::string_view text, std::string_view head) { return gx_equal(head, text); }
 
-// What may stand at the end of the word; a name that goes on is written without a blank after it.
+// What may complete the word; a name that goes on is written without a blank after it.
 struct choice_t {
   std::string text;
   bool goes_on = false;

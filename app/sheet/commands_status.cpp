@@ -103,7 +103,7 @@ void show_net(const gx_file_gene_recf_t& file, int net) {
 
 // --- STAtus PROperty
 
-// How the properties of each kind of owner are listed: what stands before the id and behind it,
+// How the properties of each kind of owner are listed: what is before the id and after it,
 // and the heading of a new owner.
 struct listing_t {
   std::string_view head, place, heading;

@@ -30,7 +30,7 @@ gx_string_record_t searched_path(const kv_command_t& command) {
   return path;
 }
 
-// Refuses with the error, the path in quotes behind it, and what is wrong with a damaged file.
+// Refuses with the error, the path in quotes after it, and what is wrong with a damaged file.
 void refuse_file(std::string_view keyword, const kv_command_t& command, std::string_view error,
                  const gx_string_record_t& path, const std::string& why) {
   kv_echo(keyword, command, 3);

@@ -30,7 +30,7 @@ int grid_of(const gx_file_gene_recf_t& file, const char* message) {
   gx_set_status(gx_code::file_data_invalid);
 }
 
-// The grid at the scale asked for, then all that stands on the sheet.
+// The grid at the scale asked for, then all that is on the sheet.
 void draw_sheet(gx_vpid_t vpid, gx_file_index_t file_index, int grid, bool keep_scale) {
   const gx_batch_t batch;
   gx_display_object(vpid, file_index, grid, 0, keep_scale, gx_draw_mode::draw, false);

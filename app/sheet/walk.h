@@ -13,7 +13,7 @@ bool kv_is_level(int level);
 // The place of a level, 1..28.
 kv_file_record_t& kv_at_level(int level);
 
-// The directory of the sheet that an instance stands for; empty when its symbol's path bears no
+// The directory of the sheet that an instance stands for; empty when its symbol's path has no
 // version.
 gx_string_record_t kv_sheet_directory(const gx_file_gene_recf_t& file, int inst);
 

@@ -6,7 +6,7 @@
 
 // The FIFO of answers in the directory of the primary sheet, opened when it is there; -1: none.
 int kv_answer_descriptor();
-// Reads what is there: whole lines are told, and values that are shown are drawn again.
+// Reads what is there: whole lines go to the list, and values that are shown are drawn again.
 void kv_read_answers();
 
 // In a batch nobody waits for lines that come later: from now on a request waits for its answer.

@@ -1,4 +1,5 @@
-// What a command about values asks for: nets or devices, at which place, and how a value is told.
+// What a command about values asks for: nets or devices, at which place, and how a value is
+// printed.
 #pragma once
 
 #include <optional>

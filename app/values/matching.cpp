@@ -80,7 +80,7 @@ class matcher_t {
     return 0;
   }
 
-  // The longest part first. `letter` is that of the device when it stands before the path.
+  // The longest part first. `letter` is that of the device when it is before the path.
   std::int32_t device_of(names_t names, char letter, std::string& rest) {
     for (std::size_t length = names.size(); length > 0; --length) {
       const std::string last = gx_upper(names[length - 1]);

@@ -87,7 +87,7 @@ class hierarchy_writer {
     return whole;
   }
 
-  // Models and the like of a cell stand in its subcircuit.
+  // Models and the like of a cell are in its subcircuit.
   void write_inner(std::int32_t visit) {
     const auto* const cell = dk_cell_of(visits_, visit);
     if (cell == nullptr || sources_.options.lvs) return;

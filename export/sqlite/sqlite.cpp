@@ -172,7 +172,7 @@ class database_t {
 std::string kv_write_sqlite(const kvi_design_t& design, const std::string& from,
                             std::string_view findings, const std::string& path) {
   const std::string unfinished = path + ".part";
-  // Made anew, so that nothing that stands there is written into.
+  // The file is made anew: nothing that exists there is written into.
   if (auto file = x_create_new_file(unfinished); !file || !x_close(std::move(file)))
     return path + ": " + x_why(errno);
   database_t database(unfinished);

@@ -73,7 +73,7 @@ std::string value_rule(const gx_field_t& field) {
   return field.never_0 ? "not 0" : "";
 }
 
-// Offsets behind a text count from its end.
+// Offsets after a text count from its end.
 std::string table(gx_fields_t fields) {
   std::string text = "| offset | bytes | field | type | holds |\n|---|---|---|---|---|\n";
   std::size_t offset = 0;

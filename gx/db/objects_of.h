@@ -101,7 +101,7 @@ struct gx_pin_pair_t {
   gx_object_id_t pin = 0, pinpropfam = 0;
   explicit operator bool() const { return pin != 0 && pinpropfam != 0; }
 };
-// The first pair of an instance; either may be 0. The pair behind one: (0, 0) when a chain ends.
+// The first pair of an instance; either may be 0. The pair after one: (0, 0) when a chain ends.
 gx_pin_pair_t gx_first_pin(const gx_file_gene_recf_t& file, int inst);
 gx_pin_pair_t gx_next_pin(const gx_file_gene_recf_t& file, gx_pin_pair_t pair);
 

@@ -1,4 +1,4 @@
-// Walking everything that bears properties on a sheet, in one order for all commands: instances
+// Walking everything that has properties on a sheet, in one order for all commands: instances
 // (their own properties, those of their symbol, their pins), then nets, then frames. Deleted
 // objects are left out.
 #pragma once

@@ -57,7 +57,7 @@ void read_point(reader_t& in, gx_pointreal_t& point) {
 }
 
 // A text is read when it fits its record and the file holds it and the `after` bytes of the fields
-// behind it. A text that is refused is noted and left empty.
+// after it. A text that is refused is noted and left empty.
 template <typename Text>
 bool read_text(reader_t& in, Text& text, std::int32_t capacity, std::size_t after) {
   const std::int32_t length = read_i32(in);
@@ -80,7 +80,7 @@ bool read_text(reader_t& in, Text& text, std::int32_t capacity, std::size_t afte
   return true;
 }
 
-// Reads one field; `After` is the size of the fields behind it. False when the record ends here.
+// Reads one field; `After` is the size of the fields after it. False when the record ends here.
 template <gx_kind Kind, std::size_t After>
 bool read_field(reader_t& in, void* record, const gx_field_t& field) {
   using enum gx_kind;
@@ -119,7 +119,7 @@ bool read_field(reader_t& in, void* record, const gx_field_t& field) {
   return true;
 }
 
-// Reads the fields of a constant table. The bytes are asked for once, and again behind each text.
+// Reads the fields of a constant table. The bytes are asked for once, and again after each text.
 template <const auto& Fields>
 void read_fields(reader_t& in, void* record) {
   constexpr gx_fields_t fields = Fields;

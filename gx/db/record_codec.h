@@ -10,7 +10,7 @@
 
 #include "gx/db/file_records.h"
 
-// What a data file was refused for; `other` is told by the message alone.
+// What a data file was refused for; `other` is reported by the message alone.
 enum class gx_load_fault : std::uint8_t {
   none,
   unreadable,   // file_open_invalid: missing, no right to read, no regular file
@@ -36,7 +36,7 @@ struct gx_load_t {
 gx_load_t gx_decode_file(std::string_view bytes, std::string_view name);
 // Reads and decodes a data file; file_open_invalid when it cannot be read.
 gx_load_t gx_load_file(std::string_view data_path);
-// The same from a stream that is open for reading; nullptr: errno tells why it is not.
+// The same from a stream that is open for reading; nullptr: errno says why it is not.
 gx_load_t gx_load_stream(std::FILE* stream, std::string_view name);
 // The bytes of a data file that holds these objects.
 std::string gx_encode_file(const gx_file_gene_recf_t& file);

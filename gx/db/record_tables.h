@@ -210,7 +210,7 @@ inline constexpr gx_field_t vertex_fields[] = {
     {"fin", gx_kind::i16, offsetof(vertex_t, fin)},
 };
 
-// On disk border_style stands before c_reserved, unlike in memory.
+// On disk border_style is before c_reserved, unlike in memory.
 using arc_t = gx_object_arc_rec_t;
 inline constexpr gx_field_t arc_fields[] = {
     {"pt2", gx_kind::point, offsetof(arc_t, pt2)},

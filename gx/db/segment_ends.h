@@ -11,7 +11,7 @@ struct gx_segment_end_t {
   bool is_selected = false;
 };
 
-// A segment of a net on its way. `operation` begins what the trace tells of a segment that cannot
+// A segment of a net on its way. `operation` begins the trace's line on a segment that cannot
 // be drawn, which then stops.
 struct gx_net_segment_t {
   const gx_file_gene_recf_t& file;

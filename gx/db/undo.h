@@ -1,9 +1,9 @@
 // The undo list: every change that an editor may want to take back, grouped into steps. KIVO
 // records them; editors replay them (gx/edit/undo_replay.h).
 //
-// The list is a start entry and the entries behind it; a step is a marker and the entries up to
+// The list is a start entry and the entries after it; a step is a marker and the entries up to
 // the next marker. `ptrto_undo_cur` is the newest change still done: a new one drops what lies
-// behind it.
+// after it.
 #pragma once
 
 #include <deque>
@@ -66,7 +66,7 @@ struct gx_undo_objet_rec_t {
       UU;
 };
 
-// Owns the entries in the order in which they were made; entry 0 is the start entry. Those behind
+// Owns the entries in the order in which they were made; entry 0 is the start entry. Those after
 // the newest are used again.
 struct gx_undo_list_t {
   std::deque<gx_undo_objet_rec_t> entries;

@@ -12,7 +12,7 @@
 
 namespace {
 constexpr std::string_view prompt = " cmd >";
-constexpr std::size_t max_typed_part = 54;  // the characters of a line behind the prompt
+constexpr std::size_t max_typed_part = 54;  // the characters of a line after the prompt
 
 // A thin upright between two characters.
 void draw_caret(int column) {

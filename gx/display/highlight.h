@@ -11,7 +11,7 @@
 #include "gx/display/screen_state.h"
 
 // Marks a net of the sheet, whole, once, in one of the colours of highlights. A name that is not
-// empty stands in a probe at `vertex`, a vertex or a pin's property family; 0 takes the first end
+// empty is shown in a probe at `vertex`, a vertex or a pin's property family; 0 takes the first end
 // of the net's first segment. Ids that the file does not hold (any more) are passed over when it is
 // drawn. Where no wire of it is in view, its pins and texts are marked instead.
 void gx_highlight_net(gx_file_index_t file_index, int net_id, std::string_view name, int vertex = 0,

@@ -9,7 +9,7 @@
 inline constexpr int gx_cmd_columns = 60;  // characters of a line that are shown
 
 // Makes the text the command line and shows it, with the caret before a character (from 1), or
-// behind the last one. While the pointer is elsewhere the line scrolls so that the caret is seen;
+// after the last one. While the pointer is elsewhere the line scrolls so that the caret is seen;
 // while it is on the line the caret is where the pointer is, which is put there.
 void gx_set_command_line(std::string_view text);
 void gx_set_command_line(std::string_view text, int caret);
@@ -18,7 +18,7 @@ void gx_set_command_line(std::string_view text, int caret);
 int gx_caret();
 // The text goes in at the caret.
 void gx_insert_text(std::string_view text);
-// What is before the caret, behind it, or the word before it goes.
+// What is before the caret, after it, or the word before it goes.
 enum class gx_cut { before, behind, word };
 void gx_cut_line(gx_cut what);
 

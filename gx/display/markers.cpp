@@ -1,4 +1,4 @@
-// The marks that tell places of the design: base point, origins, selected vertices, loose pins.
+// The marks of places of the design: base point, origins, selected vertices, loose pins.
 #include "gx/display/markers.h"
 
 #include <algorithm>

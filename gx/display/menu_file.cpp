@@ -36,7 +36,7 @@ void refuse_line(std::string_view trace, std::string_view message, std::string_v
   show_error("# $rmenu ", message, line);
 }
 
-// The text between the next two single quotes from `pos` on; `pos` moves behind the second.
+// The text between the next two single quotes from `pos` on; `pos` moves after the second.
 std::optional<std::string_view> next_quoted(std::string_view line, std::size_t& pos) {
   const std::size_t open = line.find('\'', pos);
   if (open == std::string_view::npos) return {};

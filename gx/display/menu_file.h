@@ -1,6 +1,6 @@
 // The menu file: one entry a line, its place given by the order of the lines.
 // Errors are counted and shown with the line; what was read before them stays defined. A file that
-// cannot be opened is told by its name and leaves the tree as it was.
+// cannot be opened is reported by its name and leaves the tree as it was.
 #pragma once
 
 #include <string_view>

@@ -12,7 +12,7 @@
 inline constexpr int gx_max_menu_levels = 4;
 
 // Makes the record or replaces it. A display string above 18 characters is cut, one of either above
-// 200 told in the trace and taken for empty. A bad index stops with invalid_level.
+// 200 reported in the trace and taken for empty. A bad index stops with invalid_level.
 void gx_def_menu_rec(std::span<const int> index, std::string_view str, bool cmd_on,
                      std::string_view cmd);
 // The record; empty texts when absent or out of range (never stops).

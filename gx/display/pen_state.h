@@ -1,4 +1,4 @@
-// What the pen and smooth pictures share: where strokes go, and what the screen was told last.
+// What the pen and smooth pictures share: where strokes go, and the last setting of the screen.
 #pragma once
 
 #include <map>

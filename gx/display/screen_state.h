@@ -1,4 +1,4 @@
-// The window, its viewports, and where texts stand in them.
+// The window, its viewports, and where texts are in them.
 //
 // X types are named by their incomplete structs, so that this header needs no X header.
 #pragma once
@@ -128,7 +128,7 @@ struct gx_screen_state_t : gx_view_roles_t {
   bool cmd_executing = false;
   gx_string_record_t str_cmd;  // the command line being typed
   int caret_column = 0;        // of the caret on the screen
-  int caret_at = 0;            // character before which it stands, from 1; 0: behind the last
+  int caret_at = 0;            // character before which it stands, from 1; 0: after the last
   std::vector<gx_kept_mark_t> kept_marks;
   std::vector<gx_highlight_t> highlights;  // ordered by file, then id
 };

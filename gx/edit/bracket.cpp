@@ -45,7 +45,7 @@ gx_object_id_t& newest_child(int father) {
   return newest[at];
 }
 
-// The last child of a father: as a rule the one created last, else the chain tells.
+// The last child of a father: as a rule the one created last, else the last of the chain.
 gx_object_gene_rec_t* last_child(const gx_file_gene_recf_t& file,
                                  const gx_object_gene_rec_t& father) {
   if (const int newest = newest_child(father.object_id); gx_object_id_ok(file, newest)) {

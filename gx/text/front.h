@@ -13,14 +13,14 @@ enum class gx_line_kind : std::uint8_t { plain, detail, warning, error };
 
 // The defaults are those of a user at a window.
 struct gx_front_t {
-  // Gets each line as it is told; nullptr: the list alone shows it.
+  // Gets each line at once; nullptr: the list alone shows it.
   void (*take_line)(std::string_view line, gx_line_kind kind) = nullptr;
   // The user looks back at the lines and into the session file: the scroll-back keeps them, and
-  // what was told is in the file at once.
+  // each line is in the file at once.
   bool keeps_lines = true;
-  void (*flush)() = nullptr;  // what was told reaches its reader now
+  void (*flush)() = nullptr;  // the lines so far reach their reader now
   // A line about what is under way, in the place of the one before it and no line of the list; ""
-  // when it is over. nullptr: nobody waits for it.
+  // when it is over. nullptr: no one waits for it.
   void (*show_progress)(std::string_view line) = nullptr;
   bool shows_pictures = true;
   bool may_wait = true;  // for the eyes of a user and for slow servers

@@ -1,6 +1,6 @@
 // Values and notes with characters that a GX file cannot hold.
 //
-// A file keeps printable ASCII. Any other character of a text that is shown stands there as
+// A file keeps printable ASCII. Any other character of a text that is shown is kept as
 // \u{HEX}, its number in hexadecimal digits, at least two and at most six: "10µ" as "10\u{B5}". A
 // backslash that would begin such a sign stands as \u{5C}, so that every text comes back as it was.
 // Names are not kept this way: they have a spelling of their own (gx/text/spelling.h).

@@ -74,7 +74,8 @@ void show_end() {
 // In the scroll-back.
 bool is_kept() { return gx_list.transcript_state && gx_front().keeps_lines; }
 
-// A session file that takes no more, of a full disk say, is told once until it takes lines again.
+// A session file that takes no more, of a full disk say, is reported once until it takes lines
+// again.
 void tell_lost_session() {
   auto& session = gx_session;
   const bool was_lost = session.cursess_lost;

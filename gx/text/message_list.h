@@ -30,7 +30,7 @@ struct gx_list_state_t {
 // The part of gx_vext that this room and those above it may touch.
 extern gx_list_state_t& gx_list;
 
-// Tells one line (at most 199 characters are kept): always written to the session file; kept in
+// Reports one line (at most 199 characters are kept): always written to the session file; kept in
 // the scroll-back and drawn while the transcript is on. An empty text does nothing.
 void gx_display_list(std::string_view text, gx_line_kind kind = gx_line_kind::plain);
 
@@ -51,8 +51,8 @@ void gx_tell_detail(const Part&... part) {
   gx_tell_as(gx_line_kind::detail, part...);
 }
 
-// Tells a text of any length in lines that the list shows whole, broken at blanks; the further ones
-// begin with "#    ".
+// Reports a text of any length in lines that the list shows whole, broken at blanks; the further
+// ones begin with "#    ".
 void gx_tell_wrapped(std::string_view text, gx_line_kind kind = gx_line_kind::plain);
 
 // Counts an error or a warning for the session; the counters stop at their largest value.
@@ -65,7 +65,7 @@ void gx_report(gx_line_kind kind, const Part&... part) {
   gx_count_kind(kind);
 }
 
-// While one lives, the lines that are told are gathered, and written to the session file and drawn
+// While one lives, lines are gathered, and written to the session file and drawn
 // together at its end: for answers of many lines. One within another does nothing.
 class gx_list_batch_t {
  public:
@@ -81,7 +81,7 @@ class gx_list_batch_t {
 // Whether an open file is the session file, which is not read while it is written.
 bool gx_is_session_file(int descriptor);
 
-// Tells a text file line by line; false when it cannot be opened (errno tells why) or is the
+// Reports a text file line by line; false when it cannot be opened (errno says why) or is the
 // session file itself. A text longer than the viewport stays there with its first line until
 // gx_list_follow. `stop_asked` is asked now and then, true ends it there.
 bool gx_display_file_invplist(std::string_view path, bool (*stop_asked)() = nullptr);

@@ -10,7 +10,7 @@
 inline constexpr std::int32_t gx_max_string_length = 200;
 
 // `len` is the number of characters used, `char_` the characters, printable ASCII only (32..126).
-// The byte behind the last character is 0 wherever the array has room for it.
+// The byte after the last character is 0 wherever the array has room for it.
 struct gx_string_record_t {
   std::int32_t len = 0;  // 0..199
   char char_[204] = {};

@@ -12,7 +12,7 @@ struct gx_session_state_t {
   std::FILE* debugfile = nullptr;    // owned by the application
   std::FILE* cursessfile = nullptr;  // session transcript, owned by the application
   gx_string_record_t cursessname;    // its path
-  bool cursess_lost = false;         // it takes no more lines, which was told
+  bool cursess_lost = false;         // it takes no more lines; this was reported
   int cursess_error = 0;             // why lines were lost, the last time
   std::int16_t num_errors = 0;       // of the whole session
   std::int16_t num_warnings = 0;

@@ -91,7 +91,7 @@ void gx_check_value(gx_value_record_t& value) { check_short_record(value, value_
 void gx_rest_string(gx_string_record_t& string) {
   if (string.len < 0) string = {};
   if (string.len > max_rest_length) string.len = max_rest_length;
-  // The byte behind the longest line is not part of it.
+  // The byte after the longest line is not part of it.
   const auto byte_at = [&](std::int32_t i) { return i < string.len ? string.char_[i] : '\0'; };
   std::int32_t i = 0;
   for (; i < string.len; ++i) {

@@ -1,5 +1,5 @@
 // Comparisons of texts. The case of a..z is ignored, other bytes compare as they are. A record
-// with a length that no text has is told in the trace and is equal to nothing; only gx_length
+// with a length that no text has is reported in the trace and is equal to nothing; only gx_length
 // stops.
 #pragma once
 

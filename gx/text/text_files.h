@@ -11,7 +11,7 @@
 // Opens a text file: mode 'R' (read) or 'W' (write, truncating), either case. A path that begins
 // with "$VELMORAN" lies under the product directory. Only a regular file is read, and none is
 // written through a symbolic link. nullptr when it cannot be opened (no message: the caller
-// decides; errno tells why); the caller owns the stream. Waits 10 ms between its probe and the
+// decides; errno says why); the caller owns the stream. Waits 10 ms between its probe and the
 // opening, but not in a batch.
 std::FILE* gx_popen_file(std::string_view path, char mode, bool rdonly);
 

@@ -120,7 +120,7 @@ void open_display(const char* name) {
   gx_vext.root = RootWindow(gx_vext.dpy, gx_vext.scrid);
 }
 
-// Size of a drawable; false when the server does not tell.
+// Size of a drawable; false when the server does not say.
 bool ask_geometry(Drawable drawable, int& x, int& y, pixel_size_t& size) {
   Window root = 0;
   unsigned width = 0, height = 0, border = 0, depth = 0;

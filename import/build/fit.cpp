@@ -329,7 +329,7 @@ class fitter {
   gxi_names_t net_names_;
   std::vector<said_t> said_;
   gx_pointreal_t next_undrawn_{};
-  std::map<std::string, int> undrawn_;  // by CLASS: as they will stand behind the other cells
+  std::map<std::string, int> undrawn_;  // by CLASS: as they will be placed after the other cells
   std::vector<gxi_cell_t> undrawn_cells_;
 };
 

@@ -5,5 +5,5 @@
 #include "import/drawing/drawing.h"
 
 // Changes the design so that every sheet can be built as it stands. What cannot be kept as drawn is
-// told in design.warnings.
+// reported in design.warnings.
 void gxi_fit(gxi_design_t& design);

@@ -1,4 +1,4 @@
-// Counting each sheet once, and adding up what stands below it.
+// Counting each sheet once, and adding up what is below it.
 #include "import/build/flat_size.h"
 
 #include <algorithm>
@@ -9,7 +9,7 @@
 
 namespace {
 
-// Of what a sheet becomes. Each path will get longer by what stands above the sheet.
+// Of what a sheet becomes. Each path will get longer by what is above the sheet.
 struct sheet_size_t {
   std::int64_t paths = 0, other_texts = 0, characters = 0;
 

@@ -1,4 +1,4 @@
-// A drawing on disk: the design directory that gximport leaves behind.
+// A drawing on disk: the design directory that gximport leaves.
 #pragma once
 
 #include <filesystem>

@@ -10,7 +10,7 @@
 // Places and lengths are design units (5000 = one grid step), x to the right, y downwards; a reader
 // scales its units so that pins fall on the grid. They must lie within -gxm_furthest..gxm_furthest;
 // where on the page the drawing goes is the builder's choice. Texts may hold any bytes: UTF-8 is
-// taken, the builder keeps it (gx/text/kept_text.h) and shortens what is too long, and tells so.
+// taken, the builder keeps it (gx/text/kept_text.h) and shortens what is too long, with a warning.
 #pragma once
 
 #include <cstdint>
@@ -30,7 +30,7 @@ enum class gxi_align : std::uint8_t { start, middle, end };
 // How a text lies. Unturned, `across` says which point of each line is at `at` (start: the left
 // end), `up` which height of the whole text (start: the baseline of its last line, end: the top of
 // the first line's capitals); `rotate` quarter turns counterclockwise about `at` follow. The
-// builder keeps the text readable: one that would stand on its head, or mirrored by its instance,
+// builder keeps the text readable: one that would be upside down, or mirrored by its instance,
 // takes the same box the readable way round.
 struct gxi_look_t {
   gx_pointreal_t at{};
@@ -146,7 +146,7 @@ struct gxi_beside_t {
 };
 
 struct gxi_design_t {
-  std::vector<gxi_cell_t> cells{};  // none contains itself; a cell may stand before what it uses
+  std::vector<gxi_cell_t> cells{};  // none contains itself; a cell may come before what it uses
   int top = 0;
   // Properties to keep, the most wanted first; the builder keeps as many as an expansion can.
   std::vector<std::string> kept_of_instances{}, kept_of_pins{}, kept_of_nets{};

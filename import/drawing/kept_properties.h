@@ -1,4 +1,4 @@
-// What is told of instances, and what an expansion is told to keep of it.
+// The properties of instances, and those that an expansion keeps.
 #pragma once
 
 #include <set>
@@ -8,7 +8,7 @@
 
 #include "import/drawing/drawing.h"
 
-// The name of a property for an attribute: with a "_" behind it where the name means something to
+// The name of a property for an attribute: with a "_" after it where the name means something to
 // KIVO.
 std::string gxi_property_name(std::string_view attribute);
 

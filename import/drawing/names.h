@@ -1,4 +1,4 @@
-// Names that have to differ from one another; letter case does not tell them apart here.
+// Names that have to differ from one another; names that differ in letter case alone are the same.
 #pragma once
 
 #include <cstddef>
@@ -17,7 +17,7 @@ class gxi_names_t {
  public:
   explicit gxi_names_t(char separator = '~') : separator_(separator) {}
 
-  // The name itself, or with the separator and 2, 3 ... behind it.
+  // The name itself, or with the separator and 2, 3 ... after it.
   std::string take(const std::string& name, std::size_t longest = std::string::npos);
   bool has(std::string_view name) const { return used_.contains(gx_upper(name)); }
 

@@ -17,7 +17,7 @@ struct gxi_common_name_t {
 struct gxi_commons_t {
   // By cell and net.
   std::vector<std::vector<gxi_common_name_t>> names{};
-  // The cells that have a sheet, each behind those it uses.
+  // The cells that have a sheet, each after those it uses.
   std::vector<int> order{};
 };
 

@@ -33,7 +33,7 @@ class gxi_lepton_library_t {
     std::string_view name{};
   };
   const read_t& read(const std::filesystem::path& path);
-  // The symbol of a component of a page; without contents when it is not found, which is told.
+  // The symbol of a component of a page; without contents when it is not found, which is reported.
   const gxi_lepton_symbol_t& symbol(const gxi_lepton_component_t& component, std::string_view page);
   // Where the sheet is that `source=` names: in the libraries only, not beside the page.
   std::optional<std::filesystem::path> sheet(const std::string& name) const;

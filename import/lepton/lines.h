@@ -17,14 +17,14 @@ class gxi_lepton_lines_t {
   [[noreturn]] void refuse(const std::string& what) const { refuse(number_of_line_, what); }
   [[noreturn]] void refuse(int line, const std::string& what) const;
 
-  // False behind the last line.
+  // False after the last line.
   bool next();
   std::string_view line() const { return line_; }
   int number_of_line() const { return number_of_line_; }
   // The lines that follow the current one.
   std::string following(int count, const char* of);
 
-  // The numbers behind the letter of the line, `least` to `most`; what follows them is a name where
+  // The numbers after the letter of the line, `least` to `most`; what follows them is a name where
   // one may stand.
   void take_numbers(std::size_t least, std::size_t most, bool has_name = false);
   std::size_t count() const { return count_; }

@@ -7,7 +7,7 @@
 
 #include "import/lepton/file.h"
 
-// M, L, C and Z in either case, with any number of places behind each; relative ones become
+// M, L, C and Z in either case, with any number of places after each; relative ones become
 // absolute. False, and why, where the text is no such path or goes beyond `furthest`.
 bool gxi_lepton_path(std::string_view text, std::int32_t furthest,
                      std::vector<gxi_lepton_step_t>& path, std::string& why);

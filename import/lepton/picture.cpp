@@ -40,7 +40,7 @@ std::uint8_t line_width(std::int32_t width) {
 
 gx_pointreal_t plus(gx_pointreal_t a, gx_pointreal_t b) { return {a.x + b.x, a.y + b.y}; }
 
-// A line without its marks, and the letters that have a bar: first, and one behind the last.
+// A line without its marks, and the letters that have a bar: first, and one after the last.
 struct barred_t {
   std::string text{};
   gxi_bars_t bars{};
@@ -172,7 +172,7 @@ void gxi_lepton_draw(const gxi_lepton_text_t& text, std::string_view seen,
   const auto first = gxi_lepton_look(text);
   const double step = std::min(text.size, largest_text) * line_step;
   const auto lines = 1 + std::count(seen.begin(), seen.end(), '\n');
-  // How many lines stand below the place that the alignment names.
+  // How many lines are below the place that the alignment names.
   double below = first.up == gxi_align::start    ? static_cast<double>(lines - 1)
                  : first.up == gxi_align::middle ? static_cast<double>(lines - 1) / 2
                                                  : 0;
@@ -187,7 +187,7 @@ void gxi_lepton_draw(const gxi_lepton_text_t& text, std::string_view seen,
       texts.push_back({line.text, look});
       continue;
     }
-    // Longer ones go on behind, from a blank where there is one.
+    // Longer ones are continued, from a blank where there is one.
     for (std::size_t from = 0; from < line.text.size();) {
       gxi_look_t behind = look;
       behind.at = gxi_place_in_line(look, line.text.size(), from, 0);

@@ -27,7 +27,7 @@ struct gxi_lepton_project_t {
 };
 
 // Reads one file of either kind into the project, and those that it loads, whose names are kept in
-// `files`; what it cannot follow is told in `messages`. Paths are taken from `beside`.
+// `files`; what it cannot follow is reported in `messages`. Paths are taken from `beside`.
 void gxi_lepton_take_scheme(std::string_view text, std::string_view name,
                             const std::filesystem::path& beside, gxi_lepton_project_t& project,
                             std::list<std::string>& files, gxm_messages_t& messages);

@@ -130,7 +130,7 @@ class lepton_reader {
     }
   }
 
-  // The first component that bears the label of a pin as its name brings that pin in.
+  // The first component whose name is the label of a pin brings that pin in.
   void find_ports(const gxi_lepton_placed_t& block, std::vector<gxi_lepton_placed_t>& placed) {
     std::set<std::string> found;
     for (const auto* pin : block.pins) {

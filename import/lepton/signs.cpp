@@ -95,7 +95,7 @@ gxi_symbol_t gxi_lepton_sign(const gxi_lepton_placed_t& placed) {
   gxi_symbol_t sign{.name = placed.symbol->name, .source = {placed.symbol->file, 1}};
   for (const auto& shape : records.shapes)
     for (auto& drawn : gxi_lepton_shapes(shape)) sign.shapes.push_back(std::move(drawn));
-  // Attributes of the file are proposals for its components, which bear those that are shown.
+  // Attributes of the file are proposals for its components, which have those that are shown.
   for (const auto& text : records.texts)
     if (text.name().empty()) gxi_lepton_draw(text, gxi_lepton_seen(text), sign.texts, sign.shapes);
   for (const auto& text : records.attached)

@@ -4,8 +4,8 @@
 #include "import/drawing/drawing.h"
 #include "import/lepton/parts.h"
 
-// The symbol of a component. Of a part, the pins bear their numbers, and those that nobody drew
-// stand below; of a block they bear their labels; otherwise there is the first one, P.
+// The symbol of a component. Of a part, the pins have their numbers, and those that nobody drew
+// are below; of a block they have their labels; otherwise there is the first one, P.
 gxi_symbol_t gxi_lepton_sign(const gxi_lepton_placed_t& placed);
 // What two components must share to have one symbol.
 std::string gxi_lepton_sign_key(const gxi_lepton_placed_t& placed);

@@ -8,7 +8,7 @@
 namespace {
 bool is_of_name(char c) { return std::isalnum(static_cast<unsigned char>(c)) || c == '_'; }
 
-// The end of the name behind an "@": NAME, @PIN, #3 or #3:ATTRIBUTE.
+// The end of the name after an "@": NAME, @PIN, #3 or #3:ATTRIBUTE.
 std::size_t end_of_name(std::string_view text, std::size_t at) {
   const auto take = [&](bool (*belongs)(char)) {
     while (at < text.size() && belongs(text[at])) ++at;

@@ -30,6 +30,6 @@ class gxi_xschem_attributes_t {
 };
 
 // The text with each "@name" (also "@@pin", "@#1:attribute") replaced by what `value` says of the
-// name behind the first "@". A backslash takes the meaning from the next character.
+// name after the first "@". A backslash takes the meaning from the next character.
 std::string gxi_xschem_substitute(std::string_view text,
                                   const std::function<std::string(std::string_view)>& value);

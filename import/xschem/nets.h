@@ -18,7 +18,7 @@ struct gxi_xschem_nets_t {
   std::vector<gxi_xschem_bundle_t> bundles{};
   std::vector<std::vector<int>> bundle_of_pin{};  // by component and pin
   std::vector<int> bundle_of_wire{};              // by wire
-  // Of each label and port: whether its net bears its name, as it does unless two labels met.
+  // Of each label and port: whether its net has its name, as it does unless two labels met.
   std::vector<bool> names_its_net{};
   std::map<std::string, int> by_name{};  // in capitals
 
@@ -26,7 +26,8 @@ struct gxi_xschem_nets_t {
   std::vector<int> named(std::string_view label, const gxm_source_t& source);
 };
 
-// `wires` are the N records. Labels that meet on one net are told in `messages`; the first counts.
+// `wires` are the N records. Labels that meet on one net are reported in `messages`; the first
+// counts.
 gxi_xschem_nets_t gxi_xschem_join(const std::vector<gxi_xschem_placed_t>& components,
                                   const std::vector<const gxi_xschem_shape_t*>& wires,
                                   std::string_view file, gxm_messages_t& messages);

@@ -92,7 +92,7 @@ gxi_look_t gxi_xschem_look(const gxi_xschem_text_t& text) {
   look.across = attributes.is_set("hcenter") ? gxi_align::middle
                 : text.flip                  ? gxi_align::end
                                              : gxi_align::start;
-  // The place is the upper corner of the line, whose letters stand in its middle.
+  // The place is the upper corner of the line, whose letters are in its middle.
   look.up = gxi_align::end;
   double down = (size * line_height - letters) / 2;
   if (attributes.is_set("vcenter")) {

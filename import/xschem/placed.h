@@ -31,7 +31,7 @@ struct gxi_xschem_placed_t {
 };
 
 // `within`: what the sheet is first below; null on the sheet that the design begins with. What Tcl
-// would decide is told.
+// would decide is reported.
 gxi_xschem_placed_t gxi_xschem_place(const gxi_xschem_component_t& component,
                                      const gxi_xschem_symbol_t& symbol, std::string_view file,
                                      bool is_top, const gxi_xschem_placed_t* within,

@@ -17,6 +17,6 @@ struct gxi_xschem_project_t {
 
 // The project of a top sheet, an absolute path: the nearest xschemrc beside or above it, else that
 // of $HOME/.xschem, else that of the process kit $PDK_ROOT/$PDK. Of Tcl only plain commands are
-// read; what cannot be followed is told in `messages`, by names that are kept in `files`.
+// read; what cannot be followed is reported in `messages`, by names that are kept in `files`.
 gxi_xschem_project_t gxi_xschem_project(const std::filesystem::path& top,
                                         std::list<std::string>& files, gxm_messages_t& messages);

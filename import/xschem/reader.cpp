@@ -231,7 +231,7 @@ class xschem_reader {
     return placed;
   }
 
-  // The netlist text that stands in for a sheet, or the file that it includes.
+  // The netlist text that replaces a sheet, or the file that it includes.
   std::string definition(const gxi_xschem_placed_t& placed, std::string_view text,
                          const fs::path& sheet) {
     std::string plain = plain_text(text).text;

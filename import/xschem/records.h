@@ -58,6 +58,6 @@ struct gxi_xschem_file_t {
 };
 
 // Throws std::runtime_error "NAME:LINE: what" where the text is no such file. A record of an
-// unknown kind is told in `messages` and passed over.
+// unknown kind is reported in `messages` and passed over.
 gxi_xschem_file_t gxi_xschem_read_records(std::string_view text, const gxm_source_t& name,
                                           gxm_messages_t& messages);

@@ -12,7 +12,7 @@
 using gxi_xschem_settings_t = std::map<std::string, std::string>;
 
 // Reads the file and those that it sources. Nothing is run: commands of other names are passed
-// over; one that cannot be read although it is about libraries is told in `messages`, by names that
-// are kept in `files`. A file that cannot be read is told, too.
+// over; one that cannot be read although it is about libraries is reported in `messages`, by names
+// that are kept in `files`. A file that cannot be read is reported, too.
 void gxi_xschem_take_settings(const std::filesystem::path& file, gxi_xschem_settings_t& settings,
                               std::list<std::string>& files, gxm_messages_t& messages);

@@ -17,8 +17,8 @@ std::string gxi_xschem_class(const gxi_xschem_symbol_t& symbol);
 std::string gxi_xschem_port_class(const gxi_xschem_symbol_t& symbol);
 
 // Gives the instance of a device its properties, hidden, and shows its name. What is seen of them
-// is in the list that is returned, which the first instance of a vector takes; what stands for all
-// of a vector is written on the sheet.
+// is in the list that is returned, which the first instance of a vector takes; what is meant for
+// all of a vector is written on the sheet.
 std::vector<gxi_property_t> gxi_xschem_dress(const gxi_xschem_placed_t& placed, std::size_t line,
                                              bool is_leaf,
                                              const std::vector<gxi_xschem_shown_t>& shown,

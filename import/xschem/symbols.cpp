@@ -1,4 +1,4 @@
-// Looking symbols up, and what their attributes make of them.
+// Looks symbols up, and applies their attributes.
 #include "import/xschem/symbols.h"
 
 #include <algorithm>
@@ -13,7 +13,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Pins that are numbered for the simulator stand in that order.
+// Pins that are numbered for the simulator are in that order.
 void order_pins(std::vector<gxi_xschem_pin_t>& pins) {
   const auto number = [](const gxi_xschem_pin_t& pin) {
     return gx_whole_number<int>(pin.attributes.get("sim_pinnumber"));

@@ -41,7 +41,7 @@ class tcl_reader {
         all += variable(text);
         continue;
       }
-      // "A[3]" behind a letter, without a blank in it, is a name.
+      // "A[3]" after a letter, without a blank in it, is a name.
       const auto end = gxi_xschem_tcl_closed(text.substr(open), '[', ']');
       const bool of_name = open > 0 && !gxi_xschem_is_blank(text[open - 1]) &&
                            end != std::string_view::npos &&

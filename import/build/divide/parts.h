@@ -24,7 +24,7 @@ class gxi_part_maker_t {
  public:
   explicit gxi_part_maker_t(gxi_design_t& design);
   // Moves all this from the sheet of a cell into cells at the end of the design, whose instances
-  // stand below what stays. The pins of a part are the nets that it shares with the rest. When
+  // are below what stays. The pins of a part are the nets that it shares with the rest. When
   // `drawing_moves`, the wires and labels of their nets leave the sheet, too.
   void make(std::size_t cell, std::vector<gxi_part_t> parts, bool drawing_moves);
 
