@@ -41,7 +41,8 @@ class FindProgram : public Interactive {
   FindProgram() {
     make_design(directory_, two_level_net);
     open(
-        "display theme classic;primitive class;prop inst s class;prop pin s pin;prop net s net;run",
+        "display theme classic;display lines 7;primitive class;prop inst s class;prop pin s pin;"
+        "prop net s net;run",
         KIVO_PRODUCT_DIR);
     session().wait_for_line("# End of DO ");
     // Without the cross that marks the start.
