@@ -28,7 +28,8 @@ def run(*words, cwd, statuses=(0,)):
 
 def renamed(text, chance):
     """Every use of a name becomes another one: of a part, a block, a net or a port."""
-    names = re.findall(r"^ *(?:part|port|net|bus) ([A-Z]\w*)|name=(\w+)|lab=(\w+)", text, re.M)
+    names = re.findall(r"^ *(?:part|port|net|bus) ([A-Z]\w*)|(?:name|lab|refdes|netname)=(\w+)"
+                       r'|"Reference" "(\w+)"|label "(\w+)"', text, re.M)
     name = chance.choice([next(filter(None, found)) for found in names])
     return re.sub(rf"\b{name}\b", name + "z", text)
 
@@ -41,8 +42,14 @@ def line_gone(text, chance):
 
 
 def value_changed(text, chance):
-    found = chance.choice(list(re.finditer(r"\b(VALUE|W|L|DRIVE|MODEL|w|value)=(\w+)", text)))
-    return text[:found.end(2)] + "9" + text[found.end(2):]
+    found = chance.choice(list(re.finditer(
+        r'(?:\b(?:VALUE|W|L|DRIVE|MODEL|w|value)=|"Value" ")\w+', text)))
+    return text[:found.end()] + "9" + text[found.end():]
+
+
+def wire_gone(text, chance):
+    found = chance.choice(list(re.finditer(r"^\t\(wire\n(?:\t\t.*\n)*\t\)\n", text, re.M)))
+    return text[:found.start()] + text[found.end():]
 
 
 def pins_swapped(text, chance):
@@ -56,7 +63,7 @@ def part_added(text, chance):
     return text[:found.end()] + f"\n  part {found[1]}x{found[2]}" + text[found.end():]
 
 
-EDITS = (renamed, line_gone, value_changed, pins_swapped, part_added)
+EDITS = (renamed, line_gone, wire_gone, value_changed, pins_swapped, part_added)
 
 
 # --- netlists as what kvdiff compares
@@ -142,11 +149,15 @@ class Example:
 
 
 gxmake, gximport = build / "tools/gxmake", build / "tools/gximport"
+# That of faults has two parts of one path on purpose: no list of changes can be applied to it.
 EXAMPLES = (
     Example("register", "examples/register/register.gxt", (gxmake, "-q"),
             "examples/register/expand.do"),
     Example("filter", "examples/filter/filter.gxt", (gxmake, "-q"), "examples/filter/expand.do"),
     Example("buffers", "examples/import/buffers.sch", (gximport, "-o", "."), "expand.do"),
+    Example("preamp", "examples/import/lepton/preamp.sch", (gximport, "-o", "."), "expand.do"),
+    Example("levels", "examples/import/kicad/levels.kicad_sch", (gximport, "-o", "."),
+            "expand.do"),
 )
 
 
