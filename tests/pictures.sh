@@ -68,6 +68,10 @@ mkfifo pipe
 if plot --svg -o pipe register 2>err; then fail "a pipe is written over"; fi
 [[ -p pipe && $(<err) == "kivo-plot: cannot write pipe: Not a regular file" ]] || fail "$(<err)"
 
+# From elsewhere only the top sheet is found: the rest is reported.
+(cd / && plot --pdf --all -o "$scratch/away.pdf" "$scratch/register" 2>"$scratch/err") && fail "no status"
+grep -q "the sheets below: their paths begin in $scratch" err || fail "$(<err)"
+
 # A damaged sheet is named and left out; the others are written.
 printf 'no sheet' >"dlatch/$(ls dlatch | grep 'sheet.gx_')"
 if plot --pdf --all -o rest.pdf register 2>err; then fail "a damaged sheet is passed over"; fi

@@ -107,8 +107,10 @@ int main(int argc, char** argv) try {
   if (!design.warnings.empty())
     tool_print(stdout, gxi_counted(design.warnings.size(), "note") + " in " +
                            (output.root / "gximport.log").string() + "\n");
-  const auto top_cell = (output.root / sum.top).string();
-  tool_print(stdout, "wrote " + top_cell + ": kivo " + top_cell + "\n");
+  const std::string top_cell(sum.top);
+  const bool is_here = output.root.lexically_normal() == ".";
+  tool_print(stdout, "wrote " + top_cell + ": kivo " + top_cell +
+                         (is_here ? "" : " (in " + output.root.string() + ")") + "\n");
   return tool_end(tool, ended);
 } catch (const std::exception& error) {
   std::fprintf(stderr, "%s\n", error.what());
