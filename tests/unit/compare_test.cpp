@@ -347,16 +347,28 @@ TEST(Compare, ToldAsAReviewerWouldTellIt) {
       }),
       (lines_t{"branch renamed /X1 > /X7", "values changed /X1/Y/R1 > /X7/Y/R1; VALUE 1k > 8k"}));
   // A value that is a number in one of the designs alone is the same as long as it is that number.
-  const auto kept = [](std::string text, bool is_number) {
-    kv_compared_design_t design = records_of({{}, {{"/R1", {{{"W", std::move(text)}}, {}}}}});
-    design.values.front().is_number = is_number;
-    return design;
+  struct kept_t {
+    std::string text;
+    bool is_number = false;
   };
-  EXPECT_TRUE(kv_compare(kept("1e-06", true), kept("1u", false)).empty());
-  EXPECT_EQ(kv_compare(kept("2e-06", true), kept("1u", false)).size(), 1U);
-  EXPECT_EQ(kv_compare(kept("1000", false), kept("1k", false)).size(), 1U);
-  EXPECT_TRUE(kv_compare(kept("0", true), records_of({{}, {{"/R1", {}}}})).empty());
-  EXPECT_EQ(kv_compare(kept("0", false), records_of({{}, {{"/R1", {}}}})).size(), 1U);
+  const auto changes = [](const kept_t& first, const kept_t& second) {
+    const auto design = [](const kept_t& kept) {
+      const leaf_t resistor{{{"W", kept.text}}, {}};
+      return design_t{{}, {{"/R1", kept.text.empty() ? leaf_t{} : resistor}}};
+    };
+    const auto records = [](const design_t& of, bool is_number) {
+      kv_compared_design_t compared = records_of(of);
+      for (auto& value : compared.values) value.is_number = is_number;
+      return compared;
+    };
+    const design_t before = design(first), now = design(second);
+    return kv_compare(records(before, first.is_number), records(now, second.is_number)).size();
+  };
+  EXPECT_EQ(changes({"1e-06", true}, {"1u"}), 0U);
+  EXPECT_EQ(changes({"2e-06", true}, {"1u"}), 1U);
+  EXPECT_EQ(changes({"1000"}, {"1k"}), 1U);
+  EXPECT_EQ(changes({"0", true}, {}), 0U);
+  EXPECT_EQ(changes({"0"}, {}), 1U);
   // Branches that are alike are found by the nets that they are on.
   const design_t twins{{"/X1", "/X2"},
                        {{"/R1", leaf("1k", "/IN", "/OUT")},
