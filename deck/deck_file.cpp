@@ -64,7 +64,7 @@ std::string dk_read(std::string_view text, dk_cells_t& cells) {
   bool begun = false;
   for (int number = 1; !text.empty(); ++number) {
     auto line = dk_take_line(text);
-    if (line.ends_with('\r')) line.remove_suffix(1);
+    while (line.ends_with('\r')) line.remove_suffix(1);
     const auto wrong = [&](const std::string& what) {
       return "line " + std::to_string(number) + ": " + what;
     };
