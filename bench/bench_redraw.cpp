@@ -10,7 +10,7 @@
 #include "gx/db/file_slots.h"
 #include "gx/db/object_access.h"
 #include "gx/display/screen_state.h"
-#include "gx/display/smooth.h"
+#include "gx/display/strokes/smooth.h"
 #include "gx/display/viewport_coords.h"
 #include "gx/display/viewports.h"
 #include "gx/display/window.h"

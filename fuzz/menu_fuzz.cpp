@@ -2,7 +2,7 @@
 #include <cstdint>
 
 #include "fuzz/session.h"
-#include "gx/display/menu_file.h"
+#include "gx/display/input/menu_file.h"
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
   fuzz_prepare(build_design("sheet top\n page 20,20\n"));

@@ -7,9 +7,9 @@
 
 #include "gx/db/file_state.h"
 #include "gx/db/undo.h"
-#include "gx/display/input_state.h"
-#include "gx/display/key_state.h"
-#include "gx/display/menu_state.h"
+#include "gx/display/input/input_state.h"
+#include "gx/display/input/key_state.h"
+#include "gx/display/input/menu_state.h"
 #include "gx/display/screen_state.h"
 #include "gx/edit/edit_state.h"
 #include "gx/picture/picture_state.h"

@@ -8,7 +8,7 @@
 #include "app/language/command_row.h"
 #include "app/sheet/command_viewport.h"
 #include "gx/db/undo.h"
-#include "gx/display/draw.h"
+#include "gx/display/sheet/draw.h"
 #include "gx/text/at.h"
 #include "gx/text/debug.h"
 #include "gx/text/message_list.h"

@@ -6,8 +6,8 @@
 #include "app/state.h"
 #include "expand/explain.h"
 #include "gx/db/file_state.h"
-#include "gx/display/highlight.h"
-#include "gx/display/theme.h"
+#include "gx/display/sheet/highlight.h"
+#include "gx/display/sheet/theme.h"
 #include "gx/text/at.h"
 #include "gx/text/strings.h"
 

@@ -2,7 +2,7 @@
 // the pointer, and goes away with the next event; the pixels under it come back as they were.
 #pragma once
 
-#include "gx/display/events.h"
+#include "gx/display/input/events.h"
 
 void kv_show_hints(bool on);
 // The pointer rests there.

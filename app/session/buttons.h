@@ -5,7 +5,7 @@
 #include <functional>
 #include <string_view>
 
-#include "gx/display/events.h"
+#include "gx/display/input/events.h"
 
 // A press or a release. `run` runs a command with the viewport under the pointer selected.
 void kv_button(const gx_event_t& event, const std::function<void(std::string_view)>& run);

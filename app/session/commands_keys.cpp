@@ -1,6 +1,6 @@
 // DEFine KEY and STAtus KEY.
 #include "app/language/command_row.h"
-#include "gx/display/keys.h"
+#include "gx/display/input/keys.h"
 #include "gx/text/message_list.h"
 #include "gx/text/strings.h"
 

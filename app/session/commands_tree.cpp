@@ -5,7 +5,7 @@
 #include "app/session/event_loop.h"
 #include "app/sheet/command_viewport.h"
 #include "app/tree/tree_view.h"
-#include "gx/display/offscreen.h"
+#include "gx/display/strokes/offscreen.h"
 #include "gx/text/message_list.h"
 #include "gx/vext.h"
 

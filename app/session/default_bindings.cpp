@@ -3,7 +3,7 @@
 #include <string_view>
 
 #include "app/session/event_loop.h"
-#include "gx/display/keys.h"
+#include "gx/display/input/keys.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
 

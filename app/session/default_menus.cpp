@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "app/session/event_loop.h"
-#include "gx/display/menu_tree.h"
+#include "gx/display/input/menu_tree.h"
 
 namespace {
 

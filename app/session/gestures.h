@@ -17,7 +17,7 @@
 #include <string_view>
 
 #include "app/state.h"
-#include "gx/display/events.h"
+#include "gx/display/input/events.h"
 
 inline constexpr std::uint32_t kv_shift_held = 1;  // of the modifiers of an event
 

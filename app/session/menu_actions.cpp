@@ -7,9 +7,9 @@
 
 #include "app/language/interpreter.h"
 #include "app/state.h"
-#include "gx/display/menu_draw.h"
-#include "gx/display/menu_state.h"
-#include "gx/display/menu_tree.h"
+#include "gx/display/input/menu_draw.h"
+#include "gx/display/input/menu_state.h"
+#include "gx/display/input/menu_tree.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"

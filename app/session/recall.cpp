@@ -9,7 +9,7 @@
 
 #include "app/session/installation.h"
 #include "app/state.h"
-#include "gx/display/line_edit.h"
+#include "gx/display/input/line_edit.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
 #include "platform/files.h"

@@ -5,7 +5,7 @@
 #include "app/language/do_file.h"
 #include "app/session/event_loop.h"
 #include "app/sheet/views.h"
-#include "gx/display/menu_file.h"
+#include "gx/display/input/menu_file.h"
 #include "gx/text/debug.h"
 #include "gx/text/strings.h"
 #include "gx/text/text_files.h"

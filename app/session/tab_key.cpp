@@ -10,7 +10,7 @@
 #include "app/find/next_names.h"
 #include "app/language/next_word.h"
 #include "app/state.h"
-#include "gx/display/line_edit.h"
+#include "gx/display/input/line_edit.h"
 #include "gx/text/message_list.h"
 #include "gx/text/strings.h"
 #include "gx/text/text_files.h"

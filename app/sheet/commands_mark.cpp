@@ -4,7 +4,7 @@
 #include "app/sheet/command_viewport.h"
 #include "app/sheet/views.h"
 #include "gx/db/geometry.h"
-#include "gx/display/cursor.h"
+#include "gx/display/input/cursor.h"
 #include "gx/display/viewports.h"
 #include "gx/text/message_list.h"
 #include "gx/text/strings.h"

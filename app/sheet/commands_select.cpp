@@ -4,7 +4,7 @@
 #include "app/sheet/select_area.h"
 #include "gx/db/owners.h"
 #include "gx/db/undo.h"
-#include "gx/display/draw.h"
+#include "gx/display/sheet/draw.h"
 #include "gx/text/message_list.h"
 #include "gx/text/numbers.h"
 #include "gx/text/strings.h"

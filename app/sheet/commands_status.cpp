@@ -8,7 +8,7 @@
 #include "gx/db/geometry.h"
 #include "gx/db/object_list.h"
 #include "gx/db/owners.h"
-#include "gx/display/draw.h"
+#include "gx/display/sheet/draw.h"
 #include "gx/text/debug.h"
 #include "gx/text/message_list.h"
 #include "gx/text/numbers.h"

@@ -4,7 +4,7 @@
 
 #include "app/sheet/views.h"
 #include "gx/display/list_viewport.h"
-#include "gx/display/stroke_text.h"
+#include "gx/display/strokes/stroke_text.h"
 #include "gx/display/viewports.h"
 #include "gx/text/list_columns.h"
 #include "gx/text/message_list.h"

@@ -9,7 +9,7 @@
 #include "gx/db/geometry.h"
 #include "gx/db/owners.h"
 #include "gx/db/undo.h"
-#include "gx/display/draw.h"
+#include "gx/display/sheet/draw.h"
 #include "gx/vext.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include <functional>
 #include <string_view>
 
-#include "gx/display/events.h"
+#include "gx/display/input/events.h"
 
 using kv_run_t = std::function<void(std::string_view command)>;
 

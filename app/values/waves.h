@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "gx/display/events.h"
+#include "gx/display/input/events.h"
 
 // The paths of flat nets, at most 16, whose waveforms are shown from now on, over the whole scale;
 // those without a value are left out. False when none has one, or when the reading was stopped.

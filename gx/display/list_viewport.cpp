@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "gx/display/pen.h"
-#include "gx/display/stroke_text.h"
-#include "gx/display/theme.h"
+#include "gx/display/sheet/theme.h"
+#include "gx/display/strokes/pen.h"
+#include "gx/display/strokes/stroke_text.h"
 #include "gx/display/viewports.h"
 #include "gx/text/at.h"
 #include "gx/text/kept_text.h"

@@ -6,10 +6,10 @@
 #include <span>
 #include <string_view>
 
-#include "gx/display/canvas.h"
-#include "gx/display/events.h"
-#include "gx/display/stroke_layers.h"
-#include "gx/display/theme.h"
+#include "gx/display/input/events.h"
+#include "gx/display/sheet/theme.h"
+#include "gx/display/strokes/canvas.h"
+#include "gx/display/strokes/stroke_layers.h"
 #include "gx/text/records.h"
 
 struct gx_screen_t {

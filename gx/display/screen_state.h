@@ -9,16 +9,16 @@
 #include <vector>
 
 #include "gx/db/ids.h"
-#include "gx/display/stroke_layers.h"
+#include "gx/display/strokes/stroke_layers.h"
 #include "gx/text/records.h"
 
 struct _XDisplay;
 struct _XGC;
 
-struct gx_pen_t;          // gx/display/pen.cpp
+struct gx_pen_t;          // gx/display/strokes/pen.cpp
 struct gx_screen_t;       // gx/display/screen.h
-struct gx_theme_t;        // gx/display/theme.h
-struct gx_scaled_font_t;  // gx/display/stroke_text.cpp
+struct gx_theme_t;        // gx/display/sheet/theme.h
+struct gx_scaled_font_t;  // gx/display/strokes/stroke_text.cpp
 
 using gx_vpid_t = std::int8_t;  // 1..16; 0 = none
 
@@ -62,7 +62,8 @@ struct gx_cursor_rec_t {
   std::uint32_t color = 0;   // colour index
 };
 
-// A net, or one segment of a net, that every picture of its sheet marks (gx/display/highlight.h).
+// A net, or one segment of a net, that every picture of its sheet marks
+// (gx/display/sheet/highlight.h).
 inline constexpr int gx_nb_of_highlights = 6;  // colours
 
 struct gx_highlight_t {
@@ -70,10 +71,10 @@ struct gx_highlight_t {
   gx_object_id_t id = 0;
   gx_object_id_t vertex = 0;  // where its probe stands; 0: at the first end of its first segment
   gx_string_record_t name;    // in the probe; empty: no probe
-  std::uint8_t color = 1;     // 1..gx_nb_of_highlights, see gx/display/theme.h
+  std::uint8_t color = 1;     // 1..gx_nb_of_highlights, see gx/display/sheet/theme.h
 };
 
-// A cross or a link that a command has marked (gx/display/markers.h).
+// A cross or a link that a command has marked (gx/display/sheet/markers.h).
 struct gx_kept_mark_t {
   gx_vpid_t vpid = 0;
   bool is_link = false;
@@ -95,10 +96,10 @@ struct gx_screen_state_t : gx_view_roles_t {
   unsigned long root = 0, win = 0;
   gx_point16_t window_size;  // pixels, when it was made or last seen
   _XGC* our_gc = nullptr;
-  _XGC* copy_gc = nullptr;           // background colour, no clip: for copies and for clearing
-  unsigned long drawable = 0;        // where strokes go; 0: the window (gx/display/offscreen.h)
-  unsigned long hidden_picture = 0;  // pixmap for it, at least as large as
-  gx_point16_t hidden_size;          // this; 0 when there is none
+  _XGC* copy_gc = nullptr;     // background colour, no clip: for copies and for clearing
+  unsigned long drawable = 0;  // where strokes go; 0: the window (gx/display/strokes/offscreen.h)
+  unsigned long hidden_picture = 0;                      // pixmap for it, at least as large as
+  gx_point16_t hidden_size;                              // this; 0 when there is none
   unsigned long wm_protocols = 0, wm_delete_window = 0;  // atoms: the user closes the window
   std::shared_ptr<gx_pen_t> pen;                         // strokes not yet sent
   std::shared_ptr<gx_scaled_font_t> strpt;               // glyphs at the size of the screen texts

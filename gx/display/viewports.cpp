@@ -5,10 +5,10 @@
 
 #include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
-#include "gx/display/draw_strokes.h"
-#include "gx/display/pen.h"
 #include "gx/display/screen_state.h"
-#include "gx/display/stroke_text.h"
+#include "gx/display/strokes/draw_strokes.h"
+#include "gx/display/strokes/pen.h"
+#include "gx/display/strokes/stroke_text.h"
 #include "gx/text/at.h"
 #include "gx/text/debug.h"
 #include "gx/text/front.h"

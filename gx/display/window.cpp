@@ -3,9 +3,9 @@
 #include <algorithm>
 
 #include "gx/display/list_viewport.h"
-#include "gx/display/pen.h"
 #include "gx/display/screen.h"
-#include "gx/display/stroke_text.h"
+#include "gx/display/strokes/pen.h"
+#include "gx/display/strokes/stroke_text.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"
 #include "gx/text/list_columns.h"

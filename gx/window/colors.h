@@ -3,7 +3,7 @@
 
 #include <span>
 
-#include "gx/display/theme.h"
+#include "gx/display/sheet/theme.h"
 
 // Fills colorrec[0..7]. A colour that cannot be had exactly becomes the nearest that can, in the
 // end black or white; colours other than black never become black.

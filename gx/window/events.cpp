@@ -14,11 +14,11 @@
 #include <utility>
 
 #include "gx/db/geometry.h"
-#include "gx/display/menu_draw.h"
-#include "gx/display/menu_tree.h"
+#include "gx/display/input/menu_draw.h"
+#include "gx/display/input/menu_tree.h"
 #include "gx/display/screen_state.h"
-#include "gx/display/smooth.h"
-#include "gx/display/stroke_text.h"
+#include "gx/display/strokes/smooth.h"
+#include "gx/display/strokes/stroke_text.h"
 #include "gx/display/viewport_coords.h"
 #include "gx/display/viewports.h"
 #include "gx/text/debug.h"

@@ -1,7 +1,7 @@
-// The events of X as the kinds of gx/display/events.h.
+// The events of X as the kinds of gx/display/input/events.h.
 #pragma once
 
-#include "gx/display/events.h"
+#include "gx/display/input/events.h"
 
 gx_event_t gx_wait_x_event();
 void gx_ask_selection(bool from_clipboard);

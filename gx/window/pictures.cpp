@@ -2,7 +2,7 @@
 
 #include <X11/Xlib.h>
 
-#include "gx/display/menu_state.h"
+#include "gx/display/input/menu_state.h"
 #include "gx/vext.h"
 #include "gx/window/window.h"
 

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <array>
 
-#include "gx/display/theme.h"
+#include "gx/display/sheet/theme.h"
 #include "gx/text/at.h"
 #include "gx/vext.h"
 

@@ -1,4 +1,4 @@
-// The pointer of the window: gx/display/cursor.h decides its shape and place.
+// The pointer of the window: gx/display/input/cursor.h decides its shape and place.
 #pragma once
 
 #include "gx/text/records.h"

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "gx/display/dashes.h"
-#include "gx/display/pen.h"
-#include "gx/display/smooth.h"
+#include "gx/display/strokes/dashes.h"
+#include "gx/display/strokes/pen.h"
+#include "gx/display/strokes/smooth.h"
 #include "gx/text/at.h"
 #include "gx/text/status.h"
 #include "gx/vext.h"

@@ -1,7 +1,7 @@
 // Strokes as requests of X, to the window or to the picture that nobody sees yet.
 #pragma once
 
-#include "gx/display/stroke_layers.h"
+#include "gx/display/strokes/stroke_layers.h"
 
 // For a new graphics context, of which nothing is known, and after a change of the colours.
 void gx_begin_strokes();

@@ -12,9 +12,9 @@
 #include <cstring>
 #include <string>
 
-#include "gx/display/menu_state.h"
-#include "gx/display/pen.h"
+#include "gx/display/input/menu_state.h"
 #include "gx/display/screen.h"
+#include "gx/display/strokes/pen.h"
 #include "gx/display/window.h"
 #include "gx/text/debug.h"
 #include "gx/text/status.h"

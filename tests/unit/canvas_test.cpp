@@ -1,15 +1,15 @@
 // Smooth strokes: the pixels of plain ones where they are whole, coverage where they are not, and
 // what of a picture is sent.
-#include "gx/display/canvas.h"
+#include "gx/display/strokes/canvas.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <map>
 
-#include "gx/display/dashes.h"
-#include "gx/display/smooth.h"
-#include "gx/display/stroke_text.h"
+#include "gx/display/strokes/dashes.h"
+#include "gx/display/strokes/smooth.h"
+#include "gx/display/strokes/stroke_text.h"
 #include "tests/support/counting_screen.h"
 #include "tests/support/drawing_board.h"
 

@@ -1,4 +1,4 @@
-#include "gx/display/clipping.h"
+#include "gx/display/strokes/clipping.h"
 
 #include <cmath>
 

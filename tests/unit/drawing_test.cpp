@@ -2,8 +2,8 @@
 #include <algorithm>
 
 #include "gx/db/queries.h"
-#include "gx/display/draw.h"
-#include "gx/display/highlight.h"
+#include "gx/display/sheet/draw.h"
+#include "gx/display/sheet/highlight.h"
 #include "gx/vext.h"
 #include "tests/support/drawing_board.h"
 #include "tests/unit/fatal_stop.h"

@@ -11,10 +11,10 @@
 #include <vector>
 
 #include "app/session/event_loop.h"
-#include "gx/display/keys.h"
-#include "gx/display/menu_file.h"
-#include "gx/display/menu_state.h"
-#include "gx/display/menu_tree.h"
+#include "gx/display/input/keys.h"
+#include "gx/display/input/menu_file.h"
+#include "gx/display/input/menu_state.h"
+#include "gx/display/input/menu_tree.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
 #include "gx/window/key_lookup.h"

@@ -4,9 +4,9 @@
 #include <cstdio>
 
 #include "app/session/gestures.h"
-#include "gx/display/cmd_viewport.h"
-#include "gx/display/stroke_text.h"
-#include "gx/display/theme.h"
+#include "gx/display/input/cmd_viewport.h"
+#include "gx/display/sheet/theme.h"
+#include "gx/display/strokes/stroke_text.h"
 #include "gx/text/message_list.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"

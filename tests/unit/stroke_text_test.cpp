@@ -1,4 +1,4 @@
-#include "gx/display/stroke_text.h"
+#include "gx/display/strokes/stroke_text.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,10 +1,10 @@
 // The colours of the themes: they stand out from the ground and from each other, and each part of a
 // sheet has its own.
-#include "gx/display/theme.h"
+#include "gx/display/sheet/theme.h"
 
 #include <cmath>
 
-#include "gx/display/highlight.h"
+#include "gx/display/sheet/highlight.h"
 #include "tests/support/drawing_board.h"
 #include "tests/unit/design_session.h"
 
