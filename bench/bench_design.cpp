@@ -5,8 +5,8 @@
 #include <unistd.h>
 
 #include "expand/store.h"
-#include "gx/db/file_slots.h"
-#include "gx/db/record_codec.h"
+#include "gx/db/file/file_slots.h"
+#include "gx/db/file/record_codec.h"
 #include "gx/display/window.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "expand/run.h"
+#include "expand/run/run.h"
 #include "tests/support/scratch_directory.h"
 
 class bench_design {

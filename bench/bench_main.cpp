@@ -3,9 +3,9 @@
 
 #include "bench/bench_design.h"
 #include "bench/floor.h"
-#include "expand/design_output.h"
+#include "expand/output/design_output.h"
 #include "expand/store.h"
-#include "gx/db/record_codec.h"
+#include "gx/db/file/record_codec.h"
 #include "gxmake/memory_array.h"
 
 namespace {

@@ -7,7 +7,7 @@
 
 #include "app/sheet/views.h"
 #include "app/state.h"
-#include "gx/db/file_slots.h"
+#include "gx/db/file/file_slots.h"
 #include "gx/db/object_access.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/strokes/smooth.h"

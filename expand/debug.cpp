@@ -4,9 +4,9 @@
 #include <cstdlib>
 
 #include "expand/store.h"
-#include "gx/text/debug.h"
-#include "gx/text/front.h"
-#include "gx/text/status.h"
+#include "gx/text/messages/debug.h"
+#include "gx/text/messages/front.h"
+#include "gx/text/messages/status.h"
 
 std::FILE* kv_debf = nullptr;
 

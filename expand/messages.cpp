@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "gx/text/at.h"
-#include "gx/text/message_list.h"
+#include "gx/text/messages/message_list.h"
 
 namespace {
 

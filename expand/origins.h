@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "expand/design.h"
-#include "expand/sheets.h"
+#include "expand/sheet/sheets.h"
 #include "netlist/netlist.h"
 
 // One visit. Its records are those between the counts before and after: nets and children of its

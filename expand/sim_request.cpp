@@ -13,8 +13,8 @@
 #include <utility>
 
 #include "expand/debug.h"
-#include "gx/db/file_state.h"
-#include "gx/text/message_list.h"
+#include "gx/db/file/file_state.h"
+#include "gx/text/messages/message_list.h"
 
 int KivoSpice_fifo_fd = -1;
 

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "expand/debug.h"
-#include "gx/text/status.h"
+#include "gx/text/messages/status.h"
 
 constinit kv_defref_exp_rec_t kv_sext;  // costs a start nothing
 

@@ -7,8 +7,8 @@
 #include <string>
 
 #include "fuzz/session.h"
-#include "gx/db/record_codec.h"
-#include "gx/db/record_tables.h"
+#include "gx/db/file/record_codec.h"
+#include "gx/db/file/record_tables.h"
 #include "kvi/load.h"
 #include "kvi/state.h"
 

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <string>
 
-#include "expand/expression.h"
-#include "expand/values.h"
+#include "expand/sheet/expression.h"
+#include "expand/sheet/values.h"
 #include "fuzz/session.h"
 
 namespace {

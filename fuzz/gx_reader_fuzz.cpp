@@ -5,12 +5,12 @@
 #include <string>
 #include <string_view>
 
-#include "gx/db/geometry.h"
-#include "gx/db/link_file.h"
+#include "gx/db/file/link_file.h"
+#include "gx/db/file/record_codec.h"
+#include "gx/db/file/sheet_shape.h"
 #include "gx/db/object_access.h"
+#include "gx/db/place/geometry.h"
 #include "gx/db/queries.h"
-#include "gx/db/record_codec.h"
-#include "gx/db/sheet_shape.h"
 
 namespace {
 

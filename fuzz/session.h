@@ -13,7 +13,7 @@
 #include "app/language/interpreter.h"
 #include "app/state.h"
 #include "expand/store.h"
-#include "gx/db/file_slots.h"
+#include "gx/db/file/file_slots.h"
 #include "gx/display/window.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"

@@ -5,7 +5,7 @@
 // fresh by one assignment: static_cast<gx_menu_state_t&>(gx_vext) = {}.
 #pragma once
 
-#include "gx/db/file_state.h"
+#include "gx/db/file/file_state.h"
 #include "gx/db/undo.h"
 #include "gx/display/input/input_state.h"
 #include "gx/display/input/key_state.h"
@@ -14,8 +14,8 @@
 #include "gx/edit/edit_state.h"
 #include "gx/picture/picture_state.h"
 #include "gx/plot/plot_state.h"
-#include "gx/text/message_list.h"
-#include "gx/text/session_state.h"
+#include "gx/text/messages/message_list.h"
+#include "gx/text/messages/session_state.h"
 
 struct gx_defref_var_rec_t : gx_session_state_t,
                              gx_list_state_t,

@@ -6,7 +6,7 @@
 #include <ctime>
 #include <map>
 
-#include "gx/db/record_codec.h"
+#include "gx/db/file/record_codec.h"
 #include "gxmake/object_file.h"
 #include "gxmake/object_tree.h"
 #include "gxmake/symbol_parts.h"

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "gx/db/file_records.h"
+#include "gx/db/file/file_records.h"
 #include "gxmake/description.h"
 
 // The date that the headers of made files name: of the environment's SOURCE_DATE_EPOCH, else the

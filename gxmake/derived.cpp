@@ -5,10 +5,10 @@
 #include <utility>
 #include <vector>
 
-#include "gx/db/geometry.h"
+#include "gx/db/file/reference_check.h"
 #include "gx/db/object_access.h"
 #include "gx/db/objects_of.h"
-#include "gx/db/reference_check.h"
+#include "gx/db/place/geometry.h"
 #include "gx/edit/primitives.h"
 #include "gx/text/at.h"
 

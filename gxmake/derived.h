@@ -6,7 +6,7 @@
 #include <span>
 #include <string>
 
-#include "gx/db/record_tables.h"
+#include "gx/db/file/record_tables.h"
 
 // Fills these fields. `fathers` gives for each object the one that it is under, 0: none.
 // `settle` is called after each step and puts in what is to be something else; what is worked out

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "gx/db/record_tables.h"
+#include "gx/db/file/record_tables.h"
 
 // Whether a description may say the field: not where the number, type and state of an object say it
 // already.

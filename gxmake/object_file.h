@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "gx/db/file_records.h"
+#include "gx/db/file/file_records.h"
 #include "gxmake/builder.h"
 
 // --- reading the lines. Each gives what is wrong with the line, "" when nothing is.

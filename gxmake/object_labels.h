@@ -6,7 +6,7 @@
 #include <set>
 #include <string>
 
-#include "gx/db/file_records.h"
+#include "gx/db/file/file_records.h"
 
 class gxm_labels {
  public:

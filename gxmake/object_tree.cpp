@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <utility>
 
-#include "gx/db/file_slots.h"
-#include "gx/db/file_state.h"
-#include "gx/db/geometry.h"
+#include "gx/db/file/file_slots.h"
+#include "gx/db/file/file_state.h"
 #include "gx/db/object_access.h"
+#include "gx/db/place/geometry.h"
 #include "gx/db/undo.h"
 #include "gx/edit/edit_state.h"
 #include "gx/edit/primitives.h"

@@ -5,7 +5,7 @@
 #include <memory>
 #include <stdexcept>
 
-#include "gx/db/file_records.h"
+#include "gx/db/file/file_records.h"
 #include "gx/db/ids.h"
 #include "gx/edit/hierarchy.h"
 #include "gx/text/at.h"

@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <map>
 
-#include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
+#include "gx/db/place/geometry.h"
 #include "gx/edit/primitives.h"
 #include "gx/text/at.h"
 #include "gx/text/kept_text.h"
@@ -25,7 +25,7 @@ gxm_property_t unturned(gxm_property_t property, const gxm_part_t& part, int& tu
   turn = 0;
   if (!property.at) return property;
   turn = part.rotate % 2 == 0 ? 0 : 4 - part.rotate;
-  // A text that is turned over is drawn from the other end of its box (gx/db/geometry.h).
+  // A text that is turned over is drawn from the other end of its box (gx/db/place/geometry.h).
   const std::int32_t length = static_cast<std::int32_t>(gx_shown_length(property.value));
   const std::int32_t width = length * property.height + length * property.height / 5;
   gx_pointreal_t corner = *property.at;

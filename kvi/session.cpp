@@ -6,7 +6,7 @@
 #include <string>
 
 #include "gx/text/at.h"
-#include "gx/text/status_names.h"
+#include "gx/text/messages/status_names.h"
 #include "kvi/load.h"
 #include "kvi/state.h"
 

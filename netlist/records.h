@@ -79,7 +79,7 @@ struct kv_pin_record_t {
   std::int16_t pin_start = 0, pin_end = 0, pin_net_start = 0;
   std::int8_t nb_of_property = 0;
   std::int32_t first_prop = 0;
-  // in memory only (expand/pin_chains.cpp): number of input and output chains that end with it
+  // in memory only (expand/run/pin_chains.cpp): number of input and output chains that end with it
   std::int32_t ends_in = 0, ends_out = 0, seen = 0;
 };
 

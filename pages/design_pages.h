@@ -11,7 +11,7 @@
 
 #include "expand/design.h"
 #include "expand/origins.h"
-#include "expand/sheets.h"
+#include "expand/sheet/sheets.h"
 #include "gx/vector/sheet_labels.h"
 
 struct kv_page_t {

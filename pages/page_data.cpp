@@ -6,15 +6,15 @@
 #include <optional>
 #include <unordered_map>
 
-#include "expand/sheet_entry.h"
-#include "expand/sheet_parts.h"
-#include "expand/sheet_slots.h"
-#include "gx/db/geometry.h"
+#include "expand/sheet/sheet_entry.h"
+#include "expand/sheet/sheet_parts.h"
+#include "expand/sheet/sheet_slots.h"
 #include "gx/db/object_access.h"
 #include "gx/db/object_flags.h"
 #include "gx/db/owners.h"
-#include "gx/db/page.h"
-#include "gx/db/placement.h"
+#include "gx/db/place/geometry.h"
+#include "gx/db/place/page.h"
+#include "gx/db/place/placement.h"
 #include "gx/picture/object_shapes.h"
 #include "gx/picture/sheet_shapes.h"
 #include "gx/text/kept_text.h"

@@ -14,11 +14,11 @@
 #include <string>
 #include <vector>
 
-#include "gx/db/format_text.h"
-#include "gx/db/link_file.h"
+#include "gx/db/file/format_text.h"
+#include "gx/db/file/link_file.h"
+#include "gx/db/file/record_codec.h"
+#include "gx/db/file/record_tables.h"
 #include "gx/db/objects_of.h"
-#include "gx/db/record_codec.h"
-#include "gx/db/record_tables.h"
 #include "gx/text/text_files.h"
 #include "gxmake/object_file.h"
 #include "platform/usage.h"

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "gx/db/file_records.h"
+#include "gx/db/file/file_records.h"
 #include "gxmake/builder.h"
 #include "gxmake/memory_array.h"
 #include "gxmake/parser.h"

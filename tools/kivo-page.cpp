@@ -3,10 +3,10 @@
 #include <string>
 #include <vector>
 
-#include "app/check/waivers.h"
+#include "app/check/findings/waivers.h"
 #include "app/values/asked.h"
+#include "gx/text/messages/session_state.h"
 #include "gx/text/numbers.h"
-#include "gx/text/session_state.h"
 #include "pages/page_data.h"
 #include "pages/web_page.h"
 #include "results/engineering.h"

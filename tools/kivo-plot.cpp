@@ -5,12 +5,12 @@
 #include <string>
 #include <vector>
 
-#include "gx/db/file_slots.h"
+#include "gx/db/file/file_slots.h"
+#include "gx/db/file/sheet_shape.h"
 #include "gx/db/object_access.h"
 #include "gx/db/object_flags.h"
-#include "gx/db/sheet_shape.h"
 #include "gx/plot/plot_sheet.h"
-#include "gx/text/session_state.h"
+#include "gx/text/messages/session_state.h"
 #include "gx/vector/pdf_picture.h"
 #include "gx/vector/svg_picture.h"
 #include "pages/design_pages.h"

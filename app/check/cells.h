@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "expand/sheet_entry.h"
+#include "expand/sheet/sheet_entry.h"
 
 struct kv_cell_t {
   kv_sheet_t* sheet;

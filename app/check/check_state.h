@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "app/check/finding.h"
+#include "app/check/findings/finding.h"
 
 // What a command listed for SHOw FINding and NEXt FINding to go to.
 struct kv_listed_place_t {

@@ -5,7 +5,7 @@
 #include "app/check/run_messages.h"
 #include "app/check/sheet_findings.h"
 #include "app/find/aside.h"
-#include "gx/db/record_codec.h"
+#include "gx/db/file/record_codec.h"
 
 kv_design_check_t kv_check_design(const kv_setup_t& wishes, std::string_view top_path,
                                   const kv_severities_t& severities, kv_run_watcher_t watcher) {

@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "app/check/finding.h"
-#include "expand/run.h"
+#include "app/check/findings/finding.h"
+#include "expand/run/run.h"
 
 struct kv_design_check_t {
   kv_findings_t findings;  // by sheets, then by nets

@@ -7,7 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "expand/sheet_analysis.h"
+#include "expand/sheet/sheet_analysis.h"
 
 // How a pin drives its net: an open collector pulls one way, a tri-state pin when it is enabled.
 enum class kv_drive : std::uint8_t { none, open, tri_state, output, supply };

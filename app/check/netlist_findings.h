@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "app/check/electrical.h"
-#include "app/check/finding.h"
+#include "app/check/findings/finding.h"
 #include "expand/origins.h"
 
 // --- for the rules of the netlist and what its run told: findings at places of the design

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "gx/db/file/sheet_shape.h"
 #include "gx/db/queries.h"
-#include "gx/db/sheet_shape.h"
 
 namespace {
 

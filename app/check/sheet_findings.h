@@ -10,9 +10,9 @@
 #include <vector>
 
 #include "app/check/cells.h"
-#include "app/check/check_rules.h"
 #include "app/check/electrical.h"
-#include "app/check/finding.h"
+#include "app/check/findings/finding.h"
+#include "app/check/sheet/check_rules.h"
 
 // The sheets in the order of the walk, the findings of each in the order of the rules; what they
 // say to the rules of the netlist.

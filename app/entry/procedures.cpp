@@ -9,7 +9,7 @@
 // Adding one is writing it in this folder: every file here is part of the executable.
 #include <cstdint>
 
-#include "gx/text/message_list.h"
+#include "gx/text/messages/message_list.h"
 #include "gx/text/numbers.h"
 
 // DOBin SHOW_WORDS a b c: shows each word on a line of its own. A sample, and a way to see what a

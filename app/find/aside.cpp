@@ -2,7 +2,7 @@
 
 #include "app/state.h"
 #include "expand/messages.h"
-#include "expand/run.h"
+#include "expand/run/run.h"
 #include "gx/text/strings.h"
 
 namespace {

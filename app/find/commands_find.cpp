@@ -10,7 +10,7 @@
 #include "app/sheet/last_views.h"
 #include "expand/store.h"
 #include "gx/text/at.h"
-#include "gx/text/message_list.h"
+#include "gx/text/messages/message_list.h"
 #include "gx/text/numbers.h"
 #include "gx/text/strings.h"
 

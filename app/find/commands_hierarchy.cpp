@@ -10,8 +10,8 @@
 #include "app/sheet/command_viewport.h"
 #include "app/sheet/walk.h"
 #include "expand/store.h"
-#include "gx/db/file_state.h"
-#include "gx/text/message_list.h"
+#include "gx/db/file/file_state.h"
+#include "gx/text/messages/message_list.h"
 #include "platform/files.h"
 
 namespace {

@@ -8,7 +8,7 @@
 #include "app/language/command_row.h"
 #include "app/sheet/command_viewport.h"
 #include "gx/display/screen_state.h"
-#include "gx/text/message_list.h"
+#include "gx/text/messages/message_list.h"
 #include "gx/text/numbers.h"
 #include "gx/text/strings.h"
 

@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "expand/sheets.h"
-#include "gx/db/file_records.h"
+#include "expand/sheet/sheets.h"
+#include "gx/db/file/file_records.h"
 
 class kv_drawings_t {
  public:

@@ -5,7 +5,7 @@
 #include "app/sheet/walk.h"
 #include "app/state.h"
 #include "expand/explain.h"
-#include "gx/db/file_state.h"
+#include "gx/db/file/file_state.h"
 #include "gx/display/sheet/highlight.h"
 #include "gx/display/sheet/theme.h"
 #include "gx/text/at.h"

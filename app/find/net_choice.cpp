@@ -5,7 +5,7 @@
 #include "app/sheet/command_viewport.h"
 #include "gx/db/object_access.h"
 #include "gx/db/objects_of.h"
-#include "gx/text/message_list.h"
+#include "gx/text/messages/message_list.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "app/find/drawings.h"
-#include "expand/sheet_parts.h"
+#include "expand/sheet/sheet_parts.h"
 #include "expand/store.h"
 #include "gx/db/object_access.h"
 #include "gx/db/objects_of.h"

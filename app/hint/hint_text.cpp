@@ -10,11 +10,11 @@
 #include "app/sheet/walk.h"
 #include "app/state.h"
 #include "app/values/asked.h"
-#include "expand/sheet_parts.h"
+#include "expand/sheet/sheet_parts.h"
 #include "expand/store.h"
-#include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
 #include "gx/db/objects_of.h"
+#include "gx/db/place/geometry.h"
 #include "gx/db/queries.h"
 #include "gx/text/strings.h"
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "gx/db/file_records.h"
+#include "gx/db/file/file_records.h"
 
 // A pin, else a net, else an instance within `room` design units of the point; no line when there
 // is none. Names are those of the expansion when there is one.

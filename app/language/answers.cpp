@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "gx/text/message_list.h"
+#include "gx/text/messages/message_list.h"
 #include "gx/text/strings.h"
 
 void kv_echo(std::string_view keyword, const kv_command_t& command, int first) {

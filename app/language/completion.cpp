@@ -4,12 +4,12 @@
 #include <initializer_list>
 
 #include "app/language/interpreter.h"
-#include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
+#include "gx/db/place/geometry.h"
 #include "gx/display/input/cmd_viewport.h"
 #include "gx/display/input/rubber_rectangle.h"
-#include "gx/text/debug.h"
-#include "gx/text/message_list.h"
+#include "gx/text/messages/debug.h"
+#include "gx/text/messages/message_list.h"
 #include "gx/text/numbers.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"

@@ -7,7 +7,7 @@
 #include "app/language/answers.h"
 #include "app/language/interpreter.h"
 #include "gx/text/at.h"
-#include "gx/text/message_list.h"
+#include "gx/text/messages/message_list.h"
 #include "gx/text/strings.h"
 #include "gx/text/text_files.h"
 #include "gx/vext.h"

@@ -8,9 +8,9 @@
 
 #include "app/language/interpreter.h"
 #include "gx/display/window.h"
-#include "gx/text/debug.h"
-#include "gx/text/front.h"
-#include "gx/text/message_list.h"
+#include "gx/text/messages/debug.h"
+#include "gx/text/messages/front.h"
+#include "gx/text/messages/message_list.h"
 #include "gx/text/text_files.h"
 #include "gx/vext.h"
 #include "platform/shell.h"

@@ -7,10 +7,10 @@
 #include "app/run/run_progress.h"
 #include "app/sheet/command_viewport.h"
 #include "app/sheet/walk.h"
-#include "expand/run.h"
+#include "expand/run/run.h"
 #include "expand/store.h"
 #include "gx/text/at.h"
-#include "gx/text/message_list.h"
+#include "gx/text/messages/message_list.h"
 #include "gx/text/numbers.h"
 #include "gx/text/strings.h"
 

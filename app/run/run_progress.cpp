@@ -4,7 +4,7 @@
 #include <string>
 
 #include "app/language/interpreter.h"
-#include "gx/text/front.h"
+#include "gx/text/messages/front.h"
 
 bool kv_watch_run(const kv_progress_t& progress) {
   constexpr double patience = 2;  // seconds

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "gx/text/front.h"
+#include "gx/text/messages/front.h"
 
 // Takes the records of commands from now on.
 void kv_begin_json();

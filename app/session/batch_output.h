@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "gx/text/front.h"
+#include "gx/text/messages/front.h"
 
 struct kv_batch_form_t {
   bool quiet = false;          // of the lines only errors and warnings, with what belongs to them

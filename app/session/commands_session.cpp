@@ -6,12 +6,12 @@
 #include "app/hint/hint.h"
 #include "app/language/command_row.h"
 #include "app/language/substitution.h"
-#include "app/session/display_settings.h"
-#include "app/session/event_loop.h"
-#include "app/session/gestures.h"
-#include "app/session/menu_actions.h"
-#include "app/session/recall.h"
-#include "app/session/tab_key.h"
+#include "app/session/input/display_settings.h"
+#include "app/session/input/event_loop.h"
+#include "app/session/input/gestures.h"
+#include "app/session/input/menu_actions.h"
+#include "app/session/input/recall.h"
+#include "app/session/input/tab_key.h"
 #include "app/sheet/views.h"
 #include "app/state.h"
 #include "gx/db/object_access.h"
@@ -21,7 +21,7 @@
 #include "gx/display/input/menu_draw.h"
 #include "gx/display/sheet/theme.h"
 #include "gx/text/at.h"
-#include "gx/text/message_list.h"
+#include "gx/text/messages/message_list.h"
 #include "gx/text/string_compare.h"
 #include "gx/text/strings.h"
 #include "gx/vector/pdf_picture.h"
@@ -87,7 +87,8 @@ void kv_paste_or_menu_cmd(const kv_command_t&) {
 void kv_end_cmd(const kv_command_t&) { kv_end_gestures(); }
 void kv_complete_cmd(const kv_command_t&) { kv_complete_typed(); }
 
-// The mouse runs the command when it drags (app/session/gestures.h); who types it runs it at once.
+// The mouse runs the command when it drags (app/session/input/gestures.h); who types it runs it at
+// once.
 void kv_drag_cmd(const kv_command_t& command) {
   std::string text;
   for (const auto& word : command.words.subspan(1)) text.append(gx_view(word)).append(" ");

@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "gx/display/screen_state.h"
-#include "gx/text/front.h"
+#include "gx/text/messages/front.h"
 
 // How a session went.
 struct kv_ended_t {

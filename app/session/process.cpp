@@ -5,8 +5,8 @@
 
 #include <new>
 
-#include "gx/text/front.h"
-#include "gx/text/status.h"
+#include "gx/text/messages/front.h"
+#include "gx/text/messages/status.h"
 
 namespace {
 // What is open is closed with what it holds.

@@ -3,10 +3,10 @@
 #include <string>
 
 #include "app/language/do_file.h"
-#include "app/session/event_loop.h"
+#include "app/session/input/event_loop.h"
 #include "app/sheet/views.h"
 #include "gx/display/input/menu_file.h"
-#include "gx/text/debug.h"
+#include "gx/text/messages/debug.h"
 #include "gx/text/strings.h"
 #include "gx/text/text_files.h"
 #include "gx/vext.h"

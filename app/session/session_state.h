@@ -9,7 +9,7 @@
 #include "gx/db/ids.h"
 #include "gx/display/screen_state.h"
 
-// Lines that were typed (app/session/recall.h).
+// Lines that were typed (app/session/input/recall.h).
 struct kv_recall_state_t {
   std::vector<std::string> lines;  // the newest last
   bool is_read = false;            // with those of earlier sessions
@@ -17,7 +17,7 @@ struct kv_recall_state_t {
   std::string draft;               // what stood on the command line before
 };
 
-// What the mouse is in the middle of (app/session/gestures.h).
+// What the mouse is in the middle of (app/session/input/gestures.h).
 struct kv_hands_t {
   gx_vpid_t panned = 0;      // viewport; 0: none
   gx_point16_t from;         // of a pan: the pointer of the last event

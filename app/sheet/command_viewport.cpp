@@ -3,8 +3,8 @@
 
 #include "app/language/answers.h"
 #include "app/sheet/views.h"
-#include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
+#include "gx/db/place/geometry.h"
 #include "gx/text/numbers.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "app/language/command.h"
-#include "gx/db/file_records.h"
+#include "gx/db/file/file_records.h"
 #include "gx/db/ids.h"
 #include "gx/display/screen_state.h"
 #include "gx/vext.h"

@@ -1,8 +1,8 @@
 // The drawing aids of the current sheet: BASEpoint, GRId and SNAp.
 #include "app/language/command_row.h"
 #include "app/sheet/command_viewport.h"
-#include "gx/db/geometry.h"
-#include "gx/text/message_list.h"
+#include "gx/db/place/geometry.h"
+#include "gx/text/messages/message_list.h"
 #include "gx/text/numbers.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"

@@ -3,10 +3,10 @@
 #include "app/language/command_row.h"
 #include "app/sheet/command_viewport.h"
 #include "app/sheet/views.h"
-#include "gx/db/geometry.h"
+#include "gx/db/place/geometry.h"
 #include "gx/display/input/cursor.h"
 #include "gx/display/viewports.h"
-#include "gx/text/message_list.h"
+#include "gx/text/messages/message_list.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
 

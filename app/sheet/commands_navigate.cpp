@@ -8,8 +8,8 @@
 #include "app/sheet/walk.h"
 #include "gx/db/object_access.h"
 #include "gx/db/queries.h"
-#include "gx/text/debug.h"
-#include "gx/text/message_list.h"
+#include "gx/text/messages/debug.h"
+#include "gx/text/messages/message_list.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
 

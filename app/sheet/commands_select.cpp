@@ -5,7 +5,7 @@
 #include "gx/db/owners.h"
 #include "gx/db/undo.h"
 #include "gx/display/sheet/draw.h"
-#include "gx/text/message_list.h"
+#include "gx/text/messages/message_list.h"
 #include "gx/text/numbers.h"
 #include "gx/text/strings.h"
 

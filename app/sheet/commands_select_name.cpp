@@ -4,7 +4,7 @@
 #include "app/sheet/command_viewport.h"
 #include "gx/db/owners.h"
 #include "gx/db/undo.h"
-#include "gx/text/message_list.h"
+#include "gx/text/messages/message_list.h"
 #include "gx/text/strings.h"
 
 namespace {

@@ -5,12 +5,12 @@
 
 #include "app/language/command_row.h"
 #include "app/sheet/command_viewport.h"
-#include "gx/db/geometry.h"
-#include "gx/db/object_list.h"
+#include "gx/db/file/object_list.h"
 #include "gx/db/owners.h"
+#include "gx/db/place/geometry.h"
 #include "gx/display/sheet/draw.h"
-#include "gx/text/debug.h"
-#include "gx/text/message_list.h"
+#include "gx/text/messages/debug.h"
+#include "gx/text/messages/message_list.h"
 #include "gx/text/numbers.h"
 #include "gx/text/strings.h"
 

@@ -4,8 +4,8 @@
 #include <cmath>
 #include <optional>
 
-#include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
+#include "gx/db/place/geometry.h"
 #include "gx/db/queries.h"
 
 namespace {

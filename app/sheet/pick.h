@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "gx/db/file_records.h"
+#include "gx/db/file/file_records.h"
 
 // The live instance with the smallest box around the point; 0 for none.
 int kv_pick_instance(const gx_file_gene_recf_t& file, gx_pointreal_t point);

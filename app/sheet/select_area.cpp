@@ -6,8 +6,8 @@
 #include <cstdlib>
 
 #include "app/state.h"
-#include "gx/db/geometry.h"
 #include "gx/db/owners.h"
+#include "gx/db/place/geometry.h"
 #include "gx/db/undo.h"
 #include "gx/display/sheet/draw.h"
 #include "gx/vext.h"

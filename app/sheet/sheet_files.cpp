@@ -3,8 +3,8 @@
 
 #include "app/sheet/views.h"
 #include "app/state.h"
-#include "gx/db/file_slots.h"
-#include "gx/db/link_file.h"
+#include "gx/db/file/file_slots.h"
+#include "gx/db/file/link_file.h"
 #include "gx/vext.h"
 
 kv_opened kv_open_in_slot(gx_file_index_t& slot, std::string_view directory,

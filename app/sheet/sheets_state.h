@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "expand/sheet_slots.h"
+#include "expand/sheet/sheet_slots.h"
 #include "gx/db/ids.h"
 #include "gx/display/viewport_coords.h"
 #include "gx/text/records.h"

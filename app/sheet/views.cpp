@@ -2,8 +2,8 @@
 #include "app/sheet/views.h"
 
 #include "app/state.h"
-#include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
+#include "gx/db/place/geometry.h"
 #include "gx/db/queries.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/sheet/draw.h"
@@ -13,8 +13,8 @@
 #include "gx/display/viewports.h"
 #include "gx/display/window.h"
 #include "gx/text/arguments.h"
-#include "gx/text/debug.h"
-#include "gx/text/status.h"
+#include "gx/text/messages/debug.h"
+#include "gx/text/messages/status.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
 

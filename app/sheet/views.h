@@ -3,7 +3,7 @@
 
 #include <array>
 
-#include "gx/db/file_records.h"
+#include "gx/db/file/file_records.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/viewport_coords.h"
 

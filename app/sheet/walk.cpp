@@ -4,11 +4,11 @@
 
 #include "app/sheet/views.h"
 #include "app/state.h"
-#include "gx/db/link_file.h"
+#include "gx/db/file/link_file.h"
+#include "gx/db/file/sheet_shape.h"
 #include "gx/db/object_access.h"
 #include "gx/db/object_flags.h"
 #include "gx/db/objects_of.h"
-#include "gx/db/sheet_shape.h"
 #include "gx/text/at.h"
 #include "gx/vext.h"
 

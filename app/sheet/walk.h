@@ -6,8 +6,8 @@
 #include <string_view>
 
 #include "app/sheet/sheet_files.h"
-#include "expand/sheet_slots.h"
-#include "gx/db/file_records.h"
+#include "expand/sheet/sheet_slots.h"
+#include "gx/db/file/file_records.h"
 
 bool kv_is_level(int level);
 // The place of a level, 1..28.

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "app/sheet/walk.h"
-#include "expand/sheet_parts.h"
+#include "expand/sheet/sheet_parts.h"
 #include "expand/store.h"
 #include "gx/db/object_access.h"
 #include "gx/db/objects_of.h"

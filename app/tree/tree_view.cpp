@@ -20,7 +20,7 @@
 #include "gx/display/strokes/stroke_text.h"
 #include "gx/display/viewports.h"
 #include "gx/text/at.h"
-#include "gx/text/message_list.h"
+#include "gx/text/messages/message_list.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
 #include "netlist/path_key.h"

@@ -9,7 +9,7 @@
 #include "gx/db/object_access.h"
 #include "gx/db/objects_of.h"
 #include "gx/db/queries.h"
-#include "gx/text/message_list.h"
+#include "gx/text/messages/message_list.h"
 #include "gx/text/strings.h"
 #include "results/engineering.h"
 

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <string>
 
-#include "app/check/listed_places.h"
+#include "app/check/findings/listed_places.h"
 #include "app/language/answer_records.h"
 #include "app/language/command_row.h"
 #include "app/values/asked.h"
@@ -11,7 +11,7 @@
 #include "app/values/crossing.h"
 #include "app/values/shown_values.h"
 #include "app/values/value_records.h"
-#include "gx/text/message_list.h"
+#include "gx/text/messages/message_list.h"
 #include "gx/text/strings.h"
 #include "results/engineering.h"
 

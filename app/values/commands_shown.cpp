@@ -10,7 +10,7 @@
 #include "app/values/shown_values.h"
 #include "app/values/waves.h"
 #include "gx/db/objects_of.h"
-#include "gx/text/message_list.h"
+#include "gx/text/messages/message_list.h"
 #include "gx/text/strings.h"
 #include "results/engineering.h"
 

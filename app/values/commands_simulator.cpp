@@ -11,7 +11,7 @@
 #include "gx/db/owners.h"
 #include "gx/db/queries.h"
 #include "gx/display/window.h"
-#include "gx/text/message_list.h"
+#include "gx/text/messages/message_list.h"
 #include "gx/text/strings.h"
 #include "netlist/simulator_names.h"
 

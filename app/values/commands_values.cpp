@@ -11,7 +11,7 @@
 #include "app/values/shown_values.h"
 #include "app/values/value_records.h"
 #include "app/values/waves.h"
-#include "gx/text/message_list.h"
+#include "gx/text/messages/message_list.h"
 #include "gx/text/numbers.h"
 #include "gx/text/strings.h"
 #include "gx/text/text_files.h"

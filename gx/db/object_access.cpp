@@ -2,10 +2,10 @@
 // fields of the file header that others read and set.
 #include "gx/db/object_access.h"
 
-#include "gx/db/file_state.h"
+#include "gx/db/file/file_state.h"
 #include "gx/text/at.h"
-#include "gx/text/debug.h"
-#include "gx/text/status.h"
+#include "gx/text/messages/debug.h"
+#include "gx/text/messages/status.h"
 
 gx_file_gene_recf_t& gx_ptrto_gene_file_buf(gx_file_index_t file_index) {
   if (file_index < 1 || file_index > gx_files.num_file_open || file_index > gx_max_files) {

@@ -2,7 +2,7 @@
 // A bad index, id or type writes debug lines and stops the program.
 #pragma once
 
-#include "gx/db/file_records.h"
+#include "gx/db/file/file_records.h"
 #include "gx/db/ids.h"
 #include "gx/db/object_flags.h"
 #include "gx/text/at.h"

@@ -2,7 +2,7 @@
 // selected and deleted forms record an undo entry when the bit really changes.
 #pragma once
 
-#include "gx/db/file_records.h"
+#include "gx/db/file/file_records.h"
 
 bool gx_inq_object_selected(const gx_file_gene_recf_t& file, int id);
 bool gx_inq_object_temporary(const gx_file_gene_recf_t& file, int id);

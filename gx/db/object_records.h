@@ -1,7 +1,7 @@
 // The records of the design objects, one per object type.
 //
 // Every record begins with the general record `gene`; the type code in it says which record it is.
-// Field order and names are those of the file format (gx/db/record_tables.h). Ids are 1..30000
+// Field order and names are those of the file format (gx/db/file/record_tables.h). Ids are 1..30000
 // within a file, 0 = none. Points and bounds are design units.
 #pragma once
 

@@ -10,7 +10,7 @@
 #include <cstddef>
 #include <string_view>
 
-#include "gx/db/file_records.h"
+#include "gx/db/file/file_records.h"
 #include "gx/db/ids.h"
 #include "gx/text/at.h"
 

@@ -1,7 +1,7 @@
 #include "gx/db/queries.h"
 
 #include "gx/db/object_access.h"
-#include "gx/text/debug.h"
+#include "gx/text/messages/debug.h"
 #include "gx/text/strings.h"
 
 namespace {

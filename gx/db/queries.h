@@ -11,7 +11,7 @@
 #include <string>
 #include <string_view>
 
-#include "gx/db/file_records.h"
+#include "gx/db/file/file_records.h"
 #include "gx/db/ids.h"
 #include "gx/db/objects_of.h"
 

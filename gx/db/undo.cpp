@@ -2,10 +2,10 @@
 
 #include <cstdio>
 
-#include "gx/db/file_state.h"
+#include "gx/db/file/file_state.h"
 #include "gx/db/object_access.h"
-#include "gx/text/debug.h"
-#include "gx/text/session_state.h"
+#include "gx/text/messages/debug.h"
+#include "gx/text/messages/session_state.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include <memory>
 #include <variant>
 
-#include "gx/db/file_records.h"
+#include "gx/db/file/file_records.h"
 #include "gx/db/ids.h"
 
 enum class gx_undo_op : std::int16_t {

@@ -4,7 +4,7 @@
 // viewport_id_invalid.
 #pragma once
 
-#include "gx/db/file_records.h"
+#include "gx/db/file/file_records.h"
 #include "gx/db/ids.h"
 #include "gx/display/screen_state.h"
 

@@ -3,16 +3,16 @@
 
 #include <algorithm>
 
-#include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
+#include "gx/db/place/geometry.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/strokes/draw_strokes.h"
 #include "gx/display/strokes/pen.h"
 #include "gx/display/strokes/stroke_text.h"
 #include "gx/text/at.h"
-#include "gx/text/debug.h"
-#include "gx/text/front.h"
-#include "gx/text/status.h"
+#include "gx/text/messages/debug.h"
+#include "gx/text/messages/front.h"
+#include "gx/text/messages/status.h"
 #include "gx/vext.h"
 
 namespace {

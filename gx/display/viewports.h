@@ -7,7 +7,7 @@
 
 #include <string_view>
 
-#include "gx/db/file_records.h"
+#include "gx/db/file/file_records.h"
 #include "gx/db/ids.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/viewport_coords.h"

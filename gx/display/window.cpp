@@ -7,9 +7,9 @@
 #include "gx/display/strokes/pen.h"
 #include "gx/display/strokes/stroke_text.h"
 #include "gx/display/viewports.h"
-#include "gx/text/debug.h"
-#include "gx/text/list_columns.h"
-#include "gx/text/status.h"
+#include "gx/text/messages/debug.h"
+#include "gx/text/messages/list_columns.h"
+#include "gx/text/messages/status.h"
 #include "gx/vext.h"
 #include "platform/timing.h"
 

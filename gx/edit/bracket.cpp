@@ -3,14 +3,14 @@
 #include <algorithm>
 #include <array>
 
-#include "gx/db/file_state.h"
+#include "gx/db/file/file_state.h"
+#include "gx/db/file/record_tables.h"
 #include "gx/db/object_access.h"
-#include "gx/db/record_tables.h"
 #include "gx/db/undo.h"
 #include "gx/edit/edit_state.h"
 #include "gx/text/at.h"
-#include "gx/text/debug.h"
-#include "gx/text/session_state.h"
+#include "gx/text/messages/debug.h"
+#include "gx/text/messages/session_state.h"
 
 namespace {
 

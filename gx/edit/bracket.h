@@ -8,7 +8,7 @@
 
 #include <string_view>
 
-#include "gx/db/file_records.h"
+#include "gx/db/file/file_records.h"
 #include "gx/db/ids.h"
 
 gx_object_id_t gx_object_create(gx_file_index_t file_index, gx_type type, std::int32_t x,

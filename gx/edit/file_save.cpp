@@ -8,16 +8,16 @@
 #include <utility>
 #include <vector>
 
-#include "gx/db/file_slots.h"
-#include "gx/db/file_state.h"
-#include "gx/db/link_file.h"
+#include "gx/db/file/file_slots.h"
+#include "gx/db/file/file_state.h"
+#include "gx/db/file/link_file.h"
+#include "gx/db/file/record_codec.h"
+#include "gx/db/file/record_tables.h"
 #include "gx/db/object_access.h"
-#include "gx/db/record_codec.h"
-#include "gx/db/record_tables.h"
 #include "gx/text/at.h"
 #include "gx/text/date.h"
-#include "gx/text/debug.h"
-#include "gx/text/session_state.h"
+#include "gx/text/messages/debug.h"
+#include "gx/text/messages/session_state.h"
 #include "gx/text/strings.h"
 #include "platform/files.h"
 

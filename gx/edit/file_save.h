@@ -1,5 +1,5 @@
 // Closing a slot by saving it as a new version. For editors; KIVO itself only reads and closes with
-// gx_file_close(file_index) of gx/db/file_slots.h.
+// gx_file_close(file_index) of gx/db/file/file_slots.h.
 #pragma once
 
 #include "gx/db/ids.h"

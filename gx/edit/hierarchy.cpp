@@ -1,8 +1,8 @@
 #include "gx/edit/hierarchy.h"
 
-#include "gx/db/link_file.h"
+#include "gx/db/file/link_file.h"
 #include "gx/db/object_access.h"
-#include "gx/text/debug.h"
+#include "gx/text/messages/debug.h"
 #include "gx/text/strings.h"
 
 namespace {

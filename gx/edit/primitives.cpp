@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
+#include "gx/db/place/geometry.h"
 #include "gx/edit/vertex_lists.h"
 #include "gx/text/strings.h"
 

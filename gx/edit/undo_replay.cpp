@@ -1,10 +1,10 @@
 #include "gx/edit/undo_replay.h"
 
-#include "gx/db/file_state.h"
+#include "gx/db/file/file_state.h"
 #include "gx/db/object_access.h"
 #include "gx/db/undo.h"
 #include "gx/text/at.h"
-#include "gx/text/debug.h"
+#include "gx/text/messages/debug.h"
 
 namespace {
 

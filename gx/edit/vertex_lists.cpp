@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
+#include "gx/db/place/geometry.h"
 #include "gx/edit/edit_state.h"
-#include "gx/text/debug.h"
+#include "gx/text/messages/debug.h"
 
 namespace {
 

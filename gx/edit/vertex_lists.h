@@ -2,7 +2,7 @@
 // what lies near a point; no program of the house does. Kept while vertex_list_to_do is on.
 #pragma once
 
-#include "gx/db/file_records.h"
+#include "gx/db/file/file_records.h"
 #include "gx/db/ids.h"
 
 void gx_put_vertex_list(const gx_file_gene_recf_t& file, int vertex);

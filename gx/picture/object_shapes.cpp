@@ -5,14 +5,14 @@
 #include <array>
 #include <string>
 
-#include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
-#include "gx/db/placement.h"
+#include "gx/db/place/geometry.h"
+#include "gx/db/place/placement.h"
+#include "gx/db/place/segment_ends.h"
 #include "gx/db/queries.h"
-#include "gx/db/segment_ends.h"
-#include "gx/text/debug.h"
 #include "gx/text/kept_text.h"
-#include "gx/text/status.h"
+#include "gx/text/messages/debug.h"
+#include "gx/text/messages/status.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
 

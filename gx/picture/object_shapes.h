@@ -3,7 +3,7 @@
 // have no shape. Damage that cannot be drawn is traced and stops the program.
 #pragma once
 
-#include "gx/db/file_records.h"
+#include "gx/db/file/file_records.h"
 #include "gx/picture/shape.h"
 
 // Another type than a primitive's stops with object_type_invalid; a tag has no shape. A page with

@@ -4,8 +4,8 @@
 #include "gx/db/object_access.h"
 #include "gx/db/object_flags.h"
 #include "gx/picture/object_shapes.h"
-#include "gx/text/debug.h"
-#include "gx/text/status.h"
+#include "gx/text/messages/debug.h"
+#include "gx/text/messages/status.h"
 
 namespace {
 constexpr bool is_primitive(gx_type type) {

@@ -7,11 +7,11 @@
 #include <numbers>
 #include <span>
 
-#include "gx/db/geometry.h"
+#include "gx/db/place/geometry.h"
 #include "gx/plot/plot_pen.h"
 #include "gx/text/characters.h"
-#include "gx/text/debug.h"
-#include "gx/text/status.h"
+#include "gx/text/messages/debug.h"
+#include "gx/text/messages/status.h"
 #include "gx/vext.h"
 
 namespace {

@@ -1,14 +1,14 @@
 // A plot from its first object on, and the frames, instances and nets of a sheet.
 #include "gx/plot/plot_sheet.h"
 
-#include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
+#include "gx/db/place/geometry.h"
 #include "gx/picture/object_shapes.h"
 #include "gx/picture/sheet_shapes.h"
 #include "gx/plot/plot_pen.h"
 #include "gx/plot/plot_shape.h"
-#include "gx/text/debug.h"
-#include "gx/text/status.h"
+#include "gx/text/messages/debug.h"
+#include "gx/text/messages/status.h"
 #include "gx/vext.h"
 
 namespace {

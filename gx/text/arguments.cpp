@@ -5,8 +5,8 @@
 #include <cstring>
 
 #include "gx/text/at.h"
+#include "gx/text/messages/session_state.h"
 #include "gx/text/record_fill.h"
-#include "gx/text/session_state.h"
 #include "gx/text/strings.h"
 
 void gx_store_arg(int argc, const char* const* argv) {

@@ -1,9 +1,9 @@
 // The checks of the three text records and the repair of a typed line.
 #include "gx/text/string_checks.h"
 
-#include "gx/text/debug.h"
+#include "gx/text/messages/debug.h"
+#include "gx/text/messages/status.h"
 #include "gx/text/record_fill.h"
-#include "gx/text/status.h"
 
 namespace {
 constexpr std::int32_t max_rest_length = 198;

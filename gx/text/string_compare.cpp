@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
-#include "gx/text/debug.h"
-#include "gx/text/status.h"
+#include "gx/text/messages/debug.h"
+#include "gx/text/messages/status.h"
 
 namespace {
 // A side of a comparison; a length that no text has makes every comparison false.

@@ -5,9 +5,9 @@
 #include <cstdio>
 #include <cstring>
 
-#include "gx/text/debug.h"
+#include "gx/text/messages/debug.h"
+#include "gx/text/messages/status.h"
 #include "gx/text/record_fill.h"
-#include "gx/text/status.h"
 #include "gx/text/string_checks.h"
 
 namespace {

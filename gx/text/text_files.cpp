@@ -6,10 +6,10 @@
 #include <cstdlib>
 #include <string>
 
-#include "gx/text/debug.h"
-#include "gx/text/front.h"
+#include "gx/text/messages/debug.h"
+#include "gx/text/messages/front.h"
+#include "gx/text/messages/session_state.h"
 #include "gx/text/record_fill.h"
-#include "gx/text/session_state.h"
 #include "gx/text/strings.h"
 #include "platform/files.h"
 #include "platform/shell.h"

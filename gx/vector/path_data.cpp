@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <numbers>
 
-#include "gx/db/geometry.h"
+#include "gx/db/place/geometry.h"
 #include "gx/vector/look.h"
 
 gx_look_t gx_look_of(const gx_shape_t& shape) {

@@ -7,9 +7,9 @@
 #include <numbers>
 #include <utility>
 
-#include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
-#include "gx/db/page.h"
+#include "gx/db/place/geometry.h"
+#include "gx/db/place/page.h"
 #include "gx/picture/sheet_shapes.h"
 #include "gx/text/at.h"
 

@@ -4,12 +4,12 @@
 #include <cstdlib>
 #include <unordered_map>
 
-#include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
 #include "gx/db/object_flags.h"
 #include "gx/db/owners.h"
+#include "gx/db/place/geometry.h"
+#include "gx/db/place/segment_ends.h"
 #include "gx/db/queries.h"
-#include "gx/db/segment_ends.h"
 #include "gx/text/kept_text.h"
 #include "gx/text/strings.h"
 

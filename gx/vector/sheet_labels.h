@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "gx/db/file_records.h"
+#include "gx/db/file/file_records.h"
 
 // A caller's knowledge of the sheet on one page. Pages are numbered from 0; -1 is none. What is
 // empty says nothing.

@@ -4,9 +4,9 @@
 
 #include <cmath>
 
-#include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
-#include "gx/db/page.h"
+#include "gx/db/place/geometry.h"
+#include "gx/db/place/page.h"
 #include "gx/db/queries.h"
 #include "gx/picture/sheet_shapes.h"
 #include "gx/text/characters.h"

@@ -7,7 +7,7 @@
 #include <limits>
 #include <vector>
 
-#include "gx/text/debug.h"
+#include "gx/text/messages/debug.h"
 #include "gx/vext.h"
 #include "gx/window/strokes.h"
 

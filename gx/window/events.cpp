@@ -13,7 +13,7 @@
 #include <string_view>
 #include <utility>
 
-#include "gx/db/geometry.h"
+#include "gx/db/place/geometry.h"
 #include "gx/display/input/menu_draw.h"
 #include "gx/display/input/menu_tree.h"
 #include "gx/display/screen_state.h"
@@ -21,9 +21,9 @@
 #include "gx/display/strokes/stroke_text.h"
 #include "gx/display/viewport_coords.h"
 #include "gx/display/viewports.h"
-#include "gx/text/debug.h"
-#include "gx/text/message_list.h"
-#include "gx/text/status.h"
+#include "gx/text/messages/debug.h"
+#include "gx/text/messages/message_list.h"
+#include "gx/text/messages/status.h"
 #include "gx/vext.h"
 #include "gx/window/key_lookup.h"
 #include "platform/stop_signals.h"

@@ -10,7 +10,7 @@
 #include "gx/display/strokes/pen.h"
 #include "gx/display/strokes/smooth.h"
 #include "gx/text/at.h"
-#include "gx/text/status.h"
+#include "gx/text/messages/status.h"
 #include "gx/vext.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <functional>
 #include <memory>
 
-#include "gx/db/file_records.h"
+#include "gx/db/file/file_records.h"
 #include "gxmake/object_tree.h"
 #include "import/drawing/drawing.h"
 

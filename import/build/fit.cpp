@@ -7,7 +7,7 @@
 #include <unordered_set>
 #include <utility>
 
-#include "gx/db/geometry.h"
+#include "gx/db/place/geometry.h"
 #include "gx/text/at.h"
 #include "gx/text/characters.h"
 #include "gx/text/kept_text.h"

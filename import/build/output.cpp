@@ -7,8 +7,8 @@
 #include <cerrno>
 #include <stdexcept>
 
-#include "gx/db/link_file.h"
-#include "gx/db/record_codec.h"
+#include "gx/db/file/link_file.h"
+#include "gx/db/file/record_codec.h"
 #include "gx/text/at.h"
 #include "gx/text/strings.h"
 #include "import/build/builder.h"

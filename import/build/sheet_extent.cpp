@@ -2,7 +2,7 @@
 
 #include <map>
 
-#include "gx/db/geometry.h"
+#include "gx/db/place/geometry.h"
 #include "gx/text/at.h"
 #include "gx/text/kept_text.h"
 #include "import/drawing/placement.h"

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "gx/db/geometry.h"
+#include "gx/db/place/geometry.h"
 #include "gx/text/at.h"
 #include "gx/text/characters.h"
 #include "gx/text/kept_text.h"
@@ -137,7 +137,7 @@ gxi_stored_t gxi_below(const gxi_instance_t& instance, const gxi_line_t& line,
   property.rotate = stored.rotate;
   property.height = height;
   property.nvalue.len = static_cast<std::int32_t>(gx_shown_length(line.text));
-  // A text that is turned over is drawn from the other end of its box (gx/db/geometry.h).
+  // A text that is turned over is drawn from the other end of its box (gx/db/place/geometry.h).
   const auto box = gx_turn(gx_property_compute_newbounds(property), turn.rotate, turn.fliph);
   gx_pointreal_t drawn_from{};
   if (turn.fliph && seen == 0) drawn_from.y = box.ymin + box.ymax;

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "gx/db/geometry.h"
+#include "gx/db/place/geometry.h"
 #include "gx/text/at.h"
 #include "import/drawing/placement.h"
 #include "import/kicad/picture.h"

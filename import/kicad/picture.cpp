@@ -4,7 +4,7 @@
 #include <cmath>
 #include <utility>
 
-#include "gx/db/geometry.h"
+#include "gx/db/place/geometry.h"
 #include "gx/text/at.h"
 #include "import/drawing/placement.h"
 #include "import/kicad/net_names.h"

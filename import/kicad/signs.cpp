@@ -4,7 +4,7 @@
 #include <set>
 #include <utility>
 
-#include "gx/db/geometry.h"
+#include "gx/db/place/geometry.h"
 #include "gx/text/at.h"
 #include "gx/text/strings.h"
 #include "import/drawing/kept_properties.h"

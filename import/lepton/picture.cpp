@@ -5,7 +5,7 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "gx/db/geometry.h"
+#include "gx/db/place/geometry.h"
 #include "gx/text/at.h"
 #include "import/drawing/colors.h"
 #include "import/drawing/placement.h"

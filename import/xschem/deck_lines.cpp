@@ -7,7 +7,7 @@
 #include "deck/letters.h"
 #include "gx/text/at.h"
 #include "gx/text/strings.h"
-#include "import/xschem/tcl.h"
+#include "import/xschem/tcl/tcl.h"
 
 namespace {
 

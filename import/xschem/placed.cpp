@@ -11,8 +11,8 @@
 #include "import/drawing/placement.h"
 #include "import/xschem/labels.h"
 #include "import/xschem/picture.h"
-#include "import/xschem/tcl.h"
-#include "import/xschem/tcl_words.h"
+#include "import/xschem/tcl/tcl.h"
+#include "import/xschem/tcl/tcl_words.h"
 
 namespace {
 

@@ -20,7 +20,7 @@
 #include "import/xschem/nets.h"
 #include "import/xschem/picture.h"
 #include "import/xschem/signs.h"
-#include "import/xschem/tcl.h"
+#include "import/xschem/tcl/tcl.h"
 
 namespace {
 

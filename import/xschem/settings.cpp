@@ -12,7 +12,7 @@
 
 #include "import/drawing/source_file.h"
 #include "import/xschem/attributes.h"
-#include "import/xschem/tcl_words.h"
+#include "import/xschem/tcl/tcl_words.h"
 
 namespace {
 

@@ -13,7 +13,7 @@
 #include "import/drawing/input.h"
 #include "import/xschem/attributes.h"
 #include "import/xschem/records.h"
-#include "import/xschem/tcl_script.h"
+#include "import/xschem/tcl/tcl_script.h"
 
 enum class gxi_xschem_role_t : std::uint8_t {
   device,   // a line of the netlist, or a block with a sheet

@@ -4,8 +4,8 @@
 
 #include "gx/display/screen.h"
 #include "gx/display/strokes/pen.h"
-#include "gx/text/debug.h"
-#include "gx/text/status.h"
+#include "gx/text/messages/debug.h"
+#include "gx/text/messages/status.h"
 #include "gx/vext.h"
 
 namespace {

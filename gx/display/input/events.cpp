@@ -2,7 +2,7 @@
 
 #include "gx/display/screen.h"
 #include "gx/display/strokes/pen.h"
-#include "gx/text/status.h"
+#include "gx/text/messages/status.h"
 #include "gx/vext.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <array>
 #include <span>
 
-#include "gx/text/message_list.h"
+#include "gx/text/messages/message_list.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
 

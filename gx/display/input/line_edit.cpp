@@ -9,7 +9,7 @@
 #include "gx/display/screen_state.h"
 #include "gx/display/viewports.h"
 #include "gx/text/at.h"
-#include "gx/text/message_list.h"
+#include "gx/text/messages/message_list.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
 

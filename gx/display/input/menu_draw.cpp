@@ -16,8 +16,8 @@
 #include "gx/display/viewports.h"
 #include "gx/display/window.h"
 #include "gx/text/at.h"
-#include "gx/text/debug.h"
-#include "gx/text/status.h"
+#include "gx/text/messages/debug.h"
+#include "gx/text/messages/status.h"
 #include "gx/vext.h"
 
 namespace {

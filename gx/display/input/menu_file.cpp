@@ -13,8 +13,8 @@
 
 #include "gx/display/input/menu_state.h"
 #include "gx/display/input/menu_tree.h"
-#include "gx/text/debug.h"
-#include "gx/text/message_list.h"
+#include "gx/text/messages/debug.h"
+#include "gx/text/messages/message_list.h"
 #include "gx/text/strings.h"
 #include "gx/text/text_files.h"
 #include "gx/vext.h"

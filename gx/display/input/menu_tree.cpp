@@ -7,8 +7,8 @@
 
 #include "gx/display/input/menu_state.h"
 #include "gx/text/at.h"
-#include "gx/text/debug.h"
-#include "gx/text/status.h"
+#include "gx/text/messages/debug.h"
+#include "gx/text/messages/status.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
 

@@ -1,8 +1,8 @@
 // Whole objects and all below them, and the pictures of a viewport.
 #include "gx/display/sheet/draw_object.h"
 
-#include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
+#include "gx/db/place/geometry.h"
 #include "gx/db/queries.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/sheet/draw_shape.h"
@@ -15,8 +15,8 @@
 #include "gx/display/viewports.h"
 #include "gx/picture/object_shapes.h"
 #include "gx/picture/sheet_shapes.h"
-#include "gx/text/debug.h"
-#include "gx/text/status.h"
+#include "gx/text/messages/debug.h"
+#include "gx/text/messages/status.h"
 #include "gx/vext.h"
 
 namespace {

@@ -6,8 +6,8 @@
 #include <cmath>
 #include <numbers>
 
-#include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
+#include "gx/db/place/geometry.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/sheet/grid.h"
 #include "gx/display/sheet/highlight.h"
@@ -16,8 +16,8 @@
 #include "gx/display/strokes/clipping.h"
 #include "gx/display/strokes/stroke_text.h"
 #include "gx/display/viewports.h"
-#include "gx/text/debug.h"
-#include "gx/text/status.h"
+#include "gx/text/messages/debug.h"
+#include "gx/text/messages/status.h"
 #include "gx/vext.h"
 
 namespace {

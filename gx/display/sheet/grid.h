@@ -1,7 +1,7 @@
 // The page frame and the dots of the grid.
 #pragma once
 
-#include "gx/db/file_records.h"
+#include "gx/db/file/file_records.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/strokes/draw_strokes.h"
 #include "gx/picture/shape.h"

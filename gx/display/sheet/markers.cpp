@@ -9,8 +9,8 @@
 #include "gx/display/sheet/theme.h"
 #include "gx/display/strokes/draw_strokes.h"
 #include "gx/display/viewports.h"
-#include "gx/text/debug.h"
-#include "gx/text/status.h"
+#include "gx/text/messages/debug.h"
+#include "gx/text/messages/status.h"
 #include "gx/vext.h"
 
 namespace {

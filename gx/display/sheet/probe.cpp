@@ -2,14 +2,14 @@
 
 #include <array>
 
-#include "gx/db/geometry.h"
 #include "gx/db/object_access.h"
+#include "gx/db/place/geometry.h"
 #include "gx/display/sheet/theme.h"
 #include "gx/display/strokes/draw_strokes.h"
 #include "gx/display/strokes/stroke_text.h"
 #include "gx/display/viewports.h"
-#include "gx/text/debug.h"
-#include "gx/text/status.h"
+#include "gx/text/messages/debug.h"
+#include "gx/text/messages/status.h"
 #include "gx/vext.h"
 
 namespace {

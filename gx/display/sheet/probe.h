@@ -1,7 +1,7 @@
 // A name at a vertex or pin of a net: a line to a box with the name in it.
 #pragma once
 
-#include "gx/db/file_records.h"
+#include "gx/db/file/file_records.h"
 #include "gx/display/screen_state.h"
 
 // Draws the probe in the selected viewport, edit or context; elsewhere, without a name, and where

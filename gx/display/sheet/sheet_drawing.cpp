@@ -10,8 +10,8 @@
 #include "gx/display/viewports.h"
 #include "gx/picture/object_shapes.h"
 #include "gx/picture/sheet_shapes.h"
-#include "gx/text/debug.h"
-#include "gx/text/status.h"
+#include "gx/text/messages/debug.h"
+#include "gx/text/messages/status.h"
 #include "gx/vext.h"
 
 namespace {

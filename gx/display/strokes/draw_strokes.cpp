@@ -10,8 +10,8 @@
 #include "gx/display/strokes/dashes.h"
 #include "gx/display/strokes/smooth.h"
 #include "gx/display/viewports.h"
-#include "gx/text/debug.h"
-#include "gx/text/status.h"
+#include "gx/text/messages/debug.h"
+#include "gx/text/messages/status.h"
 #include "gx/vext.h"
 
 namespace {

@@ -3,7 +3,7 @@
 
 #include <span>
 
-#include "gx/db/file_records.h"
+#include "gx/db/file/file_records.h"
 #include "gx/db/ids.h"
 #include "gx/db/object_records.h"
 #include "gx/display/screen_state.h"

@@ -7,8 +7,8 @@
 #include "gx/display/strokes/dashes.h"
 #include "gx/display/strokes/pen_state.h"
 #include "gx/display/strokes/smooth.h"
-#include "gx/text/front.h"
-#include "gx/text/status.h"
+#include "gx/text/messages/front.h"
+#include "gx/text/messages/status.h"
 #include "gx/vext.h"
 
 namespace {

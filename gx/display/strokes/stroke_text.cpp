@@ -15,9 +15,9 @@
 #include "gx/display/viewports.h"
 #include "gx/text/at.h"
 #include "gx/text/characters.h"
-#include "gx/text/debug.h"
-#include "gx/text/list_columns.h"
-#include "gx/text/status.h"
+#include "gx/text/messages/debug.h"
+#include "gx/text/messages/list_columns.h"
+#include "gx/text/messages/status.h"
 #include "gx/vext.h"
 
 // Glyphs divided by so many grid units per pixel, each scaled when it is drawn first.

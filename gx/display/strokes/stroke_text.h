@@ -10,7 +10,7 @@
 #include "gx/display/screen_state.h"
 #include "gx/display/strokes/stroke_font.h"
 #include "gx/display/strokes/stroke_layers.h"
-#include "gx/text/message_list.h"
+#include "gx/text/messages/message_list.h"
 
 // Scales the glyphs for gx_hortext to cmd_height and cmd_step; nothing while either is 0.
 void gx_setarray_hortext();

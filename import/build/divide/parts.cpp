@@ -6,7 +6,7 @@
 #include <map>
 #include <span>
 
-#include "gx/db/geometry.h"
+#include "gx/db/place/geometry.h"
 #include "gx/text/at.h"
 #include "import/drawing/placement.h"
 

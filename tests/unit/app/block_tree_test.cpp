@@ -1,0 +1,170 @@
+// The tree of blocks, without its picture, and what a hint says.
+#include "app/tree/block_tree.h"
+
+#include "app/hint/hint_text.h"
+#include "app/tree/tree_view.h"
+#include "gx/db/place/geometry.h"
+#include "gx/display/viewports.h"
+#include "tests/support/counting_screen.h"
+#include "tests/support/design_session.h"
+#include "tests/support/raw_results.h"
+
+namespace {
+// Ten instances of the level below in each sheet, `levels` of them.
+std::string ten_of_each(int levels) {
+  std::string text = "symbol leaf\n pin A 0,0 IN\n prop CLASS=R\n";
+  for (int level = 0; level <= levels; ++level) {
+    const std::string name = level == 0 ? "top" : "l" + std::to_string(level);
+    const std::string below = level == levels ? "leaf" : "l" + std::to_string(level + 1);
+    if (level > 0) text += "symbol " + name + "\n pin A 0,0 IN\n";
+    text += "sheet " + name + "\n page 60,20\n";
+    for (int i = 0; i < 10; ++i)
+      text +=
+          " part X" + std::to_string(i) + " " + below + " " + std::to_string(4 * i + 4) + ",5\n";
+  }
+  return text;
+}
+
+std::vector<std::string> paths_shown(const kv_block_tree_t& tree) {
+  std::vector<std::string> paths;
+  for (const auto node : tree.rows) paths.push_back(kv_tree_path(tree, node));
+  return paths;
+}
+
+TEST(BlockTree, OpensWhatIsAskedForAndFindsNamesInClosedBlocks) {
+  design_session s(R"(
+symbol leaf
+  pin A 0,0 IN
+symbol mid
+  pin A 0,0 IN
+symbol low
+  pin A 0,0 IN
+sheet top
+  part M1 mid 5,5
+  part R1 leaf 9,5
+  part M2 mid 15,5
+sheet mid
+  part C1 low 5,5
+  part CX low 9,5
+sheet low
+  part R1 leaf 5,5
+)");
+  kv_block_tree_t tree;
+  kv_make_tree(tree);
+  EXPECT_EQ(paths_shown(tree), (lines_t{"", "/M1", "/M2"}));
+  const auto m2 = kv_tree_find(tree, "/m2");
+  EXPECT_EQ(kv_tree_path(tree, m2), "/M2");
+  kv_tree_open(tree, m2, true);
+  EXPECT_EQ(paths_shown(tree), (lines_t{"", "/M1", "/M2", "/M2/C1", "/M2/CX"}));
+  EXPECT_FALSE(kv_tree_has_blocks(tree, kv_tree_find(tree, "M2/C1/"))) << "only devices";
+  EXPECT_EQ(kv_tree_find(tree, "/M2/R1"), -1);
+
+  // Each use in the order of the tree, and round again; what is found is not opened by that.
+  std::string found;
+  for (std::int32_t at = 0, i = 0; i < 3; ++i) {
+    at = kv_tree_search(tree, at, "cx", false);
+    found += kv_tree_path(tree, at) + " ";
+  }
+  EXPECT_EQ(found, "/M1/CX /M2/CX /M1/CX ");
+  EXPECT_EQ(kv_tree_search(tree, m2, "m", true), m2);
+  EXPECT_EQ(kv_tree_search(tree, m2, "r1", true), -1) << "devices are no blocks";
+  EXPECT_EQ(paths_shown(tree).size(), 5U);
+  const auto inner = kv_tree_find(tree, "/M1/CX");
+  kv_tree_reveal(tree, inner);
+  EXPECT_EQ(kv_tree_row(tree, inner), 3);
+  kv_tree_open_all(tree, 0, false);
+  EXPECT_EQ(paths_shown(tree), lines_t{""});
+}
+
+// A sheet that contains itself ends at the deepest level that can be shown.
+TEST(BlockTree, HoldsAHundredThousandOpenBlocksAndASheetInsideItself) {
+  {
+    design_session s(ten_of_each(5));
+    kv_block_tree_t tree;
+    kv_make_tree(tree);
+    EXPECT_TRUE(kv_tree_open_all(tree, 0, true));
+    EXPECT_EQ(tree.rows.size(), 111111U);
+    EXPECT_EQ(kv_tree_path(tree, tree.rows.back()), "/X9/X9/X9/X9/X9");
+    EXPECT_LE(sizeof(kv_tree_node_t), 24U);
+  }
+  design_session s(
+      "symbol a\n pin A 0,0 IN\nsheet a\n part X1 a 5,5\n part X2 a 9,5\n"
+      "sheet top\n part X1 a 5,5\n");
+  kv_block_tree_t tree;
+  kv_make_tree(tree);
+  EXPECT_FALSE(kv_tree_open_all(tree, 0, true)) << "too many";
+  EXPECT_LE(tree.nodes.size(), kv_most_tree_nodes);
+  EXPECT_EQ(kv_tree_search(tree, 0, "none", true), -1);
+}
+
+constexpr char named[] = R"(
+symbol mos
+  line 0,0 0,4
+  pin D 0,0 IN
+  pin G 0,4 OUT
+  prop CLASS=M
+  prop MODEL=nch
+symbol cell
+  pin A 0,0 IN
+symbol in
+  pin A 0,0 OUT
+  prop CLASS=PORTIN
+sheet top
+  page 40,20
+  part XR cell 5,5
+  net A
+    wire XR.A 5,3 15,3
+sheet cell
+  page 40,20
+  port A in 2,5
+  part M1 mos 8,8
+  net IN1
+    wire A 8,5 M1.D
+)";
+
+TEST(Hints, SayTheFlatNameTheKindAndTheValueOfWhatIsThere) {
+  design_session s(named);
+  s.directory().write("a.raw",
+                      raw_header("Transient Analysis", "real", "1",
+                                 {"time\ttime", "v(a)\tvoltage", "@m.xr.m1[id]\tcurrent"}) +
+                          double_bytes({0, 1.8, 2e-3}));
+  const auto hint = [&](gx_pointreal_t at) { return kv_hint_lines(s.file(), at, 2000); };
+  const auto middle_of = [&](int id) {
+    const auto box = gx_object_abs_origin_bounds(s.file(), id, 0).bounds;
+    return gx_pointreal_t{box.xmin / 2 + box.xmax / 2, box.ymin / 2 + box.ymax / 2};
+  };
+  const auto on_net = [&](const char* name) {
+    const auto box = gx_object_abs_origin_bounds(s.file(), s.net(name), 0).bounds;
+    return gx_pointreal_t{box.xmin / 2 + box.xmax / 2, box.ymin};
+  };
+  EXPECT_EQ(hint(on_net("A")), (lines_t{"/A", "net"}));
+  EXPECT_EQ(hint({0, 0}), lines_t{});
+  s.run("primitive class");
+  s.run("view down XR");
+  const auto pin = s.pin(s.inst("M1"), 1);
+  const gx_pointreal_t at_pin = gx_pin_abs_origin(s.file(), pin.pinpropfam);
+  EXPECT_EQ(hint(at_pin), (lines_t{"/XR/M1/D", "pin"}));
+  EXPECT_EQ(hint(middle_of(s.inst("M1"))), (lines_t{"/XR/M1", "device mos  nch"}));
+  for (const char* command : {"property instance s inst", "property pin s pin",
+                              "property net s net", "run", "values file a.raw"})
+    s.run(command);
+  EXPECT_EQ(hint(on_net("IN1")), (lines_t{"/A", "net, here IN1", "1.8 V at 0"}));
+  EXPECT_EQ(hint(at_pin), (lines_t{"/XR/M1/D", "pin on /A", "1.8 V at 0"}));
+  EXPECT_EQ(hint(middle_of(s.inst("M1"))), (lines_t{"/XR/M1", "device mos  nch", "id 2 mA"}));
+}
+
+TEST(TreeView, InABatchTheSettingsHaveNoEffectAndPathsAreGoneTo) {
+  design_session s(named);
+  EXPECT_EQ(s.run("view tree on"), lines_t{" VIEw TREe ON "});
+  EXPECT_FALSE(kv_tree_is_shown());
+  EXPECT_EQ(s.run("display hints on"), lines_t{" DISplay HINts ON "});
+  EXPECT_EQ(s.run("view tree /xr"), lines_t{" VIEw TREe /xr "});
+  EXPECT_EQ(gx_view(kv_pext.cur_sim_path), "XR/");
+  EXPECT_EQ(s.run("view tree /"), lines_t{" VIEw TREe / "});
+  EXPECT_EQ(gx_view(kv_pext.cur_sim_path), "");
+  EXPECT_EQ(s.run("view tree /xq").back(), "# !! Error : Path not found ? ");
+  EXPECT_EQ(s.run("view tree maybe").back(),
+            "# !! Error : 3rd parameter incorrect (ON, OFF, /path) ? ");
+  EXPECT_EQ(s.run("display hints maybe").back(), "# !! Error :  3rd parameter incorrect ? ");
+}
+}  // namespace

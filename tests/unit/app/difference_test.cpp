@@ -1,0 +1,139 @@
+// DIFference DESign: what changed since an older design, listed, gone to and marked.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+
+#include "app/find/expanded.h"
+#include "expand/store.h"
+#include "tests/support/design_session.h"
+
+namespace {
+
+// A design with a value of R1 and further parts, expanded into a file.
+struct expanded_session {
+  expanded_session(const std::string& value, const std::string& more, const std::string& file)
+      : s(R"(
+symbol r
+  pin A 0,0 IXO
+  pin B 4,0 IXO
+  prop CLASS=R
+symbol cell
+  pin A 0,0 IXO
+symbol port
+  pin P 0,0 IXO NET=A
+  prop CLASS=PORTIN
+sheet cell
+  part P1 port 2,2
+  part R1 r 8,2 VALUE=)" +
+          value +
+          R"(
+  net
+    wire P1.P R1.A
+  net MID
+    wire R1.B 20,2
+)" + more) {
+    kv_sext = kv_defref_exp_rec_t{};
+    kv_sext.designfile = ::open(file.c_str(), O_RDWR | O_CREAT | O_TRUNC, 0600);
+    for (const char* line :
+         {"primitive class", "prop inst s value", "prop pin s pin", "prop net s net", "run"})
+      s.run(line);
+  }
+  ~expanded_session() {
+    ::close(kv_sext.designfile);
+    kv_sext = kv_defref_exp_rec_t{};
+  }
+  expanded_session(const expanded_session&) = delete;
+  expanded_session& operator=(const expanded_session&) = delete;
+  design_session s;
+};
+
+// The names of what is marked on the sheet in view, and how much is on those above.
+std::string marks_in_view(const design_session& s) {
+  std::string found;
+  int above = 0;
+  for (const auto& mark : gx_vext.highlights) {
+    if (mark.file_index != kv_pext.file_id_cur) {
+      ++above;
+      continue;
+    }
+    const bool is_net = gx_object_id_ptr(s.file(), mark.id).object_type == gx_type::net;
+    const auto* name = is_net ? lb_find_prop_net(s.file(), mark.id, "NET")
+                              : lb_find_prop_inst(s.file(), mark.id, "INST");
+    found += (name != nullptr ? std::string(gx_view(name->nvalue)) : "-") + " ";
+  }
+  return found + "and " + std::to_string(above);
+}
+
+constexpr char before_sheet[] =
+    "sheet top\n part X1 cell 5,5\n part X2 cell 9,5\n part R1 r 15,5\n part R2 r 25,5\n"
+    " net IN\n  wire X1.A X2.A\n  wire X2.A R1.A\n";
+
+TEST(Difference, IsListedGoneToAndMarked) {
+  const scratch_directory kept;
+  const std::string before = kept.path() / "before";
+  { const expanded_session old("1k", before_sheet, before); }
+  expanded_session now("2k",
+                       "sheet top\n part X1 cell 5,5\n part X3 cell 9,15\n part R1 r 15,5\n"
+                       " part R5 r 30,5\n part X4 cell 40,15\n"
+                       " net INPUT\n  wire X1.A R1.A\n",
+                       kept.path() / "now");
+  auto& s = now.s;
+  EXPECT_EQ(
+      s.run("dif des '" + before + "'"),
+      (lines_t{"# 1 ~ branch /X2 is now /X3", "# 2 - instance /R2 is gone",
+               "# 3 + branch /X4 is new with 1 instance",
+               "# 4 + instance /R5 is new: A on no net, B on no net",
+               "# 5 ~ instance /X1/R1: value 1k -> 2k", "# 6 ~ instance /X3/R1: value 1k -> 2k",
+               "# 7 ~ net /IN is now /INPUT",
+               "# 8 ~ net /IN is split: now on /X3/N_43 are /X3/R1/A",
+               "# DIFference DESign > nb_changes = 8 ", " DIFference DESign '" + before + "' "}));
+  EXPECT_EQ(marks_in_view(s), "X1 X3 R5 X4 INPUT and 0");
+  // What is gone is shown by its sheet, all else by itself.
+  lines_t walked;
+  for (int n = 1; n <= 8; ++n) {
+    s.run("unselect all");
+    const auto lines = s.run("next finding");
+    EXPECT_EQ(lines.back(), " NEXt FINding " + std::to_string(n) + " ");
+    const auto selected = s.selected();
+    walked.push_back(std::to_string(kv_pext.file_level_cur) + " " + lines.front() + " " +
+                     (selected.empty() ? "" : std::to_string(selected.front())));
+  }
+  const auto id = [&](std::string_view name) { return " " + std::to_string(s.inst(name)); };
+  EXPECT_EQ(marks_in_view(s), "R1 - and 5");
+  const auto deep = id("R1");
+  s.run("view up");
+  EXPECT_EQ(walked,
+            (lines_t{"1 # 1 /X3" + id("X3"), "1 # 2 /R2 ", "1 # 3 /X4" + id("X4"),
+                     "1 # 4 /R5" + id("R5"), "2 # 5 /X1/R1" + deep, "2 # 6 /X3/R1" + deep,
+                     "1 # 7 /INPUT " + std::to_string(s.net("INPUT")), "2 # 8 /X3/N_43 43"}));
+  EXPECT_EQ(s.run("waive finding 1 known").back(),
+            "# !! Error : Changes of DIFference DESign are no findings ? ");
+  EXPECT_EQ(s.run("highlight off"), lines_t{" HIGhlight OFF "});
+  EXPECT_EQ(marks_in_view(s), "and 0");
+
+  // The same as before: nothing to go to, though a check had found something.
+  kv_pext.findings = {kv_finding_t{}};
+  EXPECT_EQ(s.run("difference design " + (kept.path() / "now").string()),
+            (lines_t{"# DIFference DESign > nb_change  = 0 ",
+                     " DIFference DESign " + (kept.path() / "now").string() + " "}));
+  EXPECT_EQ(s.run("next finding").back(), "# !! Warning : DIFference DESign found nothing ");
+}
+
+TEST(Difference, OfNoDesignIsRefused) {
+  const scratch_directory kept;
+  const std::string at = kept.path();
+  std::filesystem::create_directory(at + "/drawn");
+  expanded_session now("2k", before_sheet, at + "/now");
+  write_file(at + "/cut", read_file(at + "/now").substr(0, 3000));
+  const auto refusal = [&](const std::string& old) {
+    return now.s.run("difference design " + at + old).back();
+  };
+  EXPECT_EQ(refusal("/none"), "# !! Error : " + at + "/none: No such file or directory");
+  EXPECT_EQ(refusal("/drawn"), "# !! Error : " + at + "/drawn: not expanded: no design_kv in it");
+  EXPECT_EQ(refusal("/cut"), "# !! Error : " + at + "/cut: truncated");
+  kv_sext.origins = {};
+  EXPECT_EQ(refusal("/now"), std::string(kv_no_expansion));
+}
+
+}  // namespace

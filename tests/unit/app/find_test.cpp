@@ -1,0 +1,336 @@
+// Finding a place of the design and going there.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <fstream>
+
+#include "app/find/go_to.h"
+#include "expand/store.h"
+#include "gx/db/place/geometry.h"
+#include "gx/display/viewports.h"
+#include "tests/support/counting_screen.h"
+#include "tests/support/design_session.h"
+
+namespace {
+
+constexpr char hierarchy[] = R"(
+symbol leaf
+  pin A 0,0 IN
+  prop CLASS=R
+symbol block
+  pin A 0,0 IN
+symbol nosheet
+  pin A 0,0 IN
+sheet top
+  part X1 block 5,5
+  part X2 block 9,5
+  part R1 leaf 15,5
+  part N1 nosheet 19,5
+  net A
+    wire X1.A 5,8 9,8 X2.A
+sheet block
+  part Y1 deep 5,5
+  part Y2 leaf 9,5
+symbol deep
+  pin A 0,0 IN
+sheet deep
+  part Z1 leaf 5,5
+)";
+
+std::string level_and_path() {
+  return std::to_string(kv_pext.file_level_cur) + " " + std::string(gx_view(kv_pext.cur_sim_path));
+}
+
+TEST(GoTo, BackIsDrawnOnce) {
+  design_session s(hierarchy);
+  gx_vext.bitmap_size = gx_nominal_size;
+  for (const auto& viewport : set_viewports()) gx_viewport_create(viewport.bounds, viewport.border);
+  kv_display_picture_all(gx_vext.viewport_edit, kv_pext.file_id_cur);
+  const gx_shown_t top = gx_viewport_shown(gx_vext.viewport_edit);
+  EXPECT_EQ(kv_go_to("/X1/Y1", 0), "");
+  const counting_screen screen;
+  EXPECT_EQ(s.run("view last"), lines_t{" VIEw LASt "});
+  EXPECT_EQ(screen.pictures, 1);
+  EXPECT_EQ(level_and_path(), "1 ");
+  EXPECT_EQ(gx_viewport_shown(gx_vext.viewport_edit), top);
+}
+
+TEST(GoTo, WalksUpAndDownSelectsAndSaysWhatIsMissing) {
+  design_session s(hierarchy);
+  const int net = s.net("A"), block = s.inst("X2");
+  EXPECT_EQ(kv_go_to("/x1/Y1", 0), "");
+  EXPECT_EQ(level_and_path(), "3 X1/Y1/");
+  const int leaf = s.inst("Z1");
+  ASSERT_NE(leaf, 0);
+  EXPECT_EQ(kv_go_to("/", block), "");
+  EXPECT_EQ(level_and_path(), "1 ");
+  EXPECT_TRUE(gx_inq_object_selected(s.file(), block));
+  EXPECT_EQ(kv_go_to("", net), "");
+  EXPECT_TRUE(gx_inq_object_selected(s.file(), net));
+  EXPECT_FALSE(gx_inq_object_selected(s.file(), block));
+
+  EXPECT_EQ(kv_go_to("X2/Y1/", leaf), "");
+  EXPECT_EQ(level_and_path(), "3 X2/Y1/");
+  const int pin = s.pin(leaf, 1).pinpropfam;
+  EXPECT_EQ(kv_go_to("/X2/Y1", pin), "");
+  EXPECT_TRUE(gx_inq_object_selected(s.file(), pin));
+  EXPECT_FALSE(gx_inq_object_selected(s.file(), leaf));
+  EXPECT_EQ(gx_vext.num_file_open, 3);
+
+  // What cannot be reached leaves all as it was.
+  EXPECT_EQ(kv_go_to("/X2/Y9", 0), "no such sheet : \"/X2/Y9\"");
+  EXPECT_EQ(kv_go_to("/N1", 0), "no such sheet : \"/N1\"");
+  for (const int id : {-1, 1, 30000}) {
+    EXPECT_EQ(kv_go_to("/X1", id), "no such object : " + std::to_string(id));
+  }
+  EXPECT_EQ(level_and_path(), "3 X2/Y1/");
+  EXPECT_TRUE(gx_inq_object_selected(s.file(), pin));
+}
+
+// A sheet with a bus, used twice, and the run of it.
+constexpr char registers[] = R"(
+symbol leaf
+  pin D 0,0 IN
+  pin Q 2,0 OUT
+  prop CLASS=R
+symbol bit
+  pin D 0,0 IN
+  pin Q 4,0 OUT
+symbol in
+  pin P 0,0 IXO NET=D
+  prop CLASS=PORTIN
+symbol out
+  pin P 0,0 IXO NET=Q
+  prop CLASS=PORTOUT
+sheet bit
+  part P1 in 2,2
+  part P2 out 20,2
+  part MP1 leaf 8,2
+  part MP2 leaf 14,2
+  net
+    wire P1.P MP1.D
+  net MID
+    wire MP1.Q MP2.D
+  net
+    wire MP2.Q P2.P
+sheet top
+  part XR bit 5,5
+  part XS bit 15,5
+  net D
+    wire XR.D 2,5
+  net LINK
+    wire XR.Q XS.D
+  net GROUND
+    wire XS.Q 22,5
+  net L%2FN%2520
+    wire 2,20 22,20
+)";
+
+// A session with a design that may be expanded.
+struct find_session {
+  explicit find_session(bool is_expanded, std::string_view sheets = {},
+                        std::string_view top = "top")
+      : s(std::string(registers) + std::string(sheets), top) {
+    kv_sext = kv_defref_exp_rec_t{};
+    kv_sext.designfile = ::open("/dev/null", O_RDWR);
+    if (!is_expanded) return;
+    for (const char* line :
+         {"primitive class", "prop inst s class", "prop pin s pin", "prop net s net", "run"})
+      s.run(line);
+  }
+  ~find_session() {
+    ::close(kv_sext.designfile);
+    kv_sext = kv_defref_exp_rec_t{};
+  }
+  find_session(const find_session&) = delete;
+  find_session& operator=(const find_session&) = delete;
+  design_session s;
+};
+
+class Find : public testing::TestWithParam<bool> {
+ protected:
+  // `GetParam`: whether the design is expanded.
+  find_session session{GetParam()};
+  design_session& s = session.s;
+};
+
+TEST_P(Find, AnyFormOfAPathLeadsToItsPlace) {
+  std::ofstream("references") << "/XR/MP2 Q6\n/XS/MP2 Q7\n";
+  struct {
+    const char* typed;
+    const char* found;  // path and what it is
+    const char* place;
+  } constexpr cases[] = {
+      {"/XR/MP1", "/XR/MP1  instance", "2 XR/"},
+      {"xs.mp2.d", "/XS/MP2/D  pin", "2 XS/"},
+      {"R:MID", "/XR/MID  net", "2 XR/"},
+      {"m.xs.mp1", "/XS/MP1  instance", "2 XS/"},
+      {"link", "/LINK  net", "1 "},
+      {"/xr", "/XR  block", "1 "},
+      {"/XR/d", "/XR/D  pin", "1 "},
+      {"0", "/GROUND  net", "1 "},
+      {"/XS/MID*", "/XS/MID  net", "2 XS/"},
+      {"'/xr/mp1'", "/XR/MP1  instance", "2 XR/"},
+      {"/XR/", "/XR  block", "1 "},
+      {"*s/mp1*", "/XS/MP1  instance", "2 XS/"},
+      {"*lin*", "/LINK  net", "1 "},
+      {"L/N%20", "/L%2FN%2520  net", "1 "},
+      {"Q7", "/XS/MP2  instance", "2 XS/"},
+      {"q7.d", "/XS/MP2/D  pin", "2 XS/"},
+  };
+  for (const auto& [typed, found, at] : cases) {
+    const auto lines = s.run("find path " + std::string(typed));
+    EXPECT_TRUE(lines.size() == 1 && lines[0].starts_with(" FINd PATh " + std::string(found)))
+        << typed << ": " << lines[0];
+    std::string here = level_and_path();
+    std::erase(here, GetParam() ? '/' : '\0');
+    std::string wanted = at;
+    std::erase(wanted, GetParam() ? '/' : '\0');
+    EXPECT_EQ(here, wanted) << typed;
+    EXPECT_FALSE(s.selected().empty());
+  }
+}
+
+TEST_P(Find, SeveralPlacesAreListedAndTakenByNumber) {
+  const auto lines = s.run("find path /x*");
+  ASSERT_EQ(lines.size(), 22U);
+  EXPECT_EQ(lines[20], "# ... and more ");
+  EXPECT_EQ(lines[21], " FINd PATh /x* ");
+  const auto both = s.run("find path /x*q");
+  EXPECT_EQ(both, (lines_t{"# FINd PATh /x*q ", "# !! Error : Path not found ? ",
+                           "# !! The longest part that exists : \"/\""}));
+  s.run("find path /xs/mp*");
+  const auto taken = s.run("find path 2");
+  ASSERT_EQ(taken.size(), 1U);
+  EXPECT_TRUE(taken[0].starts_with(" FINd PATh /XS/MP2  instance")) << taken[0];
+  EXPECT_EQ(s.run("find path xr.x9.m"),
+            (lines_t{"# FINd PATh xr.x9.m ", "# !! Error : Path not found ? ",
+                     "# !! The longest part that exists : \"/XR\""}));
+  EXPECT_EQ(s.run("find path 99").back(), "# !! The longest part that exists : \"/\"");
+}
+
+// The marks of the sheets, from the top down: "N_id" of the level, with the name of its probe.
+lines_t marks(const design_session& s) {
+  lines_t lines;
+  for (const auto& mark : gx_vext.highlights) {
+    const bool is_in_view = mark.file_index == kv_pext.file_id_cur;
+    const auto* name = is_in_view ? lb_find_prop_net(s.file(), mark.id, "NET") : nullptr;
+    lines.push_back(std::to_string(mark.file_index) + " " +
+                    (name != nullptr ? std::string(gx_view(name->nvalue)) : "-") + " " +
+                    std::string(gx_view(mark.name)));
+  }
+  return lines;
+}
+
+TEST(Expanded, EveryBlockIsOnTheSheetAboveIt) {
+  // Two levels, so that a block follows the inside of another one.
+  const find_session deep(true,
+                          "symbol two\n pin D 0,0 IN\nsheet two\n part A bit 4,4\n part B bit 4,8\n"
+                          "sheet twice\n part X two 4,4\n part Y two 4,8\n part R leaf 4,12\n",
+                          "twice");
+  lines_t places;
+  for (std::int32_t macro = 1; macro <= kv_sext.macros.count; ++macro) {
+    const auto place = kv_place_of(kv_sext, kv_sext.origins, {kv_named::macro, macro});
+    places.push_back(std::string(kv_text(kv_sext, kv_sext.macros[macro].sim_path)) + " on \"" +
+                     std::string(kv_visit_path(kv_sext, kv_sext.origins, place.visit)) + "\"");
+  }
+  EXPECT_EQ(places, (lines_t{"/X on \"\"", "/X/A on \"/X\"", "/X/B on \"/X\"", "/Y on \"\"",
+                             "/Y/A on \"/Y\"", "/Y/B on \"/Y\""}));
+}
+
+TEST(Expanded, AHighlightNamesANetOnceOnASheet) {
+  find_session split(true,
+                     "sheet split\n part R leaf 4,4\n"
+                     " net K\n  wire R.Q 10,4\n"
+                     " net K\n  wire 20,4 30,4\n",
+                     "split");
+  EXPECT_EQ(split.s.run("highlight net /K"), lines_t{" HIGhlight NET /K "});
+  EXPECT_EQ(marks(split.s), (lines_t{"1 K /K", "1 K "}));
+  split.s.run("highlight off");
+}
+
+TEST(Expanded, HighlightsHaveColours) {
+  find_session split(true,
+                     "sheet split\n part R leaf 4,4\n"
+                     " net K\n  wire R.Q 10,4\n"
+                     " net L\n  wire 20,4 30,4\n",
+                     "split");
+  auto& s = split.s;
+  const auto colors = [] {
+    std::vector<int> found;
+    for (const auto& mark : gx_vext.highlights) found.push_back(mark.color);
+    return found;
+  };
+  s.run("highlight net /K");
+  EXPECT_EQ(s.run("highlight net /L"), lines_t{" HIGhlight NET /L "}) << "classically in one";
+  EXPECT_EQ(colors(), (std::vector{1, 1}));
+  s.run("highlight off");
+  s.run("display theme light");
+  s.run("highlight net /K");
+  EXPECT_EQ(s.run("hig net /L"),
+            (lines_t{" HIGhlight NET /L ", "#   colour 1 : /K ", "#   colour 2 : /L "}));
+  EXPECT_EQ(s.run("highlight net /K colour 6"),
+            (lines_t{" HIGhlight NET /K ", "#   colour 6 : /K ", "#   colour 2 : /L "}));
+  s.run("run");
+  EXPECT_EQ(colors(), (std::vector{6, 2}));
+  for (const char* const wrong : {"col 7", "col 0", "col x", "dark 1"})
+    EXPECT_EQ(s.run(std::string("highlight net /K ") + wrong).back(),
+              "# !! Error : Colour not within COLour 1 to 6 ? ");
+  s.run("highlight off");
+}
+
+TEST_P(Find, AHighlightFollowsTheViewAndTheRuns) {
+  if (!GetParam()) {
+    EXPECT_EQ(s.run("highlight net /LINK"),
+              (lines_t{"# HIGhlight NET /LINK ", "# !! Error : No expanded design ? "}));
+    return;
+  }
+  EXPECT_EQ(s.run("highlight net /xr/q"), lines_t{" HIGhlight NET /LINK "});
+  EXPECT_EQ(marks(s), lines_t{"1 LINK /LINK"});
+  s.run("view down XR");
+  EXPECT_EQ(marks(s), (lines_t{"1 - /LINK", "2 - /LINK"}));
+  gx_set_object_selected(s.file(), s.net("MID"), true);
+  EXPECT_EQ(s.run("hig net"), lines_t{" HIGhlight NET /XR/MID "});
+  EXPECT_EQ(marks(s).size(), 3U);
+  s.run("find path /XS/MP1");  // the same sheet elsewhere: only what comes there is marked
+  EXPECT_EQ(marks(s), (lines_t{"1 - /LINK", "2 - /LINK"}));
+  s.run("run");
+  EXPECT_EQ(marks(s).size(), 2U);
+  s.run("view up");
+  // A sheet beside the levels stands for all its uses: the net goes out of one, into the other.
+  s.run("view sheet bit");
+  EXPECT_EQ(marks(s), (lines_t{"1 LINK /LINK", "3 - ", "3 - /XR/MID", "3 - /LINK"}));
+  s.run("view sheet top");  // into the same slot
+  EXPECT_EQ(marks(s), (lines_t{"1 LINK /LINK", "3 - /LINK"}));
+  EXPECT_EQ(s.run("highlight off"), lines_t{" HIGhlight OFF "});
+  s.run("view down XR");
+  EXPECT_EQ(marks(s), lines_t{});
+  EXPECT_EQ(s.run("highlight net /LINQ"),
+            (lines_t{"# HIGhlight NET /LINQ ", "# !! Error : Net NOT FOUND ? ",
+                     "# !! The longest part that exists : \"/\""}));
+  EXPECT_EQ(s.run("explain net"), (lines_t{"# EXPlain NET ", "# !! Error : No NET selected ? "}));
+}
+
+TEST_P(Find, TheTreeOfBlocksIsListedAndWritten) {
+  const lines_t tree = {"# /  top  instances 2  nets 4", "#   /XR  bit  instances 2  nets 3",
+                        "#   /XS  bit  instances 2  nets 3", " LIST HIErarchy "};
+  EXPECT_EQ(s.run("list hierarchy"), tree);
+  lines_t written = s.directory().lines("top/hierarchy");
+  for (auto& line : written) line.insert(0, "# ");
+  written.emplace_back(" LIST HIErarchy ");
+  EXPECT_EQ(written, tree);
+  EXPECT_EQ(s.run("list hie xs"),
+            (lines_t{"# /XS  bit  instances 2  nets 3", " LIST HIErarchy xs "}));
+  EXPECT_EQ(s.run("list hie xs.mp1").back(), "# !! No block : \"/XS/MP1\"");
+  // Nothing is written through a link.
+  std::filesystem::remove("top/hierarchy");
+  std::filesystem::create_symlink("elsewhere", "top/hierarchy");
+  EXPECT_EQ(s.run("list hierarchy"),
+            (lines_t{"# LIST HIErarchy ", "# !! Error : File not written ? ",
+                     "# !! top/hierarchy : is a symbolic link"}));
+  EXPECT_FALSE(std::filesystem::exists("top/elsewhere"));
+}
+
+INSTANTIATE_TEST_SUITE_P(ExpandedOrNot, Find, testing::Bool());
+
+}  // namespace

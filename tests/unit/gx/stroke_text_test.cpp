@@ -1,0 +1,110 @@
+#include "gx/display/strokes/stroke_text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <set>
+#include <string>
+
+#include "gx/vext.h"
+#include "tests/support/drawing_board.h"
+#include "tests/support/fatal_stop.h"
+
+namespace {
+constexpr int color = 7;
+
+void set_size(std::int16_t height, std::int16_t step) {
+  gx_vext.cmd_height = height;
+  gx_vext.cmd_step = step;
+  gx_setarray_hortext();
+}
+
+std::vector<gx_line16_t> screen_text(std::string_view text, int istart = 1) {
+  return lines_of(color, 0, [&] { gx_hortext(1, text, istart, 200, 300, true, color); });
+}
+
+std::vector<gx_line16_t> sheet_text(std::string_view text, int height, int rotation) {
+  return lines_of(color, 0, [&] { gx_text(1, text, 400, 500, height, rotation, color); });
+}
+
+using points_t = std::vector<std::pair<int, int>>;
+
+std::vector<points_t> strokes_of(char32_t c) {
+  std::vector<points_t> strokes;
+  for (const auto stroke : gx_glyph(c)) {
+    strokes.emplace_back();
+    for (const auto p : stroke) strokes.back().emplace_back(p.x, p.y);
+  }
+  return strokes;
+}
+
+constexpr char32_t no_glyph[] = {U' ', U'\n', 0x7F, 0x85, 0xA0};
+
+using pixels_t = std::set<points_t::value_type>;
+
+// The pixels of thin lines.
+pixels_t pixels_of(const std::vector<gx_line16_t>& lines) {
+  pixels_t pixels;
+  for (const auto& line : lines) {
+    const int dx = line.x2 - line.x1, dy = line.y2 - line.y1;
+    const int steps = std::max({std::abs(dx), std::abs(dy), 1});
+    for (int i = 0; i <= steps; ++i)
+      pixels.emplace(line.x1 + std::lround(double(dx) * i / steps),
+                     line.y1 + std::lround(double(dy) * i / steps));
+  }
+  return pixels;
+}
+
+TEST(StrokeFont, EveryCharacterHasALookOfItsOwn) {
+  drawing_board board;
+  EXPECT_EQ(strokes_of('!'), (std::vector<points_t>{{{0, 1000}, {0, 300}}, {{0, 150}, {0, 0}}}));
+  EXPECT_EQ(strokes_of('"'),
+            (std::vector<points_t>{{{250, 1000}, {250, 800}}, {{550, 1000}, {550, 800}}}));
+  EXPECT_EQ(strokes_of('#'), (std::vector<points_t>{{{100, 0}, {200, 1000}},
+                                                    {{400, 0}, {500, 1000}},
+                                                    {{0, 400}, {600, 400}},
+                                                    {{0, 600}, {600, 600}}}));
+  for (const char32_t c : no_glyph) EXPECT_TRUE(gx_glyph(c).empty());
+  // In texts of the sheet, and of the screen in windows of several sizes.
+  const auto expect_all_different = [&](auto draw) {
+    std::map<pixels_t, std::string> looks;
+    for (char c = '!'; c <= '~'; ++c) looks[pixels_of(draw(std::string(1, c)))] += c;
+    for (const auto& [pixels, characters] : looks) EXPECT_EQ(characters.size(), 1U) << characters;
+  };
+  for (const int height : {5, 6, 7, 8, 9, 10, 12, 15, 20}) {
+    SCOPED_TRACE(height);
+    expect_all_different([&](const auto& text) { return sheet_text(text, height, 0); });
+  }
+  for (const auto& [height, step] : {std::pair{6, 8}, {8, 11}, {9, 12}, {12, 14}}) {
+    SCOPED_TRACE(height);
+    set_size(static_cast<std::int16_t>(height), static_cast<std::int16_t>(step));
+    expect_all_different([&](const auto& text) { return screen_text(text); });
+  }
+}
+
+TEST(StrokeFont, ScalesOnceForTheScreen) {
+  drawing_board board;
+  gx_setarray_hortext();
+  EXPECT_EQ(gx_vext.coef_charh, 0) << "no size yet";
+  set_size(13, 14);
+  EXPECT_EQ(gx_vext.coef_charh, 76);
+  EXPECT_EQ(gx_vext.coef_chars, 85);
+  EXPECT_EQ(screen_text("!"),
+            (std::vector<gx_line16_t>{{200, 300, 200, 310}, {200, 312, 200, 313}}));
+}
+
+TEST(SheetText, ReadsInFourDirections) {
+  drawing_board board;
+  EXPECT_EQ(sheet_text(std::string(99, 'L'), 5, 0).size(), 2U * 60U) << "cut to 60";
+  EXPECT_TRUE(sheet_text(std::string(201, 'L'), 5, 0).empty()) << "wider than the window";
+  // At 10 pixels "L" is a stroke of 10 up and one of 6 along; the second one stands 12 further.
+  EXPECT_EQ(sheet_text("L", 10, 0),
+            (std::vector<gx_line16_t>{{400, 490, 400, 500}, {400, 500, 406, 500}}));
+  EXPECT_EQ(sheet_text("L", 10, 2), sheet_text("L", 10, 0));
+  EXPECT_EQ(sheet_text(" L", 10, 1),
+            (std::vector<gx_line16_t>{{390, 488, 400, 488}, {400, 488, 400, 482}}));
+  EXPECT_EQ(sheet_text(" L", 10, 3),
+            (std::vector<gx_line16_t>{{410, 512, 400, 512}, {400, 512, 400, 518}}));
+}
+
+}  // namespace

@@ -1,0 +1,158 @@
+// The services of the operating system as the program sees them.
+#include <fcntl.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdint>
+#include <cstring>
+#include <fstream>
+#include <string>
+
+#include "platform/procedures.h"
+#include "platform/raw_files.h"
+#include "platform/stop_signals.h"
+#include "platform/symbol_table.h"
+#include "platform/timing.h"
+#include "platform/wait.h"
+#include "platform/words.h"
+#include "tests/support/fatal_stop.h"
+#include "tests/support/scratch_directory.h"
+
+// Found by its name in this program's own symbol table.
+extern "C" [[gnu::used, gnu::section("test_entries")]] void kvp_test_entry(void* count,
+                                                                           void* text) {
+  *static_cast<int*>(count) = static_cast<int>(std::strlen(static_cast<char*>(text)));
+}
+
+namespace {
+TEST(Platform, DelaysHaveALimit) {
+  const auto delay = [](auto call) {
+    say_all_on_stderr();
+    call(30001);
+  };
+  const std::string text = " !! Error in xdelayms : TOO long : delayms = 30001    ";
+  EXPECT_EXIT(delay(xdelayms), testing::ExitedWithCode(1), text);
+  EXPECT_EXIT(delay(xdelayms2), testing::ExitedWithCode(1), text);
+  const auto before = xtimems();
+  xdelayms(30);
+  const auto waited = xdiftimems(before.tv_sec, before.tv_usec);
+  EXPECT_GE(waited, 29);
+  EXPECT_LT(waited, 5000);
+}
+
+// An a.out file by its bytes: header, text, symbols, strings.
+std::string aout_file(std::uint32_t magic, std::uint64_t header_offset) {
+  std::string bytes;
+  const auto word = [&](std::uint32_t w) { bytes.append(reinterpret_cast<char*>(&w), 4); };
+  const auto symbol = [&](std::uint32_t name, std::uint32_t value) {
+    word(name);
+    bytes += std::string("\x05\x01\x02\x00", 4);
+    word(value);
+  };
+  for (const std::uint32_t w : {magic, 3U, 2U, 0U, 36U, 0U, 0U, 1U}) word(w);
+  bytes.resize(header_offset + 6);  // text 3, data 2, data relocation 1
+  if (header_offset == 0) bytes.resize(6);
+  symbol(4, 0x1111);
+  symbol(4, 0x2222);       // the later one wins
+  symbol(0x7FFFFFFF, 99);  // a name outside the table
+  word(4 + 8);
+  bytes += std::string("kvp_run\0", 8);
+  return bytes;
+}
+
+// The status is 0 when every wait ended by what came first.
+[[noreturn]] void wait_for_everything() {
+  int quiet[2], full[2];
+  if (pipe(quiet) != 0 || pipe(full) != 0) std::exit(1);
+  const int both[] = {-1, quiet[0], full[0]};
+  if (x_wait(both, 30).by != x_waking::timer) std::exit(2);
+  signal(SIGALRM, [](int) {});
+  alarm(1);  // no signal to end: the wait goes on
+  const auto since = xtimems();
+  if (x_wait(both, 1100).by != x_waking::timer) std::exit(3);
+  if (xdiftimems(since.tv_sec, since.tv_usec) < 1090) std::exit(4);
+  if (write(full[1], "x", 1) != 1) std::exit(5);
+  const x_woken_t readable = x_wait(both, -1);
+  if (readable.by != x_waking::readable || readable.descriptor != full[0]) std::exit(6);
+  close(quiet[1]);  // its end can be read, too
+  if (x_wait(both, -1).descriptor != quiet[0]) std::exit(7);
+
+  x_watch_stop_signals();
+  raise(SIGTERM);
+  if (x_wait(both, -1).by != x_waking::signal || x_stop_signal() != SIGTERM) std::exit(8);
+  if (x_wait(both, -1).by != x_waking::readable) std::exit(9);  // the signal was told
+  std::exit(0);
+}
+
+TEST(Platform, AWaitEndsByWhateverComesFirst) {
+  EXPECT_EXIT(wait_for_everything(), testing::ExitedWithCode(0), "");
+}
+
+TEST(SymbolTable, AoutFilesAreSearched) {
+  scratch_directory directory;
+  const std::string path = directory.path() / "program";
+  const auto write = [&](std::string_view bytes) {
+    std::ofstream(path, std::ios::binary) << bytes;
+  };
+  for (const auto& [magic, offset] : {std::pair{0413U, 1024U}, {0407U, 32U}}) {
+    const std::string whole = aout_file(magic, offset);
+    write(whole);
+    EXPECT_EQ(xm_get_extid_offset(path.c_str(), "kvp_run"), 0x2222U);
+    EXPECT_EQ(xm_get_extid_offset(path.c_str(), "kvp_ru"), 0U);
+    x_nlist_t entries[2];
+    entries[0].name = "kvp_run";
+    EXPECT_EQ(nlist(path.c_str(), entries), 0);
+    EXPECT_EQ(entries[0].type, 5);
+    EXPECT_EQ(entries[0].other, 1);
+    EXPECT_EQ(entries[0].desc, 2);
+
+    for (std::size_t size = 0; size < whole.size(); size += size < offset ? 31 : 1) {
+      write(std::string_view(whole).substr(0, size));
+      entries[0].value = 7;
+      EXPECT_EQ(nlist(path.c_str(), entries), -1) << size;
+      EXPECT_EQ(entries[0].value, 7U);
+    }
+  }
+  EXPECT_EQ(nlist(path.c_str(), nullptr), -1);
+  EXPECT_EQ(errno, EINVAL);
+  x_nlist_t none;
+  EXPECT_EQ(nlist("/nowhere/program", &none), -1);
+}
+
+TEST(SymbolTable, AProcedureOfThisProgramIsFoundAndCalled) {
+  for (const char* path : {"some_name_without_directory", "/proc/self/exe"}) {
+    const auto address = xm_get_extid_offset(path, "kvp_test_entry", "test_entries");
+    ASSERT_NE(address, 0U) << path;
+    int count = 0;
+    char text[] = "four";
+    EXPECT_EQ(xprocargexe(address, &count, text), 0);
+    EXPECT_EQ(count, 4);
+  }
+  EXPECT_EQ(xm_get_extid_offset("kivo", "kvp_test_entry", "other_entries"), 0U);
+  EXPECT_EQ(xm_get_extid_offset("kivo", "kvp_no_such_entry"), 0U);
+  EXPECT_EQ(xm_get_extid_offset("kivo", ""), 0U);
+  EXPECT_EQ(xm_get_extid_offset("/nowhere/kivo", "main"), 0U);
+  EXPECT_EQ(xm_get_extid_offset("/", "main"), 0U);
+}
+
+TEST(SymbolTable, DamagedElfFilesAreReadWithinTheirBounds) {
+  scratch_directory directory;
+  const std::string path = directory.path() / "program";
+  std::ifstream in("/bin/true", std::ios::binary);
+  const std::string whole((std::istreambuf_iterator<char>(in)), {});
+  ASSERT_GT(whole.size(), 1000U);
+  const auto search = [&](const std::string& bytes) {
+    std::ofstream(path, std::ios::binary) << bytes;
+    return xm_get_extid_offset(path.c_str(), "kvp_none");
+  };
+  const std::size_t sections_at = whole.size() - 28 * 64;  // about where the section headers stand
+  for (std::size_t i = 0; i < 400; ++i) {
+    std::string damaged = whole;
+    const std::size_t at = i < 64 ? i : sections_at + (i - 64) * 5;
+    damaged[at] = static_cast<char>(damaged[at] ^ (i % 2 == 0 ? 0xFF : 0x40));
+    EXPECT_EQ(search(damaged), 0U);
+    EXPECT_EQ(search(whole.substr(0, whole.size() * i / 400)), 0U);
+  }
+}
+}  // namespace
