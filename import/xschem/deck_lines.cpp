@@ -36,8 +36,9 @@ std::string filled(std::string_view text, std::string_view name, bool escaped,
 
 class line_writer {
  public:
-  line_writer(const gxi_xschem_placed_t& placed, const gxi_xschem_device_t& device)
-      : placed_(placed), device_(device) {
+  line_writer(const gxi_xschem_placed_t& placed, const gxi_xschem_device_t& device,
+              const std::function<std::string(std::size_t, std::size_t)>& around)
+      : placed_(placed), device_(device), around_(around) {
     for (const auto& node : device.nodes) {
       first_.push_back(next_);
       next_ += gxi_xschem_pin_names(placed, node).size();
@@ -62,8 +63,11 @@ class line_writer {
   std::string places(std::size_t node) const {
     const auto end = node + 1 < first_.size() ? first_[node + 1] : next_;
     std::string text;
-    for (std::size_t place = gx_at(first_, node); place < end; ++place)
-      text += (text.empty() ? "@" : " @") + std::to_string(place + 1);
+    for (std::size_t place = gx_at(first_, node); place < end; ++place) {
+      auto one = around_(node, place - first_[node]);
+      one.insert(one.find('@') + 1, std::to_string(place + 1));
+      text += (text.empty() ? "" : " ") + one;
+    }
     return text;
   }
 
@@ -76,15 +80,17 @@ class line_writer {
 
   const gxi_xschem_placed_t& placed_;
   const gxi_xschem_device_t& device_;
+  const std::function<std::string(std::size_t, std::size_t)>& around_;
   std::vector<std::size_t> first_;  // place of the first bit of each node
   std::size_t next_ = 0;
 };
 
 }  // namespace
 
-std::string gxi_xschem_deck_line(const gxi_xschem_placed_t& placed, std::size_t line,
-                                 std::size_t k) {
-  return line_writer(placed, placed.devices[line]).run(placed.names[k]);
+std::string gxi_xschem_deck_line(
+    const gxi_xschem_placed_t& placed, std::size_t line, std::size_t k,
+    const std::function<std::string(std::size_t, std::size_t)>& around) {
+  return line_writer(placed, placed.devices[line], around).run(placed.names[k]);
 }
 
 std::string gxi_xschem_statements(const gxi_xschem_placed_t& placed) {

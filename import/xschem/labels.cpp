@@ -190,14 +190,22 @@ std::string gxi_xschem_tapped(std::string_view bus, std::string_view tap) {
   return text;
 }
 
-std::string gxi_xschem_port_label(std::string_view label) {
-  std::string nets(label);
-  if (const auto open = nets.find('('); nets.starts_with('%') && open != std::string::npos) {
-    nets.erase(0, open + 1);
-    std::erase(nets, ')');
-    while (nets.ends_with(' ')) nets.pop_back();
-    std::replace(nets.begin(), nets.end(), ' ', ',');
+gxi_xschem_port_label_t gxi_xschem_port_label(std::string_view label) {
+  gxi_xschem_port_label_t port{.nets = std::string(label)};
+  std::string type;
+  if (const auto open = label.find('('); label.starts_with('%') && open != std::string::npos) {
+    type = label.substr(0, open + 1);
+    port.nets.erase(0, open + 1);
+    std::erase(port.nets, ')');
+    while (port.nets.ends_with(' ')) port.nets.pop_back();
+    std::replace(port.nets.begin(), port.nets.end(), ' ', ',');
   }
-  std::erase(nets, '~');
-  return nets;
+  for (const auto& net : gxi_xschem_bits(port.nets))
+    port.around.emplace_back(net.starts_with('~') ? "~@" : "@");
+  if (!type.empty() && !port.around.empty()) {
+    port.around.front().insert(0, type);
+    port.around.back() += ')';
+  }
+  std::erase(port.nets, '~');
+  return port;
 }

@@ -12,8 +12,12 @@ inline constexpr std::size_t gxi_xschem_most_bits = 20000;
 // parentheses. A text of another form is one name; more than gxi_xschem_most_bits are none.
 std::vector<std::string> gxi_xschem_bits(std::string_view label);
 
-// The nets that a label names at a port of XSPICE: "B" for "~B", "A,B" for "%vd(A B)".
-std::string gxi_xschem_port_label(std::string_view label);
+// A label at ports of XSPICE.
+struct gxi_xschem_port_label_t {
+  std::string nets{};                 // "B" for "~B", "A,B" for "%vd(A B)"
+  std::vector<std::string> around{};  // of each net what a deck has around it: "~@", "%vd(@", "@)"
+};
+gxi_xschem_port_label_t gxi_xschem_port_label(std::string_view label);
 
 // The label of the tapped net: of `bus`, the label of the bus, and of what the tap says of it: bits
 // by their indexes ("[3]", "[7:4]", "4..1", "0"), or a name of its own.

@@ -91,8 +91,11 @@ class joiner {
         only_ports.emplace(groups_.root(member(i, pin)), true).first->second &= is_port;
     }
     for (const auto& [group, is_port] : only_ports)
-      if (const auto name = names_.find(group); is_port && name != names_.end())
-        name->second = gxi_xschem_port_label(name->second);
+      if (const auto name = names_.find(group); is_port && name != names_.end()) {
+        auto port = gxi_xschem_port_label(name->second);
+        name->second = std::move(port.nets);
+        around_[group] = std::move(port.around);
+      }
   }
 
   bool give(int group, const std::string& label, const gxm_source_t& where) {
@@ -162,7 +165,7 @@ class joiner {
     const auto bundle = [&](int of_member, const gxm_source_t& where) {
       const int root = groups_.root(of_member);
       const auto group = groups.of(root);
-      if (group.is_new) result_.bundles.push_back({nets_of(root, where)});
+      if (group.is_new) result_.bundles.push_back({nets_of(root, where), around_[root]});
       return group.number;
     };
     for (std::size_t i = 0; i < wires_.size(); ++i)
@@ -194,6 +197,7 @@ class joiner {
   gxi_members_t members_;
   gxi_groups_t groups_;
   std::map<int, std::string> names_;
+  std::map<int, std::vector<std::string>> around_;
   std::map<int, std::size_t> unnamed_;
   gxi_xschem_nets_t result_;
 };

@@ -11,6 +11,8 @@
 // A wire or a pin belongs to a bundle: a list of nets.
 struct gxi_xschem_bundle_t {
   std::vector<int> nets{};  // of the sheet; never empty when wires or pins are on it
+  // Where only ports of XSPICE are: of each net what a deck has around it, "~@"; else empty.
+  std::vector<std::string> around{};
 };
 
 struct gxi_xschem_nets_t {

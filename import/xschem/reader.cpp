@@ -370,28 +370,30 @@ class xschem_reader {
     const auto seen =
         gxi_xschem_dress(placed, line, is_leaf, line == 0 ? shown : none, instance, sheet);
     // The nets of all bits of a node, over all instances of the vector.
-    std::vector<std::vector<int>> nets_of_node;
+    std::vector<gxi_xschem_bundle_t> on_node;
     for (const auto& node : device.nodes) {
       if (node.pin >= 0)
-        nets_of_node.push_back(gx_at(nets.bundles, gx_at(nets.bundle_of_pin[i], node.pin)).nets);
+        on_node.push_back(gx_at(nets.bundles, gx_at(nets.bundle_of_pin[i], node.pin)));
       else
-        nets_of_node.push_back(nets.named(node.label, instance.source));
+        on_node.push_back({nets.named(node.label, instance.source)});
     }
+    std::vector<std::size_t> bits;
+    for (const auto& node : device.nodes) bits.push_back(gxi_xschem_pin_names(placed, node).size());
     const bool several = placed.devices.size() > 1;
     for (std::size_t k = 0; k < placed.names.size(); ++k) {
       auto single = instance;
       single.name = (several ? device.prefix : "") + placed.names[k];
-      single.deck = gxi_xschem_deck_line(placed, line, k);
+      single.deck = gxi_xschem_deck_line(placed, line, k, [&](std::size_t n, std::size_t bit) {
+        const auto& around = on_node[n].around;
+        return around.empty() ? "@" : around[(k * bits[n] + bit) % around.size()];
+      });
       for (const auto& name : handed_[instance.symbol])
         if (single.deck.find(" " + name + "=") == std::string::npos)
           single.deck += " " + name + "=" + gxi_xschem_whole_value(placed, name);
       if (k == 0) single.properties = seen;
-      for (std::size_t n = 0; n < nets_of_node.size(); ++n) {
-        const auto& node = device.nodes[n];
-        const auto bits = gxi_xschem_pin_names(placed, node).size();
-        for (std::size_t bit = 0; bit < bits; ++bit)
-          single.nets.push_back(nets_of_node[n][(k * bits + bit) % nets_of_node[n].size()]);
-      }
+      for (std::size_t n = 0; n < on_node.size(); ++n)
+        for (std::size_t bit = 0; bit < bits[n]; ++bit)
+          single.nets.push_back(on_node[n].nets[(k * bits[n] + bit) % on_node[n].nets.size()]);
       sheet.instances.push_back(std::move(single));
     }
   }
