@@ -70,6 +70,9 @@ class reader : private gxi_lepton_lines_t {
   // --- records
   void record(gxi_lepton_file_t& file, bool embedded) {
     switch (line().front()) {
+      case '#':  // a comment
+      case 'F':  // a font, in old files
+        return;
       case 'v':
         take_numbers(1, 2);
         return;
