@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr int oldest_version = 20211014;
+constexpr int oldest_version = 20200310;
 
 gxi_kicad_use_t use_of(const gxi_kicad_list_t& path) {
   gxi_kicad_use_t use{.path = std::string(path.word(1)),
@@ -154,6 +154,17 @@ class reader {
     file_.placed.push_back(std::move(placed));
   }
 
+  // The first two fields of a sheet are its name and its file, in older files under the words of
+  // the user's language.
+  static void name_by_order(std::vector<gxi_kicad_field_t>& fields) {
+    constexpr std::string_view words[] = {"Sheetname", "Sheetfile"};
+    const bool has_names = std::any_of(fields.begin(), fields.end(), [](const auto& field) {
+      return field.name.starts_with("Sheet");
+    });
+    for (std::size_t i = 0; !has_names && i < std::size(words) && i < fields.size(); ++i)
+      fields[i].name = words[i];
+  }
+
   void take_block(const gxi_kicad_list_t& item) {
     gxi_kicad_block_t block{.line = item.line(),
                             .id = id_of(item),
@@ -166,6 +177,7 @@ class reader {
       pin.shape = list.word(2);
       block.pins.push_back(std::move(pin));
     }
+    name_by_order(block.fields);
     if (block.file().empty()) item.refuse("a sheet names no file");
     file_.blocks.push_back(std::move(block));
   }
