@@ -275,7 +275,7 @@ struct kv_layout<kv_pinm_record_t> {
 
 // --- the parts of the file, after the general information record
 
-// A property list: where it is in the store and which counter tells its length.
+// A property list: where it is in the store and which counter holds its length.
 struct kv_list_part_t {
   std::string_view name;
   kv_prop_list_t kv_kept_lists_t::*list;

@@ -38,7 +38,7 @@ int tool_end(const tool_t& tool, int exit_status);
 // Reads the command line: options into their places, all else into `words`; what follows "--", or
 // the word that is number `last` (a script, whose words are its own), is no option. A status when
 // the program is to end with it: it was asked about itself, or asked wrongly. From then on a reader
-// of standard output that goes away is an error that tool_end tells.
+// of standard output that goes away is an error that tool_end reports.
 std::optional<int> tool_read(const tool_t& tool, int argc, char** argv,
                              std::span<const tool_option_t> options,
                              std::vector<std::string_view>& words,

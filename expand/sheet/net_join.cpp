@@ -83,20 +83,21 @@ void kv_net_table::take_segment(std::int32_t net, int segment) {
 
 kv_net_groups_t kv_net_table::join(std::span<const std::string_view> names,
                                    std::span<const kv_port_name_t> port_names) {
-  using bearers_t = std::unordered_map<std::string, std::int32_t>;
+  using first_of_name_t = std::unordered_map<std::string, std::int32_t>;
   std::string key;
-  const auto bear = [&](bearers_t& bearers, std::string_view name, std::int32_t net,
-                        kv_join_why why) {
+  const auto join_named = [&](first_of_name_t& first, std::string_view name, std::int32_t net,
+                              kv_join_why why) {
     if (name.empty()) return;
     key.assign(name);
     std::transform(key.begin(), key.end(), key.begin(), gx_upper_case);
-    const auto [at, is_new] = bearers.try_emplace(key, net);
+    const auto [at, is_new] = first.try_emplace(key, net);
     if (!is_new) unite(at->second, net, why);
   };
-  bearers_t nets, ports;
+  first_of_name_t nets, ports;
   for (std::size_t i = 0; i < nb_of_net_; ++i)
-    bear(nets, names[i], static_cast<std::int32_t>(i), kv_join_why::name);
-  for (const auto& port : port_names) bear(ports, port.name, port.net, kv_join_why::port_name);
+    join_named(nets, names[i], static_cast<std::int32_t>(i), kv_join_why::name);
+  for (const auto& port : port_names)
+    join_named(ports, port.name, port.net, kv_join_why::port_name);
 
   // The root is the smallest position of its group, so it is met first.
   kv_net_groups_t groups;

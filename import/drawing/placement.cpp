@@ -44,8 +44,8 @@ std::string kept_line(std::u32string_view line) {
   return kept.size() > gxi_longest_value ? gx_ascii(text).substr(0, gxi_longest_value) : kept;
 }
 
-// Turns a look that is upside down: where its line runs to (1, 0) unturned, and its letters
-// stand up to, tells how.
+// Turns a look that is upside down. `along` is where its line runs to (1, 0) unturned, `upwards`
+// where its letters point up.
 void make_readable(gxi_look_t& look, gx_pointreal_t along, gx_pointreal_t upwards) {
   const bool across = along.y == 0;
   look.rotate = across ? 0 : 1;

@@ -7,8 +7,8 @@
 // AREa; another binding has the button to itself.
 //
 // A button whose commands are bound as "$DRAG command" runs them for drags only. Its click is free:
-// that of button 1 tells nothing but its SELect, those of buttons 2 and 3 show the menu, whose line
-// the next click takes; on the command line button 2 pastes. "$DRAG $PAN" pans.
+// that of button 1 echoes nothing but its SELect, those of buttons 2 and 3 show the menu, whose
+// line the next click takes; on the command line button 2 pastes. "$DRAG $PAN" pans.
 #pragma once
 
 #include <functional>
