@@ -9,24 +9,14 @@ flat SPICE netlist of xschem, whose names are in capitals and joined by "_" from
 are told by their position there). The two agree when every net joins the same pins. EXPECTED.JSON
 holds counts that the listing must reach. Says what differs; the exit status is 1 then.
 
-Names are compared in ASCII: a part called by a Greek letter there bears the letter's name here.
-A part whose name ends in ~2, ~3 ... is a further part of the same package.
+Names are compared as they were drawn: the listing spells some of their letters, as "%CF%95". A part
+whose name ends in ~2, ~3 ... is a further part of the same package.
 """
 import collections
 import json
 import re
 import sys
-import unicodedata
-
-
-def in_ascii(text):
-    def letter(c):
-        if c.isascii():
-            return c
-        name = re.match(r"GREEK (?:SMALL LETTER |CAPITAL LETTER )?(\w+)", unicodedata.name(c, ""))
-        return name.group(1).lower() if name else "?"
-
-    return "".join(map(letter, text))
+import urllib.parse
 
 
 def reference_nets(path):
@@ -42,7 +32,7 @@ def reference_nets(path):
         name, colon, pins = line.rstrip("\n").partition(" : ")
         if colon:
             nets[name] = frozenset(
-                "/" + in_ascii("/".join(pin.rsplit(" ", 1))) for pin in pins.split(", "))
+                "/" + "/".join(pin.rsplit(" ", 1)) for pin in pins.split(", "))
     return nets
 
 
@@ -121,7 +111,7 @@ def listed_nets(path, spice=False):
         device = path.rsplit("/", 1)[0]
         positions[device] += 1
         on[net].add(f"{spice_name(device)} {positions[device]}" if spice
-                    else re.sub(r"~\d+(?=/[^/]*$)", "", path))
+                    else urllib.parse.unquote(re.sub(r"~\d+(?=/[^/]*$)", "", path)))
     return {names[net]: frozenset(pins_on) for net, pins_on in on.items()}, counts
 
 
