@@ -44,7 +44,8 @@ kv_text_t kv_keep_suffix(kv_sheet_t& sheet, std::string_view name, std::string_v
 void kv_keep_property(kv_sheet_t& sheet, const kv_setup_t& setup,
                       const kv_prop_type_record_t& entry, std::string_view value) {
   kv_kept_t kept;
-  const std::string text = gx_plain_text(value);
+  const std::string plain = gx_has_signs(value) ? gx_plain_text(value) : std::string();
+  const std::string_view text = plain.empty() ? value : plain;
   kept.type = type_of_letter(gx_view(entry.prop_type));
   kept.text = kv_keep_text(sheet, {text});
   kept.decode_at_visit = kept.type != kv_prop_string && kv_depends_on_macro(text, setup);
