@@ -72,9 +72,12 @@ std::string_view gx_list_word_at(gx_point16_t pixel) {
   const int line = std::max<int>(v.nlinlist_disp, 1) + row;
   if (row >= v.nb_line_in_listviewp || line > v.nlinlist_end || line > gx_max_list_lines) return {};
   constexpr std::string_view between = " \"'";
-  const std::string_view text =
-      gx_view(gx_at(v.line_list, line - 1)).substr(0, static_cast<std::size_t>(gx_list_width()));
-  const auto at = static_cast<std::size_t>(column);
+  const std::string_view whole = gx_view(gx_at(v.line_list, line - 1));
+  const auto place = [whole](int shown) {
+    return gx_kept_place(whole, static_cast<std::size_t>(shown));
+  };
+  const auto text = whole.substr(0, place(gx_list_width()));
+  const auto at = place(column);
   if (at >= text.size() || between.find(text[at]) != between.npos) return {};
   const auto before = text.find_last_of(between, at);
   const std::size_t begin = before == text.npos ? 0 : before + 1;

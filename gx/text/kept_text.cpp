@@ -1,5 +1,6 @@
 #include "gx/text/kept_text.h"
 
+#include <algorithm>
 #include <charconv>
 
 #include "gx/text/characters.h"
@@ -75,4 +76,11 @@ bool gx_has_signs(std::string_view kept) { return kept.find(head) != kept.npos; 
 
 std::size_t gx_shown_length(std::string_view kept) {
   return gx_has_signs(kept) ? gx_characters(gx_shown_text(kept)).size() : kept.size();
+}
+
+std::size_t gx_kept_place(std::string_view kept, std::size_t shown) {
+  std::size_t at = 0;
+  for (; shown > 0 && at < kept.size(); --shown)
+    at += std::max<std::size_t>(sign_at(kept.substr(at)).length, 1);
+  return at;
 }

@@ -20,3 +20,6 @@ std::string gx_plain_text(std::string_view kept);
 bool gx_has_signs(std::string_view kept);
 // How many characters the shown text has.
 std::size_t gx_shown_length(std::string_view kept);
+// Where in the kept text the character at that place (from 0) of the shown text begins; the size of
+// the kept text where it shows no more.
+std::size_t gx_kept_place(std::string_view kept, std::size_t shown);

@@ -60,6 +60,12 @@ TEST_F(ListViewport, KnowsTheWordUnderThePointer) {
   for (const auto& [column, row] : {std::pair{1, 0}, {4, 0}, {17, 0}, {2, 7}, {-1, 0}, {2, -1}}) {
     EXPECT_EQ(at(column, row), "") << column << " " << row;
   }
+  gx_display_list("R 10\\u{B5}F /XR/X3");  // the sign takes one column
+  EXPECT_EQ(at(5, 6), "10\\u{B5}F");
+  EXPECT_EQ(at(6, 6), "");
+  EXPECT_EQ(at(7, 6), "/XR/X3");
+  EXPECT_EQ(at(12, 6), "/XR/X3");
+  EXPECT_EQ(at(13, 6), "");
 }
 
 TEST_F(ListViewport, KeepsAndScrolls) {
