@@ -102,7 +102,8 @@ gx_menu_rec_t* gx_ptrto_menu_rec(std::span<const int> index) {
 
 void gx_clear_menus() {
   for (std::size_t level = 1; level <= gx_max_menu_levels; ++level) {
-    for (record_ptr& record : level_records(level)) record.reset();
+    for (record_ptr& record : level_records(level))
+      if (record) record.reset();  // most are none: their pages are not written
   }
   gx_vext.menuline_lev.fill(0);
   gx_vext.prelinsel_lev.fill(0);
