@@ -115,7 +115,8 @@ class hierarchy_writer {
   void write_call(kv_object_t block) {
     const auto name = dk_visits_t::last_name(netlist_.path(block));
     const auto* const drawn = visits_.drawn(visits_.at(block.index).parent, name);
-    const std::string_view called = drawn == nullptr ? name : drawn->lines.front().name;
+    const bool is_drawn = drawn != nullptr && !drawn->lines.empty();
+    const std::string_view called = is_drawn ? drawn->lines.front().name : name;
     std::string line;
     if (gx_upper_case(called.front()) != 'X') line = "X";
     line.append(called).append(elements_.nodes_of(block));

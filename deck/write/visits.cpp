@@ -56,7 +56,7 @@ const dk_drawn_t* dk_sheet_t::drawn(std::string_view name) {
     drawn.lines = dk_compile(lines);
     drawn.parameters = dk_parameters(lines.substr(0, lines.find('\n')));
   }
-  return drawn.lines.empty() ? nullptr : &drawn;
+  return drawn.instance->lines.empty() ? nullptr : &drawn;
 }
 
 std::string_view dk_sheet_t::device(std::string_view called) {

@@ -20,7 +20,7 @@
 using dk_values_t = std::vector<std::pair<std::string, std::string>>;
 std::optional<std::string> dk_find(const dk_values_t& values, std::string_view name);
 
-// An instance of a sheet, its lines made ready.
+// An instance of a sheet that has lines, and those that are devices or commands made ready.
 struct dk_drawn_t {
   const dk_instance_t* instance = nullptr;
   std::ptrdiff_t place = 0;  // in the file

@@ -5,6 +5,7 @@
 #include <array>
 #include <filesystem>
 
+#include "gx/text/numbers.h"
 #include "import/drawing/netlist_text.h"
 #include "import/drawing/source_file.h"
 
@@ -68,6 +69,9 @@ struct statement_t {
 constexpr auto statements = std::to_array<statement_t>(
     {{"model", ".MODEL"}, {"directive", ""}, {"include", ".INCLUDE"}, {"options", ".OPTIONS"}});
 
+// What says that a sheet is a subcircuit, and its ports.
+constexpr std::string_view subcircuit = "spice-subcircuit-LL", port = "spice-IO";
+
 const statement_t* statement_of(const gxi_lepton_placed_t& placed) {
   const auto name = placed.value("device");
   const auto* const found = std::ranges::find(statements, name, &statement_t::device);
@@ -118,6 +122,25 @@ void add_values(std::string& line, const gxi_lepton_placed_t& placed, const devi
   }
 }
 
+// A source of high gain; nothing flows into what it measures.
+std::string nullor(const gxi_lepton_placed_t& placed, const std::string& name) {
+  const auto value = given(placed, "value");
+  std::string lines = "E_" + name;
+  add_nodes(lines, 0, 4);
+  add(lines, value.empty() ? "1000Meg" : value);
+  lines += "\nIMeasure_" + name;
+  add_nodes(lines, 2, 4);
+  lines += " dc 0\nIOut_" + name;
+  add_nodes(lines, 0, 2);
+  return lines + " dc 0";
+}
+
+// "P" and 10 of "P10", as ports are in order.
+std::pair<std::string_view, std::size_t> order_of(std::string_view name) {
+  const auto number = std::min(name.find_first_of("0123456789"), name.size());
+  return {name.substr(0, number), gx_whole_number<std::size_t>(name.substr(number)).value_or(0)};
+}
+
 bool is_subcircuit(const gxi_lepton_placed_t& placed) {
   const auto file = gxi_lepton_model_file(placed);
   const auto path = fs::path(placed.file).parent_path() / file;
@@ -134,8 +157,10 @@ std::string gxi_lepton_model_file(const gxi_lepton_placed_t& placed) {
 
 std::string gxi_lepton_deck_lines(const gxi_lepton_placed_t& placed, const std::string& name) {
   if (const auto* const kind = statement_of(placed)) return statement(placed, *kind);
-  const auto& device = device_of(placed);
   const auto what = placed.value("device");
+  if (what == subcircuit || what == port) return "\n";  // a line without a device
+  if (what == "SPICE-nullor" && placed.pins.size() == 4) return nullor(placed, name);
+  const auto& device = device_of(placed);
   std::string line;
   const char letter = device.letter == '\0' && is_subcircuit(placed) ? 'X' : device.letter;
   if (letter != '\0' && !name.starts_with(letter)) line = letter;
@@ -156,5 +181,24 @@ std::string gxi_lepton_deck_lines(const gxi_lepton_placed_t& placed, const std::
     add_nodes(line, 2, 4);
     line += " dc 0";
   }
+  return line;
+}
+
+std::string gxi_lepton_subcircuit(
+    std::span<const gxi_lepton_placed_t> sheet,
+    const std::function<std::string_view(std::size_t part)>& net_of_first_pin) {
+  const gxi_lepton_placed_t* named = nullptr;
+  std::vector<std::size_t> ports;
+  for (std::size_t i = 0; i < sheet.size(); ++i) {
+    if (sheet[i].role != gxi_lepton_role_t::part) continue;
+    const auto device = sheet[i].value("device");
+    if (device == subcircuit) named = &sheet[i];
+    if (device == port && !sheet[i].pins.empty()) ports.push_back(i);
+  }
+  if (named == nullptr) return {};
+  std::ranges::stable_sort(ports, {}, [&](std::size_t i) { return order_of(sheet[i].name); });
+  const auto name = given(*named, "model-name");
+  std::string line = ".SUBCKT " + std::string(name.empty() ? "unknown" : name);
+  for (const auto i : ports) line.append(" ").append(net_of_first_pin(i));
   return line;
 }

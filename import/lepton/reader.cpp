@@ -113,6 +113,7 @@ class lepton_reader {
     commons_.order.push_back(index);
     sheet.nets = std::move(nets.nets);
     for (auto& net : sheet.nets) net.name = gxi_lepton_name(net.name);
+    if (index == 0) take_subcircuit(placed, nets.of_pin, sheet);
     cell(index).sheet = std::move(sheet);
   }
 
@@ -238,15 +239,33 @@ class lepton_reader {
     sheet.instances.push_back(std::move(instance));
   }
 
-  // A further part of a package has a name of its own.
+  // A further part of a package has a name of its own, in a deck with the slot it is in.
   void take_deck(const gxi_lepton_placed_t& placed, const gxi_sheet_t& sheet,
                  gxi_instance_t& instance) {
     const auto same = std::ranges::count(sheet.instances, instance.name, &gxi_instance_t::name);
-    instance.deck = gxi_lepton_deck_lines(
-        placed, instance.name + (same == 0 ? "" : "~" + std::to_string(same + 1)));
+    const std::string slot(gxi_lepton_value(placed.component->attributes, "slot"));
+    const std::string part = !slot.empty() ? "." + slot
+                             : same > 0    ? "~" + std::to_string(same + 1)
+                                           : "";
+    instance.deck = gxi_lepton_deck_lines(placed, instance.name + part);
     const auto file = gxi_lepton_model_file(placed);
     if (!file.empty() && model_files_.insert(file).second)
       cell(0).deck.definition += ".include " + file + "\n";
+  }
+
+  // The deck of a sheet that is a subcircuit of its own.
+  void take_subcircuit(const std::vector<gxi_lepton_placed_t>& placed,
+                       const std::vector<std::vector<int>>& nets_of_pins,
+                       const gxi_sheet_t& sheet) {
+    const auto line = gxi_lepton_subcircuit(placed, [&](std::size_t part) -> std::string_view {
+      const auto& net = gx_at(sheet.nets, nets_of_pins[part].front());
+      if (net.name.empty())
+        warn(placed[part].source(), placed[part].name + " is a port, but its net has no name");
+      return net.name;
+    });
+    if (line.empty()) return;
+    cell(0).deck.header += line + "\n";
+    cell(0).deck.end += ".ends\n";
   }
 
   // Pins of the block whose ports are on one net.
