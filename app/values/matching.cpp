@@ -85,10 +85,15 @@ class matcher_t {
     for (std::size_t length = names.size(); length > 0; --length) {
       const std::string last = gx_upper(names[length - 1]);
       for (const auto& block : blocks(names.first(length - 1))) {
-        std::int32_t inst = inst_with(block + "/" + last);
-        if (inst == 0 && last.starts_with('X')) inst = inst_with(block + "/" + last.substr(1));
-        if (inst == 0 && letter != 0) inst = inst_with(block + "/" + letter + last);
+        std::string key = block + "/" + last;
+        std::int32_t inst = inst_with(key);
+        if (inst == 0 && last.starts_with('X')) {
+          inst = inst_with(key = block + "/" + last.substr(1));
+        }
+        if (inst == 0 && letter != 0) inst = inst_with(key = block + "/" + letter + last);
         if (inst == 0) continue;
+        if (length < names.size()) inst = in_slot(inst, key, names[length]);
+        if (inst == 0) return 0;
         rest.clear();
         for (const auto name : names.subspan(length)) {
           rest.append(rest.empty() ? "" : ".").append(name);
@@ -97,6 +102,27 @@ class matcher_t {
       }
     }
     return 0;
+  }
+
+  // "q1.2": of the parts of a package, Q1, Q1~2 ..., the one in slot 2; 0 when none of them is.
+  std::int32_t in_slot(std::int32_t inst, const std::string& key, std::string_view slot) const {
+    if (slot.find_first_not_of("0123456789") != slot.npos) return inst;
+    std::int32_t part = inst;
+    for (int k = 2; part != 0; ++k) {
+      if (slot_of(part) == slot) return part;
+      part = inst_with(key + "~" + std::to_string(k));
+      if (part == 0 && k == 2) return inst;  // no package
+    }
+    return 0;
+  }
+  std::string_view slot_of(std::int32_t inst) const {
+    const kv_object_t object{kv_named::inst, inst};
+    const auto& netlist = expanded_.netlist;
+    for (std::int32_t k = 0; k < netlist.nb_of_properties(object); ++k) {
+      if (netlist.property_name(kv_named::inst, k) == "slot")
+        return netlist.property(object, k).text;
+    }
+    return {};
   }
 
   // The keys of the blocks that names may mean, the plainest first; "" is the top. Kept, as many

@@ -28,6 +28,8 @@ sheet top
   part XR cell 5,5
   part U1 cell 15,5
   part M1 mos 25,5
+  part Q1 mos 35,5 slot=2
+  part Q1~2 mos 45,5 slot=1
   global VDD vdd 2,2
   net A
     wire XR.A 5,3 15,3 U1.A
@@ -101,6 +103,16 @@ TEST_F(Values, NamesOfEveryDeckMeetTheDesignBeforeAndAfterARun) {
                        "# no value : /Q", "# 2 names that meet nothing, 1 nets without a value",
                        " VALues CHEck "}));
   }
+}
+
+TEST_F(Values, APartOfAPackageIsFoundByItsSlot) {
+  write({"@q1.1[gm]\tadmittance", "@q1.2[gm]\tadmittance", "@q1.3[gm]\tadmittance"});
+  run("property instance s slot");
+  expand();
+  run("values file a.raw");
+  EXPECT_EQ(first("values device q1~2"), "# /Q1~2 : gm 2 S at 0");
+  EXPECT_EQ(first("values device q1"), "# /Q1 : gm 3 S at 0");
+  EXPECT_EQ(first("values check"), "# meets nothing : @q1.3[gm]");
 }
 
 TEST_F(Values, WhatIsSelectedIsAskedForOnTheSheetThatOneHasWalkedTo) {
