@@ -2,8 +2,6 @@
 #include "import/kicad/reader.h"
 
 #include <algorithm>
-#include <list>
-#include <memory>
 #include <optional>
 #include <set>
 #include <utility>
@@ -21,8 +19,8 @@
 #include "import/kicad/nets.h"
 #include "import/kicad/picture.h"
 #include "import/kicad/references.h"
+#include "import/kicad/sheets.h"
 #include "import/kicad/signs.h"
-#include "import/kicad/variables.h"
 
 namespace {
 
@@ -30,30 +28,8 @@ namespace fs = std::filesystem;
 
 // Up to here a power symbol names the net of its hidden pin, later that of its value.
 constexpr int version_of_values = 20230221;
-constexpr std::size_t most_visits = 200'000;
 
-// A sheet file, read once.
-struct loaded_t {
-  fs::path path{};
-  std::string_view name{};  // for messages
-  gxi_kicad_file_t records{};
-};
-
-// What an instance of a cell is called, and where its reference is found.
-struct part_t {
-  const gxi_kicad_placed_t* placed = nullptr;
-  std::string name{};
-};
-struct below_t {
-  const gxi_kicad_block_t* block = nullptr;
-  std::string name{};
-  int cell = 0;
-};
-struct cell_t {
-  const loaded_t* from = nullptr;
-  std::vector<part_t> parts{};
-  std::vector<below_t> blocks{};
-};
+using loaded_t = gxi_kicad_loaded_t;
 
 // The block that a sheet is read for, and the names of its pins here.
 struct seen_from_above_t {
@@ -69,14 +45,15 @@ class kicad_reader {
     if (input_.pages.size() > 1)
       gxi_refuse({input_.pages[1].native(), 1}, "a drawing of KiCad has one top sheet");
     const auto path = fs::absolute(input_.pages.front()).lexically_normal();
-    variables_ = gxi_kicad_project_variables(path);
-    top_ = &load(path);
-    load_all(*top_);
-    references_.emplace(top_->records);
+    sheets_.emplace(path, design_);
+    const auto& top = sheets_->top();
+    references_.emplace(top.records);
     design_.cells.emplace_back().name = path.stem().string();
-    read_sheet(0, *top_, {}, "/" + top_->records.id);
+    read_sheet(0, top, {}, "/" + top.records.id);
     globals_.share(design_);
-    write_references();
+    auto lines =
+        gxi_kicad_reference_lines(uses_, *references_, "/" + top.records.id, design_.warnings);
+    if (!lines.empty()) design_.beside.push_back({"references", std::move(lines)});
     gxi_keep_most_used(design_, {{"Value"}}, {});
     design_.kept_of_pins = {"FUNCTION", std::string(gxi_electrical)};
     return std::move(design_);
@@ -86,80 +63,6 @@ class kicad_reader {
   gxi_cell_t& cell(int index) { return gx_at(design_.cells, index); }
   void warn(const loaded_t& from, int line, const std::string& what) {
     gxm_complain(design_.warnings, {from.name, line}, what);
-  }
-
-  // --- files
-  const loaded_t& load(const fs::path& path) {
-    const auto [found, is_new] = files_.emplace(path.string(), nullptr);
-    if (!is_new) return *found->second;
-    found->second = std::make_unique<loaded_t>();
-    auto& loaded = *found->second;
-    loaded.path = path;
-    loaded.name = design_.files.emplace_back(path.string());
-    loaded.records = gxi_kicad_read_records(gxi_read_source(path), loaded.name);
-    if (loaded.records.images > 0)
-      warn(loaded, 1, std::to_string(loaded.records.images) + " pictures are left out");
-    return loaded;
-  }
-
-  fs::path path_of(const loaded_t& from, const gxi_kicad_block_t& block) const {
-    const fs::path file = gxi_kicad_substitute(
-        block.file(), [&](std::string_view name) { return project_variable(name); });
-    return file.is_absolute() ? file : (from.path.parent_path() / file).lexically_normal();
-  }
-
-  // Aliases of buses count in the whole design.
-  void load_all(const loaded_t& from) {
-    if (!walked_.insert(&from).second) return;
-    for (const auto& [name, members] : from.records.aliases) aliases_.emplace(name, members);
-    for (const auto& block : from.records.blocks) load_all(load_below(from, block));
-  }
-  const loaded_t& load_below(const loaded_t& from, const gxi_kicad_block_t& block) {
-    const auto path = path_of(from, block);
-    std::error_code none;
-    if (!fs::exists(path, none))
-      gxi_refuse({from.name, block.line}, "the sheet " + path.string() + " is missing");
-    return load(path);
-  }
-
-  // --- variables
-  std::optional<std::string> project_variable(std::string_view name) const {
-    const auto found = variables_.find(name);
-    return found == variables_.end() ? std::nullopt : std::optional(found->second);
-  }
-  std::optional<std::string> variable(const loaded_t& from, std::string_view name) const {
-    static constexpr std::pair<std::string_view, std::string_view> of_title[] = {
-        {"TITLE", "title"},       {"ISSUE_DATE", "date"},   {"REVISION", "rev"},
-        {"COMPANY", "company"},   {"COMMENT1", "comment1"}, {"COMMENT2", "comment2"},
-        {"COMMENT3", "comment3"}, {"COMMENT4", "comment4"}, {"COMMENT5", "comment5"},
-        {"COMMENT6", "comment6"}, {"COMMENT7", "comment7"}, {"COMMENT8", "comment8"},
-        {"COMMENT9", "comment9"}};
-    if (name == "FILENAME") return from.path.filename().string();
-    for (const auto& [variable, keyword] : of_title)
-      if (variable == name)
-        for (const auto& [key, value] : from.records.title)
-          if (key == keyword) return value;
-    return project_variable(name);
-  }
-  std::string name_of(const loaded_t& from, std::string_view text) const {
-    return gxi_kicad_unescaped(text_of(from, text));
-  }
-  std::string text_of(const loaded_t& from, std::string_view text) const {
-    return gxi_kicad_substitute(text, [&](std::string_view name) { return variable(from, name); });
-  }
-  // Of a symbol's or a block's field: the other fields count, too.
-  std::string field_text(const loaded_t& from, const std::vector<gxi_kicad_field_t>& fields,
-                         const std::string& reference, std::string_view text) const {
-    return gxi_kicad_substitute(text, [&](std::string_view name) -> std::optional<std::string> {
-      if (name == "REFERENCE") return reference;
-      for (const auto& field : fields) {
-        const bool same =
-            std::equal(name.begin(), name.end(), field.name.begin(), field.name.end(),
-                       [](char a, char b) { return gx_upper_case(a) == gx_upper_case(b); });
-        if (same) return field.value.text;
-      }
-      return variable(from, name);
-    });
   }
 
   // --- sheets
@@ -178,13 +81,12 @@ class kicad_reader {
                   const std::string& path) {
     const fs::path paths[] = {from.path};
     const auto level = hierarchy_.enter(paths);
-    if (gx_at(cells_, index).from == nullptr) gx_at(cells_, index).from = &from;
     sheet_t here{.from = from, .path = path};
     here.joins.file = &from.records;
     here.joins.name = from.name;
-    here.joins.aliases = aliases_;
+    here.joins.aliases = sheets_->aliases();
     for (const auto& label : from.records.labels)
-      here.joins.labels.push_back(name_of(from, label.text.text));
+      here.joins.labels.push_back(sheets_->name(from, label.text.text));
     for (const auto& placed : from.records.placed) place(here, placed);
     for (const auto& block : from.records.blocks) read_block(here, block);
     const auto joined = gxi_kicad_join(here.joins);
@@ -216,7 +118,7 @@ class kicad_reader {
     auto& joined = here.joins.joined.emplace_back();
     if (symbol == nullptr) return;
     const auto value =
-        field_text(here.from, placed.fields, here.references.back(), value_of(placed));
+        sheets_->field_text(here.from, placed.fields, here.references.back(), value_of(placed));
     for (const auto* const pin : gxi_kicad_pins(*symbol, unit, placed.style)) {
       auto& one = met.emplace_back();
       one.pin = pin;
@@ -259,13 +161,13 @@ class kicad_reader {
 
   void read_block(sheet_t& here, const gxi_kicad_block_t& block) {
     std::vector<std::string> pins;
-    for (const auto& pin : block.pins) pins.push_back(name_of(here.from, pin.text.text));
-    auto sign = gxi_kicad_block_sign(block, pins, aliases_);
-    const auto& below = load_below(here.from, block);
+    for (const auto& pin : block.pins) pins.push_back(sheets_->name(here.from, pin.text.text));
+    auto sign = gxi_kicad_block_sign(block, pins, sheets_->aliases());
+    const auto& below = sheets_->below(here.from, block);
     const fs::path paths[] = {below.path};
     const auto [index, is_new] = hierarchy_.cell(&below, gxi_kicad_sign_key(sign.symbol), paths,
                                                  {here.from.name, block.line});
-    cells_.resize(design_.cells.size());
+    uses_.resize(design_.cells.size());
     if (is_new) {
       cell(index).name = below.path.stem().string();
       cell(index).symbol = sign.symbol;
@@ -330,7 +232,7 @@ class kicad_reader {
 
   void draw_frame(const loaded_t& from, gxi_sheet_t& sheet) const {
     auto title = from.records.title;
-    for (auto& [keyword, value] : title) value = text_of(from, value);
+    for (auto& [keyword, value] : title) value = sheets_->text(from, value);
     gxi_kicad_draw_frame(from.records.paper, title, from.path.filename().string(), sheet);
   }
 
@@ -371,7 +273,7 @@ class kicad_reader {
 
   void write(const loaded_t& from, gxi_kicad_text_t text, std::uint8_t color, gxi_sheet_t& sheet) {
     text.rotate %= 2;
-    gxi_kicad_write(text_of(from, text.text), gxi_kicad_look(text, false, color), sheet.texts,
+    gxi_kicad_write(sheets_->text(from, text.text), gxi_kicad_look(text, false, color), sheet.texts,
                     sheet.shapes);
   }
 
@@ -413,7 +315,7 @@ class kicad_reader {
 
   int cell_of(gxi_symbol_t sign, const gxm_source_t& source) {
     const auto [index, is_new] = hierarchy_.cell(nullptr, gxi_kicad_sign_key(sign), {}, source);
-    cells_.resize(design_.cells.size());
+    uses_.resize(design_.cells.size());
     if (is_new) {
       cell(index).name = sign.name;
       sign.source = source;
@@ -480,7 +382,7 @@ class kicad_reader {
     take_fields(here, placed, reference, instance, sheet);
     if (!placed.populated)
       gxi_kicad_cross_out(instance, gx_at(design_.cells, instance.symbol).symbol, sheet);
-    auto& named = gx_at(cells_, index);
+    auto& named = gx_at(uses_, index);
     named.parts.push_back({&placed, take_name(index, drawn)});
     sheet.instances.push_back(std::move(instance));
   }
@@ -502,8 +404,8 @@ class kicad_reader {
           gxi_kicad_write(instance.name, look, sheet.texts, sheet.shapes);
         continue;
       }
-      auto value =
-          gxi_kicad_readable(field_text(here.from, placed.fields, reference, field.value.text));
+      auto value = gxi_kicad_readable(
+          sheets_->field_text(here.from, placed.fields, reference, field.value.text));
       if (value.empty() || value == "~") continue;
       gxi_property_t property{gxi_property_name(field.name), std::move(value), {}};
       if (!field.value.hidden) property.look = look;
@@ -521,10 +423,11 @@ class kicad_reader {
                    gxi_sheet_t& sheet) {
     for (const auto& field : placed.fields)
       if (!field.value.hidden)
-        gxi_kicad_write(field.name == "Reference"
-                            ? reference
-                            : field_text(here.from, placed.fields, reference, field.value.text),
-                        look_of(instance, field.value), sheet.texts, sheet.shapes);
+        gxi_kicad_write(
+            field.name == "Reference"
+                ? reference
+                : sheets_->field_text(here.from, placed.fields, reference, field.value.text),
+            look_of(instance, field.value), sheet.texts, sheet.shapes);
   }
 
   // A power symbol is an instance where its net is one of the whole design on this sheet; where
@@ -560,7 +463,7 @@ class kicad_reader {
     instance.symbol = here.blocks[i];
     instance.source = {here.from.name, block.line};
     instance.at = gxi_kicad_on_sheet(block.at);
-    instance.name = field_text(here.from, block.fields, {}, block.name());
+    instance.name = sheets_->field_text(here.from, block.fields, {}, block.name());
     for (std::size_t pin = 0; pin < joined.of_block[i].size(); ++pin)
       if (const auto& members = joined.of_block[i][pin]; !here.signs[i].names[pin].empty())
         instance.nets.insert(instance.nets.end(), members.begin(), members.end());
@@ -573,47 +476,21 @@ class kicad_reader {
       if (is_name && gx_spelled_name(instance.name) == instance.name)
         instance.name_look = look;
       else
-        gxi_kicad_write(field_text(here.from, block.fields, {}, field.value.text), look,
+        gxi_kicad_write(sheets_->field_text(here.from, block.fields, {}, field.value.text), look,
                         sheet.texts, sheet.shapes);
     }
-    gx_at(cells_, index)
-        .blocks.push_back({&block, take_name(index, instance.name), here.blocks[i]});
+    gx_at(uses_, index).blocks.push_back({&block, take_name(index, instance.name), here.blocks[i]});
     sheet.instances.push_back(std::move(instance));
-  }
-
-  // --- references of the whole design
-  void write_references() {
-    std::string lines;
-    std::size_t visits = 0;
-    visit(0, "/" + top_->records.id, "", lines, visits);
-    if (visits > most_visits)
-      design_.warnings.push_back("more than " + std::to_string(most_visits) +
-                                 " sheets in use: the references of further ones are left out");
-    if (!lines.empty()) design_.beside.push_back({"references", std::move(lines)});
-  }
-  void visit(int index, const std::string& path, const std::string& names, std::string& lines,
-             std::size_t& visits) {
-    if (++visits > most_visits) return;
-    for (const auto& part : gx_at(cells_, index).parts) {
-      const auto reference = references_->reference(*part.placed, path);
-      if (reference != part.name) lines += names + "/" + part.name + " " + reference + "\n";
-    }
-    for (const auto& below : gx_at(cells_, index).blocks)
-      visit(below.cell, path + "/" + below.block->id, names + "/" + below.name, lines, visits);
   }
 
   const gxi_input_t& input_;
   gxi_design_t design_{};
   gxi_hierarchy_t hierarchy_{design_};
-  gxi_kicad_variables_t variables_{};
-  std::map<std::string, std::unique_ptr<loaded_t>> files_{};
-  const loaded_t* top_ = nullptr;
-  std::set<const loaded_t*> walked_{};
-  gxi_kicad_aliases_t aliases_{};
+  std::optional<gxi_kicad_sheets_t> sheets_{};
   std::optional<gxi_kicad_references_t> references_{};
   std::map<const loaded_t*, gxi_kicad_face_t> faces_{};
-  std::vector<cell_t> cells_{1};
-  std::map<int, gxi_names_t> taken_{};  // by cell
+  std::vector<gxi_kicad_cell_use_t> uses_{1};  // by cell
+  std::map<int, gxi_names_t> taken_{};         // by cell
   gxi_kicad_globals_t globals_{};
 };
 

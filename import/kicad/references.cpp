@@ -1,5 +1,38 @@
 #include "import/kicad/references.h"
 
+#include "gx/text/at.h"
+
+namespace {
+
+constexpr std::size_t most_visits = 200'000;
+
+class reference_writer {
+ public:
+  reference_writer(const std::vector<gxi_kicad_cell_use_t>& cells,
+                   const gxi_kicad_references_t& references)
+      : cells_(cells), references_(references) {}
+
+  void visit(int index, const std::string& path, const std::string& names) {
+    if (++visits_ > most_visits) return;
+    for (const auto& part : gx_at(cells_, index).parts) {
+      const auto reference = references_.reference(*part.placed, path);
+      if (reference != part.name) lines_ += names + "/" + part.name + " " + reference + "\n";
+    }
+    for (const auto& below : gx_at(cells_, index).blocks)
+      visit(below.cell, path + "/" + below.block->id, names + "/" + below.name);
+  }
+  bool is_whole() const { return visits_ <= most_visits; }
+  std::string take() { return std::move(lines_); }
+
+ private:
+  const std::vector<gxi_kicad_cell_use_t>& cells_;
+  const gxi_kicad_references_t& references_;
+  std::string lines_;
+  std::size_t visits_ = 0;
+};
+
+}  // namespace
+
 gxi_kicad_references_t::gxi_kicad_references_t(const gxi_kicad_file_t& top)
     : id_length_(top.id.size()) {
   for (const auto& use : top.all_uses) old_uses_.emplace(use.path, &use);
@@ -28,6 +61,17 @@ int gxi_kicad_references_t::unit(const gxi_kicad_placed_t& placed, const std::st
     if (use.path == path && use.unit > 0) return use.unit;
   const auto* const use = placed.uses.empty() ? old_use(placed, path) : nullptr;
   return use != nullptr && use->unit > 0 ? use->unit : placed.unit;
+}
+
+std::string gxi_kicad_reference_lines(const std::vector<gxi_kicad_cell_use_t>& cells,
+                                      const gxi_kicad_references_t& references,
+                                      const std::string& path, std::vector<std::string>& warnings) {
+  reference_writer writer(cells, references);
+  writer.visit(0, path, "");
+  if (!writer.is_whole())
+    warnings.push_back("more than " + std::to_string(most_visits) +
+                       " sheets in use: the references of further ones are left out");
+  return writer.take();
 }
 
 std::string gxi_kicad_letters(int unit) {

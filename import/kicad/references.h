@@ -24,5 +24,27 @@ class gxi_kicad_references_t {
   std::map<std::string, const gxi_kicad_use_t*, std::less<>> old_uses_{};
 };
 
+// What the parts and blocks of a cell are called, and what of the drawing they are.
+struct gxi_kicad_cell_use_t {
+  struct part_t {
+    const gxi_kicad_placed_t* placed = nullptr;
+    std::string name{};
+  };
+  struct block_t {
+    const gxi_kicad_block_t* block = nullptr;
+    std::string name{};
+    int cell = 0;
+  };
+  std::vector<part_t> parts{};
+  std::vector<block_t> blocks{};
+};
+
+// A line for each part, in each use of its cell from the first cell down, whose reference is not
+// its name: its path and its reference. `path` is that of the top sheet. Of more uses than anybody
+// reads the rest is left out, which is told.
+std::string gxi_kicad_reference_lines(const std::vector<gxi_kicad_cell_use_t>& cells,
+                                      const gxi_kicad_references_t& references,
+                                      const std::string& path, std::vector<std::string>& warnings);
+
 // A, B ... Z, AA ... of unit 1, 2 ...
 std::string gxi_kicad_letters(int unit);
