@@ -99,9 +99,7 @@ class splitter {
     const auto rest = text_.substr(at_ + 1);
     if (rest.starts_with("pinlist")) {
       at_ += 8;
-      std::vector<int> all;
-      for (std::size_t i = 0; i < symbol_.pins.size(); ++i) all.push_back(static_cast<int>(i));
-      take_pins(std::move(all));
+      take_pins(pins_where([](const auto&) { return true; }));
     } else if (rest.starts_with("@")) {
       const auto length = std::min(rest.find_first_of(" \t\n\\),", 1), rest.size());
       const auto name = rest.substr(1, length - 1);
@@ -112,11 +110,16 @@ class splitter {
     }
   }
 
-  std::vector<int> pins_called(std::string_view name) const {
+  // Pins of one name are one node.
+  std::vector<int> pins_where(const std::function<bool(const gxi_xschem_pin_t&)>& is_one) const {
     std::vector<int> found;
     for (std::size_t i = 0; i < symbol_.pins.size(); ++i)
-      if (symbol_.pins[i].attributes.get("name") == name) found.push_back(static_cast<int>(i));
+      if (symbol_.pins[i].same_as < 0 && is_one(symbol_.pins[i]))
+        found.push_back(static_cast<int>(i));
     return found;
+  }
+  std::vector<int> pins_called(std::string_view name) const {
+    return pins_where([&](const auto& pin) { return pin.attributes.get("name") == name; });
   }
   std::vector<int> pins_at(std::string_view place) const {
     const auto number = gx_whole_number<std::size_t>(place);
