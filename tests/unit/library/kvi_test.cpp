@@ -4,7 +4,9 @@
 #include <sys/file.h>
 #include <sys/mman.h>
 
+#include <cstdlib>
 #include <cstring>
+#include <fstream>
 #include <functional>
 #include <vector>
 
@@ -180,6 +182,187 @@ TEST_F(KviTest, NamesOfNetsWithoutName) {
   kvi_free_net_record(&net);
 }
 
+TEST_F(KviTest, MacrosTheirPinsAndAllPinsAtOnce) {
+  ASSERT_EQ(load_store([] { kv_sext.pins[2].nb_of_property = 0; }), KVI_OK);
+  EXPECT_EQ(walk(kvi_get_first_macro, kvi_get_next_macro), (std::vector{1}));
+  EXPECT_EQ(walk([](auto* pin) { kvi_get_first_pin_of_macro(1, pin); }, kvi_get_next_pin_of_macro),
+            (std::vector{1}));
+  kvi_macro_record_t* macro = nullptr;
+  kvi_get_macro_record(1, &macro);
+  EXPECT_EQ(view(macro->name), "U1");
+  EXPECT_EQ(view(macro->file_path), "/d/sheet");
+  EXPECT_EQ(std::vector({macro->self_id, +macro->timing_index, +macro->nb_of_property}),
+            (std::vector{1, 3, 2}));
+  EXPECT_EQ(macro->prop[1]->value.ivalue[1], 2);
+  kvi_get_macro_record(2, &macro);
+  EXPECT_EQ(macro->self_id, 1);  // out of range: as it was
+  kvi_macro_pin_record_t* pin = nullptr;
+  kvi_get_macro_pin_record(1, &pin);
+  EXPECT_EQ(view(pin->sim_path), "/U1");
+  EXPECT_EQ(std::vector({pin->macro, pin->net, +pin->pin_start, +pin->pin_end, +pin->pin_net_start,
+                         +pin->nb_of_property}),
+            (std::vector{1, 2, 1, 2, 3, 1}));
+  kvi_free_macro_pin_record(&pin);
+  kvi_free_macro_record(&macro);
+  EXPECT_EQ(pin, nullptr);
+  EXPECT_EQ(macro, nullptr);
+
+  std::int32_t len = 0;
+  const char* const characters = kvi_get_characters(&len);
+  EXPECT_EQ(std::string_view(characters, static_cast<std::size_t>(len)).substr(0, 11),
+            "/U1/d/sheet");
+  kvi_pin_row_t rows[3] = {};
+  EXPECT_EQ(kvi_get_pins(0, 2, rows) + kvi_get_pins(3, 1, rows) + kvi_get_pins(1, 0, rows), 0);
+  EXPECT_EQ(kvi_get_pins(2, 2, rows), 1);
+  EXPECT_EQ(rows[0].pin_type, 3);
+  EXPECT_EQ(kvi_get_pins(1, 3, rows), 2);
+  EXPECT_EQ(
+      std::vector({rows[0].instance, rows[0].net, +rows[0].pin_type, +rows[0].pin_start,
+                   +rows[0].pin_end, +rows[0].pin_net_start, rows[0].path.at, rows[0].path.len}),
+      (std::vector{1, 2, 1, 3, 4, -1, 0, 3}));
+  EXPECT_STREQ(kvi_get_pin_property_name(0), "DELAY");
+  EXPECT_EQ(kvi_get_pin_property_name(1), nullptr);
+  EXPECT_EQ(kvi_get_pin_property_name(-1), nullptr);
+  kvi_value_row_t values[2] = {};
+  EXPECT_EQ(kvi_get_pin_values(1, 1, 2, values), 0);
+  EXPECT_EQ(kvi_get_pin_values(0, 1, 2, values), 2);
+  EXPECT_EQ(std::vector({values[0].vtype, values[0].whole[2], values[1].vtype, values[1].text.len}),
+            (std::vector<int>{KVI_TIME, 65536, KVI_STRING, 0}));
+}
+
+TEST_F(KviTest, JsonOfADesignAndOfADifference) {
+  ASSERT_EQ(load_store(), KVI_OK);
+  std::int64_t len = 0;
+  const std::string json = kvi_get_json(&len);
+  EXPECT_EQ(json.size(), static_cast<std::size_t>(len));
+  EXPECT_NE(json.find("\"/U1\""), json.npos);
+  const char* const none = kvi_get_difference("no/such", design_path.c_str(), &len);
+  EXPECT_EQ(none, nullptr);
+  EXPECT_STREQ(kvi_difference_error(), "no/such: No such file or directory");
+  EXPECT_EQ(kvi_get_difference(dir.c_str(), "", nullptr), nullptr);
+  EXPECT_STREQ(kvi_difference_error(), "no file named");
+  const std::string same = kvi_get_difference(dir.c_str(), design_path.c_str(), &len);
+  EXPECT_EQ(same, "{\"format\": \"kivo-difference\", \"version\": 1, \"changes\": [\n]}\n");
+  EXPECT_EQ(same.size(), static_cast<std::size_t>(len));
+  EXPECT_STREQ(kvi_difference_error(), "");
+}
+
+TEST_F(KviTest, LoadsByPathAndSaysWhyNot) {
+  std::int32_t status = 0;
+  const auto load_path = [&](const char* path) {
+    kvi_load(path, &status);
+    return std::pair(status, std::string(kvi_load_error()));
+  };
+  using result_t = std::pair<std::int32_t, std::string>;
+  ASSERT_EQ(load_store(), KVI_OK);
+  EXPECT_EQ(load_path(""), result_t(KVI_REFUSED, "no file named"));
+  EXPECT_EQ(kvi_get_nb_of_errors() + kvi_get_nb_of_pins(), 0);
+  EXPECT_EQ(load_path("/"), result_t(KVI_UNREADABLE, "/: not expanded: no design_kv in it"));
+  EXPECT_EQ(load_path(dir.c_str()), result_t(KVI_OK, ""));
+  EXPECT_EQ(kvi_get_nb_of_warnings(), 4);
+  EXPECT_EQ(kvi_get_nb_of_pins(), 2);
+  std::ofstream(design_path, std::ios::in) << "written again";
+  EXPECT_EQ(std::string(kvi_load_error()),
+            dir + ": was written again, or cut, since it was loaded");
+  EXPECT_EQ(kvi_get_nb_of_pins(), 0);
+  EXPECT_EQ(load_path(dir.c_str()),
+            result_t(KVI_DAMAGED, dir + "/design_kv: no design file, or damaged"));
+  kvi_unload();
+  EXPECT_STREQ(kvi_load_error(), "");
+}
+
+TEST_F(KviTest, StringsOfGuests) {
+  kvi_string_record_t string{}, token{};
+  const auto given = [&](std::string_view text) -> const kvi_string_record_t* {
+    kvi_copy_string(static_cast<std::int32_t>(text.size()), text.data(), &string);
+    return &string;
+  };
+  const std::string longest(199, 'x');
+  EXPECT_EQ(view(*given(longest)), longest);
+  EXPECT_EQ(view(*given(longest + "x")), longest);
+  kvi_copy_const(nullptr, &string);
+  EXPECT_EQ(view(string), "");
+  const std::pair<float, std::string_view> numbers[] = {
+      {0.0F, "0.0"},      {1.5F, "1.50"},    {-2.25F, "-2.25"}, {0.996F, "1.00"},
+      {12.004F, "12.00"}, {-0.05F, "-0.05"}, {2.99995F, "3.00"}};
+  for (const auto& [value, text] : numbers) {
+    kvi_real_to_string(value, &string);
+    EXPECT_EQ(view(string), text);
+  }
+  kvi_integer_to_string(-70000, &string);
+  EXPECT_EQ(view(string), "-70000");
+
+  EXPECT_EQ(kvi_equal_string(3, "abc", 3, "abd") + kvi_equal_string(2, "ab", 3, "abc") +
+                kvi_equal_string(-1, "", -1, "") + kvi_equal_string(1, "a", 1, nullptr),
+            0);
+  EXPECT_EQ(kvi_equal_string(2, "abc", 2, "abd") + kvi_equal_string(0, nullptr, 0, "a"), 2);
+  const std::string most(200, 'y'), more(201, 'y');
+  EXPECT_EQ(kvi_equal_string(200, most.data(), 200, more.data()), 1);
+  EXPECT_EQ(kvi_equal_string(201, more.data(), 201, more.data()), 0);
+  const auto copied = [](std::int32_t len, const char* text) {
+    char* const copy = kvi_writestr(len, text);
+    const std::string kept = copy ? copy : "none";
+    std::free(copy);
+    return kept;
+  };
+  EXPECT_EQ(copied(2, "abc") + copied(0, "abc") + copied(-1, "abc") + copied(1, nullptr),
+            "abnonenone");
+  EXPECT_EQ(copied(200, most.data()), most);
+  EXPECT_EQ(copied(201, more.data()).size(), 199U);
+
+  const auto gx = [](std::string_view text) {
+    kvi_gx_string_t result{static_cast<std::int32_t>(text.size()), {}};
+    std::ranges::copy(text, result.chars);
+    return result;
+  };
+  const auto ab = gx("aB");
+  EXPECT_EQ(kvistring_iden_gxstring(given("Ab"), &ab), 1);
+  EXPECT_EQ(kvistring_iden_gxstring(given("Abc"), &ab), 0);
+  EXPECT_EQ(gxstring_equal_kvistring(&ab, given("AbC")), 1);
+  EXPECT_EQ(gxstring_equal_kvistring(&ab, given("A")), 0);
+  kvi_coprec_gx_kvi(&ab, &string);
+  EXPECT_EQ(view(string), "aB");
+
+  // Tokens, each with the place after it.
+  const auto tokens = [&](std::string_view text) {
+    given(text);
+    std::string met;
+    for (std::int32_t pos = 1; kvi_rd_string_t(&string, " ,", &token, &pos) != 0;)
+      met += std::string(view(token)) + "@" + std::to_string(pos) + " ";
+    return met;
+  };
+  EXPECT_EQ(tokens("a, bc"), "a@2 bc@6 ");
+  EXPECT_EQ(tokens("'a b',c \"d"), "'a b'@6 c@8 \"d@11 ");
+  EXPECT_EQ(tokens("x  "), "x@2 @4 ");
+  EXPECT_EQ(tokens(""), "");
+  std::int32_t pos = 2;
+  EXPECT_EQ(kvi_findchar(given("a  b"), " ", &pos), 'b');
+  EXPECT_EQ(pos, 4);
+  pos = 5;
+  EXPECT_EQ(kvi_findchar(&string, " ", &pos), 0);
+  EXPECT_EQ(pos, 5);
+  pos = 0;
+  EXPECT_EQ(kvi_findchar(&string, " ", &pos), 0);
+  EXPECT_EQ(kvi_get_arg(1, &string), 1);
+  EXPECT_EQ(view(string), read_file("/proc/self/cmdline").c_str());
+  EXPECT_EQ(kvi_get_arg(100, &string) + kvi_get_arg(0, &string), 0);
+  EXPECT_EQ(view(string), "");
+
+  ASSERT_EQ(load_store(), KVI_OK);
+  kvi_gx_string_t kept{};
+  kvi_copy_string_kv_gx(2, &kept);
+  EXPECT_EQ(std::string_view(kept.chars), "/d/sheet");
+  EXPECT_EQ(kept.len, 8);
+  kvi_copy_string_kv_kvi(1, &string);
+  EXPECT_EQ(view(string), "/U1");
+  EXPECT_STREQ(kvi_error_name(19), "file_data_invalid");
+  EXPECT_EQ(std::string(kvi_error_name(-1)) + kvi_error_name(KVI_NUMBER_OF_CODES), "");
+  EXPECT_EQ(kvi_get_size_of("pin_row"), static_cast<std::int32_t>(sizeof(kvi_pin_row_t)));
+  EXPECT_EQ(kvi_get_size_of("pins") + kvi_get_size_of(nullptr), 0);
+  std::free(string.charp);
+  std::free(token.charp);
+}
+
 TEST_F(KviTest, RefusesWhatIsNoWholeDesign) {
   ASSERT_EQ(load_store(), KVI_OK);
   EXPECT_EQ(ask_everything(), 6U);
@@ -215,6 +398,26 @@ TEST_F(KviTest, RefusesWhatIsNoWholeDesign) {
       [] { kv_sext.props[1].prop_type = 4; },
       [] { kv_sext.props[1].valuec = 5; },
       [] { kv_sext.general_info.nbof_net = -1; },
+      [] { kv_sext.insts[1].self = 2; },
+      [] { kv_sext.pins[2].instance_ind = 0; },
+      [] { kv_sext.insts[1].first_pin_ind = 2; },
+      [] { kv_sext.pins[1].nb_of_property = 2; },  // more than are kept of pins
+      [] { kv_sext.pins[1].net_ind = 3; },
+      [] { kv_sext.nets[1].netind_start = 3; },
+      [] { kv_sext.nets[1].net_bus_end = 8; },
+      [] { kv_sext.nets[2].nb_pin_in = 1; },
+      [] { kv_sext.nets[2].nb_pin_out = 2; },
+      [] { kv_sext.nets[2].nb_of_child = 0; },
+      [] { kv_sext.net_childs[1].self = 0; },
+      [] { kv_sext.macros[1].nb_of_pin = 2; },
+      [] { kv_sext.macros[1].nb_of_property = 3; },
+      [] { kv_sext.pinms[1].macro_ind = 0; },
+      [] { kv_sext.pinms[1].first_prop = 5; },
+      [] { kv_sext.strings[2].index--; },  // two in one place
+      [] { kv_sext.strings[1].index++; },
+      [] { kv_sext.props[1].valuec = 0; },  // a text without one
+      [] { kv_sext.props[1].prop_type = -1; },
+      [] { kv_sext.property_net.entry[0].prop_type = gx_string(""); },
       [] { kv_sext.general_info.software_revision = 2; },
   };
   int n = 0;
