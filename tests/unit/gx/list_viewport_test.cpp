@@ -7,6 +7,8 @@
 #include "gx/display/input/cmd_viewport.h"
 #include "gx/display/sheet/theme.h"
 #include "gx/display/strokes/stroke_text.h"
+#include "gx/text/at.h"
+#include "gx/text/messages/list_columns.h"
 #include "gx/text/messages/message_list.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
@@ -182,6 +184,49 @@ TEST_F(ListViewport, TheSessionFileGetsAllTheListOnlyTheTranscript) {
   gx_vext.nb_list_line_max = 0;  // before the application set a size
   gx_display_list("nowhere to keep it");
   EXPECT_EQ(gx_vext.nlinlist_end, 1);
+}
+
+TEST_F(ListViewport, LongTellingsAreBrokenAtBlanks) {
+  const auto told = [&](const std::string& text, gx_line_kind kind = gx_line_kind::plain) {
+    const auto before = session().size();
+    gx_tell_wrapped(text, kind);
+    return session().substr(before);
+  };
+  const std::string x20(20, 'x'), x90(90, 'x');
+  EXPECT_EQ(told("# " + x20 + " " + x20 + " " + x20 + " " + x20),
+            "# " + x20 + " " + x20 + "\n#    " + x20 + " " + x20 + "\n");
+  EXPECT_EQ(told("# " + x90), "# " + x90.substr(0, 55) + "\n#    " + x90.substr(0, 35) + "\n");
+  EXPECT_EQ(told(x90.substr(0, 57)), x90.substr(0, 57) + "\n");
+  EXPECT_EQ(told(x90.substr(0, 57) + "   y"), x90.substr(0, 57) + "\n#    y\n");
+  EXPECT_EQ(told(""), "");
+  told("# " + x20 + " " + x20 + " " + x20 + " " + x20, gx_line_kind::warning);
+  const auto kind = [](int n) { return gx_at(gx_vext.line_kind, gx_vext.nlinlist_end - n); };
+  EXPECT_EQ(kind(2), gx_line_kind::warning);
+  EXPECT_EQ(kind(1), gx_line_kind::detail);
+  gx_set_list_width(80);
+  EXPECT_EQ(told(x90.substr(0, 77)), x90.substr(0, 77) + "\n");
+  gx_set_list_width(1);
+  EXPECT_EQ(gx_list_width(), 20);
+  EXPECT_EQ(told(x90.substr(0, 57)), x90.substr(0, 57) + "\n");
+  gx_set_list_width(1000);
+  EXPECT_EQ(gx_list_width(), 199);
+  gx_set_list_width(gx_max_text_length);
+}
+
+TEST_F(ListViewport, ABatchOfLinesIsShownAtItsEnd) {
+  gx_display_list("before");
+  {
+    const gx_list_batch_t batch;
+    {
+      const gx_list_batch_t inner;
+      gx_display_list("one");
+    }
+    for (int i = 2; i <= 502; ++i) gx_display_list(std::to_string(i));
+    EXPECT_EQ(gx_vext.nlinlist_end, 1);
+  }
+  EXPECT_EQ(gx_vext.nlinlist_end, 500);
+  EXPECT_EQ(line(1), "3");  // the last of a full list
+  EXPECT_EQ(line(500), "502");
 }
 
 TEST_F(ListViewport, ShowsTextFiles) {

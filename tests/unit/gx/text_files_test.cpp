@@ -73,6 +73,25 @@ TEST_F(TextFiles, WhatIsNoTextFileIsRefused) {
   EXPECT_TRUE(std::filesystem::exists(path("made")));
 }
 
+TEST(Arguments, AreKeptCutAndNumbered) {
+  const std::string x198(198, 'x'), x199(199, 'x');
+  const char* const words[] = {"kivo", "a\tb", x198.c_str(), x199.c_str(), "last"};
+  gx_store_arg(5, words);
+  std::string kept;
+  gx_string_record_t word;
+  for (std::int32_t n = -1; n <= 41; ++n)
+    if (gx_get_arg(n, word)) kept += std::string(gx_view(word)) + ",";
+  EXPECT_EQ(kept, "kivo,a," + x198 + ",,last,");
+  EXPECT_EQ(word.len, 0);
+  std::vector<const char*> many(40, "w");
+  gx_store_arg(40, many.data());
+  EXPECT_TRUE(gx_get_arg(40, word));
+  many.push_back("one too many");
+  EXPECT_EXIT(gx_store_arg(41, many.data()), testing::ExitedWithCode(0), "");
+  EXPECT_EXIT(gx_store_arg(1, many.data()), testing::ExitedWithCode(0), "");
+  gx_reset_state();
+}
+
 TEST(FatalStop, NamesTheCodeAndGivesBackInReverseOrder) {
   const auto stop = [] {
     gx_at_fatal_stop([] { std::fputs("first given back\n", stderr); });

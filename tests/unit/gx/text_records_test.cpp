@@ -1,8 +1,11 @@
 // The text records: what they hold, what they refuse, how they compare.
 #include <algorithm>
+#include <functional>
 #include <string>
 
+#include "gx/text/characters.h"
 #include "gx/text/kept_text.h"
+#include "gx/text/spelling.h"
 #include "gx/text/strings.h"
 #include "tests/support/fatal_stop.h"
 
@@ -52,6 +55,27 @@ TEST(TextRecords, ChecksSayWhatIsWrong) {
               "copy_const  : str_in\\(10\\) : \"aaaaaaaaaa\"      len : 200");
 }
 
+TEST(TextRecords, WhatIsNoTextIsNotCopied) {
+  gx_string_record_t bad = gx_string("abc"), to;
+  bad.char_[1] = '\x1f';
+  gx_name_record_t bad_name = gx_name("abc"), name;
+  gx_value_record_t bad_value = gx_value("abc"), value;
+  bad_name.char_[1] = bad_value.char_[1] = '\x7f';
+  const std::function<void()> copies[] = {[&] { gx_copy_line(bad, to); },
+                                          [&] { gx_copy_name(bad, name); },
+                                          [&] { gx_copy_value(bad, value); },
+                                          [&] { gx_name_string(bad_name, to); },
+                                          [&] { gx_value_string(bad_value, to); },
+                                          [&] { gx_concat_line(bad, to); },
+                                          [&] { gx_concat_const("a\tb", to); },
+                                          [&] { gx_concat_const("a", bad); },
+                                          [&] { gx_string("a\tb"); },
+                                          [&] { gx_name("a\tb"); },
+                                          [&] { gx_value("a\tb"); },
+                                          [&] { gx_concat_sp(bad); }};
+  for (const auto& copy : copies) expect_stop(copy, gx_code::invalid_string, "invalid char");
+}
+
 TEST(TextRecords, ATypedLineIsRepaired) {
   const struct {
     std::string typed;
@@ -93,6 +117,9 @@ TEST(TextRecords, ComparisonsIgnoreCaseAndNeverStop) {
   damaged.len = 100000;
   EXPECT_FALSE(gx_string_equal_name(damaged, gx_name("abc")));
   EXPECT_FALSE(gx_const_iden_string(std::string(201, 'a'), gx_string(a199)));
+  gx_string_record_t full = gx_string(a199);
+  full.char_[full.len++] = 'a';
+  EXPECT_TRUE(gx_const_iden_string(a200, full));
 
   EXPECT_TRUE(gx_is_less_than(gx_string("ab"), gx_string("ABC")));
   EXPECT_TRUE(gx_is_less_than(gx_string("B_1"), gx_string("ba")) == ('_' < 'A'));
@@ -121,8 +148,56 @@ TEST(KeptText, SignsComeBackAsTheyWere) {
   }
   EXPECT_EQ(gx_kept_text("caf\xe9\x01"), "caf\\u{E9} ");  // Latin-1, and a control character
   EXPECT_EQ(gx_shown_length("10\\u{B5}F"), 4U);
+  EXPECT_EQ(gx_shown_text("\\u{20}\\u{10FFFF}\\u{E000}"), " \U0010ffff\ue000");
   // Numbers of no character stay as they are.
-  for (const char* no_sign : {"\\u{D800}", "\\u{110000}", "\\u{0B}", "\\u{0000000B5}", "\\u{-B5}"})
+  for (const char* no_sign : {"\\u{D800}", "\\u{110000}", "\\u{0B}", "\\u{0000000B5}", "\\u{-B5}",
+                              "\\u{1F}", "\\u{DFFF}", "\\u{5}"})
     EXPECT_EQ(gx_shown_text(no_sign), no_sign);
+}
+
+TEST(Characters, OfUtf8AndOfBytesThatAreNone) {
+  const struct {
+    std::string bytes;
+    std::u32string characters;
+  } cases[] = {
+      {"a\u00a0\u07ff", U"a\u00a0\u07ff"},
+      {"\u0800\ud7ff\ue000\uffff", U"\u0800\ud7ff\ue000\uffff"},
+      {"\U00010000\U0010ffff", U"\U00010000\U0010ffff"},
+      {"\xc1\x80|\xc2", U"\u00c1\u0080|\u00c2"},          // too long, cut
+      {"\xe0\x9f\xbf", U"\u00e0\u009f\u00bf"},            // too long
+      {"\xed\xa0\x80", U"\u00ed\u00a0\u0080"},            // half of a pair
+      {"\xf4\x90\x80\x80", U"\u00f4\u0090\u0080\u0080"},  // beyond the last
+      {"\xf0\x8f\xbf\xbf\xf5", U"\u00f0\u008f\u00bf\u00bf\u00f5"},
+      {"\xe2\x82z", U"\u00e2\u0082z"},
+  };
+  for (const auto& [bytes, characters] : cases) {
+    EXPECT_EQ(gx_characters(bytes), characters) << bytes;
+    std::string again;
+    for (const char32_t code : characters) gx_append_utf8(again, code);
+    EXPECT_EQ(gx_characters(again), characters) << bytes;
+  }
+  EXPECT_EQ(gx_ascii("\u00c5ngstr\u00f6m \u00d7\u03a9\u00b5\u0153\u017e\u2265\u2010\u0163\n\t~"),
+            "Angstrom xohmuoez>=-t\n ~");
+  EXPECT_EQ(gx_ascii("\u00d0\u00c0\u017f\u0180\u4e2d\x7f"), "DA??? ");
+}
+
+TEST(Spelling, KeepsDrawnNamesApart) {
+  const std::pair<std::string_view, std::string_view> cases[] = {
+      {"D[7:0]+-#$&@=^|<>!.*?_", "D[7:0]+-#$&@=^|<>!.*?_"},
+      {"~{RD}/WR", "~RD~%2FWR"},
+      {"~{CS}", "~CS"},
+      {"~{12}", "~12~"},
+      {"A~{B}C~{D}", "A~B~C~D"},
+      {"a b\xe9%", "a%20b%E9%25"},
+      {"~{}x~{a", "%7E%7B%7Dx%7E%7Ba"},
+  };
+  for (const auto& [drawn, spelled] : cases) {
+    EXPECT_EQ(gx_spelled_name(drawn), spelled);
+    EXPECT_EQ(gx_drawn_name(spelled), drawn);
+  }
+  EXPECT_EQ(gx_spelled_name("~{a{b}"), "%7E%7Ba%7Bb%7D");
+  EXPECT_EQ(gx_drawn_name("CS~2"), "CS~2");  // the second of a name: no bar
+  EXPECT_EQ(gx_drawn_name("~CS~2"), "~{CS}2");
+  EXPECT_EQ(gx_drawn_name("a%2g%4%41"), "a%2g%4A");
 }
 }  // namespace
