@@ -1,6 +1,7 @@
 // The checked accessors, and the flags of objects.
 #include <gtest/gtest.h>
 
+#include "gx/db/file/file_slots.h"
 #include "gx/db/file/sheet_shape.h"
 #include "gx/db/queries.h"
 #include "gx/vext.h"
@@ -24,6 +25,28 @@ TEST_F(db_access, ids_outside_the_file_stop_with_their_own_line) {
   expect_stop([&] { gx_object_id_ptr(sheet.file, max + 1); }, gx_code::object_id_invalid,
               "obj_id > object_id_max (.|\n)*obj_id : " + std::to_string(max + 1) + "\n");
   expect_stop([&] { gx_net_info_ptr(sheet.file, 1); }, gx_code::object_type_invalid);
+}
+
+TEST_F(db_access, slots_without_a_file_stop) {
+  gx_vext.num_file_open = 2;
+  gx_vext.filear[1].start_buf_ptr = std::make_shared<gx_file_gene_recf_t>();
+  EXPECT_EQ(&gx_ptrto_gene_file_buf(1), gx_vext.filear[1].start_buf_ptr.get());
+  gx_file_select(1);
+  EXPECT_EQ(gx_vext.cur_file, 1);
+  expect_stop([] { gx_file_select(2); }, gx_code::file_index_invalid, "error 2 in");
+  for (const int outside : {-1, 0, 3})
+    expect_stop([&] { gx_file_select(static_cast<gx_file_index_t>(outside)); },
+                gx_code::init_or_open_file_not_done, "error 1 in");
+  expect_stop([] { gx_file_create_new(3); }, gx_code::too_many_files);
+  expect_stop([] { gx_file_create_new(0); }, gx_code::too_many_files);
+  expect_stop([] { gx_file_close(0); }, gx_code::file_data_invalid);
+  gx_file_set_primary_object(sheet.file, 2);
+  EXPECT_EQ(gx_file_inq_primary_object(sheet.file), 2);
+  for (const int id : {0, sheet.file.object_id_max + 1})
+    expect_stop([&] { gx_file_set_primary_object(sheet.file, id); }, gx_code::object_id_invalid);
+  EXPECT_EQ(gx_type_name(gx_type::main), "main");
+  EXPECT_EQ(gx_type_name(gx_type::property_2d), "property_2d");
+  EXPECT_EQ(gx_type_name(static_cast<gx_type>(gx_max_type + 1)), "nil");
 }
 
 TEST_F(db_access, the_properties_of_a_holder_are_selected_with_it) {

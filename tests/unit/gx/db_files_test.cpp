@@ -168,6 +168,10 @@ TEST_F(db_files, opening_and_reopening_slots) {
   EXPECT_EQ(gx_ptrto_gene_file_buf(2).object_id_max, 0);
   gx_file_close(1);
   EXPECT_EQ(gx_ptrto_gene_file_buf(1).object_id_max, 1);
+  EXPECT_EQ(gx_file_create_bye(dir() + "/made"), 3);
+  EXPECT_EQ(gx_view(slot(3).file_pathname), dir() + "/made");
+  EXPECT_EQ(gx_ptrto_gene_file_buf(3).object_id_max, 0);
+  EXPECT_TRUE(std::filesystem::exists(scratch.file("made")));
 }
 
 TEST_F(db_files, files_that_cannot_be_used_stop_with_their_lines) {
@@ -333,7 +337,10 @@ TEST_F(db_files, the_listing_shows_every_object) {
   const auto index = gx_file_open(dir(), "top");
   gx_set_object_deleted(gx_ptrto_gene_file_buf(index), 2, true);
   std::filesystem::create_directory(scratch.file("list_obj_file"));
+  testing::internal::CaptureStdout();
   EXPECT_EQ(gx_object_list(index), "\"" + dir() + "/list_obj_file\" : Is a directory");
+  EXPECT_EQ(testing::internal::GetCapturedStdout(),
+            "?? gx_object_list : impossible to open:'" + dir() + "/list_obj_file' (for W)\n");
   std::filesystem::remove(scratch.file("list_obj_file"));
   EXPECT_EQ(gx_object_list(index), "");
   EXPECT_EQ(scratch.read("list_obj_file"),

@@ -1,7 +1,11 @@
 // The bracket of create, open and close, and the records and boxes that the constructors make.
+#include <algorithm>
+
 #include "gx/db/file/reference_check.h"
 #include "gx/db/place/geometry.h"
+#include "gx/edit/vertex_lists.h"
 #include "gx/vext.h"
+#include "tests/support/drawing_board.h"
 #include "tests/support/fatal_stop.h"
 #include "tests/unit/gx/edit_fixture.h"
 
@@ -114,6 +118,36 @@ TEST(Construction, ArcsThroughThreePoints) {
     gx_arc3p_2dreal({0, 0}, {5, 5}, {10, 10}, 0, 1);
   });
   EXPECT_EQ(gx_arc_info_ptr(f.file(), straight).rad, 0);
+}
+
+TEST(Construction, VerticesAndSegmentsAreListedByCellsOfThePage) {
+  const drawing_board board("sheet top\n page 16,16\n net A\n  wire 1,1 5,1 5,16 15,16\n");
+  gx_put_vertex_list(board.file(), 1);  // nobody asked for the lists
+  gx_vext.vertex_list_to_do = true;
+  const auto cells = [](const auto& lists) {
+    std::string text;
+    for (std::size_t x = 0; x < 8; ++x)
+      for (std::size_t y = 0; y < 8; ++y)
+        for (std::size_t n = lists[x][y].size(); n > 0; --n)
+          text += std::to_string(x) + std::to_string(y) + " ";
+    return text;
+  };
+  gx_init_vertex_segment_list(1);
+  EXPECT_EQ(cells(gx_vext.vertex_list_ar), "00 20 27 77 ");
+  EXPECT_EQ(std::ranges::count(cells(gx_vext.segment_list_ar), ' '), 3);
+  const int vertex = board.id(gx_type::vertex_2d), segment = board.id(gx_type::segment);
+  gx_put_vertex_list(board.file(), vertex);
+  gx_put_segment_list(board.file(), segment);
+  EXPECT_EQ(std::ranges::count(cells(gx_vext.vertex_list_ar), ' '), 5);
+  EXPECT_EQ(std::ranges::count(cells(gx_vext.segment_list_ar), ' '), 4);
+  expect_stop([&] { gx_put_vertex_list(board.file(), segment); }, gx_code::object_type_invalid);
+  expect_stop([&] { gx_put_segment_list(board.file(), 0); }, gx_code::file_id_invalid);
+  gx_set_object_deleted(board.file(), vertex, true);
+  gx_put_vertex_list(board.file(), vertex);
+  gx_init_vertex_segment_list(2);  // of file 1 alone
+  EXPECT_EQ(std::ranges::count(cells(gx_vext.vertex_list_ar), ' '), 5);
+  gx_init_vertex_segment_list(1);
+  EXPECT_EQ(std::ranges::count(cells(gx_vext.vertex_list_ar), ' '), 3);
 }
 
 }  // namespace

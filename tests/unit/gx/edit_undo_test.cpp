@@ -52,6 +52,22 @@ TEST_F(undo_story, OneStepHoldsOneMarkerAndTheRealChanges) {
   EXPECT_EQ(marker->following->object_id, a);
 }
 
+TEST_F(undo_story, AListBeginsWithWhatItsFileSays) {
+  f.file().check_data_done = 5;
+  f.file().num_errors = 7;
+  gx_undo_init(f.index);
+  EXPECT_EQ(gx_vext.check_data_done, 5);
+  EXPECT_EQ(gx_vext.num_errors, 7);
+  gx_undo_define_new_step();
+  EXPECT_EQ(gx_vext.check_data_done, 1);
+  gx_vext.num_errors = 3;
+  gx_undo_init(0);
+  gx_undo_init(2);
+  EXPECT_EQ(gx_vext.num_errors, 3);
+  expect_stop([] { gx_undo_put_object(0, 1, gx_undo_op::selected); }, gx_code::file_data_invalid);
+  expect_stop([] { gx_undo_put_object(1, 0, gx_undo_op::selected); }, gx_code::file_data_invalid);
+}
+
 TEST_F(undo_story, ALongSessionDoesNotGrow) {
   gx_undo_init(f.index);
   for (int step = 0; step < 250000; ++step) gx_undo_define_new_step();
