@@ -1,0 +1,254 @@
+// The command line under the pointer and away from it: the caret, what is typed and cut, where its
+// characters lie; and the menu levels over it.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "gx/display/input/cmd_viewport.h"
+#include "gx/display/input/cursor.h"
+#include "gx/display/input/line_edit.h"
+#include "gx/display/input/menu_draw.h"
+#include "gx/display/input/menu_state.h"
+#include "gx/display/input/menu_tree.h"
+#include "gx/display/input/rubber_rectangle.h"
+#include "gx/display/list_viewport.h"
+#include "gx/display/strokes/stroke_text.h"
+#include "gx/text/messages/message_list.h"
+#include "gx/text/strings.h"
+#include "tests/support/counting_screen.h"
+#include "tests/support/drawing_board.h"
+#include "tests/support/fatal_stop.h"
+
+namespace {
+
+// Letters are 12 pixels wide; the line begins at pixel 100 + 8.
+class CommandLine : public testing::Test {
+ protected:
+  CommandLine() {
+    auto& v = gx_vext;
+    v.viewport_cmd = v.viewport_list = drawing_board::edit;
+    v.cmd_color = v.list_color = 7;
+    v.cmd_height = 10;
+    v.cmd_step = 12;
+    v.cmd_x0 = 8;
+    v.cmd_y0 = 3;
+    v.istart_cmd = v.istart_list = 1;
+    v.list_step = 20;
+    v.listb_x0 = 8;
+    v.nb_line_in_listviewp = 7;
+    v.nb_list_line_max = 500;
+    gx_setarray_hortext();
+    leave();
+  }
+  static void leave() { gx_vext.viewport_id = 0; }
+  static void enter(int column) {
+    gx_vext.viewport_id = gx_vext.viewport_cmd;
+    gx_vext.pixel_pos = gx_cmd_column_pixel(column);
+  }
+  // The line with a "|" at its caret.
+  static std::string line() {
+    std::string text(gx_view(gx_vext.str_cmd));
+    return text.insert(static_cast<std::size_t>(gx_caret() - 1), "|");
+  }
+  static std::string set(std::string_view with_caret) {
+    std::string text(with_caret);
+    const auto caret = text.find('|');
+    gx_set_command_line(text.erase(caret, 1), static_cast<int>(caret) + 1);
+    return line();
+  }
+
+  drawing_board board_;
+};
+
+TEST_F(CommandLine, IsTypedIntoAndCutAtTheCaret) {
+  const auto cut = [](std::string_view text, gx_cut what) {
+    set(text);
+    gx_cut_line(what);
+    return line();
+  };
+  for (const bool is_under_pointer : {false, true}) {
+    if (is_under_pointer) enter(1);
+    EXPECT_EQ(set("VIEW|"), "VIEW|");
+    EXPECT_EQ(set("|VIEW"), "|VIEW");
+    gx_insert_text("RE");
+    EXPECT_EQ(line(), "RE|VIEW");
+    gx_insert_text("");
+    EXPECT_EQ(line(), "RE|VIEW");
+    EXPECT_EQ(cut("VIEW | ALL", gx_cut::behind), "VIEW |");
+    EXPECT_EQ(cut("VIEW | ALL", gx_cut::before), "| ALL");
+    EXPECT_EQ(cut("VIEW ALL  |X", gx_cut::word), "VIEW |X");
+    EXPECT_EQ(cut("VIEW| X", gx_cut::word), "| X");
+    EXPECT_EQ(cut("  | X", gx_cut::word), "| X");
+  }
+  leave();
+  gx_set_command_line("abc", 9);
+  EXPECT_EQ(line(), "abc|");
+  gx_set_command_line("abc", 0);
+  EXPECT_EQ(line(), "abc|");
+  gx_set_command_line("abc", 3);
+  EXPECT_EQ(line(), "ab|c");
+  gx_set_command_line("abc");
+  EXPECT_EQ(line(), "abc|");
+}
+
+TEST_F(CommandLine, ScrollsSoThatTheCaretIsSeen) {
+  const std::string x52(52, 'x');
+  set(x52 + "|");
+  EXPECT_EQ(gx_vext.istart_cmd, 1);
+  set(x52 + "x|");
+  EXPECT_EQ(gx_vext.istart_cmd, 1);
+  set(x52 + "xx|");
+  EXPECT_EQ(gx_vext.istart_cmd, 2);
+  set(x52 + "|xxx");
+  EXPECT_EQ(gx_vext.istart_cmd, 1);
+  gx_set_command_line(x52 + "x");
+  EXPECT_EQ(gx_vext.istart_cmd, 1);
+  gx_set_command_line(x52 + "xxx");
+  EXPECT_EQ(gx_vext.istart_cmd, 3);
+  // Its characters have moved with it.
+  EXPECT_EQ(gx_cmd_column({100 + 8 + 5 + 6 * 12, 0}), 4);
+}
+
+TEST_F(CommandLine, HasItsCharactersUnderThePointer) {
+  for (int column = 1; column <= 50; ++column)
+    EXPECT_EQ(gx_cmd_column(gx_cmd_column_pixel(column)), column);
+  // From the first pixel of a character to its last.
+  EXPECT_EQ(gx_cmd_column({100 + 8 + 5 + 5 * 12, 0}), 1);
+  EXPECT_EQ(gx_cmd_column({100 + 8 + 5 + 6 * 12 - 1, 0}), 1);
+  EXPECT_EQ(gx_cmd_column({100 + 8 + 5 + 6 * 12, 0}), 2);
+  EXPECT_EQ(gx_cmd_column_pixel(1).x, 100 + 8 + 5 + 5 * 12 + 6);
+  EXPECT_EQ(gx_cmd_column_pixel(1).y, 500);
+  EXPECT_EQ(gx_cmd_column_pixel(-100).x, 101);
+  EXPECT_EQ(gx_cmd_column_pixel(1000).x, 899);
+}
+
+TEST_F(CommandLine, LosesTheCharacterUnderOrBeforeThePointer) {
+  const auto edited = [](auto action, std::string_view text, int column) {
+    leave();
+    gx_set_command_line(text);
+    enter(column);
+    action(gx_vext.viewport_cmd, gx_vext.pixel_pos);
+    return std::string(gx_view(gx_vext.str_cmd));
+  };
+  EXPECT_EQ(edited(gx_chardel_action, "abc", 1), "bc");
+  EXPECT_EQ(edited(gx_chardel_action, "abc", 3), "ab");
+  EXPECT_EQ(edited(gx_chardel_action, "abc", 9), "ab");
+  EXPECT_EQ(edited(gx_chardel_action, "a", 1), "");
+  EXPECT_EQ(edited(gx_chardel_action, "", 1), "");
+  EXPECT_EQ(edited(gx_backsp_action, "abc", 3), "ac");
+  EXPECT_EQ(edited(gx_backsp_action, "abc", 4), "ab");
+  EXPECT_EQ(edited(gx_backsp_action, "abc", 1), "bc");
+  gx_chardel_action(2, gx_cmd_column_pixel(1));
+  gx_backsp_action(2, gx_cmd_column_pixel(1));
+  EXPECT_EQ(gx_view(gx_vext.str_cmd), "bc");  // not the command viewport
+}
+
+TEST_F(CommandLine, TakesTheRestOfAListLineFromThePointerOn) {
+  gx_display_list("first line");
+  gx_display_list("second");
+  const auto again = [](int line, int column) {
+    gx_set_command_line("");
+    const gx_point16_t at{static_cast<std::int16_t>(100 + 8 - 6 + (column - 1) * gx_list_step()),
+                          static_cast<std::int16_t>(100 + (line - 1) * 20 + 10)};
+    gx_again_action(gx_vext.viewport_list, at);
+    return std::string(gx_view(gx_vext.str_cmd));
+  };
+  EXPECT_EQ(again(1, 1), "first line");
+  EXPECT_EQ(again(1, 7), "line");
+  EXPECT_EQ(again(2, 6), "d");
+  EXPECT_EQ(again(2, 7), "");
+  EXPECT_EQ(again(1, -5), "first line");
+  gx_set_command_line("DO ");
+  gx_again_action(gx_vext.viewport_list, {102, 130});
+  EXPECT_EQ(gx_view(gx_vext.str_cmd), "DO second");
+  gx_again_action(2, {102, 130});
+  EXPECT_EQ(gx_view(gx_vext.str_cmd), "DO second");
+}
+
+// --- menus: a line is 26 pixels high, a level as wide as its longest text and two letters
+class MenuLevels : public CommandLine {
+ protected:
+  MenuLevels() {
+    gx_vext.menu_drawn = false;
+    gx_def_menu_rec(std::array{1}, "FOUR", false, "");
+    gx_def_menu_rec(std::array{2}, "EIGHT888", false, "");
+    gx_def_menu_rec(std::array{2, 3}, "BELOW", true, "c");
+  }
+  static gx_bounds16_t bounds(int level) { return gx_at(gx_vext.menu_lev_extbounds, level - 1); }
+  static std::string place(int level) {
+    const auto b = bounds(level);
+    return std::to_string(b.xmin) + "," + std::to_string(b.ymin) + " " + std::to_string(b.xmax) +
+           "," + std::to_string(b.ymax);
+  }
+  counting_screen screen_;
+};
+
+TEST_F(MenuLevels, LieWhereTheyAreAskedForAndBesideEachOther) {
+  gx_draw_menu1(drawing_board::edit, {50, 20});
+  EXPECT_TRUE(gx_vext.menu_drawn);
+  EXPECT_EQ(gx_vext.menu_level, 1);
+  EXPECT_EQ(place(1), "149,119 271,433");  // ten letters wide, twelve lines high, and a frame
+  EXPECT_EQ(gx_vext.menu_boxbounds.xmin, 150 + 80);
+  EXPECT_EQ(gx_vext.pointer_put, (gx_point16_t{190, 276}));
+  EXPECT_EQ(gx_menu_line_at(1, 119), 1);
+  EXPECT_EQ(gx_menu_line_at(1, 119 + 26), 2);
+  EXPECT_EQ(gx_menu_line_at(1, 119 + 25), 1);
+  EXPECT_EQ(gx_menu_line_at(1, 0), 1);
+  EXPECT_EQ(gx_menu_line_at(1, 900), 12);
+  gx_vext.menuline_lev[0] = 2;
+  gx_select_line_menu(drawing_board::edit, 1);
+  EXPECT_EQ(gx_vext.prelinsel_lev[0], 2);
+  EXPECT_EQ(gx_vext.pointer_put.y, 119 + 26 + 13);
+  gx_draw_menu(drawing_board::edit, 2);
+  EXPECT_EQ(place(2), "270,118 356,432");
+  EXPECT_EQ(gx_vext.menu_extbounds.xmin, 270);
+  expect_stop([] { gx_draw_menu(drawing_board::edit, 5); }, gx_code::invalid_level);
+  expect_stop([] { gx_select_line_menu(drawing_board::edit, 1); }, gx_code::viewport_id_invalid);
+
+  gx_hide_menus();
+  EXPECT_TRUE(gx_vext.menu_hidden);
+  const auto pointer = gx_vext.pixel_pos;
+  gx_redraw_menus(drawing_board::edit);
+  EXPECT_FALSE(gx_vext.menu_hidden);
+  EXPECT_EQ(place(1), "149,119 271,433");
+  EXPECT_EQ(gx_vext.pixel_pos, pointer);
+  EXPECT_EQ(gx_vext.prelinsel_lev[0], 2);
+
+  gx_restore_menu(drawing_board::edit, 2);
+  EXPECT_EQ(gx_vext.menu_level, 1);
+  EXPECT_TRUE(gx_vext.menu_drawn);
+  EXPECT_EQ(gx_vext.menu_extbounds.xmin, 149);
+  EXPECT_EQ(gx_vext.pointer_put, (gx_point16_t{190, 119 + 26 + 13}));  // on the chosen line
+  gx_close_menus(drawing_board::edit);
+  EXPECT_FALSE(gx_vext.menu_drawn);
+  gx_cursor_set_position({0, 2000});
+  EXPECT_EQ(gx_vext.pointer_put, (gx_point16_t{18, 982}));
+}
+
+TEST_F(MenuLevels, TheMarkedRectangleFollowsThePointerInItsViewport) {
+  auto& v = gx_vext;
+  v.viewport_id = v.viewport_id_start = drawing_board::edit;
+  v.pixel_ptr1 = v.pixel_ptr2 = {200, 200};
+  const auto corner_after = [&](gx_point16_t pointer) {
+    v.pixel_pos = pointer;
+    gx_rectangle_action();
+    return v.pixel_ptr2;
+  };
+  EXPECT_EQ(corner_after({201, 201}), (gx_point16_t{200, 200}));  // too near
+  EXPECT_FALSE(v.display_rectangle_todo);
+  EXPECT_EQ(corner_after({240, 230}), (gx_point16_t{240, 230}));
+  EXPECT_TRUE(v.display_rectangle_todo);
+  EXPECT_EQ(corner_after({242, 232}), (gx_point16_t{240, 230}));
+  EXPECT_EQ(corner_after({243, 230}), (gx_point16_t{243, 230}));
+  const auto clip = v.viewport[1].clip_wind;
+  const auto x = static_cast<std::int16_t>(clip.xmax - 2);
+  EXPECT_EQ(corner_after({x, 300}), (gx_point16_t{x, 300}));
+  EXPECT_EQ(corner_after({static_cast<std::int16_t>(x + 1), 400}), (gx_point16_t{x, 300}));
+  v.viewport_id = 2;
+  EXPECT_EQ(corner_after({500, 500}), (gx_point16_t{x, 300}));
+  EXPECT_TRUE(v.display_rectangle_todo);
+  gx_rectangle_erase();
+  EXPECT_FALSE(v.display_rectangle_todo);
+}
+
+}  // namespace
