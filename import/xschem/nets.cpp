@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "gx/text/at.h"
 #include "gx/text/strings.h"
 #include "import/drawing/joining.h"
 #include "import/drawing/names.h"
@@ -30,6 +31,7 @@ class joiner {
     count_bits();
     name_by_taps();
     collect();
+    name_by_numbers();
     return std::move(result_);
   }
 
@@ -179,15 +181,35 @@ class joiner {
   }
 
   std::vector<int> nets_of(int group, const gxm_source_t& where) {
-    if (const auto name = names_.find(group); name != names_.end())
-      return result_.named(name->second, where);
-    const auto bits = unnamed_.find(group);
     std::vector<int> nets;
+    if (const auto name = names_.find(group); name != names_.end()) {
+      nets = result_.named(name->second, where);
+      // Of a tapped bus without a label.
+      if (name->second.starts_with("#" + std::to_string(group) + "[")) number(nets);
+      return nets;
+    }
+    const auto bits = unnamed_.find(group);
     for (std::size_t i = 0; i < (bits == unnamed_.end() ? 1 : bits->second); ++i) {
       nets.push_back(static_cast<int>(result_.nets.size()));
       result_.nets.push_back({.source = where});
     }
+    number(nets);
     return nets;
+  }
+
+  void number(const std::vector<int>& nets) {
+    const std::string name = "net" + std::to_string(++nb_of_unnamed_);
+    for (std::size_t bit = nets.size(); const int net : nets)
+      numbered_.emplace_back(net,
+                             nets.size() == 1 ? name : name + "[" + std::to_string(--bit) + "]");
+  }
+
+  // Nets without a label have the names that a netlist of xschem gives them, net1, net2 ... in the
+  // order of wires and then of components, but those that labels have.
+  void name_by_numbers() {
+    for (auto& [net, name] : numbered_)
+      if (result_.by_name.emplace(gx_upper(name), net).second)
+        gx_at(result_.nets, net).name = std::move(name);
   }
 
   const std::vector<gxi_xschem_placed_t>& components_;
@@ -199,6 +221,8 @@ class joiner {
   std::map<int, std::string> names_;
   std::map<int, std::vector<std::string>> around_;
   std::map<int, std::size_t> unnamed_;
+  std::size_t nb_of_unnamed_ = 0;
+  std::vector<std::pair<int, std::string>> numbered_;  // nets without a label, what they are called
   gxi_xschem_nets_t result_;
 };
 
