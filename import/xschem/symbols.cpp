@@ -53,17 +53,21 @@ gxi_xschem_role_t gxi_xschem_role(std::string_view type, std::string_view format
 gxi_xschem_library_t::gxi_xschem_library_t(const gxi_input_t& input, gxi_design_t& design)
     : design_(design) {
   std::error_code none;
+  const auto look_in = [&](const fs::path& directory) {
+    if (fs::is_directory(directory, none) &&
+        std::ranges::find(libraries_, directory) == libraries_.end())
+      libraries_.push_back(directory);
+  };
   const auto add = [&](const fs::path& directory) {
-    for (const auto& at : {directory, directory / "devices"})
-      if (fs::is_directory(at, none)) libraries_.push_back(at);
+    look_in(directory);
+    look_in(directory / "devices");
   };
   for (const auto& library : input.libraries) add(library);
   // Where the project says, above the top sheet, then where the program itself keeps its symbols.
   const auto top = fs::absolute(input.pages.front()).lexically_normal();
   const auto project = gxi_xschem_project(top, design.files, design.warnings);
   scope_.variables.insert(project.variables.begin(), project.variables.end());
-  for (const auto& library : project.libraries)
-    if (fs::is_directory(library, none)) libraries_.push_back(library);
+  for (const auto& library : project.libraries) look_in(library);
   auto above = top.parent_path();
   for (int level = 0; level < 4 && above.has_relative_path(); ++level) {
     add(above);
