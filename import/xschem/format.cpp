@@ -110,11 +110,11 @@ class splitter {
     }
   }
 
-  // Pins of one name are one node.
+  // Pins of one name are one node; what a netlist ignores is none.
   std::vector<int> pins_where(const std::function<bool(const gxi_xschem_pin_t&)>& is_one) const {
     std::vector<int> found;
     for (std::size_t i = 0; i < symbol_.pins.size(); ++i)
-      if (symbol_.pins[i].same_as < 0 && is_one(symbol_.pins[i]))
+      if (symbol_.pins[i].same_as < 0 && !symbol_.pins[i].ignored && is_one(symbol_.pins[i]))
         found.push_back(static_cast<int>(i));
     return found;
   }

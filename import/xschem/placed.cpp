@@ -69,18 +69,25 @@ bool is_of_block(const gxi_xschem_placed_t& placed, std::string_view name) {
   return !has(placed, name) && placed.within != nullptr && has(*placed.within, name);
 }
 
-// Each "expr(...)" as its number, or in quotes where it has names.
+// Each "expr(...)", "expr_eng(...)" and "expr_eng4(...)" as its number, or in quotes where it has
+// names.
 std::string calculated(std::string text) {
-  constexpr std::string_view call = "expr(";
+  constexpr std::string_view call = "expr";
   for (std::size_t at = 0; (at = text.find(call, at)) != std::string::npos;) {
-    const auto open = at + call.size() - 1;
+    auto open = at + call.size();
+    for (const std::string_view form : {"_eng4(", "_eng("})
+      if (text.compare(open, form.size(), form) == 0) open += form.size() - 1;
+    if (open >= text.size() || text[open] != '(') {
+      at = open;
+      continue;
+    }
     const auto length = gxi_xschem_tcl_closed(std::string_view(text).substr(open), '(', ')');
     if (length == std::string::npos) break;
     std::string inner = text.substr(open + 1, length - 2);
     std::erase(inner, '\'');
     const auto number = dk_evaluate(inner);
     const std::string given = number ? dk_number_text(*number) : "'" + inner + "'";
-    text.replace(at, call.size() - 1 + length, given);
+    text.replace(at, open - at + length, given);
     at += given.size();
   }
   return text;
@@ -119,7 +126,7 @@ void take_devices(gxi_xschem_placed_t& placed, std::string_view format) {
     for (const auto& node : device.nodes)
       if (node.pin >= 0) named[static_cast<std::size_t>(node.pin)] = true;
   for (std::size_t pin = 0; pin < named.size(); ++pin)
-    if (!named[pin] && placed.symbol->pins[pin].same_as < 0)
+    if (const auto& one = placed.symbol->pins[pin]; !named[pin] && one.same_as < 0 && !one.ignored)
       placed.devices.front().nodes.push_back({.pin = static_cast<int>(pin)});
 }
 

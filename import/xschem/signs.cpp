@@ -21,7 +21,7 @@ bool is_told_otherwise(std::string_view name) {
 
 // Whether a value is put together of others.
 bool is_composed(std::string_view value) {
-  return value.find('@') != std::string_view::npos || value.find("expr(") != std::string_view::npos;
+  return value.find('@') != std::string_view::npos || value.find("expr") != std::string_view::npos;
 }
 
 bool has_attribute(const gxi_xschem_placed_t& placed, std::string_view name) {

@@ -120,6 +120,7 @@ std::unique_ptr<gxi_xschem_symbol_t> gxi_xschem_library_t::make(const std::strin
     auto& pin = symbol->pins.emplace_back();
     pin.bits = gxi_xschem_bits(attributes.get("name"));
     pin.type = pin_type(attributes.get("dir"));
+    pin.ignored = attributes.get("spice_ignore") == "true";
     pin.at = {(shape.points[0].x + shape.points[1].x) / 2,
               (shape.points[0].y + shape.points[1].y) / 2};
     pin.attributes = std::move(attributes);

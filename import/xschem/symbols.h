@@ -29,7 +29,8 @@ struct gxi_xschem_pin_t {
   std::string type{};               // PINTYPE
   gxi_xschem_point_t at{};
   gxi_xschem_attributes_t attributes{};
-  int same_as = -1;  // an earlier pin of the name, with which it is one node
+  int same_as = -1;      // an earlier pin of the name, with which it is one node
+  bool ignored = false;  // it is no node of a netlist for SPICE
 };
 
 struct gxi_xschem_symbol_t {
