@@ -2,7 +2,6 @@
 #include "pages/design_pages.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -13,7 +12,6 @@
 #include "gx/db/file/record_codec.h"
 #include "gx/db/file/sheet_shape.h"
 #include "gx/db/object_flags.h"
-#include "gx/db/objects_of.h"
 #include "gx/text/string_compare.h"
 #include "gx/text/strings.h"
 #include "netlist/netlist.h"
@@ -65,22 +63,11 @@ void leave_out(kv_design_pages_t& pages, const kv_component_t& component) {
   if (std::ranges::find(pages.left_out, why) == pages.left_out.end()) pages.left_out.push_back(why);
 }
 
-// Paths of symbols begin in the directory where a session works. One line when those of the top
-// sheet are not below the present directory, but below that of the design.
 void leave_out_elsewhere(kv_design_pages_t& pages) {
-  const std::filesystem::path design(pages.name);
-  if (!design.has_parent_path()) return;
-  for (const int id : lb_symbols(*pages.top)) {
-    const auto* symbol = gx_object_as<gx_object_symbol_rec_t>(*pages.top, id);
-    const std::filesystem::path path(gx_view(symbol->path));
-    std::error_code ignored;
-    if (path.is_absolute() || std::filesystem::exists(path, ignored) ||
-        !std::filesystem::exists(design.parent_path() / path, ignored))
-      continue;
-    pages.left_out.push_back("the sheets below: their paths begin in " +
-                             design.parent_path().string() + ", which is the place to work in");
-    return;
-  }
+  const auto place = gx_place_of_symbols(*pages.top, pages.name);
+  if (!place.empty())
+    pages.left_out.push_back("the sheets below: their paths begin in " + place +
+                             ", which is the place to work in");
 }
 
 using numbers_t = std::unordered_map<const kv_component_t*, int>;

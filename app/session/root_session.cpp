@@ -195,6 +195,16 @@ void debug_roles() {
   gx_debug("# MAIN : num_errors : %d\n", gx_vext.num_errors);
 }
 
+void show_whether_elsewhere() {
+  const auto place =
+      gx_place_of_symbols(gx_ptrto_gene_file_buf(kv_pext.file_id_cur), gx_view(design_file("")));
+  if (place.empty()) return;
+  gx_tell_wrapped("# !! Warning : Sheets below are not found from here. Their paths begin in " +
+                      place + " : start kivo there",
+                  gx_line_kind::warning);
+  gx_count_kind(gx_line_kind::warning);
+}
+
 void show_first_picture() {
   for (const gx_vpid_t vpid : {gx_vext.viewport_edit, gx_vext.viewport_context}) {
     kv_display_picture_all(vpid, kv_pext.file_id_cur);
@@ -234,6 +244,7 @@ void kv_begin_session() {
   gx_vext.str_cmd = {};
   gx_display_cmd("");
   gx_display_list("# KIVO  version 2.02");
+  show_whether_elsewhere();
   gx_vext.base_point = gx_vext.obj_pos;
   show_first_picture();
 }

@@ -43,6 +43,20 @@ TEST_F(Batch, TheExamplesExpandWithoutADisplay) {
   }
 }
 
+TEST_F(Batch, ADesignNamedFromElsewhereIsReportedWithThePlaceToWorkIn) {
+  directory_.write("do", "bye\n");
+  const std::string place = directory_.path().string(), line = "# !! Warning : Sheets below";
+  for (const std::string& design : {place + "/top", place + "//top//", std::string("../top")}) {
+    const auto ended = run("cd block; kivo -q --strict " + design + " ../do");
+    EXPECT_EQ(ended.status, 1) << design;
+    EXPECT_NE(ended.out.find(line), std::string::npos) << ended.out;
+    EXPECT_NE(ended.out.find(design.front() == '.' ? " .. " : place + " "), std::string::npos)
+        << ended.out;
+  }
+  for (const std::string& design : {place + "/top", std::string("top"), std::string("./top/")})
+    EXPECT_EQ(run("kivo -q --strict " + design + " do").out, "") << design;
+}
+
 TEST_F(Batch, ASignalEndsTheWaitForACommand) {
   const auto ended =
       run("mkfifo f; exec 3<>f; " KIVO_PROGRAM

@@ -1,9 +1,10 @@
 #include "gx/db/file/sheet_shape.h"
 
 #include <array>
-#include <string_view>
+#include <filesystem>
 
 #include "gx/db/objects_of.h"
+#include "gx/text/strings.h"
 
 namespace {
 
@@ -47,4 +48,19 @@ std::string gx_sheet_fault(const gx_file_gene_recf_t& file) {
     if (auto fault = shape_fault(file, *object); !fault.empty()) return fault;
   }
   return {};
+}
+
+std::string gx_place_of_symbols(const gx_file_gene_recf_t& file, std::string_view design) {
+  const auto end = design.find_last_not_of('/');
+  const auto place = std::filesystem::path(design.substr(0, end + 1)).parent_path();
+  if (place.empty()) return "";
+  for (const int id : lb_symbols(file)) {
+    const auto* symbol = gx_object_as<gx_object_symbol_rec_t>(file, id);
+    const std::filesystem::path path(gx_view(symbol->path));
+    std::error_code ignored;
+    if (path.is_relative() && !std::filesystem::exists(path, ignored) &&
+        std::filesystem::exists(place / path, ignored))
+      return place.string();
+  }
+  return "";
 }
