@@ -252,6 +252,31 @@ sheet top
   EXPECT_EQ(kv_pext.findings[0].words, "nothing supplies it : 2 power inputs, the first \"/U1/V\"");
 }
 
+TEST(CheckDesign, ADrawnMarkDrivesAndDriversAreCounted) {
+  checked c(R"(
+sheet top
+  part B1 buf 10,4
+  part B2 buf 10,12
+  part B3 buf 10,20
+  part B4 buf 10,24
+  part B5 buf 10,28
+  net A ELECTRICAL=output
+    wire 2,4 B1.I
+  net B ELECTRICAL=input
+    wire 2,12 B2.I
+  net C
+    wire B3.O 20,20 20,28 B5.O
+    wire 20,24 B4.O
+)");
+  c.findings();
+  lines_t drivers;
+  for (const auto& finding : kv_pext.findings)
+    if (finding.rule == kv_rule::no_driver || finding.rule == kv_rule::many_drivers)
+      drivers.push_back(finding.path + " " + finding.words);
+  EXPECT_EQ(drivers, (lines_t{"/B nothing drives it : 1 input \"/B2/I\"",
+                              "/C several pins drive it : \"/B3/O\" and \"/B4/O\" and 1 more"}));
+}
+
 TEST(CheckDesign, APinOnASliceMeetsTheBitsOfItAlone) {
   // Of the bits 4 to 7 B1 drives 5; W1 reads 5 and 6, B2 reads 4; 7 has no pin. A port of both
   // directions drives, too.

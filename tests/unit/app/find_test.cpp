@@ -3,8 +3,11 @@
 #include <unistd.h>
 
 #include <fstream>
+#include <set>
 
+#include "app/find/expanded.h"
 #include "app/find/go_to.h"
+#include "app/find/readings.h"
 #include "expand/store.h"
 #include "gx/db/place/geometry.h"
 #include "gx/display/viewports.h"
@@ -236,6 +239,73 @@ TEST(Expanded, EveryBlockIsOnTheSheetAboveIt) {
   }
   EXPECT_EQ(places, (lines_t{"/X on \"\"", "/X/A on \"/X\"", "/X/B on \"/X\"", "/Y on \"\"",
                              "/Y/A on \"/Y\"", "/Y/B on \"/Y\""}));
+}
+
+TEST(Expanded, ANetOfASheetIsAnotherOneInEachOfItsUses) {
+  const find_session session(true);
+  const auto expanded = kv_expanded();
+  ASSERT_TRUE(expanded);
+  const auto flat = [&](std::string_view path, int net_id) {
+    const auto net = kv_flat_net_of(*expanded, kv_visit_at(*expanded, path), net_id);
+    return std::string(expanded->netlist.path({kv_named::net, net}));
+  };
+  EXPECT_EQ(flat("", session.s.net("LINK")), "/LINK");
+  ASSERT_EQ(kv_go_to("/XR", 0), "");
+  const int mid = session.s.net("MID");
+  std::set<std::string> in_r, in_s;
+  for (const int net : lb_nets(session.s.file())) {
+    in_r.insert(flat("xr", net));
+    in_s.insert(flat("/XS", net));
+  }
+  EXPECT_EQ(flat("/XR", mid) + flat("/XS", mid), "/XR/MID/XS/MID");
+  EXPECT_EQ(in_r, (std::set<std::string>{"/D", "/LINK", "/XR/MID"}));
+  EXPECT_EQ(in_s, (std::set<std::string>{"/LINK", "/GROUND", "/XS/MID"}));
+  EXPECT_EQ(kv_visit_at(*expanded, "/XQ"), -1);
+}
+
+TEST(Readings, AreTheKeysThatATypedPathMayMean) {
+  const std::vector<kv_reference_t> references = {{"/XR/MP2", "Q7"}, {"/XS", "U3"}};
+  const auto read = [&](std::string_view typed) {
+    const auto readings = kv_readings_of(typed, "XU", references);
+    std::string line(readings.match == kv_match::whole       ? ""
+                     : readings.match == kv_match::beginning ? "* "
+                                                             : "** ");
+    for (const auto& key : readings.keys) line += key + " ";
+    return line;
+  };
+  EXPECT_EQ(read("/a/b"), "/A/B /A%2FB ");
+  EXPECT_EQ(read("a:b"), "/A/B /XA/B /UA/B /B ");
+  EXPECT_EQ(read("ab.c"), "/AB/C /XAB/C /UAB/C ");
+  EXPECT_EQ(read("a"), "/A ");
+  EXPECT_EQ(read("'a'"), "/A ");
+  EXPECT_EQ(read("'a"), "/'A /%27A ");
+  EXPECT_EQ(read("0"), "/0 /GROUND ");
+  EXPECT_EQ(read("/a//"), "/A ");
+  EXPECT_EQ(read("/"), "/ ");
+  EXPECT_EQ(read("d[12]"), "/D[12] /D_12 ");
+  EXPECT_EQ(read("d[]"), "/D[] ");
+  EXPECT_EQ(read("d[1"), "/D[1 ");
+  EXPECT_EQ(read("u3.1"), "/U3/1 /XU3/1 /UU3/1 /XS/1 ");
+  EXPECT_EQ(read("/q7"), "/Q7 /XR/MP2 ");
+  EXPECT_EQ(read("/q7*"), "* /Q7 ");
+  EXPECT_EQ(read("*ab*"), "** AB ");
+  EXPECT_EQ(read("**"), "* /* ");
+}
+
+TEST(GoTo, WhatCannotBeGoneToIsRefused) {
+  {
+    design_session s(hierarchy);
+    EXPECT_EQ(s.run("view last"),
+              (lines_t{"# VIEw LASt ", "# !! Error : NO view to go back to ? "}));
+    EXPECT_EQ(kv_go_to("/X1/Y1", 0), "");
+    EXPECT_EQ(kv_go_to("/", 0), "");
+    std::filesystem::remove_all("deep");
+    EXPECT_EQ(s.run("view last"), (lines_t{"# VIEw LASt ", "# !! Error : No Sheet Available ? : ",
+                                           "# !! no such sheet : \"X1/Y1/\""}));
+  }
+  session_capture empty;
+  EXPECT_EQ(empty.run("find path /X1"),
+            (lines_t{"# FINd PATh /X1 ", "# !! Error :  No sheet available in window ? "}));
 }
 
 TEST(Expanded, AHighlightNamesANetOnceOnASheet) {
