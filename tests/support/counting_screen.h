@@ -1,26 +1,37 @@
-// A screen that shows nothing and counts what is asked of it.
+// A screen that shows nothing, counts what is asked of it and notes what menus cover.
 #pragma once
+
+#include <string>
 
 #include "gx/display/screen.h"
 #include "gx/vext.h"
 
 struct counting_screen {
   inline static int pictures = 0;  // begun off the screen
+  inline static int flips = 0;     // boxes drawn by exclusive-or
+  inline static bool flipping = false;
+  inline static std::string areas;  // "+1 149,119 135x340 " kept, "-1 ..." put back
 
   counting_screen() {
-    pictures = 0;
+    pictures = flips = 0;
+    flipping = false;
+    areas.clear();
     gx_vext.cursor_ind_cur = 1;
     static constexpr gx_screen_t nothing = {
-        .draw = [](const gx_stroke_group_t&) {},
+        .draw =
+            [](const gx_stroke_group_t& group) {
+              if (flipping) flips += static_cast<int>(group.boxes.size());
+            },
         .clip = [](const gx_box16_t&) {},
         .clear = [](int, int, int, int) {},
-        .set_exclusive_or = [](bool) {},
+        .set_exclusive_or = [](bool on) { flipping = on; },
         .flush = [] {},
         .sync = [] {},
         .begin_picture = [] { return ++pictures > 0; },
         .end_picture = [](const gx_bounds16_t&) {},
-        .keep_area = [](int, int, int, int, int) {},
-        .put_area_back = [](int, int, int, int, int) {},
+        .keep_area = [](int level, int x, int y, int w, int h) { note('+', level, x, y, w, h); },
+        .put_area_back = [](int level, int x, int y, int w,
+                            int h) { note('-', level, x, y, w, h); },
         .takes_pixels = [] { return true; },
         .put_pixels = [](const gx_canvas_t&, const gx_pixel_box_t&) {},
         .show_pointer = [](int) {},
@@ -39,6 +50,10 @@ struct counting_screen {
     gx_vext.screen = &nothing;
   }
   ~counting_screen() { gx_vext.screen = nullptr; }
+  static void note(char what, int level, int x, int y, int width, int height) {
+    areas += what + std::to_string(level) + " " + std::to_string(x) + "," + std::to_string(y) +
+             " " + std::to_string(width) + "x" + std::to_string(height) + " ";
+  }
   counting_screen(const counting_screen&) = delete;
   counting_screen& operator=(const counting_screen&) = delete;
 };

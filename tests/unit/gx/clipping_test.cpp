@@ -58,6 +58,15 @@ TEST(Clipping, AreasAndArcs) {
   EXPECT_FALSE(gx_filled_rectangle_clipping(1, {99, 200}, {300, 300}));
   EXPECT_TRUE(gx_arc_clipping(1, {0, 0}, {500, 500}, {1000, 1000}));
   EXPECT_FALSE(gx_arc_clipping(1, {100, 500}, {900, 500}, {500, 100})) << "on the edge only";
+  gx_vext.viewport[1].clip_wind = {100, 200, 900, 600};
+  const std::pair<gx_point16_t, bool> points[] = {{{100, 200}, true},  {{900, 600}, true},
+                                                  {{150, 150}, false}, {{700, 601}, false},
+                                                  {{99, 300}, false},  {{901, 300}, false}};
+  for (const auto& [p, is_inside] : points) {
+    EXPECT_EQ(gx_filled_rectangle_clipping(1, p, {300, 300}), is_inside) << p.x << " " << p.y;
+    EXPECT_EQ(gx_filled_rectangle_clipping(1, {300, 300}, p), is_inside) << p.x << " " << p.y;
+    EXPECT_EQ(gx_circle_clipping(1, p, 0), is_inside) << p.x << " " << p.y;
+  }
   gx_vext.viewport[1].vp_blocked = true;
   gx_line16_t line{200, 200, 300, 300};
   EXPECT_FALSE(gx_line_clipping(1, line));

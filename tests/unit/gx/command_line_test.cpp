@@ -221,8 +221,26 @@ TEST_F(MenuLevels, LieWhereTheyAreAskedForAndBesideEachOther) {
   EXPECT_EQ(gx_vext.pointer_put, (gx_point16_t{190, 119 + 26 + 13}));  // on the chosen line
   gx_close_menus(drawing_board::edit);
   EXPECT_FALSE(gx_vext.menu_drawn);
+  const std::string kept = "+1 149,119 134x340 +2 270,118 98x340 ",
+                    put_back = "-2 270,118 98x340 -1 149,119 134x340 ";
+  EXPECT_EQ(counting_screen::areas, kept + put_back + kept + put_back);
   gx_cursor_set_position({0, 2000});
   EXPECT_EQ(gx_vext.pointer_put, (gx_point16_t{18, 982}));
+}
+
+TEST_F(MenuLevels, APointerWithoutShapeStops) {
+  const auto patterns = static_cast<int>(gx_vext.cursor_array.size());
+  gx_cursor_set_pattern(patterns);
+  EXPECT_EQ(gx_vext.cursor_ind_cur, patterns);
+  for (const int outside : {0, patterns + 1}) {
+    expect_stop([&] { gx_cursor_set_pattern(outside); }, gx_code::draw_cursor_invalid);
+    gx_vext.cursor_ind_cur = static_cast<std::int16_t>(outside);
+    expect_stop([] { gx_cursor_active(); }, gx_code::draw_cursor_invalid);
+  }
+  gx_vext.init_done = false;
+  gx_vext.num_file_open = 0;
+  for (auto* const call : {&gx_cursor_active, &gx_cursor_erase})
+    expect_stop(*call, gx_code::init_or_open_file_not_done);
 }
 
 TEST_F(MenuLevels, TheMarkedRectangleFollowsThePointerInItsViewport) {
@@ -239,6 +257,9 @@ TEST_F(MenuLevels, TheMarkedRectangleFollowsThePointerInItsViewport) {
   EXPECT_EQ(corner_after({240, 230}), (gx_point16_t{240, 230}));
   EXPECT_TRUE(v.display_rectangle_todo);
   EXPECT_EQ(corner_after({242, 232}), (gx_point16_t{240, 230}));
+  // Four dots and three each way: drawn, and drawn away before they are drawn elsewhere.
+  gx_pen_flush();
+  EXPECT_EQ(counting_screen::flips, 14);
   EXPECT_EQ(corner_after({243, 230}), (gx_point16_t{243, 230}));
   const auto clip = v.viewport[1].clip_wind;
   const auto x = static_cast<std::int16_t>(clip.xmax - 2);
@@ -249,6 +270,11 @@ TEST_F(MenuLevels, TheMarkedRectangleFollowsThePointerInItsViewport) {
   EXPECT_TRUE(v.display_rectangle_todo);
   gx_rectangle_erase();
   EXPECT_FALSE(v.display_rectangle_todo);
+  gx_pen_flush();
+  EXPECT_EQ(counting_screen::flips % 2, 0);
+  const int shown = counting_screen::flips;
+  gx_rectangle_erase();
+  EXPECT_EQ(counting_screen::flips, shown);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include "gx/db/queries.h"
 #include "gx/display/sheet/draw.h"
 #include "gx/display/sheet/highlight.h"
+#include "gx/display/sheet/markers.h"
 #include "gx/vext.h"
 #include "tests/support/drawing_board.h"
 #include "tests/support/fatal_stop.h"
@@ -278,6 +279,62 @@ TEST(Drawing, WhatIsDrawnLaterLiesOnTop) {
 }
 
 // --- grid and markers
+
+TEST(Drawing, DotsOfAGridAndOfAMarkedRectangle) {
+  const drawing_board board;
+  const auto boxes_of = [](const std::function<void()>& draw) {
+    std::string text;
+    see_strokes(draw, [&](const gx_stroke_group_t& group) {
+      for (const auto& box : group.boxes)
+        text += std::to_string(box.x) + "," + std::to_string(box.y) + ":" +
+                std::to_string(box.width) + " ";
+    });
+    return text;
+  };
+  // Seven by two, every fifth column wider; places are those of the viewport.
+  EXPECT_EQ(boxes_of([] {
+              gx_viewport_draw_grid(1, {10, 20}, {70, 50}, 7, 2, 7);
+            }),
+            "109,120:2 120,120:1 130,120:1 140,120:1 150,120:1 159,120:2 170,120:1 "
+            "109,150:2 120,150:1 130,150:1 140,150:1 150,150:1 159,150:2 170,150:1 ");
+  for (const auto& [nx, ny] : {std::pair{1, 2}, {2, 1}})
+    expect_stop(
+        [nx = nx, ny = ny] {
+          gx_viewport_draw_grid(1, {}, {9, 9}, nx, ny, 7);
+        },
+        gx_code::viewport_id_invalid);
+  EXPECT_EQ(boxes_of([] {
+              gx_display_rectangle_dot({220, 210}, {200, 200}, 7, 3);
+            }),
+            "200,200:3 200,210:3 210,200:3 210,210:3 ");
+}
+
+// Marks of the place (50000, 30000), pixel (600, 400), as their corners in steps of four pixels.
+TEST(Drawing, MarksHaveTheirShapesAndStayOffTheEdge) {
+  const drawing_board board;
+  const auto corners = [](int step, int color, void (*mark)(gx_vpid_t, gx_pointreal_t),
+                          gx_pointreal_t at = {50000, 30000}) {
+    std::string text;
+    for (const auto& line : lines_of(color, 0, [&] { mark(drawing_board::edit, at); }))
+      text += std::to_string((line.x2 - 600) / step) + "," +
+              std::to_string((line.y2 - 400) / step) + " ";
+    return text;
+  };
+  constexpr int white = 7, green = 2;
+  EXPECT_EQ(corners(4, white, gx_display_half_cross), "-1,2 1,2 -1,-2 1,-2 0,0 ");
+  EXPECT_EQ(corners(4, white, gx_display_cross),
+            "-2,1 -1,2 1,-2 2,-1 0,0 -2,-1 -1,-2 1,2 2,1 0,0 ");
+  EXPECT_EQ(corners(4, green, gx_display_selvertex), "-2,-1 -2,1 2,-1 2,1 0,0 ");
+  EXPECT_EQ(corners(6, white, gx_display_pin_nocon), "0,1 1,0 0,-1 -1,0 0,1 1,0 0,-1 -1,0 ");
+  // Ten pixels from the edge are room enough, nine are not.
+  const auto is_drawn = [&](std::int32_t x, std::int32_t y) {
+    return !corners(4, white, gx_display_cross, {x * 100, y * 100}).empty();
+  };
+  EXPECT_TRUE(is_drawn(10, 400) && is_drawn(790, 400) && is_drawn(400, 10) && is_drawn(400, 790));
+  EXPECT_FALSE(is_drawn(9, 400) || is_drawn(791, 400) || is_drawn(400, 9) || is_drawn(400, 791));
+  gx_vext.viewport[1].vp_blocked = true;
+  EXPECT_FALSE(is_drawn(400, 400));
+}
 
 TEST(Drawing, MarksKeptByACommandAreDrawnAgainUntilForgotten) {
   const drawing_board board;
