@@ -1,9 +1,15 @@
 // The tree of blocks, without its picture, and what a hint says.
 #include "app/tree/block_tree.h"
 
+#include <tuple>
+
+#include "app/hint/hint.h"
 #include "app/hint/hint_text.h"
+#include "app/sheet/pan.h"
 #include "app/tree/tree_view.h"
 #include "gx/db/place/geometry.h"
+#include "gx/display/strokes/stroke_font.h"
+#include "gx/display/viewport_coords.h"
 #include "gx/display/viewports.h"
 #include "tests/support/counting_screen.h"
 #include "tests/support/design_session.h"
@@ -145,12 +151,70 @@ TEST(Hints, SayTheFlatNameTheKindAndTheValueOfWhatIsThere) {
   const gx_pointreal_t at_pin = gx_pin_abs_origin(s.file(), pin.pinpropfam);
   EXPECT_EQ(hint(at_pin), (lines_t{"/XR/M1/D", "pin"}));
   EXPECT_EQ(hint(middle_of(s.inst("M1"))), (lines_t{"/XR/M1", "device mos  nch"}));
+  EXPECT_EQ(hint(on_net("IN1")), (lines_t{"/XR/IN1", "net"}));
   for (const char* command : {"property instance s inst", "property pin s pin",
                               "property net s net", "run", "values file a.raw"})
     s.run(command);
   EXPECT_EQ(hint(on_net("IN1")), (lines_t{"/A", "net, here IN1", "1.8 V at 0"}));
   EXPECT_EQ(hint(at_pin), (lines_t{"/XR/M1/D", "pin on /A", "1.8 V at 0"}));
   EXPECT_EQ(hint(middle_of(s.inst("M1"))), (lines_t{"/XR/M1", "device mos  nch", "id 2 mA"}));
+}
+
+TEST(Hints, LieBesideThePointerWhereThereIsRoom) {
+  std::string wires = "sheet top\n page 60,40\n";
+  for (const auto& [name, x, y] : {std::tuple{"MIDDLE", 30, 20},
+                                   {"RIGHT", 56, 20},
+                                   {"LOW", 30, 39},
+                                   {"ALONG_NAME_THAT_IS_CUT_AT_ITS_START", 2, 2}})
+    wires += " net " + std::string(name) + "\n  wire " + std::to_string(x) + "," +
+             std::to_string(y) + " " + std::to_string(x + 2) + "," + std::to_string(y) + "\n";
+  design_session s(wires);
+  gx_vext.bitmap_size = {1100, 880};  // letters 8 high
+  for (const auto& viewport : set_viewports()) gx_viewport_create(viewport.bounds, viewport.border);
+  kv_display_picture_all(gx_vext.viewport_edit, kv_pext.file_id_cur);
+  const counting_screen screen;
+  kv_show_hints(true);
+  const int letter = 8 * gx_glyph_advance / gx_glyph_height;
+  const auto& within = gx_viewport_rec(gx_vext.viewport_edit).clip_wind;
+  const auto pixel_of = [&](const char* name) {
+    const auto box = gx_object_abs_origin_bounds(s.file(), s.net(name), 0).bounds;
+    return gx_viewport_pt_real_to_pixel(gx_vext.viewport_edit,
+                                        {box.xmin / 2 + box.xmax / 2, box.ymin});
+  };
+  const auto hint = [&](const char* name) {
+    const auto pixel = pixel_of(name);
+    counting_screen::areas.clear();
+    kv_show_hint(pixel);
+    EXPECT_TRUE(kv_pext.is_hint_shown) << name;
+    const auto& shown = kv_pext.hint_box;
+    EXPECT_EQ(counting_screen::areas, "+1 " + std::to_string(shown.xmin) + "," +
+                                          std::to_string(shown.ymin) + " " +
+                                          std::to_string(shown.xmax - shown.xmin + 1) + "x" +
+                                          std::to_string(shown.ymax - shown.ymin + 1) + " ");
+    const auto kept = counting_screen::areas.substr(1);
+    kv_hide_hint();
+    EXPECT_EQ(counting_screen::areas, "+" + kept + "-" + kept);
+    return gx_bounds16_t{static_cast<std::int16_t>(shown.xmin - pixel.x),
+                         static_cast<std::int16_t>(shown.ymin - pixel.y),
+                         static_cast<std::int16_t>(shown.xmax - shown.xmin),
+                         static_cast<std::int16_t>(shown.ymax - shown.ymin)};
+  };
+  const auto width = [&](int letters) { return static_cast<std::int16_t>(letters * letter + 10); };
+  constexpr std::int16_t height = 3 * 8 + 10;
+  EXPECT_EQ(hint("MIDDLE"), (gx_bounds16_t{14, 14, width(7), height}));
+  kv_pan_by(gx_vext.viewport_edit, within.xmax - 60 - pixel_of("RIGHT").x, 0);
+  EXPECT_EQ(hint("RIGHT"),
+            (gx_bounds16_t{static_cast<std::int16_t>(-14 - width(6)), 14, width(6), height}));
+  kv_pan_by(gx_vext.viewport_edit, 200, within.ymax - 20 - pixel_of("LOW").y);
+  EXPECT_EQ(hint("LOW"),
+            (gx_bounds16_t{14, static_cast<std::int16_t>(-14 - height), width(4), height}));
+  const auto at = pixel_of("ALONG_NAME_THAT_IS_CUT_AT_ITS_START");
+  kv_pan_by(gx_vext.viewport_edit, within.xmin + 100 - at.x, within.ymin + 100 - at.y);
+  const int most = std::clamp((within.xmax - within.xmin) / 2 / letter - 4, 8, 58);
+  EXPECT_EQ(hint("ALONG_NAME_THAT_IS_CUT_AT_ITS_START").xmax, width(std::min(most, 36)));
+  kv_show_hints(false);
+  kv_show_hint({500, 400});
+  EXPECT_FALSE(kv_pext.is_hint_shown);
 }
 
 TEST(TreeView, InABatchTheSettingsHaveNoEffectAndPathsAreGoneTo) {
