@@ -1,6 +1,8 @@
 // The tree of blocks, without its picture, and what a hint says.
 #include "app/tree/block_tree.h"
 
+#include <X11/keysym.h>
+
 #include <tuple>
 
 #include "app/hint/hint.h"
@@ -215,6 +217,92 @@ TEST(Hints, LieBesideThePointerWhereThereIsRoom) {
   kv_show_hints(false);
   kv_show_hint({500, 400});
   EXPECT_FALSE(kv_pext.is_hint_shown);
+}
+
+// Forty blocks below the top; 34 rows of 18 pixels are shown.
+TEST(TreeView, KeysWheelAndClicksMoveInTheRows) {
+  std::string text =
+      "symbol leaf\n pin A 0,0 IN\n prop CLASS=R\nsymbol sub\n pin A 0,0 IN\n"
+      "sheet sub\n part R leaf 4,4\nsheet top\n page 60,60\n";
+  for (int i = 10; i < 50; ++i)
+    text += " part B" + std::to_string(i) + " sub 4," + std::to_string(i) + "\n";
+  design_session s(text);
+  gx_vext.bitmap_size = {1100, 880};
+  for (const auto& viewport : set_viewports()) gx_viewport_create(viewport.bounds, viewport.border);
+  const counting_screen screen;
+  kv_show_tree(true);
+  ASSERT_TRUE(kv_tree_is_shown());
+  gx_vext.viewport_id = gx_vext.viewport_tree;
+  std::string command;
+  const auto gesture = [&](const gx_event_t& event) {
+    return kv_tree_gesture(event, [&](std::string_view line) { command = line; });
+  };
+  const auto key = [&](std::uint32_t keysym) {
+    gx_event_t event;
+    event.kind = gx_event_kind::key_press;
+    event.code = keysym;
+    return gesture(event);
+  };
+  // Where Return leads after these keys.
+  const auto after = [&](std::initializer_list<std::uint32_t> keys) {
+    for (const auto keysym : keys) EXPECT_TRUE(key(keysym));
+    EXPECT_TRUE(key(XK_Return));
+    return command;
+  };
+  const auto& box = gx_viewport_rec(gx_vext.viewport_tree).pixel_bounds;
+  const auto click = [&](int y) {
+    gx_event_t event;
+    event.clicks = 1;
+    event.pixel = {static_cast<std::int16_t>(box.xmin + 20),
+                   static_cast<std::int16_t>(box.ymin + 6 + y)};
+    for (const auto kind : {gx_event_kind::button1_down, gx_event_kind::button1_up}) {
+      event.kind = kind;
+      EXPECT_TRUE(gesture(event));
+    }
+    return after({});
+  };
+  EXPECT_EQ(after({}), "VIEW TREE / ");
+  EXPECT_EQ(after({XK_Down, XK_Down}), "VIEW TREE /B11 ");
+  EXPECT_EQ(after({XK_Up, XK_Up, XK_Up}), "VIEW TREE / ");
+  EXPECT_EQ(click(18), "VIEW TREE /B10 ");
+  EXPECT_EQ(click(18 - 4), "VIEW TREE /B10 ");  // from half a letter above it
+  EXPECT_EQ(click(36 - 5), "VIEW TREE /B10 ");
+  EXPECT_EQ(click(36 - 4), "VIEW TREE /B11 ");
+  EXPECT_EQ(click(33 * 18), "VIEW TREE /B42 ");
+  EXPECT_EQ(click(34 * 18), "VIEW TREE /B42 ");  // no row
+  EXPECT_EQ(click(-5), "VIEW TREE /B42 ");
+  EXPECT_EQ((key(XK_Next), click(0)), "VIEW TREE /B16 ");  // the last page: seven rows down
+  EXPECT_EQ((key(XK_Prior), click(18)), "VIEW TREE /B10 ");
+  gx_event_t wheel;
+  wheel.kind = gx_event_kind::pointer_moved;
+  wheel.wheel = -1;
+  EXPECT_TRUE(gesture(wheel));
+  EXPECT_EQ(click(0), "VIEW TREE /B12 ");
+  wheel.wheel = 1;
+  EXPECT_TRUE(gesture(wheel));
+  EXPECT_EQ(click(18), "VIEW TREE /B10 ");
+  wheel.wheel = 0;
+  EXPECT_FALSE(gesture(wheel));
+  // A search goes on from where it is, and round.
+  EXPECT_EQ(after({'b', '4'}), "VIEW TREE /B40 ");
+  EXPECT_EQ(after({XK_Tab}), "VIEW TREE /B41 ");
+  EXPECT_EQ(after({XK_BackSpace, XK_BackSpace, '9'}), "VIEW TREE /B49 ");
+  EXPECT_EQ(click(33 * 18), "VIEW TREE /B49 ");  // scrolled to
+  EXPECT_EQ(after({XK_Tab}), "VIEW TREE /B19 ");
+  EXPECT_TRUE(key(XK_Escape));
+  EXPECT_FALSE(key(XK_Escape));
+  EXPECT_FALSE(key(XK_BackSpace));
+  EXPECT_FALSE(key(XK_F1));
+  // The top closed, nothing else is left.
+  EXPECT_EQ(after({'t', 'o', XK_Escape}), "VIEW TREE /B19 ");
+  EXPECT_EQ((key(XK_Prior), click(0)), "VIEW TREE / ");
+  EXPECT_EQ(after({XK_Down}), "VIEW TREE / ");
+  EXPECT_EQ(after({XK_Right, XK_Down}), "VIEW TREE /B10 ");
+  EXPECT_EQ(after({XK_Up, XK_Left, XK_Down}), "VIEW TREE / ");
+  gx_vext.viewport_id = gx_vext.viewport_edit;
+  EXPECT_FALSE(key(XK_Down));
+  kv_show_tree(false);
+  EXPECT_FALSE(kv_tree_is_shown());
 }
 
 TEST(TreeView, InABatchTheSettingsHaveNoEffectAndPathsAreGoneTo) {

@@ -320,7 +320,6 @@ TEST(Drawing, MarksHaveTheirShapesAndStayOffTheEdge) {
               std::to_string((line.y2 - 400) / step) + " ";
     return text;
   };
-  constexpr int white = 7, green = 2;
   EXPECT_EQ(corners(4, white, gx_display_half_cross), "-1,2 1,2 -1,-2 1,-2 0,0 ");
   EXPECT_EQ(corners(4, white, gx_display_cross),
             "-2,1 -1,2 1,-2 2,-1 0,0 -2,-1 -1,-2 1,2 2,1 0,0 ");
