@@ -52,6 +52,13 @@ TEST_F(ValuesProgram, ANetHasItsValueBesideItAndTheColourOfIt) {
   EXPECT_GT(count(edit(), red), count(full, red) + 50);
   say("values at 0", " VALues AT 0 s ");
   EXPECT_GT(count(edit(), blue), count(full, blue) + 50);
+  // Also where the theme has one colour for all wires.
+  say("display theme light", " DISplay THEme LIGht ");
+  constexpr std::uint32_t blue_of_light = 0x1f4fd1, red_of_light = 0xc0241a;
+  EXPECT_GT(count(edit(), blue_of_light), 50);
+  say("values at 10n", " VALues AT 10 ns ");
+  EXPECT_GT(count(edit(), red_of_light), 50);
+  say("display theme classic", " DISplay THEme CLAssic ");
   say("values off", " VALues OFF ");
   EXPECT_EQ(edit(), plain);
   bye();
