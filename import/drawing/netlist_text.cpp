@@ -5,6 +5,7 @@
 #include <array>
 #include <cctype>
 #include <iterator>
+#include <span>
 #include <sstream>
 
 #include "gx/text/strings.h"
@@ -92,6 +93,17 @@ std::string with_places(const std::string& line, std::size_t count) {
   return out;
 }
 
+bool is_one_of(std::span<const std::string_view> words, std::string_view word) {
+  return std::ranges::any_of(words, [&](auto known) { return gx_iden(known, word); });
+}
+
+// What no simulator takes for a node.
+bool is_of_value(std::string_view word) {
+  constexpr auto words = std::to_array<std::string_view>(
+      {"TABLE", "VALUE", "VOL", "CUR", "POLY", "LAPLACE", "FREQ", "PWL", "VCR", "VCCS", "VCVS"});
+  return word.find_first_of("({'\"=") != std::string_view::npos || is_one_of(words, word);
+}
+
 std::size_t nodes_among(const std::vector<std::string>& words) {
   const auto from = [&](std::size_t first, auto is_value) {
     return static_cast<std::size_t>(
@@ -106,8 +118,8 @@ std::size_t nodes_among(const std::vector<std::string>& words) {
     });
     return plain > 2 ? plain - 2 : 0;
   }
-  // Of a controlled source that says TABLE or POLY(2) there are two.
-  return most == 4 ? std::min(most, from(1, gxi_begins_value) - 1) : most;
+  // Of a controlled source that says TABLE or POLY(2) there are two, whatever these are called.
+  return most == 4 ? std::min(most, from(3, gxi_begins_value) - 1) : most;
 }
 
 }  // namespace
@@ -137,15 +149,14 @@ int gxi_spice_nodes(char letter) {
 }
 
 bool gxi_begins_value(std::string_view word) {
-  constexpr auto words = std::to_array<std::string_view>(
-      {"TABLE", "VALUE", "VOL", "CUR", "POLY", "LAPLACE", "FREQ", "PWL", "VCR", "VCCS", "VCVS"});
-  return word.find_first_of("({'\"=") != std::string_view::npos ||
-         std::any_of(words.begin(), words.end(), [&](auto known) { return gx_iden(known, word); });
+  // Kinds of controlled sources that may well be names of nets elsewhere.
+  constexpr auto kinds = std::to_array<std::string_view>({"DELAY", "OPAMP", "TRANSFORMER"});
+  return is_of_value(word) || is_one_of(kinds, word);
 }
 
 bool gxi_is_node(std::string_view word) {
   return word.find_first_not_of("[](){},~") != std::string_view::npos && word.front() != '%' &&
-         !gxi_begins_value(word);
+         !is_of_value(word);
 }
 
 std::vector<std::string> gxi_netlist_ports(std::string_view text, std::string_view subcircuit) {
