@@ -431,16 +431,31 @@ class joiner {
     }
   }
 
-  // What a sheet below makes global is so here, too.
+  // What a sheet below makes global is so here, too, unless the net has a global name here or from
+  // a block before: then what is below has that name, and other nets of its own name stay apart.
   void take_from_below() {
+    std::map<int, const gxi_kicad_face_t::net_t*> from;
     for (std::size_t i = 0; i < sheet_.faces.size(); ++i) {
       if (sheet_.faces[i] == nullptr) continue;
       for (const auto& below : sheet_.faces[i]->nets)
         for (const auto& port : below.ports)
-          if (const int member = block_member(i, port); member >= 0)
-            for (const auto& global : below.globals)
-              give(member, global, of_global, file_.blocks[i].line);
+          if (const int member = block_member(i, port); member >= 0 && !below.globals.empty())
+            take_globals(member, below, from, file_.blocks[i].line);
     }
+  }
+  void take_globals(int member, const gxi_kicad_face_t::net_t& below,
+                    std::map<int, const gxi_kicad_face_t::net_t*>& from, int line) {
+    const int index = net(member, line);
+    const auto& globals = gx_at(result_.nets, index).globals;
+    const bool is_own = !globals.empty() && !from.contains(index);
+    if (is_own || (from.contains(index) && from[index] != &below)) {
+      for (const auto& global : below.globals)
+        if (std::ranges::find(globals, global) == globals.end())
+          result_.overridden.push_back({line, global, globals.front()});
+      return;
+    }
+    from[index] = &below;
+    for (const auto& global : below.globals) give(member, global, of_global, line);
   }
 
   void hand_up() {

@@ -44,12 +44,19 @@ struct gxi_kicad_net_t {
   int line = 0;
 };
 
+// A global name of a sheet below that has another one here.
+struct gxi_kicad_overridden_t {
+  int line = 0;  // of the block
+  std::string name{}, here{};
+};
+
 struct gxi_kicad_joined_t {
   std::vector<gxi_kicad_net_t> nets{};
   std::vector<int> of_wire{}, of_entry{};
   std::vector<int> of_label{};                            // -1: a bus
   std::vector<std::vector<int>> of_pin{};                 // by symbol and pin
   std::vector<std::vector<std::vector<int>>> of_block{};  // by block, pin and member
+  std::vector<gxi_kicad_overridden_t> overridden{};
 };
 
 struct gxi_kicad_sheet_t {

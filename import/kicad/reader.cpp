@@ -90,6 +90,10 @@ class kicad_reader {
     for (const auto& placed : from.records.placed) place(here, placed);
     for (const auto& block : from.records.blocks) read_block(here, block);
     const auto joined = gxi_kicad_join(here.joins);
+    for (const auto& one : joined.overridden)
+      warn(from, one.line,
+           "the net " + one.name + " below is " + one.here + " here; others called " + one.name +
+               " stay apart from it");
     faces_.insert_or_assign(&from, gxi_kicad_face(joined));
     cell(index).sheet = draw(here, joined, above, index);
   }
