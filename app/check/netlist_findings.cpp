@@ -118,8 +118,9 @@ class netlist_check {
   void take_ports() {
     const kv_sheet_t& top = found_.origins.sheets->top.sheet;
     for (const auto& port : top.ports) {
-      if (port.group < 0) continue;
-      const auto& master = gx_at(top.nets, gx_at(top.groups, port.group).master);
+      if (port.net < 0) continue;
+      const auto group = gx_at(top.nets, port.net).group;  // of a second port, too
+      const auto& master = gx_at(top.nets, gx_at(top.groups, group).master);
       auto& type = outside_[top.view(master.suffix)];
       type = type == 0 || type == port.io_type ? port.io_type : kv_io_io;
     }

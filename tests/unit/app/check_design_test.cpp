@@ -277,6 +277,24 @@ sheet top
                               "/C several pins drive it : \"/B3/O\" and \"/B4/O\" and 1 more"}));
 }
 
+// Something may drive it from outside.
+TEST(CheckDesign, ANetWithAPortEachWayHasADriver) {
+  for (const std::string first : {"IN", "OUT"}) {
+    const std::string second = first == "IN" ? "OUT" : "IN";
+    checked both("symbol a\n pin P 0,0 IXO NET=X\n prop CLASS=PORT" + first +
+                 "\nsymbol b\n pin P 0,0 IXO NET=X\n prop CLASS=PORT" + second + R"(
+sheet top
+  part B1 buf 10,4
+  part P1 a 4,4
+  part P2 b 4,8
+  net
+    wire P1.P 8,4 B1.I
+    wire 8,4 8,8 P2.P
+)");
+    EXPECT_EQ(both.findings(), lines_t{"pin-unused /B1/O"}) << first;
+  }
+}
+
 TEST(CheckDesign, APinOnASliceMeetsTheBitsOfItAlone) {
   // Of the bits 4 to 7 B1 drives 5; W1 reads 5 and 6, B2 reads 4; 7 has no pin. A port of both
   // directions drives, too.
