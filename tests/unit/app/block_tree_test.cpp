@@ -5,6 +5,7 @@
 
 #include <tuple>
 
+#include "app/find/go_to.h"
 #include "app/hint/hint.h"
 #include "app/hint/hint_text.h"
 #include "app/sheet/pan.h"
@@ -219,12 +220,12 @@ TEST(Hints, LieBesideThePointerWhereThereIsRoom) {
   EXPECT_FALSE(kv_pext.is_hint_shown);
 }
 
-// Forty blocks below the top; 34 rows of 18 pixels are shown.
+// Ninety blocks below the top; 34 rows of 18 pixels are shown.
 TEST(TreeView, KeysWheelAndClicksMoveInTheRows) {
   std::string text =
       "symbol leaf\n pin A 0,0 IN\n prop CLASS=R\nsymbol sub\n pin A 0,0 IN\n"
-      "sheet sub\n part R leaf 4,4\nsheet top\n page 60,60\n";
-  for (int i = 10; i < 50; ++i)
+      "sheet sub\n part R leaf 4,4\nsheet top\n page 60,120\n";
+  for (int i = 10; i < 100; ++i)
     text += " part B" + std::to_string(i) + " sub 4," + std::to_string(i) + "\n";
   design_session s(text);
   gx_vext.bitmap_size = {1100, 880};
@@ -271,7 +272,9 @@ TEST(TreeView, KeysWheelAndClicksMoveInTheRows) {
   EXPECT_EQ(click(33 * 18), "VIEW TREE /B42 ");
   EXPECT_EQ(click(34 * 18), "VIEW TREE /B42 ");  // no row
   EXPECT_EQ(click(-5), "VIEW TREE /B42 ");
-  EXPECT_EQ((key(XK_Next), click(0)), "VIEW TREE /B16 ");  // the last page: seven rows down
+  EXPECT_EQ((key(XK_Next), click(0)), "VIEW TREE /B42 ");                // a page less a row
+  EXPECT_EQ((key(XK_Next), key(XK_Next), click(0)), "VIEW TREE /B66 ");  // the last page
+  EXPECT_EQ((key(XK_Prior), click(0)), "VIEW TREE /B33 ");
   EXPECT_EQ((key(XK_Prior), click(18)), "VIEW TREE /B10 ");
   gx_event_t wheel;
   wheel.kind = gx_event_kind::pointer_moved;
@@ -287,18 +290,36 @@ TEST(TreeView, KeysWheelAndClicksMoveInTheRows) {
   EXPECT_EQ(after({'b', '4'}), "VIEW TREE /B40 ");
   EXPECT_EQ(after({XK_Tab}), "VIEW TREE /B41 ");
   EXPECT_EQ(after({XK_BackSpace, XK_BackSpace, '9'}), "VIEW TREE /B49 ");
-  EXPECT_EQ(click(33 * 18), "VIEW TREE /B49 ");  // scrolled to
-  EXPECT_EQ(after({XK_Tab}), "VIEW TREE /B19 ");
+  EXPECT_EQ(click(0), "VIEW TREE /B38 ");  // scrolled to a third of what is shown
+  EXPECT_EQ(after({XK_Tab}), "VIEW TREE /B39 ");
+  EXPECT_TRUE(key(XK_Escape));
+  EXPECT_EQ((key(XK_Prior), click(33 * 18)), "VIEW TREE /B42 ");
+  EXPECT_EQ(after({XK_Down}), "VIEW TREE /B43 ");
+  EXPECT_EQ(click(0), "VIEW TREE /B32 ");
+  for (int i = 0; i < 42; ++i) EXPECT_TRUE(key('~'));
+  for (int i = 0; i < 40; ++i) EXPECT_TRUE(key(XK_BackSpace));
+  EXPECT_FALSE(key(XK_BackSpace));
+  EXPECT_TRUE(key(' '));
   EXPECT_TRUE(key(XK_Escape));
   EXPECT_FALSE(key(XK_Escape));
   EXPECT_FALSE(key(XK_BackSpace));
   EXPECT_FALSE(key(XK_F1));
   // The top closed, nothing else is left.
-  EXPECT_EQ(after({'t', 'o', XK_Escape}), "VIEW TREE /B19 ");
+  EXPECT_EQ(after({'t', 'o', XK_Escape}), "VIEW TREE /B32 ");
   EXPECT_EQ((key(XK_Prior), click(0)), "VIEW TREE / ");
   EXPECT_EQ(after({XK_Down}), "VIEW TREE / ");
   EXPECT_EQ(after({XK_Right, XK_Down}), "VIEW TREE /B10 ");
   EXPECT_EQ(after({XK_Up, XK_Left, XK_Down}), "VIEW TREE / ");
+  // It follows the sheet in view, and stays where it is while that does.
+  EXPECT_EQ(after({XK_Right, XK_Down}), "VIEW TREE /B10 ");
+  kv_follow_tree();
+  EXPECT_EQ(after({}), "VIEW TREE /B10 ");
+  EXPECT_EQ(kv_go_to("/B55", 0), "");
+  kv_follow_tree();
+  EXPECT_EQ(after({}), "VIEW TREE /B55 ");
+  EXPECT_EQ(kv_go_to("/", 0), "");
+  kv_follow_tree();
+  EXPECT_EQ(after({}), "VIEW TREE / ");
   gx_vext.viewport_id = gx_vext.viewport_edit;
   EXPECT_FALSE(key(XK_Down));
   kv_show_tree(false);

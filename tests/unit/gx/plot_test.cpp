@@ -11,6 +11,7 @@
 #include "gx/plot/plot_sheet.h"
 #include "gx/vext.h"
 #include "tests/support/design_session.h"
+#include "tests/support/fatal_stop.h"
 
 namespace {
 // 21 grid steps are 200 plotter units on this page, whose upper edge is at 2600.
@@ -191,6 +192,7 @@ TEST(Plot, ShapesArePenMoves) {
   EXPECT_EQ(text(2, 1), "DI0, 1;SI0.013,0.010;SI 0.015, 0.020;PU7,992;LBu\003;");
   EXPECT_EQ(text(1300, 2), "DI1,0;SI0.013,0.010;SI10.000,13.000;PU7,992;LBu\003;");
   EXPECT_EQ(text(1301, 3), "DI0,-1;SI13,10;SI10.008,13.010;PU7,992;LBu\003;");
+  expect_stop([&] { text(1, 4); }, gx_code::coordonate_conversion_overflow, "invalid \\? : 4");
   EXPECT_EQ(plotted(shape(gx_shape_kind::dot, 2), {{10, 10}}), "PU8,992;RA12,988;");
   EXPECT_EQ(plotted(shape(gx_shape_kind::dot), {{10, 10}}), "");
   EXPECT_EQ(plotted(shape(gx_shape_kind::circle, 9), {{10, 10}}), "PU10,990;PD10,990;CI9;");
