@@ -1,5 +1,7 @@
 // Walking the hierarchy and choosing what the two viewports show.
+#include "app/sheet/sheet_files.h"
 #include "gx/db/file/record_codec.h"
+#include "gx/display/viewports.h"
 #include "gx/vext.h"
 #include "tests/support/design_session.h"
 
@@ -166,6 +168,47 @@ TEST(Navigate, ContextShowsSheetsSymbolsAndTheCurrentSheetInTurn) {
             (lines_t{"# ACTivate SYMbol none ", "# !! Error : Component not found ? : \"none\" "}));
   EXPECT_FALSE(kv_pext.act_symb_done);
   EXPECT_EQ(s.run("pop"), (lines_t{"# POP ", "# !! Error : NO window to pop ? "}));
+}
+
+TEST(Navigate, AViewShowsTheFileThatItHas) {
+  design_session s(walked);
+  EXPECT_EQ(s.run("view all"), (lines_t{"# VIEw ALL ", "# !! Error : Viewport Invalid ? "}));
+  gx_vext.bitmap_size = gx_nominal_size;
+  for (const auto& viewport : set_viewports()) gx_viewport_create(viewport.bounds, viewport.border);
+  const auto shown = [](gx_vpid_t vpid) { return gx_viewport_rec(vpid).file_index; };
+  s.run("view down X1");
+  s.run("view sheet top");
+  ASSERT_NE(kv_pext.file_id_cur, kv_pext.file_id_context);
+  for (const char* command : {"view all", "view area edit 0.1 0.1 0.5 0.5"}) {
+    gx_viewport_rec(gx_vext.viewport_edit).file_index = 0;
+    EXPECT_FALSE(s.run(command)[0].starts_with('#')) << command;
+    EXPECT_EQ(shown(gx_vext.viewport_edit), kv_pext.file_id_cur) << command;
+  }
+  s.run("act symbol leaf");
+  EXPECT_EQ(s.run("view all context"), lines_t{" VIEw ALL "});
+  EXPECT_EQ(shown(gx_vext.viewport_context), kv_pext.file_id_act);
+  // Other words name no view, and without a sheet there is none.
+  const char* const commands[] = {"view all list", "view area list 1 1 2 2", "status property list",
+                                  "show link list"};
+  for (const char* command : commands) {
+    const auto lines = s.run(command);
+    EXPECT_TRUE(lines.size() == 2 && lines[1].starts_with("# !! Error")) << command;
+  }
+  kv_leave_slot(kv_pext.file_id_context);
+  EXPECT_EQ(kv_pext.file_id_context, kv_pext.file_id_cur);
+  kv_pext.file_id_context = kv_pext.file_id_act;
+  kv_leave_slot(0);
+  kv_leave_slot(kv_pext.file_id_cur);
+  EXPECT_EQ(kv_pext.file_id_context, kv_pext.file_id_act);
+}
+
+TEST(Navigate, WithoutASheetThereIsNoView) {
+  session_capture empty;
+  for (const char* command :
+       {"view all", "view area edit 1 1 2 2", "status property", "show link", "list object"}) {
+    const auto lines = empty.run(command);
+    EXPECT_TRUE(lines.size() == 2 && lines[1].starts_with("# !! Error")) << command;
+  }
 }
 
 TEST(Navigate, QuotedFileNamesHoldBlanksCommasAndSemicolons) {
