@@ -336,7 +336,8 @@ class link_t {
     if (line.empty() || (line.starts_with(prompt) && line.find(" -> ") != line.npos)) return;
     if (line.find("kivo-mark-") != line.npos) return;
     const auto has = [line](std::string_view word) { return line.find(word) != line.npos; };
-    const bool is_told = !asked_.empty() || has("rror") || has("arning") || has(" = ");
+    const bool is_told =
+        !asked_.empty() || has("rror") || has("ERROR") || has("arning") || has(" = ");
     if (is_told && nb_of_lines_++ < most_lines) kivo_.tell(line);
   }
   void end_answer() {

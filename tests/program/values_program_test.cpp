@@ -143,6 +143,17 @@ TEST(SimulatorValues, ARunIsSimulatedAndAnsweredByNgspice) {
   }
 }
 
+TEST(SimulatorValues, ASimulatorThatCannotRunSaysWhy) {
+  scratch_directory directory;
+  auto start = ngspice_link(directory);
+  directory.write("simulator", "#!/bin/sh\necho 'ERROR: no display'\n");
+  std::filesystem::permissions(directory.path() / "simulator", std::filesystem::perms::owner_all);
+  const auto ended = run_tool(directory, start.program, {"--simulator", "./simulator", "register"});
+  EXPECT_EQ(ended.status, 1);
+  EXPECT_EQ(ended.out, "ERROR: no display\n");
+  EXPECT_EQ(ended.err, "kivo-ngspice: ./simulator has ended\n");
+}
+
 // What ngspice found is tested by the names of the design, by someone who makes no RUN.
 TEST(SimulatorValues, OfNgspiceAreExpectedByTheNamesOfTheDesign) {
   const struct {
