@@ -12,10 +12,12 @@ using loaded_t = gxi_kicad_loaded_t;
 
 gxi_kicad_sheets_t::gxi_kicad_sheets_t(const fs::path& top, gxi_design_t& design)
     : design_(design), variables_(gxi_kicad_project_variables(top)), top_(&load(top)) {
-  walk(*top_);
+  std::error_code none;
+  has_project_ = fs::is_regular_file(fs::path(top).replace_extension(".kicad_pro"), none);
+  walk(*top_, "Root", "/");
 }
 
-const loaded_t& gxi_kicad_sheets_t::load(const fs::path& path) {
+loaded_t& gxi_kicad_sheets_t::load(const fs::path& path) {
   const auto [found, is_new] = files_.emplace(path.string(), nullptr);
   if (!is_new) return *found->second;
   found->second = std::make_unique<loaded_t>();
@@ -35,13 +37,16 @@ fs::path gxi_kicad_sheets_t::path_of(const loaded_t& from, const gxi_kicad_block
   return file.is_absolute() ? file : (from.path.parent_path() / file).lexically_normal();
 }
 
-void gxi_kicad_sheets_t::walk(const loaded_t& from) {
+void gxi_kicad_sheets_t::walk(loaded_t& from, std::string_view use, const std::string& way) {
   if (!walked_.insert(&from).second) return;
+  from.use = use;
+  from.way = way;
   for (const auto& [name, members] : from.records.aliases) aliases_.emplace(name, members);
-  for (const auto& block : from.records.blocks) walk(below(from, block));
+  for (const auto& block : from.records.blocks)
+    walk(load_below(from, block), block.name(), way + std::string(block.name()) + "/");
 }
 
-const loaded_t& gxi_kicad_sheets_t::below(const loaded_t& from, const gxi_kicad_block_t& block) {
+loaded_t& gxi_kicad_sheets_t::load_below(const loaded_t& from, const gxi_kicad_block_t& block) {
   const auto path = path_of(from, block);
   std::error_code none;
   if (!fs::exists(path, none))
@@ -63,6 +68,9 @@ std::optional<std::string> gxi_kicad_sheets_t::variable(const loaded_t& from,
       {"COMMENT6", "comment6"}, {"COMMENT7", "comment7"}, {"COMMENT8", "comment8"},
       {"COMMENT9", "comment9"}};
   if (name == "FILENAME") return from.path.filename().string();
+  if (name == "PROJECTNAME") return has_project_ ? top_->path.stem().string() : "";
+  if (name == "SHEETNAME") return from.use;
+  if (name == "SHEETPATH") return from.way;
   for (const auto& [variable, keyword] : of_title)
     if (variable == name)
       for (const auto& [key, value] : from.records.title)

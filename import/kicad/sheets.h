@@ -17,7 +17,8 @@
 
 struct gxi_kicad_loaded_t {
   std::filesystem::path path{};
-  std::string_view name{};  // for messages
+  std::string_view name{};   // for messages
+  std::string use{}, way{};  // what its first use is called, and the names down to there: "/A/B/"
   gxi_kicad_file_t records{};
 };
 
@@ -28,7 +29,9 @@ class gxi_kicad_sheets_t {
   gxi_kicad_sheets_t(const std::filesystem::path& top, gxi_design_t& design);
 
   const gxi_kicad_loaded_t& top() const { return *top_; }
-  const gxi_kicad_loaded_t& below(const gxi_kicad_loaded_t& from, const gxi_kicad_block_t& block);
+  const gxi_kicad_loaded_t& below(const gxi_kicad_loaded_t& from, const gxi_kicad_block_t& block) {
+    return load_below(from, block);
+  }
   // Aliases of buses count in the whole design.
   const gxi_kicad_aliases_t& aliases() const { return aliases_; }
 
@@ -41,8 +44,9 @@ class gxi_kicad_sheets_t {
                          std::string_view text) const;
 
  private:
-  const gxi_kicad_loaded_t& load(const std::filesystem::path& path);
-  void walk(const gxi_kicad_loaded_t& from);
+  gxi_kicad_loaded_t& load(const std::filesystem::path& path);
+  gxi_kicad_loaded_t& load_below(const gxi_kicad_loaded_t& from, const gxi_kicad_block_t& block);
+  void walk(gxi_kicad_loaded_t& from, std::string_view use, const std::string& way);
   std::filesystem::path path_of(const gxi_kicad_loaded_t& from,
                                 const gxi_kicad_block_t& block) const;
   std::optional<std::string> project_variable(std::string_view name) const;
@@ -50,8 +54,9 @@ class gxi_kicad_sheets_t {
 
   gxi_design_t& design_;
   gxi_kicad_variables_t variables_;
+  bool has_project_ = false;
   std::map<std::string, std::unique_ptr<gxi_kicad_loaded_t>> files_{};
   std::set<const gxi_kicad_loaded_t*> walked_{};
   gxi_kicad_aliases_t aliases_{};
-  const gxi_kicad_loaded_t* top_ = nullptr;
+  gxi_kicad_loaded_t* top_ = nullptr;
 };
