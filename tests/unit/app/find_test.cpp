@@ -7,6 +7,7 @@
 
 #include "app/find/expanded.h"
 #include "app/find/go_to.h"
+#include "app/find/next_names.h"
 #include "app/find/readings.h"
 #include "expand/store.h"
 #include "gx/db/place/geometry.h"
@@ -290,6 +291,36 @@ TEST(Readings, AreTheKeysThatATypedPathMayMean) {
   EXPECT_EQ(read("/q7*"), "* /Q7 ");
   EXPECT_EQ(read("*ab*"), "** AB ");
   EXPECT_EQ(read("**"), "* /* ");
+}
+
+TEST(NextNames, BeginAsTheTypedOne) {
+  const find_session session(false);
+  const auto next = [](std::string_view typed) {
+    std::string line;
+    for (const auto& [path, goes_on] : kv_next_names(typed)) line += path + (goes_on ? "+ " : " ");
+    return line;
+  };
+  EXPECT_EQ(next("x"), "XR/+ XS/+ ");
+  EXPECT_EQ(next("/"), "/XR/+ /XS/+ /D /LINK /GROUND /L%2FN%2520 ");
+  EXPECT_EQ(next("/l"), "/LINK /L%2FN%2520 ");
+  EXPECT_EQ(next("xr.m"), "xr.MP1 xr.MP2 xr.MID ");
+  EXPECT_EQ(next("XS:mp1/"), "XS:mp1/D XS:mp1/Q ");
+  EXPECT_EQ(next("XS/MP1/q"), "XS/MP1/Q ");
+  EXPECT_EQ(next("XS/MP1/X") + next("XQ/") + next("XQ/M/"), "");
+}
+
+TEST(Expanded, BitsOfABusAreFoundInDrawings) {
+  find_session session(false,
+                       "sheet buses\n part R leaf 4,4\n net N\n  wire R.Q 10,4\n"
+                       " bus D 4:7\n  wire 2,20 22,20\n",
+                       "buses");
+  const auto found = [&](const char* path) {
+    const auto line = session.s.run(std::string("find path ") + path).front();
+    return line.starts_with('#') ? "" : line.substr(line.find(path) + 6, 12);
+  };
+  EXPECT_EQ(found("/D_0"), "bit of a bus");
+  EXPECT_EQ(found("/D_3"), found("/D_0"));
+  EXPECT_EQ(found("/D_4") + found("/N_0"), "");
 }
 
 TEST(GoTo, WhatCannotBeGoneToIsRefused) {
