@@ -5,6 +5,7 @@
 #include <fstream>
 #include <set>
 
+#include "app/find/aside.h"
 #include "app/find/expanded.h"
 #include "app/find/go_to.h"
 #include "app/find/next_names.h"
@@ -291,6 +292,32 @@ TEST(Readings, AreTheKeysThatATypedPathMayMean) {
   EXPECT_EQ(read("/q7*"), "* /Q7 ");
   EXPECT_EQ(read("*ab*"), "** AB ");
   EXPECT_EQ(read("**"), "* /* ");
+}
+
+TEST(Aside, ADesignIsExpandedBesideTheSession) {
+  std::string fault;
+  {
+    const find_session session(false);
+    EXPECT_FALSE(kv_expanded());
+    const auto aside = kv_expand_aside(fault);
+    ASSERT_NE(aside, nullptr) << fault;
+    const auto expanded = aside->expanded();
+    EXPECT_EQ(expanded.netlist.count(kv_named::inst), 4);
+    const auto kept = [](const auto& list) {
+      return std::to_string(list.count) + std::string(gx_view(list.entry[0].name)) + " ";
+    };
+    EXPECT_EQ(kept(aside->setup.property_instance) + kept(aside->setup.property_pin) +
+                  kept(aside->setup.property_net) + kept(aside->setup.primitive),
+              "1INST 1PIN 1NET 1CLASS ");
+    EXPECT_EQ(kv_sext.primitive.count + kv_sext.insts.count, 0);
+    EXPECT_FALSE(kv_expanded());
+  }
+  const find_session endless(false,
+                             "symbol a\n pin D 0,0 IN\nsheet a\n part X a 4,4\n"
+                             "sheet loop\n part X a 4,4\n",
+                             "loop");
+  EXPECT_EQ(kv_expand_aside(fault), nullptr);
+  EXPECT_NE(fault, "");
 }
 
 TEST(NextNames, BeginAsTheTypedOne) {
