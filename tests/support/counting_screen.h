@@ -10,7 +10,8 @@ struct counting_screen {
   inline static int pictures = 0;  // begun off the screen
   inline static int flips = 0;     // boxes drawn by exclusive-or
   inline static bool flipping = false;
-  inline static std::string areas;  // "+1 149,119 135x340 " kept, "-1 ..." put back
+  inline static gx_box16_t clipped{};  // to this box last
+  inline static std::string areas;     // "+1 149,119 135x340 " kept, "-1 ..." put back
 
   counting_screen() {
     pictures = flips = 0;
@@ -22,7 +23,7 @@ struct counting_screen {
             [](const gx_stroke_group_t& group) {
               if (flipping) flips += static_cast<int>(group.boxes.size());
             },
-        .clip = [](const gx_box16_t&) {},
+        .clip = [](const gx_box16_t& box) { clipped = box; },
         .clear = [](int, int, int, int) {},
         .set_exclusive_or = [](bool on) { flipping = on; },
         .flush = [] {},

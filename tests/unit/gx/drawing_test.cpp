@@ -6,6 +6,7 @@
 #include "gx/display/sheet/highlight.h"
 #include "gx/display/sheet/markers.h"
 #include "gx/vext.h"
+#include "tests/support/counting_screen.h"
 #include "tests/support/drawing_board.h"
 #include "tests/support/fatal_stop.h"
 
@@ -279,6 +280,44 @@ TEST(Drawing, WhatIsDrawnLaterLiesOnTop) {
 }
 
 // --- grid and markers
+
+TEST(Drawing, ShapesOfASheetAreLinesBoxesAndArcs) {
+  const drawing_board board(R"(
+sheet top
+  page 20,20
+  rect 2,2 4,6
+  rect 2,2 4,6 filled
+  circle 6,6 2
+  circle 6,6 0.04
+)");
+  const auto strokes = [&](int id) {
+    std::string text;
+    see_strokes([&] { gx_display_prim(1, 1, id, 0, draws, false); },
+                [&](const gx_stroke_group_t& group) {
+                  for (const auto& line : group.lines)
+                    text += std::to_string(line.x2) + "," + std::to_string(line.y2) + " ";
+                  for (const auto& box : group.boxes)
+                    text += std::to_string(box.width) + "x" + std::to_string(box.height) + " at " +
+                            std::to_string(box.x) + "," + std::to_string(box.y);
+                  for (std::size_t i = 0; i < group.arcs.size(); ++i) text += "arc ";
+                });
+    return text;
+  };
+  EXPECT_EQ(strokes(board.id(gx_type::rectangle_2d, 1)), "300,200 300,400 200,400 200,200 ");
+  EXPECT_EQ(strokes(board.id(gx_type::rectangle_2d, 2)), "100x200 at 200,200");
+  EXPECT_EQ(strokes(board.id(gx_type::circle_2d, 1)), "arc ");
+  EXPECT_EQ(strokes(board.id(gx_type::circle_2d, 2)), "400,402 402,400 400,398 398,400 ");
+}
+
+TEST(Drawing, ASelectedViewportClips) {
+  const drawing_board board;
+  const counting_screen screen;
+  gx_vext.viewport[1].clip_wind = {100, 200, 900, 600};
+  gx_viewport_select(1);
+  const auto& box = counting_screen::clipped;
+  EXPECT_EQ((std::vector<int>{box.x, box.y, box.width, box.height}),
+            (std::vector{100, 200, 801, 401}));
+}
 
 TEST(Drawing, DotsOfAGridAndOfAMarkedRectangle) {
   const drawing_board board;
