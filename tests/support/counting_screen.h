@@ -1,7 +1,9 @@
 // A screen that shows nothing, counts what is asked of it and notes what menus cover.
 #pragma once
 
+#include <algorithm>
 #include <string>
+#include <vector>
 
 #include "gx/display/screen.h"
 #include "gx/vext.h"
@@ -11,20 +13,24 @@ struct counting_screen {
   inline static int flips = 0;     // boxes drawn by exclusive-or
   inline static bool flipping = false;
   inline static gx_box16_t clipped{};  // to this box last
-  inline static std::string areas;     // "+1 149,119 135x340 " kept, "-1 ..." put back
+  inline static gx_box16_t cleared{};
+  inline static std::vector<gx_line16_t> lines;
+  inline static std::string areas;  // "+1 149,119 135x340 " kept, "-1 ..." put back
 
   counting_screen() {
     pictures = flips = 0;
     flipping = false;
     areas.clear();
+    lines.clear();
     gx_vext.cursor_ind_cur = 1;
     static constexpr gx_screen_t nothing = {
         .draw =
             [](const gx_stroke_group_t& group) {
               if (flipping) flips += static_cast<int>(group.boxes.size());
+              lines.insert(lines.end(), group.lines.begin(), group.lines.end());
             },
         .clip = [](const gx_box16_t& box) { clipped = box; },
-        .clear = [](int, int, int, int) {},
+        .clear = [](int x, int y, int w, int h) { cleared = box_of(x, y, w, h); },
         .set_exclusive_or = [](bool on) { flipping = on; },
         .flush = [] {},
         .sync = [] {},
@@ -51,6 +57,13 @@ struct counting_screen {
     gx_vext.screen = &nothing;
   }
   ~counting_screen() { gx_vext.screen = nullptr; }
+  static gx_box16_t box_of(int x, int y, int width, int height) {
+    return {static_cast<std::int16_t>(x), static_cast<std::int16_t>(y),
+            static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height)};
+  }
+  static bool has_line(const gx_line16_t& line) {
+    return std::ranges::find(lines, line) != lines.end();
+  }
   static void note(char what, int level, int x, int y, int width, int height) {
     areas += what + std::to_string(level) + " " + std::to_string(x) + "," + std::to_string(y) +
              " " + std::to_string(width) + "x" + std::to_string(height) + " ";

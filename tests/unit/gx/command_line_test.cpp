@@ -122,6 +122,24 @@ TEST_F(CommandLine, HasItsCharactersUnderThePointer) {
   EXPECT_EQ(gx_cmd_column_pixel(1000).x, 899);
 }
 
+TEST_F(CommandLine, DrawsItsCaretWhereItIsSeen) {
+  const auto caret_at = [](int first_shown, int caret) {
+    gx_vext.istart_cmd = static_cast<std::int16_t>(first_shown);
+    gx_vext.caret_at = caret;
+    int found = 0;
+    for (const auto& line : lines_of(7, 0, [] { gx_display_cmd(gx_view(gx_vext.str_cmd)); }))
+      if (line.y1 == 102 && line.y2 == 114 && line.x1 == line.x2) found = line.x1;
+    return found;
+  };
+  gx_vext.str_cmd = gx_string(std::string(70, ' '));
+  EXPECT_EQ(caret_at(1, 1), 100 + 8 + 6 * 12 - 3);
+  EXPECT_EQ(caret_at(1, 3), 100 + 8 + 8 * 12 - 3);
+  EXPECT_EQ(caret_at(7, 1), 100 + 8 - 3);
+  EXPECT_EQ(caret_at(8, 1), 0);  // scrolled out
+  EXPECT_EQ(caret_at(1, 55), 100 + 8 + 60 * 12 - 3);
+  EXPECT_EQ(caret_at(1, 56), 0);
+}
+
 TEST_F(CommandLine, LosesTheCharacterUnderOrBeforeThePointer) {
   const auto edited = [](auto action, std::string_view text, int column) {
     leave();
@@ -190,6 +208,11 @@ TEST_F(MenuLevels, LieWhereTheyAreAskedForAndBesideEachOther) {
   EXPECT_EQ(place(1), "149,119 271,433");  // ten letters wide, twelve lines high, and a frame
   EXPECT_EQ(gx_vext.menu_boxbounds.xmin, 150 + 80);
   EXPECT_EQ(gx_vext.pointer_put, (gx_point16_t{190, 276}));
+  for (const gx_line16_t& side : {gx_line16_t{150, 120, 270, 120},
+                                  {270, 120, 270, 432},
+                                  {270, 432, 150, 432},
+                                  {150, 432, 150, 120}})
+    EXPECT_TRUE(counting_screen::has_line(side)) << side.x1 << " " << side.y1;
   EXPECT_EQ(gx_menu_line_at(1, 119), 1);
   EXPECT_EQ(gx_menu_line_at(1, 119 + 26), 2);
   EXPECT_EQ(gx_menu_line_at(1, 119 + 25), 1);
@@ -198,6 +221,8 @@ TEST_F(MenuLevels, LieWhereTheyAreAskedForAndBesideEachOther) {
   gx_vext.menuline_lev[0] = 2;
   gx_select_line_menu(drawing_board::edit, 1);
   EXPECT_EQ(gx_vext.prelinsel_lev[0], 2);
+  EXPECT_TRUE(counting_screen::has_line({151, 147, 269, 147}));  // around the chosen line
+  EXPECT_TRUE(counting_screen::has_line({269, 169, 151, 169}));
   EXPECT_EQ(gx_vext.pointer_put.y, 119 + 26 + 13);
   gx_draw_menu(drawing_board::edit, 2);
   EXPECT_EQ(place(2), "270,118 356,432");

@@ -317,6 +317,11 @@ TEST(Drawing, ASelectedViewportClips) {
   const auto& box = counting_screen::clipped;
   EXPECT_EQ((std::vector<int>{box.x, box.y, box.width, box.height}),
             (std::vector{100, 200, 801, 401}));
+  gx_vext.viewport[1].border.pixel_width = 3;
+  gx_clear_viewport(1);
+  const auto& cleared = counting_screen::cleared;
+  EXPECT_EQ((std::vector<int>{cleared.x, cleared.y, cleared.width, cleared.height}),
+            (std::vector{103, 103, 795, 795}));
 }
 
 TEST(Drawing, DotsOfAGridAndOfAMarkedRectangle) {
