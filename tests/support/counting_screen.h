@@ -10,7 +10,8 @@
 
 struct counting_screen {
   inline static int pictures = 0;  // begun off the screen
-  inline static int flips = 0;     // boxes drawn by exclusive-or
+  inline static int closed = 0;
+  inline static int flips = 0;  // boxes drawn by exclusive-or
   inline static bool flipping = false;
   inline static gx_box16_t clipped{};  // to this box last
   inline static gx_box16_t cleared{};
@@ -18,7 +19,7 @@ struct counting_screen {
   inline static std::string areas;  // "+1 149,119 135x340 " kept, "-1 ..." put back
 
   counting_screen() {
-    pictures = flips = 0;
+    pictures = flips = closed = 0;
     flipping = false;
     areas.clear();
     lines.clear();
@@ -52,7 +53,7 @@ struct counting_screen {
         .set_title = [](std::string_view) {},
         .number_of_planes = [] { return 1; },
         .height = [] { return 2160; },
-        .close = [] {},
+        .close = [] { ++closed; },
     };
     gx_vext.screen = &nothing;
   }

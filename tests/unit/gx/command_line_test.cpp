@@ -140,6 +140,27 @@ TEST_F(CommandLine, DrawsItsCaretWhereItIsSeen) {
   EXPECT_EQ(caret_at(1, 56), 0);
 }
 
+TEST_F(CommandLine, ShowsATypedPartAfterWhatIsThere) {
+  const auto box_of = [](std::string_view part) {
+    gx_bounds16_t box{32767, 32767, 0, 0};
+    for (const auto& line : lines_of(7, 0, [&] { gx_display_cmd_part(part); })) {
+      box.xmin = std::min({box.xmin, line.x1, line.x2});
+      box.xmax = std::max({box.xmax, line.x1, line.x2});
+      box.ymin = std::min({box.ymin, line.y1, line.y2});
+      box.ymax = std::max({box.ymax, line.y1, line.y2});
+    }
+    return box;
+  };
+  gx_vext.str_cmd = gx_string("ab");
+  const auto box = box_of("HH");
+  const int x = 100 + 8 + 8 * 12;  // after the prompt and two letters
+  EXPECT_TRUE(box.xmin >= x && box.xmin < x + 12 && box.xmax > x + 12 && box.xmax < x + 24);
+  EXPECT_TRUE(box.ymin >= 103 && box.ymax <= 103 + 12) << box.ymin << " " << box.ymax;
+  gx_vext.str_cmd = gx_string(std::string(53, 'a'));
+  EXPECT_GT(box_of("H").xmax, 0);
+  EXPECT_EQ(box_of("HH").xmax, 0);  // no room
+}
+
 TEST_F(CommandLine, LosesTheCharacterUnderOrBeforeThePointer) {
   const auto edited = [](auto action, std::string_view text, int column) {
     leave();
@@ -253,7 +274,7 @@ TEST_F(MenuLevels, LieWhereTheyAreAskedForAndBesideEachOther) {
   EXPECT_EQ(gx_vext.pointer_put, (gx_point16_t{18, 982}));
 }
 
-TEST_F(MenuLevels, APointerWithoutShapeStops) {
+TEST_F(MenuLevels, APointerWithoutShapeOrWindowStops) {
   const auto patterns = static_cast<int>(gx_vext.cursor_array.size());
   gx_cursor_set_pattern(patterns);
   EXPECT_EQ(gx_vext.cursor_ind_cur, patterns);
@@ -262,10 +283,14 @@ TEST_F(MenuLevels, APointerWithoutShapeStops) {
     gx_vext.cursor_ind_cur = static_cast<std::int16_t>(outside);
     expect_stop([] { gx_cursor_active(); }, gx_code::draw_cursor_invalid);
   }
+  gx_terminate();
+  EXPECT_EQ(counting_screen::closed, 1);
   gx_vext.init_done = false;
   gx_vext.num_file_open = 0;
-  for (auto* const call : {&gx_cursor_active, &gx_cursor_erase})
+  for (auto* const call : {&gx_cursor_active, &gx_cursor_erase, &gx_terminate})
     expect_stop(*call, gx_code::init_or_open_file_not_done);
+  expect_stop([] { gx_cursor_set_pattern(1); }, gx_code::init_or_open_file_not_done);
+  expect_stop([] { gx_cursor_set_position({1, 1}); }, gx_code::init_or_open_file_not_done);
 }
 
 TEST_F(MenuLevels, TheMarkedRectangleFollowsThePointerInItsViewport) {
