@@ -1,9 +1,18 @@
 // Values of a simulator in the names of the design: before and after a run, at any place of the
 // scale, of whatever deck the simulator was given.
+#include <algorithm>
+#include <iterator>
+#include <set>
+
 #include "app/language/answer_records.h"
 #include "app/values/bits.h"
 #include "app/values/condition.h"
 #include "app/values/text_room.h"
+#include "gx/db/place/geometry.h"
+#include "gx/display/strokes/pen.h"
+#include "gx/display/viewport_coords.h"
+#include "gx/display/viewports.h"
+#include "tests/support/counting_screen.h"
 #include "tests/support/design_session.h"
 #include "tests/support/raw_results.h"
 
@@ -141,6 +150,42 @@ TEST_F(Values, TheScaleHasEndsAndCrossingsAreFound) {
             "# !! Warning : No more crossing of 1.75");
   EXPECT_EQ(first("values previous /a rise"), "# /a : 1.5 V at 5n");
   EXPECT_EQ(run("values next /a fall").back(), "# !! Warning : No more crossing of 1.5");
+}
+
+TEST_F(Values, AreDrawnBesideTheirNetsAndTakenAway) {
+  gx_vext.bitmap_size = gx_nominal_size;
+  for (const auto& viewport : set_viewports()) gx_viewport_create(viewport.bounds, viewport.border);
+  kv_display_picture_all(gx_vext.viewport_edit, kv_pext.file_id_cur);
+  const counting_screen screen;
+  // What a command draws, as the pixels in the edit viewport that its lines begin at.
+  const auto drawn = [&](std::string_view command) {
+    counting_screen::lines.clear();
+    EXPECT_FALSE(first(command).starts_with('#')) << command;
+    gx_pen_flush();
+    const auto& box = gx_viewport_rec(gx_vext.viewport_edit).clip_wind;
+    std::set<std::pair<int, int>> places;
+    for (const auto& line : counting_screen::lines)
+      if (line.x1 > box.xmin && line.x1 < box.xmax && line.y1 > box.ymin && line.y1 < box.ymax)
+        places.insert({line.x1, line.y1});
+    return places;
+  };
+  run("values file a.raw");
+  const auto plain = drawn("view all");
+  ASSERT_FALSE(plain.empty());
+  const auto with_values = drawn("values on");
+  EXPECT_EQ(drawn("view all"), with_values);
+  std::set<std::pair<int, int>> added;
+  std::ranges::set_difference(with_values, plain, std::inserter(added, added.end()));
+  ASSERT_FALSE(added.empty());
+  // One text, beside the net A.
+  const auto net = gx_object_abs_origin_bounds(s.file(), s.net("A"), 0).bounds;
+  const auto low = gx_viewport_pt_real_to_pixel(gx_vext.viewport_edit, {net.xmin, net.ymin}),
+             high = gx_viewport_pt_real_to_pixel(gx_vext.viewport_edit, {net.xmax, net.ymax});
+  for (const auto& [x, y] : added) {
+    EXPECT_TRUE(x > low.x - 40 && x < high.x + 40) << x;
+    EXPECT_TRUE(y > low.y - 20 && y < high.y + 20) << y;
+  }
+  EXPECT_EQ(drawn("values off"), plain);
 }
 
 TEST_F(Values, AnExpectationThatFailsIsAnErrorOfTheSession) {
