@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "gx/display/screen.h"
@@ -16,6 +17,7 @@ struct counting_screen {
   inline static gx_box16_t clipped{};  // to this box last
   inline static gx_box16_t cleared{};
   inline static std::vector<gx_line16_t> lines;
+  inline static std::vector<std::pair<int, gx_box16_t>> boxes;  // with their colours
   inline static std::string areas;  // "+1 149,119 135x340 " kept, "-1 ..." put back
 
   counting_screen() {
@@ -23,11 +25,13 @@ struct counting_screen {
     flipping = false;
     areas.clear();
     lines.clear();
+    boxes.clear();
     gx_vext.cursor_ind_cur = 1;
     static constexpr gx_screen_t nothing = {
         .draw =
             [](const gx_stroke_group_t& group) {
               if (flipping) flips += static_cast<int>(group.boxes.size());
+              for (const auto& box : group.boxes) boxes.emplace_back(group.color, box);
               lines.insert(lines.end(), group.lines.begin(), group.lines.end());
             },
         .clip = [](const gx_box16_t& box) { clipped = box; },

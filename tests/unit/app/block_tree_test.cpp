@@ -3,6 +3,7 @@
 
 #include <X11/keysym.h>
 
+#include <map>
 #include <tuple>
 
 #include "app/find/go_to.h"
@@ -11,6 +12,7 @@
 #include "app/sheet/pan.h"
 #include "app/tree/tree_view.h"
 #include "gx/db/place/geometry.h"
+#include "gx/display/strokes/pen.h"
 #include "gx/display/strokes/stroke_font.h"
 #include "gx/display/viewport_coords.h"
 #include "gx/display/viewports.h"
@@ -324,6 +326,49 @@ TEST(TreeView, KeysWheelAndClicksMoveInTheRows) {
   EXPECT_FALSE(key(XK_Down));
   kv_show_tree(false);
   EXPECT_FALSE(kv_tree_is_shown());
+}
+
+// Three rows: the top, A with a block B below it, C.
+TEST(TreeView, BlocksHaveTheNumberAndColourOfTheirFindings) {
+  design_session s(
+      "symbol leaf\n pin A 0,0 IN\n prop CLASS=R\nsymbol low\n pin A 0,0 IN\n"
+      "sheet low\n part R leaf 4,4\nsymbol high\n pin A 0,0 IN\nsheet high\n part B low 4,4\n"
+      "sheet top\n part A high 4,4\n part C low 4,9\n");
+  gx_vext.bitmap_size = {1100, 880};
+  for (const auto& viewport : set_viewports()) gx_viewport_create(viewport.bounds, viewport.border);
+  const counting_screen screen;
+  const auto finding = [](const char* at, kv_severity severity) {
+    kv_finding_t made;
+    made.at = at;
+    made.severity = severity;
+    return made;
+  };
+  // Colours of the marks by row; red is 1, yellow 5.
+  const auto marks = [&] {
+    kv_show_tree(false);
+    kv_show_tree(true);
+    std::map<int, std::string> rows;
+    const auto& box = gx_viewport_rec(gx_vext.viewport_tree).pixel_bounds;
+    gx_pen_flush();
+    counting_screen::boxes.clear();
+    kv_draw_tree();
+    gx_pen_flush();
+    for (const auto& [color, mark] : counting_screen::boxes)
+      if (mark.width == 6 && mark.height == 6)
+        rows[(mark.y - box.ymin - 6) / 18] += std::to_string(color);
+    std::string text;
+    for (const auto& [row, colors] : rows) text += std::to_string(row) + ":" + colors + " ";
+    return text;
+  };
+  EXPECT_EQ(marks(), "");
+  kv_pext.findings = {finding("/A/B", kv_severity::warning), finding("/C", kv_severity::error),
+                      finding("/C", kv_severity::warning)};
+  EXPECT_EQ(marks(), "1:5 2:1 ");  // A for what is below it
+  kv_pext.findings[1].waived = true;
+  EXPECT_EQ(marks(), "1:5 2:5 ");
+  kv_pext.findings = {finding("/", kv_severity::error)};
+  EXPECT_EQ(marks(), "0:1 ");
+  kv_show_tree(false);
 }
 
 TEST(TreeView, InABatchTheSettingsHaveNoEffectAndPathsAreGoneTo) {
