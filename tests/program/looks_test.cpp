@@ -119,21 +119,21 @@ class LooksOfDepth : public Looks, public testing::WithParamInterface<int> {};
 TEST_P(LooksOfDepth, SmoothStrokesHaveTheColoursOfTheScreen) {
   test_display display(GetParam());
   directory_.write("do", "display smooth on\n");
-  session_ =
-      std::make_unique<test_session>(display, start_of({"top", "do"}, {"VELMORAN=/nowhere"}));
-  session().wait_for_line(" DISPlay SMOoth ON ");
-  session().settle();
-  const auto colors = colors_of(session().picture());
+  test_session shown(display, start_of({"top", "do"}, {"VELMORAN=/nowhere"}));
+  shown.wait_for_line(" DISPlay SMOoth ON ");
+  shown.settle();
+  const auto colors = colors_of(shown.picture());
   const auto filled = std::count_if(colors.begin(), colors.end(), [](const auto& c) {
     return (c.first & 0xF00000U) == 0xF00000U && (c.first & 0xF000U) == 0xF000U &&
            (c.first & 0xF0U) == 0 && c.second > 500;
   });
   EXPECT_EQ(filled, 1) << "the yellow rectangle";
   if (GetParam() == 8)
-    session().wait_for_line("# !! Warning : The screen has too few colours for it ");
+    shown.wait_for_line("# !! Warning : The screen has too few colours for it ");
   else
     EXPECT_GT(colors.size(), 20U);
-  bye();
+  shown.command("bye");
+  EXPECT_EQ(shown.process().wait().status, 0);
 }
 INSTANTIATE_TEST_SUITE_P(Depths, LooksOfDepth, testing::Values(16, 8));
 
