@@ -196,6 +196,7 @@ TEST(Spelling, KeepsDrawnNamesApart) {
     EXPECT_EQ(gx_drawn_name(spelled), drawn);
   }
   EXPECT_EQ(gx_spelled_name("~{a{b}"), "%7E%7Ba%7Bb%7D");
+  EXPECT_EQ(gx_spelled_name("~{{a}"), "%7E%7B%7Ba%7D");
   EXPECT_EQ(gx_drawn_name("CS~2"), "CS~2");  // the second of a name: no bar
   EXPECT_EQ(gx_drawn_name("~CS~2"), "~{CS}2");
   EXPECT_EQ(gx_drawn_name("a%2g%4%41"), "a%2g%4A");
