@@ -105,8 +105,9 @@ std::map<std::string, leaf_t> applied(const design_t& old,
   };
   for (const auto& [path, leaf] : old.leaves) {
     if (gone.erase(path) == 1) continue;
-    if (std::ranges::any_of(gone_branches,
-                            [&](const auto& branch) { return path.starts_with(branch + '/'); }))
+    if (std::ranges::any_of(gone_branches, [&own = path](const auto& branch) {
+          return own.starts_with(branch + '/');
+        }))
       continue;
     leaf_t now = leaf;
     const std::string after = moved(insts, path);
