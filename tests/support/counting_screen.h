@@ -7,6 +7,8 @@
 #include <vector>
 
 #include "gx/display/screen.h"
+#include "gx/display/strokes/pen.h"
+#include "gx/display/strokes/stroke_text.h"
 #include "gx/vext.h"
 
 struct counting_screen {
@@ -17,6 +19,7 @@ struct counting_screen {
   inline static gx_box16_t clipped{};  // to this box last
   inline static gx_box16_t cleared{};
   inline static std::vector<gx_line16_t> lines;
+  inline static std::vector<int> line_colors;                   // of each of them
   inline static std::vector<std::pair<int, gx_box16_t>> boxes;  // with their colours
   inline static std::string areas;  // "+1 149,119 135x340 " kept, "-1 ..." put back
 
@@ -24,8 +27,7 @@ struct counting_screen {
     pictures = flips = closed = 0;
     flipping = false;
     areas.clear();
-    lines.clear();
-    boxes.clear();
+    forget();
     gx_vext.cursor_ind_cur = 1;
     static constexpr gx_screen_t nothing = {
         .draw =
@@ -33,6 +35,7 @@ struct counting_screen {
               if (flipping) flips += static_cast<int>(group.boxes.size());
               for (const auto& box : group.boxes) boxes.emplace_back(group.color, box);
               lines.insert(lines.end(), group.lines.begin(), group.lines.end());
+              line_colors.resize(lines.size(), group.color);
             },
         .clip = [](const gx_box16_t& box) { clipped = box; },
         .clear = [](int x, int y, int w, int h) { cleared = box_of(x, y, w, h); },
@@ -66,8 +69,37 @@ struct counting_screen {
     return {static_cast<std::int16_t>(x), static_cast<std::int16_t>(y),
             static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height)};
   }
+  static void forget() {
+    lines.clear();
+    line_colors.clear();
+    boxes.clear();
+  }
   static bool has_line(const gx_line16_t& line) {
     return std::ranges::find(lines, line) != lines.end();
+  }
+  static bool has_line(int color, const gx_line16_t& line) {
+    for (std::size_t i = 0; i < lines.size(); ++i)
+      if (lines[i] == line && line_colors[i] == color) return true;
+    return false;
+  }
+  static bool has_box(int color, int x, int y, int width, int height) {
+    return std::ranges::find(boxes, std::pair{color, box_of(x, y, width, height)}) != boxes.end();
+  }
+  // Whether all strokes of a text are among the lines; x and y: its lower left corner.
+  static bool has_text(gx_vpid_t vpid, std::string_view text, int x, int y, int height, int color) {
+    gx_pen_flush();
+    const auto drawn = lines;
+    const auto colors = line_colors;
+    const auto kept = boxes;
+    forget();
+    gx_text(vpid, text, x, y, height, 0, color);
+    gx_pen_flush();
+    const auto wanted = std::exchange(lines, drawn);
+    line_colors = colors;
+    boxes = kept;
+    return !wanted.empty() && std::ranges::all_of(wanted, [&](const gx_line16_t& line) {
+      return has_line(color, line);
+    });
   }
   static void note(char what, int level, int x, int y, int width, int height) {
     areas += what + std::to_string(level) + " " + std::to_string(x) + "," + std::to_string(y) +

@@ -108,6 +108,59 @@ TEST(BlockTree, HoldsAHundredThousandOpenBlocksAndASheetInsideItself) {
   EXPECT_EQ(kv_tree_search(tree, 0, "none", true), -1);
 }
 
+TEST(BlockTree, NamesMayBeginAlikeAndSearchingGoesOnAfterABlock) {
+  design_session s(R"(
+symbol leaf
+  pin A 0,0 IN
+symbol mid
+  pin A 0,0 IN
+symbol low
+  pin A 0,0 IN
+sheet top
+  part M1 mid 5,5
+  part M12 mid 9,5
+  part N1 low 15,5
+  part GONE low 19,5
+sheet mid
+  part C1 low 5,5
+  part C2 low 9,5
+sheet low
+  part R1 leaf 5,5
+)");
+  gx_set_object_deleted(s.file(), s.inst("GONE"), true);
+  kv_block_tree_t tree;
+  kv_make_tree(tree);
+  EXPECT_EQ(paths_shown(tree), (lines_t{"", "/M1", "/M12", "/N1"}));
+  const auto at = [&](const char* path) { return kv_tree_find(tree, path); };
+  for (const char* path : {"/M12", "/M1/C2", "/M12/C1"})
+    EXPECT_EQ(kv_tree_path(tree, at(path)), path);
+  for (const char* path : {"/M", "/M123", "/M1/C", "/N1/R1", "/M1/C1/R1"}) EXPECT_EQ(at(path), -1);
+  EXPECT_EQ(at("/"), 0);
+  EXPECT_EQ(kv_tree_depth(tree, 0), 0);
+  EXPECT_EQ(kv_tree_depth(tree, at("/M12/C1")), 2);
+  EXPECT_EQ(kv_tree_row(tree, at("/M12/C1")), -1) << "under a closed one";
+  EXPECT_TRUE(kv_tree_has_blocks(tree, at("/M12")));
+  EXPECT_FALSE(kv_tree_has_blocks(tree, at("/N1")));
+  const auto next = [&](const char* from, const char* text, bool with_itself = false) {
+    const auto found = kv_tree_search(tree, at(from), text, with_itself);
+    return found < 0 ? "none" : kv_tree_path(tree, found);
+  };
+  EXPECT_EQ(next("/M1/C1", "c"), "/M1/C2");
+  EXPECT_EQ(next("/M1/C2", "c"), "/M12/C1");
+  EXPECT_EQ(next("/M12/C2", "1"), "/N1");
+  EXPECT_EQ(next("/N1", "2"), "/M1/C2");
+  EXPECT_EQ(next("/N1", "n1"), "/N1") << "round to itself";
+  EXPECT_EQ(next("/M1", "m1", true), "/M1");
+  EXPECT_EQ(next("/M1", "m1"), "/M12");
+  EXPECT_EQ(next("/M1", "", true), "none");
+  EXPECT_TRUE(kv_tree_open_all(tree, at("/M12"), true));
+  EXPECT_EQ(paths_shown(tree), (lines_t{"", "/M1", "/M12", "/M12/C1", "/M12/C2", "/N1"}));
+  EXPECT_TRUE(kv_tree_open_all(tree, at("/M12"), false));
+  kv_tree_open(tree, 0, false);
+  kv_tree_reveal(tree, at("/M12/C2"));
+  EXPECT_EQ(paths_shown(tree).size(), 6U);
+}
+
 constexpr char named[] = R"(
 symbol mos
   line 0,0 0,4
@@ -369,6 +422,250 @@ TEST(TreeView, BlocksHaveTheNumberAndColourOfTheirFindings) {
   kv_pext.findings = {finding("/", kv_severity::error)};
   EXPECT_EQ(marks(), "0:1 ");
   kv_show_tree(false);
+}
+
+// The tree in a window of 1100 by 880 pixels: letters 8 high and 9 wide, rows of 18 pixels.
+class ShownTree {
+ public:
+  explicit ShownTree(std::string_view description) : s(description) {
+    gx_vext.bitmap_size = {1100, 880};
+    for (const auto& viewport : set_viewports())
+      gx_viewport_create(viewport.bounds, viewport.border);
+    show();
+  }
+  void show() {
+    kv_show_tree(true);
+    gx_vext.viewport_id = gx_vext.viewport_tree;
+    box = gx_viewport_rec(gx_vext.viewport_tree).pixel_bounds;
+  }
+  ~ShownTree() { kv_show_tree(false); }
+  ShownTree(const ShownTree&) = delete;
+  ShownTree& operator=(const ShownTree&) = delete;
+
+  bool gesture(const gx_event_t& event) {
+    return kv_tree_gesture(event, [&](std::string_view line) { command = line; });
+  }
+  bool key(std::uint32_t keysym, std::uint32_t modifiers = 0) {
+    gx_event_t event;
+    event.kind = gx_event_kind::key_press;
+    event.code = keysym;
+    event.modifiers = modifiers;
+    return gesture(event);
+  }
+  bool button(gx_event_kind kind, int row, int clicks = 1, std::uint32_t modifiers = 0) {
+    gx_event_t event;
+    event.kind = kind;
+    event.clicks = clicks;
+    event.modifiers = modifiers;
+    event.pixel = {static_cast<std::int16_t>(box.xmin + 20),
+                   static_cast<std::int16_t>(box.ymin + 6 + 18 * row)};
+    return gesture(event);
+  }
+  void click(int row, int clicks = 1, std::uint32_t modifiers = 0) {
+    EXPECT_TRUE(button(gx_event_kind::button1_down, row, clicks, modifiers));
+    EXPECT_TRUE(button(gx_event_kind::button1_up, row, clicks, modifiers));
+  }
+  std::string chosen() {
+    EXPECT_TRUE(key(XK_Return));
+    return command;
+  }
+  void draw() {
+    gx_pen_flush();
+    counting_screen::forget();
+    kv_draw_tree();
+    gx_pen_flush();
+  }
+  int y_of(int row) const { return box.ymin + 6 + 18 * row; }
+  // A text of a row, at that depth and so many letters after the knob.
+  bool text(int row, int depth, int letters, std::string_view text, int color) const {
+    return counting_screen::has_text(gx_vext.viewport_tree, text,
+                                     box.xmin + 6 + 9 * (depth + 2 + letters), y_of(row) + 8, 8,
+                                     color);
+  }
+  // "-", "+" or "" for the knob of a row.
+  std::string knob(int row, int depth) const {
+    const int x = box.xmin + 6 + 9 * depth, y = y_of(row) + 1;
+    if (!counting_screen::has_box(4, x + 2, y + 4, 5, 1)) return "";
+    EXPECT_TRUE(is_framed(4, x, y, x + 8, y + 8)) << row;
+    return counting_screen::has_box(4, x + 4, y + 2, 1, 5) ? "+" : "-";
+  }
+  static bool is_framed(int color, int x0, int y0, int x1, int y1) {
+    const auto has = [&](int xa, int ya, int xb, int yb) {
+      return counting_screen::has_line(
+          color, {static_cast<std::int16_t>(xa), static_cast<std::int16_t>(ya),
+                  static_cast<std::int16_t>(xb), static_cast<std::int16_t>(yb)});
+    };
+    return has(x0, y0, x1, y0) && has(x1, y0, x1, y1) && has(x1, y1, x0, y1) && has(x0, y1, x0, y0);
+  }
+  // The frame of the row that is chosen or in view.
+  bool is_marked(int row, int color) const {
+    return is_framed(color, box.xmin + 2, y_of(row) - 4, box.xmax - 5, y_of(row) + 12);
+  }
+
+  design_session s;
+  counting_screen screen;
+  gx_bounds16_t box;
+  std::string command;
+};
+
+constexpr char three_rows[] =
+    "symbol leaf\n pin A 0,0 IN\n prop CLASS=R\nsymbol low\n pin A 0,0 IN\n"
+    "sheet low\n part R leaf 4,4\nsymbol high\n pin A 0,0 IN\nsheet high\n part B low 4,4\n"
+    "sheet top\n part A high 4,4\n part C low 4,9\n";
+
+TEST(TreeView, ARowHasItsKnobNameAndCell) {
+  constexpr int white = 7, cyan = 4, red = 1;
+  ShownTree tree(three_rows);
+  const int green = gx_vext.color_obj_selected;
+  EXPECT_TRUE(tree.key(XK_Down));
+  tree.draw();
+  EXPECT_EQ(tree.knob(0, 0) + tree.knob(1, 1) + tree.knob(2, 1), "-+");
+  EXPECT_TRUE(tree.text(0, 0, 0, "/", green) && tree.text(0, 0, 2, "top", cyan));
+  EXPECT_TRUE(tree.text(1, 1, 0, "A", white) && tree.text(1, 1, 2, "high", cyan));
+  EXPECT_TRUE(tree.text(2, 1, 0, "C", white) && tree.text(2, 1, 2, "low", cyan));
+  EXPECT_TRUE(tree.is_marked(0, green) && tree.is_marked(1, cyan));
+  EXPECT_FALSE(tree.is_marked(2, cyan));
+  EXPECT_TRUE(tree.key(XK_Right));
+  EXPECT_TRUE(tree.key('b'));
+  tree.draw();
+  EXPECT_EQ(tree.knob(1, 1), "-");
+  EXPECT_TRUE(tree.text(2, 2, 0, "B", white) && tree.text(3, 1, 0, "C", white));
+  EXPECT_FALSE(tree.is_marked(1, cyan));
+  EXPECT_TRUE(tree.is_marked(2, cyan));
+  const auto searched = [&](const char* text, int color) {
+    return counting_screen::has_text(gx_vext.viewport_tree, text, tree.box.xmin + 6,
+                                     tree.box.ymax - 6, 8, color);
+  };
+  EXPECT_TRUE(searched("search: b", white));
+  EXPECT_TRUE(tree.key('z'));
+  tree.draw();
+  EXPECT_TRUE(searched("search: bz  not found", red));
+}
+
+TEST(TreeView, LongNamesAreCutAndTheBarShowsWhereOneIs) {
+  std::string text =
+      "symbol leaf\n pin A 0,0 IN\n prop CLASS=R\nsymbol low\n pin A 0,0 IN\n"
+      "sheet low\n part R leaf 4,4\nsheet top\n page 60,120\n";
+  const std::string name = "ABCDEFGHIJKLMNOPQRSTUVWXYZABCD";
+  text += " part " + name + " low 4,4\n";
+  for (int i = 11; i < 100; ++i)
+    text += " part B" + std::to_string(i) + " low 4," + std::to_string(i) + "\n";
+  ShownTree tree(text);
+  const auto& box = tree.box;
+  const auto fits = [&](int end) {
+    const auto letters = static_cast<std::size_t>((end - (box.xmin + 6 + 27)) / 9);
+    EXPECT_TRUE(tree.text(1, 1, 0, name.substr(0, letters), 7));
+    return letters < name.size() && !tree.text(1, 1, 0, name.substr(0, letters + 1), 7);
+  };
+  const auto has_bar = [&](int way) {
+    tree.draw();
+    return counting_screen::has_box(4, box.xmax - 4, box.ymin + 6 + way, 2, 228);
+  };
+  EXPECT_TRUE(has_bar(0));  // 34 of 91 rows
+  EXPECT_TRUE(fits(box.xmax - 6));
+  EXPECT_TRUE(tree.key(XK_Next) && has_bar(222));
+  EXPECT_TRUE(tree.key(XK_Next) && has_bar(384));
+  EXPECT_TRUE(tree.text(33, 1, 0, "B99", 7)) << "the last row is the last one";
+  // Numbers of findings end at the right, with a mark before them.
+  kv_finding_t finding;
+  finding.at = "/" + name;
+  finding.severity = kv_severity::error;
+  kv_pext.findings.assign(12, finding);
+  kv_follow_tree();
+  tree.draw();
+  const int number = box.xmax - 6 - 2 * 9;
+  EXPECT_TRUE(
+      counting_screen::has_text(gx_vext.viewport_tree, "12", number, tree.y_of(1) + 8, 8, 1));
+  EXPECT_TRUE(counting_screen::has_box(1, number - 6 - 4, tree.y_of(1) + 1, 6, 6));
+  EXPECT_TRUE(fits(number - 6 - 9));
+}
+
+TEST(TreeView, ButtonsOpenGoToAndMayBeTakenBack) {
+  ShownTree tree(three_rows);
+  using enum gx_event_kind;
+  const auto is_open = [&] {
+    tree.draw();
+    return tree.knob(1, 1) == "-";
+  };
+  EXPECT_FALSE(tree.button(button1_up, 1)) << "was not pressed";
+  EXPECT_TRUE(tree.button(button1_down, 1) && tree.button(button1_up, 2)) << "on another row";
+  EXPECT_TRUE(tree.button(button1_down, 9) && tree.button(button1_up, 9)) << "on no row";
+  EXPECT_TRUE(tree.button(button1_down, 1));
+  gx_vext.viewport_id = gx_vext.viewport_edit;
+  EXPECT_TRUE(tree.button(button1_up, 1)) << "elsewhere";
+  EXPECT_FALSE(tree.button(button1_down, 1) || tree.button(button1_up, 1));
+  gx_vext.viewport_id = gx_vext.viewport_tree;
+  EXPECT_EQ(tree.chosen(), "VIEW TREE / ");
+  EXPECT_FALSE(is_open());
+  tree.click(1);
+  EXPECT_TRUE(is_open());
+  tree.click(1);
+  EXPECT_FALSE(is_open());
+  tree.command.clear();
+  tree.click(2);
+  EXPECT_EQ(tree.command, "");
+  tree.click(1, 2);
+  EXPECT_EQ(tree.command, "VIEW TREE /C ") << "the one that the first click chose";
+  tree.click(0, 1, 1);  // with shift: closes all, then opens all
+  tree.draw();
+  EXPECT_EQ(tree.knob(0, 0), "+");
+  tree.click(0, 1, 1);
+  EXPECT_TRUE(is_open());
+  // Keys of commands, of a typed line and under a menu are not of the tree.
+  EXPECT_FALSE(tree.key(XK_Down, 4) || tree.key(XK_Down, 8));
+  gx_vext.str_cmd = gx_string("V");
+  EXPECT_FALSE(tree.key(XK_Down));
+  gx_vext.str_cmd = {};
+  gx_vext.menu_drawn = true;
+  EXPECT_FALSE(tree.key(XK_Down));
+  gx_vext.menu_drawn = false;
+  EXPECT_TRUE(tree.key(XK_Down, 1));
+  gx_event_t other;
+  other.kind = gx_event_kind::exposed;
+  EXPECT_FALSE(tree.gesture(other));
+}
+
+TEST(TreeView, TakesTheLeftOfTheSheetAndGivesItBack) {
+  ShownTree tree(three_rows);
+  const auto& edit = gx_viewport_rec(gx_vext.viewport_edit);
+  const auto count = gx_vext.viewport_id_max;
+  EXPECT_EQ(edit.bounds_vp, (gx_boundsreal_t{25300, 500, 99600, 74900}));
+  EXPECT_EQ(gx_viewport_rec(gx_vext.viewport_tree).bounds_vp,
+            (gx_boundsreal_t{400, 500, 24900, 74900}));
+  EXPECT_EQ(gx_viewport_rec(gx_vext.viewport_tree).pixel_bounds.xmin,
+            set_viewports().front().bounds.xmin * 1100 / 100000);
+  kv_show_tree(true);
+  EXPECT_EQ(gx_vext.viewport_id_max, count);
+  gx_vext.last_viewport_id = gx_vext.viewport_current = kv_pext.prev_viewport_id =
+      gx_vext.viewport_id = gx_vext.viewport_tree;
+  kv_show_tree(false);
+  EXPECT_EQ(edit.bounds_vp, set_viewports().front().bounds);
+  EXPECT_EQ(gx_vext.viewport_id_max, count - 1);
+  for (const auto vpid : {gx_vext.last_viewport_id, gx_vext.viewport_current,
+                          kv_pext.prev_viewport_id, gx_vext.viewport_id})
+    EXPECT_EQ(vpid, gx_vext.viewport_edit);
+  counting_screen::forget();
+  kv_draw_tree();
+  gx_pen_flush();
+  EXPECT_TRUE(counting_screen::boxes.empty());
+  EXPECT_FALSE(tree.key(XK_Down));
+  auto& sheet = gx_viewport_rec(gx_vext.viewport_edit);
+  sheet.bounds_vp.ymax = 60000;  // under a longer list
+  tree.show();
+  EXPECT_EQ(gx_viewport_rec(gx_vext.viewport_tree).bounds_vp.ymax, 60000);
+}
+
+TEST(TreeView, OtherPrimitivesMakeOtherBlocks) {
+  ShownTree tree(
+      "symbol low\n pin A 0,0 IN\n prop CLASS=R\nsheet low\nsheet top\n part X low 4,4\n");
+  const auto first_block = [&] {
+    EXPECT_TRUE(tree.key(XK_Down));
+    return tree.chosen();
+  };
+  EXPECT_EQ(first_block(), "VIEW TREE /X ");
+  tree.s.run("primitive class");
+  kv_follow_tree();
+  EXPECT_EQ(first_block(), "VIEW TREE / ");
 }
 
 TEST(TreeView, InABatchTheSettingsHaveNoEffectAndPathsAreGoneTo) {
