@@ -147,7 +147,7 @@ class values_picture_t {
   // Draws a text with its upper left corner there, if there is room.
   bool draw_text(std::string_view text, int x, int y, int color) {
     const int width = static_cast<int>(text.size()) * advance;
-    if (!room_.take_free(box(x, y, width, text_height + 1))) return false;
+    if (!room_.take_free(box(x, y, width, text_height))) return false;
     gx_text(picture_.vpid, text, x, y + text_height, text_height, 0, color);
     return true;
   }
