@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "app/language/interpreter.h"
+#include "expand/store.h"
 #include "gx/display/window.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
@@ -17,6 +18,7 @@ class session_capture {
   session_capture() {
     gx_reset_state();
     kv_pext = {};
+    kv_sext = kv_defref_exp_rec_t{};
     gx_init_nograph();
     gx_vext.cursessfile = std::tmpfile();
   }
