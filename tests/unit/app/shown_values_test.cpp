@@ -35,6 +35,8 @@ sheet top
     wire 5,10 25,10
   net V
     wire 28,3 28,17
+  net L
+    wire 5,16 6,16 6,19 20,19
 )";
 
 // A window of 1100 by 880 pixels: letters on the sheet are 8 high and 9 wide.
@@ -92,7 +94,7 @@ class ShownValues : public ::testing::Test {
 };
 
 TEST_F(ShownValues, LieBesideNetsAndDevicesWhereThereIsRoom) {
-  open({"@m1[cgs]\tcapacitance", "@m1[vds]\tvoltage", "@m1[id]\tcurrent"});
+  open({"@m1[cgs]\tcapacitance", "@m1[vds]\tvoltage", "@m1[id]\tcurrent", "v(l)\tvoltage"});
   draw("values on");
   const auto h = middle("H"), v = middle("V");
   EXPECT_TRUE(text("1V", h.x - 9, h.y - 12, yellow)) << "above a line";
@@ -111,6 +113,8 @@ TEST_F(ShownValues, LieBesideNetsAndDevicesWhereThereIsRoom) {
   }
   draw("values at 10n");
   EXPECT_TRUE(text("2V", h.x - 9, h.y - 12, yellow));
+  const auto p = pixel({6 * gxm_step, 19 * gxm_step}), q = pixel({20 * gxm_step, 19 * gxm_step});
+  EXPECT_TRUE(text("12V", (p.x + q.x) / 2 - 13, q.y - 12, yellow)) << "at the longest line";
   // Only nets, only devices.
   s.run("values off");
   s.run("values file a.raw");
@@ -380,6 +384,45 @@ TEST_F(Waves, OfFrequenciesTheScaleIsLogarithmic) {
   EXPECT_TRUE(turn(1, right()));
   EXPECT_NEAR(kv_pext.waves->from, std::pow(100, 0.2), 1e-6);
   EXPECT_NEAR(kv_pext.waves->to, 100, 1e-6);
+}
+
+TEST_F(Waves, OfAPartOfTheScaleTheCursorLiesInIt) {
+  open();
+  s.run("show waves /h");
+  kv_pext.waves->from = 2e-9;
+  kv_pext.waves->to = 6e-9;
+  draw("values at 5n");
+  const auto x = static_cast<std::int16_t>(left() + std::lround(0.75 * (right() - left())));
+  EXPECT_TRUE(counting_screen::has_line(white, {x, static_cast<std::int16_t>(box().ymin + 4), x,
+                                                static_cast<std::int16_t>(box().ymax - 16)}));
+  EXPECT_TRUE(wave_text("2 ns", left(), box().ymax - 14, white));
+  for (const char* at : {"1.9n", "6.1n"}) {
+    draw("values at " + std::string(at));
+    EXPECT_FALSE(counting_screen::has_line(
+        white, {static_cast<std::int16_t>(left()), static_cast<std::int16_t>(box().ymin + 4),
+                static_cast<std::int16_t>(left()), static_cast<std::int16_t>(box().ymax - 16)}));
+  }
+}
+
+TEST_F(ShownValues, WordsThatMeanNothingAreRefused) {
+  open();
+  s.run("values at 5n");
+  const std::pair<const char*, const char*> cases[] = {
+      {"values next /h up", "RISe or FALl ? "},
+      {"values next /h rise lev x", "Number invalid ? "},
+      {"values next /h rise at 1", "Number invalid ? "},
+      {"values on wires", " 3rd parameter incorrect ? "},
+      {"values net /h on 1n", "parameter number invalid ? "},
+      {"values net /h at x", "Number invalid ? "},
+      {"values device /m9", "Device NOT FOUND ? "},
+      {"values expect /h 1 2 on 1n", "parameter number invalid ? "},
+      {"values expect /h 1 x", "Number invalid ? "},
+      {"values expect /m1[zz] 0 1", "The file has no such value of the device ? "},
+  };
+  for (const auto& [command, why] : cases)
+    EXPECT_EQ(s.run(command).back(), "# !! Error : " + std::string(why)) << command;
+  EXPECT_EQ(kv_pext.results->x, 5e-9);
+  EXPECT_FALSE(kv_pext.values_shown.any() || kv_waves_are_shown());
 }
 
 // --- what the simulator answers
