@@ -21,6 +21,7 @@ struct counting_screen {
   inline static std::vector<gx_line16_t> lines;
   inline static std::vector<int> line_colors;                   // of each of them
   inline static std::vector<std::pair<int, gx_box16_t>> boxes;  // with their colours
+  inline static std::string title;
   inline static std::string areas;  // "+1 149,119 135x340 " kept, "-1 ..." put back
 
   counting_screen() {
@@ -57,7 +58,7 @@ struct counting_screen {
         .ask_for_text = [](bool) {},
         .find_key = [](int, std::uint32_t, std::uint32_t) { return false; },
         .set_colors = [](std::span<const gx_rgb_t>) {},
-        .set_title = [](std::string_view) {},
+        .set_title = [](std::string_view text) { title = text; },
         .number_of_planes = [] { return 1; },
         .height = [] { return 2160; },
         .close = [] { ++closed; },
