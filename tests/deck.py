@@ -85,6 +85,8 @@ with tempfile.TemporaryDirectory() as folder:
     saved = run(kvspice, "--save", "gm,id", "register", cwd=work)
     for word in ["@m.xr.x1.mp1[gm]", "@m.x.xr.x1.xmn1.mnsub[id]"]:
         assert word in saved.split(), saved
+    kept = [line for line in saved.splitlines() if "@m" in line and "[gm]" in line]
+    assert len(kept) > 5 and all(re.match(r".save @.{,92}$", line) for line in kept), kept
     lvs = run(kvspice, "--lvs", "--global-ports", "register", cwd=work)
     assert ".subckt clkdrv A CKB CK VDD GND" in lvs.splitlines(), lvs
     assert re.search(r"^MN1 .* nsub W=5$", lvs, re.M) and ".model" not in lvs, lvs

@@ -176,7 +176,10 @@ void gxi_lepton_draw(const gxi_lepton_text_t& text, std::string_view seen,
   double below = first.up == gxi_align::start    ? static_cast<double>(lines - 1)
                  : first.up == gxi_align::middle ? static_cast<double>(lines - 1) / 2
                                                  : 0;
-  for (; !seen.empty(); --below) {
+  // What is upside down is shown readable: its first line where its last one would be.
+  const bool turned_over = text.rotate >= 2;
+  if (turned_over) below -= static_cast<double>(lines - 1);
+  for (; !seen.empty(); below += turned_over ? 1 : -1) {
     const auto end = std::min(seen.find('\n'), seen.size());
     const auto line = barred(seen.substr(0, end));
     seen.remove_prefix(std::min(end + 1, seen.size()));

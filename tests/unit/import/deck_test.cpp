@@ -100,6 +100,9 @@ TEST(DeckTest, PartsStatements) {
   const auto values = dk_parameters(found.at(0).text);
   ASSERT_EQ(values.size(), 2U);
   EXPECT_EQ(values[1].first + values[1].second, "b'2 * a'");
+  const auto braced = dk_parameters(".param c={max(1, 2) + 3} d = 4\n");
+  ASSERT_EQ(braced.size(), 2U);
+  EXPECT_EQ(braced[0].first + braced[0].second, "c{max(1, 2) + 3}");
 }
 
 }  // namespace
