@@ -225,6 +225,24 @@ TEST(DrawnNet, AMarkedNetStandsOutWithItsName) {
   EXPECT_EQ(net_drawn(board, green), segments_t{});
 }
 
+TEST(DrawnNet, ANameIsAtTheFirstEndWithRoom) {
+  const drawing_board board(placed("", " net N\n  wire U.A 4,8.6\n"));
+  auto& part = gx_vext.viewport[1].bounds_part;
+  part.xmin = -20000;  // the pin at 760, the other end at 500
+  const auto line_at = [&](std::string_view name) {
+    gx_highlight_net(1, board.id(gx_type::net), name);
+    for (const auto& line : net_drawn(board, white))
+      if (line.x2 == line.x1 + 50 && line.y2 == line.y1 + 50) return int{line.x1};
+    return 0;
+  };
+  EXPECT_EQ(line_at("A"), 500);
+  EXPECT_EQ(line_at("ABCD"), 500);
+  EXPECT_EQ(line_at("ABCDEFGHI"), 760) << "no room anywhere";
+  part.xmin = 0;
+  EXPECT_EQ(line_at("A"), 560);
+  gx_highlight_clear_all();
+}
+
 TEST(DrawnNet, AMarkedNetWithoutAWireShowsItsPinsAndName) {
   const drawing_board board(placed("", stub));
   const int net = board.id(gx_type::net);

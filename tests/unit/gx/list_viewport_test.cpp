@@ -70,6 +70,18 @@ TEST_F(ListViewport, KnowsTheWordUnderThePointer) {
   EXPECT_EQ(at(13, 6), "");
 }
 
+TEST_F(ListViewport, KnowsTheLineUnderThePointer) {
+  const auto line_at = [](int y) { return gx_list_line_at({200, static_cast<std::int16_t>(y)}); };
+  gx_vext.listb_y0 = 4;
+  EXPECT_EQ(line_at(0), 1);
+  EXPECT_EQ(line_at(123), 1);
+  EXPECT_EQ(line_at(124), 2);
+  EXPECT_EQ(line_at(900), 7);
+  gx_vext.nlinlist_disp = 5;
+  EXPECT_EQ(line_at(104), 5);
+  EXPECT_EQ(line_at(124), 6);
+}
+
 TEST_F(ListViewport, KeepsAndScrolls) {
   gx_display_list("");
   EXPECT_EQ(gx_vext.nlinlist_end, 0);

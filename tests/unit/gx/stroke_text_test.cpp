@@ -7,6 +7,7 @@
 #include <string>
 
 #include "gx/vext.h"
+#include "tests/support/counting_screen.h"
 #include "tests/support/drawing_board.h"
 #include "tests/support/fatal_stop.h"
 
@@ -105,6 +106,38 @@ TEST(SheetText, ReadsInFourDirections) {
             (std::vector<gx_line16_t>{{390, 488, 400, 488}, {400, 488, 400, 482}}));
   EXPECT_EQ(sheet_text(" L", 10, 3),
             (std::vector<gx_line16_t>{{410, 512, 400, 512}, {400, 512, 400, 518}}));
+}
+
+TEST(SheetText, StaysInTheViewportAndMayClearItsGround) {
+  drawing_board board;  // its viewport ends at 100 and 900
+  const auto at = [](int x, int y, bool opaque = false, int rotation = 0) {
+    return lines_of(color, 0, [&] { gx_text(1, "L", x, y, 10, rotation, color, opaque); });
+  };
+  EXPECT_EQ(at(897, 500), (std::vector<gx_line16_t>{{897, 490, 897, 500}, {897, 500, 900, 500}}));
+  EXPECT_EQ(at(400, 105), (std::vector<gx_line16_t>{{400, 100, 400, 105}, {400, 105, 406, 105}}));
+  EXPECT_FALSE(at(900, 900).empty());
+  for (const auto& [x, y] : {std::pair{901, 500}, {99, 500}, {400, 99}, {400, 901}})
+    EXPECT_TRUE(at(x, y).empty()) << x << " " << y;
+  const counting_screen screen;
+  const auto cleared = [&](int x, int y, int rotation) {
+    at(x, y, true, rotation);
+    return counting_screen::cleared;
+  };
+  EXPECT_EQ(cleared(400, 500, 0), (gx_box16_t{400, 490, 12, 15}));
+  EXPECT_EQ(cleared(400, 500, 1), (gx_box16_t{390, 488, 15, 12}));
+  EXPECT_EQ(cleared(400, 500, 3), (gx_box16_t{395, 500, 15, 12}));
+  EXPECT_EQ(cleared(895, 895, 0), (gx_box16_t{895, 885, 5, 15}));
+  // A line of a list clears all of itself, or as far as it goes.
+  set_size(10, 12);
+  const auto line = [](std::string_view text, bool whole) {
+    gx_hortext(1, text, 1, 200, 300, whole, color);
+    return counting_screen::cleared;
+  };
+  EXPECT_EQ(line("ab", true), (gx_box16_t{199, 299, 60 * 12 + 1, 17}));
+  EXPECT_EQ(line("ab", false), (gx_box16_t{199, 299, 3 * 12 + 2, 17}));
+  EXPECT_EQ(line(std::string(70, 'a'), false), (gx_box16_t{199, 299, 60 * 12 + 2, 17}));
+  EXPECT_EQ(screen_text("abL", 3), screen_text("L"));
+  EXPECT_TRUE(screen_text("ab", 3).empty());
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "gx/display/screen_state.h"
 #include "gx/display/window.h"
 #include "gx/vext.h"
+#include "tests/support/counting_screen.h"
 #include "tests/support/drawing_board.h"
 #include "tests/support/fatal_stop.h"
 
@@ -132,5 +133,59 @@ TEST(Zoom, KeepsThePointUnderThePointer) {
   EXPECT_TRUE(gx_viewport_zoom_at(1, pointer, 6, 5)) << "and the way back is open";
   for (int i = 0; i < 200; ++i) gx_viewport_zoom_at(1, pointer, 6, 5);
   EXPECT_LT(gx_vext.viewport[1].bounds_part.xmin, gx_vext.viewport[1].bounds_part.xmax);
+}
+TEST(ViewportTable, BordersAndSegmentsAreDrawnInIt) {
+  drawing_board board;
+  EXPECT_EQ(lines_of(5, 1,
+                     [] {
+                       gx_viewport_draw_segment(1, {10, 20}, {30, 40}, 5, 1);
+                     }),
+            (std::vector<gx_line16_t>{{110, 120, 130, 140}}));
+  EXPECT_EQ(gx_viewport_inq_pixel_min(1), (gx_point16_t{100, 100}));
+  gx_draw_new_viewport_border(1, 3, 6);
+  EXPECT_EQ(gx_vext.viewport[1].border.pixel_width, 3);
+  EXPECT_EQ(gx_vext.viewport[1].border.border_color, 6);
+  gx_draw_new_viewport_border(1, 300, 1000);
+  EXPECT_EQ(gx_vext.viewport[1].border.pixel_width, 255);
+  EXPECT_EQ(gx_vext.viewport[1].border.border_color, gx_nb_of_colors - 1);
+  gx_draw_new_viewport_border(1, 1, 3);
+  const counting_screen screen;
+  gx_clear_viewport(1);
+  EXPECT_EQ(counting_screen::cleared, (gx_box16_t{101, 101, 799, 799}));
+  EXPECT_EQ(counting_screen::clipped, (gx_box16_t{100, 100, 801, 801}));
+  gx_clear_window();
+  EXPECT_EQ(counting_screen::cleared, (gx_box16_t{1, 1, 998, 998}));
+  EXPECT_EQ(gx_bounds_to_clipping_window({10000, 10000, 90000, 90000}, {3, 0, 0, 0}),
+            (gx_bounds16_t{102, 102, 898, 898}));
+  EXPECT_TRUE(gx_inq_file_disp_vpn(1, 1));
+  EXPECT_FALSE(gx_inq_file_disp_vpn(2, 1) || gx_inq_file_disp_vpn(1, 2));
+  gx_vext.viewport[1].vp_blocked = true;
+  expect_stop([] { gx_draw_viewport_border(1); }, gx_code::viewport_blocked);
+  expect_stop([] { gx_draw_new_viewport_border(1, 1, 3); }, gx_code::viewport_blocked);
+  expect_stop([] { gx_viewport_draw_segment(1, {}, {}, 1, 0); }, gx_code::viewport_blocked);
+  gx_vext.init_done = false;
+  expect_stop([] { gx_draw_viewport_border(1); }, gx_code::init_not_done);
+  expect_stop([] { gx_viewport_inq_pixel_min(1); }, gx_code::init_not_done);
+  expect_stop([] { gx_viewport_select(1); }, gx_code::init_or_open_file_not_done);
+  expect_stop([] { gx_viewport_create({}, border); }, gx_code::init_or_open_file_not_done);
+}
+
+TEST(Zoom, WhatWasShownIsShownAgainInAnotherWindowToo) {
+  drawing_board board;
+  auto& vp = gx_vext.viewport[1];
+  const gx_shown_t shown = gx_viewport_shown(1);
+  gx_viewport_zoom_at(1, {300, 700}, 1, 2);
+  gx_viewport_show(1, shown);
+  EXPECT_EQ(gx_viewport_shown(1), shown);
+  vp.pixel_bounds = {100, 100, 500, 900};  // narrower: around the same middle
+  gx_viewport_show(1, shown);
+  EXPECT_EQ(vp.object_scale, 100);
+  EXPECT_EQ(vp.bounds_part, (gx_boundsreal_t{20000, 0, 60000, 80000}));
+  gx_viewport_pan(1, 10, -20);
+  EXPECT_EQ(vp.bounds_part, (gx_boundsreal_t{19000, 2000, 59000, 82000}));
+  EXPECT_FALSE(gx_viewport_zoom_at(1, {300, 700}, 0, 1) ||
+               gx_viewport_zoom_at(1, {300, 700}, 1, 0));
+  EXPECT_TRUE(gx_pixels_near({5, 5}, {7, 3}, 2));
+  EXPECT_FALSE(gx_pixels_near({5, 5}, {8, 5}, 2) || gx_pixels_near({5, 5}, {5, 2}, 2));
 }
 }  // namespace
