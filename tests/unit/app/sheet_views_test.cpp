@@ -182,6 +182,9 @@ TEST_F(SheetViews, TheContextKeepsWhatItShows) {
   EXPECT_EQ(gx_vext.kept_marks[0].vpid, gx_vext.viewport_context);
   EXPECT_FALSE(gx_vext.kept_marks[0].is_link);
   const auto whole = context().bounds_part;
+  gx_viewport_translate(gx_vext.viewport_context, 1, 1, 5000);
+  s.run("view all context");
+  EXPECT_EQ(context().bounds_part, whole);
   s.run("view sheet low");
   s.run("view area context 0.1 0.1 0.2 0.2");
   EXPECT_TRUE(kv_pext.disp_pic_area);

@@ -181,6 +181,37 @@ TEST_F(ShownValues, WiresHaveTheColourOfTheirPartOfTheRange) {
   EXPECT_FALSE(kv_pext.values_shown.any());
 }
 
+TEST(ShownBus, HasItsBitsItsNumberOrItsRange) {
+  design_session s("sheet top\n page 40,20\n bus B 0:1\n  wire 5,10 25,10\n");
+  gx_vext.bitmap_size = {1100, 880};
+  for (const auto& viewport : set_viewports()) gx_viewport_create(viewport.bounds, viewport.border);
+  kv_display_picture_all(gx_vext.viewport_edit, kv_pext.file_id_cur);
+  const counting_screen screen;
+  s.directory().write("a.raw", raw_header("Transient Analysis", "real", "1",
+                                          {"time\ttime", "v(b_1)\tvoltage", "v(b_0)\tvoltage"}) +
+                                   double_bytes({0, 2, 0}));
+  s.run("values file a.raw");
+  EXPECT_EQ(s.run("values net /b").size(), 3U);
+  const auto shows = [&](std::string_view command, std::string_view text) {
+    gx_pen_flush();
+    counting_screen::forget();
+    s.run(command);
+    gx_pen_flush();
+    const auto box = gx_object_abs_origin_bounds(s.file(), s.net("B"), 0).bounds;
+    const auto p = gx_viewport_pt_real_to_pixel(gx_vext.viewport_edit, {box.xmin, box.ymin}),
+               q = gx_viewport_pt_real_to_pixel(gx_vext.viewport_edit, {box.xmax, box.ymax});
+    return counting_screen::has_text(gx_vext.viewport_edit, text,
+                                     (p.x + q.x) / 2 - static_cast<int>(text.size()) * 9 / 2,
+                                     (p.y + q.y) / 2 - 12 + 8, 8, yellow);
+  };
+  EXPECT_TRUE(shows("values on", "0V 2V"));
+  EXPECT_TRUE(shows("values colour 0 2", "0x2"));
+  EXPECT_TRUE(shows("values colour 0 4", "0V 2V")) << "one is neither high nor low";
+  EXPECT_EQ(s.run("send op").back(), " SENd op ");
+  EXPECT_EQ(s.run("give").back(), " GIVE ");
+  s.run("values off");
+}
+
 TEST_F(ShownValues, OfComplexResultsTheMagnitudeIsShown) {
   std::string bytes =
       raw_header("AC Analysis", "complex", "2", {"frequency\tfrequency", "v(h)\tvoltage"});

@@ -281,6 +281,8 @@ TEST(Bits, AreANumberWhereEachIsClear) {
   EXPECT_EQ(number({1.8, 0.1, 1.7, 0}, false), 5U);
   EXPECT_EQ(number(std::vector<double>(64, 1.8), true), UINT64_MAX);
   EXPECT_FALSE(number({1.8, 0.9}, true));
+  EXPECT_FALSE(number({1.19}, true) || number({0.61}, true));
+  EXPECT_EQ(kv_number_of_bits({{2.3, 0}, {3.7, 0}, {2, 0}}, false, 2, 4), 2U);
   EXPECT_FALSE(number({std::numeric_limits<double>::quiet_NaN()}, true));
   EXPECT_FALSE(number(std::vector<double>(65, 0.0), true));
 }
