@@ -6,6 +6,7 @@
 #include <set>
 #include <string>
 
+#include "gx/text/messages/list_columns.h"
 #include "gx/vext.h"
 #include "tests/support/counting_screen.h"
 #include "tests/support/drawing_board.h"
@@ -136,6 +137,13 @@ TEST(SheetText, StaysInTheViewportAndMayClearItsGround) {
   EXPECT_EQ(line("ab", true), (gx_box16_t{199, 299, 60 * 12 + 1, 17}));
   EXPECT_EQ(line("ab", false), (gx_box16_t{199, 299, 3 * 12 + 2, 17}));
   EXPECT_EQ(line(std::string(70, 'a'), false), (gx_box16_t{199, 299, 60 * 12 + 2, 17}));
+  // The list may have letters of its own.
+  gx_set_list_width(100);
+  gx_vext.list_height = 5;
+  gx_vext.viewport_list = 1;
+  EXPECT_EQ(line("ab", true), (gx_box16_t{199, 299, 100 * 6 + 1, 9}));
+  gx_vext.viewport_list = 2;
+  EXPECT_EQ(line("ab", true), (gx_box16_t{199, 299, 60 * 12 + 1, 17}));
   EXPECT_EQ(screen_text("abL", 3), screen_text("L"));
   EXPECT_TRUE(screen_text("ab", 3).empty());
 }

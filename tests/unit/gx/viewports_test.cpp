@@ -3,6 +3,7 @@
 
 #include "app/sheet/views.h"
 #include "gx/display/screen_state.h"
+#include "gx/display/strokes/offscreen.h"
 #include "gx/display/window.h"
 #include "gx/vext.h"
 #include "tests/support/counting_screen.h"
@@ -149,7 +150,10 @@ TEST(ViewportTable, BordersAndSegmentsAreDrawnInIt) {
   EXPECT_EQ(gx_vext.viewport[1].border.pixel_width, 255);
   EXPECT_EQ(gx_vext.viewport[1].border.border_color, gx_nb_of_colors - 1);
   gx_draw_new_viewport_border(1, 1, 3);
+  { const gx_offscreen_t without_screen({0, 0, 9, 9}); }
   const counting_screen screen;
+  { const gx_offscreen_t picture({0, 0, 9, 9}); }
+  EXPECT_EQ(counting_screen::pictures, 1);
   gx_clear_viewport(1);
   EXPECT_EQ(counting_screen::cleared, (gx_box16_t{101, 101, 799, 799}));
   EXPECT_EQ(counting_screen::clipped, (gx_box16_t{100, 100, 801, 801}));
