@@ -119,6 +119,12 @@ TEST(SheetText, StaysInTheViewportAndMayClearItsGround) {
   EXPECT_FALSE(at(900, 900).empty());
   for (const auto& [x, y] : {std::pair{901, 500}, {99, 500}, {400, 99}, {400, 901}})
     EXPECT_TRUE(at(x, y).empty()) << x << " " << y;
+  const gx_grid_point_t stroke[] = {{0, 0}, {600, 300}};
+  const auto polyline = [&](int x, int y) {
+    return lines_of(color, 0, [&] { gx_polyline_char_2d16(1, x, y, 10, 0, stroke, color); });
+  };
+  EXPECT_EQ(polyline(400, 500), (std::vector<gx_line16_t>{{400, 500, 406, 497}}));
+  EXPECT_EQ(polyline(897, 101), (std::vector<gx_line16_t>{{897, 101, 900, 100}}));
   const counting_screen screen;
   const auto cleared = [&](int x, int y, int rotation) {
     at(x, y, true, rotation);
