@@ -20,8 +20,6 @@
 #include "gx/db/place/geometry.h"
 #include "gx/db/queries.h"
 #include "gx/display/sheet/draw_shape.h"
-#include "gx/display/sheet/highlight.h"
-#include "gx/display/strokes/draw_strokes.h"
 #include "gx/display/strokes/stroke_font.h"
 #include "gx/display/strokes/stroke_text.h"
 #include "gx/display/viewports.h"
@@ -255,21 +253,9 @@ class values_picture_t {
     gx_sink_t sink{.name = "values", .instance_name = "values"};
     sink.sees = [](int, int) { return true; };
     int color = 0;
-    // What is selected or highlighted keeps its colour.
-    const auto is_marked = [&](const gx_shape_t& shape) {
-      return shape.selected || gx_highlight_of(picture_.file_index, shape.net) != nullptr ||
-             gx_highlight_of(picture_.file_index, shape.object) != nullptr;
-    };
     sink.draw = [&](const gx_shape_t& shape) {
-      const bool is_line = shape.kind == gx_shape_kind::line;
-      if ((!is_line && shape.kind != gx_shape_kind::dot) || is_marked(shape)) return;
-      const auto at = [&](std::size_t i) { return pixel(shape.points[i]); };
-      if (is_line) {
-        gx_draw_thick_line(picture_.vpid, color, shape.style, at(0), at(1), shape.width);
-      } else {
-        gx_display_dot(picture_.vpid, at(0), gx_viewport_obj2d_to_pixel(picture_.vpid, shape.size),
-                       color);
-      }
+      if (shape.kind == gx_shape_kind::line || shape.kind == gx_shape_kind::dot)
+        gx_draw_shape(picture_, shape, nullptr, color);
     };
     for (const int net : lb_nets(file())) {
       const kv_variable_t* const variable = variable_of(net);

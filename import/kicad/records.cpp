@@ -158,10 +158,7 @@ class reader {
   // the user's language.
   static void name_by_order(std::vector<gxi_kicad_field_t>& fields) {
     constexpr std::string_view words[] = {"Sheetname", "Sheetfile"};
-    const bool has_names = std::any_of(fields.begin(), fields.end(), [](const auto& field) {
-      return field.name.starts_with("Sheet");
-    });
-    for (std::size_t i = 0; !has_names && i < std::size(words) && i < fields.size(); ++i)
+    for (std::size_t i = 0; i < std::size(words) && i < fields.size(); ++i)
       fields[i].name = words[i];
   }
 
@@ -177,7 +174,7 @@ class reader {
       pin.shape = list.word(2);
       block.pins.push_back(std::move(pin));
     }
-    name_by_order(block.fields);
+    if (block.file().empty()) name_by_order(block.fields);
     if (block.file().empty()) item.refuse("a sheet names no file");
     file_.blocks.push_back(std::move(block));
   }

@@ -41,7 +41,7 @@ struct gxi_kicad_cell_use_t {
 
 // A line for each part, in each use of its cell from the first cell down, whose reference is not
 // its name: its path and its reference. `path` is that of the top sheet. Of more uses than anybody
-// reads the rest is left out, which is told.
+// reads the rest is left out, which is reported.
 std::string gxi_kicad_reference_lines(const std::vector<gxi_kicad_cell_use_t>& cells,
                                       const gxi_kicad_references_t& references,
                                       const std::string& path, std::vector<std::string>& warnings);

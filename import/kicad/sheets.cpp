@@ -1,4 +1,4 @@
-// Files by their paths, variables by where they stand.
+// Files by their paths, variables by where they are used.
 #include "import/kicad/sheets.h"
 
 #include <algorithm>

@@ -24,8 +24,8 @@ struct gxi_kicad_loaded_t {
 
 class gxi_kicad_sheets_t {
  public:
-  // Reads the top sheet and all below it; what is left out of them is told to the design. A sheet
-  // that is missing refuses the drawing.
+  // Reads the top sheet and all below it; what is left out of them is reported in the design. A
+  // sheet that is missing refuses the drawing.
   gxi_kicad_sheets_t(const std::filesystem::path& top, gxi_design_t& design);
 
   const gxi_kicad_loaded_t& top() const { return *top_; }

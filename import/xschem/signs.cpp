@@ -21,7 +21,8 @@ bool is_told_otherwise(std::string_view name) {
 
 // Whether a value is put together of others.
 bool is_composed(std::string_view value) {
-  return value.find('@') != std::string_view::npos || value.find("expr") != std::string_view::npos;
+  const auto has = [&](std::string_view part) { return value.find(part) != value.npos; };
+  return has("@") || has("expr(") || has("expr_eng");
 }
 
 bool has_attribute(const gxi_xschem_placed_t& placed, std::string_view name) {

@@ -30,13 +30,15 @@ struct item_t {
   const gx_picture_t& picture;
   const gx_shape_t& shape;
   const gx_highlight_t* mark = nullptr;  // it is of a highlighted net or instance
+  std::optional<int> own_color{};        // none: that of its role
 
   gx_vpid_t vpid() const { return picture.vpid; }
   int color() const {
     const int chosen = gx_vext.color_obj_selected;
     if (!picture.erases() && shape.selected) return gx_color_of(gx_role::selection, chosen);
     if (!picture.erases() && mark != nullptr) return gx_highlight_color(mark->color);
-    return gx_drawn_color(picture, gx_color_of(role(), gx_file_color(shape.color)), false);
+    const int color = own_color ? *own_color : gx_color_of(role(), gx_file_color(shape.color));
+    return gx_drawn_color(picture, color, false);
   }
   gx_role role() const {
     if (shape.kind == gx_shape_kind::text) return gx_role::text;
@@ -144,9 +146,9 @@ void draw_box(const item_t& item) {
 }
 }  // namespace
 
-void gx_draw_shape(const gx_picture_t& picture, const gx_shape_t& shape,
-                   const gx_highlight_t* mark) {
-  item_t item{picture, shape, mark};
+void gx_draw_shape(const gx_picture_t& picture, const gx_shape_t& shape, const gx_highlight_t* mark,
+                   std::optional<int> color) {
+  item_t item{picture, shape, mark, color};
   if (shape.net != 0 && !picture.erases() && mark == nullptr) {
     item.mark = gx_highlight_of(picture.file_index, shape.net);
     if (item.mark == nullptr) item.mark = gx_highlight_of(picture.file_index, shape.object);
