@@ -13,8 +13,6 @@
 
 namespace {
 
-using point_t = gxi_kicad_point_t;
-
 class collector {
  public:
   collector(const gxi_kicad_members_t& members, gxi_groups_t& groups)
@@ -137,7 +135,7 @@ class collector {
   }
 
   void mark_unconnected() {
-    std::map<point_t, int> nets;
+    std::map<gxi_kicad_point_t, int> nets;
     for (std::size_t i = 0; i < sheet_.pins.size(); ++i)
       for (std::size_t pin = 0; pin < sheet_.pins[i].size(); ++pin)
         nets.emplace(sheet_.pins[i][pin].at, gx_at(result_.of_pin[i], pin));
