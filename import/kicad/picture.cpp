@@ -26,6 +26,22 @@ std::int32_t width_of(std::size_t length, std::int32_t height) {
   return whole + whole / 5;
 }
 
+// A polyline or a rectangle as lines, which alone have widths.
+std::vector<gxm_shape_t> lines_of(const gxm_shape_t& shape) {
+  auto points = shape.points;
+  if (shape.type == gx_type::rectangle_2d) {
+    const auto a = points[0], b = points[1];
+    points = {a, {b.x, a.y}, b, {a.x, b.y}, a};
+  }
+  std::vector<gxm_shape_t> lines;
+  for (std::size_t i = 1; i < points.size(); ++i) {
+    auto& line = lines.emplace_back(shape);
+    line.type = gx_type::line_2d;
+    line.points = {points[i - 1], points[i]};
+  }
+  return lines;
+}
+
 // A text without its marks, and the letters that have a bar: first, and one after the last.
 struct marked_t {
   std::string text{};
@@ -59,30 +75,19 @@ std::int32_t gxi_kicad_length(int length) { return scaled(length); }
 
 std::vector<gxm_shape_t> gxi_kicad_drawn(const gxi_kicad_shape_t& shape, bool in_symbol,
                                          std::uint8_t color) {
-  gxm_shape_t drawn;
-  drawn.color = color;
-  drawn.width = static_cast<std::uint8_t>(shape.width <= thin ? 1 : shape.width <= thick ? 2 : 3);
+  using kind_t = gxi_kicad_shape_t::kind_t;
+  constexpr gx_type types[] = {gx_type::polyline_2d, gx_type::rectangle_2d, gx_type::arc3p_2d,
+                               gx_type::circle_2d};
+  gxm_shape_t drawn{.type = gx_at(types, static_cast<int>(shape.kind)), .color = color};
   drawn.style = shape.dashed ? 1 : 0;
-  drawn.filled = shape.fill == gxi_kicad_fill::outline;
+  drawn.filled = shape.fill == gxi_kicad_fill::outline && shape.kind != kind_t::arc;
   for (const auto& point : shape.points)
     drawn.points.push_back(in_symbol ? gxi_kicad_in_symbol(point) : gxi_kicad_on_sheet(point));
-  switch (shape.kind) {
-    case gxi_kicad_shape_t::kind_t::polyline:
-      drawn.type = gx_type::polyline_2d;
-      break;
-    case gxi_kicad_shape_t::kind_t::rectangle:
-      drawn.type = gx_type::rectangle_2d;
-      break;
-    case gxi_kicad_shape_t::kind_t::arc:
-      drawn.type = gx_type::arc3p_2d;
-      drawn.filled = false;
-      break;
-    case gxi_kicad_shape_t::kind_t::circle:
-      drawn.type = gx_type::circle_2d;
-      drawn.radius = std::max(scaled(shape.radius), 1);
-      break;
-  }
-  return {drawn};
+  if (shape.kind == kind_t::circle) drawn.radius = std::max(scaled(shape.radius), 1);
+  const bool is_straight = shape.kind == kind_t::polyline || shape.kind == kind_t::rectangle;
+  if (shape.width <= thin || drawn.filled || !is_straight) return {drawn};
+  drawn.width = shape.width <= thick ? 2 : 3;
+  return lines_of(drawn);
 }
 
 gxi_look_t gxi_kicad_look(const gxi_kicad_text_t& text, bool in_symbol, std::uint8_t color) {

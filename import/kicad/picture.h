@@ -15,7 +15,8 @@ gx_pointreal_t gxi_kicad_on_sheet(gxi_kicad_point_t p);
 gx_pointreal_t gxi_kicad_in_symbol(gxi_kicad_point_t p);
 std::int32_t gxi_kicad_length(int length);
 
-// Shapes that KiCad fills with the body's pale colour are drawn as outlines.
+// Shapes that KiCad fills with the body's pale colour are drawn as outlines; wide outlines as
+// lines.
 std::vector<gxm_shape_t> gxi_kicad_drawn(const gxi_kicad_shape_t& shape, bool in_symbol,
                                          std::uint8_t color);
 

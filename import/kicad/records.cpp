@@ -31,7 +31,7 @@ class reader {
       if (row != std::end(rows))
         (this->*row->take)(item);
       else if (gxi_kicad_shape(item, file_.shapes) && item.keyword() == "text_box")
-        take_text(item);
+        file_.texts.push_back(gxi_kicad_boxed_text(item, false));
     }
   }
 
@@ -89,8 +89,12 @@ class reader {
     file_.texts.push_back(gxi_kicad_text(item, item.word(1)));
   }
   void take_table(const gxi_kicad_list_t& item) {
-    for (const auto& cell : item.child("cells").children())
-      if (cell.keyword() == "table_cell") take_text(cell);
+    for (const auto& cell : item.child("cells").children()) {
+      // Cells that another one covers span nothing.
+      if (cell.child("span") && cell.child("span").number(1) == 0) continue;
+      if (gxi_kicad_shape(cell, file_.shapes))
+        file_.texts.push_back(gxi_kicad_boxed_text(cell, false));
+    }
   }
   void take_area(const gxi_kicad_list_t& item) {
     for (const auto& list : item.children()) gxi_kicad_shape(list, file_.shapes);

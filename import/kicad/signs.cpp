@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <set>
+#include <span>
 #include <utility>
 
 #include "gx/db/place/geometry.h"
@@ -14,14 +15,39 @@
 
 namespace {
 
-constexpr int bubble = 6'350;  // radius of what inverts a pin
-constexpr int wedge = 6'350;   // half of what marks a clock
+constexpr int bubble = 6'350;  // radius of what inverts a pin, and the unit of other marks
 constexpr int above_line = 2'540;
+
+// What the graphic style of a pin adds at the body: a line through points out of the body along the
+// pin, and to its upper or left side.
+struct mark_t {
+  std::string_view style;
+  std::size_t count;
+  gxi_kicad_point_t points[3];
+};
+constexpr mark_t marks[] = {
+    {"clock", 3, {{0, 1}, {-2, 0}, {0, -1}}},
+    {"inverted_clock", 3, {{0, 1}, {-2, 0}, {0, -1}}},
+    {"clock_low", 3, {{0, 1}, {-2, 0}, {0, -1}}},
+    {"clock_low", 3, {{0, 0}, {2, 2}, {2, 0}}},
+    {"input_low", 3, {{0, 0}, {2, 2}, {2, 0}}},
+    {"output_low", 2, {{0, 2}, {2, 0}}},
+    {"edge_clock_high", 3, {{0, 1}, {2, 0}, {0, -1}}},
+    {"non_logic", 2, {{-1, -1}, {1, 1}}},
+    {"non_logic", 2, {{-1, 1}, {1, -1}}},
+};
 
 gxi_kicad_point_t along(const gxi_kicad_pin_t& pin, int length) {
   constexpr gxi_kicad_point_t ways[] = {{1, 0}, {0, 1}, {-1, 0}, {0, -1}};
   const auto way = gx_at(ways, pin.rotate);
   return {pin.at.x + way.x * length, pin.at.y + way.y * length};
+}
+
+// Above the line of a pin, or on the left of one that goes up or down.
+gxi_kicad_point_t above(const gxi_kicad_pin_t& pin, int length, int by) {
+  const auto on = along(pin, length);
+  return pin.rotate % 2 == 0 ? gxi_kicad_point_t{on.x, on.y + by}
+                             : gxi_kicad_point_t{on.x - by, on.y};
 }
 
 bool is_of(const gxi_kicad_unit_t& one, int unit, int style) {
@@ -32,7 +58,8 @@ void draw_pin(const gxi_kicad_symbol_t& symbol, const gxi_kicad_pin_t& pin, gxi_
   if (pin.hidden) return;
   const auto color = gxi_kicad_colors.pin;
   const bool inverted = pin.shape == "inverted" || pin.shape == "inverted_clock";
-  const int line = pin.length - (inverted ? 2 * bubble : 0);
+  const bool is_short = inverted || pin.shape == "edge_clock_high";
+  const int line = pin.length - (is_short ? 2 * bubble : 0);
   const auto point = [](gxi_kicad_point_t p) { return gxi_kicad_in_symbol(p); };
   if (line > 0)
     sign.shapes.push_back({.type = gx_type::line_2d,
@@ -43,16 +70,12 @@ void draw_pin(const gxi_kicad_symbol_t& symbol, const gxi_kicad_pin_t& pin, gxi_
                            .points = {point(along(pin, pin.length - bubble))},
                            .radius = gxi_kicad_length(bubble),
                            .color = color});
-  const auto body = along(pin, pin.length);
-  if (pin.shape.find("clock") != std::string::npos || pin.shape == "edge_clock_high") {
-    const bool across = pin.rotate % 2 == 0;
-    const auto side = [&](int by) {
-      return gxi_kicad_point_t{body.x + (across ? 0 : by), body.y + (across ? by : 0)};
-    };
-    sign.shapes.push_back(
-        {.type = gx_type::polyline_2d,
-         .points = {point(side(-wedge)), point(along(pin, pin.length + wedge)), point(side(wedge))},
-         .color = color});
+  for (const auto& [style, count, points] : marks) {
+    if (style != pin.shape) continue;
+    gxm_shape_t mark{.type = gx_type::polyline_2d, .color = color};
+    for (const auto& [out, up] : std::span(points, count))
+      mark.points.push_back(point(above(pin, pin.length - out * bubble, up * bubble)));
+    sign.shapes.push_back(std::move(mark));
   }
   // Read to the right or upwards, whichever way the pin goes.
   gxi_kicad_text_t text{.rotate = pin.rotate % 2};
@@ -63,20 +86,17 @@ void draw_pin(const gxi_kicad_symbol_t& symbol, const gxi_kicad_pin_t& pin, gxi_
       text.at = along(pin, pin.length + symbol.name_offset);
       text.across = forward ? gxi_align::start : gxi_align::end;
     } else {
-      text.at = along(pin, pin.length / 2);
+      text.at = above(pin, pin.length / 2, above_line);
       text.up = gxi_align::start;
-      (text.rotate == 0 ? text.at.y : text.at.x) += text.rotate == 0 ? above_line : -above_line;
     }
     gxi_kicad_write(pin.name, gxi_kicad_look(text, true, color), sign.texts, sign.shapes);
   }
   if (pin.number_size > 0 && !pin.number.empty()) {
     text.size = pin.number_size;
-    text.at = along(pin, pin.length / 2);
     text.across = gxi_align::middle;
     const bool below = symbol.name_offset <= 0 && pin.name_size > 0 && !pin.name.empty();
     text.up = below ? gxi_align::end : gxi_align::start;
-    const int away = below ? -above_line : above_line;
-    (text.rotate == 0 ? text.at.y : text.at.x) += text.rotate == 0 ? away : -away;
+    text.at = above(pin, pin.length / 2, below ? -above_line : above_line);
     gxi_kicad_write(pin.number, gxi_kicad_look(text, true, color), sign.texts, sign.shapes);
   }
 }

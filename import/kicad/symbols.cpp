@@ -2,53 +2,13 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
-
-#include "gx/text/at.h"
 
 namespace {
-
-constexpr int pieces_of_curve = 16;
 
 int whole(std::string_view text) {
   int value = 0;
   std::from_chars(text.data(), text.data() + text.size(), value);
   return value;
-}
-
-void take_stroke(const gxi_kicad_list_t& item, gxi_kicad_shape_t& shape) {
-  const auto stroke = item.child("stroke");
-  if (const auto width = stroke.child("width")) shape.width = width.length(1);
-  const auto style = stroke.child("type").word(1);
-  shape.dashed = style.starts_with("da") || style.starts_with("do");  // dash, dot, dash_dot ...
-  const auto fill = item.child("fill").child("type").word(1);
-  shape.fill = fill == "outline"                         ? gxi_kicad_fill::outline
-               : fill == "background" || fill == "color" ? gxi_kicad_fill::background
-                                                         : gxi_kicad_fill::none;
-}
-
-std::vector<gxi_kicad_point_t> points_of(const gxi_kicad_list_t& item) {
-  std::vector<gxi_kicad_point_t> points;
-  for (const auto& point : item.child("pts").children())
-    if (point.keyword() == "xy") points.push_back(gxi_kicad_point(point));
-  return points;
-}
-
-// A cubic curve in straight pieces.
-std::vector<gxi_kicad_point_t> along_curve(const std::vector<gxi_kicad_point_t>& control) {
-  if (control.size() != 4) return control;
-  std::vector<gxi_kicad_point_t> points;
-  for (int i = 0; i <= pieces_of_curve; ++i) {
-    const double t = static_cast<double>(i) / pieces_of_curve, s = 1 - t;
-    const auto at = [&](auto part) {
-      return static_cast<int>(
-          std::lround(s * s * s * part(control[0]) + 3 * s * s * t * part(control[1]) +
-                      3 * s * t * t * part(control[2]) + t * t * t * part(control[3])));
-    };
-    points.push_back(
-        {at([](const auto& p) { return p.x; }), at([](const auto& p) { return p.y; })});
-  }
-  return points;
 }
 
 gxi_kicad_pin_t pin_of(const gxi_kicad_list_t& item, const gxi_kicad_symbol_t& symbol) {
@@ -89,7 +49,7 @@ gxi_kicad_unit_t unit_of(const gxi_kicad_list_t& item, const gxi_kicad_symbol_t&
       unit.texts.push_back(gxi_kicad_text(list, list.word(1)));
     else
       gxi_kicad_shape(list, unit.shapes);
-    if (list.keyword() == "text_box") unit.texts.push_back(gxi_kicad_text(list, list.word(1)));
+    if (list.keyword() == "text_box") unit.texts.push_back(gxi_kicad_boxed_text(list, true));
   }
   return unit;
 }
@@ -122,70 +82,6 @@ std::shared_ptr<gxi_kicad_symbol_t> symbol_of(const gxi_kicad_list_t& item) {
 }
 
 }  // namespace
-
-gxi_kicad_point_t gxi_kicad_point(const gxi_kicad_list_t& at) {
-  return at ? gxi_kicad_point_t{at.length(1), at.length(2)} : gxi_kicad_point_t{};
-}
-
-int gxi_kicad_quarters(const gxi_kicad_list_t& at) {
-  if (!at || at.word(3).empty()) return 0;
-  const int turns = static_cast<int>(std::lround(at.number(3) / 90));
-  return (turns % 4 + 4) % 4;
-}
-
-gxi_kicad_text_t gxi_kicad_text(const gxi_kicad_list_t& item, std::string_view text) {
-  gxi_kicad_text_t result{.line = item.line(), .text = std::string(text)};
-  result.at = gxi_kicad_point(item.child("at"));
-  result.rotate = gxi_kicad_quarters(item.child("at"));
-  const auto effects = item.child("effects");
-  if (const auto size = effects.child("font").child("size")) result.size = std::abs(size.length(1));
-  result.hidden = effects.flag("hide") || item.flag("hide");
-  const auto justify = effects.child("justify");
-  if (justify.has_word("left")) result.across = gxi_align::start;
-  if (justify.has_word("right")) result.across = gxi_align::end;
-  if (justify.has_word("bottom")) result.up = gxi_align::start;
-  if (justify.has_word("top")) result.up = gxi_align::end;
-  return result;
-}
-
-gxi_kicad_field_t gxi_kicad_field(const gxi_kicad_list_t& property) {
-  // "private" may come before the name.
-  const int first = property.word(1) == "private" && !property.word(3).empty() ? 2 : 1;
-  gxi_kicad_field_t field{std::string(property.word(first)),
-                          gxi_kicad_text(property, property.word(first + 1))};
-  return field;
-}
-
-bool gxi_kicad_shape(const gxi_kicad_list_t& item, std::vector<gxi_kicad_shape_t>& shapes) {
-  gxi_kicad_shape_t shape;
-  const auto keyword = item.keyword();
-  if (keyword == "polyline") {
-    shape.points = points_of(item);
-  } else if (keyword == "bezier") {
-    shape.points = along_curve(points_of(item));
-  } else if (keyword == "rectangle") {
-    shape.kind = gxi_kicad_shape_t::kind_t::rectangle;
-    shape.points = {gxi_kicad_point(item.child("start")), gxi_kicad_point(item.child("end"))};
-  } else if (keyword == "text_box") {
-    shape.kind = gxi_kicad_shape_t::kind_t::rectangle;
-    const auto at = gxi_kicad_point(item.child("at")), size = gxi_kicad_point(item.child("size"));
-    shape.points = {at, {at.x + size.x, at.y + size.y}};
-  } else if (keyword == "arc") {
-    shape.kind = gxi_kicad_shape_t::kind_t::arc;
-    for (const auto* const end : {"start", "mid", "end"})
-      shape.points.push_back(gxi_kicad_point(item.child(end)));
-  } else if (keyword == "circle") {
-    shape.kind = gxi_kicad_shape_t::kind_t::circle;
-    shape.points = {gxi_kicad_point(item.child("center"))};
-    shape.radius = item.child("radius") ? item.child("radius").length(1) : 0;
-  } else {
-    return false;
-  }
-  take_stroke(item, shape);
-  if (shape.points.size() > 1 || shape.kind == gxi_kicad_shape_t::kind_t::circle)
-    shapes.push_back(std::move(shape));
-  return true;
-}
 
 gxi_kicad_symbols_t gxi_kicad_read_symbols(const gxi_kicad_list_t& library) {
   gxi_kicad_symbols_t symbols;
