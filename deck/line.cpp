@@ -61,6 +61,10 @@ class compiler {
   void skip() {
     while (!text_.empty() && dk_is_blank(text_.front())) text_.remove_prefix(1);
   }
+  bool comes_equals() const {
+    const auto next = text_.find_first_not_of(" \t");
+    return next != text_.npos && text_[next] == '=';
+  }
   void put(std::string_view text) {
     if (!text.empty()) line_.pieces.push_back({.text = std::string(text)});
   }
@@ -80,7 +84,7 @@ class compiler {
       if (is_value && !line_.given.empty()) line_.pieces.back().of = line_.given.back();
     } else if (names_device() && is_name(word)) {
       line_.pieces.push_back({.kind = kind_t::device, .text = std::string(word)});
-    } else if (is_name(word) && text_.substr(0, 1) != "=") {
+    } else if (is_name(word) && !comes_equals()) {
       line_.pieces.push_back({.kind = kind_t::parameter, .text = std::string(word)});
     } else if (const auto open = word.find('('); open != word.npos && open > 0) {
       put_expression(word);

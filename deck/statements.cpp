@@ -87,7 +87,7 @@ std::vector<std::pair<std::string, std::string>> dk_parameters(std::string_view 
     text.append(part).append(" ");
   }
   for (std::size_t at = 0; (at = text.find('=', at)) != std::string::npos;) {
-    const auto last = text.find_last_not_of(" \t", at - 1);
+    const auto last = at == 0 ? std::string::npos : text.find_last_not_of(" \t", at - 1);
     const auto first = text.find_last_of(" \t", last) + 1;
     auto begin = text.find_first_not_of(" \t", at + 1);
     if (last == std::string::npos || begin == std::string::npos) break;

@@ -204,7 +204,7 @@ void dk_elements_t::write_saved() {
   constexpr std::size_t longest = 100;
   line_ = ".save";
   for (const auto& name : saved_) {
-    if (line_.size() + name.size() > longest) {
+    if (line_.size() + 1 + name.size() > longest) {
       output_.line(line_);
       line_ = ".save";
     }

@@ -118,6 +118,14 @@ void dk_groups_t::join(dk_group_t& group) {
   std::vector<bool> open(size);
   for (std::size_t bit = 0; bit < group.ports.size(); ++bit)
     open[bit] = std::ranges::any_of(nets, [&](const auto& of) { return of[bit] == 0; });
+  // A simulator takes a port that has the name of a global for the global.
+  for (std::size_t port = 0; port < group.ports.size(); ++port) {
+    std::string& name = group.ports[port];
+    const auto is_global = [&](const auto& of) {
+      return of[port] != 0 && gx_iden(names_.of(of[port]), name);
+    };
+    if (is_global_.contains(gx_upper(name)) && !std::ranges::all_of(nets, is_global)) name += "::1";
+  }
   std::unordered_map<std::int64_t, std::int32_t> first_with;
   for (const auto& of : nets) {
     const bool is_first = &of == &nets.front();
@@ -139,16 +147,40 @@ void dk_groups_t::join(dk_group_t& group) {
   settle_open_ports(group, nets);
 }
 
-// A port that some visits leave open is joined to what it is joined to in all the others.
+// The nets in a visit that its ports, by bit, are on there; 0 where none has their name.
+std::vector<std::int32_t> dk_groups_t::nets_within(std::int32_t visit) const {
+  std::vector<std::int32_t> nets;
+  const kv_object_t block{kv_named::macro, visit};
+  for (std::int32_t k = 0; k < netlist_.nb_of_pins(block); ++k) {
+    const auto pin = netlist_.pin(block, k);
+    const auto width = netlist_.bits(pin).count;
+    const auto name = netlist_.pin_name(pin);
+    const auto net = visits_.net(visit, name.substr(0, name.find('[')));
+    const bool is_bus = net != 0 && netlist_.is_bus(net);
+    const auto members = is_bus ? netlist_.width(net) : 1;
+    for (std::int32_t bit = 0; bit < width; ++bit)
+      nets.push_back(net == 0 || bit >= members
+                         ? 0
+                         : names_.node(is_bus ? netlist_.first_member(net) + bit : net));
+  }
+  return nets;
+}
+
+// A port that some visits leave open is joined to what it is joined to in all the others; one that
+// all leave open to the net in them that has its name.
 void dk_groups_t::settle_open_ports(dk_group_t& group,
                                     const std::vector<std::vector<std::int32_t>>& nets) {
+  std::vector<std::int32_t> within;
   for (std::size_t port = 0; port < group.ports.size(); ++port) {
     const auto joined = std::ranges::find_if(nets, [&](const auto& of) { return of[port] != 0; });
     const bool is_open = std::ranges::any_of(nets, [&](const auto& of) { return of[port] == 0; });
-    if (!is_open || joined == nets.end()) continue;
+    if (!is_open) continue;
+    if (joined == nets.end() && within.empty()) within = nets_within(group.visits.front());
+    const auto& of_joined = joined == nets.end() ? nets.front() : *joined;
+    const std::int32_t net = joined == nets.end() ? within[port] : of_joined[port];
+    if (net == 0) continue;
     for (std::size_t bit = group.ports.size(); bit < group.nets.size(); ++bit) {
-      if (group.same_as[bit] != static_cast<std::int32_t>(bit) || (*joined)[bit] != (*joined)[port])
-        continue;
+      if (group.same_as[bit] != static_cast<std::int32_t>(bit) || of_joined[bit] != net) continue;
       if (!std::ranges::all_of(
               nets, [&](const auto& of) { return of[port] == 0 || of[port] == of[bit]; }))
         continue;

@@ -42,6 +42,7 @@ class dk_groups_t {
   std::string key_of(std::int32_t visit);
   void name_group(dk_group_t& group);
   std::vector<std::int32_t> nets_of(std::int32_t visit) const;
+  std::vector<std::int32_t> nets_within(std::int32_t visit) const;
   void join(dk_group_t& group);
   void settle_open_ports(dk_group_t& group, const std::vector<std::vector<std::int32_t>>& nets);
   void name_nodes(dk_group_t& group);

@@ -1,5 +1,6 @@
 // A deck with a subcircuit for each cell.
 #include <algorithm>
+#include <iterator>
 
 #include "deck/write/common.h"
 #include "deck/write/groups.h"
@@ -43,6 +44,16 @@ class hierarchy_writer {
  private:
   bool global_ports() const { return sources_.options.lvs && sources_.options.global_ports; }
 
+  // The globals that are ports besides these.
+  std::vector<std::string> globals_beside(const std::vector<std::string>& ports) const {
+    std::vector<std::string> globals;
+    if (!global_ports()) return globals;
+    std::ranges::copy_if(groups_.globals(), std::back_inserter(globals), [&](const auto& global) {
+      return std::ranges::none_of(ports, [&](const auto& port) { return gx_iden(port, global); });
+    });
+    return globals;
+  }
+
   void begin_subcircuit(const std::string& name, const std::vector<std::string>& ports,
                         const std::vector<char>& directions) {
     std::string line = ".subckt " + name, info = "*.PININFO";
@@ -50,11 +61,10 @@ class hierarchy_writer {
       line.append(" ").append(ports[port]);
       info.append(" ").append(ports[port]).append(":").append(1, directions[port]);
     }
-    if (global_ports())
-      for (const auto& global : groups_.globals()) {
-        line.append(" ").append(global);
-        info.append(" ").append(global).append(":B");
-      }
+    for (const auto& global : globals_beside(ports)) {
+      line.append(" ").append(global);
+      info.append(" ").append(global).append(":B");
+    }
     sources_.output.line(line);
     if (sources_.options.lvs) sources_.output.line(info);
   }
@@ -120,9 +130,9 @@ class hierarchy_writer {
     std::string line;
     if (gx_upper_case(called.front()) != 'X') line = "X";
     line.append(called).append(elements_.nodes_of(block));
-    if (global_ports())
-      for (const auto& global : groups_.globals()) line.append(" ").append(global);
-    line.append(" ").append(gx_at(groups_.all(), groups_.group_of(block.index)).name);
+    const auto& group = gx_at(groups_.all(), groups_.group_of(block.index));
+    for (const auto& global : globals_beside(group.ports)) line.append(" ").append(global);
+    line.append(" ").append(group.name);
     sources_.output.line(line);
   }
 

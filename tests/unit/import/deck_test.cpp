@@ -42,15 +42,69 @@ TEST(DeckTest, WorksOutExpressions) {
                                     {"2-3-4", -5.0},
                                     {"1meg + 4.7kOhm", 1004700.0},
                                     {"1 > 2 ? 5 : max(2, 7)", 7.0},
-                                    {"1e-3*1e3", 1.0}}) {
+                                    {"1e-3*1e3", 1.0},
+                                    {"1t+1g+1K", 1.001000001e12},
+                                    {"1m + 1Mil + 1uF", 1.0264e-3},
+                                    {"1n+1p+1f", 1.001001e-9},
+                                    {"1a", 1e-18},
+                                    {"1 || 1 && 0", 1.0},
+                                    {"0 || 2", 1.0},
+                                    {"0 || 0", 0.0},
+                                    {"0 && 1 == 0", 0.0},
+                                    {"2 && 0.5", 1.0},
+                                    {"2 && 0", 0.0},
+                                    {"2 == 1 < 3", 0.0},
+                                    {"1 != 1 < 3", 0.0},
+                                    {"1 <= 1 + 3", 1.0},
+                                    {"2 >= 2 - 1", 1.0},
+                                    {"1 >= 1", 1.0},
+                                    {"2 <= 2", 1.0},
+                                    {"1 < 1 + 1", 1.0},
+                                    {"3 > 3 + 1", 0.0},
+                                    {"3 > 3", 0.0},
+                                    {"3 < 3", 0.0},
+                                    {"1 + 2*3 - 9/3", 4.0},
+                                    {"2 * 3 ** 2", 18.0},
+                                    {"18 / 3 ^ 2", 2.0},
+                                    {"2 ^ 3 ** 2", 64.0},
+                                    {"2 ** 3 ^ 2", 64.0},
+                                    {"!2 + !0 + +3", 4.0},
+                                    {"0 ? 1 : 0 ? 2 : 3", 3.0},
+                                    {"sqrt(16)", 4.0},
+                                    {"ABS(-2)", 2.0},
+                                    {"ln(exp(3))", 3.0},
+                                    {"log(exp(3))", 3.0},
+                                    {"log10(100)", 2.0},
+                                    {"sin(0.5)", std::sin(0.5)},
+                                    {"cos(0.5)", std::cos(0.5)},
+                                    {"tan(0.5)", std::tan(0.5)},
+                                    {"tanh(atan(1))", std::tanh(std::atan(1.0))},
+                                    {"int(-1.5)", -1.0},
+                                    {"floor(-1.5)", -2.0},
+                                    {"ceil(-1.5)", -1.0},
+                                    {"nint(1.6)", 2.0},
+                                    {"sgn(5) + 3*sgn(-5) + sgn(0)", -2.0},
+                                    {"min(2, 3)", 2.0},
+                                    {"pow( 2 , 3 )", 8.0}}) {
     const auto found = dk_evaluate(text);
     ASSERT_TRUE(found) << text;
     EXPECT_NEAR(*found, value, 1e-12 * std::abs(value)) << text;
   }
-  for (const auto* const text : {"", "2*w", "1/0", "(1", "1 2", "foo(3)", "v(a)"})
+  for (const auto* const text : {"", "2*w", "1/0", "(1", "1 2", "foo(3)", "v(a)", "sqrt(1, 2)",
+                                 "min(1)", "1 ? 2", "sqrt(1", "sqrt 1"})
     EXPECT_FALSE(dk_evaluate(text)) << text;
   EXPECT_FALSE(dk_evaluate(std::string(100'000, '(')));
   EXPECT_FALSE(dk_evaluate(std::string(100'000, '-')));
+  // As many one in the other as are read, and any number one after the other.
+  EXPECT_EQ(dk_evaluate(std::string(58, '-') + "1"), 1);
+  EXPECT_FALSE(dk_evaluate(std::string(59, '-') + "1"));
+  std::string many = "0";
+  for (int i = 0; i < 99; ++i) many += "+(1)";
+  EXPECT_EQ(dk_evaluate(many), 99);
+  for (const auto& [text, value] : {std::pair{"-2k", -2000.0}, {"+.5", 0.5}})
+    EXPECT_EQ(dk_number(text), value) << text;
+  for (const auto* const text : {"", "-", "--5", "inf", "-nan", "1 2", "2*3"})
+    EXPECT_FALSE(dk_number(text)) << text;
 }
 
 TEST(DeckTest, FillsLines) {
@@ -63,7 +117,18 @@ TEST(DeckTest, FillsLines) {
         {"E1 @1 0 TABLE {V(x)} = (0, 0) (1, 5m)", " n1 0 TABLE {V(top:x)}=(0, 0) (1, 5m)"},
         {"A1 [ @1 ~ @2 ] @3 and", " [ n1 ~ n2 ] n3 and"},
         {"V1 @1 0 pulse(0 1 2n)", " n1 0 pulse(0 1 2n)"},
-        {"R1 @1 x@@y 5", " n1 x@y 5"}})
+        {"R1 @1 x@@y 5", " n1 x@y 5"},
+        {"R1 @1 @0 {@2+@@+.5WP+x.WP+2WP}", " n1 @0 {n2+@+.5WP+x.4u+2WP}"},
+        {"R1 @1 0 R = '-WP' L='L' M=\"VT\"", " n1 0 R=-4u L='L' M=\"(VX+1)\""},
+        {"B1 @1 0 I='v( @1 , b) + v (c)/WP(2)+I'", " n1 0 I='v( n1 , top:b) + v(top:c)/WP(2)+I'"},
+        {"B1 @1 0 V=2 * WP m=3", " n1 0 V=2 * 4u m=3"},
+        {"C1 @1 0 V=2 * WP VT", " n1 0 V=2 * 4u {VX+1}"},
+        {"H1 @1 V1 V1 WP", " n1 V1 R.V1 4u"},
+        {"W1 @1 WP V1 V1", " n1 4u R.V1 V1"},
+        {"K1 L1 L2 0.5", " R.L1 R.L2 0.5"},
+        {"X1 @1 s tc=(1, WP) {WP + 1} \" WP\"", " n1 s tc=(1, 4u) 1.000004 4e-06"},
+        {"R1 @1 WP = 5", " n1 WP=5"},
+        {"\tD1\t@1 x=v(a", " n1 x=v(top:a"}})
     EXPECT_EQ(rendered(line), filled) << line;
 }
 
@@ -96,6 +161,13 @@ TEST(DeckTest, PartsStatements) {
   std::string kinds;
   for (const auto& statement : found) kinds += std::to_string(static_cast<int>(statement.kind));
   EXPECT_EQ(kinds, "0113213");
+  kinds.clear();
+  for (const auto& statement : dk_statements(
+           "+ x\n .NODESET v(a)=1\n.save a\n.meas a\n.print a\n.plot a\n.probe a\n.four a\n"
+           ".ac a\n.dc a\n.op\n.noise a\n.tf a\n.sens a\n.pz a\n.disto a\n.sp a\n.end\n"
+           ".param a=1\n.lib a\n"))
+    kinds += std::to_string(static_cast<int>(statement.kind));
+  EXPECT_EQ(kinds, "12222222333333333301");
   EXPECT_EQ(found.at(1).text, ".model n nmos\n+ vt=1\n");
   const auto values = dk_parameters(found.at(0).text);
   ASSERT_EQ(values.size(), 2U);
@@ -103,6 +175,11 @@ TEST(DeckTest, PartsStatements) {
   const auto braced = dk_parameters(".param c={max(1, 2) + 3} d = 4\n");
   ASSERT_EQ(braced.size(), 2U);
   EXPECT_EQ(braced[0].first + braced[0].second, "c{max(1, 2) + 3}");
+  const auto spread = dk_parameters("  .param\t a=(1 2)\n+b =\t\"x y\"c='{' d={'}' 1}\te= f\n");
+  std::string pairs;
+  for (const auto& [name, value] : spread) pairs += name + ":" + value + ";";
+  EXPECT_EQ(pairs, "a:(1 2);b:\"x y\"c='{';d:{'}' 1};e:f;");
+  EXPECT_TRUE(dk_parameters("=1").empty());
 }
 
 }  // namespace
