@@ -128,8 +128,7 @@ void dk_groups_t::join(dk_group_t& group) {
   }
   std::unordered_map<std::int64_t, std::int32_t> first_with;
   for (const auto& of : nets) {
-    const bool is_first = &of == &nets.front();
-    bool differs = is_first;
+    bool differs = &of == &nets.front();
     for (std::size_t bit = 0; bit < size && !differs; ++bit)
       differs = !open[bit] && of[bit] != of[static_cast<std::size_t>(group.same_as[bit])];
     if (!differs) continue;
@@ -140,7 +139,7 @@ void dk_groups_t::join(dk_group_t& group) {
         group.same_as[bit] = number;
         continue;
       }
-      const std::int64_t before = is_first ? 0 : group.same_as[bit];
+      const std::int64_t before = group.same_as[bit];
       group.same_as[bit] = first_with.try_emplace((before << 32) | of[bit], number).first->second;
     }
   }
