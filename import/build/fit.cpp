@@ -13,6 +13,7 @@
 #include "gx/text/kept_text.h"
 #include "gx/text/spelling.h"
 #include "gx/text/strings.h"
+#include "import/build/turned_texts.h"
 #include "import/drawing/fill.h"
 #include "import/drawing/names.h"
 #include "import/drawing/placement.h"
@@ -29,6 +30,7 @@ class fitter {
     const std::size_t described = design_.cells.size();
     for (auto& cell : design_.cells)
       if (cell.sheet && cell.symbol.pins.empty() && cell.symbol.shapes.empty()) draw_symbol(cell);
+    gxi_hand_out_texts(design_);
     pin_names_.resize(described);
     for (std::size_t i = 0; i < described; ++i) fit_symbol(i);
     for (auto* const kept :

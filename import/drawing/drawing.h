@@ -37,6 +37,7 @@ struct gxi_look_t {
   std::int32_t height = gxm_text_height;  // of a capital letter; a letter is 1.2 times as wide
   std::int32_t line_step = 0;             // from a line to the next; 0: 1.6 times the height
   gxi_align across = gxi_align::start, up = gxi_align::start;
+  bool flush = false;       // the lines begin one below the other: `across` is of the longest
   std::uint8_t rotate = 0;  // 0..3
   std::uint8_t color = gxm_white;
 };

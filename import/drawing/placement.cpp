@@ -31,9 +31,13 @@ std::int32_t before(gxi_align align, std::int32_t size) {
   return align == gxi_align::start ? 0 : align == gxi_align::middle ? size / 2 : size;
 }
 
+std::int32_t within_furthest(std::int64_t size) {
+  return static_cast<std::int32_t>(std::min<std::int64_t>(size, gxm_furthest));
+}
+
 std::int32_t width_of(std::size_t length, std::int32_t height) {
-  const std::int32_t whole = static_cast<std::int32_t>(length) * height;
-  return whole + whole / 5;
+  const auto whole = static_cast<std::int64_t>(length) * height;
+  return within_furthest(whole + whole / 5);
 }
 
 // As the file keeps it: with its signs where they have room.
@@ -51,6 +55,48 @@ void make_readable(gxi_look_t& look, gx_pointreal_t along, gx_pointreal_t upward
   look.rotate = across ? 0 : 1;
   if (across ? along.x < 0 : along.y > 0) look.across = other_end(look.across);
   if (across ? upwards.y > 0 : upwards.x > 0) look.up = other_end(look.up);
+}
+
+struct placed_line_t {
+  std::u32string_view text{};
+  std::size_t first = 0;  // letter, of the whole text
+  gx_pointreal_t at{};    // the left end of its baseline
+};
+
+std::vector<placed_line_t> cut_at_newlines(std::u32string_view shown) {
+  std::vector<placed_line_t> lines;
+  for (std::size_t first = 0, end = 0; end < shown.size(); first = end + 1) {
+    end = std::min(shown.find(U'\n', first), shown.size());
+    auto text = shown.substr(first, end - first);
+    while (text.ends_with(U' ')) text.remove_suffix(1);
+    lines.push_back({text, first});
+  }
+  return lines;
+}
+
+// Makes the look readable.
+std::vector<placed_line_t> placed_lines(std::u32string_view shown, gxi_look_t& look) {
+  make_readable(look, gx_turn(to_the_right, look.rotate % 4, false),
+                gx_turn(upright, look.rotate % 4, false));
+  auto lines = cut_at_newlines(shown);
+  std::size_t longest = 0;
+  for (const auto& line : lines) longest = std::max(longest, line.text.size());
+  const std::int64_t step = look.line_step > 0 ? look.line_step : look.height + look.height * 3 / 5;
+  auto below = static_cast<std::int64_t>(lines.size());
+  const auto tall = within_furthest(look.height + (below - 1) * step);
+  for (auto& line : lines) {
+    const auto wide = width_of(look.flush ? longest : line.text.size(), look.height);
+    const gx_pointreal_t offset{-before(look.across, wide),
+                                before(look.up, tall) - within_furthest(--below * step)};
+    line.at = plus(look.at, gx_turn(offset, look.rotate, false));
+  }
+  return lines;
+}
+
+gx_pointreal_t along(const gxi_look_t& look, gx_pointreal_t from, std::size_t letters,
+                     std::int32_t down) {
+  const gx_pointreal_t offset{width_of(letters, look.height), down};
+  return plus(from, gx_turn(offset, look.rotate, false));
 }
 
 }  // namespace
@@ -74,55 +120,56 @@ gxi_look_t gxi_on_sheet(const gxi_instance_t& instance, gxi_look_t look) {
 
 std::vector<gxi_line_t> gxi_lines(std::string_view kept, const gxi_look_t& unturned) {
   gxi_look_t look = unturned;
-  make_readable(look, gx_turn(to_the_right, look.rotate % 4, false),
-                gx_turn(upright, look.rotate % 4, false));
-  std::vector<gxi_line_t> lines;
+  std::vector<gxi_line_t> pieces;
   const std::u32string shown = gx_characters(gx_shown_text(kept));
-  std::vector<std::u32string_view> parts;
-  for (std::u32string_view text = shown; !text.empty();) {
-    const auto end = std::min(text.find(U'\n'), text.size());
-    auto line = text.substr(0, end);
-    text.remove_prefix(std::min(end + 1, text.size()));
-    while (!line.empty() && line.back() == U' ') line.remove_suffix(1);
-    while (line.size() > longest_line) {
-      auto cut = line.rfind(U' ', longest_line);
-      if (cut == line.npos || cut == 0) cut = longest_line;
-      parts.push_back(line.substr(0, cut));
-      line.remove_prefix(cut);
+  for (const auto& line : placed_lines(shown, look))
+    for (std::size_t from = 0, to = 0; from < line.text.size(); from = to) {
+      to = std::min(from + longest_line, line.text.size());
+      if (const auto blank = line.text.rfind(U' ', to); to < line.text.size() && blank > from)
+        to = std::min(blank, to);
+      pieces.push_back({kept_line(line.text.substr(from, to - from)), along(look, line.at, from, 0),
+                        look.rotate});
     }
-    parts.push_back(line);
-  }
-  const std::int32_t step = look.line_step > 0 ? look.line_step : look.height + look.height * 3 / 5;
-  const auto last = static_cast<std::int32_t>(parts.size()) - 1;
-  const std::int32_t tall = look.height + last * step;
-  for (std::int32_t i = 0; i <= last; ++i) {
-    const auto part = gx_at(parts, i);
-    if (part.empty()) continue;
-    const std::int32_t left = -before(look.across, width_of(part.size(), look.height));
-    const std::int32_t down = before(look.up, tall) - (last - i) * step;
-    const gx_pointreal_t offset{left, down};
-    lines.push_back(
-        {kept_line(part), plus(look.at, gx_turn(offset, look.rotate, false)), look.rotate});
-  }
-  return lines;
+  return pieces;
 }
 
-gx_pointreal_t gxi_place_in_line(const gxi_look_t& look, std::size_t length, std::size_t letter,
-                                 std::int32_t down) {
-  const std::int32_t left = -before(look.across, width_of(length, look.height));
-  const gx_pointreal_t offset{left + width_of(letter, look.height), down};
-  return plus(look.at, gx_turn(offset, look.rotate, false));
-}
-
-void gxi_draw_bars(const gxi_bars_t& bars, std::size_t length, const gxi_look_t& look,
+void gxi_draw_bars(const gxi_bars_t& bars, std::string_view text, const gxi_look_t& unturned,
                    std::vector<gxm_shape_t>& shapes) {
-  const std::int32_t capitals = look.height - before(look.up, look.height);
-  const std::int32_t above = -capitals - look.height / 3;
-  for (const auto& [from, to] : bars)
-    shapes.push_back({.type = gx_type::line_2d,
-                      .points = {gxi_place_in_line(look, length, from, above),
-                                 gxi_place_in_line(look, length, to, above)},
-                      .color = look.color});
+  if (bars.empty()) return;
+  gxi_look_t look = unturned;
+  std::vector<int> change(text.size() + 1);  // of the number of bars, at each byte
+  for (const auto& [from, to] : bars) ++gx_at(change, from), --gx_at(change, to);
+  std::vector<bool> barred;  // by letter, and one more
+  int depth = 0;
+  for (auto rest = text; !rest.empty(); barred.push_back(depth > 0)) {
+    depth += gx_at(change, text.size() - rest.size());
+    gx_take_character(rest);
+  }
+  const std::int32_t above = -look.height - look.height / 3;
+  const std::u32string shown = gx_characters(text);
+  for (const auto& line : placed_lines(shown, look))
+    for (std::size_t from = 0, to = 0; from < line.text.size(); from = std::max(to, from + 1)) {
+      for (to = from; to < line.text.size() && barred[line.first + to];) ++to;
+      if (from < to)
+        shapes.push_back(
+            {.type = gx_type::line_2d,
+             .points = {along(look, line.at, from, above), along(look, line.at, to, above)},
+             .color = look.color});
+    }
+}
+
+void gxi_show(std::string_view text, const gxi_look_t& look,
+              std::vector<gxi_property_t>& properties) {
+  const std::string name = "SHOWN";
+  auto count = std::ranges::count_if(
+      properties, [&](const auto& property) { return property.name.starts_with(name); });
+  for (const auto& line : gxi_lines(gx_kept_text(text), look))
+    properties.push_back(
+        {name + std::to_string(++count), gx_shown_text(line.text), gxi_look_of(line, look)});
+}
+
+gxi_look_t gxi_look_of(const gxi_line_t& line, const gxi_look_t& look) {
+  return {.at = line.at, .height = look.height, .rotate = line.rotate, .color = look.color};
 }
 
 gxi_stored_t gxi_below(const gxi_instance_t& instance, const gxi_line_t& line,
@@ -178,9 +225,7 @@ void gxi_draw_apart(const gxi_symbol_t& symbol, const gxi_instance_t& instance,
 void gxi_draw_missing(const std::string& name, gxi_symbol_t& symbol) {
   constexpr std::int32_t height = 4 * gxm_step, least_width = 8 * gxm_step;
   const gxi_look_t look{.up = gxi_align::middle, .color = gxm_red};
-  std::int32_t width = 0;
-  for (const auto& line : gxi_lines(name, look))
-    width = std::max(width, width_of(line.text.size(), look.height) + gxm_step);
+  std::int32_t width = width_of(gx_characters(name).size(), look.height) + gxm_step;
   width = std::max(least_width, (width / gxm_step + 1) * gxm_step);
   symbol.shapes.push_back(
       {.type = gx_type::rectangle_2d, .points = {{0, -height}, {width, 0}}, .color = gxm_red});

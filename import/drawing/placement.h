@@ -26,17 +26,21 @@ struct gxi_line_t {
   gx_pointreal_t at{};
   std::uint8_t rotate = 0;
 };
-// Lines longer than a screen draws are broken, empty ones left out; of a kept text kept ones.
+// Lines longer than a screen draws come in pieces, empty ones are left out; of a kept text kept
+// ones.
 inline constexpr std::size_t gxi_longest_value = 95;  // of a property
 std::vector<gxi_line_t> gxi_lines(std::string_view kept, const gxi_look_t& look);
+// Of that line of a text alone.
+gxi_look_t gxi_look_of(const gxi_line_t& line, const gxi_look_t& look);
 
-// Where a letter of a line of `length` letters begins, from 0, `down` from where the look aligns
-// it; and lines above the letters that have a bar, each from its first to the one after its last.
-gx_pointreal_t gxi_place_in_line(const gxi_look_t& look, std::size_t length, std::size_t letter,
-                                 std::int32_t down);
+// Lines above the letters of a text that have a bar: each from a byte to the one after its last.
 using gxi_bars_t = std::vector<std::pair<std::size_t, std::size_t>>;
-void gxi_draw_bars(const gxi_bars_t& bars, std::size_t length, const gxi_look_t& look,
+void gxi_draw_bars(const gxi_bars_t& bars, std::string_view text, const gxi_look_t& look,
                    std::vector<gxm_shape_t>& shapes);
+
+// What an instance shows but has not as a value: properties SHOWN1, SHOWN2 ..., one a line.
+void gxi_show(std::string_view text, const gxi_look_t& look,
+              std::vector<gxi_property_t>& properties);
 
 // The place and the turns to store in a property below an instance, so that a line of `length`
 // characters is seen as `line` says.

@@ -127,8 +127,7 @@ void gxi_kicad_write(std::string_view text, const gxi_look_t& look, std::vector<
   if (text.empty()) return;
   const auto plain = marked(text);
   texts.push_back({gxi_kicad_unescaped(plain.text), look});
-  if (plain.text.find('\n') == std::string::npos)
-    gxi_draw_bars(plain.bars, plain.text.size(), look, shapes);
+  gxi_draw_bars(plain.bars, plain.text, look, shapes);
 }
 
 gxm_shape_t gxi_kicad_flag(const gxi_kicad_label_t& label, std::size_t length) {

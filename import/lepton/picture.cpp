@@ -20,8 +20,7 @@ constexpr double pi = 3.14159265358979323846;
 // wide on the average; letters here are wider, and are kept at that width.
 constexpr double letter_height = 8.0;
 constexpr double line_step = 21.0;
-constexpr double top_margin = 5.9;        // from the upper end of a text to its capitals
-constexpr std::size_t longest_text = 60;  // more is not drawn of a text
+constexpr double top_margin = 5.9;  // from the upper end of a text to its capitals
 constexpr int largest_text = 1000;
 
 std::int32_t length(double v) { return static_cast<std::int32_t>(std::lround(v * scale)); }
@@ -40,26 +39,26 @@ std::uint8_t line_width(std::int32_t width) {
 
 gx_pointreal_t plus(gx_pointreal_t a, gx_pointreal_t b) { return {a.x + b.x, a.y + b.y}; }
 
-// A line without its marks, and the letters that have a bar: first, and one after the last.
+// A text without its marks, and the letters that have a bar: first, and one after the last.
 struct barred_t {
   std::string text{};
   gxi_bars_t bars{};
 };
 
-barred_t barred(std::string_view line) {
+barred_t barred(std::string_view marked) {
   barred_t result;
   bool in_bar = false;
   std::size_t begun = 0;
-  for (std::size_t i = 0; i < line.size(); ++i) {
-    if (line[i] != '\\' || i + 1 == line.size()) {
-      result.text += line[i];
-    } else if (line[++i] == '_') {
+  for (std::size_t i = 0; i < marked.size(); ++i) {
+    if (marked[i] != '\\' || i + 1 == marked.size()) {
+      result.text += marked[i];
+    } else if (marked[++i] == '_') {
       if (in_bar && result.text.size() > begun) result.bars.emplace_back(begun, result.text.size());
       begun = result.text.size();
       in_bar = !in_bar;
     } else {
-      if (line[i] != '\\') result.text += '\\';
-      result.text += line[i];
+      if (marked[i] != '\\') result.text += '\\';
+      result.text += marked[i];
     }
   }
   if (in_bar && result.text.size() > begun) result.bars.emplace_back(begun, result.text.size());
@@ -156,7 +155,9 @@ gxi_look_t gxi_lepton_look(const gxi_lepton_text_t& text) {
   const double size = std::min(text.size, largest_text);
   gxi_look_t look;
   look.height = std::max(length(size * letter_height), 1);
+  look.line_step = length(size * line_step);
   look.rotate = static_cast<std::uint8_t>(text.rotate);
+  look.flush = true;
   look.across = static_cast<gxi_align>(text.alignment / 3);
   look.up = static_cast<gxi_align>(text.alignment % 3);
   look.color = gxi_lepton_color(text.color);
@@ -169,39 +170,9 @@ gxi_look_t gxi_lepton_look(const gxi_lepton_text_t& text) {
 
 void gxi_lepton_draw(const gxi_lepton_text_t& text, std::string_view seen,
                      std::vector<gxi_text_t>& texts, std::vector<gxm_shape_t>& shapes) {
-  const auto first = gxi_lepton_look(text);
-  const double step = std::min(text.size, largest_text) * line_step;
-  const auto lines = 1 + std::count(seen.begin(), seen.end(), '\n');
-  // How many lines are below the place that the alignment names.
-  double below = first.up == gxi_align::start    ? static_cast<double>(lines - 1)
-                 : first.up == gxi_align::middle ? static_cast<double>(lines - 1) / 2
-                                                 : 0;
-  // What is upside down is shown readable: its first line where its last one would be.
-  const bool turned_over = text.rotate >= 2;
-  if (turned_over) below -= static_cast<double>(lines - 1);
-  for (; !seen.empty(); below += turned_over ? 1 : -1) {
-    const auto end = std::min(seen.find('\n'), seen.size());
-    const auto line = barred(seen.substr(0, end));
-    seen.remove_prefix(std::min(end + 1, seen.size()));
-    gxi_look_t look = first;
-    look.at = plus(look.at, gx_turn(gx_pointreal_t{0, -length(below * step)}, text.rotate, false));
-    gxi_draw_bars(line.bars, line.text.size(), look, shapes);
-    if (line.text.size() <= longest_text) {
-      texts.push_back({line.text, look});
-      continue;
-    }
-    // Longer ones are continued, from a blank where there is one.
-    for (std::size_t from = 0; from < line.text.size();) {
-      gxi_look_t behind = look;
-      behind.at = gxi_place_in_line(look, line.text.size(), from, 0);
-      behind.across = gxi_align::start;
-      auto to = from + longest_text;
-      if (to < line.text.size()) {
-        const auto blank = line.text.rfind(' ', to);
-        if (blank != std::string::npos && blank > from) to = blank + 1;
-      }
-      texts.push_back({line.text.substr(from, to - from), behind});
-      from = to;
-    }
-  }
+  if (seen.empty()) return;
+  const auto look = gxi_lepton_look(text);
+  auto plain = barred(seen);
+  gxi_draw_bars(plain.bars, plain.text, look, shapes);
+  texts.push_back({std::move(plain.text), look});
 }

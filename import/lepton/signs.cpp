@@ -139,7 +139,6 @@ void gxi_lepton_dress(const gxi_lepton_placed_t& placed, gxi_instance_t& instanc
                       gxi_sheet_t& sheet) {
   const bool has_properties =
       placed.role == gxi_lepton_role_t::part || placed.role == gxi_lepton_role_t::block;
-  int composed = 0;
   for (const auto& on_page : placed.component->attributes) {
     const auto text = shifted_text(on_page, placed.shift);
     const auto name = text.name();
@@ -164,8 +163,7 @@ void gxi_lepton_dress(const gxi_lepton_placed_t& placed, gxi_instance_t& instanc
     if (is_property && value_alone)
       instance.properties.back().look = gxi_lepton_look(text);
     else if (!seen.empty())
-      instance.properties.push_back(
-          {"SHOWN" + std::to_string(++composed), property_value(seen), gxi_lepton_look(text)});
+      gxi_show(property_value(seen), gxi_lepton_look(text), instance.properties);
   }
 }
 

@@ -88,6 +88,7 @@ gxi_look_t gxi_xschem_look(const gxi_xschem_text_t& text) {
       std::clamp(std::fabs(text.width), smallest, largest) * letter_height, size * tallest);
   look.height = std::max(length(letters), 1);
   look.line_step = length(size * line_step);
+  look.flush = true;
   look.rotate = static_cast<std::uint8_t>((4 - text.rotate) % 4);
   look.across = attributes.is_set("hcenter") ? gxi_align::middle
                 : text.flip                  ? gxi_align::end

@@ -106,7 +106,6 @@ std::vector<gxi_property_t> gxi_xschem_dress(const gxi_xschem_placed_t& placed, 
     if (!has_attribute(placed, name))
       instance.properties.push_back({gxi_property_name(name), value, {}});
   auto seen = instance.properties;
-  int composed = 0;
   for (const auto& text : shown) {
     const auto look = gxi_on_sheet(instance, text.look);
     if (text.attribute == "name") {
@@ -127,7 +126,7 @@ std::vector<gxi_property_t> gxi_xschem_dress(const gxi_xschem_placed_t& placed, 
              placed.symbol->defaults.find(text.attribute))
       seen.push_back({name, text.value, look});
     else
-      seen.push_back({"SHOWN" + std::to_string(++composed), text.value, look});
+      gxi_show(text.value, look, seen);
   }
   return seen;
 }
