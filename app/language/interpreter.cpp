@@ -92,18 +92,21 @@ std::size_t command_piece_end(std::string_view text, std::size_t start) {
 }
 
 // The next piece of a line, as the token reader gives it, with quoted texts kept whole.
-bool next_piece(const gx_string_record_t& line, gx_string_record_t& piece, std::int32_t& pos) {
+gx_string_record_t next_piece(const gx_string_record_t& line, std::int32_t& pos) {
   const std::string_view text = gx_view(line);
   const auto start =
       std::min(text.find_first_not_of(';', static_cast<std::size_t>(pos - 1)), text.size());
   const auto first = std::min(text.find_first_not_of(' ', start), text.size());
   const bool is_shell = first < text.size() && text[first] == '!';
   const auto end = is_shell ? shell_piece_end(text, start) : command_piece_end(text, start);
-  if (end == std::min(text.find(';', start), text.size()))
-    return gx_rd_string_t(line, piece_separators, piece, pos);
-  piece = gx_string(text.substr(start, end - start));
-  pos = static_cast<std::int32_t>(end) + 2;
-  return true;
+  gx_string_record_t piece;
+  if (end == std::min(text.find(';', start), text.size())) {
+    gx_rd_string_t(line, piece_separators, piece, pos);
+  } else {
+    piece = gx_string(text.substr(start, end - start));
+    pos = static_cast<std::int32_t>(end) + 2;
+  }
+  return piece;
 }
 
 bool begins_command(char c) {
@@ -178,9 +181,7 @@ void kv_process_command(const gx_string_record_t& line, kv_array_param_t& args,
     // An empty piece ends the line; the token reader would pass over it.
     if (pos > text.len || gx_view(text).substr(static_cast<std::size_t>(pos - 1)).starts_with(";;"))
       break;
-    gx_string_record_t piece;
-    if (!next_piece(text, piece, pos) || piece.len == 0) break;
-    const bool ends_line = run_piece(piece, args, vars);
+    const bool ends_line = run_piece(next_piece(text, pos), args, vars);
     set_executing(false);
     if (ends_line) break;
   }

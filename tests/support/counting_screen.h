@@ -1,7 +1,9 @@
-// A screen that shows nothing, counts what is asked of it and notes what menus cover.
+// A screen that shows nothing, counts what is asked of it, notes what menus cover and brings the
+// events that a test gives it.
 #pragma once
 
 #include <algorithm>
+#include <deque>
 #include <string>
 #include <utility>
 #include <vector>
@@ -9,6 +11,8 @@
 #include "gx/display/screen.h"
 #include "gx/display/strokes/pen.h"
 #include "gx/display/strokes/stroke_text.h"
+#include "gx/display/viewport_coords.h"
+#include "gx/display/viewports.h"
 #include "gx/vext.h"
 
 struct counting_screen {
@@ -22,12 +26,17 @@ struct counting_screen {
   inline static std::vector<int> line_colors;                   // of each of them
   inline static std::vector<std::pair<int, gx_box16_t>> boxes;  // with their colours
   inline static std::string title;
-  inline static std::string areas;  // "+1 149,119 135x340 " kept, "-1 ..." put back
+  inline static std::deque<gx_event_t> events;  // after them the session ends
+  inline static std::string pointers, put;      // its shapes "9 2 ", its places "100,200 "
+  inline static std::string areas;              // "+1 149,119 135x340 " kept, "-1 ..." put back
 
   counting_screen() {
     pictures = flips = closed = 0;
     flipping = false;
     areas.clear();
+    events.clear();
+    pointers.clear();
+    put.clear();
     forget();
     gx_vext.cursor_ind_cur = 1;
     static constexpr gx_screen_t nothing = {
@@ -50,11 +59,11 @@ struct counting_screen {
                             int h) { note('-', level, x, y, w, h); },
         .takes_pixels = [] { return true; },
         .put_pixels = [](const gx_canvas_t&, const gx_pixel_box_t&) {},
-        .show_pointer = [](int) {},
+        .show_pointer = [](int pattern) { pointers += std::to_string(pattern) + " "; },
         .hide_pointer = [] {},
-        .put_pointer = [](gx_point16_t) {},
-        .put_pointer_near = [](gx_point16_t, gx_point16_t, int) {},
-        .wait_event = [] { return gx_event_t{}; },
+        .put_pointer = [](gx_point16_t to) { note_put(to); },
+        .put_pointer_near = [](gx_point16_t to, gx_point16_t, int) { note_put(to); },
+        .wait_event = next_event,
         .ask_for_text = [](bool) {},
         .find_key = [](int, std::uint32_t, std::uint32_t) { return false; },
         .set_colors = [](std::span<const gx_rgb_t>) {},
@@ -101,6 +110,23 @@ struct counting_screen {
     return !wanted.empty() && std::ranges::all_of(wanted, [&](const gx_line16_t& line) {
       return has_line(color, line);
     });
+  }
+  static void note_put(gx_point16_t to) {
+    put += std::to_string(to.x) + "," + std::to_string(to.y) + " ";
+  }
+  // The viewport and the design position follow the pointer; where it rests its place is five
+  // pixels to the right.
+  static gx_event_t next_event() {
+    gx_vext.end_flag = events.empty();
+    if (gx_vext.end_flag) return {};
+    const gx_event_t event = events.front();
+    events.pop_front();
+    gx_pointreal_t point;
+    gx_vext.pixel_pos = event.pixel;
+    gx_vext.viewport_id = gx_viewport_pixel_to_obj2d(event.pixel, point);
+    if (gx_is_picture_viewport(gx_vext.viewport_id)) gx_vext.obj_pos = point;
+    if (event.kind == gx_event_kind::pointer_at_rest) gx_vext.pixel_pos.x += 5;
+    return event;
   }
   static void note(char what, int level, int x, int y, int width, int height) {
     areas += what + std::to_string(level) + " " + std::to_string(x) + "," + std::to_string(y) +

@@ -7,7 +7,9 @@
 #include <vector>
 
 #include "app/language/command_table.h"
+#include "app/language/next_word.h"
 #include "app/language/substitution.h"
+#include "gx/text/messages/front.h"
 #include "gx/vext.h"
 #include "tests/support/scratch_directory.h"
 #include "tests/support/session_capture.h"
@@ -86,6 +88,42 @@ TEST(CommandTable, TheSyntaxLineGivesTheWordCounts) {
   static_assert(kv_counts_of("A x [y ...]") == 0x7FFFFFFC);
 }
 
+TEST(CommandTable, WhatMayFollowTheWordsOfALine) {
+  const struct {
+    std::vector<std::string> before;
+    std::string wanted;
+  } cases[] = {
+      {{"grid"}, "ON OFF STep "},
+      {{"grid", "st"}, ""},
+      {{"grid", "st", "1"}, ""},
+      {{"view"}, "ALL AREa SHEet DOWn UP LASt TREe "},
+      {{"view", "al"}, "Edit Context "},
+      {{"view", "down"}, "block "},
+      {{"view", "tree"}, "ON OFF path "},
+      {{"view", "sheet"}, "file "},
+      {{"act", "symbol"}, "file "},
+      {{"search"}, "file "},
+      {{"show", "file"}, "file "},
+      {{"do"}, "file "},
+      {{"do", "x", "y", "z"}, ""},
+      {{"rule", "x"}, "ERRor WARning OFF "},
+      {{"check", "design", "sarif"}, "JUNit "},
+      {{"find", "path"}, "path "},
+      {{"explain", "net", "/a", "i"}, "path "},
+      {{"nosuch"}, ""},
+  };
+  for (const auto& c : cases) {
+    const auto wanted = kv_wanted_word(c.before);
+    std::string found;
+    for (const auto keyword : wanted.keywords) found += std::string(keyword) + " ";
+    for (const auto& [is, name] : {std::pair{wanted.is_path, "path "},
+                                   {wanted.is_block, "block "},
+                                   {wanted.is_file, "file "}})
+      if (is) found += name;
+    EXPECT_EQ(found, c.wanted) << testing::PrintToString(c.before);
+  }
+}
+
 TEST(Substitution, ReferencesBecomeValues) {
   kv_array_param_t values;
   values[0] = gx_string("one");
@@ -135,6 +173,9 @@ TEST_F(Interpreter, LinesAreSplitIntoCommands) {
   } cases[] = {
       {"HAR 1;har 2", {" HARDcopy 1 ", " HARDcopy 2 "}},
       {"HAR 1;;HAR 2", {" HARDcopy 1 "}},
+      {";;HAR 1", {}},
+      {";HAR 1", {" HARDcopy 1 "}},
+      {";", {}},
       {"HAR 1; ;HAR 2;", {" HARDcopy 1 ", " HARDcopy 2 "}},
       {"# HAR 1;HAR 2", {}},
       {"HAR 1; #HAR 2;HAR 3", {" HARDcopy 1 "}},
@@ -233,6 +274,7 @@ TEST_F(Interpreter, CommandFilesHaveTablesOfTheirOwn) {
                      " ASSIgn $VAR1 x ", " BYE ", " HARDcopy last ", "# End of DO ",
                      " HARDcopy outer "}));
   EXPECT_TRUE(gx_vext.end_flag);
+  EXPECT_EQ(session_.run("DO \"" + path + "\"")[1], " HARDcopy ");
   EXPECT_EQ(session_.run("DO none a"),
             (lines_t{"# DO none a ", "# !!! Error : file not found : \"none\" "}));
   EXPECT_EQ(gx_vext.num_errors, 1);

@@ -1,4 +1,5 @@
 // Walking the hierarchy and choosing what the two viewports show.
+#include "app/language/completion.h"
 #include "app/sheet/sheet_files.h"
 #include "gx/db/file/record_codec.h"
 #include "gx/display/viewports.h"
@@ -240,6 +241,41 @@ TEST(Navigate, SearchPathStandsBeforeTheNames) {
   EXPECT_EQ(s.run("search /"), lines_t{" SEArch / "});
   EXPECT_FALSE(kv_pext.search_done);
   EXPECT_EQ(s.run("view sheet leaf").front(), "# VIEw SHEet leaf ");
+}
+
+TEST(Navigate, ALineIsCompletedByThePresentSettings) {
+  design_session s(walked);
+  const auto completed = [](const char* typed) {
+    gx_vext.str_cmd = gx_string("-");
+    kv_expand_cmd(gx_string(typed));
+    return std::string(gx_view(gx_vext.str_cmd));
+  };
+  s.run("base edit 1 0.5;grid step 0.2;grid off");
+  EXPECT_EQ(completed("grid"), " GRId ON ") << "on the primary sheet";
+  s.run("view down x1;grid step 0.1;grid off");
+  const std::pair<const char*, const char*> cases[] = {
+      {"base", " BASEpoint Edit 1.00 0.50 "},
+      {"baseline 1", " BASEpoint Edit 1.00 0.50 "},
+      {"temp pa", " TEMPlate PAge 3.00 2.00 "},
+      {"TEMPLATE PAGE 1", " TEMPlate PAge 3.00 2.00 "},
+      {"grid st", " GRId STep 0.10 "},
+      {"grid st x", " GRId STep 0.10 "},
+      {"grid", " GRId OFF "},
+      {"gri # st", " GRId OFF "},
+      {"grid on", "-"},
+      {"temp", "-"},
+      {"bas", "-"},
+      {"temp x", "-"},
+      {"# grid", "-"}};
+  for (const auto& [typed, line] : cases) EXPECT_EQ(completed(typed), line) << typed;
+  s.run("grid on");
+  EXPECT_EQ(completed("grid"), " GRId ON ");
+  completed(" nosuch  x ");
+  EXPECT_EQ(s.run("har"), (lines_t{"#  !! Unknown Command or not implemented for expand  ?? ",
+                                   "# cmd :  \" nosuch  x \"", " HARDcopy "}));
+  kv_pext.file_id_cur = 0;
+  EXPECT_EQ(completed("grid"), " GRId ON ");
+  EXPECT_EQ(completed("grid st"), "-");
 }
 
 TEST(Navigate, DrawingAids) {

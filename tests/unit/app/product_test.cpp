@@ -1,11 +1,13 @@
 // The product directory as it is shipped: its menus and keys work, every command has its help, and
 // what names the built-in defaults is the same as they are.
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <set>
+#include <span>
 #include <sstream>
 #include <string>
 
@@ -15,6 +17,7 @@
 #include "app/session/product_sets.h"
 #include "gx/display/input/keys.h"
 #include "gx/display/input/menu_file.h"
+#include "gx/display/input/menu_tree.h"
 #include "gx/display/window.h"
 #include "gx/text/messages/message_list.h"
 #include "gx/text/strings.h"
@@ -37,11 +40,6 @@ class Product : public testing::Test {
     unsetenv("VELMORAN");
     gx_reset_state();
   }
-  std::string printed() {
-    gx_print_menu((scratch_.path() / "printed").string());
-    return read_file(scratch_.path() / "printed");
-  }
-  scratch_directory scratch_;
 };
 
 std::string trimmed(std::string_view text) {
@@ -159,6 +157,27 @@ TEST_F(Product, TheStandardKeysAreThoseOfTheStart) {
   run_keys("select");
   EXPECT_NE(all(), at_start);
   run_keys("standard");
+  EXPECT_EQ(all(), at_start);
+}
+
+TEST_F(Product, TheStandardMenuIsThatOfTheStart) {
+  const auto all = [] {
+    lines_t lines;
+    for (int i = 1; i <= gx_max_menu_lines; ++i)
+      for (int j = 0; j <= gx_max_menu_lines; ++j)
+        for (int k = 0; k <= (j == 0 ? 0 : gx_max_menu_lines); ++k) {
+          const std::array index = {i, j, k};
+          const auto record = gx_get_menu_rec(std::span(index).first(j == 0 ? 1 : k == 0 ? 2 : 3));
+          if (record.str.len == 0 && !record.cmd_on) continue;
+          lines.push_back(testing::PrintToString(index) + gx_view(record.str).data());
+          if (record.cmd_on) lines.back() += " : " + std::string(gx_view(record.cmd));
+        }
+    return lines;
+  };
+  kv_set_default_menus();
+  const auto at_start = all();
+  EXPECT_EQ(at_start.size(), 60U);
+  gx_read_menu((product / "kivo/menus/menu_standard").string());
   EXPECT_EQ(all(), at_start);
 }
 
