@@ -1,12 +1,16 @@
 // CHEck DESign: the example with one fault of each rule, what is no fault, rules, waivers, and the
 // walk through the findings.
 #include <algorithm>
+#include <ctime>
 #include <filesystem>
 #include <functional>
 #include <set>
 
 #include "app/check/findings/findings_file.h"
+#include "app/check/findings/findings_forms.h"
 #include "app/check/findings/waivers.h"
+#include "app/language/answer_records.h"
+#include "app/session/batch_json.h"
 #include "expand/store.h"
 #include "tests/support/design_session.h"
 #include "tests/support/open_count.h"
@@ -319,15 +323,21 @@ sheet top
     bit 5 W1.D
     bit 5 B1.O
     bit 4 B2.I
+  part W2 wide 10,40
+  bus E 0:1
+    wire W2.D 2,40
   net X
     wire X B3.I
   net C
     wire B3.O 30,20 30,28 18,28 18,24 B4.I
 )");
-  EXPECT_EQ(c.findings(), (lines_t{"no-driver /D", "pin-open /B1/I", "pin-unused /B2/O",
-                                   "pin-unused /B4/O", "single-pin /D_0", "single-pin /D_2"}));
+  EXPECT_EQ(c.findings(), (lines_t{"no-driver /D", "no-driver /E", "pin-open /B1/I",
+                                   "pin-unused /B2/O", "pin-unused /B4/O", "single-pin /D_0",
+                                   "single-pin /D_2", "single-pin /E_0", "single-pin /E_1"}));
   EXPECT_EQ(kv_pext.findings[0].words,
             "nothing drives its bits 4, 6 : the first input is \"/B2/I\"");
+  EXPECT_EQ(kv_pext.findings[1].words,
+            "nothing drives its bits 0 to 1 : the first input is \"/W2/D\"");
 }
 
 TEST(CheckDesign, PinsWithoutTypeAreTakenForNoDrivers) {
@@ -495,36 +505,83 @@ TEST(CheckDesign, ComparesMoreNamesAndStoresMoreThanASessionDoes) {
 }
 
 TEST(CheckDesign, WritesTheFindingsForOthersToRead) {
-  checked c("sheet top\n part B1 buf 4,4\n part B2 res 4,8\n net \"<&>\"\n  wire B1.I 0,4\n");
-  c.s.run("check design");
-  EXPECT_FALSE(std::filesystem::exists("top/findings.sarif"));
-  c.s.run("waive finding 2 \"so\"");
-  EXPECT_EQ(c.s.run("check design sarif junit").back(), " CHEck  DESign sarif junit ");
-  const std::string sarif = read_file("top/findings.sarif"), junit = read_file("top/findings.xml");
-  std::size_t failed = 0, waived = 0;
-  for (const auto& f : kv_pext.findings) {
-    const bool is_error = f.severity == kv_severity::error;
-    failed += is_error && !f.waived;
-    waived += f.waived;
-    EXPECT_NE(
-        sarif.find("{\"ruleId\": \"" + std::string(kv_row_of(f.rule).name) + "\", \"level\": \"" +
-                   (is_error ? "error" : "warning") + "\", \"message\": {\"text\": "),
-        sarif.npos);
-    EXPECT_NE(sarif.find("\"uri\": \"top/sheet.gx_1\"}}, \"logicalLocations\": "
-                         "[{\"fullyQualifiedName\": \"" +
-                         f.path + "\"}]}]"),
-              sarif.npos)
-        << f.path;
-  }
-  EXPECT_EQ(waived, 1U);
-  EXPECT_GT(failed, 0U);
-  EXPECT_NE(sarif.find("\"suppressions\": [{\"kind\": \"external\"}]}"), sarif.npos);
-  EXPECT_NE(junit.find("failures=\"" + std::to_string(failed) + "\" errors=\"0\" skipped=\"1\""),
-            junit.npos)
-      << junit;
-  EXPECT_NE(junit.find("name=\"/&lt;&amp;&gt;\"><"), junit.npos) << junit;
-  EXPECT_NE(junit.find("<testcase classname=\"run\" name=\"another error that RUN reports\"/>"),
-            junit.npos);
+  using enum kv_severity;
+  const kv_findings_t findings = {
+      {kv_rule::pin_open, error, "/B1/I", "", "a b/Zz09-._~\xe9.gx_1", 7, "\"<&>\x7f\x1f ~"},
+      {kv_rule::pin_open, error, "/B2/I", "", "", 8, "known", true},
+      {kv_rule::pin_unused, warning, "/<&>", "", "top", 9, "doubtful"}};
+  const std::string sarif = kv_findings_sarif(findings);
+  EXPECT_NE(
+      sarif.find("\"rules\": [\n     {\"id\": \"class-twice\", \"shortDescription\": {\"text\": "
+                 "\"more than one CLASS on an instance\"}},\n     {\"id\": \"port-name\""),
+      sarif.npos);
+  EXPECT_EQ(sarif.substr(sarif.find("   \"results\"")), R"(   "results": [
+    {"ruleId": "pin-open", "level": "error", "message": {"text": "\"<&>\u007f\u001f ~"}, "locations": [{"physicalLocation": {"artifactLocation": {"uri": "a%20b/Zz09-._~%E9.gx_1"}}, "logicalLocations": [{"fullyQualifiedName": "/B1/I"}]}]},
+    {"ruleId": "pin-open", "level": "error", "message": {"text": "known"}, "locations": [{"logicalLocations": [{"fullyQualifiedName": "/B2/I"}]}], "suppressions": [{"kind": "external"}]},
+    {"ruleId": "pin-unused", "level": "warning", "message": {"text": "doubtful"}, "locations": [{"physicalLocation": {"artifactLocation": {"uri": "top"}}, "logicalLocations": [{"fullyQualifiedName": "/<&>"}]}]}]}]}
+)");
+  auto severities = kv_default_severities();
+  severities.fill(off);
+  severities[static_cast<std::size_t>(kv_rule::run)] = error;
+  severities[static_cast<std::size_t>(kv_rule::pin_open)] = error;
+  EXPECT_EQ(kv_findings_junit(findings, severities), R"(<?xml version="1.0" encoding="UTF-8"?>
+<testsuites>
+ <testsuite name="CHEck DESign" tests="4" failures="1" errors="0" skipped="1">
+  <testcase classname="pin-open" name="/B1/I"><failure message="&quot;&lt;&amp;&gt;?? ~"/></testcase>
+  <testcase classname="pin-open" name="/B2/I"><skipped message="waived: known"/></testcase>
+  <testcase classname="pin-unused" name="/&lt;&amp;&gt;"><system-out>warning: doubtful</system-out></testcase>
+  <testcase classname="run" name="another error that RUN reports"/>
+ </testsuite>
+</testsuites>
+)");
+  checked c("sheet top\n part B1 buf 4,4\n");
+  const auto written = [&](const std::string& command) {
+    c.s.run(command);
+    std::string names;
+    for (const auto* name : {"findings.json", "findings.sarif", "findings.xml"})
+      if (std::filesystem::remove(std::string("top/") + name)) names += std::string(name) + " ";
+    return names;
+  };
+  EXPECT_EQ(written("check design"), "findings.json ");
+  EXPECT_EQ(written("check design sarif"), "findings.json findings.sarif ");
+  EXPECT_EQ(written("check design jun"), "findings.json findings.xml ");
+  EXPECT_EQ(written("check design jun sar"), "findings.json findings.sarif findings.xml ");
+  EXPECT_EQ(written("check design jun x"), "");
+  std::filesystem::create_directory("top/findings.json");
+  const auto lines = c.s.run("check design sarif junit");
+  EXPECT_EQ(lines_t(lines.end() - 2, lines.end()),
+            (lines_t{"# !! Error : findings.json not written : Is a directory",
+                     " CHEck  DESign sarif junit "}));
+}
+
+// What a program is given besides the lines.
+TEST(CheckDesign, EachAnswerIsAlsoData) {
+  checked c("sheet top\n part B1 buf 4,4\n part B1 res 4,8\n");
+  const auto records = [&](const char* command) {
+    kv_begin_json();
+    c.s.run(command);
+    const std::string json = kv_end_json_answer("", false);
+    kv_set_record_taker(nullptr);
+    return json.substr(json.find("\"records\""));
+  };
+  EXPECT_EQ(records("check sheet"),
+            R"("records": [{"type": "finding", "severity": "error", "rule": "inst-same-name", )"
+            R"("object_id": 39, "words": "INSTANCE with same name  : \"B1\""}, )"
+            R"({"type": "counts", "errors": 1, "warnings": 0}]})"
+            "\n");
+  const std::string all = records("check design");
+  const std::string second =
+      R"({"type": "finding", "number": 2, "severity": "error", "rule": "pin-open", )"
+      R"("path": "/B1/I", "sheet": "top/sheet.gx_1", "object_id": 37, )"
+      R"("words": "the pin is on no net", "waived": false})";
+  EXPECT_NE(all.find("}, " + second + ", {"), all.npos) << all;
+  EXPECT_TRUE(all.ends_with(R"(, {"type": "counts", "errors": 2, "warnings": 3, "waived": 0}]})"
+                            "\n"))
+      << all;
+  EXPECT_EQ(records("show finding 2"), R"("records": [)" + second + "]}\n");
+  EXPECT_TRUE(records("rule").starts_with(
+      R"("records": [{"type": "rule", "name": "class-twice", "severity": "error", )"
+      R"("meaning": "more than one CLASS on an instance"}, {"type": "rule", )"));
 }
 
 TEST(CheckDesign, TheListShowsItsAnswersWhole) {
@@ -580,16 +637,23 @@ TEST(CheckDesign, WaivedFindingsAreCountedApart) {
   EXPECT_EQ(c.s.run("waive finding 2 'say \"so\"' yet"),
             lines_t{" WAIve FINding 2 'say \"so\"' yet "});
   EXPECT_EQ(c.s.run("next finding").back(), " NEXt FINding 3 ");
-  EXPECT_EQ(c.s.run("waive finding 5 x")[1], "# !! Error :  3rd parameter incorrect ? ");
+  for (const char* number : {"0", "5", "x"})
+    EXPECT_EQ(c.s.run("waive finding " + std::string(number) + " x")[1],
+              "# !! Error :  3rd parameter incorrect ? ");
+  EXPECT_EQ(c.s.run("show finding 4").back(), " SHOw FINding 4 ");
   EXPECT_EQ(c.s.run("waive finding 2 x")[1], "# !! Warning : This finding is waived ");
   const auto waivers = kv_read_waivers("top");
   ASSERT_EQ(waivers.waivers.size(), 1U);
   EXPECT_EQ(waivers.waivers[0].reason, "say \"so\" yet");
+  char today[20];
+  const std::time_t now = std::time(nullptr);
+  std::strftime(today, sizeof today, "%Y-%m-%d", std::localtime(&now));
+  EXPECT_EQ(waivers.waivers[0].date, today);
 
   c.s.directory().write("top/waivers", read_file("top/waivers") +
-                                           "pin-unused \"/B*\" \"\" 2026-01-02\n" +
-                                           "single-pin /N \"gone\" 2026-01-02\n");
-  c.s.run("rule pin-open warning");
+                                           "pin-unused \"/b*\" \"\" 2026-01-02\n" +
+                                           "single-pin /N \"gone\" 2026-01-02");
+  EXPECT_EQ(c.s.run("rule pin-open warning"), lines_t{" RULe pin-open warning "});
   const auto lines = c.s.run("check design");
   EXPECT_EQ(lines[1], "# !! Warning : waivers:3 : matches no finding :");
   EXPECT_EQ(lines[2], "#    single-pin /N");
@@ -609,6 +673,14 @@ TEST(CheckDesign, WaivedFindingsAreCountedApart) {
   c.s.run("rule pin-open error;check design;waive finding 1 later");
   EXPECT_EQ(read_file("elsewhere"), before);
   EXPECT_EQ(kv_read_waivers("top").waivers.size(), 4U);
+  const auto padded = [&](std::size_t more) {
+    c.s.directory().write("top/waivers", std::string(more, '\n'));
+    const auto said = kv_read_waivers("top").faults;
+    return said.empty() ? kv_add_waiver("top", waivers.waivers[0]) : said[0];
+  };
+  EXPECT_EQ(padded((16U << 20) - 1), "");
+  EXPECT_EQ(padded(16U << 20), "larger than 16 MB");
+  EXPECT_EQ(padded((16U << 20) + 1), "waivers : larger than 16 MB");
   std::filesystem::remove("top/waivers");
   std::filesystem::create_directory("top/waivers");
   EXPECT_EQ(c.s.run("check design")[1], "# !! Warning : waivers : Is a directory");
@@ -638,6 +710,8 @@ TEST(Waivers, LinesThatAreNoneAreTold) {
   ASSERT_EQ(read.waivers.size(), 1U);
   EXPECT_EQ(read.waivers[0].path, waiver.path);
   EXPECT_EQ(read.waivers[0].reason, waiver.reason);
+  EXPECT_EQ(read.waivers[0].date, waiver.date);
+  EXPECT_EQ(read.waivers[0].rule, waiver.rule);
 }
 
 }  // namespace

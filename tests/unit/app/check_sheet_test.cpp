@@ -3,8 +3,9 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <chrono>
+#include <map>
 
+#include "app/check/sheet/check_rules.h"
 #include "gx/edit/bracket.h"
 #include "gx/edit/primitives.h"
 #include "tests/support/design_session.h"
@@ -373,8 +374,53 @@ TEST(CheckTables, NineHundredNinetyNineFitAndMoreAreToldOnce) {
     EXPECT_EQ(lines[lines.size() - 3],
               "# CHEck  SHEet > nb_error    = " + std::to_string(errors) + " ");
   }
-  design_session s(many("net", 1000));
-  EXPECT_EQ(s.run("check sheet")[1], "# !! Error : Too many nets : ");
+}
+
+// Where tables of a single name run over: once each, whatever follows.
+TEST_F(checking, ATableThatRunsOverIsAFindingOfItsOwner) {
+  kv_links_t links;
+  const auto report = kv_check_sheet(s.file(), links, 1);
+  std::map<std::string, std::string> found;
+  for (const auto& finding : report.findings) {
+    EXPECT_EQ(finding.rule, kv_rule::too_many);
+    auto& where = found[kv_words_of(finding)];
+    const int id = finding.where.on_sheet;
+    where += id == s.inst("R2")       ? "R2 "
+             : id == nth_inst(4)      ? "OUT "
+             : id == s.net("B")       ? "B "
+             : id == s.inst("R1")     ? "R1 "
+             : finding.where.inst > 0 ? std::to_string(finding.where.inst == s.inst("R1")) + " "
+                                      : "F ";
+  }
+  EXPECT_EQ(found, (std::map<std::string, std::string>{
+                       {"Too many INSTANCES", "R2 "},
+                       {"Too many PORTS", "OUT "},
+                       {"Too many nets :", "B "},
+                       {"Too many frames :", "F "},
+                       {"Too many pins :", "1 0 "},
+                       {"Too many properties on the body :", "R1 R2 0 "},
+                       {"Too many properties on pins :", "1 1 0 0 0 0 0 "}}));
+}
+
+TEST(CheckTables, OneOfSeveralNamesThatOccurAgainIsTold) {
+  design_session s(
+      "symbol r\n pin 1 0,0 IXO\n prop CLASS=R\n"
+      "sheet top\n part b r 4,4\n part A r 4,8\n part B r 4,12\n part a r 4,16\n part a r 4,20\n"
+      " net n\n  wire 20,4 24,4\n net M\n  wire 20,8 24,8\n net m\n  wire 20,12 24,12\n"
+      " net N\n  wire 20,16 24,16\n");
+  EXPECT_EQ(s.run("check sheet"),
+            (lines_t{"# CHEck  SHEet  ", "# !! Error : INSTANCE with same name  : \"b\" ",
+                     "# !! warning : NETS connected by their name  : \"n\" ",
+                     "# CHEck  SHEet > nb_error    = 1 ", "# CHEck  SHEet > nb_warning  = 1 ",
+                     " CHEck  SHEet "}));
+  kv_links_t links;
+  lines_t all;
+  for (const auto& finding : kv_check_sheet(s.file(), links, kv_names_compared).findings)
+    all.push_back(kv_words_of(finding) + " " + std::to_string(finding.where.on_sheet) + " " +
+                  std::to_string(finding.more) + (finding.is_further ? " further" : ""));
+  EXPECT_EQ(all, (lines_t{"INSTANCE with same name  : \"b\" 28 0",
+                          "INSTANCE with same name  : \"A\" 33 0 further",
+                          "NETS connected by their name  : \"n\" 61 1"}));
 }
 
 }  // namespace
