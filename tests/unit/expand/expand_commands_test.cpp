@@ -1,4 +1,6 @@
 // The commands that set a run up, and the refusals of RUN.
+#include "app/run/run_progress.h"
+#include "gx/text/messages/front.h"
 #include "gx/vext.h"
 #include "tests/support/fatal_stop.h"
 #include "tests/unit/expand/flatten_fixture.h"
@@ -31,8 +33,10 @@ TEST_F(FlattenTest, SetUpCommandsAnswer) {
       {"STO SIZ", {"# STOre SIZe ", count}},
       {"STO SIZ 999", {"# STOre SIZe 999 ", "# !! Error :  3rd parameter incorrect ? ", range}},
       {"STO SIZ 1000", {" STOre SIZe 1000 "}},
+      {"STO SIZ 2000000000", {" STOre SIZe 2000000000 "}},
       {"STO SIZ 2000000001",
        {"# STOre SIZe 2000000001 ", "# !! Error :  3rd parameter incorrect ? ", range}},
+      {"TIM STE 0", {" TIMe STEp 0 "}},
       {"TIM STE 2.5", {" TIMe STEp 2.5 "}},
       {"TIM STE", {"# TIMe STEp ", count}},
       {"TIM STE x", {"# TIMe STEp x ", "# !! Time step INVALID ? "}},
@@ -40,15 +44,33 @@ TEST_F(FlattenTest, SetUpCommandsAnswer) {
       {"GEN DAT ON", {"# GENerate DATa ON ", "# !! Error :  No sheet available in window ? "}},
   };
   for (const auto& c : cases) EXPECT_EQ(session.run(c.command), c.answer);
-  EXPECT_EQ(kv_sext.parameter.count, 3);  // refused ones take no place
-  EXPECT_FLOAT_EQ(kv_sext.parameter.entry[1].nvalue[1], 2);
-  EXPECT_FLOAT_EQ(kv_sext.parameter.entry[2].nvalue[2], 4);
-  EXPECT_EQ(kv_sext.property_net.count, 2);
+  // Refused ones take no place.
+  std::string kept;
+  for (int i = 0; i < kv_sext.parameter.count; ++i) {
+    const auto& [name, values] = kv_sext.parameter.entry[i];
+    kept += gx_view(name);
+    for (const float value : values) kept += " " + std::to_string(value).substr(0, 3);
+    kept += ", ";
+  }
+  kept += std::string(gx_view(kv_sext.primitive.entry[0].name)) + "=" +
+          std::string(gx_view(kv_sext.primitive.entry[0].nvalue));
+  for (const auto* list :
+       {&kv_sext.property_net, &kv_sext.property_pin, &kv_sext.property_instance})
+    for (int i = 0; i < list->count; ++i)
+      kept += ", " + std::string(gx_view(list->entry[i].prop_type)) + " " +
+              std::string(gx_view(list->entry[i].name));
+  EXPECT_EQ(kept,
+            "R 1.0 1.0 1.0, Q 1.0 2.0 3.0, P 1.0 2.0 4.0, CLASS=R, S NAME1, S NAME2, t DELAY, "
+            "Real W");
+  EXPECT_EQ(kv_sext.store_size, 2000000000);
   EXPECT_FLOAT_EQ(kv_sext.time_step, 2.5);
 
+  kv_pext.file_id_cur = gx_max_files + 1;
+  EXPECT_EQ(session.run("GEN DAT ON").size(), 2U);
   kv_pext.file_id_cur = 1;
   EXPECT_EQ(session.run("GEN DAT ON"), lines_t{" GENerate DATa ON "});
   EXPECT_TRUE(kv_pext.gen_data);
+  kv_pext.file_id_cur = gx_max_files;
   EXPECT_EQ(session.run("GEN DAT off"), lines_t{" GENerate DATa OFF "});
   EXPECT_FALSE(kv_pext.gen_data);
   EXPECT_EQ(session.run("GEN DAT MAYBE"),
@@ -107,6 +129,29 @@ TEST_F(FlattenTest, RunKeepsTheSheetInViewAndWritesAWholeImage) {
   // A second run gives the same bytes.
   EXPECT_EQ(answers(), lines_t{});
   EXPECT_EQ(read_file("design_kv"), image);
+  EXPECT_EQ(gx_view(kv_pext.cur_sim_path), "/X/");
+}
+
+TEST_F(FlattenTest, ALongRunShowsHowFarItIsAndMayBeStopped) {
+  static std::string shown;
+  static bool is_stopped;
+  shown.clear();
+  is_stopped = false;
+  gx_front_t front;
+  front.flush = [] { shown += "|"; };
+  front.show_progress = [](std::string_view line) { shown += std::string(line) + "."; };
+  front.stop_asked = [] { return is_stopped; };
+  gx_set_front(front);
+  EXPECT_TRUE(kv_watch_run({.seconds = 1.9, .sheets = 5, .insts = 7, .all_sheets = 20}));
+  EXPECT_TRUE(kv_watch_run({.seconds = 2, .sheets = 5, .insts = 7, .all_sheets = 20}));
+  EXPECT_TRUE(kv_watch_run({.seconds = 3}));
+  is_stopped = true;
+  EXPECT_FALSE(kv_watch_run({.seconds = 1}));
+  EXPECT_TRUE(kv_watch_run({.seconds = 3, .ended = true}));
+  gx_set_front(gx_user_front);
+  EXPECT_EQ(shown,
+            "|| RUN 25 % : sheet 5 of 20, 7 instances.| RUN 0 % : sheet 0 of 0, 0 instances.||.");
+  EXPECT_TRUE(kv_watch_run({.seconds = 3}));  // nobody waits for it
 }
 
 TEST_F(FlattenTest, RunBeforeTheSessionIsCompleteIsRefused) {
@@ -123,6 +168,7 @@ TEST_F(FlattenTest, AFullDiskIsTold) {
             (lines_t{"# !! Error : Expanded data not written whole in : \"top\"",
                      "# !! design_kv : No space left on device"}));
   EXPECT_EQ(gx_vext.num_errors, 1);
+  EXPECT_EQ(gx_view(kv_pext.cur_sim_path), "/");
 }
 
 }  // namespace
