@@ -51,8 +51,7 @@ void sync_directory_of(const std::string& path) {
 }
 
 bool write_synced(const x_descriptor& file, std::string_view bytes) {
-  // A device cannot be synced (EINVAL).
-  return x_write_at(file.get(), bytes, 0) && (fsync(file.get()) == 0 || errno == EINVAL);
+  return x_write_at(file.get(), bytes, 0) && fsync(file.get()) == 0;
 }
 }  // namespace
 
@@ -105,7 +104,6 @@ x_fresh_file::x_fresh_file(const std::string& path) : path_(path) {
   }
   unfinished_ = path_ + ".part";
   file_ = x_create_new_file(unfinished_);
-  if (!file_) unfinished_.clear();
 }
 
 x_fresh_file::~x_fresh_file() {

@@ -2,13 +2,16 @@
 #include "platform/files.h"
 
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/json.h"
@@ -21,6 +24,19 @@
 namespace {
 
 namespace fs = std::filesystem;
+
+std::string synced;  // the names of what was put on the disk
+int sync_error = 0;
+}  // namespace
+
+// In place of the library's.
+extern "C" int fsync(int file) {
+  synced += fs::read_symlink("/proc/self/fd/" + std::to_string(file)).filename().string() + " ";
+  errno = sync_error;
+  return sync_error == 0 ? 0 : -1;
+}
+
+namespace {
 
 class Files : public testing::Test {
  protected:
@@ -60,6 +76,9 @@ TEST_F(Files, OnlyRegularOnesAreRead) {
     EXPECT_TRUE(x_is_missing(error)) << name;
   }
   EXPECT_FALSE(x_is_missing(EACCES));
+  const x_descriptor dir(::open(path("dir").c_str(), O_RDONLY));
+  EXPECT_FALSE(x_read_whole(dir.get(), bytes, 100));
+  EXPECT_FALSE(x_write_at(dir.get(), "x", 0));
 }
 
 TEST_F(Files, MadeOnesAreCutAndNeverWrittenThroughALink) {
@@ -89,8 +108,21 @@ TEST_F(Files, MadeOnesAreCutAndNeverWrittenThroughALink) {
 }
 
 TEST_F(Files, OneInPlaceOfAnotherComesWhole) {
-  EXPECT_TRUE(x_replace_file(path("old"), "replaced"));
+  const auto replace = [](const std::string& name) {
+    synced.clear();
+    return x_replace_file(name, "replaced") ? synced : x_why(errno);
+  };
+  const std::string there = directory_.path().filename().string() + " ";
+  EXPECT_EQ(replace(path("old")), "old.new " + there);
   EXPECT_EQ(directory_.read("link"), "replaced");
+  const auto before = fs::current_path();
+  fs::current_path(directory_.path());
+  EXPECT_EQ(replace("named"), "named.new " + there);
+  fs::current_path(before);
+  sync_error = EIO;
+  EXPECT_EQ(replace(path("named")), "Input/output error");
+  sync_error = 0;
+  fs::remove(directory_.file("named"));
   EXPECT_FALSE(x_replace_file(path("dir"), "x"));
   EXPECT_EQ(errno, EISDIR);
   EXPECT_FALSE(x_replace_file(path("pipe"), "x"));
@@ -114,6 +146,11 @@ TEST_F(Files, OneInPlaceOfAnotherComesWhole) {
   EXPECT_TRUE(write("/dev/null", true));
   EXPECT_FALSE(write("/dev/full", true));
   EXPECT_EQ(errno, ENOSPC);
+  x_fresh_file full("/dev/full");
+  for (int i = 0; i < 10000; ++i) std::fputs("lost", full.get());
+  errno = EPERM;
+  EXPECT_FALSE(full.close());  // all of it was refused before
+  EXPECT_EQ(errno, ENOSPC);
   EXPECT_EQ(names(), "dir link new old pipe ");
 }
 
@@ -134,6 +171,26 @@ TEST_F(Files, AMappedOneCutByOthersHasZeros) {
   EXPECT_EQ(file.bytes()[page - 1], 'b');
   EXPECT_TRUE(file.is_cut());
   EXPECT_FALSE(files[0].is_cut());
+  // Any other memory is no matter of it.
+  const auto touch = [&](void (*before)()) {
+    before();
+    x_mapped_file again;
+    files[2] = {};
+    again.map(fd, page);
+    const auto* bytes =
+        static_cast<const char*>(::mmap(nullptr, 2 * page, PROT_READ, MAP_SHARED, fd, 0));
+    std::exit(bytes[page]);
+  };
+  EXPECT_EXIT(touch([] {}), testing::KilledBySignal(SIGBUS), "");
+  EXPECT_EXIT(touch([] { std::signal(SIGBUS, [](int) { _exit(5); }); }), testing::ExitedWithCode(5),
+              "");
+  const auto with_place = [] {
+    struct sigaction action {};
+    action.sa_sigaction = [](int, siginfo_t* info, void*) { _exit(info->si_code == BUS_ADRERR); };
+    action.sa_flags = SA_SIGINFO;
+    ::sigaction(SIGBUS, &action, nullptr);
+  };
+  EXPECT_EXIT(touch(with_place), testing::ExitedWithCode(1), "");
   ::close(fd);
 }
 
@@ -146,6 +203,7 @@ TEST(ShellCommands, GiveTheirOutputAndEndWhenAsked) {
   };
   EXPECT_EQ(read("printf 'a b'; exit 3", 1000), "a b");
   EXPECT_EQ(read("printf early; exec sleep 100", 4), "early stopped");
+  EXPECT_EQ(read("trap '' TERM; printf deaf; while :; do sleep 9; done", 4), "deaf stopped");
   EXPECT_EQ(x_shell_word("a/b-1.c:@%,=+_Z"), "a/b-1.c:@%,=+_Z");
   EXPECT_EQ(x_shell_word(""), "''");
   EXPECT_EQ(x_shell_word("it's $5"), "'it'\\''s $5'");
@@ -158,7 +216,8 @@ TEST(ShellCommands, GiveTheirOutputAndEndWhenAsked) {
   const auto disabled = [&] {
     xshell_disable();
     xshell_run(("echo >" + mark).c_str(), [] { return false; });
-    std::exit(fs::exists(mark) ? 1 : 0);
+    const bool has_output = x_shell("true", [] { return false; }).output() != nullptr;
+    std::exit(fs::exists(mark) || has_output ? 1 : 0);
   };
   EXPECT_EXIT(disabled(), testing::ExitedWithCode(0), "");
 }

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <string>
 
@@ -43,6 +44,7 @@ TEST(Platform, DelaysHaveALimit) {
 
 // An a.out file by its bytes: header, text, symbols, strings.
 std::string aout_file(std::uint32_t magic, std::uint64_t header_offset) {
+  const std::uint32_t text = header_offset == 0 ? 35 : 3;  // the text may begin with the header
   std::string bytes;
   const auto word = [&](std::uint32_t w) { bytes.append(reinterpret_cast<char*>(&w), 4); };
   const auto symbol = [&](std::uint32_t name, std::uint32_t value) {
@@ -50,9 +52,8 @@ std::string aout_file(std::uint32_t magic, std::uint64_t header_offset) {
     bytes += std::string("\x05\x01\x02\x00", 4);
     word(value);
   };
-  for (const std::uint32_t w : {magic, 3U, 2U, 0U, 36U, 0U, 0U, 1U}) word(w);
-  bytes.resize(header_offset + 6);  // text 3, data 2, data relocation 1
-  if (header_offset == 0) bytes.resize(6);
+  for (const std::uint32_t w : {magic, text, 2U, 9U, 36U, 0U, 4U, 1U}) word(w);
+  bytes.resize(header_offset + text + 2 + 4 + 1);  // text, data and both relocations
   symbol(4, 0x1111);
   symbol(4, 0x2222);       // the later one wins
   symbol(0x7FFFFFFF, 99);  // a name outside the table
@@ -61,7 +62,7 @@ std::string aout_file(std::uint32_t magic, std::uint64_t header_offset) {
   return bytes;
 }
 
-// The status is 0 when every wait ended by what came first.
+// Ends by the signal when every wait ended by what came first.
 [[noreturn]] void wait_for_everything() {
   int quiet[2], full[2];
   if (pipe(quiet) != 0 || pipe(full) != 0) std::exit(1);
@@ -78,15 +79,24 @@ std::string aout_file(std::uint32_t magic, std::uint64_t header_offset) {
   close(quiet[1]);  // its end can be read, too
   if (x_wait(both, -1).descriptor != quiet[0]) std::exit(7);
 
+  signal(SIGHUP, SIG_IGN);  // as nohup has it
   x_watch_stop_signals();
+  raise(SIGHUP);
+  if (x_stop_signal() != 0) std::exit(8);
   raise(SIGTERM);
-  if (x_wait(both, -1).by != x_waking::signal || x_stop_signal() != SIGTERM) std::exit(8);
-  if (x_wait(both, -1).by != x_waking::readable) std::exit(9);  // the signal was told
-  std::exit(0);
+  raise(SIGINT);
+  if (x_wait(both, -1).by != x_waking::signal || x_stop_signal() != SIGTERM) std::exit(9);
+  if (x_wait(both, -1).by != x_waking::readable) std::exit(10);  // the signal was told
+  raise(SIGXFSZ);
+  raise(SIGXFSZ);
+  x_survive_broken_pipes();
+  raise(SIGPIPE);
+  raise(SIGTERM);  // the second one ends the process
+  std::exit(11);
 }
 
 TEST(Platform, AWaitEndsByWhateverComesFirst) {
-  EXPECT_EXIT(wait_for_everything(), testing::ExitedWithCode(0), "");
+  EXPECT_EXIT(wait_for_everything(), testing::KilledBySignal(SIGTERM), "");
 }
 
 TEST(SymbolTable, AoutFilesAreSearched) {
@@ -95,7 +105,7 @@ TEST(SymbolTable, AoutFilesAreSearched) {
   const auto write = [&](std::string_view bytes) {
     std::ofstream(path, std::ios::binary) << bytes;
   };
-  for (const auto& [magic, offset] : {std::pair{0413U, 1024U}, {0407U, 32U}}) {
+  for (const auto& [magic, offset] : {std::pair{0413U, 1024U}, {0407U, 32U}, {0314U, 0U}}) {
     const std::string whole = aout_file(magic, offset);
     write(whole);
     EXPECT_EQ(xm_get_extid_offset(path.c_str(), "kvp_run"), 0x2222U);
@@ -134,6 +144,40 @@ TEST(SymbolTable, AProcedureOfThisProgramIsFoundAndCalled) {
   EXPECT_EQ(xm_get_extid_offset("kivo", ""), 0U);
   EXPECT_EQ(xm_get_extid_offset("/nowhere/kivo", "main"), 0U);
   EXPECT_EQ(xm_get_extid_offset("/", "main"), 0U);
+  EXPECT_EQ(xm_get_extid_offset("kivo", "testing"), 0U) << "no function";
+  // In a copy it is where the file says; one for another machine is not read.
+  scratch_directory directory;
+  const std::string copy = directory.path() / "copy";
+  std::filesystem::copy_file("/proc/self/exe", copy);
+  const auto in_copy = [&] { return xm_get_extid_offset(copy.c_str(), "kvp_test_entry"); };
+  EXPECT_NE(in_copy(), 0U);
+  EXPECT_NE(in_copy(), xm_get_extid_offset("kivo", "kvp_test_entry"));
+  const auto put = [&](int at, char byte) {
+    std::fstream(copy, std::ios::binary | std::ios::in | std::ios::out).seekp(at).put(byte);
+    return in_copy();
+  };
+  constexpr int at_class = 4, at_section_size = 58;
+  EXPECT_EQ(put(at_class, 1), 0U);
+  EXPECT_NE(put(at_class, 2), 0U);
+  EXPECT_EQ(put(at_section_size, 63), 0U);
+}
+
+TEST(Words, AreBounded) {
+  char number[20];
+  std::memset(number, 'x', sizeof number);
+  EXPECT_EQ(xgetspucode(0x1234ABCD, number), 0);
+  EXPECT_EQ(std::string(number, sizeof number), "1234abcd" + std::string(12, '\0'));
+  std::string name = "KIVO_WORD" + std::string(100, 'x');
+  testing::internal::CaptureStdout();
+  EXPECT_EQ(xstrlen(std::string(98, 'a').c_str()), 98);
+  EXPECT_EQ(xstrlen(std::string(99, 'a').c_str()), 99);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+  setenv(name.substr(0, 98).c_str(), "cut", 1);
+  testing::internal::CaptureStdout();
+  EXPECT_STREQ(xgetenv(name.data()), "cut");
+  EXPECT_EQ(testing::internal::GetCapturedStdout().substr(0, 42),
+            " !!! Error in xstrlen(c) : len= 99  'KIVO_");
+  unsetenv(name.c_str());
 }
 
 TEST(SymbolTable, DamagedElfFilesAreReadWithinTheirBounds) {
