@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
+#include "gx/display/drawable_size.h"
 #include "gx/display/list_viewport.h"
 #include "gx/display/screen.h"
 #include "gx/display/strokes/pen.h"
-#include "gx/display/strokes/stroke_text.h"
 #include "gx/display/viewports.h"
 #include "gx/text/messages/debug.h"
 #include "gx/text/messages/list_columns.h"
@@ -34,16 +34,11 @@ void gx_check_start(std::span<const gx_viewport_init_rec_t> viewports) {
 
 void gx_lay_out(int width, int height, std::span<const gx_viewport_init_rec_t> viewports) {
   auto& v = gx_vext;
-  v.bitmap_size = {static_cast<std::int16_t>(width - 1), static_cast<std::int16_t>(height - 1)};
-  v.pixel_pos = {static_cast<std::int16_t>(width / 2), static_cast<std::int16_t>(height / 2)};
-  v.cmd_height = v.list_height = static_cast<std::int16_t>(10 * height / 768);
-  v.cmd_step = static_cast<std::int16_t>(12 * width / 1024);
-  v.list_step = static_cast<std::int16_t>(10 * height / 384);
+  gx_take_size(width, height);
   gx_debug(" gx_init :  cmd_height  : %d\n gx_init :  cmd_step    : %d\n", v.cmd_height,
            v.cmd_step);
   gx_debug(" gx_init :  list_height : %d\n gx_init :  list_step   : %d\n", v.list_height,
            v.list_step);
-  gx_setarray_hortext();
   v.init_done = true;
   for (const auto& viewport : viewports) gx_viewport_create(viewport.bounds, viewport.border);
 }

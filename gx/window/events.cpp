@@ -8,17 +8,18 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 
 #include "gx/db/place/geometry.h"
+#include "gx/display/drawable_size.h"
 #include "gx/display/input/menu_draw.h"
 #include "gx/display/input/menu_tree.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/strokes/smooth.h"
-#include "gx/display/strokes/stroke_text.h"
 #include "gx/display/viewport_coords.h"
 #include "gx/display/viewports.h"
 #include "gx/text/messages/debug.h"
@@ -400,23 +401,6 @@ void read_focus(const XFocusChangeEvent& focus) {
   }
 }
 
-// Everything measured in parts of the window takes its new size.
-void resize_to(int width, int height) {
-  const auto part = [](int v) { return static_cast<std::int16_t>(v); };
-  const int w = std::clamp(width, 2, 32767), h = std::clamp(height, 2, 32767);
-  gx_vext.bitmap_size = {part(w - 1), part(h - 1)};
-  gx_vext.pixel_pos = {part(w / 2), part(h / 2)};
-  gx_vext.listb_x0 = part(gx_vext.listb_xi * (w - 1) / 1024);
-  gx_vext.listb_y0 = part(gx_vext.listb_yi * (h - 1) / 768);
-  gx_vext.cmd_x0 = part((w - 1) * gx_vext.cmd_xi / 1024);
-  gx_vext.cmd_y0 = part(gx_vext.cmd_yi * (h - 1) / 768);
-  gx_vext.cmd_height = gx_vext.list_height = part(10 * h / 768);
-  gx_vext.list_step = part(10 * h / 384);
-  gx_vext.cmd_step = part(12 * w / 1024);
-  gx_setarray_hortext();
-  gx_viewports_update();
-}
-
 void read_exposure(gx_event_t& event) {
   gx_vext.keyf_down = false;
   gx_vext.key_state = 0;
@@ -429,7 +413,10 @@ void read_exposure(gx_event_t& event) {
   unsigned int width = 0, height = 0, border = 0, depth = 0;
   if (XGetGeometry(gx_vext.dpy, gx_vext.win, &root, &x, &y, &width, &height, &border, &depth) !=
       False) {
-    resize_to(static_cast<int>(width), static_cast<int>(height));
+    constexpr unsigned int most = INT16_MAX;
+    gx_take_size(static_cast<int>(std::clamp(width, 2U, most)),
+                 static_cast<int>(std::clamp(height, 2U, most)));
+    gx_viewports_update();
     const gx_point16_t size = {static_cast<std::int16_t>(width), static_cast<std::int16_t>(height)};
     event.resized = std::exchange(gx_vext.window_size, size) != size;
   }

@@ -222,8 +222,6 @@ XRectangle make_window(std::string_view window_name) {
   XSizeHints place{};
   place.flags = USPosition | USSize;
   place_window(place);
-  place.min_width = min_width;
-  place.min_height = min_height;
   v.win = XCreateSimpleWindow(v.dpy, v.root, place.x, place.y, static_cast<unsigned>(place.width),
                               static_cast<unsigned>(place.height), border_width,
                               v.colorrec[6].pixel, v.colorrec[0].pixel);

@@ -1,7 +1,9 @@
 // Keys, buttons, typing and the window, as a user has them.
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
+#include <X11/Xutil.h>
 
+#include <array>
 #include <chrono>
 #include <thread>
 #include <utility>
@@ -400,6 +402,37 @@ TEST_F(Interactive, TheSessionEndsInEveryWay) {
   XKeyboardState state{};
   XGetKeyboardControl(display, &state);
   EXPECT_EQ(state.global_auto_repeat, AutoRepeatModeOn);
+}
+
+TEST_F(Interactive, TheWindowSaysWhatItIs) {
+  auto& s = open();
+  Display* const display = shared_display().connection();
+  XWMHints* const hints = XGetWMHints(display, s.window());
+  ASSERT_NE(hints, nullptr);
+  EXPECT_EQ(hints->flags, InputHint | StateHint);
+  EXPECT_EQ(hints->input, True);
+  EXPECT_EQ(hints->initial_state, NormalState);
+  XFree(hints);
+  XSizeHints size{};
+  XGetNormalHints(display, s.window(), &size);
+  EXPECT_EQ(size.flags, USPosition | USSize);
+  EXPECT_EQ((std::array{size.x, size.y, size.width, size.height}),
+            (std::array{40, 100, 1240, 924}));
+  XClassHint kind{};
+  XGetClassHint(display, s.window(), &kind);
+  EXPECT_STREQ(kind.res_name, "kivo");
+  EXPECT_STREQ(kind.res_class, "Kivo");
+  char* icon = nullptr;
+  XGetIconName(display, s.window(), &icon);
+  EXPECT_STREQ(icon, "kivo  top");
+  for (char* const text : {kind.res_name, kind.res_class, icon}) XFree(text);
+  XWindowAttributes attributes{};
+  XGetWindowAttributes(display, s.window(), &attributes);
+  EXPECT_EQ((std::array{attributes.x, attributes.y, attributes.width, attributes.height,
+                        attributes.border_width, attributes.bit_gravity}),
+            (std::array{40, 100, 1240, 924, 1, NorthWestGravity}));
+  EXPECT_EQ(attributes.do_not_propagate_mask, 0);
+  bye();
 }
 
 TEST_F(Interactive, TheWindowFitsAScreenWhereWindowsHaveTitles) {

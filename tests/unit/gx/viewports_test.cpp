@@ -1,7 +1,10 @@
 // The viewport table, its conversions and the zoom.
 #include "gx/display/viewports.h"
 
+#include <vector>
+
 #include "app/sheet/views.h"
+#include "gx/display/drawable_size.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/strokes/offscreen.h"
 #include "gx/display/window.h"
@@ -35,6 +38,24 @@ TEST(ViewportTable, LaysOutTheScreenWithoutOverlap) {
   gx_vext.bitmap_size = {500, 2000};
   gx_viewports_update();
   EXPECT_EQ(gx_viewport_rec(1).pixel_bounds, (gx_bounds16_t{2, 10, 498, 1498}));
+}
+
+TEST(ViewportTable, TextsTakeTheirShareOfTheWindow) {
+  make_screen();
+  auto& v = gx_vext;
+  const auto measures = [&] {
+    return std::vector<int>{v.bitmap_size.x, v.bitmap_size.y, v.pixel_pos.x, v.pixel_pos.y,
+                            v.cmd_x0,        v.cmd_y0,        v.listb_x0,    v.listb_y0,
+                            v.cmd_height,    v.cmd_step,      v.list_height, v.list_step};
+  };
+  EXPECT_EQ(measures(), (std::vector{1000, 1000, 500, 500, 0, 0, 0, 0, 13, 11, 13, 26}));
+  v.cmd_xi = 7;
+  v.cmd_yi = 10;
+  v.listb_xi = 5;
+  v.listb_yi = 20;
+  gx_take_size(10240 + 1, 7680 + 1);
+  EXPECT_EQ(measures(),
+            (std::vector{10240, 7680, 5120, 3840, 70, 100, 50, 200, 100, 120, 100, 200}));
 }
 
 // The window's true size is known when it is first shown: one pixel more, which what was fitted
