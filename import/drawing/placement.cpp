@@ -81,9 +81,10 @@ std::vector<placed_line_t> placed_lines(std::u32string_view shown, gxi_look_t& l
   auto lines = cut_at_newlines(shown);
   std::size_t longest = 0;
   for (const auto& line : lines) longest = std::max(longest, line.text.size());
-  const std::int64_t step = look.line_step > 0 ? look.line_step : look.height + look.height * 3 / 5;
+  const std::int64_t height = look.height;
+  const std::int64_t step = look.line_step > 0 ? look.line_step : height + height * 3 / 5;
   auto below = static_cast<std::int64_t>(lines.size());
-  const auto tall = within_furthest(look.height + (below - 1) * step);
+  const auto tall = within_furthest(height + (below - 1) * step);
   for (auto& line : lines) {
     const auto wide = width_of(look.flush ? longest : line.text.size(), look.height);
     const gx_pointreal_t offset{-before(look.across, wide),

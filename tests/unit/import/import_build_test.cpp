@@ -119,11 +119,24 @@ TEST(ImportBuild, LinesOfATextStandAboveEachOther) {
   EXPECT_EQ(places("ab\nc", look), "ab@100,1200 c@100,2300 ");
   look.rotate = 1;
   EXPECT_EQ(places("ab\nc", look), "ab@1100,200 c@2200,200 ");
-  // A longer line goes on below, where a word ends.
-  const std::string word(30, 'w');
-  EXPECT_EQ(gxi_lines(word + ' ' + word + ' ' + word, look).size(), 3U);
-  EXPECT_EQ(gxi_lines(std::string(61, 'w'), look).size(), 2U);
-  EXPECT_EQ(gxi_lines(std::string(60, 'w'), look).size(), 1U);
+  look.flush = true;
+  look.across = gxi_align::end;
+  EXPECT_EQ(places("ab \nc", look), "ab@1100,2600 c@2200,2600 ");
+  look.rotate = 3;
+  look.up = gxi_align::middle;
+  EXPECT_EQ(places("ab\nc\n", look), "ab@-500,200 c@600,200 ");
+  // A longer line goes on in its place, where a word ends; a wide text does not leave the drawing.
+  const std::string word(30, 'w'), longest(60, 'w');
+  look = {.height = 10};
+  EXPECT_EQ(places(longest, look), longest + "@0,0 ");
+  EXPECT_EQ(places(longest + "w " + word, look), longest + "@0,0 w " + word + "@720,0 ");
+  EXPECT_EQ(
+      places(word + ' ' + word + "\n" + longest.substr(1) + ' ' + word, look),
+      word + "@0,-16  " + word + "@360,-16 " + longest.substr(1) + "@0,0  " + word + "@708,0 ");
+  look.height = 1'000'000'000;
+  EXPECT_EQ(places("a\nb" + longest, look).substr(0, 15), "a@0,-100000000 ");
+  look.across = gxi_align::end;
+  EXPECT_EQ(places(longest, look), longest + "@-100000000,0 ");
 }
 
 TEST(ImportBuild, TwentyEightLevelsAndNoSheetWithinItself) {

@@ -3,9 +3,7 @@
 #include <fstream>
 #include <map>
 
-#include "gx/text/characters.h"
 #include "import/build/output.h"
-#include "import/drawing/numbers.h"
 #include "import/xschem/attributes.h"
 #include "import/xschem/labels.h"
 #include "import/xschem/reader.h"
@@ -87,17 +85,6 @@ TEST(ImportXschem, LabelsOfSeveralBits) {
                                                 {"999999999*A", "999999999*A"},
                                                 {"A[0:2000000000]", "A[0:2000000000]"}};
   for (const auto& [label, names] : bits) EXPECT_EQ(joined(gxi_xschem_bits(label)), names);
-}
-
-TEST(ImportXschem, NumbersAndTexts) {
-  EXPECT_EQ(gxi_plain_number("4.7k"), "4700");
-  EXPECT_EQ(gxi_plain_number("10uF"), "0.00001");
-  EXPECT_EQ(gxi_plain_number("2meg"), "2000000");
-  EXPECT_EQ(gxi_plain_number("1.50e-1"), "0.15");
-  EXPECT_EQ(gxi_plain_number("-1"), std::nullopt);
-  EXPECT_EQ(gxi_plain_expression("'@w * 4.4u'"), "(w*0.0000044)");
-  EXPECT_EQ(gxi_plain_expression("sqrt(2)"), std::nullopt);
-  EXPECT_EQ(gx_ascii("10µ \u2126 \u00e9 \xff\x01"), "10u ohm e y ");
 }
 
 TEST(ImportXschem, ASecondImportWritesOnlyWhatChanged) {
