@@ -6,8 +6,7 @@
 
 namespace {
 
-constexpr int most_lines = 100000;    // of a text or a path
-constexpr int longest_value = 65536;  // of a number that is no coordinate
+constexpr int longest_value = 65536;  // of a number that is no coordinate; also of lines
 
 }  // namespace
 
@@ -63,7 +62,7 @@ int gxi_lepton_lines_t::quarter_turns(std::size_t i) const {
 }
 
 std::string gxi_lepton_lines_t::following(int count, const char* of) {
-  if (count < 0 || count > most_lines) refuse("a number of lines expected");
+  if (count < 0) refuse("a number of lines expected");
   const int first = number_of_line_;
   std::string all;
   for (int i = 0; i < count; ++i) {

@@ -47,6 +47,7 @@ class path_reader {
 
   bool number(std::int32_t& value) {
     if (!skip()) return false;
+    if (text_.front() == '+') text_.remove_prefix(1);
     double read = 0;
     const auto [end, error] = std::from_chars(text_.data(), text_.data() + text_.size(), read);
     if (error != std::errc() || !(std::fabs(read) <= furthest_)) return false;

@@ -3,16 +3,7 @@
 #include "import/drawing/names.h"
 #include "import/drawing/netlist_text.h"
 #include "import/drawing/numbers.h"
-
-namespace {
-
-std::string joined(const std::vector<std::string>& words) {
-  std::string all;
-  for (const auto& word : words) all += (all.empty() ? "" : " ") + word;
-  return all;
-}
-
-}  // namespace
+#include "tests/support/joined_words.h"
 
 TEST(ImportDrawing, DevicesAmongTheLinesOfANetlist) {
   const struct {
@@ -46,7 +37,7 @@ TEST(ImportDrawing, DevicesAmongTheLinesOfANetlist) {
   for (const auto& [text, devices] : cases) {
     std::string found;
     for (const auto& device : gxi_netlist_devices(text))
-      found += (found.empty() ? "" : "; ") + device.name + " (" + joined(device.nodes) + ")" +
+      found += (found.empty() ? "" : "; ") + device.name + " (" + joined_words(device.nodes) + ")" +
                (device.value.empty() ? "" : " " + device.value) + ": " + device.line;
     EXPECT_EQ(found, devices);
   }
@@ -55,9 +46,9 @@ TEST(ImportDrawing, DevicesAmongTheLinesOfANetlist) {
   EXPECT_EQ(rest, "  .tran 1\n+ 2\n*x\nR1 a\n.control\nR1 a b\n.endc\n");
   const std::string ports =
       ".subckt a q\n.SUBCKT B X Y\n+ Z w = 1 v=2\n.ends\n.subckt c x params: w\n";
-  EXPECT_EQ(joined(gxi_netlist_ports(ports, "b")), "X Y Z");
-  EXPECT_EQ(joined(gxi_netlist_ports(ports, "C")), "x");
-  EXPECT_EQ(joined(gxi_netlist_ports(".subckt\n.subckt d", "d")), "");
+  EXPECT_EQ(joined_words(gxi_netlist_ports(ports, "b")), "X Y Z");
+  EXPECT_EQ(joined_words(gxi_netlist_ports(ports, "C")), "x");
+  EXPECT_EQ(joined_words(gxi_netlist_ports(".subckt\n.subckt d", "d")), "");
 }
 
 TEST(ImportDrawing, NumbersAreWrittenWithoutASuffix) {

@@ -1,4 +1,5 @@
 // Drawings of Lepton EDA: records in odd forms, projects, versions of what is written.
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -15,6 +16,60 @@ namespace {
 
 namespace fs = std::filesystem;
 
+std::string told(gxi_lepton_point_t p) {
+  return " " + std::to_string(p.x) + "," + std::to_string(p.y);
+}
+
+std::string told(const gxi_lepton_texts_t& texts) {
+  std::string all;
+  for (const auto& text : texts) {
+    all += std::to_string(text.line.number) + " T" + told(text.at) + " c" +
+           std::to_string(text.color) + " s" + std::to_string(text.size) +
+           (text.visible ? " seen" : "") + " show" + std::to_string(static_cast<int>(text.show)) +
+           " r" + std::to_string(text.rotate) + " a" + std::to_string(text.alignment) + " ";
+    all += text.text + "\n";
+  }
+  return all;
+}
+
+// Every field of every record.
+std::string told(const gxi_lepton_file_t& file) {
+  std::string all;
+  const auto begin = [&](const auto& record, const std::string& kind, int color) {
+    all += std::to_string(record.line.number) + " " + kind + " c" + std::to_string(color);
+  };
+  for (const auto& shape : file.shapes) {
+    begin(shape, std::string(1, shape.kind), shape.color);
+    all += " w" + std::to_string(shape.width) + (shape.dashed ? " dashed" : "") +
+           (shape.filled ? " filled" : "");
+    for (const auto p : shape.points) all += told(p);
+    if (shape.radius != 0)
+      all += " r" + std::to_string(shape.radius) + " " + std::to_string(shape.start) + ".." +
+             std::to_string(shape.sweep);
+    for (const auto& step : shape.path) {
+      all += std::string(" ") + step.kind;
+      for (const auto p : step.points) all += told(p);
+    }
+    all += "\n";
+  }
+  all += told(file.texts) + "attached\n" + told(file.attached);
+  for (const auto& net : file.nets) {
+    begin(net, "N", net.color);
+    all += told(net.from) + told(net.to) + "\n" + told(net.attributes);
+  }
+  for (const auto& pin : file.pins) {
+    begin(pin, pin.bus ? "bus" : "P", pin.color);
+    all += told(pin.tip) + told(pin.root) + "\n" + told(pin.attributes);
+  }
+  for (const auto& component : file.components) {
+    begin(component, "C", 0);
+    all += told(component.at) + " r" + std::to_string(component.rotate) +
+           (component.mirror ? " m " : " ") + component.symbol + "\n" + told(component.attributes);
+    if (component.embedded) all += "[\n" + told(*component.embedded) + "]\n";
+  }
+  return all;
+}
+
 std::string lepton_refusal(const std::string& text) {
   try {
     gxi_lepton_read_file(text, "f");
@@ -28,36 +83,86 @@ std::string lepton_refusal(const std::string& text) {
 
 TEST(ImportLepton, RecordsInOddForms) {
   const auto file = gxi_lepton_read_file(
-      "v 20220529 2\r\nL 0 0 10 20 3\nB -5 -5 10 20 3 30 0 2 75 50 1 -1 -1 -1 -1 -1\nV 1 2 3 4\n"
-      "A 0 0 5 0 -90 3 0 0 0 -1 -1\nT 1 2 9 10 1 0 270 8 2\nfirst\n}\n{\nT 0 0 5 8 0 2 0\nx=y\n}\n"
-      "G 0 0 9 9 0 0 1\nname\nAAA\n.\nU 0 0 0 9 10 -1\nN 1 1 1 1 4\nP 0 50 100 50 1\nP 0 0 9 9 1 1 "
-      "1\n"
-      "H 3 0 0 0 -1 -1 0 -1 -1 -1 -1 -1 2\nm 1,1 4 4\nC 0,0 8,0 9,9z\n"
-      "C 100 200 1 90 1 EMBEDDEDa b.sym\n[\nP 150 200 300 200 1 0 0\n{\nT 150 200 5 8 0 0 0 0 1\n"
-      "pinnumber=1\n}\n]\n{\nT 0 0 5 8 0 0 0 0 1\nrefdes=U1\n}\n\n",
+      "v 20220529 2\r\n\n# a comment\nL 0 0 10 20 3\nL 1 2 3 4 5 6 0 1 -1 -1\n"
+      "B -5 -5 10 20 3 30 0 2 75 50 1 -1 -1 -1 -1 -1\nB 1 2 3 4 5 -6 0 0 0 0 2\n"
+      "V 1 2 3 4\nV 1 2 3 4 5 0 1 0 0 1\nA 10 20 5 30 -90 3\nA 0 1 2 3 4 5 6 0 1\n"
+      "T 1 2 9 10 1 0 270 8 2\nfirst\n}\n{\nT 0 3 5 0 0 2 -90 0 1\nx=y\n\nT 4 5 6 7 1\nz\n}\n"
+      "G 1 2 3 4 0 0 1\nname\nAAA\n.\nG 5 6 7 8 0 0\nnot within\nU 0 0 0 9\nU 1 2 3 4 5 -1\n"
+      "N 1 2 3 4\n{\nT 0 0 5 8 0 0 0 0 1\nnetname=n\n}\nN 5 6 7 8 9\n"
+      "P 0 50 100 50 1 0 0\nP 1 2 9 8 7 1 1\n"
+      "H 3 10 0 1 -1 -1 1 -1 -1 -1 -1 -1 3\nm 1,1 4 4 L 2.6,-7\nC 0,0 8,0 9,9zl 1 1\n"
+      "c 1,2,3 4 5 6 +1 1 1 1 1 1 M7 8\n"
+      "C 100 200 1 90 1 EMBEDDEDa b.sym \n[\nL 100 200 101 202 3\nH 3 0 0 0 -1 -1 0 -1 -1 -1 -1 -1 "
+      "1\nM 100,200\nT 110 220 9 10 1 0 0 0 1\nin\nP 150 200 300 200 1 0 0\n{\n"
+      "T 150 200 5 8 0 0 0 0 1\npinnumber=1\n}\n]\n{\nT 0 0 5 8 0 0 0 0 1\nrefdes=U1\n}\n"
+      "C 7 8 1 -90 1 x.sym\nC 7 8 1 0 0 y.sym\nF old\n",
       "f");
-  ASSERT_EQ(file.shapes.size(), 7U);
-  EXPECT_TRUE(file.shapes[1].filled && file.shapes[1].dashed);
-  EXPECT_EQ(file.shapes[1].points[1], (gxi_lepton_point_t{5, 15}));
-  EXPECT_EQ(file.texts.at(0).text, "first\n}");
-  EXPECT_EQ(file.texts[0].rotate, 3);
-  EXPECT_EQ(file.attached.at(0).name(), "x");
-  EXPECT_EQ(file.pins.at(0).tip,
-            (gxi_lepton_point_t{100, 50}));  // the outer end, where none is told
-  EXPECT_TRUE(file.pins.at(1).bus);
-  EXPECT_EQ(file.pins.at(1).tip, (gxi_lepton_point_t{9, 9}));
-  const auto lines = gxi_lepton_lines(file.shapes[6].path);
-  ASSERT_EQ(lines.size(), 1U);
-  EXPECT_EQ(lines[0].size(), 11U);
-  EXPECT_EQ(lines[0][1], (gxi_lepton_point_t{5, 5}));
-  EXPECT_EQ(lines[0].back(), lines[0].front());
-  // What is embedded stands on the page as it is seen.
-  const auto& component = file.components.at(0);
-  EXPECT_EQ(component.symbol, "a b.sym");
-  EXPECT_EQ(component.rotate, 0);
-  EXPECT_EQ(component.embedded->pins.at(0).tip, (gxi_lepton_point_t{50, 0}));
-  EXPECT_EQ(gxi_lepton_value(component.attributes, "refdes"), "U1");
-
+  EXPECT_EQ(told(file),
+            "4 L c3 w0 0,0 10,20\n"
+            "5 L c5 w6 dashed 1,2 3,4\n"
+            "6 B c3 w30 dashed filled -5,-5 5,15\n"
+            "7 B c5 w0 1,2 4,6\n"
+            "8 V c4 w0 1,2 r3 0..360\n"
+            "9 V c4 w5 dashed filled 1,2 r3 0..360\n"
+            "10 A c3 w0 10,20 r5 30..-90\n"
+            "11 A c5 w6 dashed 0,1 r2 3..4\n"
+            "22 G c3 w0 1,2 4,6\n"
+            "26 G c3 w0 5,6 12,14\n"
+            "28 U c10 w0 0,0 0,9\n"
+            "29 U c5 w0 1,2 3,4\n"
+            "38 H c3 w10 dashed filled M 1,1 L 5,5 L 3,-7 C 0,0 8,0 9,9 z L 2,2 C 3,4 5,6 7,8 C "
+            "8,9 8,9 8,9 M 7,8\n"
+            "12 T 1,2 c9 s10 seen show0 r3 a8 first\n"
+            "}\n"
+            "attached\n"
+            "16 T 0,3 c5 s1 show2 r3 a0 x=y\n"
+            "19 T 4,5 c6 s7 seen show0 r0 a0 z\n"
+            "30 N c4 1,2 3,4\n"
+            "32 T 0,0 c5 s8 show0 r0 a0 netname=n\n"
+            "35 N c9 5,6 7,8\n"
+            "36 P c1 0,50 100,50\n"
+            "37 bus c7 9,8 1,2\n"
+            "42 C c0 100,200 r0 a b.sym\n"
+            "56 T 0,0 c5 s8 show0 r0 a0 refdes=U1\n"
+            "[\n"
+            "44 L c3 w0 0,0 1,2\n"
+            "45 H c3 w0 M 0,0\n"
+            "47 T 10,20 c9 s10 seen show0 r0 a0 in\n"
+            "attached\n"
+            "49 P c1 50,0 200,0\n"
+            "51 T 50,0 c5 s8 show0 r0 a0 pinnumber=1\n"
+            "]\n"
+            "59 C c0 7,8 r3 m x.sym\n"
+            "60 C c0 7,8 r0 y.sym\n");
+  const std::string lines_of_path = [&] {
+    std::string all;
+    for (const auto& line : gxi_lepton_lines(file.shapes.back().path)) {
+      for (const auto p : line) all += told(p);
+      all += "\n";
+    }
+    return all;
+  }();
+  EXPECT_EQ(lines_of_path,
+            " 1,1 5,5 3,-7 2,-5 3,-3 3,-1 5,0 6,2 7,4 8,6 9,9 1,1\n"
+            " 1,1 2,2 2,3 3,4 3,4 4,5 5,6 6,7 6,7 7,8 7,8 8,9 8,9 8,9 8,9 8,9 8,9 8,9\n");
+  // Where no pin says which end is joined, it is the outer one: of each symbol by itself.
+  const auto pins = gxi_lepton_read_file(
+      "v 1 2\nB 0 0 100 100 3\nP 0 50 -100 50 1\nP 100 60 200 60 1\nP 50 0 50 -90\n"
+      "P 50 300 50 100 1 0\nC 0 0 1 0 0 EMBEDDEDs\n[\nP 1000 0 1100 0 1\nP 700 0 800 0\n]\n",
+      "f");
+  EXPECT_EQ(told(pins),
+            "2 B c3 w0 0,0 100,100\n"
+            "attached\n"
+            "3 P c1 -100,50 0,50\n"
+            "4 P c1 200,60 100,60\n"
+            "5 P c1 50,-90 50,0\n"
+            "6 P c1 50,300 50,100\n"
+            "7 C c0 0,0 r0 s\n"
+            "[\n"
+            "attached\n"
+            "9 P c1 1100,0 1000,0\n"
+            "10 P c1 700,0 800,0\n"
+            "]\n");
   const std::map<std::string, std::string> refused{
       {"", "f:1: a version line expected"},
       {"L 0 0 1 1 3\n", "f:1: a version line expected"},
@@ -78,6 +183,16 @@ TEST(ImportLepton, RecordsInOddForms) {
       {"v 1 2\nC 0 0 1 0 0\n", "f:2: the name of a symbol expected"},
       {"v 1 2\nG 0 0 1 1 0 0 1\nx\nAA\n", "f:2: lines of the picture are missing"},
       {"v 1 2\nH 3 0 0 0 -1 -1 0 -1 -1 -1 -1 -1 1\nL 1,1\n", "f:2: a path with no beginning"},
+      {"v 1 2\nT 0 0 9 10 1 0 0 0 -1\n", "f:2: a number of lines expected"},
+      {"v 1 2\nT 0 0 9 10 1 3\na\n", "f:2: 0 (name and value), 1 (value) or 2 (name) expected"},
+      {"v 1 2\nT 0 0 9 10 1 -1\na\n", "f:2: 0 (name and value), 1 (value) or 2 (name) expected"},
+      {"v 1 2\nC 0 0 1 0 0 a\n[\n[\n", "f:4: a symbol within a symbol"},
+      {"v 1 2\nH 3 0 0 0 -1 -1 0 -1 -1 -1 -1 -1 1\nM 1,1 q\n",
+       "f:2: a path with the unknown step \"q\""},
+      {"v 1 2\nH 3 0 0 0 -1 -1 0 -1 -1 -1 -1 -1 1\nM 9,9 m 399999,0\n",
+       "f:2: a path with a place that is no pair of numbers, or too far away"},
+      {"v 1 2\nH 3 0 0 0 -1 -1 0 -1 -1 -1 -1 -1 1\nM 9,9 C 1 1 2 2 3\n",
+       "f:2: a path with a place that is no pair of numbers, or too far away"},
       {"v 1 2\nZ 1\n", "f:2: a record of the unknown kind \"Z\""}};
   for (const auto& [text, what] : refused) EXPECT_EQ(lepton_refusal(text), what);
 }
@@ -100,9 +215,11 @@ TEST(ImportLepton, TheProjectNamesLibrariesAndMangling) {
   gxi_lepton_project_t project;
   gxm_messages_t messages;
   std::list<std::string> files;
+  ASSERT_EQ(::setenv("KIVO_PLACE", "d/", 1), 0);
   gxi_lepton_take_scheme(
       "; (component-library \"no\")\n#| (source-library \"no\")\n |#(component-library \"a\")\n"
-      "(component-library\n \"/b\" \"name\")(component-library-search \"${NO_SUCH_NAME}c\")\n"
+      "(component-library\n \"/b\" \"name\")(component-library-search "
+      "\"${KIVO_PLACE}${NO_SUCH_NAME}c\")\n"
       "(source-library \"s\\\"t\")(load \"x\")(component-library (build-path \"q\"))(",
       "gafrc", "/top", project, files, messages);
   gxi_lepton_take_config(
@@ -110,7 +227,7 @@ TEST(ImportLepton, TheProjectNamesLibrariesAndMangling) {
       "[other]\nmangle-netname-attribute=false\n[netlist]\nnet-naming-priority=netname-attribute\n",
       project);
   ASSERT_EQ(project.symbols.size(), 3U);
-  EXPECT_EQ(project.symbols[0].directory, "/top/c");  // the last one first
+  EXPECT_EQ(project.symbols[0].directory, "/top/d/c");  // the last one first
   EXPECT_TRUE(project.symbols[0].deep);
   EXPECT_EQ(project.symbols[2].directory, "/top/a");
   EXPECT_EQ(project.sheets.at(0).directory, "/top/s\"t");

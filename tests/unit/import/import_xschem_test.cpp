@@ -8,6 +8,7 @@
 #include "import/xschem/labels.h"
 #include "import/xschem/reader.h"
 #include "import/xschem/records.h"
+#include "tests/support/joined_words.h"
 #include "tests/support/scratch_directory.h"
 
 namespace {
@@ -20,12 +21,6 @@ std::string xschem_refusal(std::string_view text) {
     return error.what();
   }
   return messages.empty() ? "" : messages.front();
-}
-
-std::string joined(const std::vector<std::string>& names) {
-  std::string all;
-  for (const auto& name : names) all += (all.empty() ? "" : " ") + name;
-  return all;
 }
 
 }  // namespace
@@ -84,7 +79,7 @@ TEST(ImportXschem, LabelsOfSeveralBits) {
                                                 {"A,,B", "A,,B"},
                                                 {"999999999*A", "999999999*A"},
                                                 {"A[0:2000000000]", "A[0:2000000000]"}};
-  for (const auto& [label, names] : bits) EXPECT_EQ(joined(gxi_xschem_bits(label)), names);
+  for (const auto& [label, names] : bits) EXPECT_EQ(joined_words(gxi_xschem_bits(label)), names);
 }
 
 TEST(ImportXschem, ASecondImportWritesOnlyWhatChanged) {
