@@ -1,6 +1,7 @@
 #include "import/drawing/kept_properties.h"
 
 #include <algorithm>
+#include <iterator>
 #include <map>
 #include <set>
 #include <tuple>
@@ -49,14 +50,19 @@ void gxi_keep_most_used(gxi_design_t& design, const gxi_telling_t& telling,
   for (auto& [set, number, name] : order) design.kept_of_instances.push_back(std::move(name));
 }
 
-void gxi_drop_doubled_properties(gxi_design_t& design) {
+void gxi_make_overridden_defaults(gxi_design_t& design) {
   std::vector<std::set<std::string>> given(design.cells.size());
   for (const auto& one : design.cells)
     if (one.sheet)
       for (const auto& instance : one.sheet->instances)
         for (const auto& property : instance.properties)
           gx_at(given, instance.symbol).insert(gx_upper(property.name));
-  for (std::size_t i = 0; i < given.size(); ++i)
-    std::erase_if(design.cells[i].symbol.properties,
-                  [&](const auto& property) { return given[i].contains(gx_upper(property.name)); });
+  for (std::size_t i = 0; i < given.size(); ++i) {
+    auto& symbol = design.cells[i].symbol;
+    const auto overridden = [&](const auto& property) {
+      return given[i].contains(gx_upper(property.name));
+    };
+    std::ranges::copy_if(symbol.properties, std::back_inserter(symbol.defaults), overridden);
+    std::erase_if(symbol.properties, overridden);
+  }
 }

@@ -30,5 +30,5 @@ using gxi_telling_t = std::vector<std::set<std::string>>;
 void gxi_keep_most_used(gxi_design_t& design, const gxi_telling_t& telling,
                         const std::set<std::string>& used_up);
 
-// Removes from a symbol every property that an instance overrides.
-void gxi_drop_doubled_properties(gxi_design_t& design);
+// Makes a default of every property of a symbol that one of its instances overrides.
+void gxi_make_overridden_defaults(gxi_design_t& design);

@@ -32,7 +32,7 @@ class lepton_reader {
     read_sheet(0, nullptr, pages);
     commons_.names.resize(design_.cells.size());
     gxi_share_names(design_, commons_);
-    gxi_drop_doubled_properties(design_);
+    gxi_make_overridden_defaults(design_);
     gxi_keep_most_used(design_, {{"value", "device", "model"}}, {});
     design_.kept_of_pins = {"pinlabel"};
     return std::move(design_);

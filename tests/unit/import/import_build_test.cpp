@@ -133,6 +133,10 @@ TEST(ImportBuild, LinesOfATextStandAboveEachOther) {
   EXPECT_EQ(
       places(word + ' ' + word + "\n" + longest.substr(1) + ' ' + word, look),
       word + "@0,-16  " + word + "@360,-16 " + longest.substr(1) + "@0,0  " + word + "@708,0 ");
+  std::string signs;
+  for (int i = 0; i < 20; ++i) signs += "\\u{B5}";
+  EXPECT_EQ(places(signs, look), std::string(20, 'u') + "@0,0 ");
+  EXPECT_EQ(places(signs.substr(6 * 5), look), signs.substr(6 * 5) + "@0,0 ");
   look.height = 1'000'000'000;
   EXPECT_EQ(places("a\nb" + longest, look).substr(0, 15), "a@0,-100000000 ");
   look.across = gxi_align::end;

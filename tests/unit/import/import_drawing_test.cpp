@@ -3,6 +3,7 @@
 #include "import/drawing/names.h"
 #include "import/drawing/netlist_text.h"
 #include "import/drawing/numbers.h"
+#include "import/drawing/text_devices.h"
 #include "tests/support/joined_words.h"
 
 TEST(ImportDrawing, DevicesAmongTheLinesOfANetlist) {
@@ -49,6 +50,38 @@ TEST(ImportDrawing, DevicesAmongTheLinesOfANetlist) {
   EXPECT_EQ(joined_words(gxi_netlist_ports(ports, "b")), "X Y Z");
   EXPECT_EQ(joined_words(gxi_netlist_ports(ports, "C")), "x");
   EXPECT_EQ(joined_words(gxi_netlist_ports(".subckt\n.subckt d", "d")), "");
+}
+
+TEST(ImportDrawing, DevicesOfATextLieInRowsBelowTheOthers) {
+  gxi_design_t design;
+  gxi_text_devices_t devices(design);
+  gxi_sheet_t sheet;
+  sheet.instances.push_back({.at = {7, 12345}});
+  std::string text;
+  for (int i = 0; i < 41; ++i) text += (i == 1 ? "r b a\n" : "Q a b c x\n");
+  std::string nets;
+  EXPECT_EQ(devices.add(text + ".end\n", sheet,
+                        [&](const std::string& node) {
+                          nets += node;
+                          return static_cast<int>(nets.size());
+                        }),
+            ".end\n");
+  EXPECT_EQ(nets.substr(0, 9), "abcbaabca");
+  EXPECT_EQ(sheet.instances.at(2).nets, (std::vector<int>{4, 5}));
+  const auto at = [&](std::size_t i) { return sheet.instances.at(i).at; };
+  EXPECT_EQ(at(1), (gx_pointreal_t{0, 60000}));
+  EXPECT_EQ(at(40), (gx_pointreal_t{390000, 60000}));
+  EXPECT_EQ(at(41), (gx_pointreal_t{0, 90000}));
+  ASSERT_EQ(design.cells.size(), 2U);  // the same for all of a kind
+  EXPECT_EQ(sheet.instances[2].symbol, 1);
+  EXPECT_EQ(sheet.instances[41].symbol, 0);
+  const auto& symbol = design.cells[0].symbol;
+  EXPECT_EQ(symbol.name + symbol.properties.at(0).value, "text_Q3text_Q3");
+  EXPECT_EQ(symbol.pins.at(2).name, "N3");
+  EXPECT_EQ(symbol.pins[2].at, (gx_pointreal_t{0, 10000}));
+  gxi_sheet_t empty;
+  devices.add("R1 a b", empty, [](const auto&) { return 0; });
+  EXPECT_EQ(empty.instances.at(0).at, (gx_pointreal_t{0, 60000}));
 }
 
 TEST(ImportDrawing, NumbersAreWrittenWithoutASuffix) {
