@@ -204,8 +204,14 @@ TEST(ImportLepton, TextsAreSeenAsTheirMarksSay) {
   EXPECT_EQ(gxi_lepton_seen(text), "10k");
   text.show = gxi_lepton_text_t::show_t::name;
   EXPECT_EQ(gxi_lepton_seen(text), "value");
-  text.text = "not = one";
-  EXPECT_EQ(gxi_lepton_seen(text), "not = one");
+  for (const auto* const plain : {"not = one", "not =one", "not= one", "not\none=this", "=x", ""}) {
+    text.text = plain;
+    EXPECT_EQ(gxi_lepton_seen(text), plain);
+    EXPECT_EQ(text.value(), "");
+  }
+  text.text = "a b==";
+  EXPECT_EQ(text.name(), "a b");
+  EXPECT_EQ(text.value(), "=");
   text.visible = false;
   EXPECT_EQ(gxi_lepton_seen(text), "");
   EXPECT_EQ(gxi_lepton_plain(R"(R/\_W\_ \\ \_X)"), "R/~W \\ ~X");
