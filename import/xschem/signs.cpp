@@ -19,10 +19,10 @@ bool is_told_otherwise(std::string_view name) {
   return std::find(std::begin(names), std::end(names), name) != std::end(names);
 }
 
-// Whether a value is put together of others.
+// Whether a value is put together of others, or by Tcl.
 bool is_composed(std::string_view value) {
   const auto has = [&](std::string_view part) { return value.find(part) != value.npos; };
-  return has("@") || has("expr(") || has("expr_eng");
+  return has("@") || has("expr(") || has("expr_eng") || has("tcleval(");
 }
 
 bool has_attribute(const gxi_xschem_placed_t& placed, std::string_view name) {
