@@ -1,6 +1,6 @@
 #include "compare/words.h"
 
-#include "platform/escape.h"
+#include "platform/json.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "import/drawing/drawing.h"
-#include "import/drawing/input.h"
+#include "import/drawing/source_file.h"
 
 struct gxi_format_t {
   std::string_view name;   // of --format

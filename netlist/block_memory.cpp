@@ -60,7 +60,7 @@ std::byte* kv_block_memory::take(std::size_t size) {
   size = round_up(size, granule);
   if (size > static_cast<std::size_t>(end_ - next_)) {
     const bool is_first = in_pieces_ == 0 && size <= first_piece;
-    // Later ones are a quarter of what there is, so that little is taken in vain.
+    // Later ones are a quarter of what there is, so that little is wasted.
     const std::size_t piece =
         is_first ? first_piece
                  : round_up(std::max(size, std::min(in_pieces_ / 4, largest_piece)), huge_page);

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/stoppable_input.h"
+#include "platform/wait.h"
 
 // A shell command with its standard output, from its start on. The command that was stopped is
 // ended; what it left running in the background is not.

@@ -9,7 +9,7 @@
 
 #include "compare/changes.h"
 #include "compare/words.h"
-#include "export/changes_json.h"
+#include "export/json.h"
 #include "export/output.h"
 #include "kvi/load.h"
 #include "platform/usage.h"

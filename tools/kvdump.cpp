@@ -11,8 +11,8 @@
 #include "export/sqlite/sqlite.h"
 #include "kvi/load.h"
 #include "netlist/design_records.h"
-#include "platform/escape.h"
 #include "platform/files.h"
+#include "platform/json.h"
 #include "platform/usage.h"
 
 namespace {

@@ -16,8 +16,8 @@
 #include "deck/deck_file.h"
 #include "deck/write/deck.h"
 #include "kvi/load.h"
-#include "platform/escape.h"
 #include "platform/files.h"
+#include "platform/json.h"
 #include "platform/usage.h"
 
 namespace {

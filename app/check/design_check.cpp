@@ -1,11 +1,77 @@
 #include "app/check/design_check.h"
 
+#include <algorithm>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
 #include "app/check/cells.h"
 #include "app/check/netlist_findings.h"
-#include "app/check/run_messages.h"
 #include "app/check/sheet_findings.h"
 #include "app/find/aside.h"
+#include "expand/messages.h"
 #include "gx/db/file/record_codec.h"
+#include "netlist/path_index.h"
+
+namespace {
+
+constexpr kv_rule found_by_message[] = {kv_rule::bus_range, kv_rule::run};
+
+// Where a path is drawn: the pin, else the part, else the net; of what the run had not come to, the
+// block that it is in.
+kv_place_t place_of(const kv_netlist_findings_t& found, const kv_memory_paths_t& paths,
+                    std::string_view path) {
+  constexpr kv_named first_to_last[] = {kv_named::pin,   kv_named::pinm, kv_named::inst,
+                                        kv_named::macro, kv_named::net,  kv_named::net_child};
+  for (; !path.empty(); path = path.substr(0, path.rfind('/'))) {
+    const std::string key = kv_path_key(path);
+    const auto hits = paths.find({&key, 1}, SIZE_MAX);
+    for (const kv_named what : first_to_last) {
+      const auto hit = std::ranges::find_if(
+          hits, [&](kv_object_t h) { return h.what == what && paths.path(h) == path; });
+      if (hit != hits.end()) return kv_place_of(found.design, found.origins, *hit);
+    }
+  }
+  return {};
+}
+
+// What the expansion reports: its errors become findings, except those that another rule of the
+// check finds by itself.
+class run_messages {
+ public:
+  void take(const kv_told_t& told) {
+    const kv_rule rule = kv_rule_of(told.code);
+    const bool is_found = std::ranges::find(found_by_message, rule) != std::end(found_by_message);
+    if (kv_row_of(told.code).kind != kv_message_kind::error || !is_found) return;
+    std::string words = kv_words_of(told);
+    if (words.empty() || !known_.insert(words).second) return;
+    messages_.push_back({rule, std::string(told.path), std::move(words)});
+  }
+
+  // In the order of the rules, those of one rule as they were reported. The run may have ended
+  // early.
+  void find(const kv_netlist_findings_t& found) const {
+    if (messages_.empty()) return;
+    const kv_memory_paths_t paths(found.design);
+    for (const kv_rule rule : found_by_message) {
+      for (const auto& message : messages_) {
+        if (message.rule != rule) continue;
+        found.add(rule, message.path, place_of(found, paths, message.path), message.words);
+      }
+    }
+  }
+
+ private:
+  struct message_t {
+    kv_rule rule;
+    std::string path, words;
+  };
+
+  std::vector<message_t> messages_;
+  std::unordered_set<std::string> known_;  // a sheet reports the same at each visit
+};
+
+}  // namespace
 
 kv_design_check_t kv_check_design(const kv_setup_t& wishes, std::string_view top_path,
                                   const kv_severities_t& severities, kv_run_watcher_t watcher) {
@@ -26,7 +92,7 @@ kv_design_check_t kv_check_design(const kv_setup_t& wishes, std::string_view top
   kv_electrical_marks marks;
   kv_find_on_sheets(*sheets, severities, check.findings, marks);
 
-  kv_run_messages told;
+  run_messages told;
   const kv_message_catcher catcher([&](const auto& message) { told.take(message); });
 
   kv_design_t design;

@@ -8,7 +8,7 @@
 #include "app/check/findings/finding.h"
 #include "expand/origins.h"
 
-// --- for the rules of the netlist and what its run told: findings at places of the design
+// --- for the rules of the netlist and what its run reported: findings at places of the design
 struct kv_netlist_findings_t {
   const kv_design_t& design;
   const kv_origins_t& origins;

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "app/find/net_choice.h"
-#include "app/language/answer_records.h"
+#include "app/language/answers.h"
 #include "app/language/command_row.h"
 #include "app/sheet/command_viewport.h"
 #include "expand/explain.h"

@@ -4,7 +4,7 @@
 
 #include "app/find/drawings.h"
 #include "app/find/find_path.h"
-#include "app/language/answer_records.h"
+#include "app/language/answers.h"
 #include "app/language/command_row.h"
 #include "app/language/interpreter.h"
 #include "app/sheet/command_viewport.h"

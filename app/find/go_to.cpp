@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "app/sheet/last_views.h"
 #include "app/sheet/views.h"
 #include "app/sheet/walk.h"
 #include "app/state.h"

@@ -3,8 +3,23 @@
 
 #include <string>
 
+#include "expand/messages.h"
 #include "gx/text/messages/message_list.h"
 #include "gx/text/strings.h"
+
+namespace {
+
+kv_record_taker_t take = nullptr;
+
+void take_message(const kv_told_t& told) {
+  const auto& row = kv_row_of(told.code);
+  kv_record("message", {{"code", row.name},
+                        {"kind", kv_message_kind_name(row.kind)},
+                        {"path", told.path},
+                        {"values", told.values}});
+}
+
+}  // namespace
 
 void kv_echo(std::string_view keyword, const kv_command_t& command, int first) {
   std::string line(keyword);
@@ -47,4 +62,13 @@ std::string_view kv_file_name(std::string_view word) {
   const bool is_quoted =
       word.size() >= 2 && (word[0] == '\'' || word[0] == '"') && word.back() == word[0];
   return is_quoted ? word.substr(1, word.size() - 2) : word;
+}
+
+void kv_record(std::string_view type, std::initializer_list<kv_named_value_t> fields) {
+  if (take != nullptr) take(type, {fields.begin(), fields.size()});
+}
+
+void kv_set_record_taker(kv_record_taker_t taker) {
+  take = taker;
+  kv_set_message_reader(taker == nullptr ? nullptr : take_message);
 }

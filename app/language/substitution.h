@@ -1,9 +1,13 @@
 // References to positional arguments and variables in a command: $ARG1..$ARG30, $VAR1..$VAR30.
 #pragma once
 
+#include <array>
 #include <string_view>
 
-#include "app/language/parameters.h"
+#include "gx/text/records.h"
+
+// The values of $ARG1..$ARG30 or $VAR1..$VAR30; an empty entry has length 0.
+using kv_array_param_t = std::array<gx_string_record_t, 30>;
 
 struct kv_substitution_t {
   gx_string_record_t text;

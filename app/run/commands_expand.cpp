@@ -2,7 +2,7 @@
 #include <iterator>
 #include <string>
 
-#include "app/language/answer_records.h"
+#include "app/language/answers.h"
 #include "app/language/command_row.h"
 #include "app/run/run_progress.h"
 #include "app/sheet/command_viewport.h"

@@ -26,7 +26,7 @@
 #include "gx/vext.h"
 #include "platform/files.h"
 #include "platform/stop_signals.h"
-#include "platform/stoppable_input.h"
+#include "platform/wait.h"
 
 namespace {
 constexpr std::string_view standard_input = "-";
@@ -116,7 +116,7 @@ std::string faults_of(const kv_batch_t& batch, int inherited) {
 }
 
 bool tell_whether_written(const kv_batch_t& batch, bool all_written) {
-  if (all_written || gx_vext.cursess_lost) return true;  // or told already
+  if (all_written || gx_vext.cursess_lost) return true;  // or reported already
   gx_complain(std::string(batch.design) + "/current_session: " + x_why(errno));
   return false;
 }

@@ -3,7 +3,7 @@
 #include <charconv>
 #include <cmath>
 
-#include "app/language/answer_records.h"
+#include "app/language/answers.h"
 #include "gx/text/at.h"
 #include "platform/json.h"
 

@@ -15,7 +15,6 @@
 #include "app/sheet/views.h"
 #include "app/state.h"
 #include "gx/db/object_access.h"
-#include "gx/display/input/cmd_viewport.h"
 #include "gx/display/input/events.h"
 #include "gx/display/input/line_edit.h"
 #include "gx/display/input/menu_draw.h"

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "app/language/parameters.h"
+#include "app/language/substitution.h"
 #include "gx/db/ids.h"
 #include "gx/display/screen_state.h"
 

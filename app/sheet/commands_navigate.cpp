@@ -4,7 +4,7 @@
 
 #include "app/language/command_row.h"
 #include "app/sheet/command_viewport.h"
-#include "app/sheet/last_views.h"
+#include "app/sheet/views.h"
 #include "app/sheet/walk.h"
 #include "gx/db/object_access.h"
 #include "gx/db/queries.h"

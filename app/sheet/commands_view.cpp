@@ -4,8 +4,6 @@
 
 #include "app/language/command_row.h"
 #include "app/sheet/command_viewport.h"
-#include "app/sheet/last_views.h"
-#include "app/sheet/sheet_files.h"
 #include "app/sheet/views.h"
 #include "app/sheet/walk.h"
 #include "gx/db/file/sheet_shape.h"

@@ -4,13 +4,11 @@
 #include <array>
 
 #include "app/language/command_row.h"
-#include "app/sheet/last_views.h"
 #include "app/sheet/views.h"
 #include "app/state.h"
 #include "gx/db/place/geometry.h"
-#include "gx/display/input/cmd_viewport.h"
 #include "gx/display/input/cursor.h"
-#include "gx/display/input/rubber_rectangle.h"
+#include "gx/display/input/line_edit.h"
 #include "gx/display/list_viewport.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/sheet/grid.h"
@@ -78,7 +76,7 @@ void show_moved(gx_vpid_t vpid) {
   update(vpid);
 }
 
-// Scrolls a text sideways: to the left shows what lies behind its end.
+// Scrolls a text sideways: to the left shows what follows its end.
 bool scroll_text(std::int16_t& first_shown, int dx) {
   const int next = first_shown - dx;
   if (next < 1 || next > max_start) return false;

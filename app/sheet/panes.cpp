@@ -6,7 +6,6 @@
 #include "gx/display/list_viewport.h"
 #include "gx/display/strokes/stroke_text.h"
 #include "gx/display/viewports.h"
-#include "gx/text/messages/list_columns.h"
 #include "gx/text/messages/message_list.h"
 #include "gx/vext.h"
 

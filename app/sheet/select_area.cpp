@@ -1,4 +1,4 @@
-// The area scan behind SELect AREa and UNSelect AREa: instances, then nets, then frames, against
+// The area scan of SELect AREa and UNSelect AREa: instances, then nets, then frames, against
 // the pick aperture.
 #include "app/sheet/select_area.h"
 

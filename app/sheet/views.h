@@ -2,7 +2,9 @@
 #pragma once
 
 #include <array>
+#include <optional>
 
+#include "app/sheet/sheets_state.h"
 #include "gx/db/file/file_records.h"
 #include "gx/display/screen_state.h"
 #include "gx/display/viewport_coords.h"
@@ -26,7 +28,7 @@ void kv_frame_quiet(gx_vpid_t vpid);
 void kv_display_picture_all(gx_vpid_t vpid, gx_file_index_t file_index);
 void kv_display_picture_area(gx_vpid_t vpid, gx_file_index_t file_index, gx_pointreal_t p1,
                              gx_pointreal_t p2);
-// What a viewport showed before, as gx_viewport_shown has told it.
+// What a viewport showed before, as gx_viewport_shown reported it.
 void kv_display_picture_shown(gx_vpid_t vpid, gx_file_index_t file_index, const gx_shown_t& shown);
 
 // Draws the viewport again: `update` keeps the zoom, `expose` follows a new window size.
@@ -51,3 +53,10 @@ void kv_show_title();
 // Puts a cross (gx_display_cross, gx_keep_cross) at the origin of every component of a symbol file.
 void kv_cross_components(gx_vpid_t vpid, const gx_file_gene_recf_t& file,
                          void (*put)(gx_vpid_t vpid, gx_pointreal_t p));
+
+// --- the views that the edit viewport showed before the last zooms, pans, walks and jumps
+// Keeps what is shown, before it changes; the last 20 are kept.
+void kv_remember_view();
+
+// Takes the last one that differs from what is shown; nothing when there is none left.
+std::optional<kv_last_view_t> kv_take_last_view();

@@ -12,7 +12,7 @@
 #include "app/values/waves.h"
 #include "expand/sim_request.h"
 #include "gx/db/file/file_state.h"
-#include "gx/display/input/rubber_rectangle.h"
+#include "gx/display/input/cursor.h"
 #include "gx/text/at.h"
 #include "gx/text/messages/message_list.h"
 #include "gx/vext.h"

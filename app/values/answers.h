@@ -12,7 +12,7 @@ void kv_read_answers();
 // In a batch nobody waits for lines that come later: from now on a request waits for its answer.
 void kv_await_answers();
 // Sends a request (expand/sim_request.h). Where answers are awaited, the lines of its answer are
-// told before it returns, or a warning after some seconds without a line.
+// reported before it returns, or a warning after some seconds without a line.
 void kv_ask_simulator(std::string_view request);
 
 // Where kivo-ngspice writes the results of the design; "" without a sheet.

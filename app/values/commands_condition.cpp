@@ -4,11 +4,10 @@
 #include <string>
 
 #include "app/check/findings/listed_places.h"
-#include "app/language/answer_records.h"
+#include "app/language/answers.h"
 #include "app/language/command_row.h"
 #include "app/values/asked.h"
 #include "app/values/condition.h"
-#include "app/values/crossing.h"
 #include "app/values/shown_values.h"
 #include "app/values/value_records.h"
 #include "gx/text/messages/message_list.h"

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "app/find/find_path.h"
-#include "app/language/answer_records.h"
+#include "app/language/answers.h"
 #include "app/language/command_row.h"
 #include "app/sheet/command_viewport.h"
 #include "app/values/answers.h"

@@ -2,9 +2,12 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "app/values/results_now.h"
 
 // Numbers as simulators write them, parameters by name, + - * / and brackets, abs(...); one of
 // < > <= >= = != between two of them, parts joined by "&".
@@ -48,3 +51,17 @@ class kv_condition_t {
   std::vector<step_t> steps_;
   std::vector<std::string> parameters_;
 };
+
+// --- where a value crosses a level
+struct kv_crossing_t {
+  kv_variable_t variable = 0;
+  bool rises = true;
+  double level = 0;
+};
+// The x of the next crossing after that of the results, or of the last one before it.
+std::optional<double> kv_next_crossing(const kv_results_t& results, const kv_crossing_t& crossing);
+std::optional<double> kv_previous_crossing(const kv_results_t& results,
+                                           const kv_crossing_t& crossing);
+
+// The middle between the least and the greatest value over the plot, which is read once.
+double kv_middle_of(const kv_results_t& results, kv_variable_t variable);

@@ -2,7 +2,7 @@
 
 #include <limits>
 
-#include "app/language/answer_records.h"
+#include "app/language/answers.h"
 
 namespace {
 constexpr double none = std::numeric_limits<double>::quiet_NaN();

@@ -1,4 +1,4 @@
-// What answers about values say, as data (app/language/answer_records.h).
+// What answers about values say, as data (app/language/answers.h).
 #pragma once
 
 #include <string_view>

@@ -56,7 +56,7 @@ struct kv_flatten_t {
 };
 
 // Appends a piece to the path for the life of the object. Where the path would be too long the run
-// ends, with the path told: the piece is then left out.
+// ends, with the path reported: the piece is then left out.
 class kv_path_step {
  public:
   kv_path_step(kv_flatten_t& run, std::string_view piece);

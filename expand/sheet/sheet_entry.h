@@ -6,7 +6,7 @@
 
 #include "expand/sheet/sheets.h"
 
-// The sheet of an instance of a symbol; nullptr, with the reason told, when it has none that can be
+// The sheet of an instance of a symbol; nullptr, the reason reported, when it has none that can be
 // expanded. Old versions, missing checks and errors of the check are reported and counted at every
 // call.
 kv_sheet_t* kv_get_sheet_for_expand(kv_sheets_t& sheets, const kv_sheet_t& sheet,

@@ -8,7 +8,6 @@
 #include "gx/display/viewports.h"
 #include "gx/text/at.h"
 #include "gx/text/kept_text.h"
-#include "gx/text/messages/list_columns.h"
 #include "gx/text/messages/message_list.h"
 #include "gx/vext.h"
 

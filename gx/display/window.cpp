@@ -8,7 +8,7 @@
 #include "gx/display/strokes/pen.h"
 #include "gx/display/viewports.h"
 #include "gx/text/messages/debug.h"
-#include "gx/text/messages/list_columns.h"
+#include "gx/text/messages/message_list.h"
 #include "gx/text/messages/status.h"
 #include "gx/vext.h"
 #include "platform/timing.h"

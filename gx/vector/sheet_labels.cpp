@@ -1,4 +1,4 @@
-// Words and places of what a picture in a file says beside the drawing.
+// Words and places of what a picture in a file says besides the drawing.
 #include "gx/vector/sheet_labels.h"
 
 #include <cstdlib>

@@ -1,4 +1,4 @@
-// What a picture in a file says of a sheet beside its drawing: links, titles and names of nets.
+// What a picture in a file says of a sheet besides its drawing: links, titles and names of nets.
 #pragma once
 
 #include <functional>

@@ -3,6 +3,8 @@
 #include "gx/vector/svg_picture.h"
 
 #include <cmath>
+#include <string>
+#include <utility>
 
 #include "gx/db/object_access.h"
 #include "gx/db/place/geometry.h"
@@ -110,92 +112,126 @@ std::string style_sheet(gx_colours colours) {
   }
   return css;
 }
+// One picture: its parts are appended in the order of the file.
+class svg_picture {
+ public:
+  svg_picture(const gx_file_gene_recf_t& file, const gx_svg_page_t& page)
+      : file_(file), page_(page), size_(gx_inq_page_dim(file)) {}
+
+  std::string make() {
+    add_head();
+    add_page();
+    add_objects();
+    if (page_.labels.net_name) add_net_names();
+    return std::move(out_) + "</svg>\n";
+  }
+
+ private:
+  std::int64_t height() const { return std::int64_t{size_.y} + gx_title_room; }
+
+  void add_head() {
+    out_ =
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+        "<svg xmlns=\"http://www.w3.org/2000/svg\"";
+    if (page_.paper.longer > 0) {
+      const bool is_wide = size_.x >= height();
+      add_length("width", is_wide ? page_.paper.longer : page_.paper.shorter);
+      add_length("height", is_wide ? page_.paper.shorter : page_.paper.longer);
+    }
+    out_ += " viewBox=\"0 ";
+    gx_append_units(out_, -gx_title_room);
+    out_ += ' ';
+    gx_append_units(out_, size_.x);
+    out_ += ' ';
+    gx_append_units(out_, height());
+    out_ += "\" stroke-width=\"";
+    gx_append_units(out_, gx_thin_line);
+    out_.append("\">\n<title>").append(gx_xml(page_.labels.title)).append("</title>\n<style>\n");
+    out_.append(style_sheet(page_.colours)).append("</style>\n");
+  }
+
+  void add_length(std::string_view name, double millimetres) {
+    out_.append(" ").append(name).append("=\"");
+    gx_append_number(out_, millimetres);
+    out_ += "mm\"";
+  }
+
+  // The paper with the title over it, and the edge of the page.
+  void add_page() {
+    add_box("fill=\"" + hex_of(gx_paper_color(page_.colours)) + "\"", -gx_title_room);
+    add_box("class=\"c6\" fill=\"none\" stroke-width=\"1\"", 0);
+    const std::string up = link_to(page_.labels.above);
+    out_ += up;
+    writer_.add_text({0, -(gx_title_room - gx_title_height) / 2}, gx_title_height, 0,
+                     " class=\"f7\"", page_.labels.title);
+    if (!up.empty()) out_ += "</a>\n";
+  }
+
+  void add_box(std::string_view look, std::int32_t top) {
+    out_ += "<rect x=\"0\" y=\"";
+    gx_append_units(out_, top);
+    out_ += "\" width=\"";
+    gx_append_units(out_, size_.x);
+    out_ += "\" height=\"";
+    gx_append_units(out_, std::int64_t{size_.y} - top);
+    out_.append("\" ").append(look).append("/>\n");
+  }
+
+  // The begin of a link to one of the files; "" where there is none.
+  std::string link_to(int target) const {
+    if (target < 0 || target >= std::ssize(page_.files)) return {};
+    return "<a href=\"" + gx_xml(page_.files[static_cast<std::size_t>(target)]) + "\">\n";
+  }
+
+  // Instances and nets are groups with titles; an instance of a block leads to its sheet.
+  void add_objects() {
+    bool is_link = false;
+    gx_sink_t sink;
+    sink.draw = [&](const gx_shape_t& shape) { writer_.draw(shape); };
+    sink.opens = [&](int id) {
+      const bool is_net = gx_object_id_ptr(file_, id).object_type == gx_type::net;
+      const bool may_lead = !is_net && page_.labels.below;
+      const std::string link = may_lead ? link_to(page_.labels.below(id)) : std::string();
+      is_link = !link.empty();
+      auto& out = writer_.out();
+      out += is_link ? link : "<g>\n";
+      out.append("<title>").append(gx_xml(title_of(id, is_net))).append("</title>\n");
+    };
+    sink.closes = [&](int) { writer_.out() += is_link ? "</a>\n" : "</g>\n"; };
+    lb_frame_shapes(file_, sink);
+    writer_.flush();
+    lb_all_instance_shapes(file_, sink);
+    lb_all_net_shapes(file_, sink);
+    writer_.flush();
+  }
+
+  std::string title_of(int id, bool is_net) const {
+    const auto& labels = page_.labels;
+    if (is_net && labels.net_name)
+      if (const auto name = labels.net_name(id); !name.empty()) return std::string(name);
+    std::string title = is_net ? lb_net_name(file_, id) : gx_instance_words(file_, id);
+    return labels.title.empty() ? title : labels.title + ": " + title;
+  }
+
+  // The names of the flat nets, each at the longest piece of its net.
+  void add_net_names() {
+    for (const auto& [net, point, is_upright] : gx_net_places(file_)) {
+      gx_pointreal_t at = point;
+      auto& side = is_upright ? at.x : at.y;
+      side = gx_saturated(std::int64_t{side} - gx_flat_name_gap);
+      writer_.add_text(at, gx_flat_name_height, is_upright ? 1 : 0, " class=\"f6\"",
+                       page_.labels.net_name(net));
+    }
+  }
+
+  const gx_file_gene_recf_t& file_;
+  const gx_svg_page_t& page_;
+  const gx_pointreal_t size_;
+  std::string out_;
+  svg_writer writer_{out_};
+};
 }  // namespace
 
 std::string gx_svg_picture(const gx_file_gene_recf_t& file, const gx_svg_page_t& page) {
-  const gx_pointreal_t size = gx_inq_page_dim(file);
-  std::string out =
-      "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-      "<svg xmlns=\"http://www.w3.org/2000/svg\"";
-  const std::int64_t height = std::int64_t{size.y} + gx_title_room;
-  const auto attribute = [&](std::string_view name, double number, std::string_view unit) {
-    out.append(" ").append(name).append("=\"");
-    gx_append_number(out, number);
-    out.append(unit).append("\"");
-  };
-  if (page.paper.longer > 0) {
-    const bool is_wide = size.x >= height;
-    attribute("width", is_wide ? page.paper.longer : page.paper.shorter, "mm");
-    attribute("height", is_wide ? page.paper.shorter : page.paper.longer, "mm");
-  }
-  out += " viewBox=\"0 ";
-  gx_append_units(out, -gx_title_room);
-  out += ' ';
-  gx_append_units(out, size.x);
-  out += ' ';
-  gx_append_units(out, height);
-  out += "\" stroke-width=\"";
-  gx_append_units(out, gx_thin_line);
-  out += '"';
-  const auto& labels = page.labels;
-  const auto link = [&](int target) {
-    return target >= 0 && target < std::ssize(page.files)
-               ? "<a href=\"" + gx_xml(page.files[static_cast<std::size_t>(target)]) + "\">\n"
-               : std::string();
-  };
-  out.append(">\n<title>").append(gx_xml(labels.title)).append("</title>\n<style>\n");
-  out.append(style_sheet(page.colours)).append("</style>\n");
-  svg_writer writer(out);
-  const auto page_box = [&](std::string_view look, std::int32_t top) {
-    out.append("<rect x=\"0\" y=\"");
-    gx_append_units(out, top);
-    out += "\" width=\"";
-    gx_append_units(out, size.x);
-    out += "\" height=\"";
-    gx_append_units(out, std::int64_t{size.y} - top);
-    out.append("\" ").append(look).append("/>\n");
-  };
-  page_box("fill=\"" + hex_of(gx_paper_color(page.colours)) + "\"", -gx_title_room);
-  page_box("class=\"c6\" fill=\"none\" stroke-width=\"1\"", 0);
-  const std::string up = link(labels.above);
-  out += up;
-  writer.add_text({0, -(gx_title_room - gx_title_height) / 2}, gx_title_height, 0, " class=\"f7\"",
-                  labels.title);
-  if (!up.empty()) out += "</a>\n";
-
-  bool is_link = false;
-  gx_sink_t sink;
-  sink.draw = [&](const gx_shape_t& shape) { writer.draw(shape); };
-  sink.opens = [&](int id) {
-    auto& text = writer.out();
-    const bool is_net = gx_object_id_ptr(file, id).object_type == gx_type::net;
-    const std::string leads = !is_net && labels.below ? link(labels.below(id)) : std::string();
-    is_link = !leads.empty();
-    text += is_link ? leads : "<g>\n";
-    std::string title = is_net ? lb_net_name(file, id) : gx_instance_words(file, id);
-    if (is_net && labels.net_name && !labels.net_name(id).empty())
-      title = labels.net_name(id);
-    else if (!labels.title.empty())
-      title = labels.title + ": " + title;
-    text.append("<title>").append(gx_xml(title)).append("</title>\n");
-  };
-  sink.closes = [&](int) { writer.out() += is_link ? "</a>\n" : "</g>\n"; };
-  lb_frame_shapes(file, sink);
-  writer.flush();
-  lb_all_instance_shapes(file, sink);
-  is_link = false;
-  lb_all_net_shapes(file, sink);
-  writer.flush();
-  if (labels.net_name) {
-    for (const auto& [net, point, is_upright] : gx_net_places(file)) {
-      const gx_pointreal_t at =
-          is_upright
-              ? gx_pointreal_t{gx_saturated(std::int64_t{point.x} - gx_flat_name_gap), point.y}
-              : gx_pointreal_t{point.x, gx_saturated(std::int64_t{point.y} - gx_flat_name_gap)};
-      writer.add_text(at, gx_flat_name_height, is_upright ? 1 : 0, " class=\"f6\"",
-                      labels.net_name(net));
-    }
-  }
-  out += "</svg>\n";
-  return out;
+  return svg_picture(file, page).make();
 }

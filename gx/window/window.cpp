@@ -22,7 +22,6 @@
 #include "gx/window/colors.h"
 #include "gx/window/events.h"
 #include "gx/window/pictures.h"
-#include "gx/window/pixels.h"
 #include "gx/window/pointer.h"
 #include "gx/window/strokes.h"
 

@@ -1,9 +1,10 @@
-// The files that a reader reads, and how it refuses them.
+// What a reader is asked to read, its files, and how it refuses them.
 #pragma once
 
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "gxmake/description.h"
 
@@ -14,3 +15,8 @@
 // "PATH:1: cannot be read: why", also for a directory, a pipe or a device.
 std::string gxi_read_source(const std::filesystem::path& path);
 std::string gxi_read_head(const std::filesystem::path& path, std::size_t length);
+
+struct gxi_input_t {
+  std::vector<std::filesystem::path> pages;      // the top sheet, and its further pages
+  std::vector<std::filesystem::path> libraries;  // where symbols are looked for first
+};

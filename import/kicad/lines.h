@@ -1,4 +1,4 @@
-// What is drawn on a sheet beside symbols and texts.
+// What is drawn on a sheet besides symbols and texts.
 #pragma once
 
 #include "import/drawing/drawing.h"

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "import/drawing/drawing.h"
-#include "import/drawing/input.h"
+#include "import/drawing/source_file.h"
 #include "import/lepton/file.h"
 #include "import/lepton/project.h"
 

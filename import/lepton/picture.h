@@ -19,7 +19,7 @@ gxm_shape_t gxi_lepton_pin_line(const gxi_lepton_pin_t& pin);
 
 // What is seen of a text: of an attribute its value, its name or both; "" when it is hidden.
 std::string gxi_lepton_seen(const gxi_lepton_text_t& text);
-// Without the marks of an overbar: "\_RESET\_" is "~RESET" for a name, where it must stay told
+// Without the marks of an overbar: "\_RESET\_" is "~RESET" for a name, where it must stay distinct
 // from RESET.
 std::string gxi_lepton_plain(std::string_view text);
 // A name with its bars, as gx/text/spelling.h has them in drawn names.

@@ -14,7 +14,7 @@ namespace {
 
 // Attributes that become something else here.
 constexpr std::array<std::string_view, 4> told_otherwise{"refdes", "net", "graphical", "slotdef"};
-// Those that tell of the symbol in its library: they are not the instances'.
+// Those about the symbol in its library: they are not the instances'.
 constexpr std::array<std::string_view, 10> of_library{
     "author",   "comment", "description", "dist-license", "documentation",
     "numslots", "pins",    "symversion",  "symbol",       "use-license"};

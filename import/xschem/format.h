@@ -13,7 +13,7 @@
 // A node of a line: a pin of the symbol, or a net that a text names.
 struct gxi_xschem_node_t {
   int pin = -1;
-  std::size_t width = 0;  // the bits of the pin where its name does not tell; 0: as its name says
+  std::size_t width = 0;  // the bits of the pin where its name does not say; 0: as its name says
   std::string name{};     // of the node without a pin: its attribute, or N3 for the third node
   std::string label{};    // of the net
 };

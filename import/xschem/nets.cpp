@@ -231,7 +231,7 @@ class joiner {
 std::vector<int> gxi_xschem_nets_t::named(std::string_view label, const gxm_source_t& source) {
   std::vector<int> list;
   for (auto& name : gxi_xschem_bits(label)) {
-    // A netlist for simulation does not tell letter cases apart.
+    // A netlist for simulation does not distinguish letter cases.
     const auto [found, is_new] = by_name.emplace(gx_upper(name), static_cast<int>(nets.size()));
     if (is_new) {
       // The program's own names of unnamed nets begin with "#".

@@ -151,7 +151,7 @@ class xschem_reader {
     sheet.source = {file, 1};
     draw(records, sheet);
     for (std::size_t i = 0; i < placed.size(); ++i) add(sheet, placed[i], i, nets, path);
-    // Nodes that a symbol's line names beside its pins are pins of the cell, too.
+    // Nodes that a symbol's line names besides its pins are pins of the cell, too.
     if (as != nullptr && as->role == gxi_xschem_role_t::device)
       for (const auto& node : as->devices.front().nodes)
         if (node.pin < 0) {
@@ -248,7 +248,7 @@ class xschem_reader {
     return plain;
   }
 
-  // Pins whose names do not tell their bits, as of a gate of any number of inputs, have those of
+  // Pins whose names do not say their bits, as of a gate of any number of inputs, have those of
   // their labels.
   static void widen(gxi_xschem_placed_t& placed, const gxi_xschem_nets_t& nets, std::size_t i) {
     if (placed.ignored) return;

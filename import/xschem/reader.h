@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "import/drawing/drawing.h"
-#include "import/drawing/input.h"
+#include "import/drawing/source_file.h"
 
 gxi_design_t gxi_read_xschem(const gxi_input_t& input);
 

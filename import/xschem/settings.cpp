@@ -49,7 +49,7 @@ class settings_reader {
   }
 
  private:
-  using value_t = std::optional<std::string>;  // nothing: only Tcl can tell
+  using value_t = std::optional<std::string>;  // nothing: only Tcl knows
 
   void run(std::string_view script, int line, int depth) {
     gxi_xschem_tcl_commands_t commands(script, line);

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "import/drawing/drawing.h"
-#include "import/drawing/input.h"
+#include "import/drawing/source_file.h"
 #include "import/xschem/attributes.h"
 #include "import/xschem/records.h"
 #include "import/xschem/tcl/tcl_script.h"

@@ -6,7 +6,6 @@
 #include <string>
 
 #include "compare/changes.h"
-#include "export/changes_json.h"
 #include "export/json.h"
 #include "kvi/state.h"
 

@@ -35,7 +35,7 @@ TEST(Examples, RegisterExpandsThroughThreeLevels) {
   EXPECT_TRUE(ended.out.ends_with(no_faults)) << ended.out;
 
   auto session = directory.lines("register/current_session");
-  // What stands before are the key bindings of the product directory.
+  // What comes before are the key bindings of the product directory.
   session.erase(session.begin(), std::find(session.begin(), session.end(), "# KIVO  version 2.02"));
   const std::vector<std::string> beginning = {"# KIVO  version 2.02",
                                               "# DO expand.do ",
@@ -159,7 +159,8 @@ TEST(Examples, EverySheetPassesTheCheck) {
 }
 
 #ifdef KIVO_KVI_LIBRARY
-// What the Python module tells of a design, a line for each object, against the listing of the run.
+// What the Python module reports of a design, a line for each object, against the listing of the
+// run.
 TEST(Examples, PythonReadsWhatTheListingHolds) {
   scratch_directory directory;
   expand_example(directory, "filter");

@@ -121,7 +121,7 @@ TEST_F(FindProgram, AClickOnALineGoesToWhatItNames) {
   };
   s.move(300, 800);
   const auto before = list();
-  // The tree of two blocks is told in the last lines but one: "/", "/U1".
+  // The tree of two blocks is shown in the last lines but one: "/", "/U1".
   constexpr int last_line = 706 + 6 * 24 + 6, u1 = last_line - 24;
   s.click(300, u1);
   s.wait_for_head(" FINd PATh /U1  block ");

@@ -1,4 +1,4 @@
-// What the texts of the product directory tell users to type: it runs without an error.
+// What the texts of the product directory ask users to type: it runs without an error.
 #include <thread>
 
 #include "tests/program/program_fixture.h"

@@ -7,7 +7,7 @@
 namespace {
 
 // Four levels; the labels of a level are as long as said, so that the next level's place is known:
-// a level is (longest label + 2) * 14 pixels wide and the next one begins 1 pixel behind it.
+// a level is (longest label + 2) * 14 pixels wide and the next one begins 1 pixel after it.
 constexpr char deep_menu[] =
     "1 'FIRST' 'smash on'\n"
     "1 'SECOND'\n"

@@ -28,7 +28,7 @@ TEST(WalkProgram, ACommandFileWalksSelectsAndChecks) {
                                                     .program = {}});
   EXPECT_EQ(ended.status, 0) << ended.out << ended.err;
   auto lines = directory.lines("top/current_session");
-  // What the command file itself answers is told elsewhere.
+  // What the command file itself answers is tested elsewhere.
   const auto first = std::find(lines.begin(), lines.end(), " VIEw DOWn  X1");
   lines.erase(lines.begin(), first);
   lines.resize(std::min<std::size_t>(lines.size(), 31));

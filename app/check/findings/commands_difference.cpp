@@ -7,7 +7,7 @@
 #include "app/check/findings/changed_places.h"
 #include "app/check/findings/listed_places.h"
 #include "app/find/highlights.h"
-#include "app/language/answer_records.h"
+#include "app/language/answers.h"
 #include "app/language/command_row.h"
 #include "app/sheet/command_viewport.h"
 #include "compare/words.h"

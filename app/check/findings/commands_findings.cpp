@@ -5,11 +5,10 @@
 
 #include "app/check/design_check.h"
 #include "app/check/findings/findings_file.h"
-#include "app/check/findings/findings_forms.h"
 #include "app/check/findings/listed_places.h"
 #include "app/check/findings/waivers.h"
 #include "app/find/go_to.h"
-#include "app/language/answer_records.h"
+#include "app/language/answers.h"
 #include "app/language/command_row.h"
 #include "app/run/run_progress.h"
 #include "expand/store.h"

@@ -4,7 +4,7 @@
 
 #include "app/check/sheet/check_reference.h"
 #include "app/check/sheet/check_rules.h"
-#include "app/language/answer_records.h"
+#include "app/language/answers.h"
 #include "app/language/command_row.h"
 #include "app/sheet/command_viewport.h"
 #include "gx/db/undo.h"

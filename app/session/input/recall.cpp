@@ -61,7 +61,7 @@ void read_lines(kv_recall_state_t& recall) {
   if (count > 2 * kv_most_typed_lines) x_replace_file(path.string(), joined(recall.lines));
 }
 
-// At the end of the file, so that sessions beside each other lose nothing.
+// At the end of the file, so that sessions at the same time lose nothing.
 void write_line(std::string_view line) {
   const fs::path path = state_file();
   if (path.empty()) return;

@@ -1,4 +1,4 @@
-// The pointer: its shape and its position.
+// The pointer: its shape, its position, and the rectangle that follows it.
 #pragma once
 
 #include "gx/text/records.h"
@@ -13,3 +13,8 @@ void gx_cursor_erase();
 void gx_cursor_set_position(gx_point16_t pixel);
 // The same for a pointer that is still within 18 pixels of `from`; one that was moved on stays.
 void gx_cursor_set_position(gx_point16_t pixel, gx_point16_t from);
+
+// The rubber rectangle from pixel_ptr1 to the pointer.
+void gx_rectangle_action();  // it follows the pointer
+void gx_rectangle_erase();   // takes it off the screen; the next move shows it again
+gx_pointreal_t gx_inq_base_point();

@@ -23,7 +23,7 @@ struct gx_input_state_t {
   x_timeval_record_t lasttime;
   std::int32_t last_motputb = 0;   // time of the last motion, server milliseconds
   bool rest_awaited = false;       // the pointer moved and has not come to rest yet
-  gx_point16_t moved_to;           // where it was last, as the server told
+  gx_point16_t moved_to;           // where it was last, as the server reported
   gx_point16_t pointer_put;        // where it was put last by the program
   bool was_put = false;            // since button 1 went down
   bool pointer_stays = false;      // it is dragged: what would put it near where it is does not

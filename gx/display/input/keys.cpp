@@ -1,4 +1,4 @@
-// Key names and the binding tables behind them. One table describes all names; parsing a name and
+// Key names and their binding tables. One table describes all names; parsing a name and
 // listing the bindings both walk it. Running a binding is the event loop's part.
 #include "gx/display/input/keys.h"
 

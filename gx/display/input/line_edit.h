@@ -1,5 +1,6 @@
-// The command line under the pointer: which character the pointer is on, the caret, and the keys
-// that recall and delete text there. `pixel` is a window pixel.
+// The command line: its viewport, with the prompt and the command being typed; the caret; which
+// character the pointer is on, and the keys that recall and delete text there. `pixel` is a window
+// pixel.
 #pragma once
 
 #include <string_view>
@@ -31,3 +32,11 @@ void gx_pixel_pos_action();
 void gx_again_action(gx_vpid_t vpid, gx_point16_t pixel);    // recalls a list line
 void gx_backsp_action(gx_vpid_t vpid, gx_point16_t pixel);   // deletes before the pointer
 void gx_chardel_action(gx_vpid_t vpid, gx_point16_t pixel);  // deletes under the pointer
+
+// --- its picture
+// Draws " cmd >" and the text, from character istart_cmd on. Nothing without a display.
+void gx_display_cmd(std::string_view text);
+// Draws just the newly typed characters after the present command text.
+void gx_display_cmd_part(std::string_view text);
+// The caret shows where the next character goes; it follows the pointer along the line.
+void gx_follow_caret();

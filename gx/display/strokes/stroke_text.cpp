@@ -16,7 +16,7 @@
 #include "gx/text/at.h"
 #include "gx/text/characters.h"
 #include "gx/text/messages/debug.h"
-#include "gx/text/messages/list_columns.h"
+#include "gx/text/messages/message_list.h"
 #include "gx/text/messages/status.h"
 #include "gx/vext.h"
 

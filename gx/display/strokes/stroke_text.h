@@ -16,7 +16,7 @@
 void gx_setarray_hortext();
 
 // Horizontal text from character `istart` (from 1) on, its top left at (x, y). The background is
-// cleared first: a whole line, or just behind the text.
+// cleared first: a whole line, or just after the text.
 void gx_hortext(gx_vpid_t vpid, std::string_view text, int istart, int x, int y, bool whole_line,
                 int color);
 
@@ -25,7 +25,7 @@ void gx_hortext(gx_vpid_t vpid, std::string_view text, int istart, int x, int y,
 std::span<const gx_line16_t> gx_scaled_glyph(char32_t code);
 
 // Text with its baseline at (x, y), `height` pixels high: rotation 1 reads upwards, 3 downwards,
-// any other to the right. `opaque` clears the box behind it.
+// any other to the right. `opaque` clears its box first.
 void gx_text(gx_vpid_t vpid, std::string_view text, int x, int y, int height, int rotation,
              int color, bool opaque = false);
 

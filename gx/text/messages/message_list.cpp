@@ -11,16 +11,17 @@
 
 #include "gx/text/at.h"
 #include "gx/text/messages/debug.h"
-#include "gx/text/messages/list_columns.h"
 #include "gx/text/messages/session_state.h"
 #include "gx/text/strings.h"
 #include "gx/text/text_files.h"
 #include "platform/files.h"
 
 namespace {
+
 constexpr std::size_t max_line_length = 199;
 constexpr int lines_between_looks = 100;
 
+int columns = gx_max_text_length;  // that the list viewport shows of a line
 gx_list_drawer_t draw_list = nullptr;
 
 struct line_t {
@@ -221,3 +222,13 @@ void gx_count_kind(gx_line_kind kind) {
 }
 
 void gx_set_list_drawer(gx_list_drawer_t drawer) { draw_list = drawer; }
+
+int gx_list_width() { return columns; }
+
+void gx_set_list_width(int wanted) { columns = std::clamp(wanted, 20, gx_max_string_length - 1); }
+
+bool gx_list_is_plain() { return columns == gx_max_text_length; }
+
+std::size_t gx_list_break() {
+  return gx_list_columns + static_cast<std::size_t>(std::max(columns - gx_max_text_length, 0));
+}

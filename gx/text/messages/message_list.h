@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string_view>
@@ -24,7 +25,7 @@ struct gx_list_state_t {
   bool is_read = false;            // the user is at a line: a new command shows no end
   std::array<gx_string_record_t, gx_max_list_lines> line_list;  // line n at entry n - 1
   std::array<gx_line_kind, gx_max_list_lines> line_kind{};      // and what it means
-  gx_line_kind worst = gx_line_kind::plain;                     // of all lines told
+  gx_line_kind worst = gx_line_kind::plain;                     // of all lines reported
 };
 
 // The part of gx_vext that this room and those above it may touch.
@@ -95,3 +96,11 @@ void gx_list_leave();
 // What draws the list after it changed; none at first.
 using gx_list_drawer_t = void (*)();
 void gx_set_list_drawer(gx_list_drawer_t drawer);
+
+// How many characters of a line the list viewport shows: 60, or as many as its letters leave room
+// for.
+int gx_list_width();
+void gx_set_list_width(int columns);  // 20..199
+bool gx_list_is_plain();              // it has the letters of the command line
+// Where texts that are reported in several lines are broken.
+std::size_t gx_list_break();

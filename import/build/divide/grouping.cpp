@@ -10,7 +10,7 @@
 
 namespace {
 
-// Nets of more pins tell nothing of what belongs together.
+// Nets of more pins say nothing about what belongs together.
 constexpr std::size_t most_telling = 64;
 constexpr std::int64_t whole_bond = 1 << 16;  // of a net of two pins
 

@@ -80,7 +80,7 @@ class script_reader {
     return answer;
   }
 
-  // An error of Tcl is not told from what is not read here, so that only success is known.
+  // An error of Tcl cannot be told from what is not read here, so that only success is known.
   value_t caught(const words_t& words, int depth) {
     const auto answer = run(words[1].text, depth + 1);
     if (!answer || returned_) return std::nullopt;

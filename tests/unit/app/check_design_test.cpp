@@ -7,9 +7,8 @@
 #include <set>
 
 #include "app/check/findings/findings_file.h"
-#include "app/check/findings/findings_forms.h"
 #include "app/check/findings/waivers.h"
-#include "app/language/answer_records.h"
+#include "app/language/answers.h"
 #include "app/session/batch_json.h"
 #include "expand/store.h"
 #include "tests/support/design_session.h"
@@ -416,7 +415,7 @@ sheet top
 }
 
 TEST(CheckDesign, ErrorsOfARunThatNoRuleTellsAreFindings) {
-  // Two ports on one net, at each of 40 visits: told once. A sheet that cannot be read is one.
+  // Two ports on one net, at each of 40 visits: reported once. A sheet that cannot be read is one.
   std::string top = "sheet top\n page 400,400\n part Z bad 300,300\n";
   for (int i = 0; i < 40; ++i) {
     const auto n = std::to_string(i), y = std::to_string(4 + 4 * i);
@@ -454,7 +453,7 @@ TEST(CheckDesign, EveryFindingIsPlacedAtItsOwnObject) {
     }
     EXPECT_EQ(objects.size(), 4U);
   }
-  // What was told before a run had to end; a path that it could not store by what is above it.
+  // What was reported before a run had to end; a path that it could not store by what is above it.
   const std::string name(60, 'N');
   checked c(block + "symbol deep\nsheet deep\n part " + name + " buf 4,4\n" +
             "sheet top\n part X blk 4,4\n part " + name + " deep 9,4\n");
@@ -662,7 +661,7 @@ TEST(CheckDesign, WaivedFindingsAreCountedApart) {
   EXPECT_EQ(lines_t(lines.end() - 4, lines.end() - 1),
             (lines_t{"# CHEck  DESign > nb_error    = 0 ", "# CHEck  DESign > nb_warning  = 1 ",
                      "# CHEck  DESign > nb_waived   = 3 "}));
-  // A rule that is off finds nothing, and its waivers are not told.
+  // A rule that is off finds nothing, and its waivers are not reported.
   EXPECT_EQ(
       c.s.run("rule pin-open off;rule single-pin off;rule pin-unused off;check design").size(), 8U);
 

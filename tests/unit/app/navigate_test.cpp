@@ -1,6 +1,6 @@
 // Walking the hierarchy and choosing what the two viewports show.
 #include "app/language/completion.h"
-#include "app/sheet/sheet_files.h"
+#include "app/sheet/walk.h"
 #include "gx/db/file/record_codec.h"
 #include "gx/display/viewports.h"
 #include "gx/vext.h"

@@ -1,9 +1,9 @@
 // What commands draw in the views of a sheet, where they bring the picture, the pointer and the
 // panes.
-#include "app/sheet/last_views.h"
 #include "app/sheet/pan.h"
 #include "app/sheet/panes.h"
-#include "app/sheet/sheet_files.h"
+#include "app/sheet/views.h"
+#include "app/sheet/walk.h"
 #include "gx/db/place/geometry.h"
 #include "gx/db/undo.h"
 #include "gx/display/viewport_coords.h"

@@ -4,7 +4,7 @@
 #include <iterator>
 #include <set>
 
-#include "app/language/answer_records.h"
+#include "app/language/answers.h"
 #include "app/values/bits.h"
 #include "app/values/condition.h"
 #include "app/values/text_room.h"

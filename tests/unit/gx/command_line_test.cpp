@@ -4,13 +4,11 @@
 
 #include <string>
 
-#include "gx/display/input/cmd_viewport.h"
 #include "gx/display/input/cursor.h"
 #include "gx/display/input/line_edit.h"
 #include "gx/display/input/menu_draw.h"
 #include "gx/display/input/menu_state.h"
 #include "gx/display/input/menu_tree.h"
-#include "gx/display/input/rubber_rectangle.h"
 #include "gx/display/list_viewport.h"
 #include "gx/display/strokes/stroke_text.h"
 #include "gx/text/messages/message_list.h"

@@ -4,11 +4,10 @@
 #include <cstdio>
 
 #include "app/session/input/gestures.h"
-#include "gx/display/input/cmd_viewport.h"
+#include "gx/display/input/line_edit.h"
 #include "gx/display/sheet/theme.h"
 #include "gx/display/strokes/stroke_text.h"
 #include "gx/text/at.h"
-#include "gx/text/messages/list_columns.h"
 #include "gx/text/messages/message_list.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"

@@ -6,7 +6,7 @@
 #include <set>
 #include <string>
 
-#include "gx/text/messages/list_columns.h"
+#include "gx/text/messages/message_list.h"
 #include "gx/vext.h"
 #include "tests/support/counting_screen.h"
 #include "tests/support/drawing_board.h"

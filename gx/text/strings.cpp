@@ -1,5 +1,4 @@
-// Copies and concatenations of the text records.
-#include "gx/text/string_copies.h"
+#include "gx/text/strings.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -8,9 +7,9 @@
 #include "gx/text/messages/debug.h"
 #include "gx/text/messages/status.h"
 #include "gx/text/record_fill.h"
-#include "gx/text/string_checks.h"
 
 namespace {
+
 constexpr std::size_t max_string = gx_max_string_length - 1;
 constexpr std::size_t max_name = sizeof(gx_name_record_t::char_) - 1;
 constexpr std::size_t max_value = sizeof(gx_value_record_t::char_) - 1;
@@ -39,6 +38,69 @@ void append(std::string_view text, gx_string_record_t& string) {
   string.char_[len + taken] = 0;
   gx_check_string(string);
 }
+
+// The checks of the three text records and the repair of a typed line.
+constexpr std::int32_t max_rest_length = 198;
+
+// What a check says: the headlines by fault, then the name that begins each detail line.
+struct check_texts_t {
+  const char* negative;
+  const char* too_long;
+  const char* invalid_char;
+  const char* name;
+};
+constexpr check_texts_t string_texts = {nullptr, " !!! error in  gx_check_string  ( too long )  ",
+                                        " !!! error in  gx_check_string  ( invalid char )  ",
+                                        "gx_check_string"};
+constexpr check_texts_t name_texts = {
+    " !! error in gx_check_name  ( < 0 ) ", " !!! error in  gx_check_name  ( too long )  ",
+    " !!! error in  gx_check_name ( invalid char )  ", "gx_check_name"};
+constexpr check_texts_t value_texts = {
+    " !! error in gx_check_value  ( < 0 ) ", " !!! error in  gx_check_value  ( too long )  ",
+    " !!! error in  gx_check_value  ( invalid char )  ", "gx_check_value"};
+
+// The first characters of a record whose contents are not to be trusted.
+void debug_first_characters(const char* chars) {
+  gx_debug(" char_ : \"");
+  for (int i = 0; i < 5; ++i) gx_debug("%c", gx_printable(chars[i]) ? chars[i] : '.');
+  gx_debug("\"\n");
+}
+
+void debug_first_bytes(const char* chars) {
+  for (int i = 0; i < 4; ++i)
+    gx_debug(" '%c' %d", gx_printable(chars[i]) ? chars[i] : '.', chars[i]);
+  gx_debug("\n");
+}
+
+// Position (from 1) of the first character that no record may hold, 0 when all are sound.
+std::int32_t find_invalid(std::string_view text) {
+  for (std::size_t i = 0; i < text.size(); ++i)
+    if (!gx_printable(text[i])) return static_cast<std::int32_t>(i + 1);
+  return 0;
+}
+
+[[noreturn]] void stop_invalid_char(const check_texts_t& texts, std::int32_t len, std::int32_t at,
+                                    const char* chars) {
+  gx_debug_line(texts.invalid_char);
+  gx_debug(" %s  : len %d    ind_char = %d   char : %d\n", texts.name, len, at, chars[at - 1]);
+  debug_first_characters(chars);
+  gx_set_status(gx_code::invalid_string);
+}
+
+template <typename Record>
+void check_short_record(Record& record, const check_texts_t& texts) {
+  constexpr auto room = static_cast<std::int32_t>(sizeof record.char_);
+  if (record.len < 0 || record.len > room) {
+    gx_debug_line(record.len < 0 ? texts.negative : texts.too_long);
+    gx_debug(" %s  : len %d\n", texts.name, record.len);
+    debug_first_characters(record.char_);
+    record.len = 0;
+    gx_set_status(gx_code::invalid_string);
+  }
+  if (const auto at = find_invalid(gx_view(record)); at != 0)
+    stop_invalid_char(texts, record.len, at, record.char_);
+}
+
 }  // namespace
 
 void gx_refuse_length(std::string_view operation, std::string_view source, std::int32_t length) {
@@ -142,4 +204,43 @@ void gx_concat_value(const gx_value_record_t& value, gx_string_record_t& string)
 void gx_concat_sp(gx_string_record_t& string) {
   gx_check_string(string);
   if (string.len + 1 < gx_max_string_length - 1) append(" ", string);
+}
+
+void gx_check_string(const gx_string_record_t& string) {
+  if (string.len < 0 || string.len >= gx_max_string_length) {
+    if (string.len < 0) {
+      gx_debug(" !! error in gx_check_string ( < 0 ) : len %d\n", string.len);
+    } else {
+      gx_debug_line(string_texts.too_long);
+      gx_debug(" gx_check_string  : len %d\n", string.len);
+    }
+    debug_first_characters(string.char_);
+    debug_first_bytes(string.char_);
+    gx_set_status(gx_code::invalid_string);
+  }
+  if (const auto at = find_invalid(gx_view(string)); at != 0)
+    stop_invalid_char(string_texts, string.len, at, string.char_);
+}
+
+void gx_check_name(gx_name_record_t& name) { check_short_record(name, name_texts); }
+
+void gx_check_value(gx_value_record_t& value) { check_short_record(value, value_texts); }
+
+void gx_rest_string(gx_string_record_t& string) {
+  if (string.len < 0) string = {};
+  if (string.len > max_rest_length) string.len = max_rest_length;
+  // The byte after the longest line is not part of it.
+  const auto byte_at = [&](std::int32_t i) { return i < string.len ? string.char_[i] : '\0'; };
+  std::int32_t i = 0;
+  for (; i < string.len; ++i) {
+    char& c = string.char_[i];
+    if (c == 0 || (c == '\n' && byte_at(i + 1) == 0)) break;
+    if (c == '\n') {
+      c = ';';
+    } else if (!gx_printable(c)) {
+      c = ' ';
+    }
+  }
+  string.len = i;
+  string.char_[i] = 0;
 }
