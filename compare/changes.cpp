@@ -11,10 +11,9 @@
 
 namespace {
 
-constexpr std::array<std::string_view, 11> words = {
-    "branch renamed", "branch gone",      "branch new",     "instance gone",
-    "instance new",   "instance renamed", "values changed", "net renamed",
-    "net split",      "net joined",       "pin moved"};
+constexpr auto words = std::to_array<std::string_view>(
+    {"branch renamed", "branch gone", "branch new", "instance gone", "instance new",
+     "instance renamed", "values changed", "net renamed", "net split", "net joined", "pin moved"});
 
 std::string pin_text(std::string_view before, const kv_compared_terminal_t& terminal) {
   std::string text(before);

@@ -306,6 +306,24 @@ TEST(Compare, ToldAsAReviewerWouldTellIt) {
             }),
             lines_t{"~ net /OUT is now /Q"});
   EXPECT_EQ(
+      after([&](design_t& d) {
+        d.leaves["/R1"].pins["A"] = "";
+        d.leaves["/R2"].pins["A"] = "";
+        d.leaves["/R5"] = leaf("5k", "/IN", "/OUT");
+      }),
+      (lines_t{"+ instance /R5 is new: MODEL=R, VALUE=5k, A on /IN, B on /OUT",
+               "~ pin /R1/A moved from /IN to no net", "~ pin /R2/A moved from /IN to no net"}));
+  const design_t lone{{}, {{"/R1", leaf("1k", "", "/B")}}};
+  EXPECT_EQ(told(lone, {{}, {{"/R1", leaf("1k", "/A", "/B")}}}),
+            lines_t{"~ pin /R1/A moved from no net to /A"});
+  // A net is known by its pins, though another has its name now.
+  EXPECT_EQ(after([&](design_t& d) {
+              for (auto& [path, of] : d.leaves)
+                if (of.pins["A"] == "/IN") of.pins["A"] = "/Z";
+              d.leaves["/R9"] = {{}, {{"A", "/IN"}}};
+            }),
+            (lines_t{"+ instance /R9 is new: A on /IN", "~ net /IN is now /Z"}));
+  EXPECT_EQ(
       after([&](design_t& d) { d.leaves["/R1"].pins["A"] = d.leaves["/R2"].pins["A"] = "/S"; }),
       lines_t{"~ net /IN is split: now on /S are /R1/A, /R2/A"});
   EXPECT_EQ(after([&](design_t& d) {
@@ -334,10 +352,11 @@ TEST(Compare, ToldAsAReviewerWouldTellIt) {
             (lines_t{"~ net /OUT is now /Q", "~ pin /R3/B moved from /GND to /Q"}));
   EXPECT_EQ(after([&](design_t& d) {
               d.leaves["/R9"] = d.leaves["/R2"];
-              d.leaves.erase("/R2");
-              d.leaves.erase("/R3");
+              d.leaves["/R8"] = leaf("8k", "/GND", "/OUT");
+              for (const auto* const path : {"/R2", "/R3", "/R4"}) d.leaves.erase(path);
             }),
-            (lines_t{"- instance /R3 is gone", "~ instance /R2 is now /R9"}));
+            (lines_t{"- instance /R3 is gone", "~ instance /R2 is now /R9",
+                     "~ instance /R4 is now /R8", "~ instance /R8: VALUE 4k -> 8k"}));
   EXPECT_EQ(after([&](design_t& d) {
               d.blocks.clear();
               d.leaves.erase("/X1/R1");
@@ -382,6 +401,14 @@ TEST(Compare, ToldAsAReviewerWouldTellIt) {
   EXPECT_EQ(changes({"1000"}, {"1k"}), 1U);
   EXPECT_EQ(changes({"0", true}, {}), 0U);
   EXPECT_EQ(changes({"0"}, {}), 1U);
+  // Branches of other values are found by the names in them.
+  const auto marks = [](std::string first, std::string second, const char* value) {
+    const leaf_t mark{{{"V", value}}, {}};
+    return design_t{{first.substr(0, 3), second.substr(0, 3)}, {{first, mark}, {second, mark}}};
+  };
+  EXPECT_EQ(told(marks("/X1/M", "/X2/N", "1"), marks("/X3/N", "/X4/M", "2")),
+            (lines_t{"~ branch /X1 is now /X4", "~ branch /X2 is now /X3",
+                     "~ instance /X4/M: V 1 -> 2", "~ instance /X3/N: V 1 -> 2"}));
   // Branches that are alike are found by the nets that they are on.
   const design_t twins{{"/X1", "/X2"},
                        {{"/R1", leaf("1k", "/IN", "/OUT")},
