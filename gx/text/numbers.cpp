@@ -1,5 +1,6 @@
 #include "gx/text/numbers.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -38,25 +39,24 @@ gx_parsed<Number> decimal(std::string_view text) {
 
 // "[blanks][-][blanks]digits and points", ended by a blank: sign * digits / divisor.
 gx_parsed<double> scan_real(std::string_view text) {
-  std::size_t i = 0;
   const auto skip_blanks = [&] {
-    while (i < text.size() && text[i] == ' ') ++i;
+    text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
   };
   skip_blanks();
   double sign = 1;
-  if (i < text.size() && text[i] == '-') {
+  if (text.starts_with('-')) {
     sign = -1;
-    ++i;
+    text.remove_prefix(1);
     skip_blanks();
   }
   double digits = 0, divisor = 1;
   bool behind_point = false;
-  for (; i < text.size() && text[i] != ' '; ++i) {
-    if (text[i] == '.') {
+  for (const char c : text.substr(0, text.find(' '))) {
+    if (c == '.') {
       behind_point = true;
       continue;
     }
-    const int digit = digit_of(text[i], 10);
+    const int digit = digit_of(c, 10);
     if (digit < 0) return {0, true};
     digits = digits * 10 + digit;
     if (behind_point) divisor *= 10;

@@ -109,6 +109,14 @@ TEST_F(ListViewport, StaysWhileOneReadsIt) {
   gx_list_follow();
   gx_display_list("the next command's");
   EXPECT_EQ(gx_vext.nlinlist_disp, 17);
+  // What is read moves up with the lines that go, and no further than the first.
+  gx_list_stay();
+  for (int i = 24; i <= 500; ++i) gx_display_list("line");
+  EXPECT_EQ(gx_vext.nlinlist_disp, 17);
+  gx_display_list(std::string(61, 'x'));
+  EXPECT_EQ(gx_vext.nlinlist_disp, 15);
+  for (int i = 0; i < 15; ++i) gx_display_list("line");
+  EXPECT_EQ(gx_vext.nlinlist_disp, 1);
 }
 
 TEST_F(ListViewport, AThemeColoursLinesByWhatTheyMean) {
@@ -165,6 +173,31 @@ TEST_F(ListViewport, ASessionFileOnAFullDiskIsToldOnce) {
   EXPECT_EQ(line(4), "two");
 }
 
+// Without a list the loss is a message, once until the file takes lines again.
+TEST_F(ListViewport, ALostSessionFileIsAMessageOfABatch) {
+  static constexpr gx_front_t batch = {
+      .keeps_lines = false, .messages = [] { return stderr; }, .message_head = "kivo: "};
+  gx_set_front(batch);
+  std::FILE* other = gx_vext.cursessfile;
+  gx_vext.cursessname = gx_string("top/current_session");
+  testing::internal::CaptureStderr();
+  gx_vext.cursessfile = std::fopen("/dev/full", "w");
+  std::setvbuf(gx_vext.cursessfile, nullptr, _IONBF, 0);
+  for (const char* const line : {"one", "two"}) gx_display_list(line);
+  std::swap(gx_vext.cursessfile, other);
+  gx_display_list("three");
+  std::swap(gx_vext.cursessfile, other);
+  gx_display_list("four");
+  const std::string lost = "kivo: top/current_session: No space left on device\n";
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), lost + lost);
+  EXPECT_EQ(gx_vext.num_errors, 2);
+  EXPECT_EQ(gx_vext.cursess_error, ENOSPC);
+  EXPECT_EQ(gx_vext.nlinlist_end, 0);
+  std::swap(gx_vext.cursessfile, other);
+  std::fclose(other);
+  gx_set_front(gx_user_front);
+}
+
 TEST_F(ListViewport, LongLinesTakeTwoSlotsAndTheOldestGo) {
   gx_display_list(std::string(60, 'a'));
   EXPECT_EQ(gx_vext.nlinlist_end, 1);
@@ -189,7 +222,7 @@ TEST_F(ListViewport, TheSessionFileGetsAllTheListOnlyTheTranscript) {
   gx_display_list("hidden");
   gx_vext.transcript_state = true;
   gx_display_list("shown");
-  EXPECT_EQ(session(), "hidden\nshown\n");
+  EXPECT_EQ(read_file(path_), "hidden\nshown\n") << "at once";
   EXPECT_EQ(gx_vext.nlinlist_end, 1);
 
   gx_vext.nb_list_line_max = 0;  // before the application set a size
@@ -224,6 +257,18 @@ TEST_F(ListViewport, LongTellingsAreBrokenAtBlanks) {
   gx_set_list_width(gx_max_text_length);
 }
 
+TEST_F(ListViewport, LinesCountAsWhatTheyAre) {
+  for (int i = 0; i < 32768; ++i) gx_count_kind(gx_line_kind::error);
+  gx_count_kind(gx_line_kind::warning);
+  gx_count_kind(gx_line_kind::detail);
+  EXPECT_EQ(gx_vext.num_errors, 32767);
+  EXPECT_EQ(gx_vext.errors_in_all, 32768);
+  EXPECT_EQ(gx_vext.num_warnings, 1);
+  gx_display_list("w", gx_line_kind::warning);
+  gx_display_list("p");
+  EXPECT_EQ(gx_vext.worst, gx_line_kind::warning);
+}
+
 TEST_F(ListViewport, ABatchOfLinesIsShownAtItsEnd) {
   gx_display_list("before");
   {
@@ -232,9 +277,11 @@ TEST_F(ListViewport, ABatchOfLinesIsShownAtItsEnd) {
       const gx_list_batch_t inner;
       gx_display_list("one");
     }
+    EXPECT_EQ(read_file(path_), "before\n");
     for (int i = 2; i <= 502; ++i) gx_display_list(std::to_string(i));
     EXPECT_EQ(gx_vext.nlinlist_end, 1);
   }
+  EXPECT_TRUE(read_file(path_).ends_with("501\n502\n"));
   EXPECT_EQ(gx_vext.nlinlist_end, 500);
   EXPECT_EQ(line(1), "3");  // the last of a full list
   EXPECT_EQ(line(500), "502");
@@ -256,6 +303,12 @@ TEST_F(ListViewport, ShowsTextFiles) {
   gx_list_follow();
   gx_display_list("next");
   EXPECT_EQ(gx_vext.nlinlist_disp, gx_vext.nlinlist_end - 6);
+  int asked = 0;
+  static int* const counted = &asked;
+  const auto before = gx_vext.nlinlist_end;
+  write_file(file, std::string(150, '\n'));
+  EXPECT_TRUE(gx_display_file_invplist(file.string(), [] { return ++*counted == 2; }));
+  EXPECT_EQ(gx_vext.nlinlist_end - before, 100);
   EXPECT_FALSE(gx_display_file_invplist(path_.string())) << "it would never end";
   EXPECT_FALSE(gx_display_file_invplist(directory_.path().string()));
   EXPECT_FALSE(gx_display_file_invplist((directory_.path() / "absent").string()));

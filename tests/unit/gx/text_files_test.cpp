@@ -10,6 +10,7 @@
 
 #include "expand/debug.h"
 #include "gx/text/arguments.h"
+#include "gx/text/messages/session_state.h"
 #include "gx/text/strings.h"
 #include "tests/support/fatal_stop.h"
 #include "tests/support/scratch_directory.h"
@@ -67,10 +68,55 @@ TEST_F(TextFiles, WhatIsNoTextFileIsRefused) {
   EXPECT_EQ(testing::internal::GetCapturedStdout(),
             "!!! ( gx_popen_filei ) impossible to open file  : \"" + path("none") + "\"\n");
 
+  // What was found and cannot be opened ends a program with a user.
+  EXPECT_EXIT(
+      {
+        say_all_on_stderr();
+        gx_popen_file(path("pipe"), 'r', false);
+      },
+      testing::ExitedWithCode(0), "impossible to open file_name :'.*/pipe' \\(for R\\) \n\\?\\? ");
   std::FILE* made = gx_popen_file(path("made"), 'w', false);
   ASSERT_NE(made, nullptr);
   std::fclose(made);
-  EXPECT_TRUE(std::filesystem::exists(path("made")));
+  struct stat info {};
+  ASSERT_EQ(stat(path("made").c_str(), &info), 0);
+  const mode_t mask = umask(0);
+  umask(mask);
+  EXPECT_EQ(info.st_mode & 0777U, 0660U & ~mask);
+  std::filesystem::create_symlink("made", path("link"));
+  EXPECT_EQ(gx_popen_file(path("link"), 'W', false), nullptr);
+}
+
+TEST_F(TextFiles, TheTraceSaysWhatIsOpened) {
+  directory_.write("f", "");
+  gx_session.debugfile = std::fopen(path("trace").c_str(), "w");
+  for (const char mode : {'r', 'x'}) std::fclose(gx_popen_file(path("f"), mode, true));
+  EXPECT_EQ(gx_popen_file(path("none"), 'W', true), nullptr);
+  std::fclose(gx_session.debugfile);
+  gx_session.debugfile = nullptr;
+  std::string trace = read_file(path("trace"));
+  for (std::size_t at; (at = trace.find(path(""))) != trace.npos;) trace.erase(at, path("").size());
+  EXPECT_EQ(trace,
+            " GX_POPEN_FILE : file_name : \"f\"  rorw : r  rdonly : TRUE\n"
+            " GX_POPEN_FILE : \"f\" open\n"
+            " GX_POPEN_FILE : file_name : \"f\"  rorw : x  rdonly : TRUE\n"
+            "!!! ( gx_popen_file ) rorw invalid  : \"f\" x\n"
+            " GX_POPEN_FILE : \"f\" open\n"
+            " GX_POPEN_FILE : file_name : \"none\"  rorw : W  rdonly : TRUE\n");
+}
+
+TEST_F(TextFiles, ACommandOfTheShellLosesItsQuotes) {
+  const auto run = [&](const std::string& command) {
+    std::filesystem::remove(path("ran"));
+    gx_system(gx_string(command), [] { return false; });
+    return std::filesystem::exists(path("ran"));
+  };
+  const std::string command = "echo >" + path("ran");
+  for (const std::string quote : {"'", "\"", ""})
+    EXPECT_TRUE(run(quote + command + quote)) << quote;
+  for (const char* const none : {"'", "", ":"}) EXPECT_FALSE(run(none));
+  EXPECT_TRUE(run(command + std::string(198 - command.size(), ' ')));
+  EXPECT_FALSE(run(command + std::string(199 - command.size(), ' '))) << "too long";
 }
 
 TEST(Arguments, AreKeptCutAndNumbered) {
@@ -86,6 +132,8 @@ TEST(Arguments, AreKeptCutAndNumbered) {
   std::vector<const char*> many(40, "w");
   gx_store_arg(40, many.data());
   EXPECT_TRUE(gx_get_arg(40, word));
+  gx_session.nb_arg_comline = 41;  // by a caller's mistake
+  EXPECT_FALSE(gx_get_arg(41, word));
   many.push_back("one too many");
   EXPECT_EXIT(gx_store_arg(41, many.data()), testing::ExitedWithCode(0), "");
   EXPECT_EXIT(gx_store_arg(1, many.data()), testing::ExitedWithCode(0), "");
@@ -120,12 +168,27 @@ TEST(FatalStop, NamesTheCodeAndGivesBackInReverseOrder) {
   EXPECT_EXIT(kv_error_stop(), ends, "KV_ERROR_STOP");
   gx_set_front(gx_user_front);
 }
+
+TEST(FatalStop, AnEndOfTheProgramGivesBackAndHasAStatus) {
+  const auto end = [] {
+    say_all_on_stderr();
+    gx_at_fatal_stop([] { std::fputs("given back\n", stderr); });
+    gx_end_process("the display is gone", 5);
+  };
+  EXPECT_EXIT(end(), testing::ExitedWithCode(5), "^given back\nthe display is gone\n$");
+}
+
 // At a fatal stop the design's name is handed on, as a word of a program's.
 TEST_F(TextFiles, TheDesignsNameReachesNoShell) {
   gx_vext.all_init_done = true;
   gx_vext.nb_arg_comline = 2;
   gx_vext.argcomline[1] = gx_string("top;touch " + path("OWNED") + ";#");
-  expect_stop([] { gx_set_status(gx_code::invalid_string); }, gx_code::invalid_string);
+  const auto stop = [] {
+    say_all_on_stderr();
+    gx_set_status(gx_code::invalid_string);
+  };
+  EXPECT_DEATH(stop(),
+               "code : 69\n(.|\n)* !! cmd_system : \"/users/velmoran/bin/save_context top;t");
   EXPECT_FALSE(std::filesystem::exists(path("OWNED")));
   gx_reset_state();
 }

@@ -29,30 +29,95 @@ TEST(TextRecords, ConcatenationIsClippedAt199) {
   EXPECT_EQ(room.len, 198);
 }
 
+// A text as it is, for a regular expression.
+std::string exactly(std::string_view text) {
+  std::string escaped;
+  for (const char c : text) {
+    if (std::string_view("\\()[]{}.*+?|^$").find(c) != std::string_view::npos) escaped += '\\';
+    escaped += c;
+  }
+  return escaped;
+}
+
 TEST(TextRecords, ChecksSayWhatIsWrong) {
   gx_string_record_t string = gx_string("abc");
-  const auto check = [&] { gx_check_string(string); };
-  string.char_[1] = '\t';
-  expect_stop(check, gx_code::invalid_string,
-              " !!! error in  gx_check_string  \\( invalid char \\)  \n"
-              " gx_check_string  : len 3    ind_char = 2   char : 9");
-  string.len = -4;
-  expect_stop(check, gx_code::invalid_string, " !! error in gx_check_string \\( < 0 \\) : len -4");
-  string.len = 200;
-  expect_stop(check, gx_code::invalid_string,
-              " !!! error in  gx_check_string  \\( too long \\)  \n gx_check_string  : len 200");
-
   gx_name_record_t name = gx_name("n");
-  name.len = 65;
-  expect_stop([&] { gx_check_name(name); }, gx_code::invalid_string,
-              " !!! error in  gx_check_name  \\( too long \\)  \n gx_check_name  : len 65");
   gx_value_record_t value = gx_value("v");
+  string.char_[1] = '\t';
   value.char_[0] = static_cast<char>(200);
-  expect_stop([&] { gx_check_value(value); }, gx_code::invalid_string,
-              " !!! error in  gx_check_value  \\( invalid char \\)  ");
-  expect_stop([] { gx_string(a200); }, gx_code::invalid_string, "copy_string : > max");
+  const std::string bytes = " char_ : \"a.c..\"\n 'a' 97 '.' 9 'c' 99 '.' 0\n";
+  const auto check = [&](std::int32_t len, const std::string& said) {
+    string.len = name.len = value.len = len;
+    const auto all = [&] {
+      if (said.find("_string") != said.npos) gx_check_string(string);
+      if (said.find("_name") != said.npos) gx_check_name(name);
+      gx_check_value(value);
+    };
+    expect_stop(all, gx_code::invalid_string, exactly(said));
+  };
+  check(3,
+        " !!! error in  gx_check_string  ( invalid char )  \n"
+        " gx_check_string  : len 3    ind_char = 2   char : 9\n char_ : \"a.c..\"\n");
+  check(-4, " !! error in gx_check_string ( < 0 ) : len -4\n" + bytes);
+  check(200,
+        " !!! error in  gx_check_string  ( too long )  \n gx_check_string  : len 200\n" + bytes);
+  check(65,
+        " !!! error in  gx_check_name  ( too long )  \n gx_check_name  : len 65\n"
+        " char_ : \"n....\"\n");
+  check(-1, " !! error in gx_check_name  ( < 0 ) \n gx_check_name  : len -1\n char_ : \"n....\"\n");
+  check(2,
+        " !!! error in  gx_check_name ( invalid char )  \n"
+        " gx_check_name  : len 2    ind_char = 2   char : 0\n char_ : \"n....\"\n");
+  check(97, " !!! error in  gx_check_value  ( too long )  \n gx_check_value  : len 97\n");
+  check(-1, " !! error in gx_check_value  ( < 0 ) \n gx_check_value  : len -1\n");
+  check(1,
+        " !!! error in  gx_check_value  ( invalid char )  \n"
+        " gx_check_value  : len 1    ind_char = 1   char : -56\n");
   expect_stop([&] { gx_copy_const(a200, string); }, gx_code::invalid_string,
-              "copy_const  : str_in\\(10\\) : \"aaaaaaaaaa\"      len : 200");
+              exactly(" !!! error in  copy_const : > max \n###  copy_const  : str_in(10) : "
+                      "\"aaaaaaaaaa\"      len : 200\n"));
+}
+
+TEST(TextRecords, SourcesOfNoLengthAreRefused) {
+  gx_string_record_t to;
+  gx_name_record_t name;
+  gx_value_record_t value;
+  gx_string_record_t string = gx_string(a199);
+  gx_name_record_t long_name = gx_name(a63);
+  gx_value_record_t long_value = gx_value(std::string(95, 'a'));
+  const std::pair<std::function<void()>, std::string> too_long[] = {
+      {[&] { gx_string(a200); }, "copy_string"},
+      {[&] { gx_concat_astr(a200, to); }, "concat_astr"},
+      {[&] { gx_concat_const(a200, to); }, "concat_const"},
+      {[&] { gx_name(a64); }, "copy_name"},
+      {[&] { gx_copy_name(gx_string(a64), name); }, "copy_name"},
+      {[&] { gx_value(std::string(96, 'a')); }, "copy_value"},
+      {[&] { gx_copy_value(gx_string(std::string(96, 'a')), value); }, "copy_value"}};
+  for (const auto& [copy, operation] : too_long)
+    expect_stop(
+        copy, gx_code::invalid_string,
+        exactly(" !!! error in  " + operation + " : > max \n str_in (10) : \"aaaaaaaaaa\" \n"));
+  const std::pair<std::function<void()>, std::string> of_records[] = {
+      {[&] { gx_copy_line(string, to); }, "copy_line"},
+      {[&] { gx_name_string(long_name, to); }, "name_string"},
+      {[&] { gx_value_string(long_value, to); }, "value_string"},
+      {[&] { gx_concat_line(string, to); }, "concat_line"},
+      {[&] { gx_concat_name(long_name, to); }, "concat_name"},
+      {[&] { gx_concat_value(long_value, to); }, "concat_value"}};
+  for (const auto& [copy, operation] : of_records) {
+    copy();
+    string.len = long_name.len = long_value.len = -1;
+    expect_stop(copy, gx_code::invalid_string,
+                exactly(" !!! error in  " + operation + " : < 0 \n str_in (10) : \"\" \n"));
+    string.len = 200;
+    long_name.len = 64;
+    long_value.len = 96;
+    expect_stop(copy, gx_code::invalid_string,
+                exactly(" !!! error in  " + operation + " : > max \n"));
+    string.len = 199;
+    long_name.len = 63;
+    long_value.len = 95;
+  }
 }
 
 TEST(TextRecords, WhatIsNoTextIsNotCopied) {
@@ -102,13 +167,39 @@ TEST(TextRecords, ATypedLineIsRepaired) {
 }
 
 TEST(TextRecords, ComparisonsIgnoreCaseAndNeverStop) {
-  EXPECT_TRUE(gx_const_iden_string("abc", gx_string("ABC")));
-  EXPECT_FALSE(gx_const_iden_string("ab", gx_string("ABC")));
-  EXPECT_TRUE(gx_const_equal_string("AB", gx_string("abcd")));
-  EXPECT_FALSE(gx_const_equal_string("abcd", gx_string("AB")));
-  EXPECT_FALSE(gx_const_iden_string("[", gx_string("{")));  // only letters have a case
-  EXPECT_TRUE(gx_name_iden_name(gx_name("Vdd"), gx_name("vDD")));
-  EXPECT_TRUE(gx_string_equal_value(gx_string("por"), gx_value("PORT_IN")));
+  // What is the same: {x, y} for all kinds of both sides; and what one begins with.
+  using texts_t = std::pair<const char*, const char*>;
+  for (const auto& [x, y] : {texts_t{"abc", "ABC"},
+                             {"", ""},
+                             {"Vdd_1", "vDD_1"},
+                             {"ab", "ABC"},
+                             {"ABC", "ab"},
+                             {"[", "{"},
+                             {"@", "`"},
+                             {"abd", "abc"},
+                             {"bc", "abc"}}) {
+    const bool same = gx_upper(x) == gx_upper(y), begins = gx_upper(y).starts_with(gx_upper(x));
+    const bool idens[] = {gx_iden(x, y),
+                          gx_string_iden_string(gx_string(x), gx_string(y)),
+                          gx_const_iden_string(x, gx_string(y)),
+                          gx_iden_string(x, gx_string(y)),
+                          gx_name_iden_string(gx_name(x), gx_string(y)),
+                          gx_name_iden_name(gx_name(x), gx_name(y)),
+                          gx_const_iden_name(x, gx_name(y)),
+                          gx_value_iden_value(gx_value(x), gx_value(y)),
+                          gx_const_iden_value(x, gx_value(y))};
+    const bool equals[] = {gx_equal(x, y),
+                           gx_const_equal_string(x, gx_string(y)),
+                           gx_equal_string(x, gx_string(y)),
+                           gx_name_equal_string(gx_name(x), gx_string(y)),
+                           gx_string_equal_name(gx_string(x), gx_name(y)),
+                           gx_value_equal_string(gx_value(x), gx_string(y)),
+                           gx_string_equal_value(gx_string(x), gx_value(y))};
+    EXPECT_EQ(std::ranges::count(idens, same), std::ssize(idens)) << x << " " << y;
+    EXPECT_EQ(std::ranges::count(equals, begins), std::ssize(equals)) << x << " " << y;
+  }
+  EXPECT_EQ(gx_upper("az_AZ{`09"), "AZ_AZ{`09");
+  EXPECT_TRUE(gx_is_blank("  ") && gx_is_blank("") && !gx_is_blank(" a "));
 
   gx_string_record_t damaged = gx_string("abc");
   damaged.len = -1;
@@ -122,7 +213,8 @@ TEST(TextRecords, ComparisonsIgnoreCaseAndNeverStop) {
   EXPECT_TRUE(gx_const_iden_string(a200, full));
 
   EXPECT_TRUE(gx_is_less_than(gx_string("ab"), gx_string("ABC")));
-  EXPECT_TRUE(gx_is_less_than(gx_string("B_1"), gx_string("ba")) == ('_' < 'A'));
+  EXPECT_FALSE(gx_is_less_than(gx_string("B_1"), gx_string("ba")));
+  EXPECT_TRUE(gx_is_less_than(gx_string("a"), gx_string("B")));
   EXPECT_FALSE(gx_is_less_than(gx_string("abc"), gx_string("ABC")));
   EXPECT_EQ(gx_length(a200.c_str()), 200);
   expect_stop([] { gx_length(std::string(201, 'x').c_str()); }, gx_code::invalid_string,
@@ -148,6 +240,9 @@ TEST(KeptText, SignsComeBackAsTheyWere) {
   }
   EXPECT_EQ(gx_kept_text("caf\xe9\x01"), "caf\\u{E9} ");  // Latin-1, and a control character
   EXPECT_EQ(gx_shown_length("10\\u{B5}F"), 4U);
+  EXPECT_EQ(gx_shown_length("10\\u"), 4U);
+  for (const std::size_t shown : {0U, 1U, 2U, 3U, 4U})
+    EXPECT_EQ(gx_kept_place("1\\u{B5}F", shown), (std::vector{0U, 1U, 7U, 8U, 8U}[shown])) << shown;
   EXPECT_EQ(gx_shown_text("\\u{20}\\u{10FFFF}\\u{E000}"), " \U0010ffff\ue000");
   // Numbers of no character stay as they are.
   for (const char* no_sign : {"\\u{D800}", "\\u{110000}", "\\u{0B}", "\\u{0000000B5}", "\\u{-B5}",
