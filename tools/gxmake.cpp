@@ -73,7 +73,10 @@ int main(int argc, char** argv) try {
   if (complain(input.messages)) return 1;
 
   gxm_options_t options{.date = gxm_date_of_files(), .prefix = {}};
-  if (absolute) options.prefix = (std::filesystem::weakly_canonical(root) / "").string();
+  // What is not there yet would stay relative.
+  if (absolute)
+    options.prefix =
+        (std::filesystem::weakly_canonical(std::filesystem::absolute(root)) / "").string();
   gxm_messages_t messages;
   const auto files = gxm_build(input.design, options, messages);
   if (complain(messages)) return 1;
