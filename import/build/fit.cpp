@@ -108,9 +108,11 @@ class fitter {
   static void show_as_drawn(const std::string& drawn, const std::string& name,
                             std::optional<gxi_look_t>& look, gxi_sheet_t& sheet) {
     std::string seen;
-    for (std::size_t i = 0; i < drawn.size(); ++i) {
-      if (drawn[i] == '}' || (drawn[i] == '{' && i > 0 && drawn[i - 1] == '~')) continue;
-      seen += drawn[i];
+    int bars = 0;
+    for (const char c : drawn) {
+      const bool opens = c == '{' && seen.ends_with('~'), closes = c == '}' && bars > 0;
+      bars += opens - closes;
+      if (!opens && !closes) seen += c;
     }
     if (!look || seen == name) return;
     sheet.texts.push_back({gx_kept_text(seen), *look});

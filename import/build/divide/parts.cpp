@@ -44,11 +44,12 @@ void drop_nets(gxi_sheet_t& sheet, Gone gone) {
 void lay_out(std::span<gxi_instance_t> parts, std::int32_t below) {
   gx_pointreal_t at{0, below};
   std::int32_t tallest = 0;
-  for (std::size_t i = 0; i < parts.size(); ++i) {
-    parts[i].at = at;
-    tallest = std::max(tallest, static_cast<std::int32_t>(parts[i].nets.size()) / pins_in_row);
+  int count = 0;
+  for (auto& part : parts) {
+    part.at = at;
+    tallest = std::max(tallest, static_cast<std::int32_t>(part.nets.size()) / pins_in_row);
     at.x += (pins_in_row + 10) * gxm_step;
-    if ((i + 1) % parts_in_row == 0) at = {0, at.y + (std::exchange(tallest, 0) + 10) * gxm_step};
+    if (++count % parts_in_row == 0) at = {0, at.y + (std::exchange(tallest, 0) + 10) * gxm_step};
   }
 }
 

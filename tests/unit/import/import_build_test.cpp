@@ -1,15 +1,19 @@
 // What all formats share: where texts lie below mirrored and turned instances, and the limits of
 // the hierarchy. What a drawing becomes as a whole is in tests/cases/import.
 #include <filesystem>
+#include <fstream>
 
 #include "gx/db/object_access.h"
 #include "gx/db/objects_of.h"
 #include "gx/picture/sheet_shapes.h"
 #include "gx/text/at.h"
 #include "import/build/builder.h"
+#include "import/build/flat_size.h"
 #include "import/build/output.h"
+#include "import/build/wiring.h"
 #include "import/drawing/hierarchy.h"
 #include "import/drawing/placement.h"
+#include "platform/files.h"
 #include "tests/support/scratch_directory.h"
 
 namespace {
@@ -173,4 +177,144 @@ TEST(ImportBuild, ThePathOfASymbolHolds199Characters) {
   };
   EXPECT_NO_THROW(write(199));
   EXPECT_THROW(write(200), std::runtime_error);
+}
+
+TEST(ImportBuild, WiresAreCutAtPinsAndAtEachOther) {
+  const std::vector<gxi_segment_t> segments{{{0, 0}, {100, 0}, gxm_red, 2},
+                                            {{50, 0}, {50, 50}},
+                                            {{30, 0}, {30, 0}},
+                                            {{90, 0}, {120, 0}, gxm_white}};
+  const std::vector<gx_pointreal_t> pins{{0, 0}, {70, 0}, {9, 9}, {70, 0}, {30, 0}};
+  const auto wiring = gxi_wire(segments, pins);
+  std::string text;
+  for (const auto& end : wiring.ends)
+    text += std::to_string(end.at.x) + "," + std::to_string(end.at.y) + " pin " +
+            std::to_string(end.pin) + " degree " + std::to_string(end.degree) + "\n";
+  for (const auto& piece : wiring.pieces)
+    text += std::to_string(piece.end1) + "-" + std::to_string(piece.end2) + " color " +
+            std::to_string(piece.color) + " width " + std::to_string(piece.width) + "\n";
+  EXPECT_EQ(text, R"(50,0 pin -1 degree 3
+50,50 pin -1 degree 1
+0,0 pin 0 degree 1
+30,0 pin 4 degree 2
+70,0 pin 1 degree 2
+90,0 pin -1 degree 2
+100,0 pin -1 degree 2
+120,0 pin -1 degree 1
+0-1 color 4 width 1
+2-3 color 1 width 2
+3-0 color 1 width 2
+0-4 color 1 width 2
+4-5 color 1 width 2
+5-6 color 1 width 2
+6-7 color 1 width 2
+)");
+}
+
+// Of paths and texts, and of their letters, each with its end, what is more.
+TEST(ImportBuild, TheRoomThatAnExpansionTakes) {
+  gxi_design_t design;
+  design.cells.resize(3);
+  auto &top = design.cells[0], &block = design.cells[1], &leaf = design.cells[2];
+  leaf.symbol.properties = {{"CLASS", "RES", {}}};
+  leaf.symbol.defaults = {{"D", "1234567", {}}};
+  leaf.symbol.pins = {{.name = "A", .properties = {{"Q", "12", {}}}}, {.name = "BB"}};
+  block.name = "blk";
+  auto& below = block.sheet.emplace();
+  below.instances = {{.name = "R1", .symbol = 2, .properties = {{"value", "10", {}}}}};
+  below.nets = {{.name = "N", .properties = {{"P", "xyz", {}}}}, {}};
+  top.name = "top";
+  top.sheet.emplace().instances = {{.name = "b1", .symbol = 1},
+                                   {.name = "b22", .symbol = 1},
+                                   {.kind = gxi_kind::port, .symbol = 2}};
+  top.sheet->nets = {{.name = "T"}};
+  const int part = 3 + (3 + 16) + 2 + 3 + 7, pins = (3 + 2) + 2 + 2 + (3 + 3) + 2;
+  const int nets = 2 + 1 + 3 + 1 + 9 + 8, letters = part + pins + nets;
+  const int both = 2 * (3 + 16 + letters) + 3 + 4 + 5 * (3 + 4) + 2 + 1 + 1;
+  EXPECT_EQ(gxi_flat_size(design), both + both / 8);
+  below.instances[0].properties.resize(300);
+  EXPECT_EQ(gxi_flat_size(design), 2 * (2 + 2 + 300 + 2 + 3 + 2 + 4 + 3) + 3);
+}
+
+// What an expansion keeps, with numbers first and what can be typed; what is said of the rest.
+TEST(ImportBuild, FilesBesideTheDrawing) {
+  const scratch_directory scratch;
+  gxi_design_t design;
+  design.cells.resize(2);
+  design.cells[0].name = "a b";
+  auto& sheet = design.cells[0].sheet.emplace();
+  sheet.nets = {{.name = "N", .port = "N", .port_type = "IN"}};
+  sheet.instances = {{.name = "R", .symbol = 1, .nets = {0}, .deck = "line"}};
+  design.cells[1].name = "r";
+  design.cells[1].symbol.pins = {{.name = "P"}};
+  design.kept_of_instances = {"W", "no way", "", "a.b-c_d+9"};
+  for (char c = 'A'; c < 'P'; ++c) design.kept_of_instances.push_back({'K', c});
+  design.kept_of_pins = {"z"};
+  design.kept_of_nets = {"net"};
+  const auto summary = gxi_write(design, {.root = scratch.path() / "d", .numbers = {"w", "n"}});
+  EXPECT_EQ(summary.top, "a_b");
+  EXPECT_EQ((std::vector{summary.cells, summary.sheets, summary.instances, summary.nets,
+                         summary.files, summary.written}),
+            (std::vector{3, 1, 1, 1, 4, 4}));
+  std::string all;
+  for (const auto* const name : {"expand.do", "check.do", "gximport.log"}) {
+    std::string text;
+    ASSERT_TRUE(x_read_regular((scratch.path() / "d" / name).string(), text, SIZE_MAX));
+    all += text;
+  }
+  EXPECT_EQ(all, R"(PRIMitive CLASS
+PROPerty INStance S CLASS
+PROPerty INStance R w
+PROPerty INStance R n
+PROPerty INStance S a.b-c_d+9
+PROPerty INStance S KA
+PROPerty INStance S KB
+PROPerty INStance S KC
+PROPerty INStance S KD
+PROPerty INStance S KE
+PROPerty INStance S KF
+PROPerty INStance S KG
+PROPerty INStance S KH
+PROPerty INStance S KI
+PROPerty INStance S KJ
+PROPerty INStance S KK
+PROPerty INStance S KL
+PROPerty PIN S PINTYPE
+PROPerty PIN S z
+PROPerty NET S NET
+GENerate DATa ON
+RUN
+BYE
+PRIMitive CLASS
+CHEck DESign
+BYE
+3 cells
+1 sheet
+1 instance
+1 net
+1 note
+an expansion keeps 16 properties; these are not kept: KM KN KO
+)");
+}
+
+TEST(ImportBuild, ADirectoryThatCannotBeWrittenIsNamed) {
+  const scratch_directory scratch;
+  const auto message = [&](const std::filesystem::path& root) {
+    gxi_design_t design;
+    design.cells.resize(1);
+    design.cells[0].name = "c";
+    try {
+      gxi_write(design, {.root = root});
+    } catch (const std::runtime_error& error) {
+      return std::string(error.what()).substr(scratch.path().string().size());
+    }
+    return std::string();
+  };
+  EXPECT_EQ(message(scratch.path() / "d"), "");
+  std::ofstream(scratch.path() / "f") << "x";
+  EXPECT_EQ(message(scratch.path() / "f"), "/f: exists and is not a directory");
+  const auto within = message(scratch.path() / "f/g/");
+  EXPECT_TRUE(within.starts_with("/f/g.new-") && within.ends_with(": Not a directory")) << within;
+  std::ofstream(scratch.path() / "d/c/symbol.gx") << "x";
+  EXPECT_EQ(message(scratch.path() / "d"), "/d/c/symbol.gx: names no version");
 }
