@@ -25,9 +25,13 @@ class hidden_wires_t {
       for (const auto& pin : block.pins) at_place_[pin.text.at] += 2;
     for (const auto& mark : members.file.no_connects) at_place_[mark] += 2;
     for (const auto& label : members.file.labels) ++at_place_[label.text.at];
-    for (const auto& wire : members.file.wires) at_place_[wire.from] = at_place_[wire.to] = 0;
+    for (const auto& wire : members.file.wires)
+      for (const auto end : {wire.from, wire.to}) at_place_.erase(end);
   }
-  bool at(point_t place) const { return at_place_.at(place) > 1; }
+  bool at(point_t place) const {
+    const auto found = at_place_.find(place);
+    return found != at_place_.end() && found->second > 1;
+  }
 
  private:
   std::map<point_t, int> at_place_{};  // two for each, a label one

@@ -16,7 +16,7 @@ constexpr int most_groups_deep = 8;
 
 struct vector_t {
   std::string_view prefix{}, suffix{};
-  int from = 0, to = 0;
+  int from = -1, to = -1;
 };
 
 // Whether the brace opens a bar or a script: "~{", "^{", "_{".
@@ -35,12 +35,15 @@ std::optional<vector_t> vector_of(std::string_view name) {
     if (name[i] == '{' && !is_mark(name, i)) return {};
   // What follows closes a bar or script that the prefix opened.
   if (vector.suffix.find_first_not_of('}') != std::string_view::npos) return {};
-  const auto number = [&](std::size_t begin, std::size_t end, int& value) {
+  const auto number = [&](std::size_t begin, std::size_t end) {
     const auto text = name.substr(begin, end - begin);
+    int value = -1;
     const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    return error == std::errc() && stop == text.data() + text.size() && value >= 0;
+    return error == std::errc() && stop == text.data() + text.size() ? value : -1;
   };
-  if (!number(open + 1, dots, vector.from) || !number(dots + 2, close, vector.to)) return {};
+  vector.from = number(open + 1, dots);
+  vector.to = number(dots + 2, close);
+  if (vector.from < 0 || vector.to < 0) return {};
   if (vector.from > vector.to) std::swap(vector.from, vector.to);
   if (vector.to - vector.from >= gxi_kicad_most_members) return {};
   return vector;

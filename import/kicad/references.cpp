@@ -13,7 +13,9 @@ class reference_writer {
       : cells_(cells), references_(references) {}
 
   void visit(int index, const std::string& path, const std::string& names) {
-    if (++visits_ > most_visits) return;
+    is_whole_ = nb_of_visits_ < most_visits;
+    if (!is_whole_) return;
+    ++nb_of_visits_;
     for (const auto& part : gx_at(cells_, index).parts) {
       const auto reference = references_.reference(*part.placed, path);
       if (reference != part.name) lines_ += names + "/" + part.name + " " + reference + "\n";
@@ -21,14 +23,15 @@ class reference_writer {
     for (const auto& below : gx_at(cells_, index).blocks)
       visit(below.cell, path + "/" + below.block->id, names + "/" + below.name);
   }
-  bool is_whole() const { return visits_ <= most_visits; }
+  bool is_whole() const { return is_whole_; }
   std::string take() { return std::move(lines_); }
 
  private:
   const std::vector<gxi_kicad_cell_use_t>& cells_;
   const gxi_kicad_references_t& references_;
   std::string lines_;
-  std::size_t visits_ = 0;
+  std::size_t nb_of_visits_ = 0;
+  bool is_whole_ = true;
 };
 
 }  // namespace

@@ -42,7 +42,7 @@ void sweep(line_t& line, gxi_groups_t& groups) {
       met.to = std::max(met.to, stretch.to);
     }
     open.clear();
-    if (met.to > at) open.push_back(met);
+    if (met.to >= at) open.push_back(met);
   }
 }
 
