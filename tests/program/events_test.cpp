@@ -180,7 +180,7 @@ TEST_F(Interactive, ButtonsMarkZoomAndSelect) {
 // The middle of the block U1 on the page fitted to the window.
 constexpr int block_x = 383, block_y = 260;
 
-TEST_F(Interactive, AClickSelectsAndADoubleClickWalks) {
+TEST_F(Interactive, AClickSelects) {
   auto& s = open();
   point_at({block_x + 30, block_y});
   const auto whole = s.picture();
@@ -203,27 +203,82 @@ TEST_F(Interactive, AClickSelectsAndADoubleClickWalks) {
   pause(700);
   EXPECT_EQ(s.session_lines().size(), before + 2);
 
-  s.click(block_x, block_y);
-  s.click(block_x, block_y);
-  s.wait_for_line(" VIEw DOWn  U1");
-  s.settle();
-  EXPECT_EQ(s.title(), "kivo  top /U1");
-  pause(700);
-  s.key_down(XK_Shift_L);
-  s.click(1000, 600);
-  s.click(1000, 600);
-  s.key_up(XK_Shift_L);
-  s.wait_for_line(" VIEw UP  ");
-  s.settle();
-  EXPECT_EQ(s.title(), "kivo  top");
   // Another binding has the button to itself.
   s.command("def key b1u 'sel area inst'");
   s.wait_for_head(" DEFine KEY ");
   s.click(block_x, block_y);
   s.wait_for_head(" SELect AREa ");
   pause(700);
-  EXPECT_EQ(count_lines(" SELect OBJect Edit "), 3);
+  EXPECT_EQ(count_lines(" SELect OBJect Edit "), 2);
   EXPECT_EQ(count_lines(" UNSelect ALL "), 1) << "that of the command: a click echoes its SELect";
+  bye();
+}
+
+// By events whose times and places are exact.
+TEST_F(Interactive, AClickIsShortAndADoubleClickWalks) {
+  auto& s = open();
+  Display* const display = shared_display().connection();
+  Time now = 1000000;
+  unsigned state = 0;
+  const auto send = [&](int type, int x) {
+    XEvent event{};
+    event.xbutton.type = type;
+    event.xbutton.window = s.window();
+    event.xbutton.button = Button1;
+    event.xbutton.x = x;
+    event.xbutton.y = block_y;
+    event.xbutton.time = now;
+    event.xbutton.state = state;
+    XSendEvent(display, s.window(), False,
+               type == ButtonPress ? ButtonPressMask : ButtonReleaseMask, &event);
+    XSync(display, False);
+  };
+  const auto click = [&](int pixels, Time ms) {
+    send(ButtonPress, block_x);
+    now += ms;
+    send(ButtonRelease, block_x + pixels);
+  };
+  // What was said by then: S a selection, D the way down.
+  std::size_t seen = s.session_lines().size();
+  const auto said = [&] {
+    s.command("view up;view all;unselect all");
+    s.wait_for_line(" UNSelect ALL ");
+    s.settle();
+    std::string text;
+    const auto lines = s.session_lines();
+    for (; seen < lines.size(); ++seen) {
+      if (lines[seen].starts_with(" SELect OBJect Edit I_")) text += 'S';
+      if (lines[seen].starts_with(" VIEw DOWn ")) text += 'D';
+    }
+    now += 10000;
+    return text;
+  };
+  const auto one = [&](int pixels, Time ms) {
+    click(pixels, ms);
+    return said();
+  };
+  EXPECT_EQ(one(0, 300) + "," + one(0, 301), "S,");
+  EXPECT_EQ(one(3, 10) + "," + one(4, 10) + "," + one(-3, 10), "S,,S");
+  const auto two = [&](Time between, int pixels) {
+    click(0, 10);
+    now += between - 10;
+    click(pixels, 10);
+    return said();
+  };
+  EXPECT_EQ(two(500, 0) + "," + two(501, 0), "SD,S");
+  EXPECT_EQ(two(100, 3) + "," + two(100, 4), "SD,S");
+  for (int i = 0; i < 3; ++i) click(0, 10);  // the third one begins anew
+  EXPECT_EQ(said(), "SD");
+  const auto title_after = [&](const char* line) {
+    for (int i = 0; i < 2; ++i) click(0, 10);
+    now += 10000;
+    s.wait_for_line(line);
+    s.settle();
+    return s.title();
+  };
+  EXPECT_EQ(title_after(" VIEw DOWn  U1"), "kivo  top /U1");
+  state = ShiftMask;
+  EXPECT_EQ(title_after(" VIEw UP  "), "kivo  top");
   bye();
 }
 
