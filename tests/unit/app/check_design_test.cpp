@@ -464,6 +464,30 @@ TEST(CheckDesign, EveryFindingIsPlacedAtItsOwnObject) {
   EXPECT_EQ(c.s.run("show finding 3").back(), " SHOw FINding 3 ");
 }
 
+TEST(CheckDesign, AMessageAboutAPartIsNotPlacedAtANetOfItsName) {
+  checked c("sheet top\n part B buf 4,4 TIMIND=200\n net B\n  wire B.I 2,4\n");
+  const auto found = c.findings();
+  const auto at = std::ranges::find(found, "run /B");
+  ASSERT_NE(at, found.end());
+  EXPECT_EQ(std::ranges::find(kv_pext.findings, kv_rule::run, &kv_finding_t::rule)->object_id,
+            c.s.inst("B"));
+}
+
+TEST(CheckDesign, ASheetThatIsNotWholeIsAFindingOfTheSheet) {
+  checked c("symbol bad\nsheet bad\n part B buf 4,4\nsheet top\n part X bad 4,4\n",
+            [](auto& files) {
+              for (auto& file : files)
+                for (auto* object : file.file->ptr_to_ar_objindex)
+                  if (file.directory == "bad" && object->object_type == gx_type::frame_family)
+                    object->object_type = gx_type::tag_family;
+            });
+  EXPECT_EQ(c.findings().front(), "sheet-missing /X");
+  const auto& finding = kv_pext.findings.front();
+  EXPECT_EQ(finding.words, "not whole : no frame_family");
+  EXPECT_EQ(finding.at + " " + finding.sheet, "/X bad/sheet.gx_1");
+  EXPECT_EQ(finding.object_id, 0);
+}
+
 TEST(CheckDesign, NamesThatTheDrawingRepeatsAreNoFinding) {
   const std::string sheet =
       "sheet top\n part R res 4,4\n part S res 4,8\n global VDD vdd 20,20\n"

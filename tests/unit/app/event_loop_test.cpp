@@ -346,6 +346,25 @@ TEST_F(Hands, ClicksSelectAndWalk) {
   EXPECT_EQ(clicked(pixel(35, 15), 2), lines_t{});
 }
 
+// A click goes to what a line of the list says, a double click to the name under the pointer.
+TEST_F(Hands, AClickInTheListGoesToWhatItNames) {
+  s.run("har '# X1: /R1 '");
+  const auto& box = gx_viewport_rec(gx_vext.viewport_list).pixel_bounds;
+  const auto column = [&](int n) {
+    return gx_point16_t{static_cast<std::int16_t>(box.xmin + (n - 1) * gx_vext.cmd_step + 3),
+                        static_cast<std::int16_t>(box.ymin + 2)};
+  };
+  const auto clicked = [&](gx_point16_t at, int clicks) {
+    click(at, clicks);
+    std::string found;
+    for (const auto& line : answers()) found += line.substr(0, line.find("  "));
+    return found;
+  };
+  EXPECT_EQ(clicked(column(14), 1), " FINd PATh /R1");
+  EXPECT_EQ(clicked(column(14), 2), " FINd PATh /X1");
+  EXPECT_EQ(clicked(column(14), 0), "");
+}
+
 TEST_F(Hands, AButtonMayRunItsCommandsForDragsOnly) {
   bind("b3", "$DRAG har b3");
   bind("b3u", "$DRAG har b3u");

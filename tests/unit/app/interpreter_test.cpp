@@ -184,6 +184,7 @@ TEST_F(Interpreter, LinesAreSplitIntoCommands) {
       {"HAR \"a 'b\"", {" HARDcopy \"a 'b\" "}},
       {"HAR \"a b", {" HARDcopy \"a b "}},
       {"HAR 'a;b';HAR \"c,;d\"", {" HARDcopy 'a;b' ", " HARDcopy \"c,;d\" "}},
+      {"HAR '';HAR \";\"", {" HARDcopy '' ", " HARDcopy \";\" "}},
       {"HAR it's;HAR 'x", {" HARDcopy it's ", " HARDcopy 'x "}},
       {"", {}},
       {"   ", {}},
