@@ -120,6 +120,41 @@ TEST(Difference, IsListedGoneToAndMarked) {
   EXPECT_EQ(s.run("next finding").back(), "# !! Warning : DIFference DESign found nothing ");
 }
 
+// A pin that goes to another net is recognised by its part, one of a bus without its bit.
+TEST(Difference, AMovedPinIsShownAtItsPart) {
+  const std::string parts =
+      "symbol w\n pin D 0,0 IXO bits 0:3\n prop CLASS=R\nsheet top\n page 100,60\n";
+  std::string sheets[2];
+  for (int i = 0; i < 2; ++i) {
+    for (int n = 1; n <= 7; ++n) {
+      const auto number = std::to_string(n), y = std::to_string(5 * n);
+      sheets[i] += " part R" + number + " r 10," + y + "\n part W" + number + " w 30," + y + "\n";
+    }
+    sheets[i] +=
+        i == 0 ? " net P\n  wire R1.A R2.A R3.A\n net Q\n  wire R4.A R5.A R6.A R7.A\n"
+                 " bus D 0:3\n  wire W1.D W2.D W3.D\n bus E 0:3\n  wire W4.D W5.D W6.D W7.D\n"
+               : " net P\n  wire R1.A R2.A\n net Q\n  wire R3.A R4.A R5.A R6.A R7.A\n"
+                 " bus D 0:3\n  wire W1.D W2.D\n bus E 0:3\n  wire W3.D W4.D W5.D W6.D W7.D\n";
+  }
+  const scratch_directory kept;
+  const std::string before = kept.path() / "before";
+  { const expanded_session old("1k", parts + sheets[0], before); }
+  expanded_session now("1k", parts + sheets[1], kept.path() / "now");
+  EXPECT_EQ(now.s.run("dif des '" + before + "'").size(), 5U + 2);
+  EXPECT_EQ(marks_in_view(now.s), "R3 W3 and 0");
+  const std::pair<std::string, std::string> shown[] = {
+      {"# 1 /R3/A", "#    pin /R3/A moved from /P to /Q"},
+      {"# 2 /W3/D", "#    pin /W3/D[0] moved from /D_0 to /E_0"},
+      {"# 3 /W3/D", "#    pin /W3/D[1] moved from /D_1 to /E_1"}};
+  for (const auto& [path, words] : shown) {
+    now.s.run("unselect all");
+    const auto lines = now.s.run("next finding");
+    EXPECT_EQ(lines_t(lines.begin(), lines.begin() + 2), (lines_t{path, words}));
+    const int inst = now.s.inst(path.substr(5, 2));
+    EXPECT_EQ(now.s.selected(), std::vector<int>{now.s.pin(inst, 1).pinpropfam}) << path;
+  }
+}
+
 TEST(Difference, OfNoDesignIsRefused) {
   const scratch_directory kept;
   const std::string at = kept.path();
