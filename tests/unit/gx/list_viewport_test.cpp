@@ -228,6 +228,9 @@ TEST_F(ListViewport, TheSessionFileGetsAllTheListOnlyTheTranscript) {
   gx_vext.nb_list_line_max = 0;  // before the application set a size
   gx_display_list("nowhere to keep it");
   EXPECT_EQ(gx_vext.nlinlist_end, 1);
+  gx_vext.nb_list_line_max = 1;
+  for (const char* const shown : {"one", "two"}) gx_display_list(shown);
+  EXPECT_EQ(line(1), "two");
 }
 
 TEST_F(ListViewport, LongTellingsAreBrokenAtBlanks) {
@@ -260,7 +263,7 @@ TEST_F(ListViewport, LongTellingsAreBrokenAtBlanks) {
 TEST_F(ListViewport, LinesCountAsWhatTheyAre) {
   for (int i = 0; i < 32768; ++i) gx_count_kind(gx_line_kind::error);
   gx_count_kind(gx_line_kind::warning);
-  gx_count_kind(gx_line_kind::detail);
+  for (int i = 0; i < 2; ++i) gx_count_kind(gx_line_kind::detail);
   EXPECT_EQ(gx_vext.num_errors, 32767);
   EXPECT_EQ(gx_vext.errors_in_all, 32768);
   EXPECT_EQ(gx_vext.num_warnings, 1);

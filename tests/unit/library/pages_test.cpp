@@ -165,11 +165,13 @@ TEST_F(Pages, AreTheSheetsOrTheirUses) {
             (lines_t{"top  above -1 below 1 below 3 : top", "X1 /X1 above 0 below 2 : /X1  Low",
                      "X1.X /X1/X above 1 : /X1/X  low", "X2 /X2 above 0 : /X2  low"}));
   // The names of flat nets, of those that the sheet has.
-  const auto labels = kv_labels_of(pages_, 2);
   std::string names;
-  for (int id = 0; id < 100; ++id)
-    if (const auto name = labels.net_name(id); !name.empty()) names += std::string(name) + " ";
-  EXPECT_EQ(names, "/B_1 /VDD ");
+  for (const int page : {0, 2})
+    for (int id = 0; id < 100; ++id)
+      if (const auto name = kv_labels_of(pages_, page).net_name(id); !name.empty())
+        names.append(name).append(" ");
+  EXPECT_EQ(names, "/N /B /B_1 /VDD ");
+  const auto labels = kv_labels_of(pages_, 2);
   EXPECT_EQ(labels.above, 1);
   EXPECT_EQ(labels.below(1), -1);
   EXPECT_EQ(pages_of("top", false, {"CLASS=G", "PINS"}).size(), 3U);
