@@ -90,8 +90,10 @@ bool begins_header(rs_bytes_t bytes, std::size_t at) {
   return true;
 }
 
-std::size_t after_blanks(rs_bytes_t bytes, std::size_t at) {
-  while (at < bytes.size() && (bytes[at] == '\n' || bytes[at] == '\r' || bytes[at] == ' ')) ++at;
+// Of characters of `step` bytes.
+std::size_t after_blanks(rs_bytes_t bytes, std::size_t at, std::size_t step) {
+  while (at < bytes.size() && (bytes[at] == '\n' || bytes[at] == '\r' || bytes[at] == ' '))
+    at += step;
   return at;
 }
 
@@ -142,9 +144,11 @@ std::string rs_file_t::find_plots() {
     rs_plot_t plot;
     std::string fault;
     switch (rs_read_header(bytes(), at, plot.header, fault)) {
-      case rs_header_result::read:
-        at = after_blanks(bytes(), take_plot(std::move(plot)));
+      case rs_header_result::read: {
+        const std::size_t step = plot.header.is_wide ? 2 : 1;
+        at = after_blanks(bytes(), take_plot(std::move(plot)), step);
         continue;
+      }
       case rs_header_result::no_header:
         fault = plots_.empty() ? "is no file of results" : "bytes that belong to no plot";
         break;
@@ -175,11 +179,15 @@ std::size_t rs_file_t::take_plot(rs_plot_t plot) {
   return end;
 }
 
+// What follows rows of no known number is the next plot, or a row that is still being written.
 std::size_t rs_file_t::measure_text(rs_plot_t& plot) {
   const auto rows = std::make_shared<const rs_text_rows_t>(rs_find_text_rows(bytes(), plot.header));
   plot.text_rows = rows;
   plot.nb_rows = plot.nb_rows_in_all = rows->nb_rows;
-  return rows->end;
+  const std::size_t step = plot.header.is_wide ? 2 : 1;
+  const std::size_t after = after_blanks(bytes(), rows->end, step);
+  const bool goes_on = plot.header.nb_points == 0 && !begins_header(bytes(), after);
+  return goes_on ? bytes().size() : rows->end;
 }
 
 // Rows are counted by the size of the file; a plot without points before another is empty.

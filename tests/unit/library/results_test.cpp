@@ -142,6 +142,124 @@ TEST_F(Results, TheFormOfLtspice) {
   EXPECT_EQ(at(plot(2), 2, 1).re, 6);
 }
 
+// More rows than are kept in mind at once, in each form; what is read row by row is what is asked
+// for one by one.
+TEST_F(Results, LongPlotsAreReadAlikeInEveryForm) {
+  constexpr std::uint32_t points = 140000;
+  std::string by_row, in_text, scale, by_variable;
+  for (std::uint32_t i = 0; i < points; ++i) {
+    by_row += double_bytes({i * 1.0, i * 2.0 + 1});
+    in_text +=
+        std::to_string(i) + "\t" + std::to_string(i) + "\n\t+" + std::to_string(2 * i + 1) + "\n";
+    scale += double_bytes({i * 1.0});
+    by_variable += single_bytes({static_cast<float>(2 * i + 1)});
+  }
+  const std::string count = std::to_string(points);
+  const std::string files[] = {
+      raw_header("Transient Analysis", "real", count, time_and_out) + by_row,
+      raw_header("Transient Analysis", "real", "0", time_and_out, "Values:\n") + in_text +
+          "140000 1",
+      wide(raw_header("Transient Analysis", "real", count, time_and_out, "Values:\n") + in_text),
+      raw_header("Transient Analysis", "real forward fastaccess", count, time_and_out) + scale +
+          by_variable};
+  for (const std::string& bytes : files) {
+    ASSERT_EQ(open(bytes), "");
+    ASSERT_EQ(plot(1).nb_rows, points);
+    for (const auto& fault : file_.faults()) ADD_FAILURE() << fault;
+    constexpr std::uint32_t first = 20000, both[] = {1, 0};
+    rs_row_reader_t reader(file_, plot(1), first, both);
+    rs_value_t values[2];
+    bool same = true;
+    for (std::uint32_t row = first; row < points; ++row) {
+      reader.next(values);
+      same = same && values[0].re == 2.0 * row + 1 && values[1].re == row && values[1].im == 0;
+    }
+    EXPECT_TRUE(same);
+    for (const std::uint32_t row : {0U, 65535U, 65536U, 131073U, points - 1}) {
+      file_.row(plot(1), row, both, values);
+      EXPECT_EQ(values[0].re, 2.0 * row + 1);
+      EXPECT_EQ(at(plot(1), row, 1).re, 2.0 * row + 1);
+    }
+    rs_overview_t overview;
+    ASSERT_TRUE(overview.make(file_, plot(1), both));
+    EXPECT_EQ(overview.whole(0).low, 1);
+    EXPECT_GE(overview.whole(0).high, 2.0 * points - 1);
+    const auto columns = overview.columns(std::vector<double>{-1, 0.5, 100.5, 70000, 139999.5});
+    const double lows[] = {1, 2, 129, 139905}, highs[] = {2, 202, 140031, 279999};
+    for (std::size_t i = 0; i < 4; ++i) {
+      EXPECT_EQ(columns[0][i].low, lows[i]) << i;
+      EXPECT_EQ(columns[0][i].high, highs[i]) << i;
+    }
+    static int asked;
+    asked = 0;
+    EXPECT_FALSE(overview.make(file_, plot(1), both, [] { return ++asked == 3; }));
+  }
+  EXPECT_EQ(open(files[3].substr(0, files[3].size() - 1)), "");
+  EXPECT_EQ(plot(1).nb_rows, 0U) << "by variable all is elsewhere";
+}
+
+TEST_F(Results, ComplexValuesAreShownByTheirSize) {
+  const std::vector<std::string> names{"frequency\tfrequency", "v(a)\tvoltage"};
+  ASSERT_EQ(open(raw_header("AC Analysis", "complex double", "3", names) +
+                 double_bytes({30, 0, 3, 4, 20, 0, 0, -1, 10, 0, 6, 8})),
+            "");
+  EXPECT_EQ(at(plot(1), 25, 1).re, 1.5);
+  EXPECT_EQ(at(plot(1), 25, 1).im, 1.5);
+  EXPECT_EQ(at(plot(1), 10, 1).im, 8);
+  rs_overview_t overview;
+  constexpr std::uint32_t first = 1;
+  ASSERT_TRUE(overview.make(file_, plot(1), {&first, 1}));
+  const auto falling = overview.columns(std::vector<double>{31, 25, 9})[0];
+  EXPECT_EQ(falling[0].high, 5);
+  EXPECT_EQ(falling[1].low, 1);
+  EXPECT_EQ(falling[1].high, 10);
+}
+
+TEST_F(Results, HeadersOfOldAndNewWriters) {
+  const std::string text =
+      raw_header("Operating Point", "real", "1", {"a b + c\tvoltage", "i(R1)\tx"});
+  const auto opened = [&](std::string_view from, std::string_view to, bool is_wide = false) {
+    std::string bytes = text;
+    bytes.replace(bytes.find(from), from.size(), to);
+    const std::string fault =
+        open((is_wide ? "\xff\xfe" + wide(bytes) : bytes) + double_bytes({5, 7}));
+    if (!fault.empty()) return fault;
+    std::string said(rs_simulator_name(plot(1).header.simulator));
+    for (const auto& variable : file_.variables(plot(1)))
+      said += "|" + variable.name + "|" + variable.type;
+    return said;
+  };
+  EXPECT_EQ(opened("Date", "Command: XYCE\nDate"), "Xyce|a b + c|voltage|i(R1)|x");
+  EXPECT_EQ(opened("Date", "Version: ngspice-42\nDate"), "ngspice|a b + c|voltage|i(R1)|x");
+  EXPECT_EQ(opened("Date", "Command: LTspice XVII\nDate"), "LTspice|a b + c|voltage|i(R1)|x");
+  EXPECT_EQ(opened("a b + c\tvoltage", "  v(a) voltage dims=1"), "ngspice|v(a)|voltage|i(R1)|x");
+  EXPECT_EQ(opened("i(R1)", "I(R1)"), "Xyce|a b + c|voltage|I(R1)|x");
+  EXPECT_EQ(opened("i(R1)", "R(1)"), "SPICE|a b + c|voltage|R(1)|x");
+  EXPECT_EQ(opened("today", "today\r\n \r", true), "LTspice|a b + c|voltage|i(R1)|x");
+  EXPECT_EQ(opened("Date:", "Offset: x\nDate:"), ": line 2: no number");
+  EXPECT_EQ(opened("Date:", "Date"), ": line 2: no line of a header");
+  EXPECT_EQ(opened("Variables:\n", "Variables: a\n"), ": line 7: no variable begins here");
+  EXPECT_EQ(opened("Variables:\n", "Binary:\n"), ": line 7: values without variables");
+  EXPECT_EQ(opened("today", std::string(70000, 'x'), true), ": line 2: a line of no header");
+  // Letters beyond ASCII of two bytes each.
+  const std::string micro = wide(text.substr(0, text.find("a b"))) +
+                            std::string("\xb5\0\x26\x21", 4) +
+                            wide(text.substr(text.find("\tvoltage")));
+  ASSERT_EQ(open(micro + double_bytes({5, 7})), "");
+  EXPECT_EQ(file_.variables(plot(1)).at(0).name, "\u00b5\u2126");
+  // All numbers of LTspice in one precision, as the size of the file says.
+  const auto first = [&](const std::string& numbers) {
+    EXPECT_EQ(open(wide(text) + numbers), "");
+    rs_value_t value;
+    const std::uint32_t second = 1;
+    file_.row(plot(1), 0, {&second, 1}, {&value, 1});
+    return value.re;
+  };
+  EXPECT_EQ(first(single_bytes({5, 7})), 7);
+  EXPECT_EQ(first(double_bytes({5, 7})), 7);
+  EXPECT_EQ(first(double_bytes({5}) + single_bytes({7})), 7);
+}
+
 TEST_F(Results, AFileThatIsNoSuchOrCutSaysSo) {
   EXPECT_EQ(open(""), ": is empty");
   EXPECT_EQ(open("Netlist of a design\nR1 a b 1k\n"), ": is no file of results");
@@ -222,6 +340,20 @@ TEST(ResultNames, OfEverySimulatorSayTheSame) {
       {{"{V(A)-V(B)}", "expression"}, "other"},
       {{"v(a,b)", "voltage"}, "other"},
       {{"", ""}, "other"},
+      {{"V(temp-sweep)", "x"}, "other"},
+      {{"v(frequency)", "x"}, "other"},
+      {{"p(r1)", "power"}, "device r1 p"},
+      {{"Ibe(Q1)", "x"}, "device Q1 ibe"},
+      {{"Ibex(Q1)", "x"}, "other"},
+      {{"q(c1)", "x"}, "other"},
+      {{"(a)", "voltage"}, "other"},
+      {{"v(a", "voltage"}, "net v(a"},
+      {{"@m1", "x"}, "device m1 "},
+      {{"@m1[gm", "x"}, "device m1[gm "},
+      {{"a b", "voltage"}, "net a b"},
+      {{"a+b", "current"}, "other"},
+      {{"r1", "Current"}, "device r1 i"},
+      {{"r1", "power"}, "other"},
   };
   for (const auto& [variable, said] : cases) {
     const rs_name_t name = rs_read_name(variable);
@@ -231,8 +363,28 @@ TEST(ResultNames, OfEverySimulatorSayTheSame) {
                                  : "other";
     EXPECT_EQ(what, said) << variable.name;
   }
-  EXPECT_EQ(rs_path_names("m.xr:x2#d").size(), 4U);
-  EXPECT_EQ(rs_parameter_name("IDS"), "id");
+  EXPECT_EQ(rs_path_names("/m.xr::x2#d"), (std::vector<std::string_view>{"m", "xr", "x2", "d"}));
+  for (const auto& [name, unit] : {std::pair{"Voltage", "V"},
+                                   {"frequency", "Hz"},
+                                   {"impedance", "Ohm"},
+                                   {"p", "W"},
+                                   {"id", "A"},
+                                   {"cd", "A"},
+                                   {"vth", "V"},
+                                   {"von", "V"},
+                                   {"gm", "S"},
+                                   {"r", "Ohm"},
+                                   {"rout", "Ohm"},
+                                   {"rx", ""},
+                                   {"cgs", "F"},
+                                   {"cbd", "F"},
+                                   {"cdb", "F"},
+                                   {"cx", ""},
+                                   {"x", ""}})
+    EXPECT_EQ(rs_unit_of(name), unit) << name;
+  for (const auto& [name, one] :
+       {std::pair{"IDS", "id"}, {"vt", "vth"}, {"Vdss", "vdsat"}, {"GM", "gm"}})
+    EXPECT_EQ(rs_parameter_name(name), one);
 }
 
 TEST(Engineering, NumbersAreWrittenAndReadAsSimulatorsDo) {
@@ -245,6 +397,23 @@ TEST(Engineering, NumbersAreWrittenAndReadAsSimulatorsDo) {
   EXPECT_EQ(rs_engineering(0, 4, "A"), "0 A");
   EXPECT_EQ(rs_engineering(1e-30, 4), "1e-30");
   EXPECT_EQ(rs_engineering(std::nan(""), 4), "nan");
+  EXPECT_EQ(rs_engineering(INFINITY, 4, "V") + rs_engineering(-INFINITY, 4), "inf V-inf");
+  EXPECT_EQ(rs_engineering(123456, 2), "123k");
+  EXPECT_EQ(rs_engineering(1e15, 4, "V"), "1e+15 V");
+  std::string all;
+  for (int power = -18; power <= 12; power += 3) {
+    const double number = std::stod("2e" + std::to_string(power));
+    all += rs_engineering(number, 3, "A") + "," + rs_engineering(number * 10, 3) + " ";
+    EXPECT_EQ(rs_read_number(rs_engineering(number, 3)), number) << power;
+  }
+  EXPECT_EQ(
+      all,
+      "2 aA,20a 2 fA,20f 2 pA,20p 2 nA,20n 2 uA,20u 2 mA,20m 2 A,20 2 kA,20k 2 MA,20meg 2 GA,20g "
+      "2 TA,20t ");
+  EXPECT_EQ(rs_read_number("+5KHz"), 5000);
+  EXPECT_EQ(rs_read_number("1M"), 1e-3);
+  EXPECT_FALSE(rs_read_number("9e300meg9"));
+  EXPECT_FALSE(rs_read_number("1e305meg"));
   for (const double number : {58e-9, 1e6, -2.5e-3, 1.0, 4.7e12}) {
     EXPECT_NEAR(rs_read_number(rs_engineering(number, 6)).value_or(0) / number, 1, 1e-12);
   }
