@@ -54,3 +54,10 @@ inline std::string told(const gxi_cell_t& cell) {
         "pin " + pin.name + " " + pin.type + " at " + told(pin.at) + told(pin.properties) + "\n";
   return text + (cell.sheet ? told(*cell.sheet) : std::string());
 }
+
+inline std::string told(const gxi_design_t& design) {
+  std::string text;
+  for (const auto& cell : design.cells) text += told(cell);
+  for (const auto& warning : design.warnings) text += warning + "\n";
+  return text;
+}

@@ -2,17 +2,6 @@
 #include "import/build/fit.h"
 #include "tests/support/told_design.h"
 
-namespace {
-
-std::string told(const gxi_design_t& design) {
-  std::string text;
-  for (const auto& cell : design.cells) text += told(cell);
-  for (const auto& warning : design.warnings) text += warning + "\n";
-  return text;
-}
-
-}  // namespace
-
 // Names are spelled, differ in more than the case of their letters, and are not too long; texts
 // show what was drawn otherwise. Ports and globals that nobody drew are below the rest.
 TEST(ImportFit, NamesTextsAndPortsOfADrawing) {
