@@ -27,7 +27,8 @@ loaded_t& gxi_kicad_sheets_t::load(const fs::path& path) {
   loaded.records = gxi_kicad_read_records(gxi_read_source(path), loaded.name);
   if (loaded.records.images > 0)
     gxm_complain(design_.warnings, {loaded.name, 1},
-                 std::to_string(loaded.records.images) + " pictures are left out");
+                 std::to_string(loaded.records.images) +
+                     (loaded.records.images == 1 ? " picture is" : " pictures are") + " left out");
   return loaded;
 }
 
