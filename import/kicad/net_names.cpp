@@ -24,12 +24,16 @@ bool is_mark(std::string_view text, std::size_t brace) {
   return brace > 0 && std::string_view("~^_").find(text[brace - 1]) != std::string_view::npos;
 }
 
+bool has_blank(std::string_view text) {
+  return text.find_first_of(" \t") != std::string_view::npos;
+}
+
 std::optional<vector_t> vector_of(std::string_view name) {
   const auto open = name.rfind('[');
   if (open == std::string_view::npos || open == 0) return {};
   const auto dots = name.find("..", open), close = name.find(']', open);
   if (dots == std::string_view::npos || close == std::string_view::npos || close < dots) return {};
-  if (name.find_first_of(" \t") < open) return {};
+  if (has_blank(name.substr(0, open))) return {};
   vector_t vector{.prefix = name.substr(0, open), .suffix = name.substr(close + 1)};
   for (std::size_t i = 0; i < open; ++i)
     if (name[i] == '{' && !is_mark(name, i)) return {};
@@ -140,7 +144,7 @@ gxi_kicad_bus_t gxi_kicad_bus(std::string_view name, const gxi_kicad_aliases_t& 
   }
   const auto open = name.find('{');
   if (open == std::string_view::npos || name.back() != '}' || is_mark(name, open)) return bus;
-  if (name.find_first_of(" \t") < open) return bus;
+  if (has_blank(name.substr(0, open))) return bus;
   const std::string before = open == 0 ? std::string() : std::string(name.substr(0, open)) + ".";
   expand_group(name.substr(open + 1, name.size() - open - 2), before, aliases, 0, bus);
   return bus;

@@ -11,8 +11,7 @@ constexpr int oldest_version = 20200310;
 
 gxi_kicad_use_t use_of(const gxi_kicad_list_t& path) {
   gxi_kicad_use_t use{.path = std::string(path.word(1)),
-                      .reference = std::string(path.child("reference").word(1)),
-                      .value = std::string(path.child("value").word(1))};
+                      .reference = std::string(path.child("reference").word(1))};
   if (const auto unit = path.child("unit")) use.unit = static_cast<int>(unit.number(1));
   return use;
 }

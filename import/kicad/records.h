@@ -25,7 +25,7 @@ struct gxi_kicad_label_t {
 
 // One use of the sheet that holds an item: the ids of the sheets down to it, each after "/".
 struct gxi_kicad_use_t {
-  std::string path{}, reference{}, value{};
+  std::string path{}, reference{};
   int unit = 0;  // 0: not said
 };
 

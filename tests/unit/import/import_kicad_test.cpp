@@ -1,11 +1,16 @@
 // Sheets of KiCad: what is refused, names, variables, references, what touches a wire. What a sheet
 // becomes as a whole is in tests/cases/import.
+#include <functional>
 #include <random>
+#include <set>
 
+#include "import/kicad/frame.h"
 #include "import/kicad/net_names.h"
+#include "import/kicad/picture.h"
 #include "import/kicad/reader.h"
 #include "import/kicad/records.h"
 #include "import/kicad/references.h"
+#include "import/kicad/signs.h"
 #include "import/kicad/touching.h"
 #include "import/kicad/variables.h"
 
@@ -213,4 +218,104 @@ TEST(ImportKicad, PointsJoinTheWiresThatTheyLieOn) {
     for (int i = 0; i < 13; ++i) ASSERT_EQ(groups.root(i), expected.root(i)) << run << ' ' << i;
     ASSERT_EQ(gxi_kicad_on_wires(wires, points), on) << run;
   }
+}
+
+// A sheet of a series is half of the next larger one.
+TEST(ImportKicad, SizesOfPaper) {
+  const auto paper = [](const std::string& words) {
+    return gxi_kicad_read_records(in_sheet("(paper " + words + ")"), "n").paper;
+  };
+  const auto is_half = [](gxi_kicad_point_t small, gxi_kicad_point_t large) {
+    const int half = large.x / 20'000 * 10'000;  // a whole millimetre, of inches exactly
+    return small.x == large.y && (small.y == half || small.y == large.x / 2);
+  };
+  const std::vector<std::string> series[] = {{"A5", "A4", "A3", "A2", "A1", "A0"},
+                                             {"A", "B", "C", "D", "E"}};
+  for (const auto& names : series)
+    for (std::size_t i = 1; i < names.size(); ++i)
+      EXPECT_TRUE(is_half(paper(names[i - 1]), paper(names[i]))) << names[i];
+  EXPECT_EQ(paper("A0"), (gxi_kicad_point_t{11'890'000, 8'410'000}));
+  EXPECT_EQ(paper("A0 portrait"), (gxi_kicad_point_t{8'410'000, 11'890'000}));
+  EXPECT_EQ(paper("A"), (gxi_kicad_point_t{2'794'000, 2'159'000}));
+  EXPECT_EQ(paper("USLetter"), paper("A"));
+  EXPECT_EQ(paper("USLedger"), paper("B"));
+  EXPECT_EQ(paper("USLegal"), (gxi_kicad_point_t{3'556'000, 2'159'000}));
+  EXPECT_EQ(paper("User 1.5 2"), (gxi_kicad_point_t{15'000, 20'000}));
+  EXPECT_EQ(paper("none"), gxi_kicad_point_t{});
+}
+
+TEST(ImportKicad, IsKnownByItsFirstWords) {
+  EXPECT_TRUE(gxi_is_kicad("(kicad_sch (version 1))"));
+  EXPECT_TRUE(gxi_is_kicad("\xEF\xBB\xBF\n (kicad_sch"));
+  EXPECT_TRUE(gxi_is_kicad("EESchema Schematic File Version 4"));
+  for (const auto* const other : {"", " ", "kicad_sch", "v {xschem}", "(kicad_pcb"})
+    EXPECT_FALSE(gxi_is_kicad(other)) << other;
+}
+
+TEST(ImportKicad, AFrameHasRoomForItsTexts) {
+  const auto frame = [](int x, int y, const gxi_kicad_title_t& title) {
+    gxi_sheet_t sheet;
+    gxi_kicad_draw_frame({x, y}, title, "f", sheet);
+    return sheet;
+  };
+  // Where the block has no room, or no screen shows it, there is none.
+  constexpr int least = 1'320'000, most = 50'000'000;
+  EXPECT_EQ(frame(least, most, {}).shapes.size(), 1U);
+  EXPECT_EQ(frame(least - 1, most, {}).shapes.size(), 0U);
+  EXPECT_EQ(frame(most + 1, least, {}).shapes.size(), 0U);
+  const std::string many(100, 'm');
+  std::vector<std::int32_t> heights;
+  for (const auto& text : frame(2'970'000, 2'100'000,
+                                {{"comment1", many}, {"date", many}, {"rev", many}, {"title", "t"}})
+                              .texts)
+    heights.push_back(text.look.height);
+  const auto fits = [](int room, int letters) {
+    return gxi_kicad_length(room) * 5 / (6 * letters);
+  };
+  EXPECT_EQ(heights, (std::vector<std::int32_t>{fits(1'060'000, 100), 4429, 5906,
+                                                fits(820'000, 106), fits(230'000, 105)}));
+}
+
+// Instances share the cell of their sign only where nothing at all is different.
+TEST(ImportKicad, KeysOfDifferentSignsDiffer) {
+  gxi_symbol_t base{.name = "s"};
+  base.shapes = {{.type = gx_type::circle_2d, .points = {{1, 2}}, .radius = 3}};
+  base.texts = {{"t", {.at = {4, 5}}}};
+  base.properties = {{"P", "v", {}}};
+  base.pins = {{.name = "A", .at = {6, 7}, .properties = {{"Q", "w", {}}}}};
+  const std::vector<std::function<void(gxi_symbol_t&)>> changes{
+      [](auto&) {},
+      [](auto& s) { s.name = "z"; },
+      [](auto& s) { s.shapes[0].type = gx_type::arc3p_2d; },
+      [](auto& s) { s.shapes[0].points[0].x = 0; },
+      [](auto& s) { s.shapes[0].points[0].y = 0; },
+      [](auto& s) { s.shapes[0].radius = 0; },
+      [](auto& s) { s.shapes[0].color = 0; },
+      [](auto& s) { s.shapes[0].width = 0; },
+      [](auto& s) { s.shapes[0].style = 1; },
+      [](auto& s) { s.shapes[0].filled = true; },
+      [](auto& s) { s.texts[0].value = "z"; },
+      [](auto& s) { s.texts[0].look.at.x = 0; },
+      [](auto& s) { s.texts[0].look.at.y = 0; },
+      [](auto& s) { s.texts[0].look.height = 0; },
+      [](auto& s) { s.texts[0].look.across = gxi_align::end; },
+      [](auto& s) { s.texts[0].look.up = gxi_align::end; },
+      [](auto& s) { s.texts[0].look.rotate = 1; },
+      [](auto& s) { s.properties[0].name = "z"; },
+      [](auto& s) { s.properties[0].value = "z"; },
+      [](auto& s) { s.pins[0].name = "z"; },
+      [](auto& s) { s.pins[0].type = "z"; },
+      [](auto& s) { s.pins[0].at.x = 0; },
+      [](auto& s) { s.pins[0].at.y = 0; },
+      [](auto& s) { s.pins[0].properties[0].name = "z"; },
+      [](auto& s) { s.pins[0].properties[0].value = "z"; }};
+  std::set<std::string> keys;
+  for (std::size_t i = 0; i < changes.size(); ++i) {
+    auto sign = base;
+    changes[i](sign);
+    EXPECT_TRUE(keys.insert(gxi_kicad_sign_key(sign)).second) << i;
+  }
+  const std::pair<const char*, const char*> classes[] = {
+      {"R1", "R"}, {"uA2", "UA"}, {"#PWR", "DEVICE"}, {"", "DEVICE"}, {"G1", "G_"}, {"Z9", "Z"}};
+  for (const auto& [reference, name] : classes) EXPECT_EQ(gxi_kicad_class(reference), name);
 }
