@@ -197,6 +197,13 @@ TEST(ImportLepton, RecordsInOddForms) {
   for (const auto& [text, what] : refused) EXPECT_EQ(lepton_refusal(text), what);
 }
 
+TEST(ImportLepton, IsKnownByItsVersion) {
+  for (const auto* const text : {"v 1", "v\t0 2", "v 9\n"})
+    EXPECT_TRUE(gxi_is_lepton(text)) << text;
+  for (const auto* const text : {"", "v ", "w 1", "v{1", "v12", "v x", "v :", "v /"})
+    EXPECT_FALSE(gxi_is_lepton(text)) << text;
+}
+
 TEST(ImportLepton, TextsAreSeenAsTheirMarksSay) {
   gxi_lepton_text_t text{.text = "value=10k"};
   EXPECT_EQ(gxi_lepton_seen(text), "value=10k");

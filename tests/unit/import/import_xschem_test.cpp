@@ -2,6 +2,7 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <sstream>
 
 #include "import/build/output.h"
 #include "import/xschem/attributes.h"
@@ -12,6 +13,35 @@
 #include "tests/support/scratch_directory.h"
 
 namespace {
+
+// Every field of every record.
+std::string xschem_told(const gxi_xschem_file_t& file) {
+  std::ostringstream all;
+  all << "v" << file.version << " K" << file.global << " G" << file.vhdl << " V" << file.verilog
+      << " S" << file.spice << "@" << file.spice_line << " E" << file.tedax << " F" << file.spectre
+      << "\n";
+  const auto put = [&](gxi_xschem_point_t p) { all << ' ' << p.x << ',' << p.y; };
+  for (const auto& shape : file.shapes) {
+    all << shape.line << ' ' << shape.kind << shape.layer;
+    for (const auto p : shape.points) put(p);
+    if (shape.kind == 'A') all << " r" << shape.radius << ' ' << shape.start << ' ' << shape.sweep;
+    all << " {" << shape.attributes << "}\n";
+  }
+  for (const auto& text : file.texts) {
+    all << text.line << " T{" << text.text << "}";
+    put(text.at);
+    all << " r" << text.rotate << " f" << text.flip << ' ' << text.width << ' ' << text.height
+        << " {" << text.attributes << "}\n";
+  }
+  for (const auto& component : file.components) {
+    all << component.line << " C{" << component.symbol << "}";
+    put(component.at);
+    all << " r" << component.rotate << " f" << component.flip << " {" << component.attributes
+        << "}\n";
+    if (component.embedded) all << "[" << xschem_told(*component.embedded) << "]\n";
+  }
+  return all.str();
+}
 
 std::string xschem_refusal(std::string_view text) {
   gxm_messages_t messages;
@@ -27,17 +57,37 @@ std::string xschem_refusal(std::string_view text) {
 
 TEST(ImportXschem, RecordsInOddForms) {
   gxm_messages_t messages;
-  const auto file = gxi_xschem_read_records(
-      "v {x}\r\nG {type=nmos}T {a \\{b\\} \\\\c} 1 2 3 1 .2 0.2 {}\nN 0 0 0 0 {lab=#net1}\n"
-      "P 4 0 {}\nC {s.sym} -1.25e1 +3 0 0 {name=x1\nembed=true}\n[\nK {type=q}\nL 4 0 0 1 1 "
-      "{}\n]\n",
-      {"f", 0}, messages);
-  EXPECT_EQ(file.global, "type=nmos");  // before there was K
-  EXPECT_EQ(file.texts.at(0).text, "a {b} \\c");
-  EXPECT_EQ(file.components.at(0).at.x, -12.5);
-  EXPECT_EQ(file.components.at(0).line, 5);
-  EXPECT_EQ(file.components.at(0).embedded->global, "type=q");
-
+  const auto records = [&](std::string_view text) {
+    return xschem_told(gxi_xschem_read_records(text, {"f", 0}, messages));
+  };
+  EXPECT_EQ(records("v {x}\r\nG {type=nmos}T {a \\{b\\} \\\\c} 1 2 3 1 .2 0.25 {hide=true\n}\n"
+                    "# N 1\nN 0 1 2 3 {lab=#net1}\nL 4 -1 2 3e1 +4 {}\nB 5 1 2 3 4 {name=P}\n"
+                    "A 6 1 2 3 4 -360 {}\nP 7 2 1 2\n3 4 {fill=true}P 4 0 {}\nS {R1\n\n}\nV{ver} "
+                    "E {ted}F\n{spec}\nT {} 0 0 -1 0 1 1 {}\n"
+                    "C {s.sym} -1.25e1 +3 6 0 {name=x1\nembed=true}\n[\nG {type=q}\nL 4 0 0 1 1 "
+                    "{}\n]\nC {t.sym} 200000 -200000 1 1 {}\n[\nv {}\nK {}\nG {notes}\n]"),
+            "vx Ktype=nmos Gtype=nmos Vver SR1\n"
+            "\n"
+            "@11 Eted Fspec\n"
+            "5 N0 0,1 2,3 {lab=#net1}\n"
+            "6 L4 -1,2 30,4 {}\n"
+            "7 B5 1,2 3,4 {name=P}\n"
+            "8 A6 1,2 r3 4 -360 {}\n"
+            "9 P7 1,2 3,4 {fill=true}\n"
+            "10 P4 {}\n"
+            "2 T{a {b} \\c} 1,2 r3 f1 0.2 0.25 {hide=true\n"
+            "}\n"
+            "16 T{} 0,0 r3 f0 1 1 {}\n"
+            "17 C{s.sym} -12.5,3 r2 f0 {name=x1\n"
+            "embed=true}\n"
+            "[v Ktype=q Gtype=q V S@0 E F\n"
+            "21 L4 0,0 1,1 {}\n"
+            "]\n"
+            "23 C{t.sym} 200000,-200000 r1 f1 {}\n"
+            "[v K Gnotes V S@0 E F\n"
+            "]\n");
+  EXPECT_EQ(records("K {now}G {then}"), "v Know Gthen V S@0 E F\n");
+  EXPECT_TRUE(messages.empty());
   const std::map<std::string, std::string> refused{
       {"v {\n\nx", "f:1: a \"{\" that is not closed"},
       {"v {}\nN 1 2 x 4 {}", "f:2: a number expected"},
@@ -46,9 +96,27 @@ TEST(ImportXschem, RecordsInOddForms) {
       {"v {}\n]", "f:2: a \"]\" without \"[\""},
       {"[\n]", "f:1: a symbol that follows no component"},
       {"C {a} 0 0 0 0 {}\n[\n", "f:2: a \"[\" that is not closed"},
+      {"N 1 2 3 -200001 {}", "f:1: a coordinate beyond 200000"},
+      {"L -1 1 2 3 4 {}", "f:1: a layer expected"},
+      {"L 4.5 1 2 3 4 {}", "f:1: a layer expected"},
+      {"L 1001 1 2 3 4 {}", "f:1: a layer expected"},
+      {"P 4 -1 {}", "f:1: a number of points expected"},
+      {"P 4 100001 {}", "f:1: a number of points expected"},
+      {"C {a} 0 0 8 0 {}", "f:1: a rotation of 0 to 3 expected"},
+      {"C {a} 0 0 -4 0 {}", "f:1: a rotation of 0 to 3 expected"},
+      {"C a 0 0 0 0 {}", "f:1: \"{\" expected"},
+      {"v {a\\", "f:1: a \"{\" that is not closed"},
+      {"C {a} 0 0 0 0 {}\n[\n[", "f:3: a symbol within a symbol"},
       {"C {a} 0 0 0 2 {}", "f:1: a flip of 0 or 1 expected"},
       {"Z {\n} 1 2\nv {}", "f:1: a record of the unknown kind \"Z\" is left out"}};
   for (const auto& [text, what] : refused) EXPECT_EQ(xschem_refusal(text), what);
+}
+
+TEST(ImportXschem, IsKnownByItsFirstRecord) {
+  for (const auto* const text : {"v {", " \n\t\rv{", "G {}", "K  {"})
+    EXPECT_TRUE(gxi_is_xschem(text)) << text;
+  for (const auto* const text : {"", " ", "v", "v x{", "x {", "{", "v ", "N {"})
+    EXPECT_FALSE(gxi_is_xschem(text)) << text;
 }
 
 TEST(ImportXschem, AttributesAndTheirTexts) {
