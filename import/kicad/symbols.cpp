@@ -31,6 +31,14 @@ gxi_kicad_pin_t pin_of(const gxi_kicad_list_t& item, const gxi_kicad_symbol_t& s
   return pin;
 }
 
+// Its angle is in tenths of degrees; KiCad draws upwards whatever is turned.
+gxi_kicad_text_t text_of(const gxi_kicad_list_t& item) {
+  auto text = gxi_kicad_text(item, item.word(1));
+  const auto angle = item.child("at").word(3);
+  text.rotate = angle.empty() || angle == "0" ? 0 : 1;
+  return text;
+}
+
 // NAME_UNIT_STYLE.
 gxi_kicad_unit_t unit_of(const gxi_kicad_list_t& item, const gxi_kicad_symbol_t& symbol) {
   gxi_kicad_unit_t unit;
@@ -46,7 +54,7 @@ gxi_kicad_unit_t unit_of(const gxi_kicad_list_t& item, const gxi_kicad_symbol_t&
     if (list.keyword() == "pin")
       unit.pins.push_back(pin_of(list, symbol));
     else if (list.keyword() == "text")
-      unit.texts.push_back(gxi_kicad_text(list, list.word(1)));
+      unit.texts.push_back(text_of(list));
     else
       gxi_kicad_shape(list, unit.shapes);
     if (list.keyword() == "text_box") unit.texts.push_back(gxi_kicad_boxed_text(list, true));

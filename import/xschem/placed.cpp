@@ -199,12 +199,9 @@ void gxi_xschem_order_nodes(gxi_xschem_placed_t& placed, std::string_view netlis
 std::vector<std::string> gxi_xschem_pin_names(const gxi_xschem_placed_t& placed,
                                               const gxi_xschem_node_t& node) {
   if (node.pin < 0) return {node.name};
-  const auto& bits = placed.symbol->pins[static_cast<std::size_t>(node.pin)].bits;
-  const auto base = bits.front().substr(0, bits.front().find('['));
-  if (node.width <= 1) {
-    const bool told = bits.size() > 1 || bits.front().find(':') == std::string::npos;
-    return told ? bits : std::vector<std::string>{base};
-  }
+  const auto& pin = placed.symbol->pins[static_cast<std::size_t>(node.pin)];
+  const auto base = pin.bits.front().substr(0, pin.bits.front().find('['));
+  if (node.width <= 1) return pin.any_width ? std::vector<std::string>{base} : pin.bits;
   std::vector<std::string> names;
   for (std::size_t bit = node.width; bit > 0; --bit)
     names.push_back(base + "[" + std::to_string(bit - 1) + "]");

@@ -255,10 +255,9 @@ class xschem_reader {
     for (auto& device : placed.devices)
       for (auto& node : device.nodes) {
         if (node.pin < 0) continue;
-        const auto& bits = gx_at(placed.symbol->pins, node.pin).bits;
-        const bool told = bits.size() > 1 ||
-                          (bits.front().find(':') == std::string::npos && device.letter != 'A');
-        if (!told && placed.names.size() == 1)
+        const auto& pin = gx_at(placed.symbol->pins, node.pin);
+        const bool as_label = pin.any_width || (device.letter == 'A' && pin.bits.size() == 1);
+        if (as_label && placed.names.size() == 1)
           node.width = gx_at(nets.bundles, gx_at(nets.bundle_of_pin[i], node.pin)).nets.size();
       }
   }

@@ -119,6 +119,7 @@ std::unique_ptr<gxi_xschem_symbol_t> gxi_xschem_library_t::make(const std::strin
     if (attributes.find("name") == nullptr) continue;
     auto& pin = symbol->pins.emplace_back();
     pin.bits = gxi_xschem_bits(attributes.get("name"));
+    pin.any_width = pin.bits.size() == 1 && pin.bits.front().find(':') != std::string::npos;
     pin.type = pin_type(attributes.get("dir"));
     pin.ignored = attributes.get("spice_ignore") == "true";
     pin.at = {(shape.points[0].x + shape.points[1].x) / 2,

@@ -26,6 +26,7 @@ enum class gxi_xschem_role_t : std::uint8_t {
 
 struct gxi_xschem_pin_t {
   std::vector<std::string> bits{};  // the names of its single pins
+  bool any_width = false;           // its name does not say which bits it has: "A[max:0]"
   std::string type{};               // PINTYPE
   gxi_xschem_point_t at{};
   gxi_xschem_attributes_t attributes{};

@@ -114,8 +114,11 @@ class tcl_reader {
       end = script.find('"', 1) == std::string_view::npos ? std::string_view::npos
                                                           : script.find('"', 1) + 1;
     else
-      end = static_cast<std::size_t>(
-          std::find_if(script.begin(), script.end(), gxi_xschem_is_blank) - script.begin());
+      while (end < script.size() && !gxi_xschem_is_blank(script[end])) {
+        const auto rest = script.substr(end);
+        end +=
+            rest.front() == '[' ? std::min(gxi_xschem_tcl_closed(rest, '[', ']'), rest.size()) : 1;
+      }
     end = std::min(end, script.size());
     const bool bare = open != '{' && open != '"';
     const auto found = bare || end < 2 ? script.substr(0, end) : script.substr(1, end - 2);

@@ -16,14 +16,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string told(gxi_lepton_point_t p) {
+std::string lepton_told(gxi_lepton_point_t p) {
   return " " + std::to_string(p.x) + "," + std::to_string(p.y);
 }
 
-std::string told(const gxi_lepton_texts_t& texts) {
+std::string lepton_told(const gxi_lepton_texts_t& texts) {
   std::string all;
   for (const auto& text : texts) {
-    all += std::to_string(text.line.number) + " T" + told(text.at) + " c" +
+    all += std::to_string(text.line.number) + " T" + lepton_told(text.at) + " c" +
            std::to_string(text.color) + " s" + std::to_string(text.size) +
            (text.visible ? " seen" : "") + " show" + std::to_string(static_cast<int>(text.show)) +
            " r" + std::to_string(text.rotate) + " a" + std::to_string(text.alignment) + " ";
@@ -33,7 +33,7 @@ std::string told(const gxi_lepton_texts_t& texts) {
 }
 
 // Every field of every record.
-std::string told(const gxi_lepton_file_t& file) {
+std::string lepton_told(const gxi_lepton_file_t& file) {
   std::string all;
   const auto begin = [&](const auto& record, const std::string& kind, int color) {
     all += std::to_string(record.line.number) + " " + kind + " c" + std::to_string(color);
@@ -42,30 +42,31 @@ std::string told(const gxi_lepton_file_t& file) {
     begin(shape, std::string(1, shape.kind), shape.color);
     all += " w" + std::to_string(shape.width) + (shape.dashed ? " dashed" : "") +
            (shape.filled ? " filled" : "");
-    for (const auto p : shape.points) all += told(p);
+    for (const auto p : shape.points) all += lepton_told(p);
     if (shape.radius != 0)
       all += " r" + std::to_string(shape.radius) + " " + std::to_string(shape.start) + ".." +
              std::to_string(shape.sweep);
     for (const auto& step : shape.path) {
       all += std::string(" ") + step.kind;
-      for (const auto p : step.points) all += told(p);
+      for (const auto p : step.points) all += lepton_told(p);
     }
     all += "\n";
   }
-  all += told(file.texts) + "attached\n" + told(file.attached);
+  all += lepton_told(file.texts) + "attached\n" + lepton_told(file.attached);
   for (const auto& net : file.nets) {
     begin(net, "N", net.color);
-    all += told(net.from) + told(net.to) + "\n" + told(net.attributes);
+    all += lepton_told(net.from) + lepton_told(net.to) + "\n" + lepton_told(net.attributes);
   }
   for (const auto& pin : file.pins) {
     begin(pin, pin.bus ? "bus" : "P", pin.color);
-    all += told(pin.tip) + told(pin.root) + "\n" + told(pin.attributes);
+    all += lepton_told(pin.tip) + lepton_told(pin.root) + "\n" + lepton_told(pin.attributes);
   }
   for (const auto& component : file.components) {
     begin(component, "C", 0);
-    all += told(component.at) + " r" + std::to_string(component.rotate) +
-           (component.mirror ? " m " : " ") + component.symbol + "\n" + told(component.attributes);
-    if (component.embedded) all += "[\n" + told(*component.embedded) + "]\n";
+    all += lepton_told(component.at) + " r" + std::to_string(component.rotate) +
+           (component.mirror ? " m " : " ") + component.symbol + "\n" +
+           lepton_told(component.attributes);
+    if (component.embedded) all += "[\n" + lepton_told(*component.embedded) + "]\n";
   }
   return all;
 }
@@ -97,7 +98,7 @@ TEST(ImportLepton, RecordsInOddForms) {
       "T 150 200 5 8 0 0 0 0 1\npinnumber=1\n}\n]\n{\nT 0 0 5 8 0 0 0 0 1\nrefdes=U1\n}\n"
       "C 7 8 1 -90 1 x.sym\nC 7 8 1 0 0 y.sym\nF old\n",
       "f");
-  EXPECT_EQ(told(file),
+  EXPECT_EQ(lepton_told(file),
             "4 L c3 w0 0,0 10,20\n"
             "5 L c5 w6 dashed 1,2 3,4\n"
             "6 B c3 w30 dashed filled -5,-5 5,15\n"
@@ -137,7 +138,7 @@ TEST(ImportLepton, RecordsInOddForms) {
   const std::string lines_of_path = [&] {
     std::string all;
     for (const auto& line : gxi_lepton_lines(file.shapes.back().path)) {
-      for (const auto p : line) all += told(p);
+      for (const auto p : line) all += lepton_told(p);
       all += "\n";
     }
     return all;
@@ -150,7 +151,7 @@ TEST(ImportLepton, RecordsInOddForms) {
       "v 1 2\nB 0 0 100 100 3\nP 0 50 -100 50 1\nP 100 60 200 60 1\nP 50 0 50 -90\n"
       "P 50 300 50 100 1 0\nC 0 0 1 0 0 EMBEDDEDs\n[\nP 1000 0 1100 0 1\nP 700 0 800 0\n]\n",
       "f");
-  EXPECT_EQ(told(pins),
+  EXPECT_EQ(lepton_told(pins),
             "2 B c3 w0 0,0 100,100\n"
             "attached\n"
             "3 P c1 -100,50 0,50\n"

@@ -9,6 +9,7 @@
 #include "import/xschem/labels.h"
 #include "import/xschem/reader.h"
 #include "import/xschem/records.h"
+#include "import/xschem/tcl/tcl.h"
 #include "tests/support/joined_words.h"
 #include "tests/support/scratch_directory.h"
 
@@ -130,6 +131,69 @@ TEST(ImportXschem, AttributesAndTheirTexts) {
       gxi_xschem_substitute(R"(@name @@A @#0:x @prefix\and2 a@ \@b)",
                             [](auto name) { return "<" + std::string(name) + ">"; });
   EXPECT_EQ(filled, "<name> <@A> <#0:x> <prefix>and2 a@ @b");
+}
+
+TEST(ImportXschem, TclAsFarAsItIsRead) {
+  gxi_xschem_tcl_scope_t scope;
+  gxi_xschem_take_tcl(
+      "tcleval([set ::corner tt][set none $x][set n 4] proc ::twice {a} {expr {$a * 2}}\n"
+      "proc part {a b} {\n# note\n if {$a > 1} {return \"<$b>\"} elseif {$a} then {set c $b} else "
+      "{set c [twice 3]}\n; set d ${c}$::corner}\nproc f {} {catch {expr {1+1}} r; return $r})",
+      scope);
+  gxi_xschem_take_tcl("[set lost 1]", scope);
+  const struct {
+    const char *text, *given;
+    bool is_plain = true;
+  } cases[] = {
+      {"plain [x] $y", "plain [x] $y"},
+      {"  tcleval( a b )\n", " a b "},
+      {"tcleval(a", "a"},
+      {"tcleval(", ""},
+      {"tcleval(A[3] x $corner-${corner}:$::corner $)", "A[3] x tt-tt:tt $"},
+      {"tcleval($none)", "$none", false},
+      {"tcleval($lost)", "$lost", false},
+      {"tcleval([if {[sim_is_ngspice]} {return a} else {return b}])", "a"},
+      {"tcleval([if {! ![sim_is_Xyce]} then {return a} elseif { 1 } {return \"b c\"}])", "b c"},
+      {"tcleval([if {![sim_is_spectre]} return])", ""},
+      {"tcleval([if {off} {return a}])", ""},
+      {"tcleval([if {off} {return a} {return b}])", "b"},
+      {"tcleval([if {what} {return a} {return b}])", "a", false},
+      {"tcleval([if {what} {return} {return b}])", "b", false},
+      {"tcleval(a [unknown b] c)", "a  c", false},
+      {"tcleval([abs_sym_path lib/x.lib])", "lib/x.lib"},
+      {"tcleval([read_data [abs_sym_path a.b]] [read_data_nonewline c])",
+       ".include a.b .include c"},
+      {"tcleval([abs_sym_paths x])", "", false},
+      {"tcleval(a[ @@A @@B ] [ @@C ] [ return @@D ])", "a[ @@A @@B ] [ @@C ] @@D"},
+      {"tcleval([expr 2*3] [expr {7/2.0}])", "6 3.5"},
+      {"tcleval([expr {7/2}])", "", false},
+      {"tcleval([set n] [set m 3])", "4 3"},
+      {"tcleval([twice $n] [twice 2.5])", "8 5"},
+      {"tcleval([twice])", "", false},
+      {"tcleval([part 2 x] [part 1 x] [part 0 x])", "<x> xtt 6tt"},
+      {"tcleval([f])", "2"},
+      {"tcleval([catch {unknown}])", "", false},
+      {"tcleval([return a[abs_sym_path b c]d e])", "ab cd"},
+      {"tcleval([open", "[open"},
+  };
+  for (const auto& [text, given, is_plain] : cases) {
+    const auto read = gxi_xschem_plain_tcl(text, scope);
+    EXPECT_EQ(read.text, given) << text;
+    EXPECT_EQ(read.is_plain, is_plain) << text;
+  }
+  for (const auto& [deep, is_read] : {std::pair{20, true}, {2000, false}}) {
+    std::string nested = "tcleval(";
+    for (int i = 0; i < deep; ++i) nested += "[return ";
+    nested += 'x' + std::string(static_cast<std::size_t>(deep), ']') + ")";
+    const auto read = gxi_xschem_plain_tcl(nested, scope);
+    EXPECT_EQ(read.is_plain, is_read) << deep;
+    EXPECT_EQ(read.text, is_read ? "x" : "") << deep;
+  }
+  for (const auto* const yes : {"true", "OPEN", "1", "yes", "on", "t", "y"})
+    EXPECT_EQ(gxi_xschem_truth(yes), true) << yes;
+  for (const auto* const no : {"", "False", "0", "no", "off", "f", "n"})
+    EXPECT_EQ(gxi_xschem_truth(no), false) << no;
+  EXPECT_EQ(gxi_xschem_truth("2"), std::nullopt);
 }
 
 TEST(ImportXschem, LabelsOfSeveralBits) {
