@@ -24,15 +24,14 @@ std::vector<bus_end_t> ends_of(const gxi_kicad_members_t& members) {
   std::vector<bus_end_t> ends;
   const auto& sheet = members.sheet;
   const auto& file = members.file;
-  for (std::size_t i = 0; i < sheet.labels.size(); ++i)
-    if (members.is_bus_label(i))
-      ends.push_back({&members.label_buses[i], sheet.labels[i], file.labels[i].text.at,
-                      gxi_kicad_strength(file.labels[i].kind)});
-  for (std::size_t i = 0; i < members.pin_buses.size(); ++i)
-    for (std::size_t pin = 0; pin < members.pin_buses[i].size(); ++pin)
-      if (const auto& bus = members.pin_buses[i][pin]; !bus.members.empty())
-        ends.push_back({&bus, sheet.block_pins[i][pin], file.blocks[i].pins[pin].text.at,
-                        gxi_of_block_pin, members.block_pin(i, pin)});
+  for (const auto i : members.bus_labels)
+    ends.push_back({&members.label_buses[i], sheet.labels[i], file.labels[i].text.at,
+                    gxi_kicad_strength(file.labels[i].kind)});
+  members.each_block_pin([&](std::size_t i, std::size_t pin, const auto& bus, int member) {
+    if (!bus.members.empty())
+      ends.push_back({&bus, sheet.block_pins[i][pin], file.blocks[i].pins[pin].text.at,
+                      gxi_of_block_pin, member});
+  });
   return ends;
 }
 

@@ -38,7 +38,6 @@ class hidden_wires_t {
 };
 
 void join_places(const members_t& members, gxi_groups_t& groups) {
-  const auto& sheet = members.sheet;
   const auto& file = members.file;
   gxi_kicad_meetings_t places(groups);
   for (std::size_t i = 0; i < file.wires.size(); ++i) {
@@ -56,16 +55,12 @@ void join_places(const members_t& members, gxi_groups_t& groups) {
   const auto on_bus = gxi_kicad_on_wires(file.buses, ends);
   for (std::size_t i = 0; i < ends.size(); ++i)
     if (!on_bus[i]) touch(ends[i], members.entry(i / 2));
-  for (std::size_t i = 0; i < sheet.pins.size(); ++i)
-    for (std::size_t pin = 0; pin < sheet.pins[i].size(); ++pin)
-      places.meet(sheet.pins[i][pin].at, members.pin(i, pin));
-  for (std::size_t i = 0; i < file.blocks.size(); ++i)
-    for (std::size_t pin = 0; pin < file.blocks[i].pins.size(); ++pin)
-      if (members.pin_buses[i][pin].members.empty())
-        places.meet(file.blocks[i].pins[pin].text.at, members.block_pin(i, pin));
+  members.each_pin([&](std::size_t, const auto& pin, int member) { places.meet(pin.at, member); });
+  members.each_block_pin([&](std::size_t i, std::size_t pin, const auto& bus, int member) {
+    if (bus.members.empty()) places.meet(file.blocks[i].pins[pin].text.at, member);
+  });
   const hidden_wires_t hidden(members);
-  for (std::size_t i = 0; i < file.labels.size(); ++i) {
-    if (!members.is_net_label(i)) continue;
+  for (const auto i : members.net_labels) {
     const auto at = file.labels[i].text.at;
     places.meet(at, members.label(i));
     if (!hidden.at(at)) touches.push_back({at, members.label(i)});
@@ -93,20 +88,17 @@ std::vector<std::pair<int, std::string>> second_names(const members_t& members,
       piece.name = text;
     }
   };
-  for (std::size_t i = 0; i < sheet.labels.size(); ++i)
-    if (members.is_net_label(i))
-      drive(members.label(i), sheet.labels[i], gxi_kicad_strength(members.file.labels[i].kind));
-  for (std::size_t i = 0; i < sheet.pins.size(); ++i)
-    for (std::size_t pin = 0; pin < sheet.pins[i].size(); ++pin)
-      if (const auto& met = sheet.pins[i][pin]; !met.power.empty())
-        drive(members.pin(i, pin), met.power, met.everywhere ? gxi_of_global : gxi_of_local);
+  for (const auto i : members.net_labels)
+    drive(members.label(i), sheet.labels[i], gxi_kicad_strength(members.file.labels[i].kind));
+  members.each_pin([&](std::size_t, const auto& pin, int member) {
+    if (!pin.power.empty()) drive(member, pin.power, pin.everywhere ? gxi_of_global : gxi_of_local);
+  });
   std::set<std::string_view> taken;  // first names
   for (const auto& [root, piece] : pieces) taken.insert(piece.name);
   std::vector<std::pair<int, std::string_view>> pins;
-  for (std::size_t i = 0; i < members.pin_buses.size(); ++i)
-    for (std::size_t pin = 0; pin < members.pin_buses[i].size(); ++pin)
-      if (members.pin_buses[i][pin].members.empty())
-        pins.emplace_back(members.block_pin(i, pin), sheet.block_pins[i][pin]);
+  members.each_block_pin([&](std::size_t i, std::size_t pin, const auto& bus, int member) {
+    if (bus.members.empty()) pins.emplace_back(member, sheet.block_pins[i][pin]);
+  });
   for (const auto& [member, text] : pins)
     if (auto& piece = pieces[groups.root(member)]; piece.pin.empty() || text < piece.pin)
       piece.pin = text;
@@ -121,13 +113,11 @@ std::vector<std::pair<int, std::string>> second_names(const members_t& members,
 }
 
 void join_names(const members_t& members, gxi_groups_t& groups) {
-  const auto& sheet = members.sheet;
-  for (std::size_t i = 0; i < sheet.labels.size(); ++i)
-    if (members.is_net_label(i)) groups.join(members.name(sheet.labels[i]), members.label(i));
-  for (std::size_t i = 0; i < sheet.pins.size(); ++i)
-    for (std::size_t pin = 0; pin < sheet.pins[i].size(); ++pin)
-      if (const auto& power = sheet.pins[i][pin].power; !power.empty())
-        groups.join(members.name(power), members.pin(i, pin));
+  for (const auto i : members.net_labels)
+    groups.join(members.name(members.sheet.labels[i]), members.label(i));
+  members.each_pin([&](std::size_t, const auto& pin, int member) {
+    if (!pin.power.empty()) groups.join(members.name(pin.power), member);
+  });
 }
 
 void join_within(const members_t& members, gxi_groups_t& groups) {

@@ -27,15 +27,18 @@ gxi_kicad_members_t::gxi_kicad_members_t(const gxi_kicad_sheet_t& of) : sheet(of
     for (const auto& bus : pins) row.push_back(take(std::max<std::size_t>(bus.members.size(), 1)));
   }
   for (std::size_t i = 0; i < sheet.labels.size(); ++i) {
-    if (is_net_label(i)) add_name(sheet.labels[i]);
-    for (const auto& member : label_buses[i].members) add_name(member);
+    if (file.labels[i].kind == gxi_kicad_label::other || sheet.labels[i].empty()) continue;
+    const auto& bus = label_buses[i].members;
+    (bus.empty() ? net_labels : bus_labels).push_back(i);
+    if (bus.empty()) add_name(sheet.labels[i]);
+    for (const auto& member : bus) add_name(member);
   }
-  for (const auto& pins : sheet.pins)
-    for (const auto& pin : pins)
-      if (!pin.power.empty()) add_name(pin.power);
-  for (const auto& pins : pin_buses)
-    for (const auto& bus : pins)
-      for (const auto& member : bus.members) add_name(member);
+  each_pin([&](std::size_t, const auto& pin, int) {
+    if (!pin.power.empty()) add_name(pin.power);
+  });
+  each_block_pin([&](std::size_t, std::size_t, const auto& bus, int) {
+    for (const auto& member : bus.members) add_name(member);
+  });
 }
 
 gxi_kicad_bus_t gxi_kicad_members_t::bus_of(const std::string& name) {
@@ -72,15 +75,6 @@ std::vector<int> gxi_kicad_members_t::block_ports(std::size_t block,
     for (const auto pin : pins->second)
       members.push_back(block_pin(block, pin, static_cast<std::size_t>(port.member)));
   return members;
-}
-
-bool gxi_kicad_members_t::is_net_label(std::size_t i) const {
-  return label_buses[i].members.empty() && !sheet.labels[i].empty() &&
-         file.labels[i].kind != gxi_kicad_label::other;
-}
-
-bool gxi_kicad_members_t::is_bus_label(std::size_t i) const {
-  return !label_buses[i].members.empty() && file.labels[i].kind != gxi_kicad_label::other;
 }
 
 int gxi_kicad_strength(gxi_kicad_label kind) {

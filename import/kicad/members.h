@@ -32,8 +32,22 @@ class gxi_kicad_members_t {
   int name(const std::string& text) const { return names_.at(text); }
   bool has_name(const std::string& text) const { return names_.contains(text); }
 
-  bool is_net_label(std::size_t i) const;
-  bool is_bus_label(std::size_t i) const;
+  // Labels that name nets, and those that name buses, by their places in the file.
+  std::vector<std::size_t> net_labels{}, bus_labels{};
+
+  // take(symbol, its pin, the member)
+  template <typename Take>
+  void each_pin(Take take) const {
+    for (std::size_t i = 0; i < sheet.pins.size(); ++i)
+      for (std::size_t k = 0; k < sheet.pins[i].size(); ++k) take(i, sheet.pins[i][k], pin(i, k));
+  }
+  // take(block, place of the pin, its bus, the first member)
+  template <typename Take>
+  void each_block_pin(Take take) const {
+    for (std::size_t i = 0; i < pin_buses.size(); ++i)
+      for (std::size_t k = 0; k < pin_buses[i].size(); ++k)
+        take(i, k, pin_buses[i][k], block_pin(i, k));
+  }
 
  private:
   gxi_kicad_bus_t bus_of(const std::string& name);

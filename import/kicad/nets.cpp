@@ -38,24 +38,20 @@ class collector {
       result_.of_wire.push_back(net(members_.wire(i), file_.wires[i].line));
     for (std::size_t i = 0; i < file_.entries.size(); ++i)
       result_.of_entry.push_back(net(members_.entry(i), file_.entries[i].line));
-    for (std::size_t i = 0; i < sheet_.pins.size(); ++i) {
-      auto& row = result_.of_pin.emplace_back();
-      for (std::size_t pin = 0; pin < sheet_.pins[i].size(); ++pin)
-        row.push_back(net(members_.pin(i, pin), file_.placed[i].line));
-    }
-    for (std::size_t i = 0; i < members_.pin_buses.size(); ++i) {
-      auto& row = result_.of_block.emplace_back();
-      for (std::size_t pin = 0; pin < members_.pin_buses[i].size(); ++pin) {
-        auto& members = row.emplace_back();
-        const auto count = std::max<std::size_t>(members_.pin_buses[i][pin].members.size(), 1);
-        for (std::size_t k = 0; k < count; ++k)
-          members.push_back(
-              net(members_.block_pin(i, pin, k), file_.blocks[i].pins[pin].text.line));
-      }
-    }
-    for (std::size_t i = 0; i < file_.labels.size(); ++i)
-      result_.of_label.push_back(
-          members_.is_net_label(i) ? net(members_.label(i), file_.labels[i].text.line) : -1);
+    result_.of_pin.resize(sheet_.pins.size());
+    members_.each_pin([&](std::size_t i, const auto&, int member) {
+      result_.of_pin[i].push_back(net(member, file_.placed[i].line));
+    });
+    result_.of_block.resize(members_.pin_buses.size());
+    members_.each_block_pin([&](std::size_t i, std::size_t pin, const auto& bus, int first) {
+      auto& members = result_.of_block[i].emplace_back();
+      const int end = first + std::max(static_cast<int>(bus.members.size()), 1);
+      for (int member = first; member < end; ++member)
+        members.push_back(net(member, file_.blocks[i].pins[pin].text.line));
+    });
+    result_.of_label.resize(file_.labels.size(), -1);
+    for (const auto i : members_.net_labels)
+      result_.of_label[i] = net(members_.label(i), file_.labels[i].text.line);
   }
 
   void give(int member, const std::string& text, int priority, int line) {
@@ -70,20 +66,18 @@ class collector {
   }
 
   void name_nets() {
-    for (std::size_t i = 0; i < file_.labels.size(); ++i) {
-      const int priority = gxi_kicad_strength(file_.labels[i].kind);
-      const int line = file_.labels[i].text.line;
-      if (members_.is_net_label(i)) give(members_.label(i), sheet_.labels[i], priority, line);
-      if (members_.is_bus_label(i))
-        for (std::size_t k = 0; k < members_.label_buses[i].members.size(); ++k)
-          give(members_.name(members_.label_buses[i].members[k]),
-               members_.label_buses[i].members[k], priority, line);
-    }
-    for (std::size_t i = 0; i < sheet_.pins.size(); ++i)
-      for (std::size_t pin = 0; pin < sheet_.pins[i].size(); ++pin)
-        if (const auto& met = sheet_.pins[i][pin]; !met.power.empty())
-          give(members_.pin(i, pin), met.power, met.everywhere ? gxi_of_global : gxi_of_local,
-               file_.placed[i].line);
+    for (const auto i : members_.net_labels)
+      give(members_.label(i), sheet_.labels[i], gxi_kicad_strength(file_.labels[i].kind),
+           file_.labels[i].text.line);
+    for (const auto i : members_.bus_labels)
+      for (const auto& member : members_.label_buses[i].members)
+        give(members_.name(member), member, gxi_kicad_strength(file_.labels[i].kind),
+             file_.labels[i].text.line);
+    members_.each_pin([&](std::size_t i, const auto& pin, int member) {
+      if (!pin.power.empty())
+        give(member, pin.power, pin.everywhere ? gxi_of_global : gxi_of_local,
+             file_.placed[i].line);
+    });
     take_from_below();
     for (auto& one : result_.nets) {
       std::sort(one.globals.begin(), one.globals.end());
@@ -124,7 +118,8 @@ class collector {
       if (file_.labels[i].kind != gxi_kicad_label::hierarchical) continue;
       const auto& members = members_.label_buses[i].members;
       const int line = file_.labels[i].text.line;
-      if (members_.is_net_label(i)) add_port(net(members_.label(i), line), i, 0);
+      if (members.empty() && !sheet_.labels[i].empty())
+        add_port(net(members_.label(i), line), i, 0);
       for (std::size_t k = 0; k < members.size(); ++k)
         add_port(net(members_.name(members[k]), line), i, static_cast<int>(k));
     }
@@ -136,9 +131,9 @@ class collector {
 
   void mark_unconnected() {
     std::map<gxi_kicad_point_t, int> nets;
-    for (std::size_t i = 0; i < sheet_.pins.size(); ++i)
-      for (std::size_t pin = 0; pin < sheet_.pins[i].size(); ++pin)
-        nets.emplace(sheet_.pins[i][pin].at, gx_at(result_.of_pin[i], pin));
+    members_.each_pin([&](std::size_t i, const auto& pin, int member) {
+      nets.emplace(pin.at, net(member, file_.placed[i].line));
+    });
     for (std::size_t i = 0; i < file_.wires.size(); ++i)
       for (const auto at : {file_.wires[i].from, file_.wires[i].to})
         nets.emplace(at, result_.of_wire[i]);
