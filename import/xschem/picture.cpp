@@ -115,6 +115,17 @@ gxi_look_t gxi_xschem_look(const gxi_xschem_text_t& text) {
   return look;
 }
 
+std::optional<std::string> gxi_xschem_shown_value(const gxi_xschem_text_t& text,
+                                                  const gxi_xschem_value_of_t& value) {
+  std::string shown = text.text;
+  if (shown.find('@') != std::string::npos) {
+    if (shown.find("spice_get_") != std::string::npos) return std::nullopt;
+    shown = gxi_xschem_substitute(shown, value);
+  }
+  if (shown.find_first_not_of(" \n\t") == std::string::npos) return std::nullopt;
+  return shown;
+}
+
 std::vector<gxi_xschem_shown_t> gxi_xschem_shown(const gxi_xschem_file_t& symbol, bool fixed,
                                                  const gxi_xschem_value_of_t& value) {
   std::vector<gxi_xschem_shown_t> shown;
@@ -125,19 +136,13 @@ std::vector<gxi_xschem_shown_t> gxi_xschem_shown(const gxi_xschem_file_t& symbol
     if (text.text.rfind("tcleval(", 0) == 0) continue;
     const bool varies = text.text.find('@') != std::string::npos;
     if (varies == fixed) continue;
-    gxi_xschem_shown_t entry{.look = gxi_xschem_look(text)};
-    if (varies) {
-      // Values of a simulation come and go: nothing is kept of them.
-      if (text.text.find("spice_get_") != std::string::npos) continue;
-      const auto name = std::string_view(text.text).substr(1);
-      if (text.text.front() == '@' && name.find_first_of("@#: \n\\/") == std::string_view::npos)
-        entry.attribute = name;
-      entry.value = gxi_xschem_substitute(text.text, value);
-    } else {
-      entry.value = text.text;
-    }
-    if (entry.value.find_first_not_of(" \n\t") != std::string::npos)
-      shown.push_back(std::move(entry));
+    auto shown_value = gxi_xschem_shown_value(text, value);
+    if (!shown_value) continue;
+    gxi_xschem_shown_t entry{.value = std::move(*shown_value), .look = gxi_xschem_look(text)};
+    const auto name = std::string_view(text.text).substr(1);
+    if (text.text.front() == '@' && name.find_first_of("@#: \n\\/") == std::string_view::npos)
+      entry.attribute = name;
+    shown.push_back(std::move(entry));
   }
   return shown;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 
 #include "import/drawing/drawing.h"
 #include "import/xschem/attributes.h"
@@ -26,5 +27,9 @@ struct gxi_xschem_shown_t {
   gxi_look_t look{};  // of the symbol
 };
 using gxi_xschem_value_of_t = std::function<std::string(std::string_view)>;
+// A text with what stands for its "@NAME"; nothing where it is blank, or shows values of a
+// simulation, which come and go.
+std::optional<std::string> gxi_xschem_shown_value(const gxi_xschem_text_t& text,
+                                                  const gxi_xschem_value_of_t& value);
 std::vector<gxi_xschem_shown_t> gxi_xschem_shown(const gxi_xschem_file_t& symbol, bool fixed,
                                                  const gxi_xschem_value_of_t& value);

@@ -4,9 +4,11 @@
 #include <algorithm>
 #include <iterator>
 #include <set>
+#include <span>
 #include <sstream>
 
 #include "gx/text/at.h"
+#include "gx/text/numbers.h"
 #include "gx/text/strings.h"
 #include "import/drawing/hierarchy.h"
 #include "import/drawing/kept_properties.h"
@@ -149,7 +151,7 @@ class xschem_reader {
 
     gxi_sheet_t sheet;
     sheet.source = {file, 1};
-    draw(records, sheet);
+    draw(records, placed, nets, sheet);
     for (std::size_t i = 0; i < placed.size(); ++i) add(sheet, placed[i], i, nets, path);
     // Nodes that a symbol's line names besides its pins are pins of the cell, too.
     if (as != nullptr && as->role == gxi_xschem_role_t::device)
@@ -262,14 +264,43 @@ class xschem_reader {
       }
   }
 
-  static void draw(const gxi_xschem_file_t& records, gxi_sheet_t& sheet) {
+  static void draw(const gxi_xschem_file_t& records, std::span<const gxi_xschem_placed_t> placed,
+                   const gxi_xschem_nets_t& nets, gxi_sheet_t& sheet) {
     gxm_shape_t drawn;
     for (const auto& shape : records.shapes)
       if (gxi_xschem_shape(shape, drawn)) sheet.shapes.push_back(drawn);
-    for (const auto& text : records.texts)
-      if (gxi_xschem_attributes_t(text.attributes).get("hide") != "true" &&
-          text.text.rfind("tcleval(", 0) != 0)
+    for (const auto& text : records.texts) {
+      const gxi_xschem_attributes_t attributes(text.attributes);
+      if (attributes.get("hide") == "true" || text.text.starts_with("tcleval(")) continue;
+      const auto i = component_of(attributes, placed);
+      if (i == placed.size()) {
         sheet.texts.push_back({text.text, gxi_xschem_look(text)});
+      } else if (auto value = gxi_xschem_shown_value(text, values_of(placed[i], i, nets))) {
+        sheet.texts.push_back({std::move(*value), gxi_xschem_look(text)});
+      }
+    }
+  }
+
+  // The component whose values a text of the sheet shows; their number where it shows none.
+  static std::size_t component_of(const gxi_xschem_attributes_t& text,
+                                  std::span<const gxi_xschem_placed_t> placed) {
+    const auto name = text.get(text.find("floater") != nullptr ? "floater" : "name");
+    if (name.empty()) return placed.size();
+    const auto has_name = [&](const auto& one) { return one.value("name") == name; };
+    return static_cast<std::size_t>(std::ranges::find_if(placed, has_name) - placed.begin());
+  }
+
+  static gxi_xschem_value_of_t values_of(const gxi_xschem_placed_t& placed, std::size_t i,
+                                         const gxi_xschem_nets_t& nets) {
+    return [&placed, &nets, i](std::string_view name) {
+      if (name.starts_with('#') && name.ends_with(":resolved_net")) {
+        const auto& bundles = nets.bundle_of_pin[i];
+        const auto pin = gx_whole_number<std::size_t>(name.substr(1, name.find(':') - 1));
+        if (!pin || *pin >= bundles.size()) return std::string();
+        return gx_at(nets.nets, gx_at(nets.bundles, bundles[*pin]).nets.front()).name;
+      }
+      return gxi_xschem_value(placed, name);
+    };
   }
 
   // The wires of a bundle are drawn for its first net, thick.
@@ -285,9 +316,9 @@ class xschem_reader {
   void add(gxi_sheet_t& sheet, const gxi_xschem_placed_t& placed, std::size_t i,
            gxi_xschem_nets_t& nets, const fs::path& path) {
     gxi_instance_t instance = gxi_xschem_instance(*placed.component, placed.file);
-    const auto shown = gxi_xschem_shown(placed.symbol->records, false, [&](std::string_view name) {
-      return gxi_xschem_value(placed, name);
-    });
+    std::vector<gxi_xschem_shown_t> shown;
+    if (!placed.attributes.is_set("hide_texts"))
+      shown = gxi_xschem_shown(placed.symbol->records, false, values_of(placed, i, nets));
     const bool takes_part = !placed.ignored && !placed.shorted && !placed.symbol->missing;
     if (placed.role == gxi_xschem_role_t::device && takes_part) {
       for (std::size_t line = 0; line < placed.devices.size(); ++line)

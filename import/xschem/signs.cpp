@@ -13,9 +13,9 @@ namespace {
 
 // Attributes that say something to xschem alone, or that become something else here.
 bool is_told_otherwise(std::string_view name) {
-  constexpr std::string_view names[] = {"name",          "embed",        "lab",
-                                        "schematic",     "spice_ignore", "savecurrent",
-                                        "spice_sym_def", "device_model", "format"};
+  constexpr std::string_view names[] = {
+      "name",          "embed",        "lab",    "schematic",  "spice_ignore", "savecurrent",
+      "spice_sym_def", "device_model", "format", "hide_texts", "attach"};
   return std::find(std::begin(names), std::end(names), name) != std::end(names);
 }
 
