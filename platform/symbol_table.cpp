@@ -178,7 +178,7 @@ int nlist(const char* path, x_nlist_t* entries) {
 
   for (std::size_t i = 0; i < symbols->size() / sizeof(aout_symbol_t); ++i) {
     const auto symbol = record_at<aout_symbol_t>(*symbols, i);
-    if (symbol.string_offset < sizeof strings_size) continue;
+    // Counted from the size; one before the texts is far after them.
     const auto name = text_at(*strings, symbol.string_offset - sizeof strings_size);
     for (x_nlist_t* entry = entries; entry->name != nullptr; ++entry) {
       if (name.empty() || name != entry->name) continue;

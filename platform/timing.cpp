@@ -2,7 +2,6 @@
 
 #include <sys/time.h>
 #include <time.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
@@ -26,10 +25,7 @@ void xdelayms(std::int32_t ms) {
   }
 }
 
-void xdelayms2(std::int32_t ms) {
-  check_delay(ms);
-  if (ms > 0) usleep(static_cast<useconds_t>(ms) * 1000);
-}
+void xdelayms2(std::int32_t ms) { xdelayms(ms); }
 
 x_timeval_record_t xtimems() {
   timeval now{};

@@ -82,6 +82,10 @@ TEST_F(Files, OnlyRegularOnesAreRead) {
 }
 
 TEST_F(Files, MadeOnesAreCutAndNeverWrittenThroughALink) {
+  const auto before = umask(0);
+  x_close(x_create_file(path("made"), false));
+  umask(before);
+  EXPECT_EQ(fs::status(directory_.file("made")).permissions(), fs::perms(0660));
   const auto made = [&](std::string_view name, bool through_link) {
     errno = 0;
     x_file file = x_create_file(path(name), through_link);
@@ -171,6 +175,10 @@ TEST_F(Files, AMappedOneCutByOthersHasZeros) {
   EXPECT_EQ(file.bytes()[page - 1], 'b');
   EXPECT_TRUE(file.is_cut());
   EXPECT_FALSE(files[0].is_cut());
+  fs::resize_file(directory_.file("big"), 0);
+  EXPECT_EQ(files[0].bytes()[0], 0);
+  EXPECT_TRUE(files[0].is_cut());
+  fs::resize_file(directory_.file("big"), page);
   // Any other memory is no matter of it.
   const auto touch = [&](void (*before)()) {
     before();
@@ -213,7 +221,16 @@ TEST(ShellCommands, GiveTheirOutputAndEndWhenAsked) {
   EXPECT_TRUE(fs::exists(mark));
   x_run_program("/bin/rm", mark.c_str());
   EXPECT_FALSE(fs::exists(mark));
+  // What was said before comes before.
+  std::FILE* const said = std::fopen(mark.c_str(), "a");
+  std::fputs("first ", said);
+  xshell_run(("printf then >>" + mark).c_str(), [] { return false; });
+  std::fclose(said);
+  EXPECT_EQ(directory.read("mark"), "first then");
+  fs::remove(mark);
   const auto disabled = [&] {
+    std::signal(SIGCHLD, SIG_IGN);  // nobody is told of their end
+    xshell_run("true", [] { return false; });
     xshell_disable();
     xshell_run(("echo >" + mark).c_str(), [] { return false; });
     const bool has_output = x_shell("true", [] { return false; }).output() != nullptr;

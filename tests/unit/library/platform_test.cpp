@@ -1,6 +1,7 @@
 // The services of the operating system as the program sees them.
 #include <fcntl.h>
 #include <signal.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -24,6 +25,9 @@
 extern "C" [[gnu::used, gnu::section("test_entries")]] void kvp_test_entry(void* count,
                                                                            void* text) {
   *static_cast<int*>(count) = static_cast<int>(std::strlen(static_cast<char*>(text)));
+}
+extern "C" {
+[[gnu::used, gnu::section("test_data")]] int kvp_test_data = 1;
 }
 
 namespace {
@@ -52,11 +56,12 @@ std::string aout_file(std::uint32_t magic, std::uint64_t header_offset) {
     bytes += std::string("\x05\x01\x02\x00", 4);
     word(value);
   };
-  for (const std::uint32_t w : {magic, text, 2U, 9U, 36U, 0U, 4U, 1U}) word(w);
+  for (const std::uint32_t w : {magic, text, 2U, 9U, 48U, 0U, 4U, 1U}) word(w);
   bytes.resize(header_offset + text + 2 + 4 + 1);  // text, data and both relocations
   symbol(4, 0x1111);
   symbol(4, 0x2222);       // the later one wins
-  symbol(0x7FFFFFFF, 99);  // a name outside the table
+  symbol(0x7FFFFFFF, 99);  // names outside the table
+  symbol(3, 98);
   word(4 + 8);
   bytes += std::string("kvp_run\0", 8);
   return bytes;
@@ -78,6 +83,13 @@ std::string aout_file(std::uint32_t magic, std::uint64_t header_offset) {
   if (readable.by != x_waking::readable || readable.descriptor != full[0]) std::exit(6);
   close(quiet[1]);  // its end can be read, too
   if (x_wait(both, -1).descriptor != quiet[0]) std::exit(7);
+
+  rlimit all{}, few{};
+  getrlimit(RLIMIT_NOFILE, &all);
+  few = {2, all.rlim_max};
+  setrlimit(RLIMIT_NOFILE, &few);
+  if (x_wait(both, 10).by != x_waking::failed) std::exit(12);
+  setrlimit(RLIMIT_NOFILE, &all);
 
   signal(SIGHUP, SIG_IGN);  // as nohup has it
   x_watch_stop_signals();
@@ -144,7 +156,14 @@ TEST(SymbolTable, AProcedureOfThisProgramIsFoundAndCalled) {
   EXPECT_EQ(xm_get_extid_offset("kivo", ""), 0U);
   EXPECT_EQ(xm_get_extid_offset("/nowhere/kivo", "main"), 0U);
   EXPECT_EQ(xm_get_extid_offset("/", "main"), 0U);
-  EXPECT_EQ(xm_get_extid_offset("kivo", "testing"), 0U) << "no function";
+  EXPECT_EQ(xm_get_extid_offset("kivo", "kvp_test_data", "test_data"), 0U) << "no function";
+  testing::internal::CaptureStdout();
+  EXPECT_EQ(xm_get_extid_offset(("/" + std::string(98, 'x')).c_str(), "main"), 0U);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+  testing::internal::CaptureStdout();
+  EXPECT_EQ(xm_get_extid_offset(("/" + std::string(99, 'x')).c_str(), "main"), 0U);
+  EXPECT_EQ(testing::internal::GetCapturedStdout().substr(0, 45),
+            " !!! Error in gx_getextid_offset(c) : len= 99");
   // In a copy it is where the file says; one for another machine is not read.
   scratch_directory directory;
   const std::string copy = directory.path() / "copy";
