@@ -310,9 +310,10 @@ void take_newest_motion(XEvent& event) {
 }
 
 // In the command viewport the pointer counts as on the text line.
-gx_point16_t on_command_line(gx_point16_t pixel) {
+void put_onto_command_line() {
+  if (gx_vext.viewport_id != gx_vext.viewport_cmd) return;
   const gx_bounds16_t& box = gx_viewport_rec(gx_vext.viewport_cmd).pixel_bounds;
-  return {pixel.x, static_cast<std::int16_t>((box.ymin + box.ymax) / 2)};
+  gx_vext.pixel_pos.y = static_cast<std::int16_t>((box.ymin + box.ymax) / 2);
 }
 
 // The grid point nearest to where the pointer rests, when it lies in the window.
@@ -339,8 +340,7 @@ void read_motion(XEvent& motion, gx_event_t& event) {
   event.kind = gx_event_kind::pointer_moved;
   event.pixel = gx_vext.moved_to = inside_window(motion.xmotion.x, motion.xmotion.y);
   follow_pointer(event.pixel);
-  if (gx_vext.viewport_id == gx_vext.viewport_cmd && gx_vext.viewport_id > 0)
-    gx_vext.pixel_pos = on_command_line(event.pixel);
+  put_onto_command_line();
 }
 
 // The pointer has not moved for a while.
@@ -352,9 +352,8 @@ void read_rest(gx_event_t& event) {
   event.time = static_cast<std::uint32_t>(gx_vext.last_motputb);
   event.pixel = gx_vext.moved_to;
   follow_pointer(event.pixel);
-  if (gx_vext.viewport_id == gx_vext.viewport_cmd && gx_vext.viewport_id > 0)
-    gx_vext.pixel_pos = on_command_line(event.pixel);
-  else if (gx_vext.snap_state && shows_file(gx_vext.viewport_id))
+  put_onto_command_line();
+  if (gx_vext.snap_state && shows_file(gx_vext.viewport_id))
     snap_pointer(gx_vext.viewport_id, gx_vext.obj_pos);
 }
 

@@ -231,9 +231,7 @@ pixel_size_t make_window(std::string_view window_name) {
   tell_window_manager(place, window_name);
   XSetWindowAttributes attributes{};
   attributes.bit_gravity = NorthWestGravity;
-  attributes.do_not_propagate_mask = 0;
-  attributes.colormap = DefaultColormap(v.dpy, v.scrid);
-  XChangeWindowAttributes(v.dpy, v.win, CWBitGravity | CWDontPropagate | CWColormap, &attributes);
+  XChangeWindowAttributes(v.dpy, v.win, CWBitGravity, &attributes);
   return {size.width - static_cast<int>(border_width),
           size.height - static_cast<int>(border_width)};
 }

@@ -487,6 +487,16 @@ TEST_F(Interactive, TheWindowSaysWhatItIs) {
                         attributes.border_width, attributes.bit_gravity}),
             (std::array{40, 100, 1240, 924, 1, NorthWestGravity}));
   EXPECT_EQ(attributes.do_not_propagate_mask, 0);
+  EXPECT_EQ(attributes.colormap, DefaultColormap(display, DefaultScreen(display)));
+  Atom* protocols = nullptr;
+  int count = 0;
+  XGetWMProtocols(display, s.window(), &protocols, &count);
+  EXPECT_EQ(count, 1);
+  XFree(protocols);
+  XImage* const corner =
+      XGetImage(display, DefaultRootWindow(display), 40, 100, 1, 1, AllPlanes, ZPixmap);
+  EXPECT_EQ(XGetPixel(corner, 0, 0) & 0xFFFFFFU, magenta) << "its border";
+  XDestroyImage(corner);
   bye();
 }
 
@@ -501,31 +511,39 @@ TEST_F(Interactive, TheWindowFitsAScreenWhereWindowsHaveTitles) {
   };
   EXPECT_EQ(size(), (std::pair{984, 668})) << "nobody frames it";
   const auto area_atom = XInternAtom(manager, "_NET_WORKAREA", False);
-  const long area[] = {0, 24, 1024, 744};
-  XChangeProperty(manager, root, area_atom, XA_CARDINAL, 32, PropModeReplace,
-                  reinterpret_cast<const unsigned char*>(area), 4);
   XSelectInput(manager, root, SubstructureRedirectMask);
-  XSync(manager, False);
-  const test_process program({.directory = directory_.path(),
-                              .words = {"top"},
-                              .environment = {"DISPLAY=" + display.name()},
-                              .program = {}});
-  XEvent event;
-  Window window = 0;
-  for (int tries = 0; tries < 400 && window == 0; ++tries) {
-    pause(20);
-    while (window == 0 && XPending(manager) > 0) {
-      XNextEvent(manager, &event);
-      if (event.type == MapRequest) window = event.xmaprequest.window;
+  const struct {
+    std::array<long, 4> area;
+    std::array<int, 4> place;
+  } cases[] = {{{8, 24, 1016, 744}, {8, 24, 1000, 696}},
+               {{9, 24, 1016, 744}, {0, 0, 1008, 720}},  // wider than the screen
+               {{8, 25, 1016, 744}, {0, 0, 1008, 720}},
+               {{0, -1, 1024, 700}, {0, 0, 1008, 720}},
+               {{0, 0, 0, 700}, {0, 0, 1008, 720}}};
+  for (const auto& c : cases) {
+    XChangeProperty(manager, root, area_atom, XA_CARDINAL, 32, PropModeReplace,
+                    reinterpret_cast<const unsigned char*>(c.area.data()), 4);
+    XSync(manager, False);
+    const test_process program({.directory = directory_.path(),
+                                .words = {"top"},
+                                .environment = {"DISPLAY=" + display.name()},
+                                .program = {}});
+    XEvent event;
+    Window window = 0;
+    for (int tries = 0; tries < 400 && window == 0; ++tries) {
+      pause(20);
+      while (window == 0 && XPending(manager) > 0) {
+        XNextEvent(manager, &event);
+        if (event.type == MapRequest) window = event.xmaprequest.window;
+      }
     }
+    ASSERT_NE(window, 0U);
+    XWindowAttributes attributes{};
+    XGetWindowAttributes(manager, window, &attributes);
+    EXPECT_EQ((std::array{attributes.x, attributes.y, attributes.width, attributes.height}),
+              c.place)
+        << c.area[0] << " " << c.area[1];
   }
-  ASSERT_NE(window, 0U);
-  XWindowAttributes attributes{};
-  XGetWindowAttributes(manager, window, &attributes);
-  EXPECT_LE(attributes.height, 744 - 30);
-  EXPECT_LE(attributes.width, 1024 - 8);
-  EXPECT_GT(attributes.height, 600);
-  EXPECT_EQ(attributes.y, 24);
 }
 
 TEST_F(Interactive, KeysPressedWhileACommandRunsFollowIt) {
@@ -600,7 +618,8 @@ TEST_F(Interactive, TheViewOfTheStartUpFileStays) {
 
 TEST_F(Interactive, TheWindowMayChangeItsSize) {
   auto& s = open();
-  for (const auto& [width, height] : {std::pair{600, 400}, {1100, 900}, {220, 120}, {1230, 700}}) {
+  for (const auto& [width, height] :
+       {std::pair{600, 400}, {1100, 900}, {220, 120}, {1230, 700}, {1200, 700}, {1200, 690}}) {
     s.resize(width, height);
     s.settle();
     const auto picture = s.picture();

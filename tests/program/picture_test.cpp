@@ -131,6 +131,12 @@ TEST_P(PictureOfDepth, ColoursAreAtTheirPlaces) {
                                  view.picture().width - 1, view.picture().height - 1),
             100)
       << "white text of list and command line";
+  session.command("display smooth on");
+  session.wait_for_line(" DISPlay SMOoth ON ");
+  session.settle();
+  const page_view smooth(session);
+  EXPECT_EQ(smooth.count(is_yellow, 11, 12), 25);
+  EXPECT_GE(smooth.count(is_cyan, 30, 10.5, 3), 7);
 }
 INSTANTIATE_TEST_SUITE_P(Depths, PictureOfDepth, testing::Values(24, 16, 8));
 
