@@ -339,6 +339,12 @@ TEST_F(Hands, ClicksSelectAndWalk) {
   EXPECT_EQ(clicked(pixel(5, 7), 1), lines_t{" SELect OBJect Edit " + r1 + " "});
   EXPECT_FALSE(gx_inq_object_selected(s.file(), s.net("A")));
   EXPECT_EQ(clicked(pixel(5, 7), 0), lines_t{}) << "a drag";
+  // Two pixels from a wire mean it.
+  auto beside = pixel(13, 3);
+  beside.y = static_cast<std::int16_t>(beside.y + 3);
+  EXPECT_EQ(clicked(beside, 1), lines_t{});
+  --beside.y;
+  EXPECT_EQ(clicked(beside, 1), lines_t{" SELect OBJect Edit " + net + " "});
   EXPECT_EQ(
       clicked(pixel(27, 7), 2),
       (lines_t{" SELect OBJect Edit I_" + std::to_string(s.inst("X1")) + " ", " VIEw DOWn  X1"}));
@@ -392,6 +398,22 @@ TEST_F(Hands, AButtonMayRunItsCommandsForDragsOnly) {
   button(gx_event_kind::button2_up);
   button(gx_event_kind::button3_up);
   EXPECT_EQ(answers(), lines_t{" HARDcopy b3 "});
+  // What a press is bound to is done where it was.
+  bind("b3", "$DRAG mark");
+  bind("b3u", "$DRAG mark");
+  drag(gx_event_kind::button3_down, 30);
+  const auto marks = answers();
+  at_.x -= 30;
+  move(at_);
+  type("mark\n");
+  move({static_cast<std::int16_t>(at_.x + 30), at_.y});
+  type("mark\n");
+  EXPECT_EQ(answers(), marks);
+  bind("b2", "har menu");
+  at_ = middle(gx_vext.viewport_list);
+  button(gx_event_kind::button2_down, 0, 1);
+  EXPECT_EQ(answers(), lines_t{" HARDcopy menu "});
+  at_ = middle(gx_vext.viewport_edit);
   const auto left = [] { return gx_viewport_rec(gx_vext.viewport_edit).bounds_part.xmin; };
   const auto scale = gx_viewport_rec(gx_vext.viewport_edit).object_scale;
   const auto before = left();

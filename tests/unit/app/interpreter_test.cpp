@@ -76,6 +76,12 @@ TEST(CommandTable, WordsMatchByAbbreviation) {
     if (row.exact <= row.keywords[0].size()) {
       EXPECT_EQ(kv_find_command({words.all(), none, none}), &row) << row.syntax;
     }
+    const bool has_number = row.syntax.starts_with("$CU1");
+    EXPECT_TRUE(row.exact == 0 || row.exact == row.keywords[0].size() || has_number) << row.syntax;
+    // A refusal repeats the words after those that it names itself.
+    if (row.refusal.empty() || row.first_echoed == kv_no_words) continue;
+    kv_split_words(gx_string(row.refusal.substr(1)), words);
+    EXPECT_EQ(row.first_echoed, words.count + 1) << row.syntax;
   }
 }
 
