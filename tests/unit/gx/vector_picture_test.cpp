@@ -191,7 +191,9 @@ TEST(VectorPicture, LinksAndFlatNamesAreThoseOfThePage) {
 }
 
 TEST(VectorPicture, PlotFileWritesTheSheetInView) {
-  design_session session("symbol s\n rect 0,0 2,1\nsheet top\n page 20,20\n part U s 8,8\n");
+  design_session session(
+      "symbol s\n rect 0,0 2,1\nsheet s\n page 20,20\n part V s 8,8\nsheet top\n page 20,20\n"
+      " part U s 8,8\n");
   EXPECT_EQ(session.run("PLOT FILE 'a b.svg'"), lines_t{" PLOt FILe 'a b.svg' "});
   EXPECT_NE(read_file("a b.svg").find("<title>top: U: s</title>"), std::string::npos);
   EXPECT_EQ(session.run("plo fil B.PDF"), lines_t{" PLOt FILe B.PDF "});
@@ -200,5 +202,13 @@ TEST(VectorPicture, PlotFileWritesTheSheetInView) {
             (lines_t{"# PLOt FILE a.plt ", "# !! Error : The name must end with .svg or .pdf ? "}));
   std::filesystem::create_directory("d.svg");
   EXPECT_EQ(session.run("PLOT FILE d.svg").back(), "# !! Error : Cannot write : Is a directory ? ");
+  EXPECT_NE(read_file("B.PDF").find("/Title (top)"), std::string::npos);
+  EXPECT_NE(read_file("B.PDF").find("/MediaBox[0 0 595"), std::string::npos);
+  session.run("view down U");
+  for (const char* path : {"U/", "/U/"}) {
+    kv_pext.cur_sim_path = gx_string(path);
+    session.run("PLOT FILE a.svg");
+    EXPECT_NE(read_file("a.svg").find("<title>/U: V: s</title>"), std::string::npos) << path;
+  }
 }
 }  // namespace
