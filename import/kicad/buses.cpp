@@ -65,16 +65,18 @@ std::vector<std::vector<const bus_end_t*>> ends_of_buses(const gxi_kicad_file_t&
   return found;
 }
 
-// For each member of `search`, its place in `driver`; -1: none.
-std::vector<int> matches(const gxi_kicad_bus_t& driver, const gxi_kicad_bus_t& search) {
-  std::vector<int> found(search.members.size(), -1);
-  for (std::size_t i = 0; i < found.size(); ++i) {
+// Which members of the one are members of the other.
+std::vector<std::pair<std::size_t, std::size_t>> matches(const gxi_kicad_bus_t& driver,
+                                                         const gxi_kicad_bus_t& other) {
+  std::vector<std::pair<std::size_t, std::size_t>> found;
+  for (std::size_t i = 0; i < other.members.size(); ++i) {
     if (driver.is_vector) {
-      if (search.is_vector && i < driver.members.size()) found[i] = static_cast<int>(i);
+      if (other.is_vector && i < driver.members.size()) found.emplace_back(i, i);
       continue;
     }
-    const auto same = std::find(driver.local.begin(), driver.local.end(), search.local[i]);
-    if (same != driver.local.end()) found[i] = static_cast<int>(same - driver.local.begin());
+    const auto same = std::ranges::find(driver.local, other.local[i]);
+    if (same != driver.local.end())
+      found.emplace_back(static_cast<std::size_t>(same - driver.local.begin()), i);
   }
   return found;
 }
@@ -107,11 +109,8 @@ void gxi_kicad_join_buses(const gxi_kicad_members_t& members, gxi_groups_t& grou
     if (driver.first >= 0 && of_pins[driver.name] == 1)
       for (std::size_t i = 0; i < driver.bus->members.size(); ++i)
         groups.join(members.name(driver.bus->members[i]), member_of(driver, i));
-    for (const auto* const other : buses[k]) {
-      const auto found = matches(*driver.bus, *other->bus);
-      for (std::size_t i = 0; i < found.size(); ++i)
-        if (found[i] >= 0)
-          groups.join(member_of(driver, static_cast<std::size_t>(found[i])), member_of(*other, i));
-    }
+    for (const auto* const other : buses[k])
+      for (const auto& [of_driver, of_other] : matches(*driver.bus, *other->bus))
+        groups.join(member_of(driver, of_driver), member_of(*other, of_other));
   }
 }

@@ -51,6 +51,7 @@ class kicad_reader {
     design_.cells.emplace_back().name = path.stem().string();
     read_sheet(0, top, {}, "/" + top.records.id);
     globals_.share(design_);
+    uses_.resize(design_.cells.size());
     auto lines =
         gxi_kicad_reference_lines(uses_, *references_, "/" + top.records.id, design_.warnings);
     if (!lines.empty()) design_.beside.push_back({"references", std::move(lines)});
@@ -61,6 +62,10 @@ class kicad_reader {
 
  private:
   gxi_cell_t& cell(int index) { return gx_at(design_.cells, index); }
+  gxi_kicad_cell_use_t& use_of(int index) {
+    if (uses_.size() < design_.cells.size()) uses_.resize(design_.cells.size());
+    return gx_at(uses_, index);
+  }
   void warn(const loaded_t& from, int line, const std::string& what) {
     gxm_complain(design_.warnings, {from.name, line}, what);
   }
@@ -171,7 +176,6 @@ class kicad_reader {
     const fs::path paths[] = {below.path};
     const auto [index, is_new] = hierarchy_.cell(&below, gxi_kicad_sign_key(sign.symbol), paths,
                                                  {here.from.name, block.line});
-    uses_.resize(design_.cells.size());
     if (is_new) {
       cell(index).name = below.path.stem().string();
       cell(index).symbol = sign.symbol;
@@ -319,7 +323,6 @@ class kicad_reader {
 
   int cell_of(gxi_symbol_t sign, const gxm_source_t& source) {
     const auto [index, is_new] = hierarchy_.cell(nullptr, gxi_kicad_sign_key(sign), {}, source);
-    uses_.resize(design_.cells.size());
     if (is_new) {
       cell(index).name = sign.name;
       sign.source = source;
@@ -386,8 +389,7 @@ class kicad_reader {
     take_fields(here, placed, reference, instance, sheet);
     if (!placed.populated)
       gxi_kicad_cross_out(instance, gx_at(design_.cells, instance.symbol).symbol, sheet);
-    auto& named = gx_at(uses_, index);
-    named.parts.push_back({&placed, take_name(index, drawn)});
+    use_of(index).parts.push_back({&placed, take_name(index, drawn)});
     sheet.instances.push_back(std::move(instance));
   }
 
@@ -442,11 +444,11 @@ class kicad_reader {
     auto sign = gxi_kicad_power_sign(*here.symbols[i], here.units[i], placed.style);
     const auto& met = here.joins.pins[i];
     const bool names = !met.empty() && met.front().everywhere && !met.front().power.empty();
-    const int net = names ? joined.of_pin[i].front() : -1;
-    if (net < 0 || gx_at(sheet.nets, net).global.empty()) {
+    if (!names || gx_at(sheet.nets, joined.of_pin[i].front()).global.empty()) {
       sign.pins.clear();
       gxi_draw_apart(sign, instance, sheet);
     } else {
+      const int net = joined.of_pin[i].front();
       instance.kind = gxi_kind::global;
       instance.symbol = cell_of(std::move(sign), instance.source);
       instance.name = gx_at(sheet.nets, net).global;
@@ -483,7 +485,7 @@ class kicad_reader {
         gxi_kicad_write(sheets_->field_text(here.from, block.fields, {}, field.value.text), look,
                         sheet.texts, sheet.shapes);
     }
-    gx_at(uses_, index).blocks.push_back({&block, take_name(index, instance.name), here.blocks[i]});
+    use_of(index).blocks.push_back({&block, take_name(index, instance.name), here.blocks[i]});
     sheet.instances.push_back(std::move(instance));
   }
 
@@ -493,8 +495,8 @@ class kicad_reader {
   std::optional<gxi_kicad_sheets_t> sheets_{};
   std::optional<gxi_kicad_references_t> references_{};
   std::map<const loaded_t*, gxi_kicad_face_t> faces_{};
-  std::vector<gxi_kicad_cell_use_t> uses_{1};  // by cell
-  std::map<int, gxi_names_t> taken_{};         // by cell
+  std::vector<gxi_kicad_cell_use_t> uses_{};  // by cell
+  std::map<int, gxi_names_t> taken_{};        // by cell
   gxi_kicad_globals_t globals_{};
 };
 
