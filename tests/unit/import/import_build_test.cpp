@@ -318,3 +318,21 @@ TEST(ImportBuild, ADirectoryThatCannotBeWrittenIsNamed) {
   std::ofstream(scratch.path() / "d/c/symbol.gx") << "x";
   EXPECT_EQ(message(scratch.path() / "d"), "/d/c/symbol.gx: names no version");
 }
+
+// With a margin of four steps, and where it was on the grid.
+TEST(ImportBuild, ADrawingIsMovedOntoItsPage) {
+  for (const std::int32_t x : {0, 1, -1, 4999, -4999, -5000, 123456}) {
+    gxi_design_t design;
+    design.cells.resize(1);
+    design.cells[0].sheet.emplace().nets = {{.segments = {{{x, -x}, {x + gxm_step, -x}}}}};
+    const auto file = gxi_build_sheet(design, design.cells[0], {});
+    for (const int net : lb_nets(*file))
+      for (const int segment : lb_segments(*file, net)) {
+        const auto at = gx_object(*file, segment)->origin;
+        for (const auto& [now, before] : {std::pair(at.x, x), std::pair(at.y, -x)}) {
+          EXPECT_EQ((now - before) % gxm_step, 0) << x;
+          EXPECT_TRUE(now >= 4 * gxm_step && now < 5 * gxm_step) << x << ' ' << now;
+        }
+      }
+  }
+}

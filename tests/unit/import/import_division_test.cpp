@@ -30,12 +30,13 @@ gxi_design_t elements() {
 struct flat_t {
   const gxi_design_t& design;
   std::vector<std::set<std::string>> nets{};
-  std::size_t wires = 0, texts = 0;
+  std::size_t wires = 0, texts = 0, shapes = 0;
 
   void walk(int cell, const std::map<std::string, int>& from_above) {
     const auto& here = gx_at(design.cells, cell);
     EXPECT_LE(gxi_count_objects(design, here), gxi_most_objects) << here.name;
     texts += here.sheet->texts.size();
+    shapes += here.sheet->shapes.size();
     std::vector<int> flat;
     std::multiset<std::string> ports, drawn;
     for (const auto& net : here.sheet->nets) {
@@ -115,6 +116,7 @@ TEST(ImportDivision, WiresAndTextsLeaveWithTheInstances) {
     sheet.nets[0].segments.push_back({at, {at.x + gxm_step, 0}});
     sheet.nets[1].segments.push_back({{at.x, 7 * gxm_step}, {at.x + gxm_step, 7 * gxm_step}});
     sheet.texts.push_back({"T", {.at = at}});
+    sheet.shapes.push_back({.points = {at, at}});
   }
   gxi_fit(design);
   gxi_divide(design);
@@ -127,6 +129,7 @@ TEST(ImportDivision, WiresAndTextsLeaveWithTheInstances) {
   EXPECT_EQ(flat.nets[0].count("R7.A") + flat.nets[1].count("R7.B"), 2U);
   EXPECT_EQ(flat.wires, 2U * count);
   EXPECT_EQ(flat.texts, 1U * count);
+  EXPECT_EQ(flat.shapes, 1U * count);
 }
 
 // A field of rows and columns whose nets, in the order of the file, would almost all be shared:
