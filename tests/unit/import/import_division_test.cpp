@@ -248,69 +248,79 @@ TEST(ImportDivision, PartsAreDrawnAsTheyAre) {
     auto& sheet = *design.cells[0].sheet;
     sheet.source = {"file", 7};
     const gxi_look_t look{.at = {1, 2}};
-    sheet.nets = {{.name = "Shared", .name_look = look, .segments = {{{0, 0}, {5000, 0}}}},
+    sheet.nets = {{.name = "Shared",
+                   .name_look = look,
+                   .source = {"file", 8},
+                   .segments = {{{0, 0}, {5000, 0}}}},
                   {.name = "within", .name_look = look, .properties = {{"P", "1", {}}}},
                   {.segments = {{{0, 0}, {0, 27000}}, {{1, 1}, {2, 2}}}},
                   {.global = "GND"},
                   {.name = "NET2"}};
     sheet.instances = {{.name = "A", .symbol = element, .at = {0, -12000}, .nets = {0, 1}},
                        {.name = "B", .symbol = element, .drawn = false, .nets = {1, 2}},
-                       {.name = "part1", .symbol = element, .at = {10000, 10000}, .nets = {0, 2}},
-                       {.name = "D", .symbol = element, .drawn = false, .nets = {3, -1}},
-                       {.name = "E", .symbol = element, .nets = {0, 4}}};
+                       {.name = "part1", .symbol = element, .at = {10000, 10000}, .nets = {-1, 2}},
+                       {.name = "D", .symbol = element, .drawn = false, .nets = {3, 0}},
+                       {.name = "E", .symbol = element, .nets = {-1, 4}}};
     gxi_part_maker_t maker(design);
     maker.make(
         0, {{.instances = {0, 1}, .wires = {{2, 1}}, .texts = {{"t", look}}}, {.instances = {3}}},
         drawing_moves);
     if (!drawing_moves) {
       EXPECT_EQ(told(design.cells[0]), R"(cell top symbol  defaults
-net 'Shared'! port= global= 0,0-5000,0
+sheet of file:7
+net 'Shared'! port= global= of file:8 0,0-5000,0
 net '' port= global= 0,0-0,27000 1,1-2,2
 net '' port= global=GND
 net 'NET2' port= global=
-part part1 of 1 at 10000,10000 nets 0 1
-part E of 1 at 0,0 nets 0 3
-part part2 of 3 at 0,75000 undrawn nets 0 1 line 7
-part part3 of 4 at 150000,75000 undrawn nets 2 line 7
+part part1 of 1 at 10000,10000 nets -1 1
+part E of 1 at 0,0 nets -1 3
+part part2 of 3 at 0,75000 undrawn nets 0 1 of file:7
+part part3 of 4 at 150000,75000 undrawn nets 2 0 of file:7
 )");
       continue;
     }
     std::string all;
     for (const auto& cell : design.cells) all += told(cell);
     EXPECT_EQ(all, R"(cell top symbol  defaults
-net 'Shared' port= global=
+sheet of file:7
+net 'Shared' port= global= of file:8
 net '' port= global=
 net '' port= global=GND
 net 'NET2' port= global=
-part part1 of 1 at 10000,10000 nets 0 1
-part E of 1 at 0,0 nets 0 3
-part part2 of 3 at 0,60000 undrawn nets 0 1 line 7
-part part3 of 4 at 150000,60000 undrawn nets 2 line 7
+part part1 of 1 at 10000,10000 nets -1 1
+part E of 1 at 0,0 nets -1 3
+part part2 of 3 at 0,60000 undrawn nets 0 1 of file:7
+part part3 of 4 at 150000,60000 undrawn nets 2 0 of file:7
 cell two symbol  defaults
 pin A IO at 0,0
 pin B IO at 0,5000
 cell part_port symbol part_port CLASS=PORTIO defaults
 pin P IO at 0,0
-cell top_part2 symbol top_part2 defaults
+cell top_part2 symbol top_part2 defaults of file:7
 drawn -5000,-5000 105000,10000
 written top_part2 at 0,-6000
 pin Shared IO at 0,0
 pin NET2~ IO at 5000,0
+sheet of file:7
 text t at 1,2
-net 'Shared'! port=Shared global=
+net 'Shared'! port=Shared global= of file:8
 net 'within'! port= global= P=1
 net '' port=NET2~ global= 1,1-2,2
 part A of 1 at 0,-12000 nets 0 1
 part B of 1 at 0,0 undrawn nets 1 2
-port Shared of 2 at 0,-30000 nets 0 line 7
-port NET2~ of 2 at 5000,-30000 nets 2 line 7
-cell top_part3 symbol top_part3 defaults
+port Shared of 2 at 0,-30000 nets 0 of file:7
+port NET2~ of 2 at 5000,-30000 nets 2 of file:7
+cell top_part3 symbol top_part3 defaults of file:7
 drawn -5000,-5000 105000,10000
 written top_part3 at 0,-6000
 pin NET3 IO at 0,0
+pin Shared IO at 5000,0
+sheet of file:7
 net '' port=NET3 global=
-part D of 1 at 0,0 undrawn nets 0 -1
-port NET3 of 2 at 0,-20000 nets 0 line 7
+net 'Shared' port=Shared global= of file:8
+part D of 1 at 0,0 undrawn nets 0 1
+port NET3 of 2 at 0,-20000 nets 0 of file:7
+port Shared of 2 at 5000,-20000 nets 1 of file:7
 )");
   }
 }

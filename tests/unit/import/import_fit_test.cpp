@@ -74,10 +74,11 @@ drawn 40000,20000 30000,20000
 drawn 40000,30000 30000,30000
 drawn -30000,0 30000,40000
 written top at -30000,-1000
-pin I IN at -40000,10000
-pin O OUT at 40000,10000
-pin B IO at 40000,20000
-pin B2 IO at 40000,30000
+pin I IN at -40000,10000 named at -29000,10000
+pin O OUT at 40000,10000 named at 29000,10000
+pin B IO at 40000,20000 named at 29000,20000
+pin B2 IO at 40000,30000 named at 29000,30000
+sheet of top:1
 shape at 0,0
 shape at 0,0
 shape at 0,250
@@ -95,35 +96,35 @@ text {~xy} at 1,2
 text X 1 at 1,2
 text no pin at 1,2
 text \u{B5} at 21,2
-net 'net%201' port= global=
-net 'NET%7E1' port= global= 3000,0-6000,12000
+net 'net%201' port= global= of top:2
+net 'NET%7E1' port= global= of top:3 3000,0-6000,12000
 net '%7B~x~y%7D' port= global=
 net '~q'! port= global=
-net '%7EQ' port= global=
-net 'mmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmm' port= global= mmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmm=mmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmm
+net '%7EQ' port= global= of top:9
+net 'mmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmm' port= global= mmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmm=mmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmm of top:4
 net '' port=I global=
 net '' port=I global=
 net '' port=O global=
 net '' port=B global=
 net '' port=B2 global=g%20d
+net '' port= global= of top:5
+net '' port= global= of top:5
+net '' port= global= of top:8
 net '' port= global=
 net '' port= global=
 net '' port= global=
 net '' port= global=
-net '' port= global=
-net '' port= global=
-net '' port= global=
-part X%201 of 1 at 0,0 nets 0 11 12 v=1 V~2=2 line 5
-part x%7E1 of 1 at 0,9000 nets 0 1 2 line 6
+part X%201 of 1 at 0,0 nets 0 11 12 v=1 V~2=2 of top:5
+part x%7E1 of 1 at 0,9000 nets 0 1 2 of top:6
 part  of 2 at 0,0 nets 5
-part X%7E1~2 of 2 at 0,0 nets 13 line 8
+part X%7E1~2 of 2 at 0,0 nets 13 of top:8
 port B of 1 at 0,0 nets 9 14 15
 global g%20d of 1 at 0,0 nets 10 16 17
 port I of 3 at 0,30000 nets 6
 port I of 3 at 5000,30000 nets 7
 port O of 4 at 10000,30000 nets 8
 port B2 of 5 at 15000,30000 nets 10
-cell a_b symbol  P=1 2 CLASS=PORTIO defaults p~2=3
+cell a_b symbol  P=1 2 CLASS=PORTIO defaults p~2=3 of part:3
 drawn 0,0 0,1000 4000,0
 drawn 0,0 3500,250
 drawn 0,250 2500,500
@@ -135,8 +136,9 @@ pin a~2 IO at 0,0
 pin P IO at 0,0
 cell A_b_2 symbol  defaults
 pin in IO at 0,0
-net '' port= global=
-net '' port= global=
+sheet of below:4
+net '' port= global= of below:5
+net '' port= global= of below:6
 net '' port=in global=
 port in of 5 at 0,20000 nets 2
 cell port_IN symbol port_IN CLASS=PORTIN defaults
