@@ -104,6 +104,7 @@ x_fresh_file::x_fresh_file(const std::string& path) : path_(path) {
   }
   unfinished_ = path_ + ".part";
   file_ = x_create_new_file(unfinished_);
+  if (!file_) unfinished_.clear();  // whatever has that name is not ours
 }
 
 x_fresh_file::~x_fresh_file() {

@@ -12,6 +12,7 @@
 #include "gx/window/strokes.h"
 
 namespace {
+// A colour's name, and its components for a server that does not know the name.
 struct named_color_t {
   const char* name;
   std::uint16_t red, green, blue;
@@ -62,7 +63,9 @@ bool take_nearest(Colormap map, XColor& color) {
 }
 
 XColor allocate(Colormap map, const named_color_t& wanted) {
-  XColor color{};
+  XColor color{}, exact{};
+  if (XAllocNamedColor(gx_vext.dpy, map, wanted.name, &color, &exact) != 0) return color;
+  color = {};
   color.red = wanted.red;
   color.green = wanted.green;
   color.blue = wanted.blue;

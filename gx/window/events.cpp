@@ -311,7 +311,7 @@ void take_newest_motion(XEvent& event) {
 
 // In the command viewport the pointer counts as on the text line.
 void put_onto_command_line() {
-  if (gx_vext.viewport_id != gx_vext.viewport_cmd) return;
+  if (gx_vext.viewport_id == 0 || gx_vext.viewport_id != gx_vext.viewport_cmd) return;
   const gx_bounds16_t& box = gx_viewport_rec(gx_vext.viewport_cmd).pixel_bounds;
   gx_vext.pixel_pos.y = static_cast<std::int16_t>((box.ymin + box.ymax) / 2);
 }

@@ -31,22 +31,21 @@ bool has_picture() {
   return made;
 }
 
-// The level's pixmap with room for the area; made when it is first needed, and larger then.
+// Room for the area in the level's pixmap; a window that has grown needs more than at the start.
 Pixmap pixmap_with_room(int level, int width, int height) {
-  auto& v = gx_vext;
-  unsigned long& pixmap = v.menu_pixid[static_cast<std::size_t>(level - 1)];
+  Window root = 0;
+  int x = 0, y = 0;
+  unsigned int has_width = 0, has_height = 0, border = 0, depth = 0;
+  unsigned long& pixmap = gx_vext.menu_pixid[static_cast<std::size_t>(level - 1)];
   const auto needs_width = static_cast<unsigned int>(width + pixmap_margin);
   const auto needs_height = static_cast<unsigned int>(height + pixmap_margin);
-  if (pixmap != 0) {
-    Window root = 0;
-    int x = 0, y = 0;
-    unsigned int has_width = 0, has_height = 0, border = 0, depth = 0;
-    XGetGeometry(v.dpy, pixmap, &root, &x, &y, &has_width, &has_height, &border, &depth);
-    if (has_width >= needs_width && has_height >= needs_height) return pixmap;
-    XFreePixmap(v.dpy, pixmap);
+  if (XGetGeometry(gx_vext.dpy, pixmap, &root, &x, &y, &has_width, &has_height, &border, &depth) !=
+          False &&
+      (has_width < needs_width || has_height < needs_height)) {
+    XFreePixmap(gx_vext.dpy, pixmap);
+    pixmap = XCreatePixmap(gx_vext.dpy, gx_vext.win, needs_width, needs_height, depth);
   }
-  const auto depth = static_cast<unsigned>(DefaultDepth(v.dpy, v.scrid));
-  return pixmap = XCreatePixmap(v.dpy, v.win, needs_width, needs_height, depth);
+  return pixmap;
 }
 
 struct image_deleter_t {

@@ -12,7 +12,9 @@
 #include <cstring>
 #include <string>
 
+#include "gx/display/input/menu_state.h"
 #include "gx/display/screen.h"
+#include "gx/display/strokes/pen.h"
 #include "gx/display/window.h"
 #include "gx/text/messages/debug.h"
 #include "gx/text/messages/status.h"
@@ -213,12 +215,14 @@ void place_window(XSizeHints& place) {
   place.height = std::max(place.height, min_height);
 }
 
-// Makes the window; gives its drawable size.
-pixel_size_t make_window(std::string_view window_name) {
+// Makes the window; gives its place and drawable size.
+XRectangle make_window(std::string_view window_name) {
   auto& v = gx_vext;
   XSizeHints place{};
   place.flags = USPosition | USSize;
   place_window(place);
+  place.min_width = min_width;
+  place.min_height = min_height;
   v.win = XCreateSimpleWindow(v.dpy, v.root, place.x, place.y, static_cast<unsigned>(place.width),
                               static_cast<unsigned>(place.height), border_width,
                               v.colorrec[6].pixel, v.colorrec[0].pixel);
@@ -231,9 +235,12 @@ pixel_size_t make_window(std::string_view window_name) {
   tell_window_manager(place, window_name);
   XSetWindowAttributes attributes{};
   attributes.bit_gravity = NorthWestGravity;
-  XChangeWindowAttributes(v.dpy, v.win, CWBitGravity, &attributes);
-  return {size.width - static_cast<int>(border_width),
-          size.height - static_cast<int>(border_width)};
+  attributes.do_not_propagate_mask = 0;
+  attributes.colormap = DefaultColormap(v.dpy, v.scrid);
+  XChangeWindowAttributes(v.dpy, v.win, CWBitGravity | CWDontPropagate | CWColormap, &attributes);
+  return {static_cast<short>(x), static_cast<short>(y),
+          static_cast<unsigned short>(size.width - static_cast<int>(border_width)),
+          static_cast<unsigned short>(size.height - static_cast<int>(border_width))};
 }
 
 void make_graphics_context() {
@@ -241,11 +248,38 @@ void make_graphics_context() {
   v.foregrpixel = v.colorrec[5].pixel;
   v.backgrpixel = v.colorrec[0].pixel;
   XGCValues values{};
-  values.foreground = v.backgrpixel;
+  values.function = GXcopy;
+  values.plane_mask = AllPlanes;
+  values.foreground = v.foregrpixel;
+  values.background = v.backgrpixel;
+  values.line_width = 0;
+  values.line_style = LineSolid;
+  values.cap_style = CapButt;
+  values.join_style = JoinMiter;
+  values.fill_style = FillSolid;
   values.graphics_exposures = False;  // copies of the menus need no events
-  v.our_gc = XCreateGC(v.dpy, v.win, GCGraphicsExposures, &values);
+  v.our_gc =
+      XCreateGC(v.dpy, v.win,
+                GCFunction | GCPlaneMask | GCForeground | GCBackground | GCLineWidth | GCLineStyle |
+                    GCCapStyle | GCJoinStyle | GCFillStyle | GCGraphicsExposures,
+                &values);
+  values.foreground = v.backgrpixel;
   v.copy_gc = XCreateGC(v.dpy, v.win, GCForeground | GCGraphicsExposures, &values);
   gx_begin_strokes();
+}
+
+void make_menu_pixmaps(int width, int height) {
+  auto& v = gx_vext;
+  const int pixmap_width = std::max(width * 297 / 1024, 1);
+  const int pixmap_height = std::max(height * 330 / 3072 + height * 330 / 768, 1);
+  const auto depth = static_cast<unsigned>(DefaultDepth(v.dpy, v.scrid));
+  for (std::size_t level = 0; level < v.menu_pixid.size(); ++level) {
+    v.menu_pixid[level] = XCreatePixmap(v.dpy, v.win, static_cast<unsigned>(pixmap_width),
+                                        static_cast<unsigned>(pixmap_height), depth);
+    if (v.menu_pixid[level] != 0) continue;
+    std::printf(" !! xerror :  cannot create pixmap menu%zu ? \n", level + 1);
+    gx_set_status(gx_code::init_not_done);
+  }
 }
 
 constexpr gx_screen_t x_screen = {.draw = gx_draw_strokes,
@@ -285,11 +319,14 @@ void gx_init(std::span<const gx_viewport_init_rec_t> viewports, std::string_view
   open_display(display_name());
   check_root();
   gx_init_colors();
-  const pixel_size_t size = make_window(window_name);
+  const XRectangle place = make_window(window_name);
   make_graphics_context();
+  const int width = place.width, height = place.height;
+  make_menu_pixmaps(width, height);
   gx_make_pointers();
   v.screen = &x_screen;
-  gx_lay_out(size.width, size.height, viewports);
+  gx_pen_clip(place.x + 2, place.y + 2, width + place.x - 3, height + place.y - 3);
+  gx_lay_out(width, height, viewports);
 
   XSelectInput(v.dpy, v.win, gx_event_mask | gx_structure_mask);
   gx_debug("  gxevmsk_gen:%x   gxevmsk_chk:%x \n", static_cast<unsigned>(gx_event_mask), 3U);
