@@ -12,6 +12,7 @@
 #include "gx/text/arguments.h"
 #include "gx/text/date.h"
 #include "gx/text/messages/debug.h"
+#include "gx/text/messages/message_list.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
 #include "platform/files.h"
@@ -34,10 +35,15 @@ void print_banner(const gx_date_t& date) {
   std::printf("%23sexpand editor  from VELMORAN \n", "");
 }
 
+[[noreturn]] void refuse(const std::string& message) {
+  gx_count_error();
+  kv_refuse_run(message);
+}
+
 // The arguments are stored and the design directory is named.
 void open_debug_file(bool greets) {
   const gx_string_record_t design = design_path();
-  if (design.len == 0) kv_refuse_run("\n        !!! error no SHEET dir_name  ");
+  if (design.len == 0) refuse("\n        !!! error no SHEET dir_name  ");
   const gx_date_t date = gx_get_date();
   if (greets) print_banner(date);
 
@@ -46,8 +52,8 @@ void open_debug_file(bool greets) {
   gx_vext.debugfile = x_create_file(name.char_, false).release();
   if (gx_vext.debugfile == nullptr) {
     const std::string why = x_why_unwritten(errno);
-    kv_refuse_run("!!! ( kivo_root ) impossible to open debugfile_name  : \"" +
-                  std::string(gx_view(name)) + "\" \n !! " + why);
+    refuse("!!! ( kivo_root ) impossible to open debugfile_name  : \"" +
+           std::string(gx_view(name)) + "\" \n !! " + why);
   }
   gx_debug(" kivo_root : strfile_name   : \"%s\" \n", design.char_);
   gx_trace("# kivo_root : debugfile_name : \"", gx_view(name), "\"");

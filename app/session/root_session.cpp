@@ -68,6 +68,7 @@ void tell_unusable(const std::string& message) {
 void refuse_start(const kv_front_t& front, const char* what, const gx_string_record_t& name,
                   const std::string& why, const std::string& said) {
   gx_trace("!!! ( INITIALIZE ) ", what, "  : \"", gx_view(name), "\" ");
+  gx_count_error();
   front.refuse_start(said, std::string(what) + " : " + quoted(name) + " : " + why);
 }
 

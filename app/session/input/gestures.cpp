@@ -92,7 +92,7 @@ bool kv_pan(const gx_event_t& event) {
   if (hands.panned == 0) {
     const gx_vpid_t vpid = gx_vext.viewport_id;
     if (event.kind != gx_event_kind::button2_down || (event.modifiers & kv_shift_held) == 0 ||
-        !gx_is_picture_viewport(vpid) || gx_vext.menu_drawn)
+        !gx_is_picture_viewport(vpid) || !gx_viewport_ok(vpid) || gx_vext.menu_drawn)
       return false;
     kv_begin_pan(vpid, event.pixel);
     return true;
