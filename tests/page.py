@@ -14,121 +14,8 @@ os.environ.pop("DISPLAY", None)
 os.environ["VELMORAN"] = str(build / "product")
 work = pathlib.Path(tempfile.mkdtemp(prefix="kivo-page-"))
 atexit.register(shutil.rmtree, work, True)
-RAW = """Title: a register
-Date: today
-Plotname: Transient Analysis
-Flags: real
-No. Variables: 5
-No. Points: 2
-Variables:
- 0 time time
- 1 v(clk) voltage
- 2 v(r:x2:x) voltage
- 3 v(q_2) voltage
- 4 @m.xr.x2.mp3[id] current
-Values:
- 0 0
- 0
- 0
- 0
- 0
- 1 100e-9
- 1.8
- 0.9
- -0.25
- 2e-6
-"""
-
-# Every way in which nets are joined: at pins, vertices, by names, ports, globals on the sheet and in
-# a block; parts of a bus two levels down; ports and pins of other widths, which join nothing.
-WAYS = """
-symbol r
- pin 1 0,0 IN
- pin 2 4,0 OUT
- prop CLASS=R
-symbol p
- pin P 0,0 IXO
- prop CLASS=PORTIN
-symbol g
- pin P 0,0 IXO
- prop CLASS=G
-symbol tie
- pin A 0,0 IN
- pin B 0,4 IN
-sheet tie
- port A p 0,0
- port B p 0,9
- part R1 r 2,0
- global VDD g 20,20
- net IN
-  wire A R1.1
- net OUT
-  wire B R1.2
- net OUT
-  wire 20,20 30,20
-symbol one
- pin A 0,0 IN
-sheet one
- port A p 0,0
- part R r 2,0
- net A
-  wire A R.1
-symbol two
- pin D 0,0 IN bits 0:1
- pin E 0,4 IN
-sheet two
- port D p 0,0 bits 0:1
- port E p 0,9 bits 0:1
- part X one 4,0
- part Y one 4,9
- part Z r 4,14
- bus D 0:1
-  wire D X.A
-  bit 1 X.A
- bus E 0:1
-  wire E Y.A
-  bit 1 Y.A
- net F
-  wire Z.1 4,18
-symbol three
- pin D 0,0 IN bits 0:1
-sheet three
- port D p 0,0 bits 0:2
- part X one 4,0
- bus D 0:2
-  wire D X.A
-  bit 1 X.A
-sheet ways
- part V two 40,40
- part W three 50,40
- part X tie 2,0
- part R r 10,0
- part S r 20,0
- part T two 2,40
- part U two 30,40
- global VDD g 40,0
- net M
-  wire R.2 16,0 S.1
- net
-  wire S.1 20,9
- net
-  wire M@16,0 16,9
- net m
-  wire X.A 0,0
- net P
-  wire X.B 0,20
- net
-  wire 40,0 44,0
- bus D 0:3
-  wire T.D 0,40
-  bit 1 T.D
- bus B 0:3
-  wire W.D 50,30
- net E
-  wire T.E 0,50
- net H
-  wire V.D 40,30
-"""
+cases = source / "tests/cases/page"
+RAW = (cases / "register.raw").read_text()
 
 
 def run(status, *words):
@@ -138,11 +25,8 @@ def run(status, *words):
     return result.stdout + result.stderr
 
 
-def make(name, text=None):
-    file = source / f"examples/{name}/{name}.gxt"
-    if text is not None:
-        file = work / (name + ".gxt")
-        file.write_text(text)
+def make(name, folder=None):
+    file = (folder or source / "examples" / name) / f"{name}.gxt"
     run(0, build / "tools/gxmake", "-q", "-o", work, file)
 
 
@@ -506,7 +390,7 @@ try:
                  left_out):
         test(browser)
     joins_as_explained(browser, "register", setup, 20)
-    make("ways", WAYS)
+    make("ways", cases)
     page("ways")
     joins_as_explained(browser, "ways", setup, 15, 1)
     is_equal(browser.faults(), [])
