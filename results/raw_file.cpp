@@ -365,7 +365,7 @@ bool rs_find(const rs_file_t& file, const rs_plot_t& plot, double x, rs_place_t&
 void rs_values_at(const rs_file_t& file, const rs_plot_t& plot, rs_place_t place,
                   std::span<const std::uint32_t> variables, std::span<rs_value_t> values) {
   file.row(plot, place.row, variables, values);
-  if (place.fraction == 0 || place.row + 1 >= plot.nb_rows) return;
+  if (place.fraction == 0) return;
   std::vector<rs_value_t> next(variables.size());
   file.row(plot, place.row + 1, variables, next);
   for (std::size_t i = 0; i < next.size(); ++i) {

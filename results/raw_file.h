@@ -32,7 +32,7 @@ struct rs_plot_t {
 // A place between two rows: the part `fraction` of the way from `row` to `row + 1`.
 struct rs_place_t {
   std::uint64_t row = 0;
-  double fraction = 0;  // 0 to below 1
+  double fraction = 0;  // 0 to below 1, of the way to the next row; 0 at the last one
 };
 
 class rs_file_t {

@@ -108,6 +108,12 @@ TEST_F(Results, PlotsFollowOneAnotherInEitherForm) {
   EXPECT_EQ(plot(5).step, 2);
   EXPECT_EQ(at(plot(4), 0.25, 1).re, 17.5);
   EXPECT_EQ(at(plot(5), 0.25, 1).re, 37.5);
+  // One row has a scale where the first variable can be nothing else.
+  for (const auto& [first, has_scale] :
+       {std::pair{"time\ttime", true}, {"x\tfrequency", true}, {"v(a)\tvoltage", false}}) {
+    ASSERT_EQ(open(raw_header("One", "real", "1", {first}) + double_bytes({3})), "");
+    EXPECT_EQ(plot(1).has_scale, has_scale) << first;
+  }
 }
 
 TEST_F(Results, TheFormOfLtspice) {
@@ -396,7 +402,7 @@ TEST(Engineering, NumbersAreWrittenAndReadAsSimulatorsDo) {
   EXPECT_EQ(rs_engineering(1.5e6, 4, "Hz"), "1.5 MHz");
   EXPECT_EQ(rs_engineering(0, 4, "A"), "0 A");
   EXPECT_EQ(rs_engineering(1e-30, 4), "1e-30");
-  EXPECT_EQ(rs_engineering(std::nan(""), 4), "nan");
+  EXPECT_EQ(rs_engineering(-std::nan(""), 4, "V"), "nan V");
   EXPECT_EQ(rs_engineering(INFINITY, 4, "V") + rs_engineering(-INFINITY, 4), "inf V-inf");
   EXPECT_EQ(rs_engineering(123456, 2), "123k");
   EXPECT_EQ(rs_engineering(1e15, 4, "V"), "1e+15 V");
