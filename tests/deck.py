@@ -82,15 +82,3 @@ with tempfile.TemporaryDirectory() as folder:
     assert called["0"] == called["2"] == called["3"] != called["1"], tree
     assert set(called.values()) == {"dlatch", "dlatch__2"}, tree
     assert joined(expanded(flat, work, "flat")) == joined(expanded(tree, work, "tree"))
-    saved = run(kvspice, "--save", "gm,id", "register", cwd=work)
-    for word in ["@m.xr.x1.mp1[gm]", "@m.x.xr.x1.xmn1.mnsub[id]"]:
-        assert word in saved.split(), saved
-    kept = [line for line in saved.splitlines() if "@m" in line and "[gm]" in line]
-    assert len(kept) > 5 and all(re.match(r".save @.{,92}$", line) for line in kept), kept
-    lvs = run(kvspice, "--lvs", "--global-ports", "register", cwd=work)
-    assert ".subckt clkdrv A CKB CK VDD GND" in lvs.splitlines(), lvs
-    assert re.search(r"^MN1 .* nsub W=5$", lvs, re.M) and ".model" not in lvs, lvs
-    assert ".ends register" in lvs and "*.PININFO D_0:I" in lvs, lvs
-    (work / "deck").write_text("deck 1\nfoo\n")
-    wrong = subprocess.run([kvspice, "register"], cwd=work, capture_output=True, text=True)
-    assert wrong.returncode == 1 and 'deck: line 2: "foo"' in wrong.stderr, wrong

@@ -2,11 +2,11 @@
 // "deck", then what is written in some kinds of decks, without the title.
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <map>
 
 #include "deck/write/deck.h"
 #include "kvi/load.h"
+#include "tests/support/case_file.h"
 #include "tests/unit/expand/flatten_fixture.h"
 
 namespace {
@@ -52,14 +52,7 @@ class DeckWriterTest : public DeckWriterBareTest,
                        public ::testing::WithParamInterface<const char*> {};
 
 TEST_P(DeckWriterTest, DecksAreThoseOfTheCase) {
-  std::map<std::string, std::string> sections;
-  std::ifstream file(std::string(KIVO_SOURCE_DIR "/tests/cases/deck/") + GetParam());
-  std::string* section = &sections["head"];
-  for (std::string line; std::getline(file, line);)
-    if (line.starts_with("=== "))
-      section = &sections[line.substr(4)];
-    else
-      section->append(line).append("\n");
+  const auto sections = sections_of_case(std::string("deck/") + GetParam());
   expand(sections.at("sheets"), "INST VALUE CLASS");
   for (const auto& [kind, options] : kinds) {
     if (!sections.contains(kind)) continue;
