@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <sstream>
 
 #include "import/build/output.h"
 #include "import/lepton/file.h"
@@ -16,59 +17,46 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string lepton_told(gxi_lepton_point_t p) {
-  return " " + std::to_string(p.x) + "," + std::to_string(p.y);
+std::ostream& operator<<(std::ostream& out, gxi_lepton_point_t p) {
+  return out << ' ' << p.x << ',' << p.y;
 }
 
-std::string lepton_told(const gxi_lepton_texts_t& texts) {
-  std::string all;
-  for (const auto& text : texts) {
-    all += std::to_string(text.line.number) + " T" + lepton_told(text.at) + " c" +
-           std::to_string(text.color) + " s" + std::to_string(text.size) +
-           (text.visible ? " seen" : "") + " show" + std::to_string(static_cast<int>(text.show)) +
-           " r" + std::to_string(text.rotate) + " a" + std::to_string(text.alignment) + " ";
-    all += text.text + "\n";
-  }
-  return all;
+std::ostream& operator<<(std::ostream& out, const gxi_lepton_texts_t& texts) {
+  for (const auto& text : texts)
+    out << text.line.number << " T" << text.at << " c" << text.color << " s" << text.size
+        << (text.visible ? " seen" : "") << " show" << static_cast<int>(text.show) << " r"
+        << text.rotate << " a" << text.alignment << ' ' << text.text << '\n';
+  return out;
 }
 
 // Every field of every record.
 std::string lepton_told(const gxi_lepton_file_t& file) {
-  std::string all;
-  const auto begin = [&](const auto& record, const std::string& kind, int color) {
-    all += std::to_string(record.line.number) + " " + kind + " c" + std::to_string(color);
-  };
+  std::ostringstream all;
   for (const auto& shape : file.shapes) {
-    begin(shape, std::string(1, shape.kind), shape.color);
-    all += " w" + std::to_string(shape.width) + (shape.dashed ? " dashed" : "") +
-           (shape.filled ? " filled" : "");
-    for (const auto p : shape.points) all += lepton_told(p);
-    if (shape.radius != 0)
-      all += " r" + std::to_string(shape.radius) + " " + std::to_string(shape.start) + ".." +
-             std::to_string(shape.sweep);
+    all << shape.line.number << ' ' << shape.kind << " c" << shape.color << " w" << shape.width
+        << (shape.dashed ? " dashed" : "") << (shape.filled ? " filled" : "");
+    for (const auto p : shape.points) all << p;
+    if (shape.radius != 0) all << " r" << shape.radius << ' ' << shape.start << ".." << shape.sweep;
     for (const auto& step : shape.path) {
-      all += std::string(" ") + step.kind;
-      for (const auto p : step.points) all += lepton_told(p);
+      all << ' ' << step.kind;
+      for (const auto p : step.points) all << p;
     }
-    all += "\n";
+    all << '\n';
   }
-  all += lepton_told(file.texts) + "attached\n" + lepton_told(file.attached);
-  for (const auto& net : file.nets) {
-    begin(net, "N", net.color);
-    all += lepton_told(net.from) + lepton_told(net.to) + "\n" + lepton_told(net.attributes);
-  }
-  for (const auto& pin : file.pins) {
-    begin(pin, pin.bus ? "bus" : "P", pin.color);
-    all += lepton_told(pin.tip) + lepton_told(pin.root) + "\n" + lepton_told(pin.attributes);
-  }
+  all << file.texts << "attached\n" << file.attached;
+  for (const auto& net : file.nets)
+    all << net.line.number << " N c" << net.color << net.from << net.to << '\n' << net.attributes;
+  for (const auto& pin : file.pins)
+    all << pin.line.number << (pin.bus ? " bus" : " P") << " c" << pin.color << pin.tip << pin.root
+        << '\n'
+        << pin.attributes;
   for (const auto& component : file.components) {
-    begin(component, "C", 0);
-    all += lepton_told(component.at) + " r" + std::to_string(component.rotate) +
-           (component.mirror ? " m " : " ") + component.symbol + "\n" +
-           lepton_told(component.attributes);
-    if (component.embedded) all += "[\n" + lepton_told(*component.embedded) + "]\n";
+    all << component.line.number << " C" << component.at << " r" << component.rotate
+        << (component.mirror ? " m " : " ") << component.symbol << '\n'
+        << component.attributes;
+    if (component.embedded) all << "[\n" << lepton_told(*component.embedded) << "]\n";
   }
-  return all;
+  return all.str();
 }
 
 std::string lepton_refusal(const std::string& text) {
@@ -123,7 +111,7 @@ TEST(ImportLepton, RecordsInOddForms) {
             "35 N c9 5,6 7,8\n"
             "36 P c1 0,50 100,50\n"
             "37 bus c7 9,8 1,2\n"
-            "42 C c0 100,200 r0 a b.sym\n"
+            "42 C 100,200 r0 a b.sym\n"
             "56 T 0,0 c5 s8 show0 r0 a0 refdes=U1\n"
             "[\n"
             "44 L c3 w0 0,0 1,2\n"
@@ -133,17 +121,14 @@ TEST(ImportLepton, RecordsInOddForms) {
             "49 P c1 50,0 200,0\n"
             "51 T 50,0 c5 s8 show0 r0 a0 pinnumber=1\n"
             "]\n"
-            "59 C c0 7,8 r3 m x.sym\n"
-            "60 C c0 7,8 r0 y.sym\n");
-  const std::string lines_of_path = [&] {
-    std::string all;
-    for (const auto& line : gxi_lepton_lines(file.shapes.back().path)) {
-      for (const auto p : line) all += lepton_told(p);
-      all += "\n";
-    }
-    return all;
-  }();
-  EXPECT_EQ(lines_of_path,
+            "59 C 7,8 r3 m x.sym\n"
+            "60 C 7,8 r0 y.sym\n");
+  std::ostringstream lines_of_path;
+  for (const auto& line : gxi_lepton_lines(file.shapes.back().path)) {
+    for (const auto p : line) lines_of_path << p;
+    lines_of_path << '\n';
+  }
+  EXPECT_EQ(lines_of_path.str(),
             " 1,1 5,5 3,-7 2,-5 3,-3 3,-1 5,0 6,2 7,4 8,6 9,9 1,1\n"
             " 1,1 2,2 2,3 3,4 3,4 4,5 5,6 6,7 6,7 7,8 7,8 8,9 8,9 8,9 8,9 8,9 8,9 8,9\n");
   // Where no pin says which end is joined, it is the outer one: of each symbol by itself.
@@ -158,7 +143,7 @@ TEST(ImportLepton, RecordsInOddForms) {
             "4 P c1 200,60 100,60\n"
             "5 P c1 50,-90 50,0\n"
             "6 P c1 50,300 50,100\n"
-            "7 C c0 0,0 r0 s\n"
+            "7 C 0,0 r0 s\n"
             "[\n"
             "attached\n"
             "9 P c1 1100,0 1000,0\n"
