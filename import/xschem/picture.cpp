@@ -2,9 +2,9 @@
 #include "import/xschem/picture.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 
+#include "gx/db/place/geometry.h"
 #include "gx/text/at.h"
 #include "import/drawing/colors.h"
 
@@ -100,12 +100,9 @@ gxi_look_t gxi_xschem_look(const gxi_xschem_text_t& text) {
     look.up = gxi_align::middle;
     down = 0;
   }
-  gxi_xschem_point_t at = text.at;
-  constexpr std::array<std::array<int, 2>, 4> downwards{{{0, 1}, {-1, 0}, {0, -1}, {1, 0}}};
-  const auto& direction = gx_at(downwards, text.rotate % 4);
-  at.x += direction[0] * down;
-  at.y += direction[1] * down;
-  look.at = gxi_xschem_point(at);
+  const auto at = gxi_xschem_point(text.at),
+             by = gx_turn(gx_pointreal_t{0, length(down)}, look.rotate, false);
+  look.at = {at.x + by.x, at.y + by.y};
   const auto* const layer = attributes.find("layer");
   look.color = gxi_xschem_color(
       layer != nullptr && !layer->empty() && layer->size() < 4 &&
