@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <map>
 #include <set>
+#include <utility>
 
 #include "gx/text/at.h"
 #include "gx/text/kept_text.h"
@@ -27,25 +28,30 @@ bool keeps_lines(const gxi_instance_t& instance, const gxi_text_t& text) {
 }  // namespace
 
 void gxi_hand_out_texts(gxi_design_t& design) {
-  std::map<int, std::set<std::size_t>> handed_out;  // by cell: which of its symbol's texts
+  struct symbol_t {
+    std::set<std::pair<int, bool>> turns{};  // that were looked at
+    std::set<std::size_t> handed_out{};      // texts
+  };
+  std::map<int, symbol_t> symbols;  // by cell
   const auto each_instance = [&](auto&& take) {
     for (auto& cell : design.cells)
       if (cell.sheet)
         for (auto& instance : cell.sheet->instances)
           take(instance, gx_at(design.cells, instance.symbol).symbol.texts,
-               handed_out[instance.symbol]);
+               symbols[instance.symbol]);
   };
-  each_instance([](const auto& instance, const auto& texts, auto& handed) {
+  each_instance([](const auto& instance, const auto& texts, auto& symbol) {
+    if (!symbol.turns.emplace(instance.rotate, instance.mirror).second) return;
     for (std::size_t i = 0; i < texts.size(); ++i)
-      if (!handed.contains(i) && !keeps_lines(instance, texts[i])) handed.insert(i);
+      if (!keeps_lines(instance, texts[i])) symbol.handed_out.insert(i);
   });
-  each_instance([](auto& instance, const auto& texts, const auto& handed) {
-    for (const auto i : handed)
+  each_instance([](auto& instance, const auto& texts, const auto& symbol) {
+    for (const auto i : symbol.handed_out)
       gxi_show(texts[i].value, gxi_on_sheet(instance, texts[i].look), instance.properties);
   });
-  for (const auto& [cell, handed] : handed_out) {
+  for (const auto& [cell, symbol] : symbols) {
     auto& texts = gx_at(design.cells, cell).symbol.texts;
-    for (const auto i : handed) texts[i].value.clear();
+    for (const auto i : symbol.handed_out) texts[i].value.clear();
     std::erase_if(texts, [](const auto& text) { return text.value.empty(); });
   }
 }
