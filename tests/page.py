@@ -25,8 +25,11 @@ def run(status, *words):
     return result.stdout + result.stderr
 
 
-def make(name, folder=None):
+def make(name, text=None, folder=None):
     file = (folder or source / "examples" / name) / f"{name}.gxt"
+    if text is not None:
+        file = work / file.name
+        file.write_text(text)
     run(0, build / "tools/gxmake", "-q", "-o", work, file)
 
 
@@ -390,7 +393,7 @@ try:
                  left_out):
         test(browser)
     joins_as_explained(browser, "register", setup, 20)
-    make("ways", cases)
+    make("ways", folder=cases)
     page("ways")
     joins_as_explained(browser, "ways", setup, 15, 1)
     is_equal(browser.faults(), [])
