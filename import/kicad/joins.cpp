@@ -20,21 +20,20 @@ class hidden_wires_t {
  public:
   explicit hidden_wires_t(const members_t& members) {
     for (const auto& pins : members.sheet.pins)
-      for (const auto& pin : pins) at_place_[pin.at] += 2;
+      for (const auto& pin : pins) places_.insert(pin.at);
     for (const auto& block : members.file.blocks)
-      for (const auto& pin : block.pins) at_place_[pin.text.at] += 2;
-    for (const auto& mark : members.file.no_connects) at_place_[mark] += 2;
-    for (const auto& label : members.file.labels) ++at_place_[label.text.at];
+      for (const auto& pin : block.pins) places_.insert(pin.text.at);
+    for (const auto& mark : members.file.no_connects) places_.insert(mark);
+    std::set<point_t> labels;
+    for (const auto& label : members.file.labels)
+      if (!labels.insert(label.text.at).second) places_.insert(label.text.at);
     for (const auto& wire : members.file.wires)
-      for (const auto end : {wire.from, wire.to}) at_place_.erase(end);
+      for (const auto end : {wire.from, wire.to}) places_.erase(end);
   }
-  bool at(point_t place) const {
-    const auto found = at_place_.find(place);
-    return found != at_place_.end() && found->second > 1;
-  }
+  bool at(point_t place) const { return places_.contains(place); }
 
  private:
-  std::map<point_t, int> at_place_{};  // two for each, a label one
+  std::set<point_t> places_{};
 };
 
 void join_places(const members_t& members, gxi_groups_t& groups) {
