@@ -57,8 +57,11 @@ std::vector<std::string> words_of(const std::string& line) {
     else
       plain += ports && std::string_view("[]()").find(c) != std::string_view::npos ? ' ' : c;
   }
-  std::istringstream in(plain);
-  for (std::string word; in >> word;) {
+  constexpr std::string_view blanks = " \t\n\v\f\r";
+  for (auto at = plain.find_first_not_of(blanks); at != plain.npos;) {
+    const auto end = std::min(plain.find_first_of(blanks, at), plain.size());
+    const std::string word = plain.substr(at, end - at);
+    at = plain.find_first_not_of(blanks, end);
     const bool equals = word == "=" && words.size() > 1;
     if (equals || joined) {
       words.back() += word;
