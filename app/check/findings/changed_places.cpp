@@ -32,14 +32,11 @@ kv_changed_place_t kv_changed_place(const kv_expanded_t& expanded, const kv_chan
   const std::string path = is_pin ? without_bit(change.pins.front().pin) : change.after;
   const auto object = kv_object_at(expanded, kind.what, path);
   if (!object) return {path, "", 0, std::nullopt};
-  kv_changed_place_t place{path, "", 0, std::nullopt};
   const auto drawn = kv_place_of(expanded.netlist, expanded.origins, *object);
-  place.at = kv_visit_path(expanded.netlist, expanded.origins, drawn.visit);
-  place.object_id = drawn.object_id;
   // A pin is recognised by its instance.
-  if (is_pin)
-    place.marked = {kv_named::inst, path.substr(0, path.rfind('/'))};
-  else
-    place.marked = {kind.what, path};
-  return place;
+  const kv_changed_object_t marked =
+      is_pin ? kv_changed_object_t{kv_named::inst, path.substr(0, path.rfind('/'))}
+             : kv_changed_object_t{kind.what, path};
+  const auto at = kv_visit_path(expanded.netlist, expanded.origins, drawn.visit);
+  return {path, std::string(at), drawn.object_id, marked};
 }
