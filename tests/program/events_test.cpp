@@ -567,24 +567,6 @@ TEST_F(Interactive, KeysPressedWhileACommandRunsFollowIt) {
   bye();
 }
 
-TEST_F(Interactive, AQuestionOfACommandFileIsAnswered) {
-  directory_.write("ask", "readln $VAR3 name?\nview down $VAR3\nsmash on\n");
-  auto& s = open();
-  s.command("do ask");
-  s.wait_for_line("# DO ask ");
-  s.settle();
-  s.type("U1\n");
-  s.wait_for_line(" READln $VAR3 name? U1 ");
-  s.wait_for_head(" VIEw DOWn  ");
-  s.wait_for_line(" SMAsh ON ");
-  // Control+C inside the question ends the whole session; the file is still read to its end.
-  s.command("do ask");
-  s.wait_for_line("# DO ask ");
-  s.key('c', s.control);
-  s.wait_for_line(" BYE ");
-  expect_end();
-}
-
 TEST_F(Interactive, TheWindowIsDrawnAgainWhereItWasCovered) {
   auto& s = open();
   for (int i = 0; i < 2; ++i) s.click(300, 330, 4);  // the zoom stays

@@ -87,44 +87,6 @@ TEST_F(Recall, AnOddFileOfLinesIsReadForWhatItIs) {
   EXPECT_EQ(kept.substr(kept.size() - 13), "snap off\nbye\n");
 }
 
-TEST_F(Recall, TheLineIsEditedAtItsCaret) {
-  auto& s = begin();
-  const auto control = [&](char letter) {
-    s.key(static_cast<unsigned long>(letter), test_session::control);
-  };
-  s.command("define key cntl_u '$CUT'");
-  s.command("define key cntl_w '$CUTW'");
-  s.type("off");
-  control('a');
-  s.type("snap ");
-  s.type("\n");
-  s.wait_for_line(" SNAp OFF ");
-  s.type("snap on and more");
-  control('w');
-  control('w');
-  s.key(XK_BackSpace);
-  s.type("\n");
-  s.wait_for_line(" SNAp ON ");
-  s.type("n this goes");
-  control('a');
-  s.type("snap of");
-  s.key(XK_BackSpace);
-  s.key(XK_BackSpace);
-  s.type("off");
-  control('k');
-  s.type("\n");
-  s.wait_for_line(" SNAp OFF ");
-  s.type("nothing of this snap on");
-  for (int i = 0; i < 2; ++i) control('w');
-  control('u');
-  s.type("snap on");
-  control('a');
-  control('e');
-  s.type(" \n");
-  s.wait_for_line(" SNAp ON ");
-  end();
-}
-
 // Another program that has a text selected.
 class selection_owner {
  public:

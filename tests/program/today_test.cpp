@@ -1,4 +1,4 @@
-// The mouse and the keys of a new session with the product directory, and Tab on the command line.
+// The mouse and the keys of a new session with the product directory.
 #include <X11/keysym.h>
 
 #include "tests/program/interactive.h"
@@ -156,57 +156,6 @@ TEST_F(Today, EscapeEndsWhatIsHalfDone) {
   s.settle();
   s.key(XK_Escape);
   s.wait_for_line(" SMAsh ON ");
-  bye();
-}
-
-TEST_F(Today, TabCompletesWhatHasOneWayOn) {
-  auto& s = begin();
-  s.type("fin");
-  s.key(XK_Tab);
-  s.type("p");
-  s.key(XK_Tab);
-  s.type("/u");
-  s.key(XK_Tab);  // the block, and on to its sheet
-  s.key(XK_Tab);
-  s.key(XK_BackSpace);  // the only part there has names below it, too
-  s.type("/b");
-  s.key(XK_Tab);  // a pin of the only part
-  s.type("\n");
-  s.wait_for_head(" FINd PATh /U1/X1/B  pin P_");
-  // Several: they are listed, and the line stays. The word before the caret is completed.
-  s.type("smash on; vie");
-  s.key(XK_Tab);
-  s.key(XK_Tab);
-  const std::string several = s.wait_for_head("# ");
-  EXPECT_NE(several.find(" DOWn "), several.npos) << several;
-  EXPECT_EQ(several.find("SMAsh"), several.npos) << several;
-  s.type("al\n");
-  s.wait_for_line(" SMAsh ON ");
-  s.wait_for_line(" VIEw ALL ");
-  s.type("path /r1");
-  s.key(XK_a, s.control);
-  s.type("fin");
-  s.key(XK_Tab);
-  s.type("\n");
-  s.wait_for_head(" FINd PATh /R1  ");
-  s.type("explain net /a i /u");  // after abbreviated words
-  s.key(XK_Tab);
-  s.type("\n");
-  const std::string explained = s.wait_for_head("# EXPlain NET ");
-  EXPECT_NE(explained.find(" /U1/"), explained.npos) << explained;
-  // Files, the blocks of the sheet in view, and what completes to nothing.
-  directory_.write("some_commands", "snap on\n");
-  s.type("do so");
-  s.key(XK_Tab);
-  s.type("\n");
-  s.wait_for_line(" SNAp ON ");
-  s.type("zzz");
-  s.key(XK_Tab);
-  s.key(XK_Escape);
-  s.type("view down ");
-  s.key(XK_Tab);
-  s.type("\n");
-  s.wait_for_line(" VIEw DOWn  U1");
   bye();
 }
 }  // namespace

@@ -177,21 +177,62 @@ TEST_F(Hands, ALineIsTypedEditedAndRun) {
   key(XK_BackSpace);
   key(XK_BackSpace);
   type("\n");
-  bind("tab", "$TAB");
-  type("snap o");
-  key(XK_Tab);
-  type("ff\n");
-  type("view down X");
-  key(XK_Tab);
-  type("\n");
+  bind("cntl_w", "$CUTW");
+  bind("cntl_u", "$CUT");
+  type("har 9 and more");
+  key('w', 4);
+  key('w', 4);
+  type("\nlost");
+  key('u', 4);
+  type(" 10");
+  key('a', 4);
+  type("haXr");
+  key(XK_BackSpace);
+  key(XK_BackSpace);
+  type("r\n");
   EXPECT_EQ(answers(), (lines_t{" HARDcopy 235 ", " HARDcopy ~!{ ", " GRID ON ", " HARDcopy ",
-                                "# ON OFF", " SNAp OFF ", " VIEw DOWn  X1"}));
+                                " HARDcopy 9 ", " HARDcopy 10 "}));
   type(std::string(200, 'x'));
   answers();
   EXPECT_EQ(gx_vext.str_cmd.len, 194);
   paste(std::string(20, 'y'));
   answers();
   EXPECT_EQ(gx_vext.str_cmd.len, 194);
+}
+
+TEST_F(Hands, TabCompletesWhatHasOneWayOn) {
+  bind("tab", "$TAB");
+  s.directory().write("some_commands", "");
+  s.directory().write("some/other", "");
+  s.directory().write(".hidden", "");
+  const std::pair<const char*, const char*> cases[] = {
+      {"fin", "FINd "},
+      {"find p", "find PATh "},
+      {"smash on; vie", "smash on; VIEw "},
+      {"find path /r", "find path /R1 "},
+      {"find path /r1/1", "find path /r1/1 "},
+      {"explain net /a i /x", "explain net /a i /X1/"},
+      {"view down ", "view down X1 "},
+      {"do so", "do some"},
+      {"do some_", "do some_commands "},
+      {"do some/", "do some/other "},
+      {"do .h", "do .hidden "},
+      {"zzz", "zzz"}};
+  for (const auto& [typed, completed] : cases) {
+    gx_set_command_line("");
+    type(typed);
+    key(XK_Tab);
+    EXPECT_EQ(answers(), lines_t{}) << typed;
+    EXPECT_EQ(gx_view(gx_vext.str_cmd), completed);
+  }
+  // Several are listed; what is after the caret stays.
+  gx_set_command_line("snap o");
+  key(XK_Tab);
+  EXPECT_EQ(answers(), lines_t{"# ON OFF"});
+  gx_set_command_line("fi path /R1", 3);
+  key(XK_Tab);
+  answers();
+  EXPECT_EQ(gx_view(gx_vext.str_cmd), "FINd  path /R1");
 }
 
 // In their own viewports the keys act on the character under the pointer.
@@ -231,6 +272,11 @@ TEST_F(Hands, AQuestionWaitsForItsAnswer) {
   type("x\n");
   EXPECT_EQ(answers(), (lines_t{"# DO asks ", " HARDcopy away ", " HARDcopy next ", "# End of DO ",
                                 " READln $VAR2 name? x "}));
+  // The end of the session is that of the question; the file is read to its end.
+  type("do asks\n");
+  key('c', 4);
+  type("har never\n");
+  EXPECT_EQ(answers(), (lines_t{"# DO asks ", " BYE ", " HARDcopy next ", "# End of DO "}));
 }
 
 TEST_F(Hands, ThePointerHasAShapeInEachViewport) {
