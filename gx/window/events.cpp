@@ -27,6 +27,7 @@
 #include "gx/text/messages/status.h"
 #include "gx/vext.h"
 #include "gx/window/key_lookup.h"
+#include "gx/window/questions.h"
 #include "platform/stop_signals.h"
 #include "platform/wait.h"
 
@@ -407,18 +408,14 @@ void read_exposure(gx_event_t& event) {
   gx_forget_shown();
   gx_vext.viewport_id = 1;
   event.kind = gx_event_kind::exposed;
-  Window root = 0;
-  int x = 0, y = 0;
-  unsigned int width = 0, height = 0, border = 0, depth = 0;
-  if (XGetGeometry(gx_vext.dpy, gx_vext.win, &root, &x, &y, &width, &height, &border, &depth) !=
-      False) {
-    constexpr unsigned int most = INT16_MAX;
-    gx_take_size(static_cast<int>(std::clamp(width, 2U, most)),
-                 static_cast<int>(std::clamp(height, 2U, most)));
-    gx_viewports_update();
-    const gx_point16_t size = {static_cast<std::int16_t>(width), static_cast<std::int16_t>(height)};
-    event.resized = std::exchange(gx_vext.window_size, size) != size;
-  }
+  const auto window = gx_x_place_of(gx_vext.win);
+  if (!window) return;
+  gx_take_size(std::clamp<int>(window->width, 2, INT16_MAX),
+               std::clamp<int>(window->height, 2, INT16_MAX));
+  gx_viewports_update();
+  const gx_point16_t size = {static_cast<std::int16_t>(window->width),
+                             static_cast<std::int16_t>(window->height)};
+  event.resized = std::exchange(gx_vext.window_size, size) != size;
 }
 
 // A window that only shrinks keeps its picture, so that no exposure follows.
@@ -439,20 +436,9 @@ constexpr char selection_property[] = "KIVO_SELECTION";
 void read_selection(const XSelectionEvent& selection, gx_event_t& event) {
   constexpr long most_words = 250;  // of four bytes
   if (selection.property == None) return;
-  Atom type = None;
-  int format = 0;
-  unsigned long count = 0, rest = 0;
-  unsigned char* data = nullptr;
-  if (XGetWindowProperty(gx_vext.dpy, gx_vext.win, selection.property, 0, most_words, True,
-                         AnyPropertyType, &type, &format, &count, &rest, &data) != Success)
-    return;
-  if (data == nullptr) return;
-  if (rest > 0) XDeleteProperty(gx_vext.dpy, gx_vext.win, selection.property);
-  if (type == XA_STRING && format == 8 && count > 0) {
-    event.kind = gx_event_kind::pasted;
-    event.text.assign(reinterpret_cast<const char*>(data), count);
-  }
-  XFree(data);
+  event.text = gx_x_property(gx_vext.win, selection.property, XA_STRING, 8, most_words);
+  XDeleteProperty(gx_vext.dpy, gx_vext.win, selection.property);
+  if (!event.text.empty()) event.kind = gx_event_kind::pasted;
 }
 
 void read_other(int type) {

@@ -8,6 +8,7 @@
 
 #include "gx/display/input/menu_state.h"
 #include "gx/vext.h"
+#include "gx/window/questions.h"
 #include "gx/window/window.h"
 
 namespace {
@@ -22,28 +23,26 @@ bool has_picture() {
   if (v.hidden_picture != 0) XFreePixmap(v.dpy, v.hidden_picture);
   v.hidden_size = size;
   const auto width = static_cast<unsigned>(size.x) + 1, height = static_cast<unsigned>(size.y) + 1;
+  Pixmap pixmap{};
   const bool made = gx_without_x_error([&] {
-    v.hidden_picture = XCreatePixmap(v.dpy, v.win, width, height,
-                                     static_cast<unsigned>(DefaultDepth(v.dpy, v.scrid)));
-    XFillRectangle(v.dpy, v.hidden_picture, v.copy_gc, 0, 0, width, height);
+    pixmap = XCreatePixmap(v.dpy, v.win, width, height,
+                           static_cast<unsigned>(DefaultDepth(v.dpy, v.scrid)));
+    XFillRectangle(v.dpy, pixmap, v.copy_gc, 0, 0, width, height);
   });
-  if (!made) v.hidden_picture = 0;
+  v.hidden_picture = made ? pixmap : 0;
   return made;
 }
 
 // Room for the area in the level's pixmap; a window that has grown needs more than at the start.
 Pixmap pixmap_with_room(int level, int width, int height) {
-  Window root = 0;
-  int x = 0, y = 0;
-  unsigned int has_width = 0, has_height = 0, border = 0, depth = 0;
   unsigned long& pixmap = gx_vext.menu_pixid[static_cast<std::size_t>(level - 1)];
-  const auto needs_width = static_cast<unsigned int>(width + pixmap_margin);
-  const auto needs_height = static_cast<unsigned int>(height + pixmap_margin);
-  if (XGetGeometry(gx_vext.dpy, pixmap, &root, &x, &y, &has_width, &has_height, &border, &depth) !=
-          False &&
-      (has_width < needs_width || has_height < needs_height)) {
+  const int needs_width = width + pixmap_margin, needs_height = height + pixmap_margin;
+  const auto has = gx_x_place_of(pixmap);
+  if (has && (has->width < needs_width || has->height < needs_height)) {
     XFreePixmap(gx_vext.dpy, pixmap);
-    pixmap = XCreatePixmap(gx_vext.dpy, gx_vext.win, needs_width, needs_height, depth);
+    pixmap = XCreatePixmap(gx_vext.dpy, gx_vext.win, static_cast<unsigned>(needs_width),
+                           static_cast<unsigned>(needs_height),
+                           static_cast<unsigned>(DefaultDepth(gx_vext.dpy, gx_vext.scrid)));
   }
   return pixmap;
 }

@@ -23,16 +23,13 @@
 #include "gx/window/events.h"
 #include "gx/window/pictures.h"
 #include "gx/window/pointer.h"
+#include "gx/window/questions.h"
 #include "gx/window/strokes.h"
 
 namespace {
 constexpr int window_x = 40, window_y = 100;
 constexpr int min_width = 200, min_height = 100;
 constexpr unsigned border_width = 1;
-
-struct pixel_size_t {
-  int width = 0, height = 0;
-};
 
 void release_display() {
   gx_vext.screen = nullptr;
@@ -119,29 +116,18 @@ void open_display(const char* name) {
   gx_vext.root = RootWindow(gx_vext.dpy, gx_vext.scrid);
 }
 
-// Size of a drawable; false when the server does not say.
-bool ask_geometry(Drawable drawable, int& x, int& y, pixel_size_t& size) {
-  Window root = 0;
-  unsigned width = 0, height = 0, border = 0, depth = 0;
-  if (XGetGeometry(gx_vext.dpy, drawable, &root, &x, &y, &width, &height, &border, &depth) == 0)
-    return false;
-  size = {static_cast<int>(width), static_cast<int>(height)};
-  return true;
-}
-
 void check_root() {
-  int x = 0, y = 0;
-  pixel_size_t size;
-  if (!ask_geometry(gx_vext.root, x, y, size))
-    refuse_start(" !! xerror :  cannot  get display geometry ? ");
-  gx_debug(" gx_init :  root geometry : %d  %d  %d  %d\n", x, y, size.width, size.height);
-  if (x != 0 || y != 0) {
-    gx_debug(" !! xerror : root window origin invalid ? : %2d  %2d\n", x, y);
+  const auto root = gx_x_place_of(gx_vext.root);
+  if (!root) refuse_start(" !! xerror :  cannot  get display geometry ? ");
+  gx_debug(" gx_init :  root geometry : %d  %d  %d  %d\n", root->x, root->y, root->width,
+           root->height);
+  if (root->x != 0 || root->y != 0) {
+    gx_debug(" !! xerror : root window origin invalid ? : %2d  %2d\n", root->x, root->y);
     gx_set_status(gx_code::init_not_done);
   }
   const int width = DisplayWidth(gx_vext.dpy, gx_vext.scrid);
   const int height = DisplayHeight(gx_vext.dpy, gx_vext.scrid);
-  if (width != size.width || height != size.height) {
+  if (width != root->width || height != root->height) {
     gx_debug(" !! xerror : root window dimension invalid ? : %d  %d\n", width, height);
     gx_set_status(gx_code::init_not_done);
   }
@@ -178,17 +164,8 @@ XRectangle work_area() {
   const int height = DisplayHeight(gx_vext.dpy, gx_vext.scrid);
   std::array<long, 4> area = {0, 0, width, height};
   const Atom wanted = XInternAtom(gx_vext.dpy, "_NET_WORKAREA", False);
-  Atom type = None;
-  int format = 0;
-  unsigned long count = 0, rest = 0;
-  unsigned char* data = nullptr;
-  if (XGetWindowProperty(gx_vext.dpy, gx_vext.root, wanted, 0, 4, False, XA_CARDINAL, &type,
-                         &format, &count, &rest, &data) == Success &&
-      data != nullptr) {
-    if (type == XA_CARDINAL && format == 32 && count >= 4)
-      std::memcpy(area.data(), data, sizeof area);
-    XFree(data);
-  }
+  const std::string values = gx_x_property(gx_vext.root, wanted, XA_CARDINAL, 32, 4);
+  if (values.size() == sizeof area) std::memcpy(area.data(), values.data(), sizeof area);
   const bool is_sound = area[0] >= 0 && area[1] >= 0 && area[2] > 0 && area[3] > 0 &&
                         area[0] + area[2] <= width && area[1] + area[3] <= height;
   if (!is_sound) area = {0, 0, width, height};
@@ -226,11 +203,9 @@ XRectangle make_window(std::string_view window_name) {
   v.win = XCreateSimpleWindow(v.dpy, v.root, place.x, place.y, static_cast<unsigned>(place.width),
                               static_cast<unsigned>(place.height), border_width,
                               v.colorrec[6].pixel, v.colorrec[0].pixel);
-  int x = 0, y = 0;
-  pixel_size_t size;
-  if (!ask_geometry(v.win, x, y, size))
-    refuse_start(" !! xerror : cannot get new window geometry ? ");
-  v.window_size = {static_cast<std::int16_t>(size.width), static_cast<std::int16_t>(size.height)};
+  const auto made = gx_x_place_of(v.win);
+  if (!made) refuse_start(" !! xerror : cannot get new window geometry ? ");
+  v.window_size = {static_cast<std::int16_t>(made->width), static_cast<std::int16_t>(made->height)};
   XSelectInput(v.dpy, v.win, gx_event_mask | gx_structure_mask);
   tell_window_manager(place, window_name);
   XSetWindowAttributes attributes{};
@@ -238,9 +213,9 @@ XRectangle make_window(std::string_view window_name) {
   attributes.do_not_propagate_mask = 0;
   attributes.colormap = DefaultColormap(v.dpy, v.scrid);
   XChangeWindowAttributes(v.dpy, v.win, CWBitGravity | CWDontPropagate | CWColormap, &attributes);
-  return {static_cast<short>(x), static_cast<short>(y),
-          static_cast<unsigned short>(size.width - static_cast<int>(border_width)),
-          static_cast<unsigned short>(size.height - static_cast<int>(border_width))};
+  return {static_cast<short>(made->x), static_cast<short>(made->y),
+          static_cast<unsigned short>(made->width - static_cast<int>(border_width)),
+          static_cast<unsigned short>(made->height - static_cast<int>(border_width))};
 }
 
 void make_graphics_context() {
