@@ -58,22 +58,4 @@ _kivo_programs gximport "" --format
 in_page=$(sed -n '/^.BI .*-format/,/^.TP/p' "$source/docs/man/gximport.1")
 for format in $formats; do [[ $in_page == *"$format"* ]] || fail "gximport.1 does not name the format $format"; done
 
-# What is no regular file is refused, never waited for.
-scratch=$(mktemp -d)
-mkfifo "$scratch/pipe.sch" "$scratch/pipe.gxt"
-ask 1 timeout 10 "$build/tools/gximport" -o "$scratch/d" "$scratch/pipe.sch"
-[[ $err == "$scratch/pipe.sch:1: cannot be read: Not a regular file" ]] || fail "gximport of a pipe: $err"
-ask 1 timeout 10 "$build/tools/gxmake" -o "$scratch/d" "$scratch/pipe.gxt"
-[[ $err == *"$scratch/pipe.gxt: cannot be read: Not a regular file"* ]] || fail "gxmake of a pipe: $err"
-rm -r "$scratch"
-
-# A sheet that lies elsewhere is printed; the name of a design is its own sheet.
-scratch=$(mktemp -d)
-"$build/tools/gxmake" -q -o "$scratch/d" "$source/examples/filter/filter.gxt"
-mkdir "$scratch/elsewhere"  # from where the symbols that it names are not found
-ask 1 env -C "$scratch/elsewhere" "$build/tools/gxdump" --source "$scratch/d/filter/sheet.gx_1"
-[[ $out == "file $scratch/d/filter/sheet.gx_1 "* ]] || fail "gxdump --source of a file elsewhere: ${out:0:80}"
-ask 0 env -C / "$build/tools/kivo-plot" "$scratch/d/filter/" filter "$scratch/out.plt"
-[[ -s $scratch/out.plt ]] || fail "kivo-plot of a design by its name: $err"
-rm -r "$scratch"
 (( ${#programs[@]} > 9 && faults == 0 ))

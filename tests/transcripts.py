@@ -4,16 +4,17 @@
 usage: transcripts.py BUILD CASE.txt...
 
 "$ COMMAND" of a case, with the lines "> ..." after it, is run by bash in a directory of the case's own, in
-which those before it ran. What follows is what it prints, errors among it, and "[N]", the status of each command
+which those before it ran; $SOURCE is the project. What follows is what it prints, errors among it, and "[N]", the status of each command
 that fails. "## " begins a comment.
 The status is 1 where anything differs; then both are shown.
 """
 import difflib
 import os
-import re
 import subprocess
 import sys
 import tempfile
+
+SOURCE = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 
 
 def commands_of(case):
@@ -34,7 +35,7 @@ def faults_of(case, build):
     with tempfile.TemporaryDirectory() as here:
         here = os.path.realpath(here)
         environment = {k: v for k, v in os.environ.items() if k not in ("DISPLAY", "NO_COLOR")}
-        environment.update(VELMORAN=build + "/product", SOURCE_DATE_EPOCH="86400",
+        environment.update(VELMORAN=build + "/product", SOURCE_DATE_EPOCH="86400", SOURCE=SOURCE,
                            PATH=f"{build}/tools:{build}:{os.environ['PATH']}")
         for command, expected in commands_of(case):
             done = subprocess.run(["bash", "-o", "pipefail", "-c", "trap 'echo [$?]' ERR\n" + command], cwd=here, env=environment, timeout=100,

@@ -165,8 +165,6 @@ for words, file in (((kvdump, "--sqlite", "full/x"), "full/x"), ((kvverilog, "-o
     assert ended.returncode == 1 and file[:4] in ended.stderr.decode(), (words, ended)
     assert os.listdir("full") == [os.path.basename(file)] and open(file).read() == "old", words
     os.remove(file)
-run(kvdump, "--json", "--csv", "x", design, status=2)
-run(kvdump, "--format", "other", design, status=2)
 # A file that was there stays until the new one is whole, and is replaced by it.
 open("old.db", "w").write("old")
 run(kvdump, "--sqlite", "old.db", design)
