@@ -123,8 +123,6 @@ TEST_F(checking, ACleanSheetAndTheForms) {
   EXPECT_EQ(s.run("che she before"),
             (lines_t{"# CHEck  SHEet  before ", "# CHEck  SHEet > nb_error    = 0 ",
                      "# CHEck  SHEet > nb_warning  = 0 ", " CHEck  SHEet before "}));
-  EXPECT_EQ(s.run("che she a b"),
-            (lines_t{"# CHEck  SHEet  a b ", "# !! Error : parameter number invalid ? "}));
   kv_pext.file_id_cur = 0;
   EXPECT_EQ(s.run("che she"),
             (lines_t{"# CHEck  SHEet  ", "# !! Error : No Valid current sheet ? : "}));

@@ -78,10 +78,6 @@ TEST(CommandTable, WordsMatchByAbbreviation) {
     }
     const bool has_number = row.syntax.starts_with("$CU1");
     EXPECT_TRUE(row.exact == 0 || row.exact == row.keywords[0].size() || has_number) << row.syntax;
-    // A refusal repeats the words after those that it names itself.
-    if (row.refusal.empty() || row.first_echoed == kv_no_words) continue;
-    kv_split_words(gx_string(row.refusal.substr(1)), words);
-    EXPECT_EQ(row.first_echoed, words.count + 1) << row.syntax;
   }
 }
 
@@ -197,9 +193,7 @@ TEST_F(Interpreter, LinesAreSplitIntoCommands) {
       {" nonsense x;HAR 1", {"#  !!! Unknown Command  ?? ", "# \" nonsense x\" ", " HARDcopy 1 "}},
       {"%HAR", {"#  !!! Unknown Command  ?? ", "# \"%HAR\" "}},
       {"$CX1", {"#  !!! Unknown Command  ?? ", "# \"$CX1\" "}},
-      {"HAR 1 2", {"# HARDcopy 1 2 ", "# !! Error : parameter number invalid ? "}},
       {"PLOT", {"# PLOt ", "# !! Please Use \"lorb\" to Plot .\""}},
-      {"PLOT 1 2", {"# PLOt 1 2 ", "# !! Error : parameter number invalid ? "}},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(session_.run(c.line), c.answers) << c.line;
@@ -210,6 +204,29 @@ TEST_F(Interpreter, LinesAreSplitIntoCommands) {
   EXPECT_EQ(session_.run(pieces), lines_t(30, " HARDcopy "));
   for (int i = 2; i <= 31; ++i) words += " " + std::to_string(i);
   EXPECT_TRUE(session_.run(words)[0].ends_with(" 29 30 "));
+}
+
+// It repeats the words after those that the refusal names itself.
+TEST_F(Interpreter, EveryCommandRefusesAWrongNumberOfWords) {
+  int refused = 0;
+  for (const auto& row : kv_command_table()) {
+    if (row.refusal.empty() || row.deciding != nullptr || row.refuse != kv_refuse) continue;
+    lines_t words;
+    for (const auto keyword : row.keywords)
+      if (!keyword.empty()) words.emplace_back(keyword);
+    kv_words_t named;
+    kv_split_words(gx_string(row.refusal.substr(1)), named);
+    while (words.size() <= 30 && row.takes(static_cast<int>(words.size()))) words.emplace_back("1");
+    if (words.size() > 30) continue;
+    std::string line, answer(row.refusal);
+    for (std::size_t i = 0; i < words.size(); ++i) {
+      line += words[i] + " ";
+      if (i >= named.count && row.first_echoed != kv_no_words) answer += words[i] + " ";
+    }
+    EXPECT_EQ(session_.run(line), (lines_t{answer, "# !! Error : parameter number invalid ? "}));
+    ++refused;
+  }
+  EXPECT_GT(refused, 60);
 }
 
 TEST_F(Interpreter, ArgumentsAndVariables) {
@@ -290,11 +307,9 @@ TEST_F(Interpreter, CommandFilesHaveTablesOfTheirOwn) {
   for (const std::string command : {"DO ", "SHOW FILE ", "$RMENU "})
     EXPECT_EQ(session_.run(command + loop.string()).back(),
               "# !! Too many levels of symbolic links");
-  EXPECT_EQ(session_.run("DO"), (lines_t{"# DO ", "# !! Error : parameter number invalid ? "}));
 }
 
 TEST_F(Interpreter, SessionCommands) {
-  const std::string bad_count = "# !! Error : parameter number invalid ? ";
   const std::string bad_second = "# !! Error :  2nd parameter incorrect ? ";
   setenv("VELMORAN", directory_.path().c_str(), 1);
   const std::string help = directory_.path().string() + "/kivo/help/";
@@ -302,24 +317,17 @@ TEST_F(Interpreter, SessionCommands) {
     std::string line;
     lines_t answers;
   } cases[] = {
-      {"BYE X", {"# BYE X ", bad_count}},
-      {"QUIT 1 2", {"# QUIT 1 2 ", bad_count}},
       {"DISPLAY off", {" DISplay OFF "}},
       {"DISPLAY X", {"# DISplay X ", bad_second}},
-      {"DISP", {"# DISplay ", bad_count}},
       {"TRANS OFF", {" TRANScript  OFF "}},
       {"TRANS OX", {"# TRANScript OX ", bad_second}},
-      {"TRANS ON 1", {"# TRANScript ON 1 ", bad_count}},
       {"HELP",
        {"# HELp ", "# !! Error :  List of commands for Help not found ? ",
         "# !! : \"" + help + "list_commands\" "}},
       {"HELP Do",
        {"# HELp Do ", "# !! Error :  Help on this command not found ? ",
         "# !! : \"" + help + "kv_1_Do\" "}},
-      {"HELP a b", {"# HELp a b ", bad_count}},
-      {"SHOW FILE", {"# SHOw FILe ", bad_count}},
       {"SHOW FILE none", {"# SHOw FILe none ", "# !! Error : File not found  or Invalid ? "}},
-      {"READLN $VAR1", {"# READln $VAR1 ", bad_count}},
       {"READLN VAR1 x", {"# READln VAR1 x ", bad_second}},
       {"READLN $VAR31 Name? x", {"# READln $VAR31 Name? x ", bad_second}},
       {"READLN $VARx Name? x", {}},
@@ -327,8 +335,6 @@ TEST_F(Interpreter, SessionCommands) {
       {"DOBIN none", {"# DOBin none ", "# !!! Error : Procedure Entry not found : \"none\" "}},
       {"DODIR main a",
        {"# DODIRectbin main a ", "# !!! Error : Procedure Entry not found : \"main\" "}},
-      {"DOB", {"# DOBin ", bad_count}},
-      {"COM \"CHANGE VALUE \" x", {"# COMmand \"CHANGE VALUE \" x ", bad_count}},
       {"COM \"CHANGE VALUE\"", {"# COMmand \"CHANGE VALUE\" "}},
   };
   for (const auto& c : cases) EXPECT_EQ(session_.run(c.line), c.answers) << c.line;
