@@ -38,15 +38,16 @@ constexpr int click_pixels = 3, click_ms = 300, double_click_ms = 500;
 constexpr int jump_pixels = 250;  // a pointer that moves farther at once means to be there
 constexpr int max_key_text = 20;
 
-constexpr std::array<std::string_view, 36> event_name = {
-    "event :!! 0 !!",   "event :!! 1 !!",  "keypress",         "keyrelease",       "ButtonPress",
-    "ButtonRelease",    "MotionNotify",    "enternotify",      "leavenotify",      "FocusIn",
-    "FocusOut",         "keymapnotify",    "Expose",           "graphicsExpose",   "noExpose",
-    "VisibilityNotify", "createnotify",    "destroynotify",    "unmapnotify",      "mapnotify",
-    "maprequest",       "reparentnotify",  "configurenotify",  "configurerequest", "gravitynotify",
-    "resizerequest",    "circulatenotify", "circulaterequest", "propertynotify",   "selectionclear",
-    "selectionrequest", "selectionnotify", "colormapnotify",   "clientmessage",    "mappingnotify",
-    "lastevent "};
+constexpr auto event_name = std::to_array<std::string_view>(
+    {"event :!! 0 !!", "event :!! 1 !!", "keypress",         "keyrelease",
+     "ButtonPress",    "ButtonRelease",  "MotionNotify",     "enternotify",
+     "leavenotify",    "FocusIn",        "FocusOut",         "keymapnotify",
+     "Expose",         "graphicsExpose", "noExpose",         "VisibilityNotify",
+     "createnotify",   "destroynotify",  "unmapnotify",      "mapnotify",
+     "maprequest",     "reparentnotify", "configurenotify",  "configurerequest",
+     "gravitynotify",  "resizerequest",  "circulatenotify",  "circulaterequest",
+     "propertynotify", "selectionclear", "selectionrequest", "selectionnotify",
+     "colormapnotify", "clientmessage",  "mappingnotify",    "lastevent "});
 
 std::int16_t inside(int v, int size) {
   return static_cast<std::int16_t>(std::max(1, std::min(v, size - 1)));

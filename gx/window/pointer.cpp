@@ -1,6 +1,7 @@
 #include "gx/window/pointer.h"
 
 #include <X11/Xlib.h>
+#include <X11/cursorfont.h>
 
 #include <algorithm>
 #include <array>
@@ -10,8 +11,10 @@
 #include "gx/vext.h"
 
 namespace {
-// The pointer shapes, by pattern: X cursor, crosshair, four arrows, thin cross, I-beam, watch.
-constexpr std::array<unsigned, 9> cursor_shapes = {0, 34, 106, 110, 112, 114, 130, 152, 150};
+// The pointer shapes, by pattern.
+constexpr auto cursor_shapes =
+    std::to_array<unsigned>({XC_X_cursor, XC_crosshair, XC_sb_down_arrow, XC_sb_left_arrow,
+                             XC_sb_right_arrow, XC_sb_up_arrow, XC_tcross, XC_xterm, XC_watch});
 }  // namespace
 
 void gx_make_pointers() {
