@@ -237,6 +237,25 @@ TEST(ImportLepton, TheProjectNamesLibrariesAndMangling) {
                                       "gafrc:6: a \"(\" that is not closed"}));
 }
 
+TEST(ImportLepton, PagesThatAreTooLargeForOneSheet) {
+  const scratch_directory scratch;
+  for (const auto* const line : {"L -400000 0 400000 0 3", "L 0 -400000 0 400000 3"}) {
+    std::vector<fs::path> pages;
+    for (const char* const name : {"a", "b", "c", "d", "e"}) {
+      pages.push_back(scratch.path() / name);
+      std::ofstream(pages.back()) << "v 1 2\n" << line << "\n";
+    }
+    try {
+      gxi_read_lepton({pages, {}});
+      ADD_FAILURE() << line;
+    } catch (const std::runtime_error& error) {
+      EXPECT_EQ(error.what(), pages[0].string() + ":1: its pages are too large for one sheet");
+    }
+    pages.pop_back();
+    EXPECT_EQ(gxi_read_lepton({pages, {}}).cells.at(0).sheet->shapes.size(), 4U);
+  }
+}
+
 TEST(ImportLepton, ASecondImportWritesOnlyWhatChanged) {
   const scratch_directory scratch;
   const fs::path from = scratch.path() / "in", to = scratch.path() / "out";
