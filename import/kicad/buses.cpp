@@ -46,15 +46,15 @@ std::vector<std::vector<const bus_end_t*>> ends_of_buses(const gxi_kicad_file_t&
     places.meet(file.buses[i].to, static_cast<int>(i));
   }
   std::vector<gxi_kicad_touch_t> touches;
-  for (std::size_t i = 0; i < ends.size(); ++i) {
-    const int member = static_cast<int>(nb_of_lines + i);
-    places.meet(ends[i].at, member);
-    if (ends[i].first < 0) touches.push_back({ends[i].at, member});
+  int member = static_cast<int>(nb_of_lines);
+  for (const auto& end : ends) {
+    places.meet(end.at, member);
+    if (end.first < 0) touches.push_back({end.at, member});
+    ++member;
   }
-  for (std::size_t i = 0; i < file.junctions.size(); ++i) {
-    const int member = static_cast<int>(nb_of_lines + ends.size() + i);
-    places.meet(file.junctions[i], member);
-    touches.push_back({file.junctions[i], member});
+  for (const auto& at : file.junctions) {
+    places.meet(at, member);
+    touches.push_back({at, member++});
   }
   gxi_kicad_join_touching(lines, file.buses, touches);
   std::map<int, std::vector<const bus_end_t*>> groups;
