@@ -113,7 +113,33 @@ TEST_F(Results, PlotsFollowOneAnotherInEitherForm) {
        {std::pair{"time\ttime", true}, {"x\tfrequency", true}, {"v(a)\tvoltage", false}}) {
     ASSERT_EQ(open(raw_header("One", "real", "1", {first}) + double_bytes({3})), "");
     EXPECT_EQ(plot(1).has_scale, has_scale) << first;
+    rs_overview_t overview;
+    EXPECT_FALSE(overview.make(file_, plot(1), {}, [] { return true; }));
   }
+}
+
+TEST_F(Results, SweepsArePartedAndUnevenScalesAreSearched) {
+  const std::vector<std::string> names{"v(v-sweep)\tvoltage", "v(out)\tvoltage"};
+  const auto sweeps = [&](int count) {
+    std::string rows;
+    for (int i = 0; i < count; ++i) rows += "0 5 1\n0 5 2\n0 4 " + std::to_string(i) + "\n";
+    return open(raw_header("DC", "real", std::to_string(3 * count), names, "Values:\n") + rows);
+  };
+  ASSERT_EQ(sweeps(3), "");
+  ASSERT_EQ(file_.plots().size(), 3U);
+  EXPECT_EQ(plot(1).nb_rows, 3U);
+  EXPECT_EQ(plot(2).first_row, 3U);
+  EXPECT_EQ(at(plot(3), 4, 1).re, 2);
+  EXPECT_EQ(at(plot(2), 4.5, 1).re, 1.5);
+  ASSERT_EQ(sweeps(10000), "");
+  EXPECT_EQ(file_.plots().size(), 10000U);
+  ASSERT_EQ(sweeps(10001), "");
+  EXPECT_EQ(file_.plots().size(), 1U) << "too many are one";
+  std::string bytes = raw_header("Transient Analysis", "real", "0", time_and_out);
+  for (int i = 0; i < 60; ++i) bytes += double_bytes({std::exp2(i), std::exp2(i) + 1});
+  ASSERT_EQ(open(bytes), "");
+  for (int i = 0; i < 50; ++i)
+    EXPECT_EQ(at(plot(1), 1.5 * std::exp2(i), 1).re, 1.5 * std::exp2(i) + 1);
 }
 
 TEST_F(Results, TheFormOfLtspice) {
@@ -289,6 +315,13 @@ TEST_F(Results, AFileThatIsNoSuchOrCutSaysSo) {
   EXPECT_EQ(file_.faults()[0], "plot 1: 1 of 18446744073709551615 points are there");
   ASSERT_EQ(open(whole + double_bytes({0, 1, 2, 3}) + "and so on\n"), "");
   EXPECT_EQ(file_.faults().at(0), "after plot 1: bytes that belong to no plot");
+  const std::string more = whole + double_bytes({0, 1, 2, 3}) + whole.substr(0, 60);
+  ASSERT_EQ(open(more), "");
+  EXPECT_EQ(file_.faults().at(0), "after plot 1: the last header is not whole");
+  ASSERT_EQ(open(more + "\nNo. Points: x\n"), "");
+  EXPECT_EQ(file_.faults().at(0), "after plot 1: line 4: no line of a header");
+  std::filesystem::remove(path());
+  EXPECT_TRUE(file_.has_changed());
 }
 
 // The first point, and the last of four at a time: what is between is found again by columns.
@@ -418,6 +451,8 @@ TEST(Engineering, NumbersAreWrittenAndReadAsSimulatorsDo) {
       "2 TA,20t ");
   EXPECT_EQ(rs_read_number("+5KHz"), 5000);
   EXPECT_EQ(rs_read_number("1M"), 1e-3);
+  for (const char* text : {"5HZ", "5z", "5Z", "5Ya"}) EXPECT_EQ(rs_read_number(text), 5) << text;
+  for (const char* text : {"5[", "5@", "5`", "5{"}) EXPECT_FALSE(rs_read_number(text)) << text;
   EXPECT_FALSE(rs_read_number("9e300meg9"));
   EXPECT_FALSE(rs_read_number("1e305meg"));
   for (const double number : {58e-9, 1e6, -2.5e-3, 1.0, 4.7e12}) {
