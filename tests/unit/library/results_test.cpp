@@ -249,7 +249,7 @@ TEST_F(Results, ComplexValuesAreShownByTheirSize) {
 
 TEST_F(Results, HeadersOfOldAndNewWriters) {
   const std::string text =
-      raw_header("Operating Point", "real", "1", {"a b + c\tvoltage", "i(R1)\tx"});
+      raw_header("Operating Point", "real", "1", {"a b + c\tvoltage", "R1\tx"});
   const auto opened = [&](std::string_view from, std::string_view to, bool is_wide = false) {
     std::string bytes = text;
     bytes.replace(bytes.find(from), from.size(), to);
@@ -261,13 +261,13 @@ TEST_F(Results, HeadersOfOldAndNewWriters) {
       said += "|" + variable.name + "|" + variable.type;
     return said;
   };
-  EXPECT_EQ(opened("Date", "Command: XYCE\nDate"), "Xyce|a b + c|voltage|i(R1)|x");
-  EXPECT_EQ(opened("Date", "Version: ngspice-42\nDate"), "ngspice|a b + c|voltage|i(R1)|x");
-  EXPECT_EQ(opened("Date", "Command: LTspice XVII\nDate"), "LTspice|a b + c|voltage|i(R1)|x");
-  EXPECT_EQ(opened("a b + c\tvoltage", "  v(a) voltage dims=1"), "ngspice|v(a)|voltage|i(R1)|x");
-  EXPECT_EQ(opened("i(R1)", "I(R1)"), "Xyce|a b + c|voltage|I(R1)|x");
-  EXPECT_EQ(opened("i(R1)", "R(1)"), "SPICE|a b + c|voltage|R(1)|x");
-  EXPECT_EQ(opened("today", "today\r\n \r", true), "LTspice|a b + c|voltage|i(R1)|x");
+  EXPECT_EQ(opened("Date", "Command: XYCE\nDate"), "Xyce|a b + c|voltage|R1|x");
+  EXPECT_EQ(opened("Date", "Version: ngspice-42\nDate"), "ngspice|a b + c|voltage|R1|x");
+  EXPECT_EQ(opened("Date", "Command: LTspice XVII\nDate"), "LTspice|a b + c|voltage|R1|x");
+  EXPECT_EQ(opened("a b + c\tvoltage", "  v(a) voltage dims=1"), "ngspice|v(a)|voltage|R1|x");
+  EXPECT_EQ(opened("R1", "I(R)"), "Xyce|a b + c|voltage|I(R)|x");
+  EXPECT_EQ(opened("R1", "R(1)"), "SPICE|a b + c|voltage|R(1)|x");
+  EXPECT_EQ(opened("today", "today\r\n \r", true), "LTspice|a b + c|voltage|R1|x");
   EXPECT_EQ(opened("Date:", "Offset: x\nDate:"), ": line 2: no number");
   EXPECT_EQ(opened("Date:", "Date"), ": line 2: no line of a header");
   EXPECT_EQ(opened("Variables:\n", "Variables: a\n"), ": line 7: no variable begins here");
@@ -275,10 +275,10 @@ TEST_F(Results, HeadersOfOldAndNewWriters) {
   EXPECT_EQ(opened("today", std::string(70000, 'x'), true), ": line 2: a line of no header");
   // Letters beyond ASCII of two bytes each.
   const std::string micro = wide(text.substr(0, text.find("a b"))) +
-                            std::string("\xb5\0\x26\x21", 4) +
+                            std::string("\xb5\0\x26\x21\x80\0\xff\x07\0\x08", 10) +
                             wide(text.substr(text.find("\tvoltage")));
   ASSERT_EQ(open(micro + double_bytes({5, 7})), "");
-  EXPECT_EQ(file_.variables(plot(1)).at(0).name, "\u00b5\u2126");
+  EXPECT_EQ(file_.variables(plot(1)).at(0).name, "\u00b5\u2126\u0080\u07ff\u0800");
   // All numbers of LTspice in one precision, as the size of the file says.
   const auto first = [&](const std::string& numbers) {
     EXPECT_EQ(open(wide(text) + numbers), "");
