@@ -34,11 +34,12 @@ std::vector<gxm_shape_t> lines_of(const gxm_shape_t& shape) {
     points = {a, {b.x, a.y}, b, {a.x, b.y}, a};
   }
   std::vector<gxm_shape_t> lines;
-  for (std::size_t i = 1; i < points.size(); ++i) {
-    auto& line = lines.emplace_back(shape);
-    line.type = gx_type::line_2d;
-    line.points = {points[i - 1], points[i]};
-  }
+  for (std::size_t i = 1; i < points.size(); ++i)
+    lines.push_back({.type = gx_type::line_2d,
+                     .points = {points[i - 1], points[i]},
+                     .color = shape.color,
+                     .width = shape.width,
+                     .style = shape.style});
   return lines;
 }
 
