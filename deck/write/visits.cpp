@@ -129,7 +129,7 @@ void dk_visits_t::take_cells(const dk_cells_t& cells) {
 // the cell has not.
 void dk_visits_t::take_call(const dk_drawn_t& call, const dk_values_t& above, dk_values_t& values) {
   // Twice, as a value may have a name that is set after it.
-  for (int pass = 0; pass < 2; ++pass)
+  for (auto passes = std::min<std::size_t>(call.parameters.size(), 2); passes > 0; --passes)
     for (const auto& [name, value] : call.parameters) {
       auto names = only_parameters(above);
       names.parameter = [&, &self = name](std::string_view of) {
