@@ -15,7 +15,3 @@ void gx_fill(Record& record, std::string_view text) {
   record.len = static_cast<std::int32_t>(text.size());
   if (text.size() < sizeof record.char_) record.char_[text.size()] = 0;
 }
-
-// Reports a source of a length that the operation refuses, and stops with invalid_string.
-[[noreturn]] void gx_refuse_length(std::string_view operation, std::string_view source,
-                                   std::int32_t length);

@@ -14,18 +14,24 @@ constexpr std::size_t max_string = gx_max_string_length - 1;
 constexpr std::size_t max_name = sizeof(gx_name_record_t::char_) - 1;
 constexpr std::size_t max_value = sizeof(gx_value_record_t::char_) - 1;
 
+// Reports a source of a length that the operation refuses, and stops.
+[[noreturn]] void refuse_length(const char* operation, std::string_view source, const char* why) {
+  const std::string_view head = source.substr(0, 10);
+  gx_debug(" !!! error in  %s : %s \n", operation, why);
+  gx_debug(" str_in (10) : \"%.*s\" \n", static_cast<int>(head.size()), head.data());
+  gx_set_status(gx_code::invalid_string);
+}
+
 // The characters of a source record, refused unless its length is 0..most.
 template <typename Record>
 std::string_view checked_source(const Record& record, std::size_t most, const char* operation) {
   if (record.len < 0 || record.len > static_cast<std::int32_t>(most))
-    gx_refuse_length(operation, gx_view(record), record.len);
+    refuse_length(operation, gx_view(record), record.len < 0 ? "< 0" : "> max");
   return gx_view(record);
 }
 
 std::string_view checked_source(std::string_view text, std::size_t most, const char* operation) {
-  if (text.size() > most)
-    gx_refuse_length(operation, text,
-                     static_cast<std::int32_t>(std::min(text.size(), std::size_t{INT32_MAX})));
+  if (text.size() > most) refuse_length(operation, text, "> max");
   return text;
 }
 
@@ -102,19 +108,6 @@ void check_short_record(Record& record, const check_texts_t& texts) {
 }
 
 }  // namespace
-
-void gx_refuse_length(std::string_view operation, std::string_view source, std::int32_t length) {
-  const auto shown = [](std::string_view text) { return static_cast<int>(text.size()); };
-  if (length < 0 && operation == "concat_const") {
-    gx_debug(" !!! error in concat_const  : len invalid  : %d  \n", length);
-  } else {
-    gx_debug(" !!! error in  %.*s : %s \n", shown(operation), operation.data(),
-             length < 0 ? "< 0" : "> max");
-  }
-  const std::string_view head = source.substr(0, 10);
-  gx_debug(" str_in (10) : \"%.*s\" \n", shown(head), head.data());
-  gx_set_status(gx_code::invalid_string);
-}
 
 gx_string_record_t gx_string(std::string_view text) {
   gx_string_record_t string;
