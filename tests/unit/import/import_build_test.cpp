@@ -207,7 +207,7 @@ TEST(ImportBuild, WiresAreCutAtPinsAndAtEachOther) {
 0-4 color 1 width 2
 4-5 color 1 width 2
 5-6 color 1 width 2
-6-7 color 1 width 2
+6-7 color 7 width 1
 )");
 }
 
