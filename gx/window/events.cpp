@@ -58,14 +58,9 @@ gx_point16_t inside_window(int x, int y) {
 }
 
 std::optional<gx_point16_t> query_pointer() {
-  Window root = 0, child = 0;
-  int root_x = 0, root_y = 0, x = 0, y = 0;
-  unsigned int state = 0;
-  if (XQueryPointer(gx_vext.dpy, gx_vext.win, &root, &child, &root_x, &root_y, &x, &y, &state) ==
-      False) {
-    return {};
-  }
-  return inside_window(x, y);
+  const auto at = gx_x_pointer_in(gx_vext.win);
+  if (!at) return {};
+  return inside_window(at->x, at->y);
 }
 
 bool shows_file(gx_vpid_t vpid) {

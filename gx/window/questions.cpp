@@ -13,6 +13,15 @@ std::optional<gx_x_place_t> gx_x_place_of(unsigned long drawable) {
   return gx_x_place_t{x, y, static_cast<int>(width), static_cast<int>(height)};
 }
 
+std::optional<gx_x_place_t> gx_x_pointer_in(unsigned long window) {
+  Window root{}, child{};
+  int root_x{}, root_y{}, x{}, y{};
+  unsigned state{};
+  if (XQueryPointer(gx_vext.dpy, window, &root, &child, &root_x, &root_y, &x, &y, &state) == False)
+    return std::nullopt;
+  return gx_x_place_t{x, y, 0, 0};
+}
+
 std::string gx_x_property(unsigned long window, unsigned long name, unsigned long type, int format,
                           long most_words) {
   Atom found{};
