@@ -212,6 +212,10 @@ TEST(ShellCommands, GiveTheirOutputAndEndWhenAsked) {
   EXPECT_EQ(read("printf 'a b'; exit 3", 1000), "a b");
   EXPECT_EQ(read("printf early; exec sleep 100", 4), "early stopped");
   EXPECT_EQ(read("trap '' TERM; printf deaf; while :; do sleep 9; done", 4), "deaf stopped");
+  // It has ended when the shell is gone.
+  const std::string pid = read("echo $$; exec sleep 100", 4);
+  EXPECT_NE(::kill(std::stoi(pid), 0), 0);
+  EXPECT_EQ(errno, ESRCH);
   EXPECT_EQ(x_shell_word("a/b-1.c:@%,=+_Z"), "a/b-1.c:@%,=+_Z");
   EXPECT_EQ(x_shell_word(""), "''");
   EXPECT_EQ(x_shell_word("it's $5"), "'it'\\''s $5'");

@@ -2,9 +2,11 @@
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/resource.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
@@ -39,11 +41,17 @@ TEST(Platform, DelaysHaveALimit) {
   const std::string text = " !! Error in xdelayms : TOO long : delayms = 30001    ";
   EXPECT_EXIT(delay(xdelayms), testing::ExitedWithCode(1), text);
   EXPECT_EXIT(delay(xdelayms2), testing::ExitedWithCode(1), text);
+  std::signal(SIGALRM, [](int) {});  // does not end the sleep
+  const itimerval soon{.it_interval = {}, .it_value = {0, 10000}};
+  setitimer(ITIMER_REAL, &soon, nullptr);
   const auto before = xtimems();
   xdelayms(30);
   const auto waited = xdiftimems(before.tv_sec, before.tv_usec);
   EXPECT_GE(waited, 29);
   EXPECT_LT(waited, 5000);
+  const auto since = xdiftimems(before.tv_sec - 10000, before.tv_usec);
+  EXPECT_GE(since, 10000 * 1000);
+  EXPECT_LT(since, 10000 * 1000 + 5000);
 }
 
 // An a.out file by its bytes: header, text, symbols, strings.
