@@ -1,5 +1,5 @@
 // Designs made from descriptions in a directory of their own, flattened by the commands a user
-// gives; what the store holds then, as text.
+// gives.
 #pragma once
 
 #include <fcntl.h>
@@ -16,16 +16,14 @@
 #include "tests/support/make_design.h"
 #include "tests/support/session_capture.h"
 
-class FlattenTest : public ::testing::Test {
- protected:
-  using lines_t = std::vector<std::string>;
-
-  FlattenTest() {
+class flat_design {
+ public:
+  flat_design() {
     kv_sext = kv_defref_exp_rec_t{};
     std::filesystem::current_path(directory.path());
     kv_sext.designfile = ::open("design_kv", O_RDWR | O_CREAT, 0660);
   }
-  ~FlattenTest() override {
+  ~flat_design() {
     ::close(kv_sext.designfile);
     kv_sext = kv_defref_exp_rec_t{};
     std::filesystem::current_path(here);
@@ -67,40 +65,6 @@ class FlattenTest : public ::testing::Test {
     return answers();
   }
 
-  static std::string text(std::int32_t string) { return std::string(kv_string_view(string)); }
-
-  // A flat net: path, kind, " bus" or " sub" when it is one, the pins of its chains, its children
-  // with their kinds.
-  static std::string net(std::int32_t index) {
-    const auto& record = kv_ptrto_net_rec(index);
-    std::string line = text(record.sim_path) + " " + std::to_string(record.net_kind);
-    if (record.net_type == kv_net_bus) line += " bus";
-    if (record.net_type == kv_net_sub) line += " sub";
-    for (std::int32_t n = 1; n <= record.nb_pin_in; ++n) {
-      line += (n == 1 ? " in " : " ") + text(kv_net_ptrto_pin_in_rec(index, n).sim_path);
-    }
-    for (std::int32_t n = 1; n <= record.nb_pin_out; ++n) {
-      line += (n == 1 ? " out " : " ") + text(kv_net_ptrto_pin_out_rec(index, n).sim_path);
-    }
-    for (std::int32_t n = 1; n <= record.nb_of_child; ++n) {
-      const auto& child = kv_net_ptrto_net_child_rec(index, n);
-      line += " + " + text(child.sim_path) + " " + std::to_string(child.net_kind);
-    }
-    return line;
-  }
-  static lines_t nets() {
-    lines_t lines;
-    for (std::int32_t i = 1; i <= kv_sext.nets.count; ++i) lines.push_back(net(i));
-    return lines;
-  }
-  static lines_t leaves() {
-    lines_t lines;
-    for (std::int32_t i = 1; i <= kv_sext.insts.count; ++i) {
-      lines.push_back(text(kv_ptrto_inst_rec(i).sim_path));
-    }
-    return lines;
-  }
-
   scratch_directory directory;
   session_capture session;
 
@@ -108,24 +72,4 @@ class FlattenTest : public ::testing::Test {
   std::filesystem::path here = std::filesystem::current_path();
 };
 
-// The records of a built file, for tests that damage them.
-inline gx_file_gene_recf_t& file_of(std::vector<gxm_file_t>& files, std::string_view directory,
-                                    std::string_view base) {
-  for (auto& file : files) {
-    if (file.directory == directory && file.base == base) return *file.file;
-  }
-  throw std::runtime_error("no such file");
-}
-template <typename Rec, typename Change>
-void change_each(gx_file_gene_recf_t& file, Change change) {
-  for (auto* object : file.ptr_to_ar_objindex) {
-    if (object != nullptr && object->object_type == Rec::type) {
-      change(reinterpret_cast<Rec&>(*object));
-    }
-  }
-}
-inline void rename_property(gx_file_gene_recf_t& file, std::string_view from, std::string_view to) {
-  change_each<gx_object_property_rec_t>(file, [&](gx_object_property_rec_t& property) {
-    if (gx_view(property.name) == from) property.name = gx_name(to);
-  });
-}
+class FlattenTest : public ::testing::Test, protected flat_design {};

@@ -7,6 +7,7 @@
 #include "netlist/hierarchy.h"
 #include "netlist/path_index.h"
 #include "netlist/simulator_names.h"
+#include "tests/support/told_netlist.h"
 #include "tests/unit/expand/flatten_fixture.h"
 
 namespace {
@@ -141,59 +142,24 @@ TEST(Netlist, BlocksHoldWhatIsDrawnInThem) {
   EXPECT_EQ(blocks.block_of("/X/Y/N"), 1);
 }
 
-// All that a netlist answers.
+// All that a netlist answers, and what is found under each path.
 template <typename Design>
 std::string described(const kv_netlist_t<Design>& netlist) {
   std::ostringstream text;
   const kv_path_index_t<Design> paths(netlist);
-  const auto object = [&](kv_object_t of) {
-    text << '\n'
-         << static_cast<int>(of.what) << ' ' << of.index << ' ' << netlist.path(of) << ' '
-         << netlist.object_id(of);
-    const std::string key = kv_path_key(netlist.path(of));
-    for (const kv_object_t found : paths.find({&key, 1}, SIZE_MAX)) text << " =" << found.index;
-    for (std::int32_t k = 0; k < netlist.nb_of_properties(of); ++k) {
-      const kv_property_t property = netlist.property(of, k);
-      text << ' ' << property.name << '=' << property.type << property.text;
-      for (int i = 0; i < 3; ++i) text << ',' << property.whole[i] << ',' << property.real[i];
-      text << ',' << netlist.value(property, 2);
+  for (const kv_named what : {kv_named::inst, kv_named::macro, kv_named::net, kv_named::net_child,
+                              kv_named::pin, kv_named::pinm}) {
+    std::int32_t index = 0;
+    for (const auto& line : told_objects(netlist, what, true)) {
+      const std::string key = kv_path_key(netlist.path({what, ++index}));
+      text << line;
+      for (const kv_object_t found : paths.find({&key, 1}, SIZE_MAX)) text << " =" << found.index;
+      if (what == kv_named::net_child) text << " net " << paths.net_of_child(index);
+      if (what == kv_named::net)
+        for (const std::int32_t pin : netlist.pins(index)) text << " pin " << pin;
+      text << '\n';
     }
-  };
-  const auto each = [&](kv_named what, auto more) {
-    for (std::int32_t i = 1; i <= netlist.count(what); ++i) {
-      object({what, i});
-      more(i);
-    }
-  };
-  for (const kv_named what : {kv_named::inst, kv_named::macro}) {
-    each(what, [&](std::int32_t i) {
-      text << ' ' << netlist.file_path({what, i}) << ' ' << +netlist.timing_index({what, i});
-      for (std::int32_t k = 0; k < netlist.nb_of_pins({what, i}); ++k)
-        text << ' ' << netlist.pin({what, i}, k).index;
-    });
   }
-  for (const kv_named what : {kv_named::pin, kv_named::pinm}) {
-    each(what, [&](std::int32_t i) {
-      const kv_object_t pin{what, i};
-      const kv_bits_t bits = netlist.bits(pin);
-      text << ' ' << netlist.owner(pin).index << netlist.pin_name(pin) << netlist.io_type(pin)
-           << ' ' << netlist.net(pin) << ' ' << bits.at << ' ' << bits.count << ' ' << bits.after;
-    });
-  }
-  each(kv_named::net_child, [&](std::int32_t i) {
-    text << ' ' << netlist.child_name(i) << netlist.child_kind(i) << ' ' << paths.net_of_child(i);
-  });
-  each(kv_named::net, [&](std::int32_t i) {
-    text << ' ' << netlist.name(i) << ' ' << netlist.net_type(i) << netlist.net_kind(i) << ' '
-         << netlist.bus_start(i) << ' ' << netlist.bus_end(i) << ' ' << netlist.first_member(i)
-         << ' ' << netlist.bus(i) << ' ' << netlist.position(i) << ' ' << netlist.first_named(i)
-         << ' ' << netlist.next_named(i) << ' ' << netlist.father(i) << ' '
-         << netlist.nb_of_pins_in(i) << ' ' << netlist.nb_of_pins_out(i) << ' '
-         << static_cast<int>(netlist.initial_state(i)) << " pins";
-    for (const std::int32_t pin : netlist.pins(i)) text << ' ' << pin;
-    text << " children";
-    for (const std::int32_t child : netlist.children(i)) text << ' ' << child;
-  });
   return text.str();
 }
 
