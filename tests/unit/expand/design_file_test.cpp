@@ -5,34 +5,33 @@
 #include <sys/resource.h>
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <csignal>
+#include <sstream>
 
+#include "tests/support/case_file.h"
 #include "tests/unit/expand/store_fixture.h"
 
 namespace {
 
 using DesignFileTest = StoreFixture;
 
-// "01 02" and the like; ".." stands for a zero byte, blanks do not count.
-std::string bytes(std::string_view hex) {
-  std::string result, digits;
-  for (char c : hex) {
-    if (c == ' ') continue;
-    digits += c == '.' ? '0' : c;
-  }
-  for (std::size_t i = 0; i < digits.size(); i += 2) {
-    result += static_cast<char>(std::stoi(digits.substr(i, 2), nullptr, 16));
+// "01 02" and the like; ".." is a zero byte, "*7" seven of them, "'ab'" are characters.
+std::string bytes(const std::string& told) {
+  std::string result;
+  std::istringstream words(told);
+  for (std::string word; words >> word;) {
+    if (word.starts_with("'")) {
+      result += word.substr(1, word.size() - 2);
+    } else if (word.starts_with("*")) {
+      result.append(std::stoul(word.substr(1)), '\0');
+    } else {
+      std::ranges::replace(word, '.', '0');
+      for (std::size_t i = 0; i < word.size(); i += 2)
+        result += static_cast<char>(std::stoi(word.substr(i, 2), nullptr, 16));
+    }
   }
   return result;
-}
-
-std::string list_entry(std::string_view name, std::string_view type) {
-  std::string entry(416, '\0');
-  entry[0] = static_cast<char>(name.size());
-  entry.replace(4, name.size(), name);
-  entry[208] = static_cast<char>(type.size());
-  entry.replace(212, type.size(), type);
-  return entry;
 }
 
 TEST_F(DesignFileTest, TheImageByteByByte) {
@@ -40,59 +39,12 @@ TEST_F(DesignFileTest, TheImageByteByByte) {
   // what an entry held behind its text must not show
   kv_sext.property_pin.entry[0].name.char_[100] = 'x';
   ASSERT_TRUE(write_design());
-  const struct {
-    std::string_view part;
-    std::string bytes;
-  } parts[] = {
-      {"day to software_revision", bytes("01.. 02.. e807 .... .... 803f")},
-      {"counts", bytes("02...... 01...... 01...... 0e...... 04...... 04...... 01...... 02......"
-                       "02...... 01...... 01...... 01......")},
-      {"time step, errors, warnings", bytes(".... ..3f 03.. 04..")},
-      {"lists", list_entry("INST", "S") + list_entry("SIZE", "Int") + list_entry("DELAY", "t") +
-                    list_entry("CAP", "Real")},
-      {"characters", "/U1/d/sheetBU1"},
-      {"strings", bytes("01...... ........ 03......  04...... ........ 08......"
-                        "0c...... ........ 01......  0d...... ........ 02......")},
-      {"properties", bytes("........ 04...... ........ ........"
-                           "01...... ffffffff 02...... 2c01...."
-                           "02...... 01...... 02...... ....01.."
-                           "03...... ....803f ....20c0 ......3e")},
-      {"instance", bytes("01...... 0201 .... 78...... ........ 01...... 02...... 02.. ...."
-                         "01...... ........ 02...... 01......")},
-      {"pin 1", bytes("01...... 0b.. .... 01.. .... ........ 01.. ...."
-                      "........ ........ ........  ........"
-                      "........ ........ ........  ........ ........ ........  ........ ........"
-                      "01...... 01...... ........ ........ 02...... ........"
-                      "02...... ........ ........ ........ 03.. 04.. ffff 01.. 03......")},
-      {"pin 2", bytes("02...... 0c.. .... 03.. .... ........ 01.. ...."
-                      "........ ........ ........  ........"
-                      "........ ........ ........  ........ ........ ........  ........ ........"
-                      "01...... 01...... ........ ........ 02...... ........"
-                      "........ ........ ........ ........ .... .... .... 01.. 03......")},
-      {"net 1, a bus",
-       bytes("01...... 14.. 03.. .... 01.. 03...... 01...... ........ ........ ........"
-             "01...... 04...... .... .... ........ ........ .... .... ........ ........"
-             "07.. 07.. 02...... ........ ........ ........ ........ ........ ........"
-             "........ ........ ........ ........ ........ ........ ........"
-             "........ ........ .... .... 02...... ........ ........ ........"
-             "........ ........")},
-      {"net 2", bytes("02...... 15.. 02.. .... 04.. 03...... 01...... 01...... 01...... ........"
-                      "........ ........ 02.. .... 01...... ........ 01.. .... 02...... ........"
-                      "11...... 12...... 05...... 01...... 13...... 06...... 01......"
-                      "........ ........ ........ ........ ........ ........ ........ ........"
-                      "01...... ........ 09.. .... ........ ........ 01...... ........"
-                      "........ ........")},
-      {"net child", bytes("01...... 01...... 1e.. .... 03...... 03.. .... ........ ........")},
-      {"macro", bytes("01...... 28.. .... 03...... 01...... 02...... 01.. .... 01...... ........"
-                      "02...... 01......")},
-      {"macro pin", bytes("01...... 32.. .... 01...... 01...... ........ 02...... ........"
-                          "01.. 02.. 03.. 01.. 03......")},
-  };
   const std::string image = read_file(design_path);
   std::size_t at = 0;
-  for (const auto& part : parts) {
-    EXPECT_EQ(image.substr(at, part.bytes.size()), part.bytes) << part.part << " at " << at;
-    at += part.bytes.size();
+  for (const auto& line : split_lines(sections_of_case("design/image.txt").at("design_kv"))) {
+    const std::string part = bytes(line.substr(line.find(": ") + 1));
+    EXPECT_EQ(image.substr(at, part.size()), part) << line << " at " << at;
+    at += part.size();
   }
   EXPECT_EQ(image.size(), at);
 }

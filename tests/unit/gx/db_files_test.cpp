@@ -12,6 +12,7 @@
 #include "gx/db/objects_of.h"
 #include "gx/edit/file_save.h"
 #include "gx/vext.h"
+#include "tests/support/case_file.h"
 #include "tests/support/db_builder.h"
 #include "tests/support/fatal_stop.h"
 #include "tests/support/scratch_directory.h"
@@ -344,42 +345,7 @@ TEST_F(db_files, the_listing_shows_every_object) {
   std::filesystem::remove(scratch.file("list_obj_file"));
   EXPECT_EQ(gx_object_list(index), "");
   EXPECT_EQ(scratch.read("list_obj_file"),
-            "!!!! @@@@@@@@@@@@@@@@@@@@@@@@@@@@@\n"
-            "     ###########  list obj    #### \n"
-            " list the structure of file and objects \n"
-            "        file     obj_id     father   previous  following     child1\n"
-            "\n*********************\n\n"
-            "          1          1          0          0          0          2   : object_type :  "
-            "          main\n"
-            "    bounds    = 1000000000  1000000000  -1000000000  -1000000000  \n"
-            " origin.x : 0\n origin.y : 0\n"
-            " fin             = -10\n"
-            "\n*********************\n\n"
-            "          1          2          1          0          3          0   : object_type :  "
-            "      instance   : !!! deleted  \n"
-            "    bounds    = 1  2  3  4  \n"
-            " origin.x : 5\n origin.y : -6\n"
-            " rotate          = 0\n"
-            " fliph           = TRUE\n"
-            " symbol          = 0\n"
-            " n0_version      = 9\n"
-            " previous_inst   = 0\n"
-            " following_inst  = 0\n"
-            " fin             = -10\n"
-            "\n*********************\n\n"
-            "          1          3          1          2          0          0   : object_type :  "
-            "   property_2d\n"
-            "    bounds    = 1000000000  1000000000  -1000000000  -1000000000  \n"
-            " origin.x : 0\n origin.y : 0\n"
-            " fixed           = FALSE\n"
-            " visible         = FALSE\n"
-            " line_color      = 0\n"
-            " rotate          = 0\n"
-            " name  : \"INST\"\n"
-            " value : \"I1\"\n"
-            " height          = 0\n"
-            " reserved        = 0\n"
-            " fin             = -10\n");
+            sections_of_case("design/list_obj_file.txt").at("list_obj_file"));
 }
 
 }  // namespace
