@@ -63,6 +63,29 @@ class drawing_board {
   std::shared_ptr<gx_file_gene_recf_t> sheet_;
 };
 
+// The object that words name: "line_2d", "line_2d 2".
+inline int object_named(const drawing_board& board, std::istream& words) {
+  std::string type;
+  int n = 1, code = 1;
+  words >> type;
+  if (!(words >> n)) n = 1;
+  while (code < gx_max_type && gx_type_name(static_cast<gx_type>(code)) != type) ++code;
+  return board.id(static_cast<gx_type>(code), n);
+}
+
+// "select instance 2", "hide net", "delete segment"; off: no longer so. Whether the words are such.
+inline bool change_object(const drawing_board& board, const std::string& line, bool on = true) {
+  std::istringstream words(line);
+  std::string action;
+  words >> action;
+  if (action != "select" && action != "hide" && action != "delete") return false;
+  const auto change = action == "select" ? gx_set_object_selected
+                      : action == "hide" ? gx_set_object_unvisible
+                                         : gx_set_object_deleted;
+  change(board.file(), object_named(board, words), on);
+  return true;
+}
+
 // Calls see(group) for what one drawing left in the pen, layer by layer.
 template <typename See>
 void see_strokes(const std::function<void()>& draw, See see) {

@@ -1,5 +1,5 @@
 // Objects drawn into the pen: which strokes, in which colour and style.
-#include <algorithm>
+#include <sstream>
 
 #include "gx/db/queries.h"
 #include "gx/display/sheet/draw.h"
@@ -9,43 +9,16 @@
 #include "tests/support/counting_screen.h"
 #include "tests/support/drawing_board.h"
 #include "tests/support/fatal_stop.h"
+#include "tests/support/session_case.h"
 
 namespace {
-constexpr int black = 0, red = 1, green = 2, cyan = 4, white = 7;
+constexpr int black = 0, green = 2, cyan = 4, white = 7;
 constexpr auto draws = gx_draw_mode::draw;
 constexpr auto erases = gx_draw_mode::erase;
 using segments_t = std::vector<gx_line16_t>;
 
 segments_t drawn(int id, int color, int style = 0, gx_draw_mode mode = draws) {
   return lines_of(color, style, [&] { gx_display_prim(1, 1, id, 0, mode, false); });
-}
-
-TEST(Drawing, SelectedAndErasedLines) {
-  const drawing_board board("sheet top\n page 20,20\n line 2,4 3,4 color cyan style 2\n");
-  auto& line = board.record<gx_object_line_rec_t>();
-  const int id = line.gene.object_id;
-  const segments_t expected{{200, 300, 250, 300}};
-  EXPECT_EQ(drawn(id, cyan, 2), expected);
-  EXPECT_EQ(drawn(id, black, 2, erases), expected);
-  gx_set_object_selected(board.file(), id, true);
-  EXPECT_EQ(drawn(id, green, 3), expected);
-  EXPECT_TRUE(drawn(id, cyan, 2).empty());
-  for (const int flag : {gx_flag_deleted, gx_flag_unvisible}) {
-    line.gene.status = static_cast<std::int16_t>(flag);
-    EXPECT_TRUE(drawn(id, cyan, 2).empty()) << flag;
-  }
-}
-
-TEST(Drawing, ThickLinesAreThinLinesSideBySide) {
-  const drawing_board board(
-      "sheet top\n page 20,20\n line 2,4 6,4 color cyan width 3\n line 2,4 4,2 color cyan width "
-      "5\n");
-  EXPECT_EQ(drawn(board.id(gx_type::line_2d), cyan),
-            (segments_t{{200, 301, 400, 301}, {200, 302, 400, 302}, {200, 303, 400, 303}}));
-  // Two more at 45 degrees, beside each other in x.
-  const auto lines = drawn(board.id(gx_type::line_2d, 2), cyan);
-  ASSERT_EQ(lines.size(), 7U);
-  EXPECT_EQ(lines[0], (gx_line16_t{199, 300, 299, 200}));
 }
 
 TEST(Drawing, HostileRecordsStopOrStayInTheWindow) {
@@ -111,150 +84,64 @@ TEST(Drawing, AWalkDrawsAllBelow) {
   EXPECT_EQ(walk(cyan, false).size(), 0U);
 }
 
-// --- instances
-
-// A symbol of a line and a pin, placed once.
-std::string placed(std::string_view how = "", std::string_view more = "") {
-  std::string text =
-      "symbol s\n line 0.4,0.2 1,0.4 color cyan\n pin A 1.2,0.6\n"
-      "sheet top\n page 20,20\n part U s 8,8 ";
-  return text.append(how).append("\n").append(more);
-}
-
-TEST(PlacedSymbol, TurnsAndMirrors) {
-  // The line runs from (2000, 1000) to (5000, 2000), in pixels (20, 10) to (50, 20).
-  const gx_line16_t offsets[2][4] = {
-      {{20, 10, 50, 20}, {10, -20, 20, -50}, {-20, -10, -50, -20}, {-10, 20, -20, 50}},
-      {{20, -10, 50, -20}, {10, 20, 20, 50}, {-20, 10, -50, 20}, {-10, -20, -20, -50}}};
-  const gx_point16_t pins[2][4] = {{{60, 30}, {30, -60}, {-60, -30}, {-30, 60}},
-                                   {{60, -30}, {30, 60}, {-60, 30}, {-30, -60}}};
-  for (int mirrored = 0; mirrored < 2; ++mirrored)
-    for (int rotate = 0; rotate < 4; ++rotate) {
-      SCOPED_TRACE(rotate + 10 * mirrored);
-      const drawing_board board(
-          placed("rotate " + std::to_string(rotate) + (mirrored != 0 ? " mirror" : "")));
-      const auto see = [](int color) {
-        return lines_of(color, 0, [] { lb_display_all_inst(1, 1, draws); });
-      };
-      const auto& o = offsets[mirrored][rotate];
-      const auto shift = [](int v) { return static_cast<std::int16_t>(500 + v); };
-      EXPECT_EQ(see(cyan), (segments_t{{shift(o.x1), shift(o.y1), shift(o.x2), shift(o.y2)}}));
-      const auto diamond = see(red);
-      ASSERT_EQ(diamond.size(), 4U);
-      int x = 0, y = 0;
-      for (const auto& edge : diamond) {
-        x += edge.x1;
-        y += edge.y1;
-      }
-      EXPECT_EQ(x / 4, 500 + pins[mirrored][rotate].x);
-      EXPECT_EQ(y / 4, 500 + pins[mirrored][rotate].y);
+// What is drawn of a sheet: "COLOUR STYLE" and lines "x,y-x,y", boxes "x,y widthxheight" or arcs.
+class drawing_session {
+ public:
+  explicit drawing_session(std::string_view design) : board_(design) {}
+  ~drawing_session() { gx_highlight_clear_all(); }
+  lines_t answer(const std::string& line) {
+    std::istringstream words(line);
+    std::string verb, name;
+    words >> verb;
+    if (verb == "draw" || verb == "erase") {
+      const auto mode = verb == "draw" ? draws : erases;
+      if (words.eof()) return strokes([] { lb_display_all_inst(1, 1, draws); });
+      const int id = object_named(board_, words);
+      const bool is_net = gx_object_id_ptr(board_.file(), id).object_type == gx_type::net;
+      return strokes([&] {
+        is_net ? gx_display_net(1, 1, id, mode) : gx_display_prim(1, 1, id, 0, mode, false);
+      });
     }
-}
+    if (verb == "mark") {  // the first net, or that of another file, with a colour of the marks
+      int file = 1, color = 1;
+      words >> name >> file >> color;
+      gx_highlight_net(static_cast<gx_file_index_t>(file), board_.id(gx_type::net),
+                       name == "-" ? "" : name, 0, color);
+    } else if (verb == "mark-segment") {
+      gx_highlight_segment(1, board_.id(gx_type::segment));
+    } else if (verb == "unmark") {
+      gx_highlight_clear(1);
+    } else if (verb == "left") {  // the edge of what is shown
+      words >> gx_vext.viewport[1].bounds_part.xmin;
+    } else if (verb == "dotted") {
+      board_.record<gx_object_vertex_rec_t>().dotted = 1;
+      words >> board_.file().dot_width;
+    } else {
+      EXPECT_TRUE(change_object(board_, line)) << line;
+    }
+    return {};
+  }
 
-// --- nets
-
-segments_t net_drawn(const drawing_board& board, int color) {
-  return lines_of(color, 0, [&] { gx_display_net(1, 1, board.id(gx_type::net), draws); });
-}
-
-// From the pin at (46000, 43000) to a vertex at (60000, 43000).
-constexpr std::string_view stub = "net\n wire U.A 12,8.6\n";
-
-TEST(DrawnNet, MarksTheLooseEndOfAStub) {
-  const drawing_board board(placed("", stub));
-  board.record<gx_object_vertex_rec_t>().dotted = 1;
-  board.file().dot_width = 300;
-  EXPECT_EQ(net_drawn(board, cyan), (segments_t{{560, 530, 700, 530}}));
-  std::vector<gx_bounds16_t> dots;
-  see_strokes([&] { gx_display_net(1, 1, board.id(gx_type::net), draws); },
-              [&](const gx_stroke_group_t& group) {
-                if (group.color != cyan) return;
-                for (const gx_box16_t& b : group.boxes)
-                  dots.push_back({b.x, b.y, static_cast<std::int16_t>(b.x + b.width),
-                                  static_cast<std::int16_t>(b.y + b.height)});
-              });
-  EXPECT_EQ(dots, (std::vector<gx_bounds16_t>{{697, 527, 703, 533}}));
-  const auto mark = net_drawn(board, white);
-  ASSERT_EQ(mark.size(), 8U);
-  EXPECT_EQ(mark[0], (gx_line16_t{554, 530, 560, 536}));
-  EXPECT_EQ(mark[4], (gx_line16_t{553, 530, 560, 537}));
-}
-
-TEST(DrawnNet, OnlyAStubWithoutANameHasALooseEnd) {
-  const std::pair<const char*, std::size_t> cases[] = {
-      {"net\n prop NETS=x\n wire U.A 12,8.6\n", 8},  // not its name
-      {"net N\n wire U.A 12,8.6\n", 0},
-      {"part V s 12,8\n net\n wire U.A V.A\n", 0},  // between two pins
-      {"net\n wire U.A 12,8.6 12,9\n", 0}};         // two segments
-  for (const auto& [net, lines] : cases)
-    EXPECT_EQ(net_drawn(drawing_board(placed("", net)), white).size(), lines) << net;
-  const drawing_board board(placed("", cases[1].first));
-  gx_set_object_deleted(board.file(),
-                        lb_net_properties(board.file(), board.id(gx_type::net)).first(), true);
-  EXPECT_EQ(net_drawn(board, white).size(), 8U);
-}
-
-TEST(DrawnNet, AMarkedNetStandsOutWithItsName) {
-  const drawing_board board(placed("", stub));
-  const int net = board.id(gx_type::net);
-  const segments_t segment{{560, 530, 700, 530}};
-  gx_highlight_net(1, net, "AB");
-  EXPECT_EQ(net_drawn(board, green), segment);
-  EXPECT_EQ(net_drawn(board, cyan), segments_t{});
-  // A line to the box at the pin, where there is room, the box, and the name in it.
-  const auto probe = net_drawn(board, white);
-  const auto count_inside = [&](int x0, int y0, int x1, int y1) {
-    return std::count_if(probe.begin(), probe.end(), [&](const gx_line16_t& l) {
-      return std::min(l.x1, l.x2) >= x0 && std::max(l.x1, l.x2) <= x1 &&
-             std::min(l.y1, l.y2) >= y0 && std::max(l.y1, l.y2) <= y1;
+ private:
+  static lines_t strokes(const std::function<void()>& draw) {
+    lines_t lines;
+    see_strokes(draw, [&](const gx_stroke_group_t& group) {
+      std::ostringstream text;
+      text << group.color << ' ' << group.dashes;
+      for (const auto& l : group.lines)
+        text << ' ' << l.x1 << ',' << l.y1 << '-' << l.x2 << ',' << l.y2;
+      for (const auto& b : group.boxes)
+        text << " box " << b.x << ',' << b.y << ' ' << b.width << 'x' << b.height;
+      for (const auto& c : group.arcs)
+        text << " arc " << c.x << ',' << c.y << ' ' << c.size << ' ' << c.angle << '+' << c.extent;
+      lines.push_back(text.str());
     });
-  };
-  EXPECT_EQ(std::count(probe.begin(), probe.end(), gx_line16_t{560, 530, 610, 580}), 1);
-  const auto in_name = count_inside(611, 581, 784, 679);
-  EXPECT_GT(in_name, 10);
-  EXPECT_EQ(count_inside(610, 580, 785, 680), in_name + 4);
-  gx_highlight_net(2, net, "other sheet");
-  gx_highlight_clear(1);
-  EXPECT_EQ(net_drawn(board, cyan), segment);
-  gx_highlight_segment(1, board.id(gx_type::segment));
-  EXPECT_EQ(net_drawn(board, green), segment);
-  constexpr int yellow = 5;
-  gx_highlight_net(1, net, "", 0, 2);
-  EXPECT_EQ(net_drawn(board, yellow), segment) << "in the second colour";
-  gx_highlight_clear_all();
-  EXPECT_EQ(net_drawn(board, green), segments_t{});
-}
+    return lines;
+  }
+  drawing_board board_;
+};
 
-TEST(DrawnNet, ANameIsAtTheFirstEndWithRoom) {
-  const drawing_board board(placed("", " net N\n  wire U.A 4,8.6\n"));
-  auto& part = gx_vext.viewport[1].bounds_part;
-  part.xmin = -20000;  // the pin at 760, the other end at 500
-  const auto line_at = [&](std::string_view name) {
-    gx_highlight_net(1, board.id(gx_type::net), name);
-    for (const auto& line : net_drawn(board, white))
-      if (line.x2 == line.x1 + 50 && line.y2 == line.y1 + 50) return int{line.x1};
-    return 0;
-  };
-  EXPECT_EQ(line_at("A"), 500);
-  EXPECT_EQ(line_at("ABCD"), 500);
-  EXPECT_EQ(line_at("ABCDEFGHI"), 760) << "no room anywhere";
-  part.xmin = 0;
-  EXPECT_EQ(line_at("A"), 560);
-  gx_highlight_clear_all();
-}
-
-TEST(DrawnNet, AMarkedNetWithoutAWireShowsItsPinsAndName) {
-  const drawing_board board(placed("", stub));
-  const int net = board.id(gx_type::net);
-  gx_highlight_net(1, net, "AB");
-  auto name = net_drawn(board, white);
-  name.erase(name.begin(), name.begin() + 8);  // the mark of the loose end
-  gx_set_object_deleted(board.file(), board.id(gx_type::segment), true);
-  EXPECT_EQ(net_drawn(board, green).size(), 4U) << "the diamond of its pin";
-  EXPECT_EQ(net_drawn(board, white), name) << "at the same place";
-  gx_highlight_clear_all();
-  EXPECT_EQ(net_drawn(board, green).size() + net_drawn(board, white).size(), 0U);
-}
+TEST(Drawing, ObjectsHaveTheirStrokes) { expect_sessions<drawing_session>("picture/strokes.txt"); }
 
 // --- what lies on top
 
@@ -298,34 +185,6 @@ TEST(Drawing, WhatIsDrawnLaterLiesOnTop) {
 }
 
 // --- grid and markers
-
-TEST(Drawing, ShapesOfASheetAreLinesBoxesAndArcs) {
-  const drawing_board board(R"(
-sheet top
-  page 20,20
-  rect 2,2 4,6
-  rect 2,2 4,6 filled
-  circle 6,6 2
-  circle 6,6 0.04
-)");
-  const auto strokes = [&](int id) {
-    std::string text;
-    see_strokes([&] { gx_display_prim(1, 1, id, 0, draws, false); },
-                [&](const gx_stroke_group_t& group) {
-                  for (const auto& line : group.lines)
-                    text += std::to_string(line.x2) + "," + std::to_string(line.y2) + " ";
-                  for (const auto& box : group.boxes)
-                    text += std::to_string(box.width) + "x" + std::to_string(box.height) + " at " +
-                            std::to_string(box.x) + "," + std::to_string(box.y);
-                  for (std::size_t i = 0; i < group.arcs.size(); ++i) text += "arc ";
-                });
-    return text;
-  };
-  EXPECT_EQ(strokes(board.id(gx_type::rectangle_2d, 1)), "300,200 300,400 200,400 200,200 ");
-  EXPECT_EQ(strokes(board.id(gx_type::rectangle_2d, 2)), "100x200 at 200,200");
-  EXPECT_EQ(strokes(board.id(gx_type::circle_2d, 1)), "arc ");
-  EXPECT_EQ(strokes(board.id(gx_type::circle_2d, 2)), "400,402 402,400 400,398 398,400 ");
-}
 
 TEST(Drawing, ASelectedViewportClips) {
   const drawing_board board;

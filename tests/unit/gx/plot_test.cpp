@@ -1,8 +1,5 @@
 // A sheet on paper: what the strokes of a plot file draw.
 #include <algorithm>
-#include <cmath>
-#include <cstdio>
-#include <numbers>
 
 #include "app/sheet/views.h"
 #include "gx/db/object_flags.h"
@@ -12,63 +9,35 @@
 #include "gx/vext.h"
 #include "tests/support/design_session.h"
 #include "tests/support/fatal_stop.h"
+#include "tests/support/session_case.h"
 
 namespace {
-// 21 grid steps are 200 plotter units on this page, whose upper edge is at 2600.
-constexpr const char* sheet_on_paper = R"(
-symbol D
-  line 0,0 21,0
-  arc 0,-21 21,0 0,21
-  pin A 0,0 IO
-sheet top
-  page 198,273
-  line 21,21 42,21
-  rect 21,42 42,63 filled
-  circle 63,63 21
-  text HELLO at 21,84 height 2
-  text ASIDE at 42,84 vertical
-  part U1 D 84,84 rotate 1 mirror HIDDEN=secret
-  net
-    wire 21,126 84,126 width 3
-  net
-    wire 21,147 22.5,147 width 3
-  net
-    wire 21,157.5 22.6,157.5 width 3
-  net
-    wire 21,168 42,168 63,168
-    wire 42,168 42,189
-)";
+// The plot of a sheet, command by command, without ";".
+class plot_session {
+ public:
+  explicit plot_session(std::string_view design) : session_(design) {
+    gx_hide_invisible(gx_ptrto_gene_file_buf(kv_pext.file_id_cur));
+  }
+  static lines_t answer(const std::string& line) {
+    gx_plot_t plot;
+    plot.path = "out.plt";
+    plot.landscape = line == "plot landscape";
+    lb_plotfile_all_frame(plot, kv_pext.file_id_cur);
+    lb_plotfile_all_inst(plot, kv_pext.file_id_cur);
+    lb_plotfile_all_net(plot, kv_pext.file_id_cur);
+    EXPECT_TRUE(gx_plotfile_end() && plot.plot_ok);
+    lines_t commands = split_lines(read_file("out.plt"));
+    for (auto& command : commands)
+      if (command.ends_with(';')) command.pop_back();
+    return commands;
+  }
 
-// The plot of the sheet, command by command, without ";" and line ends.
-lines_t plot_of(std::string_view description, bool landscape = false) {
-  const design_session session(description);
-  gx_hide_invisible(gx_ptrto_gene_file_buf(kv_pext.file_id_cur));
-  gx_plot_t plot;
-  plot.path = "out.plt";
-  plot.landscape = landscape;
-  lb_plotfile_all_frame(plot, kv_pext.file_id_cur);
-  lb_plotfile_all_inst(plot, kv_pext.file_id_cur);
-  lb_plotfile_all_net(plot, kv_pext.file_id_cur);
-  EXPECT_TRUE(gx_plotfile_end() && plot.plot_ok);
-  lines_t commands = split_lines(read_file("out.plt"));
-  for (auto& command : commands)
-    if (command.ends_with(';')) command.pop_back();
-  return commands;
-}
-
-bool holds_run(const lines_t& commands, const lines_t& wanted) {
-  return std::search(commands.begin(), commands.end(), wanted.begin(), wanted.end()) !=
-         commands.end();
-}
+ private:
+  design_session session_;
+};
 }  // namespace
 
-TEST(Plot, BeginsAndEndsAsThePaperWantsIt) {
-  const lines_t portrait = plot_of("sheet top\n page 19.8,27.3\n");
-  EXPECT_EQ(portrait, (lines_t{"\033E", "\033%0B", "IN", "IP0,0,7920,10920", "SC0,1980,0,2730",
-                               "SP1", "PW 0.4", "\033%0A"}));
-  const lines_t landscape = plot_of("sheet top\n page 27.3,19.8\n", true);
-  EXPECT_TRUE(holds_run(landscape, {"IN", "RO90", "IP0,0,10920,7920", "SC0,2730,0,1980", "SP1"}));
-}
+TEST(Plot, DrawsWhatTheSheetHolds) { expect_sessions<plot_session>("picture/plot.txt"); }
 
 TEST(Plot, FitsThePageWithAMargin) {
   EXPECT_EQ(gx_plot_scale({19800, 27300}, false), 1050);
@@ -77,45 +46,8 @@ TEST(Plot, FitsThePageWithAMargin) {
   EXPECT_EQ(gx_plot_scale({0, 0}, false), 1);
 }
 
-TEST(Plot, DrawsWhatTheSheetHolds) {
-  const lines_t plot = plot_of(sheet_on_paper);
-  EXPECT_TRUE(holds_run(plot, {"PU200,2400", "PD400,2400"})) << "line";
-  EXPECT_TRUE(
-      holds_run(plot, {"PU200,2200", "PD400,2200", "PD400,2000", "PD200,2000", "PD200,2200"}))
-      << "rectangle";
-  EXPECT_TRUE(holds_run(plot, {"PU600,2000", "PD600,2000", "CI200"})) << "circle";
-  EXPECT_TRUE(
-      holds_run(plot, {"DI1,0", "SI0.013,0.010", "SI 0.147, 0.190", "PU200,1800", "LBHELLO\003"}))
-      << "text";
-  EXPECT_TRUE(holds_run(plot, {"DI0, 1"})) << "upright text";
-  EXPECT_TRUE(holds_run(plot, {"PU800,1800", "PD800,1600"})) << "line of a turned, mirrored part";
-  EXPECT_TRUE(holds_run(plot, {"PW 1.2", "PU200,1401", "PD800,1401", "PW 0.4"})) << "wide wire";
-  EXPECT_TRUE(holds_run(plot, {"PU200,1200", "PD214,1200"})) << "shorter than five times its width";
-  EXPECT_TRUE(holds_run(plot, {"PW 1.2", "PU200,1101", "PD215,1101", "PW 0.4"}))
-      << "as long as that";
-  EXPECT_TRUE(holds_run(plot, {"PU398,1001", "RA401,998"})) << "junction";
-  for (const auto& command : plot) EXPECT_EQ(command.find("secret"), std::string::npos);
-}
-
-TEST(Plot, TurnsArcsWithTheirPart) {
-  const lines_t plot = plot_of(sheet_on_paper);
-  const auto arc = std::find_if(plot.begin(), plot.end(),
-                                [](const auto& command) { return command.starts_with("AA"); });
-  ASSERT_NE(arc, plot.end());
-  int x = 0, y = 0, sweep = 0, start_x = 0, start_y = 0;
-  ASSERT_EQ(std::sscanf(arc->c_str(), "AA%d,%d,%d,10", &x, &y, &sweep), 3);
-  ASSERT_EQ(std::sscanf((arc - 1)->c_str(), "PD%d,%d", &start_x, &start_y), 2);
-  EXPECT_EQ(std::pair(x, y), std::pair(800, 1800));
-  EXPECT_EQ(std::abs(sweep), 180);
-  EXPECT_EQ(start_y, 1800);
-  EXPECT_EQ(std::abs(start_x - 800), 200);
-  // Half the way round the arc is below its centre.
-  const double half = sweep / 2.0 * std::numbers::pi / 180;
-  EXPECT_NEAR(std::sin(half) * (start_x - x), -200, 1);
-}
-
 TEST(Plot, AnArcOfSeveralTurnsIsAFullCircle) {
-  const design_session session(sheet_on_paper);
+  const design_session session("sheet top\n page 198,273\n arc 0,-21 21,0 0,21\n");
   const auto& file = gx_ptrto_gene_file_buf(kv_pext.file_id_cur);
   const auto arc = std::ranges::find_if(file.ptr_to_ar_objindex, [](const auto* object) {
     return object->object_type == gx_type::arc3p_2d;
