@@ -1,6 +1,5 @@
 // Netlists for other programs, read back by those: JSON, CSV and SQLite by Python, Verilog by
 // Icarus and, where it is installed, by Yosys.
-#include "tests/program/listing.h"
 #include "tests/program/program_fixture.h"
 #include "tests/support/make_design.h"
 

@@ -1,71 +1,9 @@
-// A user walks, selects, inspects and checks in the real program: by a command file, and with the
-// mouse in the window.
-#include <algorithm>
-
+// A user selects and zooms with the mouse in the window.
 #include "tests/program/block_design.h"
 #include "tests/program/program_fixture.h"
 #include "tests/support/make_design.h"
 
 namespace {
-
-TEST(WalkProgram, ACommandFileWalksSelectsAndChecks) {
-  scratch_directory directory;
-  make_design(directory, block_design);
-  directory.write("walk.do",
-                  "view down X1\n"
-                  "sel prop edit INST R9; status property edit; check sheet inside\n"
-                  "view all; view area edit 0.2 0.2 0.9 0.8\n"
-                  "view up; view up\n"
-                  "act sym res; view all context; view area context 0.1 0.1 0.2 0.2; pop\n"
-                  "view sheet block; pop; pop; pop\n"
-                  "sel area inst context 0.1 0.1 1.9 0.9; show link; show link context\n"
-                  "mark rect context 0.5 0.5; base\n"
-                  "view down X9\n"
-                  "bye\n");
-  const auto ended = run_program(shared_display(), {.directory = directory.path(),
-                                                    .words = {"top", "walk.do"},
-                                                    .environment = {},
-                                                    .program = {}});
-  EXPECT_EQ(ended.status, 0) << ended.out << ended.err;
-  auto lines = directory.lines("top/current_session");
-  // What the command file itself answers is tested elsewhere.
-  const auto first = std::find(lines.begin(), lines.end(), " VIEw DOWn  X1");
-  lines.erase(lines.begin(), first);
-  lines.resize(std::min<std::size_t>(lines.size(), 31));
-  EXPECT_EQ(lines, (std::vector<std::string>{
-                       " VIEw DOWn  X1",
-                       " SELect PROperty edit INST R9 ",
-                       "# I_22  I_BODY NOFixed NOVisible \"INST\"  \"R9\" ",
-                       "# S_9 S_BODY   Fixed NOVisible \"CLASS\"  \"R\" ",
-                       " STAtus PROperty  Edit ",
-                       "# CHEck  SHEet  inside ",
-                       "# CHEck  SHEet > nb_error    = 0 ",
-                       "# CHEck  SHEet > nb_warning  = 0 ",
-                       " CHEck  SHEet inside ",
-                       " VIEw ALL ",
-                       " VIEw AREa  Edit ",
-                       " VIEw UP  ",
-                       "# VIEw UP ",
-                       "# !! Error : impossible to VIEw UP ( already at TOP ) ",
-                       " ACTivate SYMbol res ",
-                       " VIEw ALL ",
-                       " VIEw AREa  Context ",
-                       " POP ",
-                       " VIEw SHEet block ",
-                       " POP ",
-                       " POP ",
-                       " POP ",
-                       " SELect AREa  Context inst context 0.1 0.1 1.9 0.9 ",
-                       "# SHOw LINk ",
-                       "# !! Warning : Nothing Valid Selected  ? ",
-                       "# SHOw LINk context ",
-                       "# !! Warning : Nothing Valid Selected  ? ",
-                       " MARK RECtangle Context 0.50 0.50 ",
-                       " BASEpoint  Context 0.50 0.50 ",
-                       "# VIEw DOWn \"X9\"   ",
-                       "# !! Error : No valid design Sheet to view down in Context ",
-                   }));
-}
 
 // Button 3 drags a rectangle and selects; button 1 drags one and zooms into it; the selection is
 // drawn in its colour at once and after the zoom.

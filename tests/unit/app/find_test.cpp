@@ -2,7 +2,6 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <fstream>
 #include <set>
 
 #include "app/find/aside.h"
@@ -152,68 +151,6 @@ struct find_session {
   design_session s;
 };
 
-class Find : public testing::TestWithParam<bool> {
- protected:
-  // `GetParam`: whether the design is expanded.
-  find_session session{GetParam()};
-  design_session& s = session.s;
-};
-
-TEST_P(Find, AnyFormOfAPathLeadsToItsPlace) {
-  std::ofstream("references") << "/XR/MP2 Q6\n/XS/MP2 Q7\n";
-  struct {
-    const char* typed;
-    const char* found;  // path and what it is
-    const char* place;
-  } constexpr cases[] = {
-      {"/XR/MP1", "/XR/MP1  instance", "2 XR/"},
-      {"xs.mp2.d", "/XS/MP2/D  pin", "2 XS/"},
-      {"R:MID", "/XR/MID  net", "2 XR/"},
-      {"m.xs.mp1", "/XS/MP1  instance", "2 XS/"},
-      {"link", "/LINK  net", "1 "},
-      {"/xr", "/XR  block", "1 "},
-      {"/XR/d", "/XR/D  pin", "1 "},
-      {"0", "/GROUND  net", "1 "},
-      {"/XS/MID*", "/XS/MID  net", "2 XS/"},
-      {"'/xr/mp1'", "/XR/MP1  instance", "2 XR/"},
-      {"/XR/", "/XR  block", "1 "},
-      {"*s/mp1*", "/XS/MP1  instance", "2 XS/"},
-      {"*lin*", "/LINK  net", "1 "},
-      {"L/N%20", "/L%2FN%2520  net", "1 "},
-      {"Q7", "/XS/MP2  instance", "2 XS/"},
-      {"q7.d", "/XS/MP2/D  pin", "2 XS/"},
-  };
-  for (const auto& [typed, found, at] : cases) {
-    const auto lines = s.run("find path " + std::string(typed));
-    EXPECT_TRUE(lines.size() == 1 && lines[0].starts_with(" FINd PATh " + std::string(found)))
-        << typed << ": " << lines[0];
-    std::string here = level_and_path();
-    std::erase(here, GetParam() ? '/' : '\0');
-    std::string wanted = at;
-    std::erase(wanted, GetParam() ? '/' : '\0');
-    EXPECT_EQ(here, wanted) << typed;
-    EXPECT_FALSE(s.selected().empty());
-  }
-}
-
-TEST_P(Find, SeveralPlacesAreListedAndTakenByNumber) {
-  const auto lines = s.run("find path /x*");
-  ASSERT_EQ(lines.size(), 22U);
-  EXPECT_EQ(lines[20], "# ... and more ");
-  EXPECT_EQ(lines[21], " FINd PATh /x* ");
-  const auto both = s.run("find path /x*q");
-  EXPECT_EQ(both, (lines_t{"# FINd PATh /x*q ", "# !! Error : Path not found ? ",
-                           "# !! The longest part that exists : \"/\""}));
-  s.run("find path /xs/mp*");
-  const auto taken = s.run("find path 2");
-  ASSERT_EQ(taken.size(), 1U);
-  EXPECT_TRUE(taken[0].starts_with(" FINd PATh /XS/MP2  instance")) << taken[0];
-  EXPECT_EQ(s.run("find path xr.x9.m"),
-            (lines_t{"# FINd PATh xr.x9.m ", "# !! Error : Path not found ? ",
-                     "# !! The longest part that exists : \"/XR\""}));
-  EXPECT_EQ(s.run("find path 99").back(), "# !! The longest part that exists : \"/\"");
-}
-
 // The marks of the sheets, from the top down: "N_id" of the level, with the name of its probe.
 lines_t marks(const design_session& s) {
   lines_t lines;
@@ -336,36 +273,6 @@ TEST(NextNames, BeginAsTheTypedOne) {
   EXPECT_EQ(next("XS/MP1/X") + next("XQ/") + next("XQ/M/"), "");
 }
 
-TEST(Expanded, BitsOfABusAreFoundInDrawings) {
-  find_session session(false,
-                       "sheet buses\n part R leaf 4,4\n net N\n  wire R.Q 10,4\n"
-                       " bus D 4:7\n  wire 2,20 22,20\n",
-                       "buses");
-  const auto found = [&](const char* path) {
-    const auto line = session.s.run(std::string("find path ") + path).front();
-    return line.starts_with('#') ? "" : line.substr(line.find(path) + 6, 12);
-  };
-  EXPECT_EQ(found("/D_0"), "bit of a bus");
-  EXPECT_EQ(found("/D_3"), found("/D_0"));
-  EXPECT_EQ(found("/D_4") + found("/N_0"), "");
-}
-
-TEST(GoTo, WhatCannotBeGoneToIsRefused) {
-  {
-    design_session s(hierarchy);
-    EXPECT_EQ(s.run("view last"),
-              (lines_t{"# VIEw LASt ", "# !! Error : NO view to go back to ? "}));
-    EXPECT_EQ(kv_go_to("/X1/Y1", 0), "");
-    EXPECT_EQ(kv_go_to("/", 0), "");
-    std::filesystem::remove_all("deep");
-    EXPECT_EQ(s.run("view last"), (lines_t{"# VIEw LASt ", "# !! Error : No Sheet Available ? : ",
-                                           "# !! no such sheet : \"X1/Y1/\""}));
-  }
-  session_capture empty;
-  EXPECT_EQ(empty.run("find path /X1"),
-            (lines_t{"# FINd PATh /X1 ", "# !! Error :  No sheet available in window ? "}));
-}
-
 TEST(Expanded, AHighlightNamesANetOnceOnASheet) {
   find_session split(true,
                      "sheet split\n part R leaf 4,4\n"
@@ -377,42 +284,9 @@ TEST(Expanded, AHighlightNamesANetOnceOnASheet) {
   split.s.run("highlight off");
 }
 
-TEST(Expanded, HighlightsHaveColours) {
-  find_session split(true,
-                     "sheet split\n part R leaf 4,4\n"
-                     " net K\n  wire R.Q 10,4\n"
-                     " net L\n  wire 20,4 30,4\n",
-                     "split");
-  auto& s = split.s;
-  const auto colors = [] {
-    std::vector<int> found;
-    for (const auto& mark : gx_vext.highlights) found.push_back(mark.color);
-    return found;
-  };
-  s.run("highlight net /K");
-  EXPECT_EQ(s.run("highlight net /L"), lines_t{" HIGhlight NET /L "}) << "classically in one";
-  EXPECT_EQ(colors(), (std::vector{1, 1}));
-  s.run("highlight off");
-  s.run("display theme light");
-  s.run("highlight net /K");
-  EXPECT_EQ(s.run("hig net /L"),
-            (lines_t{" HIGhlight NET /L ", "#   colour 1 : /K ", "#   colour 2 : /L "}));
-  EXPECT_EQ(s.run("highlight net /K colour 6"),
-            (lines_t{" HIGhlight NET /K ", "#   colour 6 : /K ", "#   colour 2 : /L "}));
-  s.run("run");
-  EXPECT_EQ(colors(), (std::vector{6, 2}));
-  for (const char* const wrong : {"col 7", "col 0", "col x", "dark 1"})
-    EXPECT_EQ(s.run(std::string("highlight net /K ") + wrong).back(),
-              "# !! Error : Colour not within COLour 1 to 6 ? ");
-  s.run("highlight off");
-}
-
-TEST_P(Find, AHighlightFollowsTheViewAndTheRuns) {
-  if (!GetParam()) {
-    EXPECT_EQ(s.run("highlight net /LINK"),
-              (lines_t{"# HIGhlight NET /LINK ", "# !! Error : No expanded design ? "}));
-    return;
-  }
+TEST(Expanded, AHighlightFollowsTheViewAndTheRuns) {
+  find_session session(true);
+  auto& s = session.s;
   EXPECT_EQ(s.run("highlight net /xr/q"), lines_t{" HIGhlight NET /LINK "});
   EXPECT_EQ(marks(s), lines_t{"1 LINK /LINK"});
   s.run("view down XR");
@@ -433,32 +307,6 @@ TEST_P(Find, AHighlightFollowsTheViewAndTheRuns) {
   EXPECT_EQ(s.run("highlight off"), lines_t{" HIGhlight OFF "});
   s.run("view down XR");
   EXPECT_EQ(marks(s), lines_t{});
-  EXPECT_EQ(s.run("highlight net /LINQ"),
-            (lines_t{"# HIGhlight NET /LINQ ", "# !! Error : Net NOT FOUND ? ",
-                     "# !! The longest part that exists : \"/\""}));
-  EXPECT_EQ(s.run("explain net"), (lines_t{"# EXPlain NET ", "# !! Error : No NET selected ? "}));
 }
-
-TEST_P(Find, TheTreeOfBlocksIsListedAndWritten) {
-  const lines_t tree = {"# /  top  instances 2  nets 4", "#   /XR  bit  instances 2  nets 3",
-                        "#   /XS  bit  instances 2  nets 3", " LIST HIErarchy "};
-  EXPECT_EQ(s.run("list hierarchy"), tree);
-  lines_t written = s.directory().lines("top/hierarchy");
-  for (auto& line : written) line.insert(0, "# ");
-  written.emplace_back(" LIST HIErarchy ");
-  EXPECT_EQ(written, tree);
-  EXPECT_EQ(s.run("list hie xs"),
-            (lines_t{"# /XS  bit  instances 2  nets 3", " LIST HIErarchy xs "}));
-  EXPECT_EQ(s.run("list hie xs.mp1").back(), "# !! No block : \"/XS/MP1\"");
-  // Nothing is written through a link.
-  std::filesystem::remove("top/hierarchy");
-  std::filesystem::create_symlink("elsewhere", "top/hierarchy");
-  EXPECT_EQ(s.run("list hierarchy"),
-            (lines_t{"# LIST HIErarchy ", "# !! Error : File not written ? ",
-                     "# !! top/hierarchy : is a symbolic link"}));
-  EXPECT_FALSE(std::filesystem::exists("top/elsewhere"));
-}
-
-INSTANTIATE_TEST_SUITE_P(ExpandedOrNot, Find, testing::Bool());
 
 }  // namespace
