@@ -51,7 +51,7 @@ class writer {
     is_new_ = !fs::exists(output_.root);
     if (!is_new_ && !fs::is_directory(output_.root))
       throw trouble(output_.root, "exists and is not a directory");
-    make_aside();
+    name_aside();
     try {
       write_cells();
       add(output_.root / "expand.do", do_file());
@@ -70,13 +70,10 @@ class writer {
 
  private:
   // Beside the root, so that files can be renamed into it.
-  void make_aside() {
+  void name_aside() {
     auto beside = fs::absolute(output_.root).lexically_normal();
     if (beside.filename().empty()) beside = beside.parent_path();
     aside_ = beside.string() + ".new-" + std::to_string(::getpid());
-    std::error_code error;
-    fs::create_directories(aside_, error);
-    if (error) throw trouble(aside_, error.message());
   }
 
   void add(const fs::path& place, std::string_view bytes) {

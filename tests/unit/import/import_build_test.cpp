@@ -10,6 +10,7 @@
 #include "import/build/builder.h"
 #include "import/build/flat_size.h"
 #include "import/build/output.h"
+#include "import/build/plain_symbol.h"
 #include "import/build/wiring.h"
 #include "import/drawing/hierarchy.h"
 #include "import/drawing/placement.h"
@@ -335,4 +336,10 @@ TEST(ImportBuild, ADrawingIsMovedOntoItsPage) {
         }
       }
   }
+}
+
+TEST(ImportBuild, ANameOfAPinIsAsFarFromItAsDrawn) {
+  gxi_symbol_t symbol;
+  symbol.pins = {{.name = "A", .at = {1000, 2000}, .name_look = gxi_look_t{.at = {1500, 2700}}}};
+  EXPECT_EQ(gxi_plain_symbol(symbol).pins[0].name_at, (gx_pointreal_t{500, 700}));
 }

@@ -1,5 +1,6 @@
 // Sheets too large for one file become parts of more levels: the same pins are joined, all of the
 // drawing is somewhere, and no sheet is too large any more.
+#include <algorithm>
 #include <map>
 #include <set>
 
@@ -42,6 +43,13 @@ struct flat_t {
     for (const auto& net : here.sheet->nets) {
       if (!net.port.empty()) ports.insert(net.port);
       wires += net.segments.size();
+      for (const auto& wire : net.segments)
+        if (wire.from.y < 0) {
+          EXPECT_TRUE(std::ranges::any_of(
+              here.sheet->instances,
+              [&](const auto& one) { return one.kind == gxi_kind::part && one.at == wire.to; }))
+              << here.name << ' ' << wire.to.x;
+        }
       flat.push_back(net.port.empty() ? static_cast<int>(nets.size()) : from_above.at(net.port));
       if (net.port.empty()) nets.emplace_back();
     }
@@ -103,7 +111,7 @@ flat_t flatten(const gxi_design_t& design) {
 
 }  // namespace
 
-// All on two rails; one wire of each at the pin, one that meets none.
+// All on two rails; one wire of each ends at its pin, in another order than they, one meets none.
 TEST(ImportDivision, WiresAndTextsLeaveWithTheInstances) {
   auto design = elements();
   auto& sheet = *design.cells[0].sheet;
@@ -113,11 +121,12 @@ TEST(ImportDivision, WiresAndTextsLeaveWithTheInstances) {
     const gx_pointreal_t at{i * gxm_step, 0};
     sheet.instances.push_back(
         {.name = "R" + std::to_string(i), .symbol = element, .at = at, .nets = {0, 1}});
-    sheet.nets[0].segments.push_back({at, {at.x + gxm_step, 0}});
+    sheet.nets[0].segments.push_back({{at.x, -gxm_step}, at});
     sheet.nets[1].segments.push_back({{at.x, 7 * gxm_step}, {at.x + gxm_step, 7 * gxm_step}});
     sheet.texts.push_back({"T", {.at = at}});
     sheet.shapes.push_back({.points = {at, at}});
   }
+  std::ranges::reverse(sheet.nets[0].segments);
   gxi_fit(design);
   gxi_divide(design);
   const auto flat = flatten(design);
