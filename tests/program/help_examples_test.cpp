@@ -9,15 +9,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-void make_example(const scratch_directory& directory, const std::string& name) {
-  make_design_of_file(directory, KIVO_SOURCE_DIR "/examples/" + name + "/" + name + ".gxt");
-}
-
-void expect_no_complaint(const scratch_directory& directory, const std::string& name) {
-  for (const auto& line : directory.lines(name + "/current_session"))
-    EXPECT_FALSE(line.starts_with("# !") && !line.starts_with("# !! warning")) << line;
-}
-
 // Of each "Example:" line the commands, by the help file.
 std::map<std::string, std::string> help_examples() {
   std::map<std::string, std::string> examples;
@@ -34,7 +25,7 @@ std::map<std::string, std::string> help_examples() {
 
 TEST(HelpExamples, EachRunsOnTheRegister) {
   scratch_directory directory;
-  make_example(directory, "register");
+  make_design_of_file(directory, KIVO_SOURCE_DIR "/examples/register/register.gxt");
   fs::create_directory(directory.path() / "lib");
   directory.write(
       "expand.do",
@@ -79,29 +70,10 @@ TEST(HelpExamples, EachRunsOnTheRegister) {
   session.wait_for_line(" VIEw DOWn  XR");
   session.command("bye");
   EXPECT_NE(session.process().wait().out.find("...0 error, "), std::string::npos);
-  expect_no_complaint(directory, "register");
+  for (const auto& line : directory.lines("register/current_session"))
+    EXPECT_FALSE(line.starts_with("# !") && !line.starts_with("# !! warning")) << line;
   EXPECT_EQ(simulator.wait().out, "plot v(CLK) \nrun 10n\n");
   EXPECT_TRUE(fs::exists(directory.path() / "started"));
-}
-
-TEST(HelpExamples, TheFirstRunOfTheIntroductionWorksOnBothExamples) {
-  const auto text = read_file(KIVO_PRODUCT_DIR "/kivo/introduction");
-  const auto at = text.find("\nA first run\n");
-  const auto from = text.find('\n', at + 1) + 1;
-  const auto commands = text.substr(from, text.find("  writes the netlist", from) - from);
-  ASSERT_NE(commands.find("run\n"), commands.npos);
-  for (const std::string name : {"register", "filter"}) {
-    scratch_directory directory;
-    make_example(directory, name);
-    directory.write("first.do", commands + "bye\n");
-    const auto ended =
-        run_program(shared_display(), {.directory = directory.path(), .words = {name, "first.do"}});
-    EXPECT_TRUE(ended.out.ends_with("...0 error, 0 warning --\n")) << ended.out;
-    expect_no_complaint(directory, name);
-    const auto netlist = run_program(
-        shared_display(), {.directory = directory.path(), .words = {name}, .program = KIVO_KVDUMP});
-    EXPECT_NE(netlist.out.find("\ninstance 14\n"), netlist.out.npos);
-  }
 }
 
 }  // namespace

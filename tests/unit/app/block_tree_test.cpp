@@ -42,51 +42,6 @@ std::vector<std::string> paths_shown(const kv_block_tree_t& tree) {
   return paths;
 }
 
-TEST(BlockTree, OpensWhatIsAskedForAndFindsNamesInClosedBlocks) {
-  design_session s(R"(
-symbol leaf
-  pin A 0,0 IN
-symbol mid
-  pin A 0,0 IN
-symbol low
-  pin A 0,0 IN
-sheet top
-  part M1 mid 5,5
-  part R1 leaf 9,5
-  part M2 mid 15,5
-sheet mid
-  part C1 low 5,5
-  part CX low 9,5
-sheet low
-  part R1 leaf 5,5
-)");
-  kv_block_tree_t tree;
-  kv_make_tree(tree);
-  EXPECT_EQ(paths_shown(tree), (lines_t{"", "/M1", "/M2"}));
-  const auto m2 = kv_tree_find(tree, "/m2");
-  EXPECT_EQ(kv_tree_path(tree, m2), "/M2");
-  kv_tree_open(tree, m2, true);
-  EXPECT_EQ(paths_shown(tree), (lines_t{"", "/M1", "/M2", "/M2/C1", "/M2/CX"}));
-  EXPECT_FALSE(kv_tree_has_blocks(tree, kv_tree_find(tree, "M2/C1/"))) << "only devices";
-  EXPECT_EQ(kv_tree_find(tree, "/M2/R1"), -1);
-
-  // Each use in the order of the tree, and round again; what is found is not opened by that.
-  std::string found;
-  for (std::int32_t at = 0, i = 0; i < 3; ++i) {
-    at = kv_tree_search(tree, at, "cx", false);
-    found += kv_tree_path(tree, at) + " ";
-  }
-  EXPECT_EQ(found, "/M1/CX /M2/CX /M1/CX ");
-  EXPECT_EQ(kv_tree_search(tree, m2, "m", true), m2);
-  EXPECT_EQ(kv_tree_search(tree, m2, "r1", true), -1) << "devices are no blocks";
-  EXPECT_EQ(paths_shown(tree).size(), 5U);
-  const auto inner = kv_tree_find(tree, "/M1/CX");
-  kv_tree_reveal(tree, inner);
-  EXPECT_EQ(kv_tree_row(tree, inner), 3);
-  kv_tree_open_all(tree, 0, false);
-  EXPECT_EQ(paths_shown(tree), lines_t{""});
-}
-
 // A sheet that contains itself ends at the deepest level that can be shown.
 TEST(BlockTree, HoldsAHundredThousandOpenBlocksAndASheetInsideItself) {
   {
@@ -108,7 +63,7 @@ TEST(BlockTree, HoldsAHundredThousandOpenBlocksAndASheetInsideItself) {
   EXPECT_EQ(kv_tree_search(tree, 0, "none", true), -1);
 }
 
-TEST(BlockTree, NamesMayBeginAlikeAndSearchingGoesOnAfterABlock) {
+TEST(BlockTree, OpensWhatIsAskedForAndFindsNamesInClosedBlocks) {
   design_session s(R"(
 symbol leaf
   pin A 0,0 IN
@@ -118,6 +73,7 @@ symbol low
   pin A 0,0 IN
 sheet top
   part M1 mid 5,5
+  part R1 leaf 7,5
   part M12 mid 9,5
   part N1 low 15,5
   part GONE low 19,5
@@ -134,8 +90,10 @@ sheet low
   const auto at = [&](const char* path) { return kv_tree_find(tree, path); };
   for (const char* path : {"/M12", "/M1/C2", "/M12/C1"})
     EXPECT_EQ(kv_tree_path(tree, at(path)), path);
-  for (const char* path : {"/M", "/M123", "/M1/C", "/N1/R1", "/M1/C1/R1"}) EXPECT_EQ(at(path), -1);
+  for (const char* path : {"/M", "/M123", "/M1/C", "/R1", "/N1/R1", "/M1/C1/R1"})
+    EXPECT_EQ(at(path), -1) << path;
   EXPECT_EQ(at("/"), 0);
+  EXPECT_EQ(at("m12/c1/"), at("/M12/C1"));
   EXPECT_EQ(kv_tree_depth(tree, 0), 0);
   EXPECT_EQ(kv_tree_depth(tree, at("/M12/C1")), 2);
   EXPECT_EQ(kv_tree_row(tree, at("/M12/C1")), -1) << "under a closed one";
@@ -152,13 +110,16 @@ sheet low
   EXPECT_EQ(next("/N1", "n1"), "/N1") << "round to itself";
   EXPECT_EQ(next("/M1", "m1", true), "/M1");
   EXPECT_EQ(next("/M1", "m1"), "/M12");
-  EXPECT_EQ(next("/M1", "", true), "none");
+  EXPECT_EQ(next("/M1", "", true) + next("/M1", "r1", true), "nonenone") << "no device";
   EXPECT_TRUE(kv_tree_open_all(tree, at("/M12"), true));
   EXPECT_EQ(paths_shown(tree), (lines_t{"", "/M1", "/M12", "/M12/C1", "/M12/C2", "/N1"}));
   EXPECT_TRUE(kv_tree_open_all(tree, at("/M12"), false));
   kv_tree_open(tree, 0, false);
   kv_tree_reveal(tree, at("/M12/C2"));
   EXPECT_EQ(paths_shown(tree).size(), 6U);
+  EXPECT_EQ(kv_tree_row(tree, at("/M12/C2")), 4);
+  kv_tree_open_all(tree, 0, false);
+  EXPECT_EQ(paths_shown(tree), lines_t{""});
 }
 
 constexpr char named[] = R"(
@@ -275,6 +236,97 @@ TEST(Hints, LieBesideThePointerWhereThereIsRoom) {
   EXPECT_FALSE(kv_pext.is_hint_shown);
 }
 
+// The tree in a window of 1100 by 880 pixels: letters 8 high and 9 wide, rows of 18 pixels.
+class ShownTree {
+ public:
+  explicit ShownTree(std::string_view description) : s(description) {
+    gx_vext.bitmap_size = {1100, 880};
+    for (const auto& viewport : set_viewports())
+      gx_viewport_create(viewport.bounds, viewport.border);
+    show();
+  }
+  void show() {
+    kv_show_tree(true);
+    gx_vext.viewport_id = gx_vext.viewport_tree;
+    box = gx_viewport_rec(gx_vext.viewport_tree).pixel_bounds;
+  }
+  ~ShownTree() { kv_show_tree(false); }
+  ShownTree(const ShownTree&) = delete;
+  ShownTree& operator=(const ShownTree&) = delete;
+
+  bool gesture(const gx_event_t& event) {
+    return kv_tree_gesture(event, [&](std::string_view line) { command = line; });
+  }
+  bool key(std::uint32_t keysym, std::uint32_t modifiers = 0) {
+    gx_event_t event;
+    event.kind = gx_event_kind::key_press;
+    event.code = keysym;
+    event.modifiers = modifiers;
+    return gesture(event);
+  }
+  bool button(gx_event_kind kind, int row, int clicks = 1, std::uint32_t modifiers = 0,
+              int below = 0) {
+    gx_event_t event;
+    event.kind = kind;
+    event.clicks = clicks;
+    event.modifiers = modifiers;
+    event.pixel = {static_cast<std::int16_t>(box.xmin + 20),
+                   static_cast<std::int16_t>(box.ymin + 6 + 18 * row + below)};
+    return gesture(event);
+  }
+  // On the row, or so many pixels below its beginning.
+  void click(int row, int clicks = 1, std::uint32_t modifiers = 0, int below = 0) {
+    EXPECT_TRUE(button(gx_event_kind::button1_down, row, clicks, modifiers, below));
+    EXPECT_TRUE(button(gx_event_kind::button1_up, row, clicks, modifiers, below));
+  }
+  std::string chosen() {
+    EXPECT_TRUE(key(XK_Return));
+    return command;
+  }
+  void draw() {
+    gx_pen_flush();
+    counting_screen::forget();
+    kv_draw_tree();
+    gx_pen_flush();
+  }
+  int y_of(int row) const { return box.ymin + 6 + 18 * row; }
+  // A text of a row, at that depth and so many letters after the knob.
+  bool text(int row, int depth, int letters, std::string_view text, int color) const {
+    return counting_screen::has_text(gx_vext.viewport_tree, text,
+                                     box.xmin + 6 + 9 * (depth + 2 + letters), y_of(row) + 8, 8,
+                                     color);
+  }
+  // "-", "+" or "" for the knob of a row.
+  std::string knob(int row, int depth) const {
+    const int x = box.xmin + 6 + 9 * depth, y = y_of(row) + 1;
+    if (!counting_screen::has_box(4, x + 2, y + 4, 5, 1)) return "";
+    EXPECT_TRUE(is_framed(4, x, y, x + 8, y + 8)) << row;
+    return counting_screen::has_box(4, x + 4, y + 2, 1, 5) ? "+" : "-";
+  }
+  static bool is_framed(int color, int x0, int y0, int x1, int y1) {
+    const auto has = [&](int xa, int ya, int xb, int yb) {
+      return counting_screen::has_line(
+          color, {static_cast<std::int16_t>(xa), static_cast<std::int16_t>(ya),
+                  static_cast<std::int16_t>(xb), static_cast<std::int16_t>(yb)});
+    };
+    return has(x0, y0, x1, y0) && has(x1, y0, x1, y1) && has(x1, y1, x0, y1) && has(x0, y1, x0, y0);
+  }
+  // The frame of the row that is chosen or in view.
+  bool is_marked(int row, int color) const {
+    return is_framed(color, box.xmin + 2, y_of(row) - 4, box.xmax - 5, y_of(row) + 12);
+  }
+
+  design_session s;
+  counting_screen screen;
+  gx_bounds16_t box;
+  std::string command;
+};
+
+constexpr char three_rows[] =
+    "symbol leaf\n pin A 0,0 IN\n prop CLASS=R\nsymbol low\n pin A 0,0 IN\n"
+    "sheet low\n part R leaf 4,4\nsymbol high\n pin A 0,0 IN\nsheet high\n part B low 4,4\n"
+    "sheet top\n part A high 4,4\n part C low 4,9\n";
+
 // Ninety blocks below the top; 34 rows of 18 pixels are shown.
 TEST(TreeView, KeysWheelAndClicksMoveInTheRows) {
   std::string text =
@@ -282,40 +334,17 @@ TEST(TreeView, KeysWheelAndClicksMoveInTheRows) {
       "sheet sub\n part R leaf 4,4\nsheet top\n page 60,120\n";
   for (int i = 10; i < 100; ++i)
     text += " part B" + std::to_string(i) + " sub 4," + std::to_string(i) + "\n";
-  design_session s(text);
-  gx_vext.bitmap_size = {1100, 880};
-  for (const auto& viewport : set_viewports()) gx_viewport_create(viewport.bounds, viewport.border);
-  const counting_screen screen;
-  kv_show_tree(true);
-  ASSERT_TRUE(kv_tree_is_shown());
-  gx_vext.viewport_id = gx_vext.viewport_tree;
-  std::string command;
-  const auto gesture = [&](const gx_event_t& event) {
-    return kv_tree_gesture(event, [&](std::string_view line) { command = line; });
-  };
-  const auto key = [&](std::uint32_t keysym) {
-    gx_event_t event;
-    event.kind = gx_event_kind::key_press;
-    event.code = keysym;
-    return gesture(event);
-  };
+  ShownTree tree(text);
+  const auto key = [&](std::uint32_t keysym) { return tree.key(keysym); };
+  const auto gesture = [&](const gx_event_t& event) { return tree.gesture(event); };
   // Where Return leads after these keys.
   const auto after = [&](std::initializer_list<std::uint32_t> keys) {
     for (const auto keysym : keys) EXPECT_TRUE(key(keysym));
-    EXPECT_TRUE(key(XK_Return));
-    return command;
+    return tree.chosen();
   };
-  const auto& box = gx_viewport_rec(gx_vext.viewport_tree).pixel_bounds;
   const auto click = [&](int y) {
-    gx_event_t event;
-    event.clicks = 1;
-    event.pixel = {static_cast<std::int16_t>(box.xmin + 20),
-                   static_cast<std::int16_t>(box.ymin + 6 + y)};
-    for (const auto kind : {gx_event_kind::button1_down, gx_event_kind::button1_up}) {
-      event.kind = kind;
-      EXPECT_TRUE(gesture(event));
-    }
-    return after({});
+    tree.click(0, 1, 0, y);
+    return tree.chosen();
   };
   EXPECT_EQ(after({}), "VIEW TREE / ");
   EXPECT_EQ(after({XK_Down, XK_Down}), "VIEW TREE /B11 ");
@@ -377,19 +406,11 @@ TEST(TreeView, KeysWheelAndClicksMoveInTheRows) {
   EXPECT_EQ(after({}), "VIEW TREE / ");
   gx_vext.viewport_id = gx_vext.viewport_edit;
   EXPECT_FALSE(key(XK_Down));
-  kv_show_tree(false);
-  EXPECT_FALSE(kv_tree_is_shown());
 }
 
 // Three rows: the top, A with a block B below it, C.
 TEST(TreeView, BlocksHaveTheNumberAndColourOfTheirFindings) {
-  design_session s(
-      "symbol leaf\n pin A 0,0 IN\n prop CLASS=R\nsymbol low\n pin A 0,0 IN\n"
-      "sheet low\n part R leaf 4,4\nsymbol high\n pin A 0,0 IN\nsheet high\n part B low 4,4\n"
-      "sheet top\n part A high 4,4\n part C low 4,9\n");
-  gx_vext.bitmap_size = {1100, 880};
-  for (const auto& viewport : set_viewports()) gx_viewport_create(viewport.bounds, viewport.border);
-  const counting_screen screen;
+  ShownTree tree(three_rows);
   const auto finding = [](const char* at, kv_severity severity) {
     kv_finding_t made;
     made.at = at;
@@ -401,14 +422,10 @@ TEST(TreeView, BlocksHaveTheNumberAndColourOfTheirFindings) {
     kv_show_tree(false);
     kv_show_tree(true);
     std::map<int, std::string> rows;
-    const auto& box = gx_viewport_rec(gx_vext.viewport_tree).pixel_bounds;
-    gx_pen_flush();
-    counting_screen::boxes.clear();
-    kv_draw_tree();
-    gx_pen_flush();
+    tree.draw();
     for (const auto& [color, mark] : counting_screen::boxes)
       if (mark.width == 6 && mark.height == 6)
-        rows[(mark.y - box.ymin - 6) / 18] += std::to_string(color);
+        rows[(mark.y - tree.y_of(0)) / 18] += std::to_string(color);
     std::string text;
     for (const auto& [row, colors] : rows) text += std::to_string(row) + ":" + colors + " ";
     return text;
@@ -421,97 +438,7 @@ TEST(TreeView, BlocksHaveTheNumberAndColourOfTheirFindings) {
   EXPECT_EQ(marks(), "1:5 2:5 ");
   kv_pext.findings = {finding("/", kv_severity::error)};
   EXPECT_EQ(marks(), "0:1 ");
-  kv_show_tree(false);
 }
-
-// The tree in a window of 1100 by 880 pixels: letters 8 high and 9 wide, rows of 18 pixels.
-class ShownTree {
- public:
-  explicit ShownTree(std::string_view description) : s(description) {
-    gx_vext.bitmap_size = {1100, 880};
-    for (const auto& viewport : set_viewports())
-      gx_viewport_create(viewport.bounds, viewport.border);
-    show();
-  }
-  void show() {
-    kv_show_tree(true);
-    gx_vext.viewport_id = gx_vext.viewport_tree;
-    box = gx_viewport_rec(gx_vext.viewport_tree).pixel_bounds;
-  }
-  ~ShownTree() { kv_show_tree(false); }
-  ShownTree(const ShownTree&) = delete;
-  ShownTree& operator=(const ShownTree&) = delete;
-
-  bool gesture(const gx_event_t& event) {
-    return kv_tree_gesture(event, [&](std::string_view line) { command = line; });
-  }
-  bool key(std::uint32_t keysym, std::uint32_t modifiers = 0) {
-    gx_event_t event;
-    event.kind = gx_event_kind::key_press;
-    event.code = keysym;
-    event.modifiers = modifiers;
-    return gesture(event);
-  }
-  bool button(gx_event_kind kind, int row, int clicks = 1, std::uint32_t modifiers = 0) {
-    gx_event_t event;
-    event.kind = kind;
-    event.clicks = clicks;
-    event.modifiers = modifiers;
-    event.pixel = {static_cast<std::int16_t>(box.xmin + 20),
-                   static_cast<std::int16_t>(box.ymin + 6 + 18 * row)};
-    return gesture(event);
-  }
-  void click(int row, int clicks = 1, std::uint32_t modifiers = 0) {
-    EXPECT_TRUE(button(gx_event_kind::button1_down, row, clicks, modifiers));
-    EXPECT_TRUE(button(gx_event_kind::button1_up, row, clicks, modifiers));
-  }
-  std::string chosen() {
-    EXPECT_TRUE(key(XK_Return));
-    return command;
-  }
-  void draw() {
-    gx_pen_flush();
-    counting_screen::forget();
-    kv_draw_tree();
-    gx_pen_flush();
-  }
-  int y_of(int row) const { return box.ymin + 6 + 18 * row; }
-  // A text of a row, at that depth and so many letters after the knob.
-  bool text(int row, int depth, int letters, std::string_view text, int color) const {
-    return counting_screen::has_text(gx_vext.viewport_tree, text,
-                                     box.xmin + 6 + 9 * (depth + 2 + letters), y_of(row) + 8, 8,
-                                     color);
-  }
-  // "-", "+" or "" for the knob of a row.
-  std::string knob(int row, int depth) const {
-    const int x = box.xmin + 6 + 9 * depth, y = y_of(row) + 1;
-    if (!counting_screen::has_box(4, x + 2, y + 4, 5, 1)) return "";
-    EXPECT_TRUE(is_framed(4, x, y, x + 8, y + 8)) << row;
-    return counting_screen::has_box(4, x + 4, y + 2, 1, 5) ? "+" : "-";
-  }
-  static bool is_framed(int color, int x0, int y0, int x1, int y1) {
-    const auto has = [&](int xa, int ya, int xb, int yb) {
-      return counting_screen::has_line(
-          color, {static_cast<std::int16_t>(xa), static_cast<std::int16_t>(ya),
-                  static_cast<std::int16_t>(xb), static_cast<std::int16_t>(yb)});
-    };
-    return has(x0, y0, x1, y0) && has(x1, y0, x1, y1) && has(x1, y1, x0, y1) && has(x0, y1, x0, y0);
-  }
-  // The frame of the row that is chosen or in view.
-  bool is_marked(int row, int color) const {
-    return is_framed(color, box.xmin + 2, y_of(row) - 4, box.xmax - 5, y_of(row) + 12);
-  }
-
-  design_session s;
-  counting_screen screen;
-  gx_bounds16_t box;
-  std::string command;
-};
-
-constexpr char three_rows[] =
-    "symbol leaf\n pin A 0,0 IN\n prop CLASS=R\nsymbol low\n pin A 0,0 IN\n"
-    "sheet low\n part R leaf 4,4\nsymbol high\n pin A 0,0 IN\nsheet high\n part B low 4,4\n"
-    "sheet top\n part A high 4,4\n part C low 4,9\n";
 
 TEST(TreeView, ARowHasItsKnobNameAndCell) {
   constexpr int white = 7, cyan = 4, red = 1;
@@ -668,18 +595,4 @@ TEST(TreeView, OtherPrimitivesMakeOtherBlocks) {
   EXPECT_EQ(first_block(), "VIEW TREE / ");
 }
 
-TEST(TreeView, InABatchTheSettingsHaveNoEffectAndPathsAreGoneTo) {
-  design_session s(named);
-  EXPECT_EQ(s.run("view tree on"), lines_t{" VIEw TREe ON "});
-  EXPECT_FALSE(kv_tree_is_shown());
-  EXPECT_EQ(s.run("display hints on"), lines_t{" DISplay HINts ON "});
-  EXPECT_EQ(s.run("view tree /xr"), lines_t{" VIEw TREe /xr "});
-  EXPECT_EQ(gx_view(kv_pext.cur_sim_path), "XR/");
-  EXPECT_EQ(s.run("view tree /"), lines_t{" VIEw TREe / "});
-  EXPECT_EQ(gx_view(kv_pext.cur_sim_path), "");
-  EXPECT_EQ(s.run("view tree /xq").back(), "# !! Error : Path not found ? ");
-  EXPECT_EQ(s.run("view tree maybe").back(),
-            "# !! Error : 3rd parameter incorrect (ON, OFF, /path) ? ");
-  EXPECT_EQ(s.run("display hints maybe").back(), "# !! Error :  3rd parameter incorrect ? ");
-}
 }  // namespace
