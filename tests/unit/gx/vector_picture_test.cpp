@@ -11,6 +11,7 @@
 #include "gx/vector/svg_picture.h"
 #include "tests/support/design_session.h"
 #include "tests/support/make_design.h"
+#include "tests/support/session_case.h"
 
 namespace {
 std::shared_ptr<gx_file_gene_recf_t> sheet_of(std::string_view description) {
@@ -33,10 +34,6 @@ lines_t between(std::string_view text, std::string_view begin, std::string_view 
   return found;
 }
 
-bool holds(const lines_t& lines, std::string_view line) {
-  return std::find(lines.begin(), lines.end(), line) != lines.end();
-}
-
 // Streams as they are.
 std::string pdf_of(std::string_view description, const gx_sheet_labels_t& labels = {},
                    int pages = 1) {
@@ -46,44 +43,28 @@ std::string pdf_of(std::string_view description, const gx_sheet_labels_t& labels
   return document.finish("a (title)");
 }
 
-TEST(VectorPicture, ShapesLieWhereTheSheetHasThem) {
-  const std::string svg = svg_of(
-      "sheet top\n page 24,20\n line 2,4 3,4\n line 2,4 3,5 color red width 3 style 2\n"
-      " rect 2,2 4,3 filled color green\n polyline 1,1 2,1 2,2\n circle 6,6 1\n"
-      " text HELLO at 6,8 height 0.5\n text ASIDE at 7,8 vertical\n");
-  const auto paths = between(svg, " d=\"", "\"");
-  EXPECT_TRUE(holds(paths, "M100 200H150")) << svg;
-  EXPECT_TRUE(holds(between(svg, "<path class=\"c1 s2\"", "/>"),
-                    " stroke-width=\"6\" d=\"M100 200L150 250\""));
-  EXPECT_TRUE(holds(between(svg, "<path class=\"f2\" d=\"", "\""), "M100 100H200V150H100Z"));
-  EXPECT_TRUE(std::ranges::any_of(paths, [](const auto& d) {
-    return d.ends_with("M50 50H100V100M250 300A50 50 0 1 1 350 300A50 50 0 1 1 250 300");
-  })) << svg;
-  EXPECT_EQ(between(svg, "x=\"300\" y=\"400\" font-size=\"35\" ", "</text>"),
-            lines_t{"textLength=\"150\" lengthAdjust=\"spacingAndGlyphs\">HELLO"});
-  EXPECT_EQ(between(svg, " transform=\"", "\""), lines_t{"rotate(-90 350 400)"});
-  // The page and the room for its title above.
-  EXPECT_EQ(between(svg, "<rect x=\"0\" ", " fill"),
-            (lines_t{"y=\"-60\" width=\"1200\" height=\"1060\"",
-                     "y=\"0\" width=\"1200\" height=\"1000\" class=\"c6\""}));
-}
-
-// An arc over the upper half of a circle from the right to the left, in every placement: its ends,
-// and on which side of them it bulges.
-TEST(VectorPicture, ArcsTurnWithTheirPart) {
-  const char* const expected[2][4] = {
-      {"M450 400A50 50 0 0 0 350 400", "M400 350A50 50 0 0 0 400 450",
-       "M350 400A50 50 0 0 0 450 400", "M400 450A50 50 0 0 0 400 350"},
-      {"M450 400A50 50 0 0 1 350 400", "M400 450A50 50 0 0 1 400 350",
-       "M350 400A50 50 0 0 1 450 400", "M400 350A50 50 0 0 1 400 450"}};
-  for (const int mirrored : {0, 1})
-    for (int rotate = 0; rotate < 4; ++rotate) {
-      const std::string svg =
-          svg_of("symbol s\n arc 1,0 0,-1 -1,0\nsheet top\n page 20,20\n part U s 8,8 rotate " +
-                 std::to_string(rotate) + (mirrored != 0 ? " mirror\n" : "\n"));
-      EXPECT_TRUE(holds(between(svg, " d=\"", "\""), expected[mirrored][rotate]))
-          << mirrored << rotate << svg;
+// "svg" or "pdf": what is drawn, without the looks before and the fonts after.
+class vector_session {
+ public:
+  explicit vector_session(std::string design) : design_(std::move(design)) {}
+  lines_t answer(const std::string& line) const {
+    if (line == "svg") {
+      const std::string svg = svg_of(design_);
+      return split_lines(std::string_view(svg).substr(svg.find("</style>\n") + 9));
     }
+    const std::string pdf = pdf_of(design_);
+    lines_t lines = between(pdf, "/BBox", "\n");
+    for (const auto& drawn : split_lines(between(pdf, "stream\n", "\nendstream").front()))
+      lines.push_back(drawn);
+    return lines;
+  }
+
+ private:
+  std::string design_;
+};
+
+TEST(VectorPicture, ShapesLieWhereTheSheetHasThem) {
+  expect_sessions<vector_session>("picture/vector.txt");
 }
 
 TEST(VectorPicture, WhatIsHiddenOrOverriddenIsNotWritten) {
@@ -133,23 +114,6 @@ TEST(VectorPicture, LengthsHaveNoMoreDecimalsThanTheyNeed) {
     gx_append_units(text, length);
     EXPECT_EQ(text, written);
   }
-}
-
-// What an instance draws is written from its origin; its colours, pens and fonts end with it.
-TEST(VectorPicture, ThePdfOfATurnedPart) {
-  const std::string description =
-      "symbol s\n arc 1,0 0,-1 -1,0\n prop KIND=up at 0,1 vertical\n"
-      "sheet top\n page 20,20\n line 1,1 2,1 color red\n part U s 8,8 rotate 2 mirror\n"
-      " net\n  wire 2,15 4,15 style 1 width 2\n";
-  EXPECT_EQ(between(pdf_of(description), "/BBox", "]").front(), "[-1 -1 1001 1001");
-  EXPECT_EQ(between(pdf_of(description), "stream\n", "\nendstream").front(),
-            "1 j\n0.56 0 0.56 RG\n2 w\n1 J [] 0 d\n0 0 1000 1000 re\nS\n"
-            "0.75 0 0 RG\n50 50 m\n100 50 l\nS\n"
-            "q 1 0 0 1 400 400 cm\n0.5 0.31 0 RG\n2 w\n1 J [] 0 d\n-50 0 m\n"
-            "-50 -27.61 -27.61 -50 0 -50 c\n27.61 -50 50 -27.61 50 0 c\nS\n"
-            "0 0 0 rg\nBT\n/F 35 Tf\n142.86 Tz\n0 -1 -1 0 12.5 50 Tm\n(up)Tj ET\nQ\n"
-            "0 0.38 0.5 RG\n4 w\n0 J [12 12 ] 0 d\n100 750 m\n200 750 l\nS\n");
-  EXPECT_EQ(between(svg_of(description), " transform=\"", "\""), lines_t{"rotate(-90 412.5 450)"});
 }
 
 TEST(VectorPicture, LinksAndFlatNamesAreThoseOfThePage) {
