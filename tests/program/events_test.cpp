@@ -36,6 +36,15 @@ TEST_F(Interactive, ALineIsTypedAndEdited) {
   s.key(XK_BackSpace);
   s.key(XK_Return);
   s.wait_for_line(" SMAsh ON ");
+  point_at(in_edit);
+  s.type("smaash off");
+  s.settle();
+  point_at(command_column(5));
+  s.move(500, 693);
+  s.settle();
+  s.key(XK_BackSpace);  // where the pointer was on the line
+  s.key(XK_Return);
+  s.wait_for_line(" SMAsh OFF ");
 
   // Insert recalls the line under the pointer; Escape forgets it; Return on a blank line is
   // nothing.
