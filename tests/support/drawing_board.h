@@ -66,11 +66,10 @@ class drawing_board {
 // The object that words name: "line_2d", "line_2d 2".
 inline int object_named(const drawing_board& board, std::istream& words) {
   std::string type;
-  int n = 1, code = 1;
+  int n = 1;
   words >> type;
   if (!(words >> n)) n = 1;
-  while (code < gx_max_type && gx_type_name(static_cast<gx_type>(code)) != type) ++code;
-  return board.id(static_cast<gx_type>(code), n);
+  return board.id(type_named(type), n);
 }
 
 // "select instance 2", "hide net", "delete segment"; off: no longer so. Whether the words are such.

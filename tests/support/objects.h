@@ -2,6 +2,7 @@
 #pragma once
 
 #include <ostream>
+#include <string_view>
 #include <vector>
 
 #include "gx/db/object_access.h"
@@ -11,6 +12,12 @@ inline int nth_object(const gx_file_gene_recf_t& file, gx_type type, int n = 1) 
   for (const auto* object : file.ptr_to_ar_objindex)
     if (object->object_type == type && --n == 0) return object->object_id;
   return 0;
+}
+// A type by its name; the last one where no other has it.
+inline gx_type type_named(std::string_view name) {
+  int code = 1;
+  while (code < gx_max_type && gx_type_name(static_cast<gx_type>(code)) != name) ++code;
+  return static_cast<gx_type>(code);
 }
 template <typename Rec>
 Rec& nth_record(const gx_file_gene_recf_t& file, int n = 1) {

@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <sstream>
 
-#include "gx/db/file/record_tables.h"
 #include "gx/vext.h"
+#include "tests/support/put_field.h"
 #include "tests/support/session_case.h"
 #include "tests/support/told_netlist.h"
 #include "tests/unit/expand/flatten_fixture.h"
@@ -30,18 +30,9 @@ void change_records(std::vector<gxm_file_t>& files, std::istringstream words) {
   std::string old;
   if (const auto at = name.find('='); at != name.npos) old = name.substr(at + 1), name.erase(at);
   const auto change = [&](void* record, gx_fields_t fields) {
-    for (const auto& field : fields) {
-      if (field.name != name || (!old.empty() && gx_field_text(record, field) != old)) continue;
-      if (field.kind == gx_kind::string) {
-        gx_member<gx_string_record_t>(record, field) = gx_string(value);
-      } else if (field.kind == gx_kind::name) {
-        gx_member<gx_name_record_t>(record, field) = gx_name(value);
-      } else if (field.kind == gx_kind::flag) {
-        gx_put_number(record, field, static_cast<std::uint8_t>(std::stoi(value)));
-      } else {
-        gx_put_number(record, field, static_cast<std::int16_t>(std::stoi(value)));
-      }
-    }
+    for (const auto& field : fields)
+      if (field.name == name && (old.empty() || gx_field_text(record, field) == old))
+        put_field(record, fields, name, value);
   };
   for (const auto& file : files) {
     if (file.directory + "/" + file.base != where) continue;

@@ -3,7 +3,9 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <csignal>
+#include <sstream>
 
 #include "gx/db/file/file_slots.h"
 #include "gx/db/file/link_file.h"
@@ -16,6 +18,7 @@
 #include "tests/support/db_builder.h"
 #include "tests/support/fatal_stop.h"
 #include "tests/support/scratch_directory.h"
+#include "tests/support/session_case.h"
 
 namespace {
 
@@ -41,36 +44,44 @@ class db_files : public testing::Test {
   scratch_directory scratch;
 };
 
-TEST_F(db_files, a_link_file_names_the_version) {
-  struct link_case {
-    std::string_view text;
-    bool found, valid;
-    int version;
-    std::string_view file;
-    int errors;
-  };
-  const link_case cases[] = {
-      {"_3        \n", true, true, 3, "/top.gx_3", 0},
-      {"  _12, _13\n_14\n", true, true, 12, "/top.gx_12", 0},
-      {"_1", true, true, 1, "/top.gx_1", 0},
-      {"_x\n", true, false, 0, "/top.gx_x", 0},
-      {"_\n", true, false, 0, "/top.gx_", 0},
-      {"_40000\n", true, false, 0, "/top.gx_40000", 0},
-      {"_-1\n", true, false, 0, "/top.gx_-1", 0},
-      {"", false, true, 1, "/top.gx_1", 1},
-      {"   \n", false, true, 1, "/top.gx_1", 0},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.text);
+// Answers what is made of a link or a path.
+class link_session {
+ public:
+  explicit link_session(std::string_view) {}
+  lines_t answer(const std::string& line) const {
+    const auto blank = line.find(' ');
+    const std::string verb = line.substr(0, blank);
+    std::string text = line.substr(blank + 1);
+    std::ranges::replace(text, '|', '\n');
+    std::ostringstream told;
     gx_vext.num_errors = 0;
-    scratch.write("top.gx", c.text);
-    const auto names = gx_file_get_file_version(dir(), "top");
-    EXPECT_EQ(names.found, c.found);
-    EXPECT_EQ(names.valid, c.valid);
-    EXPECT_EQ(names.valid ? names.version : 0, c.version);
-    EXPECT_EQ(gx_view(names.file_pathname), dir() + std::string(c.file));
-    EXPECT_EQ(gx_vext.num_errors, c.errors);
+    if (verb == "link") {
+      scratch_.write("top.gx", text);
+      const auto names = gx_file_get_file_version(scratch_.path().string(), "top");
+      told << gx_view(names.file_pathname).substr(scratch_.path().string().size())
+           << (names.found ? " found" : "");
+      names.valid ? told << " version " << names.version : told << " invalid";
+    } else if (verb == "path") {
+      const auto split = gx_get_path_n0version(text);
+      told << '"' << gx_view(split.directory) << "\" \"" << gx_view(split.name) << '"';
+      split.error ? told << " error" : told << " version " << split.version;
+    } else {
+      const auto colon = text.find(':');
+      scratch_.write("Sym.gx", text.substr(0, colon));
+      const auto link = gx_check_gx_link(scratch_.path().string() + text.substr(colon + 1));
+      told << (gx_view(link.directory) == scratch_.path().string() ? "there" : "elsewhere")
+           << (link.link_found ? " found" : "") << (link.current ? " current" : "");
+    }
+    told << ", " << gx_vext.num_errors << " errors";
+    return {told.str()};
   }
+
+ private:
+  scratch_directory scratch_;
+};
+
+TEST_F(db_files, links_and_paths_name_versions) {
+  expect_sessions<link_session>("design/links.txt");
   // A link file that is there and cannot be read is not missing.
   std::filesystem::create_symlink("loop.gx", scratch.file("loop.gx"));
   const auto loop = gx_file_get_file_version(dir(), "loop");
@@ -81,50 +92,6 @@ TEST_F(db_files, a_link_file_names_the_version) {
   EXPECT_EQ(gx_view(none.link_value), "_1");
   EXPECT_EQ(gx_view(gx_file_new_file_version("/d", "top", 3).file_pathname), "/d/top.gx_4");
   EXPECT_FALSE(gx_file_get_file_version(std::string(190, 'd'), "top").valid);
-}
-
-TEST_F(db_files, a_symbol_path_splits_into_directory_name_and_version) {
-  struct path_case {
-    std::string_view path, directory, name;
-    int version;
-    bool error;
-  };
-  const path_case cases[] = {
-      {"/lib/Sand.gx_12", "/lib", "Sand", 12, false},
-      {"/lib/Sand.GX_12", "/lib", "Sand", 12, false},
-      {"/Sea/lib/symbol.gx_3", "/Sea/lib", "symbol", 3, false},
-      {"cell/symbol.gx_3/data", "cell", "symbol", 3, false},
-      {"/lib/Sand.gx_", "/lib", "Sand", 0, true},
-      {"/lib/Sand.gx_x1", "/lib", "Sand", 0, true},
-      {"/lib/Sand.gx_99999", "/lib", "Sand", 0, true},
-      {"/lib/Sand", "/lib", "Sand", 0, true},
-      {"/a.gx_1/Sand", "/a.gx_1", "Sand", 0, true},
-      {"lib/and.gx_1", "l", "lib/and", 1, false},
-      {"", "", "", 0, true},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.path);
-    const auto split = gx_get_path_n0version(c.path);
-    EXPECT_EQ(gx_view(split.directory), c.directory);
-    EXPECT_EQ(gx_view(split.name), c.name);
-    EXPECT_EQ(split.error, c.error);
-    EXPECT_EQ(split.error ? 0 : split.version, c.version);
-  }
-}
-
-TEST_F(db_files, a_data_path_is_current_when_its_link_says_so) {
-  const auto test = [&](std::string_view link, std::string_view path) {
-    scratch.write("Sym.gx", link);
-    const auto result = gx_check_gx_link(dir() + std::string(path));
-    return std::string(gx_view(result.directory)) + (result.link_found ? " found" : "") +
-           (result.current ? " current" : "");
-  };
-  EXPECT_EQ(test("_2        \n", "/Sym.gx_2"), dir() + " found current");
-  EXPECT_EQ(test("_3        \n", "/Sym.gx_2"), dir() + " found");
-  EXPECT_EQ(test("_x        \n", "/Sym.gx_2"), dir() + " found");
-  EXPECT_EQ(test("", "/Sym.gx_2"), dir());
-  EXPECT_EQ(test("_2\n", "/Sum.gx_2"), dir());
-  EXPECT_EQ(gx_vext.num_errors, 0);
 }
 
 TEST_F(db_files, opening_and_reopening_slots) {

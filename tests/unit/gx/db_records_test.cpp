@@ -4,9 +4,13 @@
 #include <cmath>
 #include <cstring>
 #include <functional>
+#include <sstream>
 
 #include "gx/db/file/record_codec.h"
+#include "gx/text/messages/status.h"
 #include "tests/support/db_builder.h"
+#include "tests/support/put_field.h"
+#include "tests/support/session_case.h"
 
 namespace {
 
@@ -199,51 +203,50 @@ TEST(db_records, flags_are_cleared_and_a_negative_text_length_is_an_empty_text) 
   EXPECT_EQ(gx_view(property.nvalue), "V");
 }
 
-struct refusal_case {
-  std::string_view what;
-  std::size_t at;  // in the file of one property named CLASS
-  std::string_view hex;
-  gx_code code;
-  std::string_view message;
+// What a file says that was damaged as the line tells.
+class damage_session {
+ public:
+  explicit damage_session(std::string_view) {}
+  static lines_t answer(const std::string& line) {
+    std::istringstream words(line);
+    std::string verb, what, field, value;
+    words >> verb >> what >> field;
+    if (verb == "patch") {
+      gx_builder built;
+      built.add_property(0, "CLASS", "");
+      return told(decode(patched(built.bytes(), std::stoul(what), field)));
+    }
+    auto sheet = small_sheet();
+    if (verb == "add") {
+      what = std::to_string(sheet.add(type_named(what), object(sheet, field)));
+      words >> field;
+    }
+    while (words >> value) {
+      auto& record = gx_object_id_ptr(sheet.file, object(sheet, what));
+      if (std::isalpha(value.front()) != 0) value = std::to_string(object(sheet, value));
+      put_field(&record, gx_general_fields(), field, value);
+      put_field(&record, gx_tail_fields(record.object_type), field, value);
+      words >> what >> field;
+    }
+    return told(decode(sheet.bytes()));
+  }
+
+ private:
+  static lines_t told(const gx_load_t& load) {
+    EXPECT_EQ(load.file, nullptr);
+    return {load.message, std::string(gx_error_name(static_cast<int>(load.code)))};
+  }
+  // "7", "instance", "instance:2"
+  static int object(const gx_builder& sheet, const std::string& name) {
+    if (std::isalpha(name.front()) == 0) return std::stoi(name);
+    const auto colon = name.find(':');
+    return nth_object(sheet.file, type_named(name.substr(0, colon)),
+                      colon == name.npos ? 1 : std::stoi(name.substr(colon + 1)));
+  }
 };
 
-TEST(db_records, damaged_fields_are_refused) {
-  using enum gx_code;
-  // clang-format off
-  const refusal_case cases[] = {
-      {"revision 2.0001", 0, "400001A3", file_open_invalid, "software revision 2.0001"},
-      {"revision is no number", 0, "7FC00000", file_open_invalid, "software revision"},
-      {"end marker", 36, "FFED", file_open_invalid, "end marker"},
-      {"objects missing", 14, "0002", object_structure_invalid, "object 2: the file ends early"},
-      {"negative number of objects", 14, "FFFF", file_data_invalid, "number of objects -1"},
-      {"30001 objects", 14, "7531", file_data_invalid, "number of objects 30001"},
-      {"type 0", 38 + 12, "0000", object_structure_invalid, "object 1: record type 0"},
-      {"type 33", 38 + 12, "0021", object_structure_invalid, "object 1: record type 33"},
-      {"stored as deleted", 38 + 14, "0021", file_close_invalid, "object 1: stored"},
-      {"name of 65 characters", 38 + 44, "00000041", file_data_invalid, "object 1: a text of 65"},
-      {"longest name", 38 + 44, "7FFFFFFF", file_data_invalid, "object 1: a text of 2147483647"},
-      {"value of 97 characters", 38 + 53, "00000061", file_data_invalid, "object 1: a text of 97"},
-      {"newline in a name", 38 + 48, "0A", file_data_invalid, "object 1: a text holds unprintable"},
-      {"stored under another id", 38, "0002", file_data_invalid, "object 1: its stored id is 2"},
-      {"its own father", 38 + 2, "0001", file_data_invalid, "object 1: its fathers loop"},
-      {"its own sibling", 38 + 6, "0001", file_data_invalid, "following loops"},
-      {"its own previous", 38 + 4, "0001", file_data_invalid, "previous loops"},
-      {"no such father", 38 + 2, "0002", file_data_invalid, "object 1: father 2 does not exist"},
-      {"a negative child", 38 + 8, "FFFF", file_data_invalid, "object 1: child1 -1 does not exist"},
-      {"no main", 16, "0002", file_data_invalid, "header: primary_object 2 does not exist"},
-      {"no grid", 20, "0001", file_data_invalid, "header: grid_obj_id 1 has the wrong type"},
-  };
-  // clang-format on
-  gx_builder built;
-  built.add_property(0, "CLASS", "");
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.what);
-    const auto load = decode(patched(built.bytes(), c.at, c.hex));
-    EXPECT_EQ(load.code, c.code);
-    EXPECT_EQ(load.file, nullptr);
-    EXPECT_TRUE(load.message.starts_with("d/sheet.gx_3: ")) << load.message;
-    EXPECT_NE(load.message.find(c.message), std::string::npos) << load.message;
-  }
+TEST(db_records, damaged_files_are_refused) {
+  expect_sessions<damage_session>("design/refused.txt");
 }
 
 // Every id field of every record, by its place in the field table of the sheet's objects.
@@ -285,57 +288,11 @@ TEST(db_records, references_to_the_wrong_type_are_refused) {
   }
 }
 
-TEST(db_records, trees_that_no_walk_could_leave_are_refused) {
-  const auto refused = [](std::string_view why, const std::function<void(gx_builder&)>& damage) {
-    auto sheet = small_sheet();
-    damage(sheet);
-    const auto load = decode(sheet.bytes());
-    EXPECT_EQ(load.code, gx_code::file_data_invalid) << why;
-    EXPECT_NE(load.message.find(why), std::string::npos) << load.message;
-  };
-  const auto object = [](gx_builder & s, int id) -> auto& { return gx_object_id_ptr(s.file, id); };
-  refused("a chain of objects by following loops", [&](auto& s) {
-    object(s, 8).following = 5;  // the families 5..8 in a ring, 4 without a next one
-    object(s, 4).following = 0;
-  });
-  refused("stands in another chain too", [&](auto& s) { object(s, 8).following = 5; });
-  refused("has another father", [&](auto& s) { object(s, 9).child1 = 1; });
-  refused("its fathers loop", [&](auto& s) {
-    object(s, 1).father = 9;
-    object(s, 9).father = 1;
-    object(s, 5).child1 = 0;
-  });
-  refused("a chain of objects by following_inst loops", [](auto& s) {
-    const auto first = gx_symbol_info_ptr(s.file, 9).instance;
-    const auto second = gx_instance_info_ptr(s.file, first).following_inst;
-    gx_instance_info_ptr(s.file, second).following_inst = first;
-  });
-  refused("rotate 4 is out of range",
-          [](auto& s) { nth_record<gx_object_instance_rec_t>(s.file).rotate = 4; });
-  refused("no child of its type belongs under object 6",
-          [](auto& s) { s.add(gx_type::vertex_2d, 6); });
-  const int pins = nth_object(small_sheet().file, gx_type::pin_family);  // of the symbol
-  refused("no child of its type belongs under object " + std::to_string(pins),
-          [&](auto& s) { s.add(gx_type::pinpropfam, pins); });
-  refused("n_points 6 is out of range",
-          [](auto& s) { s.template add_record<gx_object_polyline5_rec_t>(1).n_points = 6; });
-  // What no drawing could be made of.
-  const auto segment = [](gx_builder & s) -> auto& {
-    return nth_record<gx_object_segment_rec_t>(s.file);
-  };
-  refused("line_width 0 is out of range", [&](auto& s) { segment(s).line_width = 0; });
-  refused("line_style 5 is out of range", [&](auto& s) { segment(s).line_style = 5; });
-  refused("vertex1 0 does not exist", [&](auto& s) { segment(s).vertex1 = 0; });
-  refused("vertex2 6 has the wrong type", [&](auto& s) { segment(s).vertex2 = 6; });
-  refused("border_style -1 is out of range",
-          [](auto& s) { s.template add_record<gx_object_arc_rec_t>(1).border_style = -1; });
-  refused("line_width 0 is out of range",
-          [](auto& s) { s.template add_record<gx_object_line_rec_t>(1).line_width = 0; });
-  refused("step_point 0 is out of range",
-          [](auto& s) { gx_grid_info_ptr(s.file, s.file.grid_obj_id).step_point = 0; });
-  refused("its fathers loop or lie too deep", [](auto& s) {
-    for (int depth = 0, at = 1; depth < 32; ++depth) at = s.add(gx_type::graphics, at);
-  });
+TEST(db_records, a_tree_that_is_too_deep_is_refused) {
+  auto sheet = small_sheet();
+  for (int depth = 0, at = 1; depth < 32; ++depth) at = sheet.add(gx_type::graphics, at);
+  EXPECT_NE(decode(sheet.bytes()).message.find("its fathers loop or lie too deep"),
+            std::string::npos);
 }
 
 // Walks everything that later rooms walk; the count bounds a walk that would not end.
