@@ -4,8 +4,8 @@
 usage: transcripts.py BUILD CASE.txt...
 
 "$ COMMAND" of a case, with the lines "> ..." after it, is run by bash in a directory of the case's own, in
-which those before it ran; $SOURCE is the project. What follows is what it prints, errors among it, and "[N]", the status of each command
-that fails. "## " begins a comment.
+which those before it ran; $SOURCE is the project. What follows is what it prints, errors among it, and
+"[N]", the status of each command that fails. "## " begins a comment.
 The status is 1 where anything differs; then both are shown.
 """
 import difflib
@@ -38,8 +38,9 @@ def faults_of(case, build):
         environment.update(VELMORAN=build + "/product", SOURCE_DATE_EPOCH="86400", SOURCE=SOURCE,
                            PATH=f"{build}/tools:{build}:{os.environ['PATH']}")
         for command, expected in commands_of(case):
-            done = subprocess.run(["bash", "-o", "pipefail", "-c", "trap 'echo [$?]' ERR\n" + command], cwd=here, env=environment, timeout=100,
-                                  stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+            words = ["bash", "-o", "pipefail", "-c", "trap 'echo [$?]' ERR\n" + command]
+            done = subprocess.run(words, cwd=here, env=environment, timeout=100, stdin=subprocess.DEVNULL,
+                                  stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
             got = done.stdout.decode("latin-1").replace(here, "HERE").splitlines()
             if got != expected:
                 faults += [f"{case}: $ {command}", *difflib.unified_diff(expected, got, lineterm="", n=99)]
