@@ -2,6 +2,7 @@
 // characters lie; and the menu levels over it.
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 
 #include "gx/display/input/cursor.h"
@@ -16,13 +17,14 @@
 #include "tests/support/counting_screen.h"
 #include "tests/support/drawing_board.h"
 #include "tests/support/fatal_stop.h"
+#include "tests/support/session_case.h"
 
 namespace {
 
 // Letters are 12 pixels wide; the line begins at pixel 100 + 8.
-class CommandLine : public testing::Test {
- protected:
-  CommandLine() {
+class command_line {
+ public:
+  command_line() {
     auto& v = gx_vext;
     v.viewport_cmd = v.viewport_list = drawing_board::edit;
     v.cmd_color = v.list_color = 7;
@@ -58,35 +60,52 @@ class CommandLine : public testing::Test {
   drawing_board board_;
 };
 
-TEST_F(CommandLine, IsTypedIntoAndCutAtTheCaret) {
-  const auto cut = [](std::string_view text, gx_cut what) {
-    set(text);
-    gx_cut_line(what);
-    return line();
-  };
-  for (const bool is_under_pointer : {false, true}) {
-    if (is_under_pointer) enter(1);
-    EXPECT_EQ(set("VIEW|"), "VIEW|");
-    EXPECT_EQ(set("|VIEW"), "|VIEW");
-    gx_insert_text("RE");
-    EXPECT_EQ(line(), "RE|VIEW");
-    gx_insert_text("");
-    EXPECT_EQ(line(), "RE|VIEW");
-    EXPECT_EQ(cut("VIEW | ALL", gx_cut::behind), "VIEW |");
-    EXPECT_EQ(cut("VIEW | ALL", gx_cut::before), "| ALL");
-    EXPECT_EQ(cut("VIEW ALL  |X", gx_cut::word), "VIEW |X");
-    EXPECT_EQ(cut("VIEW| X", gx_cut::word), "| X");
-    EXPECT_EQ(cut("  | X", gx_cut::word), "| X");
+class CommandLine : public testing::Test, protected command_line {};
+
+// "WHAT REST": the line after it, with "|" at its caret.
+class line_session : public command_line {
+ public:
+  explicit line_session(std::string_view) {
+    gx_display_list("first line");
+    gx_display_list("second");
   }
-  leave();
-  gx_set_command_line("abc", 9);
-  EXPECT_EQ(line(), "abc|");
-  gx_set_command_line("abc", 0);
-  EXPECT_EQ(line(), "abc|");
-  gx_set_command_line("abc", 3);
-  EXPECT_EQ(line(), "ab|c");
-  gx_set_command_line("abc");
-  EXPECT_EQ(line(), "abc|");
+  static lines_t answer(const std::string& said) {
+    const auto blank = std::min(said.find(' '), said.size());
+    const std::string what = said.substr(0, blank),
+                      rest = blank < said.size() ? said.substr(blank + 1) : "";
+    const auto number = [&] { return std::stoi(rest); };
+    if (what == "set") return {set(rest)};
+    if (what == "put") gx_set_command_line(rest);
+    if (what == "caret") gx_set_command_line("abc", number());
+    if (what == "insert") gx_insert_text(rest);
+    if (what == "cut")
+      gx_cut_line(rest == "after"    ? gx_cut::behind
+                  : rest == "before" ? gx_cut::before
+                                     : gx_cut::word);
+    // The pointer's column, or none; what its buttons and keys take there, in another viewport too.
+    if (what == "enter") enter(number());
+    if (what == "leave") leave();
+    if (what == "delete") gx_chardel_action(vpid(rest), gx_vext.pixel_pos);
+    if (what == "back") gx_backsp_action(vpid(rest), gx_vext.pixel_pos);
+    if (what == "again") {  // "COLUMN LINE" of the list
+      std::istringstream words(rest);
+      int column = 1, row = 1, viewport = gx_vext.viewport_list;
+      words >> column >> row >> viewport;
+      const gx_point16_t at{static_cast<std::int16_t>(100 + 8 - 6 + (column - 1) * gx_list_step()),
+                            static_cast<std::int16_t>(100 + (row - 1) * 20 + 10)};
+      gx_again_action(static_cast<gx_vpid_t>(viewport), at);
+    }
+    return {line()};
+  }
+
+ private:
+  static gx_vpid_t vpid(const std::string& rest) {
+    return static_cast<gx_vpid_t>(rest == "elsewhere" ? 2 : gx_vext.viewport_cmd);
+  }
+};
+
+TEST(CommandLineText, IsTypedIntoAndCutAtTheCaret) {
+  expect_sessions<line_session>("session/command_line.txt");
 }
 
 TEST_F(CommandLine, ScrollsSoThatTheCaretIsSeen) {
@@ -157,49 +176,6 @@ TEST_F(CommandLine, ShowsATypedPartAfterWhatIsThere) {
   gx_vext.str_cmd = gx_string(std::string(53, 'a'));
   EXPECT_GT(box_of("H").xmax, 0);
   EXPECT_EQ(box_of("HH").xmax, 0);  // no room
-}
-
-TEST_F(CommandLine, LosesTheCharacterUnderOrBeforeThePointer) {
-  const auto edited = [](auto action, std::string_view text, int column) {
-    leave();
-    gx_set_command_line(text);
-    enter(column);
-    action(gx_vext.viewport_cmd, gx_vext.pixel_pos);
-    return std::string(gx_view(gx_vext.str_cmd));
-  };
-  EXPECT_EQ(edited(gx_chardel_action, "abc", 1), "bc");
-  EXPECT_EQ(edited(gx_chardel_action, "abc", 3), "ab");
-  EXPECT_EQ(edited(gx_chardel_action, "abc", 9), "ab");
-  EXPECT_EQ(edited(gx_chardel_action, "a", 1), "");
-  EXPECT_EQ(edited(gx_chardel_action, "", 1), "");
-  EXPECT_EQ(edited(gx_backsp_action, "abc", 3), "ac");
-  EXPECT_EQ(edited(gx_backsp_action, "abc", 4), "ab");
-  EXPECT_EQ(edited(gx_backsp_action, "abc", 1), "bc");
-  gx_chardel_action(2, gx_cmd_column_pixel(1));
-  gx_backsp_action(2, gx_cmd_column_pixel(1));
-  EXPECT_EQ(gx_view(gx_vext.str_cmd), "bc");  // not the command viewport
-}
-
-TEST_F(CommandLine, TakesTheRestOfAListLineFromThePointerOn) {
-  gx_display_list("first line");
-  gx_display_list("second");
-  const auto again = [](int line, int column) {
-    gx_set_command_line("");
-    const gx_point16_t at{static_cast<std::int16_t>(100 + 8 - 6 + (column - 1) * gx_list_step()),
-                          static_cast<std::int16_t>(100 + (line - 1) * 20 + 10)};
-    gx_again_action(gx_vext.viewport_list, at);
-    return std::string(gx_view(gx_vext.str_cmd));
-  };
-  EXPECT_EQ(again(1, 1), "first line");
-  EXPECT_EQ(again(1, 7), "line");
-  EXPECT_EQ(again(2, 6), "d");
-  EXPECT_EQ(again(2, 7), "");
-  EXPECT_EQ(again(1, -5), "first line");
-  gx_set_command_line("DO ");
-  gx_again_action(gx_vext.viewport_list, {102, 130});
-  EXPECT_EQ(gx_view(gx_vext.str_cmd), "DO second");
-  gx_again_action(2, {102, 130});
-  EXPECT_EQ(gx_view(gx_vext.str_cmd), "DO second");
 }
 
 // --- menus: a line is 26 pixels high, a level as wide as its longest text and two letters

@@ -8,6 +8,7 @@
 #include "gx/text/spelling.h"
 #include "gx/text/strings.h"
 #include "tests/support/fatal_stop.h"
+#include "tests/support/session_case.h"
 
 namespace {
 const std::string a63(63, 'a'), a64(64, 'a'), a198(198, 'a'), a199(199, 'a'), a200(200, 'a');
@@ -221,33 +222,11 @@ TEST(TextRecords, ComparisonsIgnoreCaseAndNeverStop) {
               " !!! error in  gx_length : > max");
 }
 
-TEST(KeptText, SignsComeBackAsTheyWere) {
-  struct case_t {
-    std::string text, kept, plain;
-  };
-  const case_t cases[] = {
-      {"10\u00b5F \u00b15%", "10\\u{B5}F \\u{B1}5%", "10uF +-5%"},
-      {"4.7 k\u2126, 85 \u00b0C", "4.7 k\\u{2126}, 85 \\u{B0}C", "4.7 kohm, 85 degC"},
-      {"\U0001D11E", "\\u{1D11E}", "?"},
-      {"\\u{B5}", "\\u{5C}u{B5}", "\\u{B5}"},  // what looks like a sign is none
-      {"\\u{B5 \\u{} \\u{x5} \\", "\\u{B5 \\u{} \\u{x5} \\", "\\u{B5 \\u{} \\u{x5} \\"},
-      {"", "", ""},
-  };
-  for (const auto& [text, kept, plain] : cases) {
-    EXPECT_EQ(gx_kept_text(text), kept);
-    EXPECT_EQ(gx_shown_text(kept), text);
-    EXPECT_EQ(gx_plain_text(kept), plain);
-  }
+TEST(KeptText, WhatIsNoUtf8AndThePlacesOfSigns) {
+  EXPECT_EQ(gx_ascii("\n\t"), "\n ");
   EXPECT_EQ(gx_kept_text("caf\xe9\x01"), "caf\\u{E9} ");  // Latin-1, and a control character
-  EXPECT_EQ(gx_shown_length("10\\u{B5}F"), 4U);
-  EXPECT_EQ(gx_shown_length("10\\u"), 4U);
   for (const std::size_t shown : {0U, 1U, 2U, 3U, 4U})
     EXPECT_EQ(gx_kept_place("1\\u{B5}F", shown), (std::vector{0U, 1U, 7U, 8U, 8U}[shown])) << shown;
-  EXPECT_EQ(gx_shown_text("\\u{20}\\u{10FFFF}\\u{E000}"), " \U0010ffff\ue000");
-  // Numbers of no character stay as they are.
-  for (const char* no_sign : {"\\u{D800}", "\\u{110000}", "\\u{0B}", "\\u{0000000B5}", "\\u{-B5}",
-                              "\\u{1F}", "\\u{DFFF}", "\\u{5}"})
-    EXPECT_EQ(gx_shown_text(no_sign), no_sign);
 }
 
 TEST(Characters, OfUtf8AndOfBytesThatAreNone) {
@@ -271,29 +250,25 @@ TEST(Characters, OfUtf8AndOfBytesThatAreNone) {
     for (const char32_t code : characters) gx_append_utf8(again, code);
     EXPECT_EQ(gx_characters(again), characters) << bytes;
   }
-  EXPECT_EQ(gx_ascii("\u00c5ngstr\u00f6m \u00d7\u03a9\u00b5\u0153\u017e\u2265\u2010\u0163\n\t~"),
-            "Angstrom xohmuoez>=-t\n ~");
-  EXPECT_EQ(gx_ascii("\u00d0\u00c0\u017f\u0180\u4e2d\x7f"), "DA??? ");
 }
 
-TEST(Spelling, KeepsDrawnNamesApart) {
-  const std::pair<std::string_view, std::string_view> cases[] = {
-      {"D[7:0]+-#$&@=^|<>!.*?_", "D[7:0]+-#$&@=^|<>!.*?_"},
-      {"~{RD}/WR", "~RD~%2FWR"},
-      {"~{CS}", "~CS"},
-      {"~{12}", "~12~"},
-      {"A~{B}C~{D}", "A~B~C~D"},
-      {"a b\xe9%", "a%20b%E9%25"},
-      {"~{}x~{a", "%7E%7B%7Dx%7E%7Ba"},
-  };
-  for (const auto& [drawn, spelled] : cases) {
-    EXPECT_EQ(gx_spelled_name(drawn), spelled);
-    EXPECT_EQ(gx_drawn_name(spelled), drawn);
+// "WHAT TEXT": as it is then, and back again.
+class spelling_session {
+ public:
+  explicit spelling_session(std::string_view) {}
+  static lines_t answer(const std::string& line) {
+    const auto blank = line.find(' ');
+    const std::string what = line.substr(0, blank), text = line.substr(blank + 1);
+    if (what == "keep") {
+      const std::string kept = gx_kept_text(text);
+      return {kept, gx_plain_text(kept), gx_shown_text(kept)};
+    }
+    if (what == "show") return {gx_shown_text(text), std::to_string(gx_shown_length(text))};
+    if (what == "ascii") return {gx_ascii(text)};
+    const std::string spelled = what == "spell" ? gx_spelled_name(text) : text;
+    return {spelled, gx_drawn_name(spelled)};
   }
-  EXPECT_EQ(gx_spelled_name("~{a{b}"), "%7E%7Ba%7Bb%7D");
-  EXPECT_EQ(gx_spelled_name("~{{a}"), "%7E%7B%7Ba%7D");
-  EXPECT_EQ(gx_drawn_name("CS~2"), "CS~2");  // the second of a name: no bar
-  EXPECT_EQ(gx_drawn_name("~CS~2"), "~{CS}2");
-  EXPECT_EQ(gx_drawn_name("a%2g%4%41"), "a%2g%4A");
-}
+};
+
+TEST(Spelling, ComesBackAsItWas) { expect_sessions<spelling_session>("values/spelling.txt"); }
 }  // namespace
