@@ -284,6 +284,14 @@ TEST(Expanded, AHighlightNamesANetOnceOnASheet) {
   split.s.run("highlight off");
 }
 
+TEST(Expanded, ANetOfTwoUsesIsMarkedOnceOnTheirSheet) {
+  find_session both(true, "sheet both\n part A bit 4,4\n part B bit 4,12\n net K\n  wire A.D B.D\n",
+                    "both");
+  both.s.run("view sheet bit; highlight net /K");
+  EXPECT_EQ(marks(both.s), (lines_t{"1 K /K", "2 - /K"}));
+  both.s.run("highlight off");
+}
+
 TEST(Expanded, AHighlightFollowsTheViewAndTheRuns) {
   find_session session(true);
   auto& s = session.s;

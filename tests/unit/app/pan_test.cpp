@@ -2,6 +2,7 @@
 #include "app/sheet/pan.h"
 
 #include <string>
+#include <tuple>
 
 #include "app/sheet/pick.h"
 #include "app/state.h"
@@ -9,6 +10,7 @@
 #include "gx/db/queries.h"
 #include "gx/text/strings.h"
 #include "gx/vext.h"
+#include "tests/support/counting_screen.h"
 #include "tests/support/drawing_board.h"
 
 namespace {
@@ -51,16 +53,30 @@ TEST_F(Moves, PanThePictureWithThePointer) {
 }
 
 TEST_F(Moves, StepThePointerOverTheGrid) {
-  gx_vext.obj_pos = {10100, 19900};
-  move("$CR1");
-  EXPECT_EQ(gx_vext.obj_pos, (gx_pointreal_t{15000, 20000})) << "snapped, then moved";
-  EXPECT_EQ(gx_vext.pixel_pos, (gx_point16_t{250, 300}));
-  move("$CU4");
-  EXPECT_EQ(gx_vext.obj_pos, (gx_pointreal_t{15000, 20000})) << "the edge is too near";
-  move("$CD4");
-  EXPECT_EQ(gx_vext.obj_pos, (gx_pointreal_t{15000, 40000}));
-  move("$CL4");
-  EXPECT_EQ(gx_vext.pixel_pos, (gx_point16_t{250, 500})) << "it would leave the picture";
+  const counting_screen screen;
+  for (const char way : {'U', 'D', 'L', 'R'})
+    for (const int steps : {1, 4}) {
+      const std::string word = std::string("$C") + way + std::to_string(steps);
+      const std::int32_t by = (way == 'U' || way == 'L' ? -5000 : 5000) * steps;
+      const gx_pointreal_t to = way == 'U' || way == 'D' ? gx_pointreal_t{40000, 40000 + by}
+                                                         : gx_pointreal_t{40000 + by, 40000};
+      gx_vext.obj_pos = {40100, 39900};
+      counting_screen::put.clear();
+      move(std::string_view(word));
+      EXPECT_EQ(gx_vext.obj_pos, to) << word << ": snapped, then moved";
+      EXPECT_EQ(counting_screen::put,
+                std::to_string(100 + to.x / 100) + "," + std::to_string(100 + to.y / 100) + " ");
+    }
+  const gx_point16_t pixel = gx_vext.pixel_pos;
+  for (const auto& [x, y, word] : {std::tuple{40000, 20000, "$CU4"},
+                                   {40000, 60000, "$CD4"},
+                                   {20000, 40000, "$CL4"},
+                                   {60000, 40000, "$CR4"}}) {
+    gx_vext.obj_pos = {x, y};
+    move(word);
+    EXPECT_EQ(gx_vext.obj_pos, (gx_pointreal_t{x, y})) << word << ": the edge is too near";
+    EXPECT_EQ(gx_vext.pixel_pos, pixel) << word;
+  }
 }
 
 TEST_F(Moves, StepAlongTextsScrollThemAndRecallLines) {
