@@ -2,6 +2,8 @@
 #pragma once
 
 #include <ostream>
+#include <stdexcept>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -13,11 +15,11 @@ inline int nth_object(const gx_file_gene_recf_t& file, gx_type type, int n = 1) 
     if (object->object_type == type && --n == 0) return object->object_id;
   return 0;
 }
-// A type by its name; the last one where no other has it.
+// A type by its name.
 inline gx_type type_named(std::string_view name) {
-  int code = 1;
-  while (code < gx_max_type && gx_type_name(static_cast<gx_type>(code)) != name) ++code;
-  return static_cast<gx_type>(code);
+  for (int code = 1; code <= gx_max_type; ++code)
+    if (gx_type_name(static_cast<gx_type>(code)) == name) return static_cast<gx_type>(code);
+  throw std::runtime_error("no type " + std::string(name));
 }
 template <typename Rec>
 Rec& nth_record(const gx_file_gene_recf_t& file, int n = 1) {

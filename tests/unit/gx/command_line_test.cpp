@@ -244,7 +244,9 @@ TEST_F(MenuLevels, LieWhereTheyAreAskedForAndBesideEachOther) {
   const std::string kept = "+1 149,119 134x340 +2 270,118 98x340 ",
                     put_back = "-2 270,118 98x340 -1 149,119 134x340 ";
   EXPECT_EQ(counting_screen::areas, kept + put_back + kept + put_back);
+  gx_pen_line(7, 0, {300, 700, 320, 700});
   gx_cursor_set_position({0, 2000});
+  EXPECT_TRUE(counting_screen::has_line({300, 700, 320, 700})) << "drawn before the pointer goes";
   EXPECT_EQ(gx_vext.pointer_put, (gx_point16_t{18, 982}));
 }
 

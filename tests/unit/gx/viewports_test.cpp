@@ -172,6 +172,7 @@ TEST(ViewportTable, BordersAndSegmentsAreDrawnInIt) {
   EXPECT_EQ(gx_vext.viewport[1].border.border_color, gx_nb_of_colors - 1);
   gx_draw_new_viewport_border(1, 1, 3);
   { const gx_offscreen_t without_screen({0, 0, 9, 9}); }
+  gx_sync();
   const counting_screen screen;
   { const gx_offscreen_t picture({0, 0, 9, 9}); }
   EXPECT_EQ(counting_screen::pictures, 1);
