@@ -1,4 +1,5 @@
 // The services of the operating system as the program sees them.
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/resource.h>
@@ -186,6 +187,12 @@ TEST(SymbolTable, AProcedureOfThisProgramIsFoundAndCalled) {
   EXPECT_EQ(xm_get_extid_offset(("/" + std::string(99, 'x')).c_str(), "main"), 0U);
   EXPECT_EQ(testing::internal::GetCapturedStdout().substr(0, 45),
             " !!! Error in gx_getextid_offset(c) : len= 99");
+  // A library without its full table has the names that others use.
+  Dl_info library{};
+  const auto used = reinterpret_cast<std::uintptr_t>(dlsym(RTLD_DEFAULT, "getppid"));
+  ASSERT_NE(dladdr(reinterpret_cast<void*>(used), &library), 0);
+  EXPECT_EQ(xm_get_extid_offset(library.dli_fname, "getppid"),
+            used - reinterpret_cast<std::uintptr_t>(library.dli_fbase));
   // In a copy it is where the file says; one for another machine is not read.
   scratch_directory directory;
   const std::string copy = directory.path() / "copy";
