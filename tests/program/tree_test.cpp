@@ -33,7 +33,7 @@ sheet top
   part M1 mid 8,4
   part M2 mid 24,4
   part M3 low 36,14
-  net A
+  net NAME_OF_A_NET_NAME_OF_A_NET_NAME_OF_A_NET_NAME_OF_A_NET_
     wire 8,6 4,6
 )";
 constexpr std::uint32_t green = 0x00FF00;
@@ -187,11 +187,14 @@ TEST_F(Tree, APointerThatRestsHasAHintBesideItUntilItMoves) {
   s.move(ground.x, ground.y);
   std::this_thread::sleep_for(test_time(900));
   EXPECT_EQ(s.picture().pixels, before.pixels);
-  s.move(1140, 522);  // near the right edge it is at the left of the pointer
-  s.changed(before);
-  s.key(XK_Escape);  // any event will do
-  s.settle();
-  EXPECT_EQ(s.picture().pixels, before.pixels);
+  // Near the right edge it is at the left of the pointer; the net has a name wider than a menu.
+  for (const spot at : {spot{1140, 522}, {200, 229}}) {
+    s.move(at.x, at.y);
+    s.changed(before);
+    s.key(XK_Escape);  // any event will do
+    s.settle();
+    EXPECT_EQ(s.picture().pixels, before.pixels) << at.x;
+  }
   s.move(ground.x, ground.y);
   s.command("display hints off");
   s.wait_for_line(" DISplay HINts OFF ");

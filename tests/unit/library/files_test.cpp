@@ -290,17 +290,20 @@ TEST(CommandLines, OptionsValuesAndWords) {
   EXPECT_EQ(read({"-q", "--output"}), "tool: --output needs a value=2");
   EXPECT_EQ(read({"--help"}), "usage: tool\n=0");
   EXPECT_TRUE(read({"--version"}).starts_with("tool (KIVO) "));
-  const auto full = [&] {
+  const auto full = [&](int buffering) {
     char name[] = "tool";
     char* line[] = {name};
     std::vector<std::string_view> words;
     tool_read(tool, 1, line, {}, words);
     std::raise(SIGPIPE);  // who reads the output may go away
     std::freopen("/dev/full", "w", stdout);
+    std::setvbuf(stdout, nullptr, buffering, 100);
     tool_print(stdout, "lost");
     std::exit(tool_end(tool, 0));
   };
-  EXPECT_EXIT(full(), testing::ExitedWithCode(1), "tool: standard output: No space left");
+  for (const int buffering : {_IOFBF, _IONBF})  // refused at the end, and before
+    EXPECT_EXIT(full(buffering), testing::ExitedWithCode(1),
+                "tool: standard output: No space left");
 }
 
 }  // namespace
