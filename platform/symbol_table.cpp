@@ -107,11 +107,9 @@ class elf_file {
     if (!file_.read(0, &header_, sizeof header_)) return;
     if (header_.e_ident[EI_CLASS] != ELFCLASS64 || header_.e_shentsize != sizeof(Elf64_Shdr))
       return;
-    const auto table =
-        file_.bytes(header_.e_shoff, std::uint64_t{header_.e_shnum} * sizeof(Elf64_Shdr));
-    if (!table) return;
-    for (std::size_t i = 0; i < header_.e_shnum; ++i)
-      sections_.push_back(record_at<Elf64_Shdr>(*table, i));
+    sections_.resize(header_.e_shnum);
+    if (!file_.read(header_.e_shoff, sections_.data(), sections_.size() * sizeof(Elf64_Shdr)))
+      sections_.clear();
     if (header_.e_shstrndx < sections_.size())
       section_names_ = contents(sections_[header_.e_shstrndx]);
   }

@@ -222,6 +222,9 @@ TEST(ShellCommands, GiveTheirOutputAndEndWhenAsked) {
   EXPECT_EQ(x_shell_word("it's $5"), "'it'\\''s $5'");
   scratch_directory directory;
   const std::string mark = directory.file("mark").string();
+  read(("trap 'echo >" + mark + "; exit' TERM; while :; do sleep .1; done").c_str(), 4);
+  EXPECT_TRUE(fs::exists(mark)) << "asked to end before it is killed";
+  fs::remove(mark);
   xshell_run(("echo >" + mark).c_str(), [] { return false; });
   EXPECT_TRUE(fs::exists(mark));
   x_run_program("/bin/rm", mark.c_str());

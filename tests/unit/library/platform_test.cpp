@@ -106,6 +106,7 @@ std::string aout_file(std::uint32_t magic, std::uint64_t header_offset) {
   raise(SIGHUP);
   if (x_stop_signal() != 0) std::exit(8);
   raise(SIGTERM);
+  if (x_wait({}, -1).by != x_waking::signal) std::exit(15);
   raise(SIGINT);
   if (x_wait(both, -1).by != x_waking::signal || x_stop_signal() != SIGTERM) std::exit(9);
   if (x_wait(both, -1).by != x_waking::readable) std::exit(10);  // the signal was told
