@@ -21,9 +21,12 @@ struct context_t {
 };
 context_t state;
 
-short to_short(int v) { return static_cast<short>(std::clamp(v, -32768, 32767)); }
-
-unsigned short to_size(int v) { return static_cast<unsigned short>(std::clamp(v, 0, 65535)); }
+// Larger arcs than those of 16 bits come as lines.
+XArc request_of(const gx_arc16_t& arc) {
+  const auto size = static_cast<unsigned short>(arc.size);
+  return {static_cast<short>(arc.x),     static_cast<short>(arc.y),     size, size,
+          static_cast<short>(arc.angle), static_cast<short>(arc.extent)};
+}
 
 void use_color(int color) {
   if (state.color == color) return;
@@ -77,10 +80,7 @@ void gx_draw_strokes(const gx_stroke_group_t& group) {
     XDrawSegments(dpy, target, gx_vext.our_gc, lines.data(), static_cast<int>(lines.size()));
   }
   if (!group.arcs.empty()) {
-    auto& arcs = requests_of<XArc>(group.arcs, [](const gx_arc16_t& arc) {
-      return XArc{to_short(arc.x),   to_short(arc.y),     to_size(arc.size),
-                  to_size(arc.size), to_short(arc.angle), to_short(arc.extent)};
-    });
+    auto& arcs = requests_of<XArc>(group.arcs, request_of);
     XDrawArcs(dpy, target, gx_vext.our_gc, arcs.data(), static_cast<int>(arcs.size()));
   }
   if (!group.boxes.empty()) {
